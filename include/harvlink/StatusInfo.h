@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+#include "harvlink/Export.h"
+
+namespace harvlink {
+
+/// Codes that the library itself raises or names. Codes up to 0xFFFF that are not listed come from the controller and
+/// are compared by number. The 0x2.... and 0x3.... families count in a decimal-looking hexadecimal (0x30009 is followed
+/// by 0x30010).
+enum class ErrorStatusCodes : std::int32_t {
+    Ok = 0,
+    OperationInterrupted = 0xffef,
+    GeneralError = 0xffff,
+    UndefinedException = 0x10000,
+    CommunicationError = 0x10001,
+    FileUploadError = 0x10002,
+    SocketOpenError = 0x10003,
+    InvalidBitValue = 0x10004,
+    ControllerObjectCreationFailed = 0x10007,
+    FileOpenOrSaveError = 0x20000,
+    InvalidFileExtension = 0x20001,
+    FileExistsNoOverwrite = 0x20002,
+    FileNotFoundOnPc = 0x20003,
+    FileWriteOpenError = 0x20004,
+    FileReadOpenError = 0x20005,
+    NoFilesWithExtension = 0x20006,
+    InvalidJobNameLength = 0x20007,
+    FileTypeNotWritable = 0x20008,
+    InvalidIOGroup = 0x20009,
+    KinematicTypeMissing = 0x20010,
+    DeltaPreviousAngleMissing = 0x20011,
+    InvalidSystemKinematicType = 0x20012,
+    InvalidConversionFromCartesian = 0x20013,
+    InvalidConversionToCartesian = 0x20014,
+    InvalidCoordinateType = 0x20015,
+    ActiveToolOnly = 0x20016,
+    JointSpeedOutOfRange = 0x30001,
+    SpeedOutOfRange = 0x30002,
+    UnsupportedOnThisController = 0x30005,
+    ResponseTimeout = 0x30006,
+    IOAddressNotWritable = 0x30007,
+    InvalidVariableIndex = 0x30008,
+    AccelerationOutOfRange = 0x30009,
+    DecelerationOutOfRange = 0x30010,
+    InvalidSystemParameter = 0x30011,
+    SystemParameterNeedsGroup = 0x30012,
+    VersionMismatch = 0x30013,
+    JobNameMismatch = 0x30014,
+    ControlGroupNotAttached = 0x30015,
+    InvalidSystemParameterGroup = 0x30016,
+    InvalidAlarmCategory = 0x30017,
+};
+
+/// The result of every operation. Compare `StatusCode`, show `Message`.
+///
+/// | code | origin |
+/// |---|---|
+/// | 0 | success; the message is "OK" or a note such as a truncation |
+/// | 1 to 0xFFFF | the controller refused, with this number |
+/// | 0x10000 and up | the library refused, see ErrorStatusCodes |
+/// | 0x40000000 and up | a file on this computer failed |
+/// | large negative | the controller refused and a subsystem gave its number a meaning of its own: add 50000000 (motion),
+///   60000000 (control group), 80000000 (job) or 0x70000000 (conversion) to get the controller's number back |
+struct StatusInfo {
+    std::int32_t StatusCode = 0;
+    std::string Message;
+};
+
+/// A StatusInfo that knows the texts: the constructors with a code alone look it up in the main table.
+/// An unknown code gets "Could not find an error description with that code.", code 0 gets "OK".
+class HARVLINK_EXPORT StatusInformation : public StatusInfo {
+public:
+    // NOLINTBEGIN(google-explicit-constructor): a code is a status, and is returned as one everywhere
+    StatusInformation(int code);
+    StatusInformation(ErrorStatusCodes code);
+    // NOLINTEND(google-explicit-constructor)
+
+    /// Sets both as given, without a look-up; the code may be one that the table does not know.
+    StatusInformation(ErrorStatusCodes code, std::string_view message);
+    StatusInformation(int code, std::string_view message);
+
+    /// As the constructor: the code is stored and its text looked up.
+    StatusInformation& operator=(int code);
+
+    bool operator==(int code) const { return StatusCode == code; }
+    bool operator!=(int code) const { return StatusCode != code; }
+    bool operator==(ErrorStatusCodes code) const { return StatusCode == static_cast<std::int32_t>(code); }
+    bool operator!=(ErrorStatusCodes code) const { return StatusCode != static_cast<std::int32_t>(code); }
+
+    /// The look-up itself: `message` becomes the text of `code`. This object is neither read nor changed.
+    void GetError(std::string& message, int code) const;
+};
+
+/// Writes "Code (<decimal code>): <message>" without a line end.
+HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, StatusInfo const& status);
+
+} // namespace harvlink
