@@ -1,0 +1,12 @@
+#pragma once
+
+#include "harvlink/PositionData.h"
+#include "position/PositionMessages.h"
+
+namespace harvlink {
+
+/// Between a position and the older road's record; the coordinate type of the source decides the scaling.
+PositionData FromRobotPositionMsg(RobotPositionMsg const& message);
+RobotPositionMsg ToRobotPositionMsg(PositionData const& position);
+
+} // namespace harvlink
