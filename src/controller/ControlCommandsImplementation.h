@@ -1,0 +1,28 @@
+#pragma once
+
+#include "harvlink/ControlCommandsInterface.h"
+#include "wire/NetworkManager.h"
+
+namespace harvlink {
+
+class ControlCommandsImplementation final : public ControlCommandsInterface {
+public:
+    explicit ControlCommandsImplementation(NetworkManager* manager) : networkManager(manager) {}
+
+    StatusInfo SetServos(SignalStatus state) override;
+    StatusInfo SetHold(SignalStatus state) override;
+    StatusInfo SetCycleMode(CycleMode mode) override;
+    StatusInfo DisplayStringToPendant(std::string const& text) override;
+    StatusInfo StartJob() override;
+
+    /// Whether the controller stands in remote mode; false too if it can't be asked.
+    bool CheckExternalMode();
+
+private:
+    template <typename In, typename Out>
+    StatusInfo Command(CommandNumber command, unsigned short instance, Out const& value);
+
+    NetworkManager* networkManager;
+};
+
+} // namespace harvlink
