@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <ctime>
+
+namespace harvlink::simulator {
+
+/// Time since a controller was switched on. Runs with the computer's monotonic clock times a scale, or stands still
+/// until it is advanced by hand.
+class Clock {
+public:
+    using Duration = std::chrono::nanoseconds;
+
+    explicit Clock(double scale = 1.0);
+
+    /// A clock that only Advance moves.
+    static Clock Manual();
+
+    Duration Now() const;
+
+    /// Moves the clock forward, whether it runs or not.
+    void Advance(Duration step) { offset_ += step; }
+
+    /// The calendar time that belongs to Now, in seconds since the epoch.
+    std::time_t WallTime() const;
+
+private:
+    double scale_ = 1.0;
+    Duration offset_{0};
+    std::chrono::steady_clock::time_point start_;
+    std::time_t wallStart_ = 0;
+};
+
+} // namespace harvlink::simulator

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "harvlink/ControlGroupId.h"
+#include "harvlink/ControllerVersion.h"
+
+namespace harvlink::simulator {
+
+struct ControlGroup {
+    ControlGroupId id{};
+    std::uint32_t axes = 0; ///< 1 to 8
+};
+
+/// What a virtual controller is built as; it can't be changed afterwards.
+struct ControllerOptions {
+    ControllerVersion generation = ControllerVersion::VersionYA;
+    int rs022 = 1; ///< 1: instance numbers of variables equal their indexes; 0: they are one higher
+    std::vector<ControlGroup> groups{{ControlGroupId::R1, 6}}; ///< the first four are the motion slots
+    std::filesystem::path filesFolder; ///< served instead of the generated files unless empty
+    std::uint32_t toolCount = 64; ///< tools are numbered from 0
+    double timeScale = 1.0; ///< 0: time stands still until VirtualController::Advance
+};
+
+} // namespace harvlink::simulator

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "simulator/CommandHandler.h"
+#include "simulator/model/ControllerModel.h"
+
+namespace harvlink::simulator {
+
+/// Finds the handler of a request, after refusing what no handler needs to see.
+class Dispatcher {
+public:
+    explicit Dispatcher(ControllerModel& model);
+
+    void Handle(Request const& request, Reply& reply);
+
+private:
+    static constexpr std::size_t CommandLimit = 1024;
+
+    void Add(std::unique_ptr<CommandHandler> handler);
+    void HandleRobotPort(Request const& request, Reply& reply);
+    void HandleFilePort(Request const& request, Reply& reply);
+
+    ControllerModel& model_;
+    std::vector<std::unique_ptr<CommandHandler>> handlers_;
+    std::array<CommandHandler*, CommandLimit> byCommand_{};
+    std::unique_ptr<CommandHandler> fileHandler_;
+};
+
+} // namespace harvlink::simulator

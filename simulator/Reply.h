@@ -1,0 +1,73 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <type_traits>
+
+#include "simulator/Refusal.h"
+#include "simulator/Request.h"
+
+namespace harvlink::simulator {
+
+/// The answer under construction. One object is used over and over, so its payload holds old bytes: a handler sets what
+/// it means to send. A fresh reply is a success without payload.
+class Reply {
+public:
+    /// The largest payload that travels in either direction.
+    static constexpr std::size_t MaxPayload = FileBlockSize;
+
+    /// Starts the answer to `request`: same id, division and block number, success, no payload.
+    void Begin(Request const& request);
+
+    /// Answers with the controller's code instead. Drops the payload.
+    void Refuse(Refusal code);
+
+    /// Refuses unless the code is `None`. Returns whether the request was refused.
+    bool RefuseIf(Refusal code) {
+        if (code != Refusal::None) {
+            Refuse(code);
+        }
+        return code != Refusal::None;
+    }
+
+    /// The payload becomes the memory of `record`.
+    template <typename Record>
+    void Set(Record const& record) {
+        static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) <= MaxPayload);
+        std::memcpy(Payload().data(), &record, sizeof(Record));
+        SetPayloadSize(sizeof(Record));
+    }
+
+    /// The payload becomes a copy of `bytes`, cut at `MaxPayload`.
+    void SetBytes(std::span<std::byte const> bytes);
+
+    /// All of the payload's room, to be filled in place; then call SetPayloadSize.
+    std::span<std::byte, MaxPayload> Payload() { return std::span(datagram_).subspan<HeaderSize, MaxPayload>(); }
+    void SetPayloadSize(std::size_t size);
+
+    void SetBlockNumber(std::uint32_t number);
+
+    /// Sends nothing at all: the last acknowledgement of a file transfer has no answer.
+    void Suppress() { suppressed_ = true; }
+
+    bool IsSuppressed() const { return suppressed_; }
+    bool IsRefused() const { return code_ != Refusal::None; }
+    Refusal Code() const { return code_; }
+
+    /// The datagram as it goes out.
+    std::span<std::byte const> Bytes() const { return std::span(datagram_).first(HeaderSize + payloadSize_); }
+
+private:
+    void WriteSubHeader(std::uint8_t status, Refusal code);
+
+    std::array<std::byte, HeaderSize + MaxPayload> datagram_{};
+    std::size_t payloadSize_ = 0;
+    std::uint8_t service_ = 0;
+    Refusal code_ = Refusal::None;
+    bool suppressed_ = false;
+};
+
+} // namespace harvlink::simulator

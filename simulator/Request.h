@@ -1,0 +1,41 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <type_traits>
+
+#include "wire/Packets.h"
+
+namespace harvlink::simulator {
+
+enum class Port : std::uint16_t { Robot = 10040, File = 10041 };
+
+/// A well-formed datagram as it came in. The payload stands in the receive buffer and is gone after the handler returns.
+struct Request {
+    Port port = Port::Robot;
+    std::uint64_t peer = 0; ///< who asked: equal for datagrams of one client socket, different for any other
+    CommonHeader header{};
+    SubHeaderForSending subHeader{};
+    std::span<std::byte const> payload;
+
+    CommandNumber Command() const { return static_cast<CommandNumber>(subHeader.command); }
+    bool IsWrite() const { return subHeader.service == ServiceWriteOne || subHeader.service == ServiceWriteAll; }
+
+    /// The payload as a wire record. A shorter payload leaves the rest of the record zero, a longer one is cut: whether a
+    /// command may have such a size was decided before, by its row in the catalogue.
+    template <typename Record>
+    Record As() const {
+        static_assert(std::is_trivially_copyable_v<Record>);
+        Record record{};
+        auto const size = std::min(payload.size(), sizeof(Record));
+        if (size > 0) {
+            std::memcpy(static_cast<void*>(&record), payload.data(), size);
+        }
+        return record;
+    }
+};
+
+} // namespace harvlink::simulator

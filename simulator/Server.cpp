@@ -1,0 +1,157 @@
+#include "simulator/Server.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <utility>
+
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace harvlink::simulator {
+
+namespace {
+
+constexpr auto TickPeriod = std::chrono::milliseconds(1);
+constexpr int MaxEvents = 64;
+
+std::uint64_t PeerOf(sockaddr_in const& from) {
+    return std::uint64_t{from.sin_addr.s_addr} << 16U | from.sin_port;
+}
+
+} // namespace
+
+Server::Server() : wake_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
+
+Server::~Server() {
+    Stop();
+}
+
+VirtualController& Server::Add(std::string const& address, ControllerOptions const& options) {
+    auto& controller = *controllers_.emplace_back(std::make_unique<VirtualController>(address, options));
+    controller.SetChangeListener([this] {
+        changed_ = true;
+        Wake();
+    });
+    return controller;
+}
+
+bool Server::Start() {
+    if (!BindAll()) {
+        endpoints_.clear();
+        return false;
+    }
+    stopping_ = false;
+    changed_ = true;
+    thread_ = std::thread([this] { Run(); });
+    return true;
+}
+
+void Server::Stop() {
+    if (thread_.joinable()) {
+        stopping_ = true;
+        Wake();
+        thread_.join();
+    }
+    endpoints_.clear();
+}
+
+bool Server::BindAll() {
+    error_.clear();
+    epoll_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
+    Watch(wake_.Get(), nullptr);
+    return std::ranges::all_of(controllers_, [this](auto const& controller) {
+        return Bind(*controller, Port::Robot) && Bind(*controller, Port::File);
+    });
+}
+
+bool Server::Bind(VirtualController& controller, Port port) {
+    auto const number = static_cast<std::uint16_t>(port);
+    auto socket = Socket::Bind(controller.Address(), number);
+    if (!socket.IsOpen()) {
+        error_ = "can't bind " + controller.Address() + ":" + std::to_string(number) + ": " + std::strerror(errno);
+        return false;
+    }
+    auto& endpoint = *endpoints_.emplace_back(std::make_unique<Endpoint>());
+    endpoint = {&controller, port, std::move(socket)};
+    Watch(endpoint.socket.Get(), &endpoint);
+    return true;
+}
+
+void Server::Watch(int descriptor, void* tag) const {
+    epoll_event event{};
+    event.events = EPOLLIN;
+    event.data.ptr = tag;
+    epoll_ctl(epoll_.Get(), EPOLL_CTL_ADD, descriptor, &event);
+}
+
+void Server::Wake() const {
+    std::uint64_t const one = 1;
+    static_cast<void>(!write(wake_.Get(), &one, sizeof(one)));
+}
+
+void Server::Run() {
+    std::array<epoll_event, MaxEvents> events{};
+    while (!stopping_) {
+        int const timeout = active_.empty() ? -1 : static_cast<int>(TickPeriod.count());
+        int const count = epoll_wait(epoll_.Get(), events.data(), MaxEvents, timeout);
+        for (int i = 0; i < count; ++i) {
+            auto const* const tag = events[static_cast<std::size_t>(i)].data.ptr;
+            if (tag == nullptr) {
+                HandleWake();
+            } else {
+                Answer(*static_cast<Endpoint const*>(tag));
+            }
+        }
+        TickIfDue();
+    }
+}
+
+void Server::HandleWake() {
+    std::uint64_t count = 0;
+    static_cast<void>(!read(wake_.Get(), &count, sizeof(count)));
+    if (changed_.exchange(false)) {
+        for (auto const& controller : controllers_) {
+            NoteActivity(*controller);
+        }
+    }
+}
+
+void Server::Answer(Endpoint const& endpoint) {
+    sockaddr_in from{};
+    auto const length = endpoint.socket.Receive(buffer_, from);
+    if (length < 0) {
+        return;
+    }
+    auto& controller = *endpoint.controller;
+    auto const datagram = std::span<std::byte const>(buffer_).first(static_cast<std::size_t>(length));
+    if (!controller.Handle(endpoint.port, PeerOf(from), datagram, reply_)) {
+        return;
+    }
+    if (!reply_.IsSuppressed()) {
+        endpoint.socket.Send(reply_.Bytes(), from);
+    }
+    NoteActivity(controller);
+}
+
+void Server::NoteActivity(VirtualController& controller) {
+    if (controller.IsActive() && std::ranges::find(active_, &controller) == active_.end()) {
+        active_.push_back(&controller);
+    }
+}
+
+void Server::TickIfDue() {
+    if (active_.empty()) {
+        return;
+    }
+    auto const now = std::chrono::steady_clock::now();
+    if (now < nextTick_) {
+        return;
+    }
+    nextTick_ = now + TickPeriod;
+    std::erase_if(active_, [](VirtualController* controller) { return !controller->Tick(); });
+}
+
+} // namespace harvlink::simulator

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "simulator/ControllerOptions.h"
+#include "simulator/Socket.h"
+#include "simulator/VirtualController.h"
+
+namespace harvlink::simulator {
+
+/// Serves any number of virtual controllers on one thread, each on ports 10040 and 10041 of an address of its own.
+///
+///     Server server;
+///     auto& controller = server.Add("127.0.3.1");
+///     if (!server.Start()) { ... server.Error() ... }
+///     controller.With([](ControllerModel& model) { model.variables.bytes[5] = 12; });
+///
+/// Add, SetObserver, Start and Stop belong to one thread; the controllers may be used from any.
+class Server {
+public:
+    /// Told of every datagram that is of the protocol, after it was answered, on the server's thread.
+    using Observer = std::function<void(VirtualController const&, Request const&, Reply const&)>;
+
+    Server();
+    Server(Server const&) = delete;
+    Server& operator=(Server const&) = delete;
+    ~Server();
+
+    /// The controller lives as long as the server. Only before Start.
+    VirtualController& Add(std::string const& address, ControllerOptions const& options = {});
+
+    /// Only before Start.
+    void SetObserver(Observer observer) { observer_ = std::move(observer); }
+
+    /// Binds all addresses, then answers on a thread of its own. False if an address can't be bound: Error tells which
+    /// and why, and nothing is left bound.
+    [[nodiscard]] bool Start();
+
+    /// Ends the thread and closes the sockets. The controllers and what they remember stay; Start may be called again.
+    void Stop();
+
+    std::string const& Error() const { return error_; }
+
+private:
+    struct Endpoint {
+        VirtualController* controller = nullptr;
+        Port port = Port::Robot;
+        Socket socket;
+    };
+
+    bool BindAll();
+    bool Bind(VirtualController& controller, Port port);
+    void Watch(int descriptor, void* tag) const;
+    void Wake() const;
+    void Run();
+    void HandleWake();
+    void Answer(Endpoint const& endpoint);
+    void TickIfDue();
+    void NoteActivity(VirtualController& controller);
+
+    std::vector<std::unique_ptr<VirtualController>> controllers_;
+    std::vector<std::unique_ptr<Endpoint>> endpoints_;
+    std::vector<VirtualController*> active_; ///< those with something going on in time
+    Observer observer_;
+    Descriptor epoll_;
+    Descriptor wake_;
+    std::string error_;
+    Reply reply_;
+    std::array<std::byte, 2048> buffer_{};
+    std::atomic<bool> stopping_ = false;
+    std::atomic<bool> changed_ = false; ///< some controller was changed by another thread
+    std::chrono::steady_clock::time_point nextTick_;
+    std::thread thread_;
+};
+
+} // namespace harvlink::simulator

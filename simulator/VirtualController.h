@@ -1,0 +1,85 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "simulator/Clock.h"
+#include "simulator/ControllerOptions.h"
+#include "simulator/Dispatcher.h"
+#include "simulator/model/ControllerModel.h"
+
+namespace harvlink::simulator {
+
+/// What a controller counted since it was made.
+struct TrafficCounts {
+    std::uint64_t requests = 0; ///< datagrams of this protocol
+    std::uint64_t refused = 0; ///< of these, how many got an error code
+    std::uint64_t ignored = 0; ///< datagrams that are not of this protocol: nobody answers them
+};
+
+/// One controller: its model, its clock, and the road from a datagram to an answer. Sockets are the server's.
+class VirtualController {
+public:
+    VirtualController(std::string address, ControllerOptions const& options);
+
+    std::string const& Address() const { return address_; }
+
+    /// Calls `function` with the model, locked against the server, and returns what it returns. What changed takes effect
+    /// at once, running jobs and motion included.
+    template <typename Function>
+    decltype(auto) With(Function&& function) {
+        ChangeNotice const notice{*this};
+        std::scoped_lock const lock(mutex_);
+        ActivityNote const note{*this};
+        return std::forward<Function>(function)(model_);
+    }
+
+    /// Moves the clock forward by hand, in steps of a millisecond, and lets jobs and motion follow.
+    void Advance(Clock::Duration step);
+
+    TrafficCounts Traffic();
+
+    /// Called from any thread after With, when there may be something to tick. The server sets it.
+    void SetChangeListener(std::function<void()> listener) { changed_ = std::move(listener); }
+
+    /// Answers one datagram into `reply`. False if it is not of this protocol and must stay unanswered.
+    bool Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram, Reply& reply);
+
+    /// Lets jobs and motion advance. Returns whether they need it again.
+    bool Tick();
+
+    /// Whether jobs or motion need Tick, as of the last datagram or change. May be asked from any thread.
+    bool IsActive() const { return active_; }
+
+private:
+    /// Both act when they go out of scope: the note still under the lock, the notice after it.
+    struct ActivityNote {
+        VirtualController& controller;
+        ~ActivityNote() { controller.active_ = controller.model_.NeedsTicks(); }
+    };
+    struct ChangeNotice {
+        VirtualController& controller;
+        ~ChangeNotice() {
+            if (controller.changed_) {
+                controller.changed_();
+            }
+        }
+    };
+
+    std::string address_;
+    std::mutex mutex_;
+    Clock clock_;
+    ControllerModel model_;
+    Dispatcher dispatcher_;
+    TrafficCounts traffic_;
+    std::function<void()> changed_;
+    std::atomic<bool> active_ = false;
+};
+
+} // namespace harvlink::simulator

@@ -1,0 +1,76 @@
+#include "simulator/arm/Workcell.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "simulator/arm/ForwardKinematics.h"
+#include "wire/WireInteger.h"
+
+namespace harvlink::simulator {
+
+WireAxes CartesianPosition::ToWire() const {
+    WireAxes axes{};
+    for (std::size_t i = 0; i < pose.size(); ++i) {
+        axes[i] = ScaleToInt32(pose[i], i < 3 ? 1000.0 : 10000.0);
+    }
+    axes[6] = ScaleToInt32(externalAngles[0], 10000.0);
+    axes[7] = ScaleToInt32(externalAngles[1], 10000.0);
+    return axes;
+}
+
+Workcell::Workcell(ControlGroups const& groups, Frames const& frames) : groups_(groups), frames_(frames) {
+    axes_.reserve(groups.All().size());
+    std::ranges::transform(groups.All(), std::back_inserter(axes_), AxesOf);
+}
+
+std::size_t Workcell::Index(ControlGroup const& group) const {
+    return static_cast<std::size_t>(&group - groups_.All().data());
+}
+
+Stance Workcell::Home() const {
+    Stance stance(axes_.size());
+    for (std::size_t i = 0; i < axes_.size(); ++i) {
+        if (axes_[i].isArm) {
+            stance[i] = WithArmAngles(stance[i], HomeAngles);
+        }
+    }
+    return stance;
+}
+
+bool Workcell::HasTool(std::int64_t number) const {
+    return number >= 0 && number < static_cast<std::int64_t>(frames_.tools.size());
+}
+
+bool Workcell::HasUser(std::int64_t number) const {
+    return number >= 1 && number < static_cast<std::int64_t>(frames_.users.size()) &&
+           frames_.users[static_cast<std::size_t>(number)].isDefined;
+}
+
+Frame Workcell::Tool(std::int64_t number) const {
+    return HasTool(number) ? FrameOfPose(frames_.tools[static_cast<std::size_t>(number)].pose) : Frame{};
+}
+
+Frame Workcell::SystemFromRobot(ControlGroup const& robot, CoordinateSystem const& system, Stance const& stance) const {
+    if (system.kind == CoordinateSystem::Kind::Robot) {
+        return {};
+    }
+    // Robot n rides on base n, whose first three axes run along X, Y and Z.
+    auto const* const base = groups_.Find(static_cast<ControlGroupId>(static_cast<std::int32_t>(robot.id) + 10));
+    AxisValues const travel = base == nullptr ? AxisValues{} : stance[Index(*base)];
+    Frame const baseFromRobot = Translation(-travel[0], -travel[1], -travel[2]);
+    if (system.kind == CoordinateSystem::Kind::User && HasUser(system.user)) {
+        return baseFromRobot * FrameOfPose(frames_.users[static_cast<std::size_t>(system.user)].pose);
+    }
+    return baseFromRobot;
+}
+
+CartesianPosition Workcell::PositionOf(ControlGroup const& robot, AxisValues const& values,
+                                       CoordinateSystem const& system, std::int64_t tool, Stance const& stance) const {
+    ArmAngles const angles = ArmAnglesOf(values);
+    Frame const tip = FlangeOf(StandardArm, angles) * Tool(tool);
+    return {.pose = PoseOfFrame(SystemFromRobot(robot, system, stance).Inverse() * tip),
+            .externalAngles = {values[6], values[7]},
+            .figure = FigureOf(StandardArm, angles)};
+}
+
+} // namespace harvlink::simulator

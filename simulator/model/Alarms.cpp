@@ -1,0 +1,51 @@
+#include "simulator/model/Alarms.h"
+
+#include <algorithm>
+
+#include "simulator/model/FixedText.h"
+
+namespace harvlink::simulator {
+
+namespace {
+
+std::size_t BlockIndex(AlarmCategory category) {
+    return static_cast<std::size_t>(category) / 1000;
+}
+
+template <typename List>
+void PushFront(List& list, Alarms::Record const& record) {
+    std::shift_right(list.begin(), list.end(), 1);
+    list.front() = record;
+}
+
+} // namespace
+
+AlarmCategory Alarms::CategoryOf(std::uint32_t code) {
+    if (code < 4000) {
+        return AlarmCategory::Major;
+    }
+    if (code < 8000) {
+        return AlarmCategory::Minor;
+    }
+    if (code < 8500) {
+        return AlarmCategory::SystemUser;
+    }
+    return code < 9000 ? AlarmCategory::User : AlarmCategory::Offline;
+}
+
+void Alarms::Raise(std::uint32_t code, std::uint32_t subcode, std::string_view name, std::time_t when) {
+    Record record;
+    record.code = code;
+    record.subcode = subcode;
+    record.subcodeType = 1;
+    FillText(record.time, CalendarText(when));
+    FillText(record.name, name);
+    PushFront(active_, record);
+    PushFront(history_.at(BlockIndex(CategoryOf(code))), record);
+}
+
+Alarms::Record Alarms::History(AlarmCategory category, std::size_t position) const {
+    return history_.at(BlockIndex(category)).at(position - 1);
+}
+
+} // namespace harvlink::simulator

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "simulator/ControllerOptions.h"
+#include "wire/GroupAddress.h"
+
+namespace harvlink::simulator {
+
+/// The control groups that the controller has.
+class ControlGroups {
+public:
+    static constexpr std::size_t MotionSlots = 4;
+
+    explicit ControlGroups(std::vector<ControlGroup> groups) : groups_(std::move(groups)) {}
+
+    std::vector<ControlGroup> const& All() const { return groups_; }
+
+    /// Null if the controller has no such group.
+    ControlGroup const* Find(ControlGroupId id) const;
+
+    /// The same for the form in which the extended commands name a group.
+    ControlGroup const* Find(GroupAddress const& address) const;
+
+    /// The group of a motion slot, from 0; null for an empty one.
+    ControlGroup const* Slot(std::size_t slot) const {
+        return slot < MotionSlots && slot < groups_.size() ? &groups_[slot] : nullptr;
+    }
+
+    /// The controller's own numbering has no gaps: robots 1 to 8, bases 9 to 16, stations from 17.
+    static std::uint32_t ContinuousNumber(ControlGroupId id);
+
+    /// From "R1", "B2:3" or "S12:1": the group, and after the colon its number of axes, which is 6 for a robot, 1 for a
+    /// base and 2 for a station unless given. Nothing if the text names no group or not 1 to 8 axes.
+    static std::optional<ControlGroup> FromText(std::string_view text);
+
+private:
+    std::vector<ControlGroup> groups_;
+};
+
+} // namespace harvlink::simulator

@@ -1,0 +1,141 @@
+#include "simulator/model/ControllerModel.h"
+
+namespace harvlink::simulator {
+
+ControllerModel::ControllerModel(ControllerOptions const& controllerOptions, Clock const& controllerClock)
+    : options(controllerOptions),
+      clock(controllerClock),
+      state{.generation = controllerOptions.generation},
+      groups(controllerOptions.groups),
+      parameters(groups, controllerOptions.rs022),
+      variables(controllerOptions.generation),
+      signals(controllerOptions.generation),
+      frames(controllerOptions.toolCount),
+      files(*this),
+      jobs(*this),
+      motion(*this) {}
+
+void ControllerModel::SetMode(Mode mode) {
+    state.mode = mode;
+    if (mode == Mode::Teach) {
+        state.servoOn = false;
+    }
+    StateChanged();
+}
+
+void ControllerModel::SetServo(bool on) {
+    state.servoOn = on && state.mode != Mode::Teach && !alarms.IsActive();
+    StateChanged();
+}
+
+void ControllerModel::SetHold(HoldSource source, bool on) {
+    switch (source) {
+    case HoldSource::Pendant:
+        state.pendantHold = on;
+        break;
+    case HoldSource::External:
+        state.externalHold = on;
+        break;
+    case HoldSource::Command:
+        state.commandHold = on;
+        break;
+    }
+    StateChanged();
+}
+
+void ControllerModel::SetCycle(CycleMode cycle) {
+    state.cycle = cycle;
+    StateChanged();
+}
+
+void ControllerModel::SetError(bool on) {
+    state.error = on;
+    StateChanged();
+}
+
+Refusal ControllerModel::CommandServo(bool on) {
+    if (state.mode != Mode::Remote) {
+        return state.mode == Mode::Teach ? Refusal::IncorrectMode : Refusal::RemoteModeNeeded;
+    }
+    if (on && IsFaulted()) {
+        return Refusal::AlarmOrErrorIsActive;
+    }
+    SetServo(on);
+    return Refusal::None;
+}
+
+Refusal ControllerModel::CommandHold(bool on) {
+    // Stopping is possible in every mode, going on is not.
+    if (!on && state.mode != Mode::Remote) {
+        return Refusal::RemoteModeNeeded;
+    }
+    SetHold(HoldSource::Command, on);
+    return Refusal::None;
+}
+
+Refusal ControllerModel::CommandCycle(CycleMode cycle) {
+    if (state.mode != Mode::Remote) {
+        return Refusal::RemoteModeNeeded;
+    }
+    SetCycle(cycle);
+    return Refusal::None;
+}
+
+Refusal ControllerModel::CommandStartJob() {
+    if (IsRunning()) {
+        return Refusal::RobotIsOperating;
+    }
+    auto const refusal = CheckReadyToMove();
+    return refusal == Refusal::None ? jobs.Start() : refusal;
+}
+
+Refusal ControllerModel::CheckReadyToMove() const {
+    if (state.mode != Mode::Remote) {
+        return Refusal::RemoteModeNeeded;
+    }
+    if (IsFaulted()) {
+        return Refusal::AlarmOrErrorIsActive;
+    }
+    if (state.IsHeld()) {
+        return HoldRefusal();
+    }
+    return state.servoOn ? Refusal::None : Refusal::ServoPowerIsOff;
+}
+
+Refusal ControllerModel::HoldRefusal() const {
+    if (state.pendantHold) {
+        return Refusal::PendantHold;
+    }
+    return state.externalHold ? Refusal::ExternalHold : Refusal::CommandHold;
+}
+
+void ControllerModel::RaiseAlarm(std::uint32_t code, std::uint32_t subcode, std::string_view name) {
+    alarms.Raise(code, subcode, name, clock.WallTime());
+    state.servoOn = false;
+    StateChanged();
+}
+
+void ControllerModel::ResetAlarms() {
+    alarms.Reset();
+    StateChanged();
+}
+
+void ControllerModel::Tick() {
+    auto const now = clock.Now();
+    jobs.Tick(now);
+    motion.Tick(now);
+    UpdateTimes();
+}
+
+void ControllerModel::UpdateTimes() {
+    times.Update(clock.Now(), {.servo = state.servoOn, .playback = jobs.IsRunning(), .moving = motion.IsRunning()});
+}
+
+void ControllerModel::StateChanged() {
+    UpdateTimes();
+    jobs.OnStateChange();
+    motion.OnStateChange();
+    UpdateTimes();
+}
+
+} // namespace harvlink::simulator

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "simulator/Clock.h"
+
+namespace harvlink::simulator {
+
+/// The counters of operating time. They start with what an older machine would show and go on while their condition
+/// holds.
+class OperatingTimes {
+public:
+    enum class Counter : std::uint8_t { ControlPower, Servo, Playback, Moving, Application };
+
+    struct Activity {
+        bool servo = false;
+        bool playback = false;
+        bool moving = false;
+    };
+
+    /// Adds the time since the last update to the counters that ran until now; from now on those of `activity` run.
+    void Update(Clock::Duration now, Activity activity);
+
+    std::uint64_t Seconds(Counter counter) const;
+
+private:
+    static constexpr std::size_t Counters = 5;
+
+    std::array<Clock::Duration, Counters> totals_{std::chrono::hours(9876), std::chrono::hours(4321),
+                                                  std::chrono::hours(2468), std::chrono::hours(1357),
+                                                  std::chrono::hours(864)};
+    Activity activity_{};
+    Clock::Duration updated_{0};
+};
+
+} // namespace harvlink::simulator
