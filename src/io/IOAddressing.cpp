@@ -1,0 +1,91 @@
+#include <algorithm>
+
+#include "io/IOImplementation.h"
+#include "status/ErrorTables.h"
+
+// Which addresses exist, and by which road they are written.
+
+namespace harvlink {
+namespace {
+
+StatusInfo Failed(IOError error) {
+    return StatusInformation(static_cast<int>(error), IOErrorTable.Find(error).value());
+}
+
+} // namespace
+
+IOImplementation::IOImplementation(NetworkManager* manager) : networkManager(manager) {
+    SetMinMaxVals();
+}
+
+void IOImplementation::SetMinMaxVals() {
+    for (std::size_t type = 0; type < ranges.size(); ++type) {
+        ranges[type] = GetAddressRange(static_cast<IOType>(type), networkManager->controllerVersion);
+    }
+}
+
+IOSelection IOImplementation::GetIOSelection(IOType type) const {
+    return harvlink::GetIOSelection(type, networkManager->controllerVersion);
+}
+
+bool IOImplementation::IsGroupValid(IOType type, IOSelection selection, unsigned short group) const {
+    // The low groups of general inputs exist on every controller.
+    return (type == IOType::GeneralInput && group < 10) || (selection.baseNumber != 0 && group <= selection.groupCount);
+}
+
+bool IOImplementation::IsAddressValid(unsigned int address, bool& isNetworkInput, bool& isInterfacePanel,
+                                      bool& isGeneralOutput) const {
+    isNetworkInput = Range(IOType::NetworkInput).Contains(address);
+    isInterfacePanel = !isNetworkInput && Range(IOType::InterfacePanelInput).Contains(address);
+    isGeneralOutput = !isNetworkInput && !isInterfacePanel && Range(IOType::GeneralOutput).Contains(address);
+    return std::ranges::any_of(ranges, [&](AddressRange const& range) { return range.Contains(address); });
+}
+
+WriteRoad IOImplementation::CheckAddressWriteable(unsigned int address, StatusInfo& status, bool isBitAddress) const {
+    bool isNetworkInput = false;
+    bool isInterfacePanel = false;
+    bool isGeneralOutput = false;
+    bool const isAligned = isBitAddress || address % 10 == 0;
+    if (!isAligned || !IsAddressValid(address, isNetworkInput, isInterfacePanel, isGeneralOutput)) {
+        status = Failed(IOError::InvalidAddress);
+        return WriteRoad::Refused;
+    }
+    if (isNetworkInput) {
+        status = StatusInformation(ErrorStatusCodes::Ok);
+        return WriteRoad::Older;
+    }
+    // Compared unsigned: an unknown generation counts as new here.
+    if (static_cast<std::uint32_t>(networkManager->controllerVersion) <=
+        static_cast<std::uint32_t>(ControllerVersion::VersionFS)) {
+        status = Failed(IOError::InvalidAddress);
+        return WriteRoad::Refused;
+    }
+    if (isGeneralOutput || isInterfacePanel) {
+        status = StatusInformation(ErrorStatusCodes::Ok);
+        return WriteRoad::Extended;
+    }
+    status = Failed(IOError::AddressNotWritable);
+    return WriteRoad::Refused;
+}
+
+unsigned int IOImplementation::ConvertIOGroupToBitAddress(IOType type, unsigned short group, unsigned char bit,
+                                                          StatusInfo& status) {
+    IOSelection const selection = GetIOSelection(type);
+    if (!IsGroupValid(type, selection, group)) {
+        status = StatusInformation(ErrorStatusCodes::InvalidIOGroup);
+        return 0;
+    }
+    if (bit > 7) {
+        status = StatusInformation(ErrorStatusCodes::InvalidBitValue);
+        return 0;
+    }
+    if (group == 0) {
+        status = StatusInformation(ErrorStatusCodes::InvalidIOGroup);
+        return 0;
+    }
+    status = StatusInformation(ErrorStatusCodes::Ok);
+    unsigned int const address = (selection.baseNumber + group) * 10U + bit;
+    return type == IOType::GeneralInput ? address - 10 : address;
+}
+
+} // namespace harvlink

@@ -1,0 +1,144 @@
+#include "io/IOImplementation.h"
+#include "io/IOMessages.h"
+#include "status/ContextualStatusInfoHandler.h"
+#include "status/ErrorTables.h"
+#include "variables/VariableFunctions.h"
+
+// The exchanges that reads and writes are made of.
+
+namespace harvlink {
+namespace {
+
+constexpr int invalidInstance = 40961;
+constexpr int invalidRegister = 65535;
+constexpr int registersCountFromZero = 1; // as if RS022 were 1: the instance is the bare register number
+
+/// Codes of the small table keep their number and get its text.
+void ApplyIOTable(StatusInfo& status) {
+    HSEContextualStatusInfoHandler<IOError>(&IOErrorTable).SetContextualError(status);
+}
+
+StatusInfo InvalidRegister() {
+    return StatusInformation(invalidRegister, "Register address is invalid.");
+}
+
+} // namespace
+
+std::bitset<8> IOImplementation::ReadIO(unsigned int address, StatusInfo& status) {
+    return UINT8ReadIO(address, status);
+}
+
+unsigned char IOImplementation::UINT8ReadIO(unsigned int address, StatusInfo& status) {
+    if (address % 10 != 0) {
+        status = StatusInformation(static_cast<int>(IOError::InvalidAddress),
+                                   IOErrorTable.Find(IOError::InvalidAddress).value());
+        return 0;
+    }
+    auto const reply =
+        networkManager->SimpleRequest<std::uint8_t>(static_cast<std::uint16_t>(address / 10), CommandNumber::IOData,
+                                                    status, FixedField::FirstAttribute, ServiceReadOne);
+    ApplyIOTable(status);
+    return reply.payload;
+}
+
+std::bitset<8> IOImplementation::ReadIO(IOType type, unsigned short group, StatusInfo& status) {
+    IOSelection const selection = GetIOSelection(type);
+    if (!IsGroupValid(type, selection, group)) {
+        status = StatusInformation(ErrorStatusCodes::InvalidIOGroup);
+        return 0;
+    }
+    unsigned int const address = (selection.baseNumber + group) * 10U;
+    return ReadIO(type == IOType::GeneralInput ? address - 10 : address, status);
+}
+
+unsigned char IOImplementation::UINT8ReadIO(IOType type, unsigned short group, StatusInfo& status) {
+    IOSelection const selection = GetIOSelection(type);
+    if (!IsGroupValid(type, selection, group)) {
+        status = StatusInformation(ErrorStatusCodes::InvalidIOGroup);
+        return 0;
+    }
+    // Without the subtraction of 10 for general inputs, on purpose: this form reads one group above the other.
+    return UINT8ReadIO((selection.baseNumber + group) * 10U, status);
+}
+
+template <typename Payload>
+StatusInfo IOImplementation::SendWrite(Payload const& payload, unsigned short instance, CommandNumber command,
+                                       FixedField field, unsigned char service) {
+    StatusInfo status;
+    networkManager->RecordRequest<std::uint8_t>(payload, instance, command, status, field, service);
+    ApplyIOTable(status);
+    return status;
+}
+
+StatusInfo IOImplementation::WriteIO(unsigned short group, std::bitset<8>& value) {
+    return SendWrite(std::uint64_t{value.to_ullong()}, group, CommandNumber::IOData, FixedField::FirstAttribute,
+                     ServiceWriteOne);
+}
+
+StatusInfo IOImplementation::WriteIO(unsigned short group, unsigned char value) {
+    return SendWrite(value, group, CommandNumber::IOData, FixedField::FirstAttribute, ServiceWriteOne);
+}
+
+StatusInfo IOImplementation::UAPIWriteIO(int address, unsigned char value) {
+    return SendWrite(UAPIIoData{static_cast<std::uint32_t>(address), value}, 0, CommandNumber::UAPIWriteIO,
+                     FixedField::WholeRecord, ServiceWriteAll);
+}
+
+template <std::size_t bits>
+void IOImplementation::UAPIWriteMultiBit(unsigned int group, std::bitset<bits> value, StatusInfo& status) {
+    unsigned int address = group * 10;
+    for (std::size_t i = 0; i < bits; ++i) {
+        status = UAPIWriteIO(static_cast<int>(address), value[i] ? 1 : 0);
+        if (status.StatusCode != 0) {
+            return;
+        }
+        address += (address + 1) % 10 >= 8 ? 3 : 1; // no address ends in 8 or 9
+    }
+}
+
+template void IOImplementation::UAPIWriteMultiBit<8>(unsigned int, std::bitset<8>, StatusInfo&);
+template void IOImplementation::UAPIWriteMultiBit<16>(unsigned int, std::bitset<16>, StatusInfo&);
+
+StatusInfo IOImplementation::ReadRegisterValue(unsigned short index, unsigned short& value) {
+    value = 0;
+    StatusInfo status;
+    auto const reply = networkManager->SimpleRequest<std::uint16_t>(index, CommandNumber::RegisterData, status,
+                                                                    FixedField::FirstAttribute, ServiceReadOne);
+    if (status.StatusCode == invalidInstance) {
+        return InvalidRegister();
+    }
+    if (status.StatusCode == 0) {
+        value = reply.payload;
+    }
+    return status;
+}
+
+/// Bound and refusal are those of variables, on purpose: a refused write is an invalid index, where a refused read is an
+/// invalid register.
+template <typename Value>
+StatusInfo IOImplementation::WriteRegisterValue(unsigned short index, Value value) {
+    return VariableFunctions::SetVariable(index, CommandNumber::RegisterData, value, networkManager,
+                                          registersCountFromZero);
+}
+
+StatusInfo IOImplementation::ReadRegister(unsigned short index, unsigned short& value) {
+    return ReadRegisterValue(index, value);
+}
+
+StatusInfo IOImplementation::ReadRegister(unsigned short index, std::bitset<16>& value) {
+    unsigned short number = 0;
+    StatusInfo status = ReadRegisterValue(index, number);
+    value = number;
+    return status;
+}
+
+StatusInfo IOImplementation::WriteRegister(unsigned short index, unsigned short const& value) {
+    return WriteRegisterValue(index, value);
+}
+
+StatusInfo IOImplementation::WriteRegister(unsigned short index, std::bitset<16> const& value) {
+    // Like a byte, a bit set travels in its width in memory.
+    return WriteRegisterValue(index, std::uint64_t{value.to_ullong()});
+}
+
+} // namespace harvlink
