@@ -1,0 +1,158 @@
+#include "kinematics/Kinematics.h"
+
+#include "position/AxisScaling.h"
+#include "status/ErrorTables.h"
+#include "status/GetStatusInfo.h"
+
+namespace harvlink {
+namespace {
+
+void ApplyConversionTable(StatusInfo& status) {
+    HelperFunction::GetStatusInfo(status, ConversionErrorTable, ConversionErrorOffset);
+}
+
+StatusInfo TooOld() {
+    return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
+}
+
+} // namespace
+
+KinematicsInterface* KinematicsPtr(NetworkManager* networkManager) {
+    return new Kinematics(networkManager);
+}
+
+/// Compared signed, on purpose: unlike for motion, an unknown generation is too old here.
+bool Kinematics::IsTooOld() const {
+    return networkManager->controllerVersion < ControllerVersion::VersionYA;
+}
+
+StatusInfo Kinematics::ConvertPosition(ControlGroupId group, PositionData& position, KinematicConversions conversion,
+                                       PositionData& result) {
+    if (IsTooOld()) {
+        return TooOld();
+    }
+    result = {};
+    UAPIPositionData converted;
+    StatusInfo status = Convert(group, position, conversion, converted);
+    if (status.StatusCode != 0) {
+        ApplyConversionTable(status);
+        return status;
+    }
+    result = converted;
+    if (conversion == KinematicConversions::PulseToJointAngle) {
+        result.coordinateType = CoordinateType::JointAngle;
+    }
+    return status;
+}
+
+StatusInfo Kinematics::Convert(ControlGroupId group, PositionData const& position, KinematicConversions conversion,
+                               UAPIPositionData& out) {
+    switch (conversion) {
+    case KinematicConversions::JointAngleToCartesianPos:
+        return DoConversionSimple(group, {position, true}, out, CommandNumber::ConvertJointAngleToCartesian);
+    case KinematicConversions::PulseToJointAngle:
+        return DoConversionSimple(group, {position, false}, out, CommandNumber::ConvertPulseToJointAngle);
+    case KinematicConversions::JointAngleToPulse:
+        return DoConversionSimple(group, {position, true}, out, CommandNumber::ConvertJointAngleToPulse);
+    case KinematicConversions::PulseToCartesianPos:
+        return DoConversionPulseToCartesianPos(group, {position, false}, out);
+    default:
+        return StatusInformation(ErrorStatusCodes::InvalidConversionToCartesian);
+    }
+}
+
+StatusInfo Kinematics::ConvertPositionFromCartesian(ControlGroupId group, PositionData& position,
+                                                    KinematicConversions conversion, KinematicType type,
+                                                    std::array<double, 8> const& previousAngles, PositionData& result) {
+    if (IsTooOld()) {
+        return TooOld();
+    }
+    result = {};
+    bool const toJointAngle = conversion == KinematicConversions::CartesianPosToJointAngle;
+    if (!toJointAngle && conversion != KinematicConversions::CartesianPosToPulse) {
+        return StatusInformation(ErrorStatusCodes::InvalidConversionFromCartesian);
+    }
+    StatusInfo status;
+    UAPIPositionData jointAngles;
+    DoConversionCartesianPosToJointAngle(group, {position, false}, jointAngles, status, type, previousAngles);
+    if (toJointAngle) {
+        // Also after a failure: zero axes of type JointAngle.
+        result = jointAngles;
+        result.coordinateType = CoordinateType::JointAngle;
+    } else if (status.StatusCode == 0) {
+        UAPIPositionData pulses;
+        status = DoConversionSimple(group, jointAngles, pulses, CommandNumber::ConvertJointAngleToPulse);
+        result = pulses;
+    }
+    ApplyConversionTable(status);
+    return status;
+}
+
+StatusInfo Kinematics::DoConversionSimple(ControlGroupId group, UAPIPositionData const& in, UAPIPositionData& out,
+                                          CommandNumber command) {
+    StatusInfo status;
+    auto const reply = networkManager->RecordRequest<UAPIPositionData>(
+        ConversionMsg{GroupAddress(group), in}, 0, command, status, FixedField::WholeRecord, ServiceReadAll);
+    if (status.StatusCode == 0) {
+        out = reply.payload;
+    }
+    return status;
+}
+
+StatusInfo Kinematics::DoConversionPulseToCartesianPos(ControlGroupId group, UAPIPositionData const& in,
+                                                       UAPIPositionData& out) {
+    UAPIPositionData jointAngles;
+    StatusInfo status = DoConversionSimple(group, in, jointAngles, CommandNumber::ConvertPulseToJointAngle);
+    if (status.StatusCode != 0) {
+        return status;
+    }
+    return DoConversionSimple(group, jointAngles, out, CommandNumber::ConvertJointAngleToCartesian);
+}
+
+StatusInfo Kinematics::DoConversionCartesianPosToJointAngle(
+    ControlGroupId group, UAPIPositionData const& in, UAPIPositionData& out, StatusInfo& status,
+    std::optional<KinematicType> type, std::optional<std::array<double, 8>> const& previousAngles) {
+    ConvertCartPosToJointAngleMsg message{.group = GroupAddress(group), .position = in, .kinematicType = type.value()};
+    if (previousAngles) {
+        // In the controller's unit already, unlike every other position: truncated, without a factor.
+        message.previousAngles = PulseScaling.ToWire(*previousAngles);
+    }
+    auto const reply = networkManager->RecordRequest<UAPIPositionData>(
+        message, 0, CommandNumber::ConvertCartesianToJointAngle, status, FixedField::WholeRecord, ServiceReadAll);
+    if (status.StatusCode == 0) {
+        out = reply.payload;
+    }
+    return status;
+}
+
+KinematicType Kinematics::GetKinematicType() {
+    StatusInfo ignored;
+    auto const reply =
+        networkManager->RecordRequest<std::int32_t>(kinematicTypeParameter, 0, CommandNumber::SystemParameterRead,
+                                                    ignored, FixedField::WholeRecord, ServiceReadAll);
+    switch (reply.payload) {
+    case 0:
+        return KinematicType::KinematicFigure;
+    case 1:
+        return KinematicType::Delta;
+    default:
+        return KinematicType::KinematicFromSystem;
+    }
+}
+
+StatusInfo Kinematics::CheckInputCartPosParams(std::optional<KinematicType> type, bool previousAngleGiven) {
+    if (type != KinematicType::KinematicFromSystem) {
+        return StatusInformation(ErrorStatusCodes::Ok);
+    }
+    switch (GetKinematicType()) {
+    case KinematicType::Delta:
+        return StatusInformation(previousAngleGiven ? ErrorStatusCodes::Ok
+                                                    : ErrorStatusCodes::DeltaPreviousAngleMissing);
+    case KinematicType::KinematicFigure:
+        return StatusInformation(ErrorStatusCodes::Ok);
+    default:
+        return StatusInformation(ErrorStatusCodes::InvalidSystemKinematicType);
+    }
+}
+
+} // namespace harvlink
