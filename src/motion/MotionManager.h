@@ -1,0 +1,119 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <limits>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
+
+#include "harvlink/MotionManagerInterface.h"
+#include "motion/GroupNumberMap.h"
+#include "motion/MotionFolding.h"
+#include "motion/MotionMessages.h"
+#include "motion/MotionStep.h"
+#include "motion/TrajectoryQueue.h"
+#include "wire/NetworkManager.h"
+
+namespace harvlink {
+
+/// Queues motion steps, turns each into the series of commands that the controller expects, and feeds them to it from a
+/// thread of its own, the trajectory monitor.
+///
+/// Locks: `trajectoryMutex` first, then those of an exchange; the monitor holds none while it sends a step. The cached
+/// profiles belong to the thread that calls SendTarget, which is the monitor.
+class MotionManager final : public MotionManagerInterface {
+public:
+    /// Asks the controller for its motion slots and clears its targets. Failures are dropped: there are fewer slots then.
+    explicit MotionManager(NetworkManager* manager);
+    ~MotionManager() override = default;
+
+    StatusInfo AddPointToTrajectory(Motion const& first, std::optional<Motion> second, std::optional<Motion> third,
+                                    std::optional<Motion> fourth) override;
+    double GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) override;
+    StatusInfo MotionStart() override;
+    StatusInfo MotionStop(bool clearTrajectory) override;
+    StatusInfo ClearAllTrajectory() override;
+
+    /// One exchange. `status` is that of the reply, unfolded.
+    template <typename In, typename Out>
+    IncomingPacket<Out> SendMotionCommand(In& payload, CommandNumber command, StatusInfo& status,
+                                          unsigned char service) {
+        return networkManager->RecordRequest<Out>(payload, 0, command, status, FixedField::WholeRecord, service);
+    }
+
+    /// Sends the settings that changed, then the target, and the target again every millisecond while the controller has
+    /// no room for it.
+    StatusInfo SendTarget(MotionStep const& step);
+    bool SetTargetProfile(MotionStep const& step, StatusInfo& status);
+
+    /// The cached setters: each sends only what differs from what the group was last told, and remembers it if the
+    /// controller took it. False if it did not.
+    bool SetTargetCoords(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status);
+    bool SetTargetSpeed(TargetProfile const& profile, TargetControlGroup group, MoveInterpolationType type,
+                        StatusInfo& status);
+    bool SetTargetConfig(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status);
+    bool SetTargetTool(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status);
+    bool SetTargetAccelRatio(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status);
+    bool SetTargetDecelRatio(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status);
+
+    /// The direct setters neither check nor look at what was sent before. Ratios are in hundredths of a per cent here.
+    StatusInfo SetCoord(TargetControlGroup group, CoordinateType type, int userCoordinateNumber);
+    StatusInfo SetSpeed(TargetControlGroup group, SpeedStruct speed);
+    StatusInfo SetConfig(TargetControlGroup group, Figure const& figure);
+    StatusInfo SetTool(TargetControlGroup group, int toolNumber);
+    StatusInfo SetAccelRatio(TargetControlGroup group, int ratio);
+    StatusInfo SetDecelRatio(TargetControlGroup group, int ratio);
+    std::optional<TargetProfile> GetCachedValues(TargetControlGroup group) const;
+
+    /// Clears the controller's targets of one group; the queue stays.
+    bool ClearTrajectory(TargetControlGroup group, StatusInfo& status);
+
+    /// Raises alarm 8015 on the pendant with the first 31 bytes of `text`.
+    StatusInfo SetAlarm(std::string const& text, unsigned char subCode);
+
+    /// Text for the pendant of a code as the controller sent it.
+    std::string GetShortErrorMessage(int code) const;
+
+    /// The group that a motion slot's parameter names; 0 if it can't be read.
+    StatusInfo GetCtrlGroupIds(int parameterNumber, ControlGroupId& id);
+    StatusInfo MakeCtrlGroupNumberMap();
+
+    /// Starts the monitor unless it runs already; it ends with this object only.
+    void StartMonitorTrajectoryThread();
+    void TryPopFrontTrajectory();
+
+private:
+    bool IsSupported() const;
+    StatusInfo AddTargets(MotionStep& step, Motion const& first, std::array<std::optional<Motion>, 3> const& others);
+    template <typename Message>
+    StatusInfo SendFolded(Message const& message, CommandNumber command) {
+        StatusInfo status;
+        SendMotionCommand<Message const, std::uint8_t>(message, command, status, ServiceWriteAll);
+        FoldMotionStatus(status);
+        return status;
+    }
+    StatusInfo SendClear(std::int32_t group);
+    TargetProfile& Cached(TargetControlGroup group);
+    void MonitorTrajectory(std::stop_token const& stop);
+    std::optional<MotionStep> CopyFrontTrajectory();
+    void HandleFailedStep(StatusInfo status);
+
+    NetworkManager* networkManager;
+    static constexpr std::int32_t maximumTargetId = std::numeric_limits<std::int32_t>::max() - 1;
+    std::atomic<std::int32_t> targetId = 0;
+    std::array<TargetProfile, MotionSlots> cachedProfiles;
+    TrajectoryQueue trajectory;
+    std::mutex trajectoryMutex;
+    GroupNumberMap groupNumberMap;
+    std::once_flag monitorStarted;
+    std::jthread monitorThread; ///< last, so that it is joined before what it uses goes
+};
+
+/// The caller owns the object.
+MotionManagerInterface* MotionManagerPtr(NetworkManager* networkManager);
+
+} // namespace harvlink

@@ -1,0 +1,174 @@
+#include "motion/MotionManager.h"
+#include "position/FigureBits.h"
+#include "wire/HelperFunction.h"
+#include "wire/WireInteger.h"
+
+// The settings of a group: sent before a target only as far as they changed, or directly.
+
+namespace harvlink {
+namespace {
+
+/// The first nine fields: E and W are not looked at, though they are remembered.
+bool IsSameConfiguration(Figure const& a, Figure const& b) {
+    return a.frontOrBack == b.frontOrBack && a.upperOrLower == b.upperOrLower && a.flipOrNoFlip == b.flipOrNoFlip &&
+           a.sAngle == b.sAngle && a.lAngle == b.lAngle && a.uAngle == b.uAngle && a.rAngle == b.rAngle &&
+           a.bAngle == b.bAngle && a.tAngle == b.tAngle;
+}
+
+bool IsRatioInRange(double ratio) {
+    return !(ratio < 20.0 || ratio > 100.0);
+}
+
+SpeedStruct WireSpeed(double speed, MoveInterpolationType type) {
+    return type == MoveInterpolationType::Joint ? SpeedStruct{.jointSpeed = TruncateToInt32(speed * 100.0)}
+                                                : SpeedStruct{.linearSpeed = TruncateToInt32(speed * 10.0)};
+}
+
+} // namespace
+
+TargetProfile& MotionManager::Cached(TargetControlGroup group) {
+    return cachedProfiles.at(static_cast<std::size_t>(group));
+}
+
+std::optional<TargetProfile> MotionManager::GetCachedValues(TargetControlGroup group) const {
+    auto const slot = static_cast<std::size_t>(group);
+    return slot < cachedProfiles.size() ? std::optional(cachedProfiles[slot]) : std::nullopt;
+}
+
+bool MotionManager::SetTargetProfile(MotionStep const& step, StatusInfo& status) {
+    for (std::size_t slot = 0; slot < MotionSlots; ++slot) {
+        if (!step.groups[slot]) {
+            continue;
+        }
+        auto const group = static_cast<TargetControlGroup>(slot);
+        TargetProfile const& profile = step.profiles[slot];
+        bool const isPulse = profile.coordinateType == CoordinateType::Pulse;
+        if (!SetTargetCoords(profile, group, status) || !SetTargetSpeed(profile, group, profile.moveType, status) ||
+            (!isPulse && !SetTargetConfig(profile, group, status)) || !SetTargetTool(profile, group, status) ||
+            !SetTargetAccelRatio(profile, group, status) || !SetTargetDecelRatio(profile, group, status)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool MotionManager::SetTargetCoords(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
+    TargetProfile& cached = Cached(group);
+    // A user coordinate number that alone changes is not told, on purpose.
+    if (profile.coordinateType == cached.coordinateType) {
+        return true;
+    }
+    status = SetCoord(group, profile.coordinateType, profile.userCoordinateNumber);
+    if (status.StatusCode != 0) {
+        return false;
+    }
+    cached.coordinateType = profile.coordinateType;
+    return true;
+}
+
+bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGroup group, MoveInterpolationType type,
+                                   StatusInfo& status) {
+    TargetProfile& cached = Cached(group);
+    // Only the number is compared, on purpose: a joint move at 50 and a line at 50 count as the same speed.
+    if (profile.speed == cached.speed) {
+        return true;
+    }
+    status = SetSpeed(group, WireSpeed(profile.speed, type));
+    if (status.StatusCode != 0) {
+        return false;
+    }
+    cached.speed = profile.speed;
+    return true;
+}
+
+bool MotionManager::SetTargetConfig(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
+    TargetProfile& cached = Cached(group);
+    if (!IsSameConfiguration(profile.figure, cached.figure)) {
+        status = SetConfig(group, profile.figure);
+        if (status.StatusCode != 0) {
+            return false;
+        }
+    }
+    cached.figure = profile.figure;
+    return true;
+}
+
+bool MotionManager::SetTargetTool(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
+    TargetProfile& cached = Cached(group);
+    if (profile.toolNumber == cached.toolNumber) {
+        return true;
+    }
+    status = SetTool(group, profile.toolNumber);
+    if (status.StatusCode != 0) {
+        return false;
+    }
+    cached.toolNumber = profile.toolNumber;
+    return true;
+}
+
+bool MotionManager::SetTargetAccelRatio(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
+    TargetProfile& cached = Cached(group);
+    double const ratio = profile.accelerationRatio;
+    if (ratio == RatioNotSpecified || ratio == cached.accelerationRatio) {
+        return true;
+    }
+    if (!IsRatioInRange(ratio)) {
+        status = StatusInformation(ErrorStatusCodes::AccelerationOutOfRange,
+                                   "Acceleration ratio out of range. Valid ranges are 20.0%-100.00%.");
+        return false;
+    }
+    status = SetAccelRatio(group, HelperFunction::ConvertDoubleToInt32(ratio));
+    if (status.StatusCode != 0) {
+        return false;
+    }
+    cached.accelerationRatio = ratio;
+    return true;
+}
+
+bool MotionManager::SetTargetDecelRatio(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
+    TargetProfile& cached = Cached(group);
+    double const ratio = profile.decelerationRatio;
+    if (ratio == RatioNotSpecified || ratio == cached.decelerationRatio) {
+        return true;
+    }
+    if (!IsRatioInRange(ratio)) {
+        status = StatusInformation(ErrorStatusCodes::DecelerationOutOfRange,
+                                   "Deceleration ratio out of range. Valid ranges are 20.00%-100.00%.");
+        return false;
+    }
+    status = SetDecelRatio(group, HelperFunction::ConvertDoubleToInt32(ratio));
+    if (status.StatusCode != 0) {
+        return false;
+    }
+    cached.decelerationRatio = ratio;
+    return true;
+}
+
+StatusInfo MotionManager::SetCoord(TargetControlGroup group, CoordinateType type, int userCoordinateNumber) {
+    UAPICoordType const wireType = UAPIUtils::CoordinateTypeToUAPICoordType(type);
+    bool const isUser = wireType == UAPICoordType::UAPIUser;
+    return SendFolded(harvlink::MotionSetCoord{group, wireType, isUser ? userCoordinateNumber : 0},
+                      CommandNumber::MotionSetCoord);
+}
+
+StatusInfo MotionManager::SetSpeed(TargetControlGroup group, SpeedStruct speed) {
+    return SendFolded(SetSpeedMsg{group, speed}, CommandNumber::MotionSetSpeed);
+}
+
+StatusInfo MotionManager::SetConfig(TargetControlGroup group, Figure const& figure) {
+    return SendFolded(RobotConfigMsg{group, FigureWord(figure)}, CommandNumber::MotionSetConfig);
+}
+
+StatusInfo MotionManager::SetTool(TargetControlGroup group, int toolNumber) {
+    return SendFolded(SetToolMsg{group, toolNumber}, CommandNumber::MotionSetTool);
+}
+
+StatusInfo MotionManager::SetAccelRatio(TargetControlGroup group, int ratio) {
+    return SendFolded(SetAccelRatioMsg{group, ratio}, CommandNumber::MotionSetAccelRatio);
+}
+
+StatusInfo MotionManager::SetDecelRatio(TargetControlGroup group, int ratio) {
+    return SendFolded(SetDecelRatioMsg{group, ratio}, CommandNumber::MotionSetDecelRatio);
+}
+
+} // namespace harvlink

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <atomic>
+#include <deque>
+
+#include "motion/MotionStep.h"
+
+namespace harvlink {
+
+/// The steps that wait to be sent, without a limit. Its owner guards it with a mutex; only IsEmpty may be called without.
+///
+/// A step is held as a run of its groups rather than with room for four: one group takes less than 200 bytes, and adding
+/// a step allocates less than once on average.
+class TrajectoryQueue {
+public:
+    bool IsEmpty() const { return isEmpty.load(std::memory_order_acquire); }
+
+    /// Strong guarantee: if memory runs out the queue is as it was.
+    void PushBack(MotionStep const& step);
+
+    /// Copies the front step; the queue must not be empty.
+    MotionStep Front() const;
+    void PopFront(); ///< Nothing happens on an empty queue.
+    void Clear();
+
+private:
+    /// A group's part of a step. A step without groups is one part that holds none.
+    struct Part {
+        Target target;
+        TargetProfile profile;
+        TargetControlGroup group = TargetControlGroup::GroupNotFound;
+        bool isLastOfStep = true;
+    };
+
+    std::deque<Part> parts;
+    std::atomic<bool> isEmpty = true;
+};
+
+} // namespace harvlink
