@@ -1,3 +1,6 @@
+#include <array>
+
+#include "harvlink/ControlCommandsInterface.h"
 #include "simulator/CommandHandler.h"
 #include "simulator/model/ControllerModel.h"
 
@@ -5,19 +8,57 @@ namespace harvlink::simulator {
 
 namespace {
 
+constexpr std::uint32_t Done = 0;
+constexpr std::uint16_t HoldInstance = 1;
+
 class ControlCommandsHandler final : public CommandHandler {
 public:
-    explicit ControlCommandsHandler(ControllerModel& model) : model_(&model) {}
+    explicit ControlCommandsHandler(ControllerModel& model) : model_(model) {}
 
-    std::span<CommandNumber const> Commands() const override { return {}; }
+    std::span<CommandNumber const> Commands() const override {
+        using enum CommandNumber;
+        static constexpr std::array Own{HoldOrServo, CycleModeSwitch, PendantMessage, JobStart};
+        return Own;
+    }
 
     void Handle(Request const& request, Reply& reply) override {
-        static_cast<void>(request);
-        reply.Refuse(Refusal::UndefinedCommand);
+        if (!reply.RefuseIf(Execute(request))) {
+            reply.Set(Done);
+        }
     }
 
 private:
-    [[maybe_unused]] ControllerModel* model_;
+    Refusal Execute(Request const& request) {
+        switch (request.Command()) {
+        case CommandNumber::HoldOrServo:
+            return Switch(request);
+        case CommandNumber::CycleModeSwitch:
+            return SwitchCycle(request.As<std::uint32_t>());
+        case CommandNumber::PendantMessage:
+            model_.pendantText.assign(reinterpret_cast<char const*>(request.payload.data()), request.payload.size());
+            return Refusal::None;
+        default:
+            return request.As<std::uint32_t>() == 1 ? model_.CommandStartJob() : Refusal::DataOutOfRange;
+        }
+    }
+
+    Refusal Switch(Request const& request) {
+        auto const wanted = request.As<SignalStatus>();
+        if (wanted != SignalStatus::On && wanted != SignalStatus::Off) {
+            return Refusal::DataOutOfRange;
+        }
+        bool const on = wanted == SignalStatus::On;
+        return request.subHeader.instance == HoldInstance ? model_.CommandHold(on) : model_.CommandServo(on);
+    }
+
+    Refusal SwitchCycle(std::uint32_t number) {
+        if (number < 1 || number > 3) {
+            return Refusal::DataOutOfRange;
+        }
+        return model_.CommandCycle(static_cast<CycleMode>(number - 1));
+    }
+
+    ControllerModel& model_;
 };
 
 } // namespace

@@ -1,0 +1,35 @@
+#include "simulator/model/Generation.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace harvlink::simulator {
+
+namespace {
+
+/// In the order of ControllerVersion.
+constexpr std::array<GenerationTexts, 6> Texts{{
+    {"DS", "DS3.53.01A(EN/JP)-00", "3.53", "VRK6000"},
+    {"DN", "DN2.41.00A(EN/JP)-00", "2.41", "VRK7000"},
+    {"FS", "FS1.30.00B(EN/JP)-00", "1.30", "VRK8000"},
+    {"YA", "YAS4.10.00A(EN/JP)-00", "4.10", "VRK9000"},
+    {"YB", "YBS2.30.00A(EN/JP)-00", "2.30", "VRK9500"},
+    {"YN", "YNS1.12.00A(EN/JP)-00", "1.12", "VRK9800"},
+}};
+
+} // namespace
+
+GenerationTexts const& TextsOf(ControllerVersion generation) {
+    return Texts.at(static_cast<std::size_t>(generation));
+}
+
+std::optional<ControllerVersion> GenerationFromName(std::string_view name) {
+    auto const found = std::ranges::find(Texts, name, &GenerationTexts::name);
+    if (found == Texts.end()) {
+        return std::nullopt;
+    }
+    return static_cast<ControllerVersion>(found - Texts.begin());
+}
+
+} // namespace harvlink::simulator

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "harvlink/ControllerVersion.h"
+
+namespace harvlink::simulator {
+
+/// What a controller says of itself. Its software version is what a client tells the generation by.
+struct GenerationTexts {
+    std::string_view name; ///< two letters
+    std::string_view softwareVersion;
+    std::string_view parameterVersion;
+    std::string_view controllerModel;
+};
+
+/// Of a known generation, not of VersionUnknown.
+GenerationTexts const& TextsOf(ControllerVersion generation);
+
+/// From "YA" and the like, upper case.
+std::optional<ControllerVersion> GenerationFromName(std::string_view name);
+
+} // namespace harvlink::simulator
