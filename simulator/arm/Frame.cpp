@@ -25,7 +25,7 @@ Vector3 Cross(Vector3 const& a, Vector3 const& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-double Length(Vector3 const& vector) {
+double Norm(Vector3 const& vector) {
     return std::sqrt(Dot(vector, vector));
 }
 
@@ -81,7 +81,7 @@ Vector3 AxisOfLargeTurn(Rotation const& r, double cosine, Vector3 const& skew) {
     Vector3 axis{0.5 * (r(0, largest) + r(largest, 0)), 0.5 * (r(1, largest) + r(largest, 1)),
                  0.5 * (r(2, largest) + r(largest, 2))};
     (largest == 0 ? axis.x : largest == 1 ? axis.y : axis.z) -= cosine;
-    double const length = Length(axis);
+    double const length = Norm(axis);
     if (!(length > 0.0)) {
         return {1.0, 0.0, 0.0};
     }
@@ -92,7 +92,7 @@ Vector3 AxisOfLargeTurn(Rotation const& r, double cosine, Vector3 const& skew) {
 
 AxisAndAngle ToAxisAndAngle(Rotation const& r) {
     Vector3 const skew{r(2, 1) - r(1, 2), r(0, 2) - r(2, 0), r(1, 0) - r(0, 1)};
-    double const sine = 0.5 * Length(skew);
+    double const sine = 0.5 * Norm(skew);
     double const cosine = 0.5 * (r(0, 0) + r(1, 1) + r(2, 2) - 1.0);
     double const degrees = std::atan2(sine, cosine) / RadiansPerDegree;
     if (cosine < 0.0) {

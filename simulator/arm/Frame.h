@@ -15,7 +15,7 @@ Vector3 operator-(Vector3 const& a, Vector3 const& b);
 Vector3 operator*(double factor, Vector3 const& vector);
 double Dot(Vector3 const& a, Vector3 const& b);
 Vector3 Cross(Vector3 const& a, Vector3 const& b);
-double Length(Vector3 const& vector);
+double Norm(Vector3 const& vector);
 
 /// A 3 x 3 rotation, row by row.
 struct Rotation {

@@ -63,6 +63,12 @@ WireAxes GroupAxes::ToPulses(AxisValues const& values) const {
     return pulses;
 }
 
+AxisValues GroupAxes::FromWire(WireAxes const& wire, AxisScaling const& scaling) const {
+    AxisValues values = scaling.FromWire(wire);
+    std::fill(values.begin() + static_cast<std::ptrdiff_t>(count), values.end(), 0.0);
+    return values;
+}
+
 ArmAngles ArmAnglesOf(AxisValues const& values) {
     ArmAngles angles{};
     std::copy_n(values.begin(), ArmAxes, angles.begin());

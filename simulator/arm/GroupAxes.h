@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "position/PositionMessages.h"
+#include "position/AxisScaling.h"
 #include "simulator/ControllerOptions.h"
 #include "simulator/arm/ArmGeometry.h"
 
@@ -34,6 +34,9 @@ struct GroupAxes {
     bool IsWithinLimits(AxisValues const& values) const;
     AxisValues FromPulses(WireAxes const& pulses) const;
     WireAxes ToPulses(AxisValues const& values) const;
+
+    /// With 0 for the axes that aren't there.
+    AxisValues FromWire(WireAxes const& wire, AxisScaling const& scaling) const;
 };
 
 GroupAxes AxesOf(ControlGroup const& group);

@@ -4,18 +4,12 @@
 #include <iterator>
 
 #include "simulator/arm/ForwardKinematics.h"
-#include "wire/WireInteger.h"
 
 namespace harvlink::simulator {
 
 WireAxes CartesianPosition::ToWire() const {
-    WireAxes axes{};
-    for (std::size_t i = 0; i < pose.size(); ++i) {
-        axes[i] = ScaleToInt32(pose[i], i < 3 ? 1000.0 : 10000.0);
-    }
-    axes[6] = ScaleToInt32(externalAngles[0], 10000.0);
-    axes[7] = ScaleToInt32(externalAngles[1], 10000.0);
-    return axes;
+    return CartesianScaling.ToWire(
+        {pose[0], pose[1], pose[2], pose[3], pose[4], pose[5], externalAngles[0], externalAngles[1]});
 }
 
 Workcell::Workcell(ControlGroups const& groups, Frames const& frames) : groups_(groups), frames_(frames) {
