@@ -1,0 +1,77 @@
+#include "simulator/motion/MovePath.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simulator/arm/InverseKinematics.h"
+
+namespace harvlink::simulator {
+namespace {
+
+// A step is as long as the posture can safely be followed, and there are never more than can be computed at once.
+constexpr double StepLength = 20.0;
+constexpr double StepDegrees = 10.0;
+constexpr int MostSteps = 64;
+
+int StepsOf(CartesianPath const& tip) {
+    double const steps = std::ceil(std::max(tip.Length() / StepLength, tip.Degrees() / StepDegrees));
+    return static_cast<int>(std::clamp(steps, 1.0, double{MostSteps}));
+}
+
+} // namespace
+
+MovePath MovePath::Joint(AxisValues const& from, AxisValues const& to) {
+    MovePath path;
+    path.from_ = from;
+    path.to_ = to;
+    return path;
+}
+
+std::optional<MovePath> MovePath::Cartesian(AxisValues const& from, CartesianPath const& tip, Frame const& tool,
+                                            AxisValues const& to) {
+    MovePath path = Joint(from, to);
+    path.tip_ = tip;
+    path.flangeFromTip_ = tool.Inverse();
+    path.steps_ = StepsOf(tip);
+    auto const end = path.FollowTip(from, 0.0, 1.0);
+    if (!end) {
+        return std::nullopt;
+    }
+    path.to_ = *end;
+    return path;
+}
+
+AxisValues MovePath::Follow(AxisValues const& at, double before, double fraction) const {
+    if (fraction >= 1.0) {
+        return to_;
+    }
+    if (!IsCartesian()) {
+        return InProportion(fraction);
+    }
+    // The whole way was followed when it was planned; should it fail between those points, the arm waits for the next.
+    return FollowTip(at, before, fraction).value_or(at);
+}
+
+std::optional<AxisValues> MovePath::FollowTip(AxisValues const& at, double before, double fraction) const {
+    int const steps = std::clamp(static_cast<int>(std::ceil((fraction - before) * steps_)), 1, MostSteps);
+    ArmAngles angles = ArmAnglesOf(at);
+    for (int step = 1; step <= steps; ++step) {
+        double const next = before + (fraction - before) * step / steps;
+        auto const followed = NearestAnglesOf(StandardArm, tip_.At(next) * flangeFromTip_, angles);
+        if (!followed) {
+            return std::nullopt;
+        }
+        angles = *followed;
+    }
+    return WithArmAngles(InProportion(fraction), angles);
+}
+
+AxisValues MovePath::InProportion(double fraction) const {
+    AxisValues values{};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = from_[i] + fraction * (to_[i] - from_[i]);
+    }
+    return values;
+}
+
+} // namespace harvlink::simulator

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "motion/MotionMessages.h"
+#include "position/PositionMessages.h"
+#include "simulator/Refusal.h"
+#include "simulator/arm/Workcell.h"
+
+namespace harvlink::simulator {
+
+/// What the targets of one motion slot are read by. Each setting holds for the targets that come after it, until it is
+/// set again: clearing targets and stopping leave it.
+struct TargetSettings {
+    UAPICoordType coordinateType = UAPICoordType::UAPIPulse;
+    std::int32_t userNumber = 0;
+    std::optional<std::int32_t> tool; ///< unspecified until the first is set; targets then use tool 0
+    std::uint32_t figure = 0;
+    double jointSpeed = 0.1; ///< part of the full speed
+    double linearSpeed = 100.0; ///< mm/s
+    double accelerationRatio = 1.0; ///< part of the full acceleration
+    double decelerationRatio = 1.0;
+
+    Refusal SetCoordinates(MotionSetCoord const& message, Workcell const& cell);
+    Refusal SetTool(std::int32_t number, Workcell const& cell);
+    Refusal SetSpeed(SpeedStruct const& speed); ///< a speed of 0 leaves what was set before
+    Refusal SetAccelerationRatio(std::int32_t ratio); ///< 20 to 100 % in 0.01 %
+    Refusal SetDecelerationRatio(std::int32_t ratio);
+};
+
+} // namespace harvlink::simulator
