@@ -16,11 +16,14 @@ namespace {
 constexpr long microsecondsPerSecond = 1'000'000;
 constexpr long nanosecondsPerMicrosecond = 1'000;
 
+/// An address that can't be read leaves the endpoint zero. Without a port nothing can be sent to it; with one, a
+/// controller on this very computer would answer.
 sockaddr_in MakeEndpoint(std::string const& ipAddress, std::uint16_t port) {
     sockaddr_in endpoint{};
     endpoint.sin_family = AF_INET;
-    endpoint.sin_port = htons(port);
-    inet_pton(AF_INET, ipAddress.c_str(), &endpoint.sin_addr);
+    if (inet_pton(AF_INET, ipAddress.c_str(), &endpoint.sin_addr) == 1) {
+        endpoint.sin_port = htons(port);
+    }
     return endpoint;
 }
 
