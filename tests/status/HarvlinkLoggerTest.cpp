@@ -1,0 +1,87 @@
+#include "status/HarvlinkLogger.h"
+
+#include <cstdio>
+#include <ctime>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "support/ScratchFolder.h"
+
+namespace harvlink::test {
+namespace {
+
+constexpr char const* logFile = "HarvlinkLog.txt";
+
+/// Sets the local zone of the process, and takes that back.
+class Zone {
+public:
+    explicit Zone(char const* name) {
+        ::setenv("TZ", name, 1);
+        ::tzset();
+    }
+    Zone(Zone const&) = delete;
+    Zone& operator=(Zone const&) = delete;
+    ~Zone() {
+        ::unsetenv("TZ");
+        ::tzset();
+    }
+};
+
+std::string Formatted(std::tm const& time, char const* format) {
+    char text[40];
+    return {text, std::strftime(text, sizeof(text), format, &time)};
+}
+
+/// The line without its time; nothing if the time has another form than plain numbers without leading zeros.
+std::string WithoutTime(std::string const& line) {
+    unsigned n[6]{};
+    int length = 0;
+    std::sscanf(line.c_str(), "%u/%u/%u %u:%u:%u%n", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5], &length);
+    std::ostringstream time;
+    time << n[0] << '/' << n[1] << '/' << n[2] << ' ' << n[3] << ':' << n[4] << ':' << n[5];
+    return length > 0 && line.starts_with(time.str()) ? line.substr(time.str().size()) : "";
+}
+
+TEST(HarvlinkLogger, AppendsOneLinePerStatus) {
+    ScratchFolder const folder;
+    WriteFile(logFile, "kept\n");
+    HarvlinkLogger::LogStatusInfo(StatusInformation(-49934465, "MotionManager failure."));
+    HarvlinkLogger::LogStatusInfo(StatusInformation(0));
+    std::istringstream lines(ContentOf(logFile));
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(line, "kept");
+    std::getline(lines, line);
+    EXPECT_EQ(WithoutTime(line), " Code (-49934465): MotionManager failure.");
+    std::getline(lines, line);
+    EXPECT_EQ(WithoutTime(line), " Code (0): OK");
+    EXPECT_TRUE(ContentOf(logFile).ends_with("OK\n"));
+}
+
+// With a zone 14 hours ahead, the local time is never that of the UTC date.
+TEST(HarvlinkLogger, DateIsUtcAndTimeIsLocal) {
+    Zone const zone("TEST-14");
+    std::string expected;
+    std::string actual = "none";
+    for (int attempt = 0; attempt < 10 && actual != expected; ++attempt) { // a second may end in between
+        std::time_t const now = std::time(nullptr);
+        std::tm utc{};
+        std::tm local{};
+        gmtime_r(&now, &utc);
+        localtime_r(&now, &local);
+        expected = Formatted(utc, "%Y/%-m/%-d ") + Formatted(local, "%-H:%-M:%-S");
+        actual = HarvlinkLogger::GetFormattedTime();
+    }
+    EXPECT_EQ(actual, expected);
+}
+
+TEST(HarvlinkLogger, FileThatCanNotBeOpenedIsIgnored) {
+    ScratchFolder const folder;
+    std::filesystem::create_directory(logFile); // nobody can open that, not even root
+    EXPECT_NO_THROW(HarvlinkLogger::LogStatusInfo(StatusInformation(1)));
+    EXPECT_TRUE(std::filesystem::is_empty(logFile));
+}
+
+} // namespace
+} // namespace harvlink::test

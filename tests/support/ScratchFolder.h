@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace harvlink::test {
+
+/// A folder of a test's own, which is the working directory while this lives.
+class ScratchFolder {
+public:
+    ScratchFolder() : previous(std::filesystem::current_path()) {
+        std::string name = (std::filesystem::temp_directory_path() / "harvlink-test-XXXXXX").string();
+        path = ::mkdtemp(name.data());
+        std::filesystem::current_path(path);
+    }
+    ScratchFolder(ScratchFolder const&) = delete;
+    ScratchFolder& operator=(ScratchFolder const&) = delete;
+    ~ScratchFolder() {
+        std::error_code ignored;
+        std::filesystem::current_path(previous, ignored);
+        std::filesystem::remove_all(path, ignored);
+    }
+
+    std::filesystem::path const& Path() const { return path; }
+
+private:
+    std::filesystem::path previous;
+    std::filesystem::path path;
+};
+
+inline std::string ContentOf(std::filesystem::path const& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline void WriteFile(std::filesystem::path const& file, std::string const& content) {
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+} // namespace harvlink::test

@@ -1,0 +1,185 @@
+#include "support/ScriptedController.h"
+
+#include <array>
+#include <atomic>
+#include <stdexcept>
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace harvlink::test {
+namespace {
+
+constexpr unsigned longTimeout = 8192;
+constexpr auto patience = std::chrono::seconds(10);
+
+/// Scatters processes and their controllers over 127.16.0.0 to 127.255.255.255, away from addresses written by hand.
+std::uint32_t NextHostAddress() {
+    static std::atomic<std::uint32_t> counter = 0;
+    std::uint32_t const scattered = (static_cast<std::uint32_t>(::getpid()) * 64 + counter++) * 2654435761U;
+    return 0x7f100000U + scattered % 0xefff00U;
+}
+
+int BoundSocket(std::uint32_t hostAddress, std::uint16_t port) {
+    sockaddr_in endpoint{};
+    endpoint.sin_family = AF_INET;
+    endpoint.sin_port = htons(port);
+    endpoint.sin_addr.s_addr = htonl(hostAddress);
+    int const descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (::bind(descriptor, reinterpret_cast<sockaddr const*>(&endpoint), sizeof(endpoint)) != 0) {
+        ::close(descriptor);
+        return -1;
+    }
+    return descriptor;
+}
+
+void CloseIfOpen(int descriptor) {
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+}
+
+} // namespace
+
+ScriptedController::ScriptedController() : stopEvent(::eventfd(0, EFD_CLOEXEC)) {
+    int attempts = 1000;
+    while (!Bind(NextHostAddress())) {
+        if (--attempts == 0) {
+            throw std::runtime_error("no free loopback address");
+        }
+    }
+    thread = std::thread([this] { Serve(); });
+}
+
+bool ScriptedController::Bind(std::uint32_t hostAddress) {
+    robot = {BoundSocket(hostAddress, 10040), 10040, {}};
+    file = {BoundSocket(hostAddress, 10041), 10041, {}};
+    if (robot.descriptor < 0 || file.descriptor < 0) {
+        CloseIfOpen(robot.descriptor);
+        CloseIfOpen(file.descriptor);
+        return false;
+    }
+    in_addr const networkOrder{htonl(hostAddress)};
+    std::array<char, INET_ADDRSTRLEN> text{};
+    address = ::inet_ntop(AF_INET, &networkOrder, text.data(), text.size());
+    return true;
+}
+
+ScriptedController::~ScriptedController() {
+    {
+        std::unique_lock lock(mutex);
+        changed.wait_for(lock, patience, [this] { return steps.empty(); });
+        EXPECT_TRUE(steps.empty()) << steps.size() << " expected requests never came";
+    }
+    std::uint64_t const one = 1;
+    (void)!::write(stopEvent, &one, sizeof(one));
+    thread.join();
+    EXPECT_FALSE(HasPending()) << "a datagram was never read";
+    for (int const descriptor : {robot.descriptor, file.descriptor, stopEvent}) {
+        ::close(descriptor);
+    }
+}
+
+void ScriptedController::Expect(Bytes request, Replies replies) {
+    std::lock_guard const lock(mutex);
+    steps.push_back({std::move(request), std::move(replies)});
+}
+
+void ScriptedController::ExpectProbe(std::string_view softwareVersion) {
+    Expect(RobotRequest(137, 11, 0, 1), Payload(Text(softwareVersion, 24) + Text("MODEL", 16) + Text("1.0", 8)));
+}
+
+void ScriptedController::AnswerRest(std::function<Replies(Datagram const&)> handler) {
+    std::lock_guard const lock(mutex);
+    rest = std::move(handler);
+}
+
+std::vector<Datagram> ScriptedController::Received(std::size_t count) {
+    std::unique_lock lock(mutex);
+    changed.wait_for(lock, patience, [&] { return received.size() >= count; });
+    EXPECT_GE(received.size(), count);
+    return received;
+}
+
+bool ScriptedController::HasPending() const {
+    std::array<pollfd, 2> sockets{{{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}}};
+    return ::poll(sockets.data(), sockets.size(), 0) > 0;
+}
+
+std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view softwareVersion, unsigned retries) {
+    ExpectProbe(softwareVersion);
+    StatusInfo status;
+    auto manager = std::make_unique<NetworkManager>(address, longTimeout, retries, status);
+    EXPECT_EQ(status.StatusCode, 0) << status.Message;
+    return manager;
+}
+
+/// Datagrams that arrived before the stop are served before it.
+void ScriptedController::Serve() {
+    std::array<pollfd, 3> events{{{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}, {stopEvent, POLLIN, 0}}};
+    while (::poll(events.data(), events.size(), -1) > 0) {
+        if (events[0].revents != 0) {
+            ReadFrom(robot, file);
+        } else if (events[1].revents != 0) {
+            ReadFrom(file, robot);
+        } else {
+            return;
+        }
+    }
+}
+
+void ScriptedController::ReadFrom(Port& port, Port& other) {
+    Datagram datagram{Bytes(65536), port.number, {}};
+    socklen_t size = sizeof(port.lastClient);
+    auto const length = ::recvfrom(port.descriptor, datagram.bytes.data(), datagram.bytes.size(), 0,
+                                   reinterpret_cast<sockaddr*>(&port.lastClient), &size);
+    datagram.time = std::chrono::steady_clock::now();
+    datagram.bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    Replies const replies = RepliesTo(datagram);
+    for (Reply const& reply : replies) {
+        std::this_thread::sleep_for(reply.delay);
+        Bytes const bytes = ReplyBytes(reply, datagram);
+        Port const& target = reply.toOtherSocket ? other : port;
+        ::sendto(target.descriptor, bytes.data(), bytes.size(), 0,
+                 reinterpret_cast<sockaddr const*>(&target.lastClient), sizeof(target.lastClient));
+    }
+}
+
+Replies ScriptedController::RepliesTo(Datagram const& datagram) {
+    std::unique_lock lock(mutex);
+    received.push_back(datagram);
+    changed.notify_all();
+    if (steps.empty()) {
+        auto const handler = rest;
+        lock.unlock();
+        EXPECT_TRUE(handler) << "nobody expected this datagram" << SameBytes({}, datagram.bytes).message();
+        return handler ? handler(datagram) : Replies{};
+    }
+    Step const step = std::move(steps.front());
+    steps.pop_front();
+    lock.unlock();
+    EXPECT_TRUE(SameRequest(step.request, datagram.bytes));
+    return step.replies;
+}
+
+Bytes ScriptedController::ReplyBytes(Reply const& reply, Datagram const& request) {
+    if (reply.raw) {
+        return *reply.raw;
+    }
+    auto const id = static_cast<std::uint8_t>(request.Id() - reply.staleBy);
+    bool const isFile = request.port == 10041;
+    return Text("TROZ") + U16(32) + U16(static_cast<std::int64_t>(reply.payload.size())) + U8(3) + U8(isFile ? 2 : 1) +
+           U8(1) + U8(id) + U32(reply.block) + Text("99999999") + U8(0x81) + U8(reply.status) +
+           U8(reply.addedStatusSize) + U8(0) + U16(reply.addedStatus) + U16(0) + reply.payload;
+}
+
+void Hurry(NetworkManager& manager) {
+    for (int i = 0; i < 4; ++i) {
+        manager.ResetTimeout();
+    }
+}
+
+} // namespace harvlink::test

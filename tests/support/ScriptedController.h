@@ -1,0 +1,113 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <netinet/in.h>
+
+#include "support/WireBytes.h"
+#include "wire/NetworkManager.h"
+
+namespace harvlink::test {
+
+/// One datagram that the controller sends. As constructed it reports success, without a payload.
+struct Reply {
+    Bytes payload{};
+    std::uint8_t status = 0;
+    std::uint8_t addedStatusSize = 0;
+    std::uint16_t addedStatus = 0;
+    std::uint32_t block = 0;
+    std::uint8_t staleBy = 0; ///< how far its id is behind the id of the request
+    bool toOtherSocket = false; ///< to the socket by which the client last used the other port
+    std::chrono::milliseconds delay{};
+    std::optional<Bytes> raw{}; ///< the whole datagram, as it is
+};
+
+inline Reply Payload(Bytes payload) {
+    return {.payload = std::move(payload)};
+}
+inline Reply Refusal(std::uint16_t addedStatus) {
+    return {.status = 0x1f, .addedStatusSize = 2, .addedStatus = addedStatus};
+}
+using Replies = std::vector<Reply>;
+
+struct Datagram {
+    Bytes bytes;
+    std::uint16_t port = 0;
+    std::chrono::steady_clock::time_point time;
+
+    std::uint8_t Id() const { return bytes.size() > idOffset ? bytes[idOffset] : std::uint8_t{0}; }
+};
+
+/// Stands in for a controller on ports 10040 and 10041 of a loopback address of its own, and answers what the test tells
+/// it to. A datagram that nobody expected fails the test, and so does an expectation that is left over at the end.
+class ScriptedController {
+public:
+    ScriptedController();
+    ScriptedController(ScriptedController const&) = delete;
+    ScriptedController& operator=(ScriptedController const&) = delete;
+    /// Waits for a moment until all that is expected has come.
+    ~ScriptedController();
+
+    std::string const& Address() const { return address; }
+
+    /// The next request, in order, is `request` (the id aside) and is answered with `replies`.
+    void Expect(Bytes request, Replies replies);
+    void Expect(Bytes request, Reply reply = {}) { Expect(std::move(request), Replies{std::move(reply)}); }
+    /// Answers the probe that opens a connection.
+    void ExpectProbe(std::string_view softwareVersion);
+
+    /// Answers, on the controller's thread, all that comes when nothing is expected.
+    void AnswerRest(std::function<Replies(Datagram const&)> handler);
+
+    /// All datagrams so far, after waiting for at least `count`.
+    std::vector<Datagram> Received(std::size_t count = 0);
+
+    /// Whether another request waits to be read. For handlers.
+    bool HasPending() const;
+
+    /// A manager that is connected to this controller. Its time-out is so long that answers never miss it.
+    std::unique_ptr<NetworkManager> Connect(std::string_view softwareVersion = "YA1.00", unsigned retries = 0);
+
+private:
+    struct Port {
+        int descriptor = -1;
+        std::uint16_t number = 0;
+        sockaddr_in lastClient{};
+    };
+    struct Step {
+        Bytes request;
+        Replies replies;
+    };
+
+    bool Bind(std::uint32_t hostAddress);
+    void Serve();
+    void ReadFrom(Port& port, Port& other);
+    Replies RepliesTo(Datagram const& datagram);
+    static Bytes ReplyBytes(Reply const& reply, Datagram const& request);
+
+    std::string address;
+    Port robot;
+    Port file;
+    int stopEvent;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<Step> steps;
+    std::function<Replies(Datagram const&)> rest;
+    std::vector<Datagram> received;
+    std::thread thread;
+};
+
+/// Shortens the time-out of a manager that Connect made to some 30 ms, for a controller that stays silent.
+void Hurry(NetworkManager& manager);
+
+} // namespace harvlink::test

@@ -1,0 +1,29 @@
+#include "wire/AllocationCount.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local std::size_t allocations = 0;
+
+} // namespace
+
+std::size_t harvlink::test::AllocationsOfThisThread() {
+    return allocations;
+}
+
+// All other forms of the operators end in these.
+void* operator new(std::size_t size) {
+    ++allocations;
+    void* const memory = std::malloc(size);
+    return memory != nullptr ? memory : throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}

@@ -1,0 +1,354 @@
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "support/ScriptedController.h"
+#include "wire/AllocationCount.h"
+
+namespace harvlink::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+/// A request for register 5, whose reply is one word, and what came of it.
+struct RegisterRead {
+    OutgoingPacket<NoPayload> request;
+    IncomingPacket<std::uint32_t> reply;
+    StatusInfo status;
+
+    RegisterRead() { request.subHeader = {CommandNumber::RegisterData, 5, FixedField::FirstAttribute, ServiceReadOne}; }
+    explicit RegisterRead(NetworkManager& manager, std::optional<unsigned char> id = {}) : RegisterRead() {
+        Run(manager, id);
+    }
+    void Run(NetworkManager& manager, std::optional<unsigned char> id = {}, bool wait = true) {
+        status = manager.SendAndReceive(request, reply, id, wait);
+    }
+};
+
+Bytes const registerRequest = RobotRequest(121, 5, 1, 14);
+
+std::string NoResponse(unsigned retries) {
+    return "No response from controller after " + std::to_string(retries) + " retries.";
+}
+
+TEST(Exchange, RequestsAreExactToTheByte) {
+    struct Twelve {
+        std::uint32_t a = 0x01020304;
+        std::uint64_t b = 0;
+    };
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    StatusInfo status;
+
+    controller.Expect(RobotRequest(114, 1, 0, 1));
+    manager->SimpleRequest<std::uint64_t>(1, CommandNumber::StatusRead, status, FixedField::WholeRecord,
+                                          ServiceReadAll);
+    controller.Expect(RobotRequest(924, 0xfedc, 0, 2, Words({4, -22})));
+    manager->RecordRequest<std::uint32_t>(std::array<std::int32_t, 2>{4, -22}, 0xfedc,
+                                          CommandNumber::SystemParameterRead, status, FixedField::WholeRecord, 2);
+
+    OutgoingPacket<std::array<char, FileBlockSize>> block;
+    block.header.division = Division::FileControl;
+    block.header.ack = 1;
+    block.header.blockNumber = 0x80000001;
+    block.header.payloadSize = 5;
+    block.subHeader = SubHeaderForSending(FileServices::LoadFile);
+    std::ranges::copy(std::string_view("A.JBI and more"), block.payload.begin());
+    IncomingPacket<std::uint8_t> reply;
+    controller.Expect(FileRequest(21, Text("A.JBI"), 1, 0x80000001));
+    manager->SendAndReceive(block, reply, 0x55, true);
+    block.header.payloadSize = FileBlockSize;
+    controller.Expect(FileRequest(21, Text("A.JBI and more", 479), 1, 0x80000001));
+    manager->SendAndReceive(block, reply, 0x55, true);
+
+    // The probe took id 1; an id that replaces the new one uses that up too.
+    auto const all = controller.Received(5);
+    EXPECT_EQ(all[1].bytes.size(), 32U);
+    EXPECT_EQ(all[1].Id(), 2);
+    EXPECT_EQ(all[2].Id(), 3);
+    EXPECT_EQ(all[3].Id(), 0x55);
+    EXPECT_EQ(all[2].port, 10040);
+    EXPECT_EQ(all[3].port, 10041);
+    controller.Expect(registerRequest);
+    RegisterRead const last(*manager);
+    EXPECT_EQ(controller.Received(6).back().Id(), 6);
+}
+
+TEST(Exchange, StatusOfReplyDecides) {
+    struct {
+        std::uint8_t status, size;
+        std::uint16_t added;
+        int code;
+        char const* message;
+    } const cases[] = {
+        {0, 0, 0, 0, "OK"},
+        {0, 0, 8, 0, "OK"}, // no added status is announced
+        {0, 1, 0, 0, "OK"},
+        {0, 2, 0x2060, 8288, "There is an active Error or Alarm."},
+        {8, 0, 0, 8, "Requested command is undefined."},
+        {9, 2, 0, 9, "The element number of the invalid data is detected."},
+        {8, 0, 40961, 40961, "Instance value is invalid"}, // an added status counts whenever the status is set
+        {0x1f, 2, 0xb003, 45059, "Requiring data size error"},
+        {0x1f, 0, 0, 31, "Could not find an error description with that code."},
+        {255, 255, 65535, 65535, "General error. Verify input parameters."},
+    };
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    for (auto const& example : cases) {
+        controller.Expect(registerRequest, {.payload = U32(77),
+                                            .status = example.status,
+                                            .addedStatusSize = example.size,
+                                            .addedStatus = example.added});
+        RegisterRead const read(*manager);
+        EXPECT_EQ(read.status.StatusCode, example.code);
+        EXPECT_EQ(read.status.Message, example.message);
+        EXPECT_EQ(read.reply.payload, 77U); // whatever the status
+    }
+}
+
+TEST(Exchange, ShortLongAndEmptyReplies) {
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    controller.Expect(registerRequest, Payload({}));
+    controller.Expect(registerRequest, Payload(U16(0x1234)));
+    controller.Expect(registerRequest, Payload(Words({0x01020304, 0x05060708})));
+    controller.Expect(registerRequest, Payload(Bytes(40000, 0xee)));
+    for (std::uint32_t const expected : {0U, 0x1234U, 0x01020304U, 0xeeeeeeeeU}) {
+        RegisterRead const read(*manager);
+        EXPECT_EQ(read.status.StatusCode, 0);
+        EXPECT_EQ(read.reply.payload, expected);
+    }
+    Hurry(*manager);
+    for (std::size_t const length : {0U, 1U, 11U}) { // ends before the id
+        controller.Expect(registerRequest, Reply{.raw = Bytes(length, 7)});
+        EXPECT_EQ(RegisterRead(*manager).status.StatusCode, 0x30006) << length;
+    }
+    // Nothing but an id: a success without a payload.
+    controller.Expect(registerRequest, Reply{.raw = Bytes(11, 0) + U8(9)});
+    RegisterRead const bare(*manager);
+    EXPECT_EQ(bare.status.StatusCode, 0);
+    EXPECT_EQ(bare.reply.payload, 0U);
+}
+
+TEST(Exchange, StaleRepliesUseUpPeriods) {
+    ScriptedController controller;
+    auto const manager = controller.Connect("YA1.00", 2);
+    Reply const stale{.payload = U32(1), .status = 8, .staleBy = 1};
+    controller.Expect(registerRequest, Replies{stale, stale, Payload(U32(2))});
+    RegisterRead const third(*manager);
+    EXPECT_EQ(third.status.StatusCode, 0);
+    EXPECT_EQ(third.reply.payload, 2U);
+
+    // Three stale ones leave no period for the right one. It then is the stale one of the next exchange.
+    controller.Expect(registerRequest, Replies{stale, stale, stale, Payload(U32(3))});
+    auto const start = Clock::now();
+    RegisterRead const unlucky(*manager);
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(4));
+    EXPECT_EQ(unlucky.status.StatusCode, 0x30006);
+    EXPECT_EQ(unlucky.status.Message, NoResponse(2));
+    controller.Expect(registerRequest, Payload(U32(4)));
+    EXPECT_EQ(RegisterRead(*manager).reply.payload, 4U);
+    EXPECT_EQ(controller.Received().size(), 4U);
+}
+
+TEST(Exchange, StaleReplyOnOtherPortIsOneLikeAnyOther) {
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    OutgoingPacket<NoPayload> list;
+    list.header.division = Division::FileControl;
+    list.subHeader = SubHeaderForSending(FileServices::ListFile);
+    IncomingPacket<std::uint8_t> listReply;
+    controller.Expect(FileRequest(50)); // so that the file socket has an address
+    EXPECT_EQ(manager->SendAndReceive(list, listReply, {}, true).StatusCode, 0);
+
+    // Either socket is listened to, and the right id counts wherever it arrives.
+    controller.Expect(registerRequest, {.payload = U32(5), .toOtherSocket = true});
+    EXPECT_EQ(RegisterRead(*manager).reply.payload, 5U);
+    controller.Expect(FileRequest(50), Reply{.toOtherSocket = true});
+    EXPECT_EQ(manager->SendAndReceive(list, listReply, {}, true).StatusCode, 0);
+
+    for (bool const toOtherSocket : {false, true}) {
+        controller.Expect(registerRequest, {.payload = U32(5), .staleBy = 3, .toOtherSocket = toOtherSocket});
+        RegisterRead const read(*manager);
+        EXPECT_EQ(read.status.Message, NoResponse(0));
+        EXPECT_EQ(read.reply.payload, 0U);
+    }
+}
+
+TEST(Exchange, SilenceEndsAfterAllPeriodsWithOneDatagram) {
+    ScriptedController controller;
+    auto const manager = controller.Connect("YA1.00", 3);
+    Hurry(*manager);
+    controller.Expect(registerRequest, Replies{});
+    auto const start = Clock::now();
+    RegisterRead const read(*manager);
+    EXPECT_GE(Clock::now() - start, milliseconds(4 * 32));
+    EXPECT_EQ(read.status.StatusCode, 0x30006);
+    EXPECT_EQ(read.status.Message, NoResponse(3));
+}
+
+TEST(Exchange, IdZeroTakesSilenceForEmptySuccess) {
+    ScriptedController controller;
+    auto const manager = controller.Connect("YA1.00", 30);
+    controller.AnswerRest([](Datagram const&) { return Replies{{}}; });
+    for (int id = 2; id <= 127; ++id) {
+        ASSERT_EQ(RegisterRead(*manager).status.StatusCode, 0);
+    }
+    EXPECT_EQ(controller.Received(127).back().Id(), 127);
+    Hurry(*manager);
+    controller.Expect(registerRequest, Replies{});
+    auto const start = Clock::now();
+    RegisterRead const silent(*manager);
+    EXPECT_LT(Clock::now() - start, milliseconds(31 * 32)) << "one period, not all";
+    EXPECT_EQ(controller.Received(128).back().Id(), 0);
+    EXPECT_EQ(silent.status.Message, "OK");
+    EXPECT_EQ(silent.reply.payload, 0U);
+    RegisterRead const next(*manager);
+    EXPECT_EQ(controller.Received(129).back().Id(), 1);
+}
+
+TEST(Exchange, ReusedPacketIsNeverItsOwnAnswer) {
+    ScriptedController controller;
+    auto const manager = controller.Connect("YA1.00", 1);
+    Hurry(*manager);
+    for (std::uint8_t const id : Bytes{0x55, 0}) {
+        RegisterRead read;
+        controller.Expect(registerRequest, Payload(U32(6)));
+        read.Run(*manager, id);
+        EXPECT_EQ(read.reply.payload, 6U);
+        controller.Expect(registerRequest, Replies{});
+        read.Run(*manager, id);
+        EXPECT_EQ(read.status.StatusCode, 0x30006) << unsigned{id};
+    }
+}
+
+TEST(Exchange, WithoutWaitingTheStatusIsThatOfThePacket) {
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    RegisterRead read;
+    controller.Expect(registerRequest, Replies{});
+    read.Run(*manager, {}, false);
+    EXPECT_EQ(read.status.StatusCode, 0);
+    read.reply.subHeader.status = 8;
+    controller.Expect(registerRequest, Replies{});
+    read.Run(*manager, {}, false);
+    EXPECT_EQ(read.status.StatusCode, 8);
+}
+
+TEST(Exchange, PeriodOfASecondAndMore) {
+    ScriptedController controller; // the manager's period is eight seconds
+    auto const manager = controller.Connect();
+    manager->ResetTimeout();
+    controller.Expect(registerRequest, {.payload = U32(9), .delay = milliseconds(1100)});
+    EXPECT_EQ(RegisterRead(*manager).reply.payload, 9U);
+}
+
+TEST(Exchange, InterruptedWaitGoesOnForTheRestOfItsPeriod) {
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    for (int i = 0; i < 3; ++i) {
+        manager->ResetTimeout(); // to 128 ms
+    }
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    struct sigaction previous {};
+    ::sigaction(SIGUSR1, &action, &previous);
+    controller.Expect(registerRequest, Replies{});
+    std::atomic<bool> isOver = false;
+    std::thread interrupter([&, waiting = ::pthread_self()] {
+        for (int i = 0; i < 2000 && !isOver; ++i) {
+            ::pthread_kill(waiting, SIGUSR1);
+            std::this_thread::sleep_for(milliseconds(5));
+        }
+    });
+    auto const start = Clock::now();
+    RegisterRead const read(*manager);
+    auto const elapsed = Clock::now() - start;
+    isOver = true;
+    interrupter.join();
+    ::sigaction(SIGUSR1, &previous, nullptr);
+    EXPECT_EQ(read.status.StatusCode, 0x30006);
+    EXPECT_GE(elapsed, milliseconds(128));
+    EXPECT_LT(elapsed, std::chrono::seconds(5));
+}
+
+TEST(Exchange, SocketsAboveDescriptor1023CloseOnExecAndAreReleased) {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_max < 1200) {
+        GTEST_SKIP() << "this machine allows too few descriptors";
+    }
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    ScriptedController controller;
+    std::vector<int> fillers;
+    while (fillers.empty() || fillers.back() < 1100) {
+        fillers.push_back(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0));
+        ASSERT_GE(fillers.back(), 0);
+    }
+    int const first = fillers.back() + 1;
+    {
+        auto const manager = controller.Connect();
+        controller.Expect(registerRequest, Payload(U32(1)));
+        EXPECT_EQ(RegisterRead(*manager).reply.payload, 1U);
+        for (int const descriptor : {first, first + 1}) {
+            EXPECT_EQ(::fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+        }
+    }
+    EXPECT_EQ(::fcntl(first, F_GETFD), -1);
+    EXPECT_EQ(::fcntl(first + 1, F_GETFD), -1);
+    for (int const filler : fillers) {
+        ::close(filler);
+    }
+}
+
+TEST(Exchange, SuccessAllocatesNothing) {
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    controller.AnswerRest([](Datagram const&) { return Replies{Payload(U32(1))}; });
+    RegisterRead read;
+    std::size_t const before = AllocationsOfThisThread();
+    read.Run(*manager);
+    std::size_t const during = AllocationsOfThisThread() - before;
+    EXPECT_EQ(read.reply.payload, 1U);
+    EXPECT_EQ(during, 0U);
+}
+
+TEST(Exchange, ThreadsNeverShareOne) {
+    constexpr unsigned threads = 6;
+    constexpr unsigned rounds = 60;
+    ScriptedController controller;
+    auto const manager = controller.Connect();
+    std::atomic<bool> overlapped = false;
+    controller.AnswerRest([&](Datagram const& datagram) {
+        std::this_thread::sleep_for(std::chrono::microseconds(50)); // time for another to break in
+        overlapped = overlapped || controller.HasPending();
+        return Replies{Payload(Bytes(datagram.bytes.begin() + 26, datagram.bytes.begin() + 28) + U16(0))};
+    });
+    std::atomic<unsigned> own = 0;
+    std::vector<std::jthread> callers;
+    for (unsigned caller = 0; caller < threads; ++caller) {
+        callers.emplace_back([&, caller] {
+            StatusInfo status;
+            for (unsigned i = 0; i < rounds; ++i) {
+                auto const instance = static_cast<unsigned short>(caller * 1000 + i);
+                auto const reply = manager->SimpleRequest<std::uint32_t>(instance, CommandNumber::RegisterData, status,
+                                                                         FixedField::FirstAttribute, ServiceReadOne);
+                own += status.StatusCode == 0 && reply.payload == instance ? 1 : 0;
+            }
+        });
+    }
+    callers.clear();
+    EXPECT_EQ(own, threads * rounds);
+    EXPECT_FALSE(overlapped);
+}
+
+} // namespace
+} // namespace harvlink::test
