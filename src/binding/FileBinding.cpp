@@ -1,0 +1,49 @@
+#include "binding/Binding.h"
+
+using namespace harvlink::InteropHelper;
+using harvlink::Binding::ControllerOf;
+using harvlink::Binding::LowByteToBool;
+
+namespace {
+
+harvlink::FileInterface& FilesOf(ControllerHandle handle) {
+    return *ControllerOf(handle).Files;
+}
+
+} // namespace
+
+IStatusInfo file_interface_LoadToControllerFromString(ControllerHandle handle, char const* fileName,
+                                                      char const* content) {
+    return ToPlain(
+        FilesOf(handle).LoadToControllerFromString(ConvertChar8ToString(fileName), ConvertChar8ToString(content)));
+}
+
+IStatusInfo file_interface_LoadToControllerFromPath(ControllerHandle handle, char const* path) {
+    return ToPlain(FilesOf(handle).LoadToControllerFromPath(ConvertChar8ToString(path)));
+}
+
+IStatusInfo file_interface_SaveFromControllerToFile(ControllerHandle handle, char const* fileName, char const* path,
+                                                    int overwrite) {
+    return ToPlain(FilesOf(handle).SaveFromControllerToFile(ConvertChar8ToString(fileName), ConvertChar8ToString(path),
+                                                            LowByteToBool(overwrite)));
+}
+
+char* file_interface_SaveFromControllerToString(ControllerHandle handle, char const* fileName, IStatusInfo* status) {
+    std::string contents;
+    *status = ToPlain(FilesOf(handle).SaveFromControllerToString(ConvertChar8ToString(fileName), contents));
+    return ConvertStringToChar8(contents);
+}
+
+IStatusInfo file_interface_DeleteJobFile(ControllerHandle handle, char const* fileName) {
+    return ToPlain(FilesOf(handle).DeleteJobFile(ConvertChar8ToString(fileName)));
+}
+
+IStatusInfo file_interface_GetFileCount(ControllerHandle handle, FileType type, int* count) {
+    return ToPlain(FilesOf(handle).GetFileCount(static_cast<harvlink::FileType>(type), *count));
+}
+
+char* file_interface_ListFiles(ControllerHandle handle, FileType type, IStatusInfo* status, bool sorted) {
+    std::vector<std::string> files;
+    *status = ToPlain(FilesOf(handle).ListFiles(static_cast<harvlink::FileType>(type), files, sorted));
+    return ConvertStringVectorToChar8(files);
+}

@@ -1,0 +1,39 @@
+#include "binding/InteropHelper.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace harvlink::InteropHelper {
+
+char* ConvertStringToChar8(std::string_view text) {
+    std::string_view const copied = text.substr(0, text.find('\0'));
+    // The room is that of the whole text, so that its size does not depend on what the bytes are.
+    auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+    if (copy != nullptr) {
+        *std::copy(copied.begin(), copied.end(), copy) = '\0';
+    }
+    return copy;
+}
+
+std::string ConvertChar8ToString(char const* text) {
+    if (text == nullptr) {
+        throw std::logic_error("a text is null");
+    }
+    return text;
+}
+
+char* ConvertStringVectorToChar8(std::vector<std::string> const& names) {
+    std::string joined;
+    for (std::string const& name : names) {
+        joined += name;
+        joined += '\n';
+    }
+    return ConvertStringToChar8(joined);
+}
+
+IStatusInfo ToPlain(StatusInfo const& status) {
+    return {status.StatusCode, ConvertStringToChar8(status.Message)};
+}
+
+} // namespace harvlink::InteropHelper
