@@ -1,0 +1,88 @@
+#include <array>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "Commands.h"
+#include "Session.h"
+#include "Text.h"
+#include "harvlink/ControlCommandsInterface.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+constexpr std::array<Named<SignalStatus>, 2> SwitchNames{{{"on", SignalStatus::On}, {"off", SignalStatus::Off}}};
+
+constexpr std::array<Named<CycleMode>, 4> CycleNames{{{"step", CycleMode::Step},
+                                                      {"cycle", CycleMode::Cycle},
+                                                      {"auto", CycleMode::Automatic},
+                                                      {"automatic", CycleMode::Automatic}}};
+
+void AddServo(CLI::App& app, Session& session) {
+    auto state = std::make_shared<std::string>();
+    CLI::App* const verb = app.add_subcommand("servo", "Turn servo power on or off: POWERS THE MACHINE");
+    verb->add_option("STATE", *state, "on or off")->required();
+    verb->callback([state, &session] {
+        SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the servos");
+        session.OnConnectionConfirmed(wanted == SignalStatus::On
+                                          ? "Servo power on makes the machine able to move"
+                                          : "Servo power off stops the machine and drops its power",
+                                      [wanted](QuorvanController& robot, Output& output) {
+                                          return output.Done(robot.ControlCommands->SetServos(wanted));
+                                      });
+    });
+}
+
+// A hold stops the machine and must not be kept waiting; its release lets the job go on.
+void AddHold(CLI::App& app, Session& session) {
+    auto state = std::make_shared<std::string>();
+    CLI::App* const verb = app.add_subcommand("hold", "Hold the machine, or release it: off MOVES THE MACHINE");
+    verb->add_option("STATE", *state, "on or off")->required();
+    verb->callback([state, &session] {
+        SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the hold");
+        auto const plan = [wanted](QuorvanController& robot, Output& output) {
+            return output.Done(robot.ControlCommands->SetHold(wanted));
+        };
+        if (wanted == SignalStatus::On) {
+            session.OnConnection(plan);
+        } else {
+            session.OnConnectionConfirmed("Releasing the hold may MOVE THE MACHINE", plan);
+        }
+    });
+}
+
+void AddCycle(CLI::App& app, Session& session) {
+    auto mode = std::make_shared<std::string>();
+    CLI::App* const verb = app.add_subcommand("cycle", "Set how far a start runs");
+    verb->add_option("MODE", *mode, "step, cycle or auto")->required();
+    verb->callback([mode, &session] {
+        CycleMode const wanted = ParseName(CycleNames, *mode, "cycle mode");
+        session.OnConnection([wanted](QuorvanController& robot, Output& output) {
+            return output.Done(robot.ControlCommands->SetCycleMode(wanted));
+        });
+    });
+}
+
+void AddPendant(CLI::App& app, Session& session) {
+    auto text = std::make_shared<std::string>();
+    CLI::App* const verb = app.add_subcommand("pendant", "Show a line on the pendant, at most 30 bytes");
+    verb->add_option("TEXT", *text, "The line")->required();
+    verb->callback([text, &session] {
+        session.OnConnection([text](QuorvanController& robot, Output& output) {
+            return output.Done(robot.ControlCommands->DisplayStringToPendant(*text));
+        });
+    });
+}
+
+} // namespace
+
+void AddControlCommands(CLI::App& app, Session& session) {
+    AddServo(app, session);
+    AddHold(app, session);
+    AddCycle(app, session);
+    AddPendant(app, session);
+}
+
+} // namespace harvlink::cli

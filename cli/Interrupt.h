@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <csignal>
+
+namespace harvlink::cli {
+
+/// While it lives, the first Ctrl-C or SIGTERM is kept for the program to act on, and a second one ends the process.
+/// One at a time.
+class Interrupt {
+public:
+    Interrupt();
+    Interrupt(Interrupt const&) = delete;
+    Interrupt& operator=(Interrupt const&) = delete;
+    ~Interrupt();
+
+    /// Waits for a time, shorter if the signal comes or has come. Returns whether it has.
+    bool Wait(std::chrono::milliseconds time) const;
+
+private:
+    static constexpr std::array<int, 2> Signals{SIGINT, SIGTERM};
+    std::array<struct sigaction, Signals.size()> previous_{};
+};
+
+} // namespace harvlink::cli

@@ -1,0 +1,155 @@
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Csv.h"
+#include "InputError.h"
+#include "PositionText.h"
+#include "Session.h"
+#include "TrajectoryFile.h"
+#include "TrajectoryRun.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+constexpr char const* MoveWarning = "This MOVES THE MACHINE";
+
+struct MoveArguments {
+    std::string group;
+    std::string to;
+    double speed = 0.0;
+    double acceleration = RatioNotSpecified;
+    double deceleration = RatioNotSpecified;
+    bool joint = false;
+    bool line = false;
+};
+
+void PlanTrajectory(Session& session, Trajectory trajectory) {
+    session.EnableLogging();
+    session.OnConnectionConfirmed(MoveWarning,
+                                  [trajectory = std::move(trajectory)](QuorvanController& robot, Output& output) {
+                                      return RunTrajectory(robot, output, trajectory);
+                                  });
+}
+
+CircularMotion MakeMotion(MoveArguments const& arguments) {
+    CircularMotion motion;
+    motion.controlGroup = ParseGroup(arguments.group);
+    motion.speed = arguments.speed;
+    motion.accelerationRatio = arguments.acceleration;
+    motion.decelerationRatio = arguments.deceleration;
+    motion.moveType = arguments.line ? MoveInterpolationType::Line : MoveInterpolationType::Joint;
+    motion.position = ParsePosition(arguments.to, LeastAxes(motion.controlGroup));
+    CheckMotion(motion);
+    return motion;
+}
+
+void AddMove(CLI::App& app, Session& session) {
+    auto arguments = std::make_shared<MoveArguments>();
+    CLI::App* const verb = app.add_subcommand("move", "Move a control group to a position: MOVES THE MACHINE");
+    verb->add_option("GROUP", arguments->group, "Control group, such as R1")->required();
+    CLI::Option_group* const kind = verb->add_option_group("Kind of move");
+    kind->add_flag("--joint", arguments->joint, "Each axis on its own; the speed is in per cent");
+    kind->add_flag("--line", arguments->line, "In a straight line; the speed is in mm/s");
+    kind->require_option(1);
+    verb->add_option("--to", arguments->to, "The position")->required()->type_name("POSITION");
+    verb->add_option("--speed", arguments->speed, "Per cent (joint) or mm/s (line)")->required();
+    verb->add_option("--acceleration", arguments->acceleration, "Per cent, 20 to 100");
+    verb->add_option("--deceleration", arguments->deceleration, "Per cent, 20 to 100");
+    verb->footer(std::string(PositionHelp) +
+                 "\nExample: harvlink move R1 --line --to base:480,0,600,180,0,0 --speed 100");
+    verb->callback([arguments, &session] { PlanTrajectory(session, {MakeMotion(*arguments)}); });
+}
+
+void AddTrajectory(CLI::App& app, Session& session) {
+    CLI::App* const family = app.add_subcommand("trajectory", "Run or check a trajectory of a CSV file");
+    family->require_subcommand(1);
+    auto path = std::make_shared<std::string>();
+    CLI::App* const run = family->add_subcommand("run", "Move through all points of a file: MOVES THE MACHINE. Ctrl-C "
+                                                        "stops the motion and clears the queue, a second one quits");
+    run->add_option("FILE", *path, "The trajectory")->required();
+    run->footer(TrajectoryHelp);
+    run->callback([path, &session] { PlanTrajectory(session, ParseTrajectory(*path, ReadTextFile(*path))); });
+    CLI::App* const check = family->add_subcommand("check", "Check a file without a robot");
+    check->add_option("FILE", *path, "The trajectory")->required();
+    check->footer(TrajectoryHelp);
+    check->callback([path, &session] {
+        session.Locally([count = ParseTrajectory(*path, ReadTextFile(*path)).size()](Output& output) {
+            output.Show(Json{{"points", count}, {"valid", true}});
+            return ExitStatus::Success;
+        });
+    });
+}
+
+StatusInfo ShowProgress(QuorvanController& robot, Output& output, ControlGroupId group) {
+    StatusInfo status;
+    double const progress = robot.MotionManager->GetMotionTargetProgress(group, status);
+    if (status.StatusCode == 0) {
+        output.Show(Json{{"group", GroupName(group)}, {"progress", progress}});
+    }
+    return status;
+}
+
+void AddProgress(CLI::App& app, Session& session) {
+    auto group = std::make_shared<std::string>("R1");
+    CLI::App* const verb =
+        app.add_subcommand("progress", "Show the controller's number for how far a group is with its target");
+    verb->add_option("GROUP", *group, "Control group")->capture_default_str();
+    verb->callback([group, &session] {
+        session.OnConnection([id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
+            return ShowProgress(robot, output, id);
+        });
+    });
+}
+
+void AddStop(CLI::App& parent, Session& session, char const* description) {
+    auto keep = std::make_shared<bool>(false);
+    CLI::App* const verb = parent.add_subcommand("stop", description);
+    verb->add_flag("--keep-targets", *keep, "Leave the controller's targets as they are");
+    verb->callback([keep, &session] {
+        session.OnConnection([keep](QuorvanController& robot, Output& output) {
+            return output.Done(robot.MotionManager->MotionStop(!*keep));
+        });
+    });
+}
+
+void AddClear(CLI::App& parent, Session& session, char const* description) {
+    CLI::App* const verb = parent.add_subcommand("clear", description);
+    verb->callback([&session] {
+        session.OnConnection([](QuorvanController& robot, Output& output) {
+            return output.Done(robot.MotionManager->ClearAllTrajectory());
+        });
+    });
+}
+
+void AddStart(CLI::App& family, Session& session) {
+    CLI::App* const verb =
+        family.add_subcommand("start", "Let the controller move to the targets it has: MOVES THE MACHINE");
+    verb->callback([&session] {
+        session.OnConnectionConfirmed(MoveWarning, [](QuorvanController& robot, Output& output) {
+            return output.Done(robot.MotionManager->MotionStart());
+        });
+    });
+}
+
+} // namespace
+
+void AddMotionCommands(CLI::App& app, Session& session) {
+    AddMove(app, session);
+    AddTrajectory(app, session);
+    AddProgress(app, session);
+    CLI::App* const family = app.add_subcommand("motion", "Start, stop and clear motion (newer controllers)");
+    family->require_subcommand(1);
+    AddStart(*family, session);
+    AddStop(*family, session, "Stop the motion and clear its targets");
+    AddClear(*family, session, "Clear the controller's targets");
+    AddStop(app, session, "The same as motion stop");
+    AddClear(app, session, "The same as motion clear");
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+#include "Console.h"
+#include "harvlink/StatusInfo.h"
+
+namespace harvlink::cli {
+
+/// Keeps the order in which a command names its fields.
+using Json = nlohmann::ordered_json;
+
+/// What a command found out, said once as JSON and shown as such or, for people, as a table made of it:
+/// an array of objects is a table with a header, an object a list of its fields, a list in a field follows it as a table.
+/// Keys in snake case ("servo_on") become labels ("Servo on").
+class Output {
+public:
+    explicit Output(Console& console);
+
+    bool json = false;
+
+    void Show(Json const& document);
+
+    /// One of a series of records that go out as they come: JSON on one line, or `text` for people.
+    void ShowEvent(Json const& event, std::string_view text);
+
+    /// The end of a command that has nothing to show but its success, and the note that this may carry. Shows nothing of a
+    /// failure, and hands the status on.
+    StatusInfo Done(StatusInfo status);
+
+    /// The library's own status line, on the error stream, behind what it is about if several things were asked for.
+    void Failure(StatusInfo const& status, std::string_view subject = {});
+
+    /// Anything else that went wrong, on the error stream.
+    void Problem(std::string_view message);
+
+    /// Whether a failure or problem was shown.
+    bool HasFailed() const { return hasFailed_; }
+
+    /// Whether somebody watches who would like to see progress.
+    bool Interactive() const;
+
+    Console& console() { return console_; }
+
+private:
+    Console& console_;
+    bool colour_ = false;
+    bool errorColour_ = false;
+    bool hasFailed_ = false;
+};
+
+} // namespace harvlink::cli

@@ -1,0 +1,208 @@
+#include "TrajectoryRun.h"
+
+#include <chrono>
+#include <ostream>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "Interrupt.h"
+#include "PathProgress.h"
+#include "PositionText.h"
+#include "Text.h"
+#include "harvlink/ControlGroupInterface.h"
+#include "harvlink/ControllerStateInterface.h"
+#include "harvlink/FaultInterface.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds PollInterval{50};
+constexpr int BarWidth = 24;
+constexpr char const* EraseLine = "\r\x1b[K";
+
+/// The way of the group that the last point moves, as far as it is told in that point's coordinates.
+struct FollowedPath {
+    Motion const& last;
+    CoordinateType readType;
+    bool isEndComparable;
+    std::vector<PathProgress::Axes> points;
+};
+
+bool CanBeRead(CoordinateType type) {
+    return type == CoordinateType::Pulse || type == CoordinateType::BaseCoordinate ||
+           type == CoordinateType::RobotCoordinate || type == CoordinateType::UserCoordinate;
+}
+
+FollowedPath FollowPath(Trajectory const& trajectory) {
+    Motion const& last = trajectory.back();
+    bool const comparable = CanBeRead(last.position.coordinateType);
+    FollowedPath path{last, comparable ? last.position.coordinateType : CoordinateType::Pulse, comparable, {}};
+    for (Motion const& motion : trajectory) {
+        if (comparable && motion.controlGroup == last.controlGroup &&
+            motion.position.coordinateType == last.position.coordinateType &&
+            motion.position.userCoordinateNumber == last.position.userCoordinateNumber) {
+            path.points.push_back(motion.position.axes);
+        }
+    }
+    return path;
+}
+
+class TrajectoryRunner {
+public:
+    TrajectoryRunner(QuorvanController& robot, Output& output, Trajectory const& trajectory)
+        : robot_(robot), output_(output), trajectory_(trajectory), path_(FollowPath(trajectory)) {}
+
+    StatusInfo Run() {
+        Interrupt const interrupt;
+        StatusInfo status = ReadPosition();
+        start_ = Clock::now();
+        PathProgress progress(path_.readType, position_.axes, path_.points, path_.isEndComparable, start_);
+        if (status.StatusCode == 0) {
+            status = QueueAndStart();
+        }
+        if (status.StatusCode == 0) {
+            status = Follow(interrupt, progress);
+        }
+        if (status.StatusCode != 0) {
+            Abandon();
+        }
+        return status;
+    }
+
+private:
+    StatusInfo ReadPosition() {
+        PositionData const& wanted = path_.last.position;
+        bool const isUser = path_.readType == CoordinateType::UserCoordinate;
+        return robot_.ControlGroup->ReadPositionData(
+            path_.last.controlGroup, path_.readType,
+            static_cast<unsigned char>(isUser ? wanted.userCoordinateNumber : 0),
+            static_cast<unsigned char>(path_.isEndComparable ? wanted.toolNumber : 0), position_);
+    }
+
+    StatusInfo QueueAndStart() {
+        for (std::size_t i = 0; i < trajectory_.size(); ++i) {
+            StatusInfo status = robot_.MotionManager->AddPointToTrajectory(trajectory_[i]);
+            if (status.StatusCode != 0) {
+                output_.Problem(fmt::format("point {} was refused, nothing was moved", i + 1));
+                return status;
+            }
+        }
+        return robot_.MotionManager->MotionStart();
+    }
+
+    StatusInfo Follow(Interrupt const& interrupt, PathProgress& progress) {
+        while (true) {
+            if (interrupt.Wait(PollInterval)) {
+                EndBar();
+                output_.Problem("interrupted: stopping the motion and clearing the queue");
+                return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+            }
+            StatusInfo status = LookForTrouble();
+            if (status.StatusCode == 0) {
+                status = ReadPosition();
+            }
+            if (status.StatusCode != 0) {
+                EndBar();
+                return status;
+            }
+            PathProgress::State const state = progress.Sample(position_.axes, Clock::now());
+            ShowBar(progress.Fraction());
+            if (state == PathProgress::State::Arrived) {
+                EndBar();
+                return {};
+            }
+            if (state == PathProgress::State::Stopped && !isHeld_) {
+                EndBar();
+                output_.Problem("the machine stands still before the last point");
+                return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+            }
+        }
+    }
+
+    // The library calls nobody back when the controller refuses a point: it raises an alarm and empties its queue.
+    StatusInfo LookForTrouble() {
+        ControllerStateData state;
+        StatusInfo status = robot_.Status->ReadState(state);
+        isHeld_ = state.isProgramPendantHold;
+        if (status.StatusCode != 0 || (!state.isAlarming && !state.isErroring && state.isServoOn)) {
+            return status;
+        }
+        EndBar();
+        ActiveAlarms alarms;
+        status = robot_.Faults->GetActiveAlarms(alarms);
+        for (AlarmData const& alarm : alarms.alarms) {
+            if (alarm.code != 0) {
+                output_.Problem(
+                    fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(TrimField(alarm.name))));
+            }
+        }
+        if (!state.isServoOn) {
+            output_.Problem("servo power is off");
+        }
+        return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+    }
+
+    // Clearing empties the library's queue even if the controller no longer answers.
+    void Abandon() {
+        if (robot_.MotionManager->MotionStop(true).StatusCode != 0) {
+            robot_.MotionManager->ClearAllTrajectory();
+        }
+    }
+
+    void ShowBar(double fraction) {
+        if (!output_.Interactive()) {
+            return;
+        }
+        int const filled = static_cast<int>(fraction * BarWidth);
+        std::chrono::duration<double> const elapsed = Clock::now() - start_;
+        double const left = fraction > 0.02 ? elapsed.count() / fraction - elapsed.count() : 0.0;
+        output_.console().err << fmt::format("{}[{:#<{}}{:-<{}}] {:3.0f} %  {:.0f} s left{}  {}", EraseLine, "", filled,
+                                             "", BarWidth - filled, fraction * 100.0, left, isHeld_ ? "  held" : "",
+                                             FormatPosition(position_))
+                              << std::flush;
+        isBarShown_ = true;
+    }
+
+    void EndBar() {
+        if (isBarShown_) {
+            output_.console().err << std::endl;
+            isBarShown_ = false;
+        }
+    }
+
+    QuorvanController& robot_;
+    Output& output_;
+    Trajectory const& trajectory_;
+    FollowedPath path_;
+    PositionData position_;
+    Clock::time_point start_;
+    bool isHeld_ = false;
+    bool isBarShown_ = false;
+
+public:
+    void ShowResult() {
+        std::chrono::duration<double> const elapsed = Clock::now() - start_;
+        Json document{{"points", trajectory_.size()},
+                      {"seconds", elapsed.count()},
+                      {"group", GroupName(path_.last.controlGroup)}};
+        document.update(PositionJson(position_));
+        output_.Show(document);
+    }
+};
+
+} // namespace
+
+StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory const& trajectory) {
+    TrajectoryRunner runner(robot, output, trajectory);
+    StatusInfo status = runner.Run();
+    if (status.StatusCode == 0) {
+        runner.ShowResult();
+    }
+    return status;
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Output.h"
+#include "TrajectoryFile.h"
+#include "harvlink/QuorvanController.h"
+#include "harvlink/StatusInfo.h"
+
+namespace harvlink::cli {
+
+/// Moves the machine through all points and waits until it is there. Nothing moves before all points are queued.
+/// However it ends, the queue is empty afterwards, so that closing the connection does not wait. On Ctrl-C the motion is
+/// stopped and the queue cleared; a second Ctrl-C ends the process.
+StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory const& trajectory);
+
+} // namespace harvlink::cli
