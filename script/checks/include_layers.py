@@ -18,7 +18,11 @@ ALLOWED = {
     "binding": ["binding"],
 }
 SINGLE_DOORS = {("io", "variables/VariableFunctions.h")}
-WIRE_FORMATS = re.compile(r"(Messages|Message|Packets|CommandNumber|WireInteger|GroupAddress|StatusTable|MainStatusTable)\.h$")
+WIRE_FORMATS = re.compile(
+    r"wire/(Packets|CommandNumber|WireInteger|GroupAddress|\w+Message)\.h$"
+    r"|position/\w+\.h$"
+    r"|(variables|io|controller|files|motion|kinematics)/\w+Messages\.h$"
+)
 PUBLIC_ONLY = ["cli", "examples"]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 
@@ -48,7 +52,7 @@ def faults():
                 continue
             yield path, target, f"{folder}/ may include include/ and {', '.join(allowed)}"
     for path, target in includes(ROOT / "simulator"):
-        if target_folder(path, target) and not WIRE_FORMATS.search(target):
+        if target_folder(path, target) and not WIRE_FORMATS.match(target):
             yield path, target, "the virtual controller shares wire formats with the library, nothing else"
     for folder in PUBLIC_ONLY:
         for path, target in includes(ROOT / folder):
