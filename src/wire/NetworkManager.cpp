@@ -104,7 +104,8 @@ StatusInfo NetworkManager::Exchange(Request request, Reply reply, std::optional<
     return CheckHeader(reply.subHeader);
 }
 
-/// Listens for 1 + retries periods. What a datagram with another id left in the reply is cleared before the next.
+/// Listens for 1 + retries periods. Of a datagram with another id only the id stays in the reply: nothing else that it
+/// says, such as a last block, may be taken for the answer.
 bool NetworkManager::ListenFor(std::uint8_t id, Reply const& reply) {
     timeval const period{0, timeoutMicroseconds};
     for (std::uint64_t listenings = 0; listenings <= retries; ++listenings) {
@@ -113,6 +114,9 @@ bool NetworkManager::ListenFor(std::uint8_t id, Reply const& reply) {
             return true;
         }
         if (received) {
+            std::uint8_t const otherId = reply.header.requestId;
+            reply.header = {};
+            reply.header.requestId = otherId;
             std::ranges::fill(reply.bytes.subspan(sizeof(CommonHeader)), std::byte{});
         }
     }
