@@ -140,7 +140,7 @@ TEST(Exchange, ShortLongAndEmptyReplies) {
 TEST(Exchange, StaleRepliesUseUpPeriods) {
     ScriptedController controller;
     auto const manager = controller.Connect("YA1.00", 2);
-    Reply const stale{.payload = U32(1), .status = 8, .staleBy = 1};
+    Reply const stale{.payload = U32(1), .status = 8, .block = 0x80000001, .staleBy = 1};
     controller.Expect(registerRequest, Replies{stale, stale, Payload(U32(2))});
     RegisterRead const third(*manager);
     EXPECT_EQ(third.status.StatusCode, 0);
@@ -153,6 +153,8 @@ TEST(Exchange, StaleRepliesUseUpPeriods) {
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(4));
     EXPECT_EQ(unlucky.status.StatusCode, 0x30006);
     EXPECT_EQ(unlucky.status.Message, NoResponse(2));
+    EXPECT_EQ(unlucky.reply.header.blockNumber, 0U) << "nothing of a stale reply counts";
+    EXPECT_EQ(unlucky.reply.payload, 0U);
     controller.Expect(registerRequest, Payload(U32(4)));
     EXPECT_EQ(RegisterRead(*manager).reply.payload, 4U);
     EXPECT_EQ(controller.Received().size(), 4U);

@@ -1,0 +1,188 @@
+#include "controller/ControlGroupImplementation.h"
+
+#include <sstream>
+
+#include "support/ScriptedController.h"
+
+namespace harvlink::test {
+namespace {
+
+using enum ControlGroupId;
+using enum CoordinateType;
+
+constexpr int toolFiles = 4;
+constexpr int invalidGroup = 40961 - 60000000;
+
+Bytes const olderPosition = Words({16, 0b100001, 2, 5, 0b1, 1500, -2500, 3, 40000, 50000, 60001, -70000, 80000});
+Bytes const extendedPosition =
+    U32(4) + U16(5) + U16(2) + Words({0b100001, 0, 1500, -2500, 3, 40000, 50000, 60001, -70000, 80000});
+
+struct Session {
+    explicit Session(char const* software) : manager(controller.Connect(software)) {
+        for (auto const group : {R1, R2, B1, S1}) {
+            manager->AddToControlGroupsAttached({group, group == R2 ? 8U : group == B1 ? 0xffffffffU : 6U});
+        }
+    }
+    StatusInfo Read(ControlGroupId group, CoordinateType type, int user = 0, int tool = 0) {
+        position.toolNumber = 99;
+        return groups.ReadPositionData(group, type, static_cast<unsigned char>(user), static_cast<unsigned char>(tool),
+                                       position);
+    }
+
+    ScriptedController controller;
+    std::unique_ptr<NetworkManager> manager;
+    ControlGroupImplementation groups{manager.get(), toolFiles};
+    PositionData position;
+};
+
+bool IsZero(PositionData const& position) {
+    return position.coordinateType == Pulse && position.toolNumber == 0 && position.userCoordinateNumber == 0 &&
+           position.axes == std::array<double, 8>{};
+}
+
+TEST(ControlGroup, OlderRoadReadsPulseAndBase) {
+    Session session("FS1");
+    session.controller.Expect(RobotRequest(117, 102, 0, 1), Payload(olderPosition));
+    EXPECT_EQ(session.Read(R2, BaseCoordinate, 7).StatusCode, 0);
+    EXPECT_EQ(session.position.axes, (std::array<double, 8>{1.5, -2.5, 0.003, 4, 5, 6.0001, -7, 8}));
+    EXPECT_EQ(session.position.toolNumber, 2);
+    EXPECT_EQ(session.position.userCoordinateNumber, 5);
+    EXPECT_EQ(session.position.figure.sAngle, AxisAngle::GreaterThan180);
+    EXPECT_EQ(session.position.figure.lAngle, AxisAngle::GreaterThan180);
+
+    // The type of the reply decides the scaling; a group without eight axes has no eighth value.
+    session.controller.Expect(RobotRequest(117, 121, 0, 1), Payload(Words({0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8})));
+    EXPECT_EQ(session.Read(S1, BaseCoordinate).StatusCode, 0);
+    EXPECT_EQ(session.position.axes, (std::array<double, 8>{1, 2, 3, 4, 5, 6, 7, 0}));
+    EXPECT_EQ(session.position.coordinateType, Pulse);
+}
+
+TEST(ControlGroup, ExtendedRoadRequests) {
+    struct {
+        ControlGroupId group;
+        CoordinateType type;
+        int user, tool;
+        Bytes request;
+        int userInResult;
+    } const cases[] = {
+        {R1, BaseCoordinate, 9, 4, Words({0, 0}) + U16(0) + U16(4) + U32(0), 5},
+        {R2, RobotCoordinate, 9, 0, Words({0, 1}) + U16(1) + U16(0) + U32(0), 5},
+        {B1, UserCoordinate, 1, 1, Words({1, 0}) + U16(2) + U16(1) + U32(0), 6},
+        {S1, UserCoordinate, 63, 4, Words({2, 1}) + U16(64) + U16(4) + U32(0), 6},
+    };
+    Session session("YA1");
+    for (auto const& example : cases) {
+        session.controller.Expect(RobotRequest(829, 0, 0, 1, example.request), Payload(extendedPosition));
+        EXPECT_EQ(session.Read(example.group, example.type, example.user, example.tool).StatusCode, 0);
+        EXPECT_EQ(session.position.coordinateType, UserCoordinate);
+        EXPECT_EQ(session.position.userCoordinateNumber, example.userInResult);
+        EXPECT_EQ(session.position.axes[6], -7.0);
+        EXPECT_EQ(session.position.axes[7], example.group == R2 ? 8.0 : 0.0);
+        EXPECT_EQ(session.position.figure.lAngle, AxisAngle::LessThan180);
+    }
+    // Pulses take the older road, whatever numbers come with them.
+    session.controller.Expect(RobotRequest(117, 1, 0, 1), Payload(Words({0, 0, 3, 0, 0, -1})));
+    EXPECT_EQ(session.Read(R1, Pulse, 255, 255).StatusCode, 0);
+    EXPECT_EQ(session.position.axes[0], -1.0);
+}
+
+TEST(ControlGroup, ArgumentsAreRefusedBeforeAnythingIsSent) {
+    constexpr char const* notAttached = "This Control Group is not attached to the controller.";
+    constexpr char const* wrongType = "Coordinate type is not valid for position data retrieval.";
+    constexpr char const* activeToolOnly = "This controller generation only returns position data for the active tool. "
+                                           "Please pass 0 for the tool selection.";
+    struct {
+        char const* software;
+        ControlGroupId group;
+        CoordinateType type;
+        int user, tool, code;
+        char const* message;
+    } const cases[] = {
+        {"YA", R3, Pulse, 0, 0, 0x30015, notAttached},
+        {"FS", R3, Pulse, 0, 1, 0x30015, notAttached},
+        {"FS", R1, Pulse, 0, 1, 0x20016, activeToolOnly},
+        {"ZZ", R1, BaseCoordinate, 0, 1, 0x20016, activeToolOnly}, // an unknown generation counts as older here
+        {"FS", R1, RobotCoordinate, 0, 0, 0x20015, wrongType},
+        {"DN", R1, UserCoordinate, 1, 0, 0x20015, wrongType},
+        {"YA", R1, ToolCoordinate, 0, 0, 0x20015, wrongType},
+        {"YN", R1, JointAngle, 0, 0, 0x20015, wrongType},
+        {"YA", R1, UserCoordinate, 0, 5, 45069, "Tool Number is out of range."},
+        {"YA", R1, UserCoordinate, 0, 4, 45070, "User Coordinate Number is out of range."},
+        {"YA", R1, UserCoordinate, 64, 0, 45070, "User Coordinate Number is out of range."},
+        // Silence about the tool, on purpose.
+        {"YA", R1, BaseCoordinate, 0, 5, 0, "OK"},
+        {"YA", R1, RobotCoordinate, 0, 255, 0, "OK"},
+    };
+    for (auto const& example : cases) {
+        Session session(example.software);
+        StatusInfo const status = session.Read(example.group, example.type, example.user, example.tool);
+        EXPECT_EQ(status.StatusCode, example.code);
+        EXPECT_EQ(status.Message, example.message);
+        EXPECT_TRUE(IsZero(session.position));
+    }
+}
+
+TEST(ControlGroup, RefusedPositionsAreReadInContext) {
+    Session session("YA1");
+    Reply refusal = Refusal(40961);
+    refusal.payload = extendedPosition;
+    session.controller.Expect(RobotRequest(829, 0, 0, 1, Words({0, 0, 0, 0})), refusal);
+    StatusInfo const extended = session.Read(R1, BaseCoordinate);
+    EXPECT_EQ(extended.StatusCode, invalidGroup);
+    EXPECT_EQ(extended.Message, "Invalid Control Group Id");
+    EXPECT_TRUE(IsZero(session.position));
+
+    // The older road hands out what the refusal carries.
+    refusal.payload = olderPosition;
+    session.controller.Expect(RobotRequest(117, 1, 0, 1), refusal);
+    EXPECT_EQ(session.Read(R1, Pulse).StatusCode, invalidGroup);
+    EXPECT_EQ(session.position.axes[7], 8.0);
+    session.controller.Expect(RobotRequest(117, 1, 0, 1), Refusal(45057));
+    EXPECT_EQ(session.Read(R1, Pulse).Message, "Undefined position variable");
+    EXPECT_TRUE(IsZero(session.position));
+}
+
+TEST(ControlGroup, AxesErrorsAndTorque) {
+    Session session("FS1");
+    Bytes const values = Words({1, -2, 3, 4, 5, 6, 7, 0x7fffffff});
+    std::array<std::int32_t, 8> const expected{1, -2, 3, 4, 5, 6, 7, 0x7fffffff};
+    Reply refusal = Refusal(40961);
+    refusal.payload = values;
+
+    std::array<char, 8> axes{};
+    session.controller.Expect(RobotRequest(116, 44, 0, 1), Payload(Words({'S', 'L' + 0xabcd00, 'U', 'R', 'B', 'T'})));
+    EXPECT_EQ(session.groups.ReadAxisConfiguration(S24, axes).StatusCode, 0);
+    EXPECT_EQ(axes, (std::array<char, 8>{'S', 'L', 'U', 'R', 'B', 'T', 0, 0}));
+    session.controller.Expect(RobotRequest(116, 1, 0, 1), refusal);
+    EXPECT_EQ(session.groups.ReadAxisConfiguration(R1, axes).StatusCode, invalidGroup);
+    EXPECT_EQ(axes, (std::array<char, 8>{}));
+
+    PositionErrorData error;
+    session.controller.Expect(RobotRequest(118, 11, 0, 1), Payload(values));
+    EXPECT_EQ(session.groups.ReadPositionError(B1, error).StatusCode, 0);
+    EXPECT_EQ(error.axes, expected);
+    session.controller.Expect(RobotRequest(118, 11, 0, 1), refusal);
+    EXPECT_EQ(session.groups.ReadPositionError(B1, error).StatusCode, invalidGroup);
+    EXPECT_EQ(error.axes, (std::array<std::int32_t, 8>{}));
+
+    TorqueData torque;
+    session.controller.Expect(RobotRequest(119, 21, 0, 1), refusal);
+    EXPECT_EQ(session.groups.ReadTorqueData(S1, torque).StatusCode, invalidGroup);
+    EXPECT_EQ(torque.axes, expected) << "copied whatever the status";
+    EXPECT_EQ(torque.controlGroup, R1) << "whatever group was asked for";
+    session.controller.Expect(RobotRequest(119, 21, 0, 1), Payload(U32(9)));
+    EXPECT_EQ(session.groups.ReadTorqueData(S1, torque).StatusCode, 0);
+    EXPECT_EQ(torque.axes, (std::array<std::int32_t, 8>{9}));
+}
+
+TEST(ControlGroup, Text) {
+    std::ostringstream text;
+    text << PositionErrorData{{1, -2, 3, 4, 5, 6, 7, 8}} << TorqueData{B2, {1, -2, 3, 4, 5, 6, 7, 8}};
+    EXPECT_EQ(text.str(),
+              "Axis 0 : 1\nAxis 1 : -2\nAxis 2 : 3\nAxis 3 : 4\nAxis 4 : 5\nAxis 5 : 6\nAxis 6 : 7\nAxis 7 : 8\n"
+              "Control Group Id: B2\nAxis 0 : 1\nAxis 1 : -2\nAxis 2 : 3\nAxis 3 : 4\nAxis 4 : 5\nAxis 5 : 6"
+              "\nAxis 6 : 7");
+}
+
+} // namespace
+} // namespace harvlink::test
