@@ -1,25 +1,77 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/Refusal.h"
+#include "simulator/files/FileFolder.h"
 
 namespace harvlink::simulator {
 
 class ControllerModel;
 
-/// The files on the controller. Built last but for jobs and motion: groups, frames and parameters of `model` may be read
-/// in the constructor.
+/// The content of a file as it was when it was read, whatever becomes of the file.
+using FileText = std::shared_ptr<std::string const>;
+
+/// The files on the controller, by upper-case name (FileNameFrom).
+///
+/// Without a folder there are the generated files and the sample jobs, and all that is written stays in memory. With one
+/// (ControllerOptions::filesFolder) its files are served and updated instead; of the generated ones only the three that
+/// describe the controller remain, each until the folder has a file of its name. A file that was Put or written stands in
+/// front of a generated one.
 class FileStore {
 public:
-    explicit FileStore(ControllerModel& model) : model_(&model) {}
+    static constexpr std::size_t MaxFileSize = std::size_t{16} << 20U;
+    static constexpr std::size_t MaxMemory = std::size_t{64} << 20U; ///< of all files that are kept in memory
+    static constexpr std::size_t MaxFiles = 1024; ///< kept in memory
 
-    /// Puts a file in place, replacing one of the same name. Used by scene files.
-    void Put(std::string const& name, std::string const& content) {
-        static_cast<void>(name);
-        static_cast<void>(content);
-    }
+    /// Groups, frames and parameters of `model` stand already. Allows overwriting: sets RS214 to 2.
+    explicit FileStore(ControllerModel& model);
+
+    /// Why the folder can't be served; empty if all is well.
+    std::string const& FolderError() const { return folder_.Error(); }
+
+    /// Puts a file in place, of any kind and whatever it holds, replacing one of the same name. Used by scene files. Never
+    /// changes the folder. Refuses a bad name and what goes beyond the limits.
+    Refusal Put(std::string_view name, std::string content);
+
+    /// Null if there is no such file.
+    FileText Read(std::string_view name) const;
+
+    /// Sorted.
+    std::vector<std::string> Names(std::string_view pattern) const;
+
+    /// Whether a client may load a file of this name now. Refused are kinds that can't be written, all of them outside
+    /// remote mode, existing files unless RS214 is 2, and jobs that are being executed.
+    Refusal CheckLoad(std::string_view name) const;
+
+    /// Takes over what a client has loaded, after checking a job's text.
+    Refusal Load(std::string const& name, std::string content);
+
+    /// Deletes for a client: jobs only, in remote mode only, and none that is being executed.
+    Refusal Delete(std::string_view name);
+
+    /// Grows with every change that is made through the store.
+    std::uint64_t Revision() const { return revision_; }
 
 private:
-    [[maybe_unused]] ControllerModel* model_;
+    bool Contains(std::string_view name) const;
+    bool IsServed(bool isConfiguration) const { return isConfiguration || !folder_.IsOpen(); }
+    bool IsExecuted(std::string_view name) const;
+    std::int32_t OverwriteParameter() const;
+    Refusal Keep(std::string const& name, std::string content);
+    void Forget(std::string_view name);
+
+    ControllerModel& model_;
+    FileFolder folder_;
+    std::map<std::string, FileText, std::less<>> kept_;
+    std::size_t keptSize_ = 0;
+    std::uint64_t revision_ = 0;
 };
 
 } // namespace harvlink::simulator

@@ -1,23 +1,27 @@
+#include <chrono>
+
 #include "simulator/CommandHandler.h"
+#include "simulator/files/FileTransfers.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
 
 namespace {
 
+/// Answers all that arrives on the file port.
 class FileTransferHandler final : public CommandHandler {
 public:
-    explicit FileTransferHandler(ControllerModel& model) : model_(&model) {}
+    explicit FileTransferHandler(ControllerModel& model) : transfers_(model.files) {}
 
     std::span<CommandNumber const> Commands() const override { return {}; }
 
+    /// Patience with a client is measured in the client's time, however fast the controller's own runs.
     void Handle(Request const& request, Reply& reply) override {
-        static_cast<void>(request);
-        reply.Refuse(Refusal::UndefinedCommand);
+        transfers_.Handle(request, std::chrono::steady_clock::now(), reply);
     }
 
 private:
-    [[maybe_unused]] ControllerModel* model_;
+    FileTransfers transfers_;
 };
 
 } // namespace

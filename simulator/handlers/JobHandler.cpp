@@ -1,23 +1,85 @@
+#include <algorithm>
+#include <array>
+
+#include "controller/JobMessages.h"
 #include "simulator/CommandHandler.h"
+#include "simulator/files/FileName.h"
 #include "simulator/model/ControllerModel.h"
+#include "simulator/model/FixedText.h"
 
 namespace harvlink::simulator {
 
 namespace {
 
+/// Task 0 runs the selected job. The other tasks are there and have nothing to do.
+constexpr std::uint32_t TaskCount = 8;
+constexpr std::uint32_t FullSpeed = 10000; ///< hundredths of a per cent
+constexpr Refusal NoSuchTask{65535};
+
 class JobHandler final : public CommandHandler {
 public:
-    explicit JobHandler(ControllerModel& model) : model_(&model) {}
+    explicit JobHandler(ControllerModel& model) : model_(model) {}
 
-    std::span<CommandNumber const> Commands() const override { return {}; }
+    std::span<CommandNumber const> Commands() const override {
+        static constexpr std::array Own{CommandNumber::ExecutingJobRead, CommandNumber::JobSelect,
+                                        CommandNumber::JobStackRead};
+        return Own;
+    }
 
     void Handle(Request const& request, Reply& reply) override {
-        static_cast<void>(request);
-        reply.Refuse(Refusal::UndefinedCommand);
+        switch (request.Command()) {
+        case CommandNumber::ExecutingJobRead:
+            ReadExecutingJob(request.subHeader.instance, reply);
+            break;
+        case CommandNumber::JobSelect:
+            Select(request.As<JobMsg>(), reply);
+            break;
+        default:
+            ReadStack(request.As<TaskDataMsg>().task, reply);
+        }
     }
 
 private:
-    [[maybe_unused]] ControllerModel* model_;
+    void ReadExecutingJob(std::uint32_t instance, Reply& reply) const {
+        if (instance < 1 || instance > TaskCount) {
+            reply.Refuse(Refusal::InvalidInstance);
+            return;
+        }
+        JobMsg message;
+        if (instance == 1) {
+            auto const place = model_.jobs.Current();
+            FillText(message.jobName, place.name);
+            message.line = place.line;
+            message.stepNumber = place.step;
+        }
+        message.speedOverride = FullSpeed;
+        reply.Set(message);
+    }
+
+    void Select(JobMsg const& message, Reply& reply) {
+        auto const name = FieldText(message.jobName);
+        if (!IsJobName(UpperCase(name))) {
+            reply.Refuse(Refusal::NoSuchJob);
+        } else if (!reply.RefuseIf(model_.jobs.Select(name, message.line))) {
+            reply.Set(std::uint8_t{0});
+        }
+    }
+
+    void ReadStack(std::uint32_t task, Reply& reply) const {
+        if (task >= TaskCount) {
+            reply.Refuse(NoSuchTask);
+            return;
+        }
+        JobStructs::JobStackReturnData stack;
+        auto const count = task == 0 ? std::min(model_.jobs.Depth(), stack.jobNames.size()) : 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            FillText(stack.jobNames[i], model_.jobs.NameAt(i));
+        }
+        stack.jobCount = static_cast<std::int8_t>(count);
+        reply.Set(stack);
+    }
+
+    ControllerModel& model_;
 };
 
 } // namespace

@@ -1,33 +1,111 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "simulator/Clock.h"
 #include "simulator/Refusal.h"
+#include "simulator/jobs/JobProgram.h"
 
 namespace harvlink::simulator {
 
 class ControllerModel;
 
-/// Runs the selected job.
+/// Alarms that a running job raises; the sub-code is the line.
+enum class JobAlarm : std::uint32_t {
+    JobNotFound = 4450, ///< the job called doesn't exist or is no job
+    CallTooDeep = 4451,
+    NoSuchVariable = 4452,
+    NoSuchSignal = 4453,
+};
+
+/// Runs the selected job, in the language of JobParser.h, on variables and signals of the model.
+///
+/// Every line takes InstructionTime of the controller's clock, but TIMER its own time, labels and comments none; what it
+/// does, it does at the end of this. Hold, an alarm, the loss of servo power and leaving remote mode stop the job at once;
+/// the next start goes on within the line where it stood. After END of the selected job the next line is its first: the
+/// job stops there in cycle mode, and goes on in automatic mode. In step mode each start carries out one line, labels and
+/// comments before it included.
 class JobEngine {
 public:
-    explicit JobEngine(ControllerModel& model) : model_(&model) {}
+    static constexpr Clock::Duration InstructionTime = std::chrono::milliseconds(20);
+    static constexpr std::size_t MaxDepth = 12; ///< of calls, the selected job included: as many as a stack reply names
+    static constexpr std::size_t MaxPerTick = 1000; ///< lines; a clock that runs faster than this is not followed
 
-    /// Starts the selected job. The model has checked mode, alarms, hold, servo power and that nothing runs.
-    Refusal Start() { return Refusal::NoExecutionJob; }
+    explicit JobEngine(ControllerModel& model) : model_(model) {}
 
-    bool IsRunning() const { return false; }
+    /// Where the innermost job stands: the line that it carries out or would start with.
+    struct Place {
+        std::string_view name; ///< empty if no job was selected
+        std::uint32_t line = 0;
+        std::uint32_t step = 0;
+    };
 
-    /// Called after every change of mode, servo power, hold or alarms; read the new state from the model.
-    void OnStateChange() {}
+    /// Makes a job of the store the one that a start runs, from `line` on.
+    Refusal Select(std::string_view name, std::uint32_t line);
+
+    /// Starts or continues the selected job. The model has checked mode, alarms, hold, servo power and that nothing runs.
+    Refusal Start();
+
+    bool IsRunning() const { return isRunning_; }
+
+    /// Whether the job is on the call stack of a running job.
+    bool IsExecuting(std::string_view name) const;
+
+    Place Current() const;
+
+    /// The call stack, from 0, the selected job, to Depth() - 1, where Current is.
+    std::size_t Depth() const { return stack_.size(); }
+    std::string_view NameAt(std::size_t depth) const { return stack_.at(depth).name; }
+
+    /// Called after every change of mode, servo power, hold or alarms.
+    void OnStateChange();
 
     /// Whether Tick has anything to do.
-    bool NeedsTicks() const { return false; }
+    bool NeedsTicks() const { return isRunning_; }
 
     /// Advances to `now`, the time of the model's clock.
-    void Tick(Clock::Duration now) { static_cast<void>(now); }
+    void Tick(Clock::Duration now);
 
 private:
-    [[maybe_unused]] ControllerModel* model_;
+    using Program = std::shared_ptr<JobProgram const>;
+
+    struct Frame {
+        std::string name;
+        Program program;
+        std::uint32_t line = 0;
+
+        Instruction const& Current() const { return program->lines[line]; }
+    };
+
+    Refusal Load(std::string const& name, Program& program);
+    Refusal Reload();
+
+    void Execute(Instruction const& instruction);
+    void ExecuteWait(Instruction const& instruction);
+    void ExecuteJump(Instruction const& instruction);
+    void ExecuteAssignment(Instruction const& instruction);
+    void Call(std::string const& name);
+    void Return();
+    void GoTo(std::uint32_t line);
+    void GoOn() { GoTo(stack_.back().line + 1); }
+    void Stop();
+    void Raise(JobAlarm alarm, std::string_view name);
+    void RaiseMissing(Operand const& operand);
+
+    ControllerModel& model_;
+    std::vector<Frame> stack_;
+    std::map<std::string, Program> programs_; ///< those met since the last start or change of the store
+    std::uint64_t programsRevision_ = 0; ///< of the store, when they were parsed
+    bool isRunning_ = false;
+    Clock::Duration due_{0}; ///< when the current line is done; of a job that runs
+    Clock::Duration remaining_{0}; ///< of the current line; of a job that stands
 };
 
 } // namespace harvlink::simulator

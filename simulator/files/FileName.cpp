@@ -1,0 +1,106 @@
+#include "simulator/files/FileName.h"
+
+#include <algorithm>
+#include <array>
+
+#include "wire/Packets.h"
+
+namespace harvlink::simulator {
+
+namespace {
+
+constexpr std::size_t ExtensionLength = 4;
+
+struct Extension {
+    std::string_view text;
+    bool isWritable;
+};
+
+/// In the order of FileType.
+constexpr std::array<Extension, 7> Extensions{{{".JBI", true},
+                                               {".DAT", true},
+                                               {".CND", true},
+                                               {".PRM", false},
+                                               {".SYS", false},
+                                               {".LST", true},
+                                               {".LOG", false}}};
+
+constexpr bool IsLetterOrDigit(char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= '0' && character <= '9');
+}
+
+constexpr bool IsNameCharacter(char character) {
+    return IsLetterOrDigit(character) || std::string_view("-_#$.+&%").find(character) != std::string_view::npos;
+}
+
+constexpr char Upper(char character) {
+    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
+}
+
+} // namespace
+
+std::string UpperCase(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), Upper);
+    return result;
+}
+
+bool IsJobName(std::string_view text) {
+    return !text.empty() && text.size() <= FileNameSize && text.front() != '.' &&
+           std::ranges::all_of(text, IsNameCharacter);
+}
+
+std::optional<std::string> FileNameFrom(std::string_view text) {
+    if (text.size() <= ExtensionLength || text.size() > FileNameSize) {
+        return std::nullopt;
+    }
+    auto name = UpperCase(text);
+    if (!IsJobName(name) || !FileTypeOf(name)) {
+        return std::nullopt;
+    }
+    return name;
+}
+
+std::optional<FileType> FileTypeOf(std::string_view name) {
+    auto const length = std::min(name.size(), ExtensionLength);
+    auto const extension = UpperCase(name.substr(name.size() - length));
+    auto const found = std::ranges::find(Extensions, extension, &Extension::text);
+    if (found == Extensions.end()) {
+        return std::nullopt;
+    }
+    return static_cast<FileType>(found - Extensions.begin());
+}
+
+bool IsWritable(FileType type) {
+    return Extensions.at(static_cast<std::size_t>(type)).isWritable;
+}
+
+bool IsFilePattern(std::string_view pattern) {
+    auto const dot = pattern.rfind('.');
+    auto const extension = dot == std::string_view::npos ? pattern : pattern.substr(dot);
+    return FileTypeOf(pattern).has_value() || extension.find_first_of("*?") != std::string_view::npos;
+}
+
+bool MatchesPattern(std::string_view pattern, std::string_view name) {
+    std::size_t at = 0;
+    std::size_t in = 0;
+    std::size_t star = std::string_view::npos; ///< the last '*' met, which takes one character more after each failure
+    std::size_t starIn = 0;
+    while (in < name.size()) {
+        if (at < pattern.size() && pattern[at] == '*') {
+            star = at++;
+            starIn = in;
+        } else if (at < pattern.size() && (pattern[at] == '?' || pattern[at] == name[in])) {
+            ++at;
+            ++in;
+        } else if (star != std::string_view::npos) {
+            at = star + 1;
+            in = ++starIn;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of('*', at) == std::string_view::npos;
+}
+
+} // namespace harvlink::simulator

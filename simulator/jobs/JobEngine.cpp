@@ -1,0 +1,277 @@
+#include "simulator/jobs/JobEngine.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "simulator/files/FileName.h"
+#include "simulator/jobs/JobParser.h"
+#include "simulator/jobs/OperandAccess.h"
+#include "simulator/model/ControllerModel.h"
+
+namespace harvlink::simulator {
+
+namespace {
+
+constexpr std::size_t MaxPrograms = 64;
+
+Clock::Duration TimeOf(Instruction const& instruction) {
+    switch (instruction.opcode) {
+    case Opcode::Comment:
+    case Opcode::Label:
+        return Clock::Duration{0};
+    case Opcode::Timer:
+        return std::chrono::duration_cast<Clock::Duration>(std::chrono::duration<double>(instruction.value));
+    default:
+        return JobEngine::InstructionTime;
+    }
+}
+
+bool Compare(double left, Comparison comparison, double right) {
+    switch (comparison) {
+    case Comparison::Equal:
+        return left == right;
+    case Comparison::NotEqual:
+        return left != right;
+    case Comparison::Less:
+        return left < right;
+    case Comparison::LessOrEqual:
+        return left <= right;
+    case Comparison::Greater:
+        return left > right;
+    case Comparison::GreaterOrEqual:
+        return left >= right;
+    }
+    return false;
+}
+
+bool IsSignal(Operand const& operand) {
+    return operand.kind == OperandKind::Input || operand.kind == OperandKind::Output;
+}
+
+} // namespace
+
+Refusal JobEngine::Load(std::string const& name, Program& program) {
+    auto const revision = model_.files.Revision();
+    if (programsRevision_ != revision || programs_.size() >= MaxPrograms) {
+        programs_.clear();
+        programsRevision_ = revision;
+    }
+    if (auto const known = programs_.find(name); known != programs_.end()) {
+        program = known->second;
+        return Refusal::None;
+    }
+    auto const fileName = FileNameFrom(name + ".JBI");
+    auto const text = fileName ? model_.files.Read(*fileName) : nullptr;
+    if (text == nullptr) {
+        return Refusal::NoSuchJob;
+    }
+    auto parsed = ParseJob(*text);
+    if (parsed.refusal == Refusal::None && parsed.program.name != name) {
+        parsed.refusal = JobRefusal::NameRecord;
+    }
+    if (parsed.refusal == Refusal::None) {
+        program = std::make_shared<JobProgram const>(std::move(parsed.program));
+        programs_[name] = program;
+    }
+    return parsed.refusal;
+}
+
+Refusal JobEngine::Select(std::string_view name, std::uint32_t line) {
+    if (isRunning_) {
+        return Refusal::RobotIsOperating;
+    }
+    Frame frame{.name = UpperCase(name), .program = nullptr, .line = line};
+    programs_.clear();
+    if (auto const refusal = Load(frame.name, frame.program); refusal != Refusal::None) {
+        return refusal;
+    }
+    if (line >= frame.program->lines.size()) {
+        return Refusal::DataOverRange;
+    }
+    remaining_ = TimeOf(frame.Current());
+    stack_.clear();
+    stack_.push_back(std::move(frame));
+    return Refusal::None;
+}
+
+/// Takes up what became of the jobs' files while the job stood.
+Refusal JobEngine::Reload() {
+    programs_.clear();
+    for (auto& frame : stack_) {
+        Program program;
+        if (auto const refusal = Load(frame.name, program); refusal != Refusal::None) {
+            return refusal;
+        }
+        bool const isCaller = &frame != &stack_.back();
+        if (frame.line >= program->lines.size() || (isCaller && program->lines[frame.line].opcode != Opcode::Call)) {
+            return Refusal::DataOverRange;
+        }
+        frame.program = std::move(program);
+    }
+    return Refusal::None;
+}
+
+Refusal JobEngine::Start() {
+    if (stack_.empty()) {
+        return Refusal::NoExecutionJob;
+    }
+    auto const refusal = Reload();
+    if (refusal == Refusal::None) {
+        isRunning_ = true;
+        due_ = model_.clock.Now() + remaining_;
+    }
+    return refusal;
+}
+
+bool JobEngine::IsExecuting(std::string_view name) const {
+    return isRunning_ && std::ranges::find(stack_, name, &Frame::name) != stack_.end();
+}
+
+JobEngine::Place JobEngine::Current() const {
+    if (stack_.empty()) {
+        return {};
+    }
+    auto const& frame = stack_.back();
+    return {.name = frame.name, .line = frame.line, .step = frame.Current().step};
+}
+
+void JobEngine::OnStateChange() {
+    if (isRunning_ && model_.CheckReadyToMove() != Refusal::None) {
+        isRunning_ = false;
+        remaining_ = std::max(due_ - model_.clock.Now(), Clock::Duration{0});
+    }
+}
+
+void JobEngine::Stop() {
+    isRunning_ = false;
+    remaining_ = TimeOf(stack_.back().Current());
+}
+
+void JobEngine::Tick(Clock::Duration now) {
+    for (std::size_t i = 0; isRunning_ && due_ <= now && i < MaxPerTick; ++i) {
+        Execute(stack_.back().Current());
+    }
+    due_ = std::max(due_, now);
+}
+
+void JobEngine::Execute(Instruction const& instruction) {
+    // Whatever the instruction changes, the program that it stands in must outlive it.
+    auto const program = stack_.back().program;
+    bool const endsStep = model_.state.cycle == CycleMode::Step && TimeOf(instruction) > Clock::Duration{0};
+    auto const line = &instruction;
+    switch (instruction.opcode) {
+    case Opcode::End:
+        Return();
+        break;
+    case Opcode::Call:
+        Call(program->callees[instruction.target]);
+        break;
+    case Opcode::Jump:
+        ExecuteJump(instruction);
+        break;
+    case Opcode::Wait:
+        ExecuteWait(instruction);
+        break;
+    case Opcode::DigitalOut:
+    case Opcode::Set:
+    case Opcode::Increment:
+    case Opcode::Decrement:
+        ExecuteAssignment(instruction);
+        break;
+    default:
+        GoOn();
+    }
+    bool const isWaiting = instruction.opcode == Opcode::Wait && &stack_.back().Current() == line;
+    if (isRunning_ && endsStep && !isWaiting) {
+        Stop();
+    }
+}
+
+void JobEngine::GoTo(std::uint32_t line) {
+    stack_.back().line = line;
+    due_ += TimeOf(stack_.back().Current());
+}
+
+void JobEngine::ExecuteJump(Instruction const& instruction) {
+    if (instruction.operand.kind == OperandKind::None) {
+        GoTo(instruction.target);
+        return;
+    }
+    auto const value = ReadOperand(model_, instruction.operand);
+    if (!value) {
+        RaiseMissing(instruction.operand);
+    } else if (Compare(*value, instruction.comparison, instruction.value)) {
+        GoTo(instruction.target);
+    } else {
+        GoOn();
+    }
+}
+
+void JobEngine::ExecuteWait(Instruction const& instruction) {
+    auto const value = ReadOperand(model_, instruction.operand);
+    if (!value) {
+        RaiseMissing(instruction.operand);
+    } else if (Compare(*value, instruction.comparison, instruction.value)) {
+        GoOn();
+    } else {
+        due_ += InstructionTime;
+    }
+}
+
+void JobEngine::ExecuteAssignment(Instruction const& instruction) {
+    auto const old = ReadOperand(model_, instruction.operand);
+    if (!old) {
+        RaiseMissing(instruction.operand);
+        return;
+    }
+    auto value = instruction.value;
+    if (instruction.opcode == Opcode::Increment) {
+        value = *old + 1.0;
+    } else if (instruction.opcode == Opcode::Decrement) {
+        value = *old - 1.0;
+    }
+    static_cast<void>(WriteOperand(model_, instruction.operand, value));
+    GoOn();
+}
+
+void JobEngine::Call(std::string const& name) {
+    if (stack_.size() >= MaxDepth) {
+        Raise(JobAlarm::CallTooDeep, "JOB CALLS TOO DEEP");
+        return;
+    }
+    Frame frame{.name = name, .program = nullptr, .line = 0};
+    if (Load(name, frame.program) != Refusal::None) {
+        Raise(JobAlarm::JobNotFound, "NO JOB " + name);
+        return;
+    }
+    stack_.push_back(std::move(frame));
+    GoTo(0);
+}
+
+void JobEngine::Return() {
+    if (stack_.size() > 1) {
+        stack_.pop_back();
+        GoOn();
+        return;
+    }
+    GoTo(0);
+    if (model_.state.cycle != CycleMode::Automatic) {
+        Stop();
+    }
+}
+
+void JobEngine::Raise(JobAlarm alarm, std::string_view name) {
+    Stop();
+    model_.RaiseAlarm(static_cast<std::uint32_t>(alarm), stack_.back().line, name);
+}
+
+void JobEngine::RaiseMissing(Operand const& operand) {
+    auto const number = std::to_string(operand.number);
+    if (IsSignal(operand)) {
+        Raise(JobAlarm::NoSuchSignal, "NO SIGNAL " + number);
+    } else {
+        Raise(JobAlarm::NoSuchVariable, "NO VARIABLE " + number);
+    }
+}
+
+} // namespace harvlink::simulator

@@ -1,0 +1,190 @@
+#include "simulator/jobs/JobParser.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "simulator/files/FileName.h"
+#include "simulator/jobs/InstructionParser.h"
+
+namespace harvlink::simulator {
+
+namespace {
+
+constexpr std::string_view LineEnd = "\r\n";
+constexpr std::string_view NamePrefix = "//NAME ";
+
+std::string_view Trimmed(std::string_view text) {
+    constexpr std::string_view Blanks = " \t";
+    auto const start = std::min(text.find_first_not_of(Blanks), text.size());
+    text.remove_prefix(start);
+    return text.substr(0, text.find_last_not_of(Blanks) + 1);
+}
+
+/// Takes the lines of a job one by one.
+class Parser {
+public:
+    explicit Parser(std::string_view text) : rest_(text) {}
+
+    JobParseResult Run() {
+        Refusal refusal = Refusal::None;
+        while (refusal == Refusal::None && NextLine()) {
+            refusal = line_.empty() ? Refusal::None : TakeLine();
+        }
+        if (refusal == Refusal::None) {
+            refusal = Finish();
+        }
+        result_.refusal = refusal;
+        return std::move(result_);
+    }
+
+private:
+    enum class Section { Header, Instructions, Closed };
+
+    /// What doesn't end in a line end is no line.
+    bool NextLine() {
+        auto const end = rest_.find(LineEnd);
+        if (end == std::string_view::npos) {
+            return false;
+        }
+        line_ = Trimmed(rest_.substr(0, end));
+        rest_.remove_prefix(end + LineEnd.size());
+        ++result_.fileLine;
+        return true;
+    }
+
+    Refusal TakeLine() {
+        switch (section_) {
+        case Section::Header:
+            return TakeHeader();
+        case Section::Instructions:
+            return TakeInstruction();
+        default:
+            return JobRefusal::SyntaxOfInstruction;
+        }
+    }
+
+    Refusal TakeHeader() {
+        if (line_ == "NOP") {
+            section_ = Section::Instructions;
+            result_.program.lines.emplace_back();
+            return Refusal::None;
+        }
+        if (!line_.starts_with('/')) {
+            return JobRefusal::NoNopOrEnd;
+        }
+        return line_.starts_with(NamePrefix) ? TakeName(Trimmed(line_.substr(NamePrefix.size()))) : Refusal::None;
+    }
+
+    Refusal TakeName(std::string_view name) {
+        if (!result_.program.name.empty() || !IsJobName(name)) {
+            return JobRefusal::SyntaxOfHeader;
+        }
+        result_.program.name = name;
+        return Refusal::None;
+    }
+
+    Refusal TakeInstruction() {
+        auto& lines = result_.program.lines;
+        if (lines.size() == MaxJobLines) {
+            return JobRefusal::OutOfMemory;
+        }
+        if (line_ == "END") {
+            section_ = Section::Closed;
+            Instruction end;
+            end.opcode = Opcode::End;
+            Append(end);
+            return Refusal::None;
+        }
+        auto parsed = line_ == "NOP" ? ParsedInstruction() : ParseInstruction(line_);
+        if (parsed.refusal != Refusal::None) {
+            return parsed.refusal;
+        }
+        return Register(parsed);
+    }
+
+    /// Keeps the names that a line brings or asks for.
+    Refusal Register(ParsedInstruction& parsed) {
+        auto const line = static_cast<std::uint32_t>(result_.program.lines.size());
+        auto& instruction = parsed.instruction;
+        if (instruction.opcode == Opcode::Label && !labels_.emplace(parsed.name, line).second) {
+            return JobRefusal::SyntaxOfInstruction;
+        }
+        if (instruction.opcode == Opcode::Jump) {
+            jumps_.push_back({line, result_.fileLine, parsed.name});
+        }
+        if (instruction.opcode == Opcode::Call) {
+            instruction.target = CalleeIndex(parsed.name);
+        }
+        Append(instruction);
+        return Refusal::None;
+    }
+
+    std::uint32_t CalleeIndex(std::string_view name) {
+        auto& callees = result_.program.callees;
+        auto const [known, isNew] = calleeIndexes_.emplace(name, static_cast<std::uint32_t>(callees.size()));
+        if (isNew) {
+            callees.emplace_back(name);
+        }
+        return known->second;
+    }
+
+    void Append(Instruction instruction) {
+        auto& lines = result_.program.lines;
+        bool const isStep = instruction.opcode > Opcode::Label;
+        instruction.step = lines.back().step + (isStep ? 1 : 0);
+        lines.push_back(instruction);
+    }
+
+    Refusal Finish() {
+        if (section_ != Section::Closed || !Trimmed(rest_).empty()) {
+            result_.fileLine = 0;
+            return JobRefusal::NoNopOrEnd;
+        }
+        if (result_.program.name.empty()) {
+            result_.fileLine = 0;
+            return JobRefusal::SyntaxOfHeader;
+        }
+        for (auto const& jump : jumps_) {
+            auto const label = labels_.find(jump.label);
+            if (label == labels_.end()) {
+                result_.fileLine = jump.fileLine;
+                return JobRefusal::SyntaxOfInstruction;
+            }
+            result_.program.lines[jump.line].target = label->second;
+        }
+        result_.fileLine = 0;
+        return Refusal::None;
+    }
+
+    struct JumpLine {
+        std::uint32_t line;
+        std::uint32_t fileLine;
+        std::string_view label;
+    };
+
+    std::string_view rest_;
+    std::string_view line_;
+    Section section_ = Section::Header;
+    std::unordered_map<std::string_view, std::uint32_t> labels_;
+    std::unordered_map<std::string_view, std::uint32_t> calleeIndexes_;
+    std::vector<JumpLine> jumps_;
+    JobParseResult result_;
+};
+
+} // namespace
+
+JobParseResult ParseJob(std::string_view text) {
+    return Parser(text).Run();
+}
+
+Refusal CheckJobText(std::string_view name, std::string_view text) {
+    auto const result = ParseJob(text);
+    if (result.refusal != Refusal::None) {
+        return result.refusal;
+    }
+    return result.program.name == name ? Refusal::None : JobRefusal::NameRecord;
+}
+
+} // namespace harvlink::simulator

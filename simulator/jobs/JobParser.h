@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "simulator/Refusal.h"
+#include "simulator/jobs/JobProgram.h"
+
+/// @file
+/// The language of job files.
+///
+///     /JOB
+///     //NAME PICK
+///     //INST
+///     NOP
+///     'a comment
+///     SET B000 5
+///     *AGAIN
+///     DOUT OT#(3) ON
+///     TIMER T=1.50
+///     CALL JOB:OPEN
+///     DEC B000
+///     JUMP *AGAIN IF B000>0
+///     END
+///
+/// Every line ends in CR LF, the last one too; blanks at its ends don't count, and empty lines are no lines. Lines before
+/// NOP start with a slash; one of them is "//NAME " and the name of the job, which is the file's name without its
+/// extension; the others say what they like. Lines are counted from NOP, which is line 0, to END. All is upper case.
+///
+/// | instruction | what it does |
+/// |---|---|
+/// | `NOP`, `END` | open and close the job; END of a called job goes back to its caller |
+/// | `CALL JOB:NAME` | runs another job of the store |
+/// | `*LABEL` | a place to jump to: up to 8 letters and digits |
+/// | `JUMP *LABEL` | goes on there; with `IF` and a condition behind it only if that holds |
+/// | `TIMER T=1.50` | waits, 0.01 to 655.35 s |
+/// | `WAIT IN#(1)=ON` | waits until a condition holds |
+/// | `DOUT OT#(1) ON` | switches a general output ON or OFF |
+/// | `SET B000 5` | gives a variable a value of its range |
+/// | `INC I001`, `DEC D000` | adds or subtracts 1; beyond the range a number goes on at its other end |
+///
+/// Variables are `B`, `I`, `D` and `R` with an index of up to five digits. A condition is a variable, one of = <> < <= >
+/// >= and a number, or `IN#(n)` or `OT#(n)`, = and ON or OFF, without blanks.
+
+namespace harvlink::simulator {
+
+namespace JobRefusal {
+
+inline constexpr Refusal OutOfMemory{0x4010};
+inline constexpr Refusal UnknownInstruction{0x4230};
+inline constexpr Refusal SyntaxOfInstruction{0x5110};
+inline constexpr Refusal NoNopOrEnd{0x5130};
+inline constexpr Refusal NumberOfData{0x5180};
+inline constexpr Refusal SyntaxOfHeader{0x5310};
+inline constexpr Refusal NameRecord{0x5390};
+
+} // namespace JobRefusal
+
+inline constexpr std::size_t MaxJobLines = 65536;
+
+struct JobParseResult {
+    Refusal refusal = Refusal::None; ///< if it is one, the program is of no use
+    std::uint32_t fileLine = 0; ///< where, from 1; 0 if it concerns the file as a whole
+    JobProgram program;
+};
+
+JobParseResult ParseJob(std::string_view text);
+
+/// Whether the text is a job and names itself `name`, which is a file's name without its extension.
+Refusal CheckJobText(std::string_view name, std::string_view text);
+
+} // namespace harvlink::simulator
