@@ -127,11 +127,15 @@ void Server::Answer(Endpoint const& endpoint) {
     }
     auto& controller = *endpoint.controller;
     auto const datagram = std::span<std::byte const>(buffer_).first(static_cast<std::size_t>(length));
-    if (!controller.Handle(endpoint.port, PeerOf(from), datagram, reply_)) {
+    auto const* const request = controller.Handle(endpoint.port, PeerOf(from), datagram, reply_);
+    if (request == nullptr) {
         return;
     }
     if (!reply_.IsSuppressed()) {
         endpoint.socket.Send(reply_.Bytes(), from);
+    }
+    if (observer_) {
+        observer_(controller, *request, reply_);
     }
     NoteActivity(controller);
 }

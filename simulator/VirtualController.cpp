@@ -35,28 +35,33 @@ TrafficCounts VirtualController::Traffic() {
     return traffic_;
 }
 
-bool VirtualController::Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram, Reply& reply) {
+Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram,
+                                         Reply& reply) {
     std::scoped_lock const lock(mutex_);
-    Request request;
-    if (datagram.size() >= HeaderSize) {
-        std::memcpy(&request.header, datagram.data(), sizeof(request.header));
-        std::memcpy(&request.subHeader, datagram.data() + sizeof(request.header), sizeof(request.subHeader));
-    }
-    if (datagram.size() < HeaderSize || !IsOfThisProtocol(request.header)) {
+    if (!Parse(datagram)) {
         ++traffic_.ignored;
-        return false;
+        return nullptr;
     }
-    request.port = port;
-    request.peer = peer;
-    request.payload = datagram.subspan(HeaderSize);
+    request_.port = port;
+    request_.peer = peer;
     if (model_.NeedsTicks()) {
         model_.Tick();
     }
-    dispatcher_.Handle(request, reply);
+    dispatcher_.Handle(request_, reply);
     active_.store(model_.NeedsTicks(), std::memory_order_relaxed);
     ++traffic_.requests;
     traffic_.refused += reply.IsRefused() ? 1 : 0;
-    return true;
+    return &request_;
+}
+
+bool VirtualController::Parse(std::span<std::byte const> datagram) {
+    if (datagram.size() < HeaderSize) {
+        return false;
+    }
+    std::memcpy(&request_.header, datagram.data(), sizeof(request_.header));
+    std::memcpy(&request_.subHeader, datagram.data() + sizeof(request_.header), sizeof(request_.subHeader));
+    request_.payload = datagram.subspan(HeaderSize);
+    return IsOfThisProtocol(request_.header);
 }
 
 bool VirtualController::Tick() {

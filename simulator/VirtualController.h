@@ -48,8 +48,9 @@ public:
     /// Called from any thread after With, when there may be something to tick. The server sets it.
     void SetChangeListener(std::function<void()> listener) { changed_ = std::move(listener); }
 
-    /// Answers one datagram into `reply`. False if it is not of this protocol and must stay unanswered.
-    bool Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram, Reply& reply);
+    /// Answers one datagram into `reply`. Null if it is not of this protocol and must stay unanswered; otherwise the
+    /// request, which is valid until the next call.
+    Request const* Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram, Reply& reply);
 
     /// Lets jobs and motion advance. Returns whether they need it again.
     bool Tick();
@@ -72,11 +73,14 @@ private:
         }
     };
 
+    bool Parse(std::span<std::byte const> datagram);
+
     std::string address_;
     std::mutex mutex_;
     Clock clock_;
     ControllerModel model_;
     Dispatcher dispatcher_;
+    Request request_;
     TrafficCounts traffic_;
     std::function<void()> changed_;
     std::atomic<bool> active_ = false;

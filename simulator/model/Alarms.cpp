@@ -13,9 +13,19 @@ std::size_t BlockIndex(AlarmCategory category) {
 }
 
 template <typename List>
-void PushFront(List& list, Alarms::Record const& record) {
+void PushFront(List& list, Alarms::Entry const& entry) {
     std::shift_right(list.begin(), list.end(), 1);
-    list.front() = record;
+    list.front() = entry;
+}
+
+Alarms::Entry MakeEntry(std::uint32_t code, std::uint32_t subcode, std::string_view name, std::time_t when) {
+    Alarms::Entry entry;
+    entry.code = code;
+    entry.subcode = subcode;
+    entry.subcodeType = 1;
+    FillText(entry.time, CalendarText(when));
+    FillText(entry.name, name);
+    return entry;
 }
 
 } // namespace
@@ -34,17 +44,15 @@ AlarmCategory Alarms::CategoryOf(std::uint32_t code) {
 }
 
 void Alarms::Raise(std::uint32_t code, std::uint32_t subcode, std::string_view name, std::time_t when) {
-    Record record;
-    record.code = code;
-    record.subcode = subcode;
-    record.subcodeType = 1;
-    FillText(record.time, CalendarText(when));
-    FillText(record.name, name);
-    PushFront(active_, record);
-    PushFront(history_.at(BlockIndex(CategoryOf(code))), record);
+    PushFront(active_, MakeEntry(code, subcode, name, when));
+    Record(code, subcode, name, when);
 }
 
-Alarms::Record Alarms::History(AlarmCategory category, std::size_t position) const {
+void Alarms::Record(std::uint32_t code, std::uint32_t subcode, std::string_view name, std::time_t when) {
+    PushFront(history_.at(BlockIndex(CategoryOf(code))), MakeEntry(code, subcode, name, when));
+}
+
+Alarms::Entry Alarms::History(AlarmCategory category, std::size_t position) const {
     return history_.at(BlockIndex(category)).at(position - 1);
 }
 

@@ -40,6 +40,7 @@ public:
     ControllerModel& operator=(ControllerModel const&) = delete;
 
     static constexpr std::size_t RegisterCount = 1000;
+    static constexpr std::size_t PendantLength = 30;
 
     ControllerOptions const options;
     Clock const& clock;
@@ -51,7 +52,7 @@ public:
     Signals signals;
     std::array<std::uint16_t, RegisterCount> registers{};
     Frames frames;
-    std::string pendantText; ///< the line that a program shows on the pendant, at most 30 bytes
+    std::string pendantText; ///< the line that a program shows on the pendant, at most PendantLength bytes
     OperatingTimes times;
     FileStore files;
     JobEngine jobs;

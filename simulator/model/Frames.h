@@ -9,6 +9,8 @@ namespace harvlink::simulator {
 
 /// A frame: X, Y, Z in millimetres, then Rx, Ry, Rz in degrees.
 struct FrameEntry {
+    static constexpr std::size_t NameLength = 32;
+
     std::array<double, 6> pose{};
     std::string name;
     bool isDefined = false;

@@ -6,36 +6,72 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "simulator/Server.h"
+#include "simulator/program/Arguments.h"
+#include "simulator/scene/Scene.h"
 
 namespace {
 
 using namespace harvlink::simulator;
 
-/// Waits until somebody asks the program to end.
+/// Blocks the signals that end the program. Before the server's thread starts, so that it inherits the mask and the
+/// signal comes to AwaitEnd.
+sigset_t BlockEndSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
 void AwaitEnd(sigset_t const& signals) {
     int received = 0;
     sigwait(&signals, &received);
 }
 
-int Run(std::vector<std::string> const& addresses, ControllerOptions const& options) {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    // Blocked before the server's thread starts, so that it inherits the mask and the signal comes to AwaitEnd.
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+void PrintExchange(VirtualController const& controller, Request const& request, Reply const& reply) {
+    fmt::print("{}:{} id {} ", controller.Address(), static_cast<int>(request.port), request.header.requestId);
+    if (request.port == Port::File) {
+        fmt::print("block {:#x} ack {}", request.header.blockNumber, request.header.ack);
+    } else {
+        fmt::print("command {} instance {} attribute {}", request.subHeader.command, request.subHeader.instance,
+                   request.subHeader.attribute);
+    }
+    auto const answered = reply.Bytes().size() - harvlink::HeaderSize;
+    fmt::print(" service {} {} bytes -> {} {} bytes\n", request.subHeader.service, request.payload.size(),
+               reply.IsSuppressed() ? "unanswered" : fmt::format("code {}", static_cast<int>(reply.Code())), answered);
+    std::fflush(stdout);
+}
 
+bool AddController(Server& server, std::string const& address, Arguments const& arguments) {
+    auto& controller = server.Add(address, arguments.options);
+    return controller.With([&](ControllerModel& model) {
+        if (arguments.scene) {
+            arguments.scene->ApplyTo(model);
+        }
+        return true;
+    });
+}
+
+int Serve(Arguments const& arguments) {
+    auto const signals = BlockEndSignals();
     Server server;
-    for (auto const& address : addresses) {
-        server.Add(address, options);
+    for (auto const& address : arguments.addresses) {
+        if (!AddController(server, address, arguments)) {
+            return 1;
+        }
+    }
+    if (arguments.verbose) {
+        server.SetObserver(PrintExchange);
     }
     if (!server.Start()) {
         fmt::print(stderr, "harvlink-sim: {}\n", server.Error());
         return 1;
     }
-    fmt::print("harvlink-sim: ready on {}\n", fmt::join(addresses, ", "));
+    fmt::print("harvlink-sim: ready on {}\n", fmt::join(arguments.addresses, ", "));
     std::fflush(stdout);
     AwaitEnd(signals);
     return 0;
@@ -44,9 +80,13 @@ int Run(std::vector<std::string> const& addresses, ControllerOptions const& opti
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("Virtual robot controller");
-    std::vector<std::string> addresses{"127.0.0.1"};
-    app.add_option("--address", addresses, "Loopback address to serve, repeatable")->capture_default_str();
+    CLI::App app("A virtual robot controller: answers on UDP ports 10040 and 10041 like a real one.", "harvlink-sim");
+    ArgumentParser parser(app);
     CLI11_PARSE(app, argc, argv);
-    return Run(addresses, {});
+    try {
+        return Serve(parser.Result());
+    } catch (std::exception const& error) {
+        fmt::print(stderr, "harvlink-sim: {}\n", error.what());
+        return 1;
+    }
 }

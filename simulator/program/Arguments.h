@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "simulator/ControllerOptions.h"
+#include "simulator/scene/Scene.h"
+
+namespace harvlink::simulator {
+
+struct Arguments {
+    std::vector<std::string> addresses;
+    ControllerOptions options;
+    std::optional<Scene> scene;
+    bool verbose = false;
+};
+
+/// The command line. What it says goes before what the scene says.
+class ArgumentParser {
+public:
+    explicit ArgumentParser(CLI::App& app);
+
+    /// After parsing. Throws SceneError.
+    Arguments Result() const;
+
+private:
+    std::vector<std::string> addresses_{"127.0.0.1"};
+    std::optional<std::string> generation_;
+    std::optional<int> rs022_;
+    std::vector<std::string> groups_;
+    std::optional<std::string> files_;
+    std::optional<std::string> scene_;
+    std::optional<double> timeScale_;
+    bool verbose_ = false;
+};
+
+} // namespace harvlink::simulator

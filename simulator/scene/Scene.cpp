@@ -1,0 +1,102 @@
+#include "simulator/scene/Scene.h"
+
+#include <array>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "simulator/model/ControllerModel.h"
+#include "simulator/scene/SceneSections.h"
+
+namespace harvlink::simulator {
+
+struct Scene::Document {
+    std::string name;
+    toml::table root;
+
+    SceneNode Root() const { return {root, name}; }
+};
+
+namespace {
+
+struct Section {
+    std::string_view key;
+    void (*apply)(SceneNode const&, ControllerModel&);
+};
+
+/// In the order in which they are applied: files may depend on the parameters, and an alarm drops servo power.
+constexpr std::array Sections{
+    Section{"parameters", ApplyParameters},
+    Section{"variables", ApplyVariables},
+    Section{"signals", ApplySignals},
+    Section{"signal_groups", ApplySignalGroups},
+    Section{"registers", ApplyRegisters},
+    Section{"tools", ApplyTools},
+    Section{"user_frames", ApplyUserFrames},
+    Section{"files", ApplyFiles},
+    Section{"controller", ApplyControllerState},
+    Section{"alarms", ApplyAlarms},
+};
+
+std::string ReadText(std::filesystem::path const& path) {
+    std::ifstream stream(path, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(stream), {});
+    if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(path)) {
+        throw SceneError(fmt::format("{}: can't be read", path.string()));
+    }
+    return text;
+}
+
+toml::table Parse(std::string_view text, std::string const& name) {
+    try {
+        return toml::parse(text);
+    } catch (toml::parse_error const& error) {
+        throw SceneError(fmt::format("{}:{}: {}", name, error.source().begin.line, error.description()));
+    }
+}
+
+} // namespace
+
+Scene Scene::FromFile(std::filesystem::path const& path) {
+    auto name = path.filename().string();
+    auto document = std::make_unique<Document>();
+    document->root = Parse(ReadText(path), name);
+    document->name = std::move(name);
+    return {std::move(document), path.parent_path()};
+}
+
+Scene Scene::FromText(std::string_view text, std::string name) {
+    auto document = std::make_unique<Document>();
+    document->root = Parse(text, name);
+    document->name = std::move(name);
+    return {std::move(document), {}};
+}
+
+Scene::Scene(std::unique_ptr<Document> document, std::filesystem::path const& folder) : document_(std::move(document)) {
+    auto const root = document_->Root();
+    root.AllowOnly({"controller", "parameters", "variables", "signals", "signal_groups", "registers", "tools",
+                    "user_frames", "files", "alarms"});
+    if (auto const controller = root.Find("controller")) {
+        options_ = ReadControllerOptions(*controller, folder);
+    }
+    Clock const clock = Clock::Manual();
+    ControllerModel model(options_, clock);
+    ApplyTo(model);
+}
+
+Scene::Scene(Scene&&) noexcept = default;
+Scene& Scene::operator=(Scene&&) noexcept = default;
+Scene::~Scene() = default;
+
+void Scene::ApplyTo(ControllerModel& model) const {
+    auto const root = document_->Root();
+    for (auto const& section : Sections) {
+        if (auto const node = root.Find(section.key)) {
+            section.apply(*node, model);
+        }
+    }
+}
+
+} // namespace harvlink::simulator

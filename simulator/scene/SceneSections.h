@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+
+#include "simulator/ControllerOptions.h"
+#include "simulator/scene/SceneNode.h"
+
+/// @file
+/// The sections of a scene. Each function reads one, checks it, and puts what it says into effect.
+
+namespace harvlink::simulator {
+
+class ControllerModel;
+
+ControllerOptions ReadControllerOptions(SceneNode const& controller, std::filesystem::path const& folder);
+
+void ApplyControllerState(SceneNode const& controller, ControllerModel& model);
+void ApplyVariables(SceneNode const& variables, ControllerModel& model);
+void ApplySignals(SceneNode const& signals, ControllerModel& model);
+void ApplySignalGroups(SceneNode const& groups, ControllerModel& model);
+void ApplyRegisters(SceneNode const& registers, ControllerModel& model);
+void ApplyParameters(SceneNode const& parameters, ControllerModel& model);
+void ApplyTools(SceneNode const& tools, ControllerModel& model);
+void ApplyUserFrames(SceneNode const& frames, ControllerModel& model);
+void ApplyFiles(SceneNode const& files, ControllerModel& model);
+void ApplyAlarms(SceneNode const& alarms, ControllerModel& model);
+
+} // namespace harvlink::simulator
