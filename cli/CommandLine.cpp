@@ -56,9 +56,10 @@ int RunCommandLine(int argc, char const* const* argv, Console& console) {
     app.require_subcommand(1);
     // Lets the global options stand behind the command too; subcommands inherit it.
     app.fallthrough();
-    app.footer(Footer);
     session.AddOptions(app);
     AddCommands(app, session);
+    // Behind the commands, which would inherit it.
+    app.footer(Footer);
     try {
         return ParseAndRun(app, session, argc, argv, console);
     } catch (InputError const& error) {

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
+#include "Help.h"
 #include "Session.h"
 #include "Text.h"
 #include "harvlink/ControlCommandsInterface.h"
@@ -24,6 +25,7 @@ void AddServo(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("servo", "Turn servo power on or off: POWERS THE MACHINE");
     verb->add_option("STATE", *state, "on or off")->required();
+    SetExamples(*verb, {"servo on", "servo off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the servos");
         session.OnConnectionConfirmed(wanted == SignalStatus::On
@@ -40,6 +42,7 @@ void AddHold(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("hold", "Hold the machine, or release it: off MOVES THE MACHINE");
     verb->add_option("STATE", *state, "on or off")->required();
+    SetExamples(*verb, {"hold on", "hold off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the hold");
         auto const plan = [wanted](QuorvanController& robot, Output& output) {
@@ -57,6 +60,7 @@ void AddCycle(CLI::App& app, Session& session) {
     auto mode = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("cycle", "Set how far a start runs");
     verb->add_option("MODE", *mode, "step, cycle or auto")->required();
+    SetExamples(*verb, {"cycle auto"});
     verb->callback([mode, &session] {
         CycleMode const wanted = ParseName(CycleNames, *mode, "cycle mode");
         session.OnConnection([wanted](QuorvanController& robot, Output& output) {
@@ -69,6 +73,7 @@ void AddPendant(CLI::App& app, Session& session) {
     auto text = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("pendant", "Show a line on the pendant, at most 30 bytes");
     verb->add_option("TEXT", *text, "The line")->required();
+    SetExamples(*verb, {"pendant \"Door open\""});
     verb->callback([text, &session] {
         session.OnConnection([text](QuorvanController& robot, Output& output) {
             return output.Done(robot.ControlCommands->DisplayStringToPendant(*text));

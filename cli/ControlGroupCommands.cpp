@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
+#include "Help.h"
 #include "PositionText.h"
 #include "Session.h"
 #include "Text.h"
@@ -50,7 +51,7 @@ void AddPosition(CLI::App& app, Session& session) {
     verb->add_option("--tool", arguments->tool, "Tool number; 0 is the only one that older controllers know")
         ->check(CLI::Range(0, HighestTool))
         ->capture_default_str();
-    verb->footer("Example: harvlink position R1 --coordinate user:2 --tool 1");
+    SetExamples(*verb, {"position R1", "position R1 --coordinate user:2 --tool 1"});
     verb->callback([arguments, &session] {
         ControlGroupId const group = ParseGroup(arguments->group);
         Coordinate const coordinate = ParseCoordinate(arguments->coordinate);
@@ -111,6 +112,7 @@ void AddGroupVerb(CLI::App& app, Session& session, char const* name, char const*
     auto group = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand(name, description);
     verb->add_option("GROUP", *group, "Control group, such as R1, B1 or S1")->required();
+    SetExamples(*verb, {std::string(name) + " R1"});
     verb->callback([group, action = std::move(action), &session] {
         session.OnConnection([action, id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
             return action(robot, output, id);

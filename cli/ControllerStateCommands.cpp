@@ -8,6 +8,7 @@
 #include <fmt/chrono.h>
 
 #include "Commands.h"
+#include "Help.h"
 #include "PositionText.h"
 #include "Rows.h"
 #include "Session.h"
@@ -109,6 +110,7 @@ void AddInfo(CLI::App& app, Session& session) {
     CLI::App* const verb = app.add_subcommand("info", "Show model and software version");
     verb->add_option("ID", *names, "robot1 to robot8, station1 to station3, application1 to application8, or a number")
         ->default_str("robot1");
+    SetExamples(*verb, {"info", "info robot1 station1"});
     verb->callback([names, &session] {
         std::vector<SystemInfoId> ids;
         for (std::string const& name : *names) {
@@ -140,6 +142,7 @@ StatusInfo ShowState(QuorvanController& robot, Output& output) {
 void AddStatus(CLI::App& app, Session& session) {
     CLI::App* const verb =
         app.add_subcommand("status", "Show mode, cycle, running, hold, alarm, error and servo state");
+    SetExamples(*verb, {"status", "status --json"});
     verb->callback([&session] { session.OnConnection(ShowState); });
 }
 
@@ -179,6 +182,7 @@ void AddTimes(CLI::App& app, Session& session) {
                      "Which counters: " + JoinNames(TimeNames) + " (default: the four of the whole controller)");
     verb->add_option("--group", arguments->group, "Group of a robot's or station's counter")->capture_default_str();
     verb->add_option("--application", arguments->application, "Number of an application's counter");
+    SetExamples(*verb, {"times", "times moving-robot --group R1", "times application --application 2"});
     verb->callback([arguments, &session] {
         std::vector<TimeType> types;
         for (std::string const& name : arguments->counters) {
@@ -219,7 +223,7 @@ void AddParam(CLI::App& app, Session& session) {
         ->required();
     verb->add_option("--group", arguments->group, "Number of the group, for S1C, S1E and S2E")
         ->check(CLI::Range(1, 1000));
-    verb->footer("Example: harvlink param S2C430 RS22");
+    SetExamples(*verb, {"param S2C430 RS22", "param S1C400 --group 1"});
     verb->callback([arguments, &session] {
         std::vector<Parameter> parameters;
         for (std::string const& name : arguments->names) {

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
+#include "Help.h"
 #include "Session.h"
 #include "Text.h"
 #include "harvlink/FaultInterface.h"
@@ -77,11 +78,13 @@ void AddHistory(CLI::App& family, Session& session) {
         ->check(CLI::Range(1U, MostHistory))
         ->capture_default_str();
     AddCategory(*verb, *arguments);
+    SetExamples(*verb, {"alarms history", "alarms history 50 --category minor"});
     verb->callback([arguments, &session] { PlanHistory(session, *arguments); });
 }
 
 void AddClear(CLI::App& family, Session& session) {
     CLI::App* const verb = family.add_subcommand("clear", "Cancel the error and reset the alarms");
+    SetExamples(*verb, {"alarms clear"});
     verb->callback([&session] {
         session.OnConnection(
             [](QuorvanController& robot, Output& output) { return output.Done(robot.Faults->ClearAllFaults()); });
@@ -100,6 +103,7 @@ void AddFaultCommands(CLI::App& app, Session& session) {
     family->require_subcommand(0, 1);
     AddHistory(*family, session);
     AddClear(*family, session);
+    SetExamples(*family, {"alarms", "alarms --history 20 --category minor", "alarms clear"});
     family->callback([arguments, family, history, &session] {
         if (!family->get_subcommands().empty()) {
             return;

@@ -12,6 +12,7 @@
 
 #include "Commands.h"
 #include "FileNames.h"
+#include "Help.h"
 #include "Rows.h"
 #include "Session.h"
 #include "Text.h"
@@ -164,7 +165,7 @@ void AddList(CLI::App& family, Session& session) {
     auto globs = std::make_shared<TextList>();
     CLI::App* const verb = family.add_subcommand("list", "List the files of the controller");
     verb->add_option("NAME", *globs, "Names, globs, or extensions such as JBI (default: all files)");
-    verb->footer(FileNamesHelp);
+    SetExamples(*verb, {"files list", "files list JBI", "files list 'A*.JBI'"}, FileNamesHelp);
     verb->callback([globs, &session] {
         for (std::string const& glob : *globs) {
             if (KindsOf(glob).empty()) {
@@ -219,7 +220,7 @@ void AddGet(CLI::App& family, Session& session) {
         ->type_name("FOLDER")
         ->capture_default_str();
     verb->add_flag("--force", arguments->force, "Overwrite existing files");
-    verb->footer(std::string(FileNamesHelp) + "\nExample: harvlink files get '*.JBI' --to backup");
+    SetExamples(*verb, {"files get MAIN.JBI", "files get '*.JBI' --to backup --force"}, FileNamesHelp);
     verb->callback([arguments, &session] {
         session.OnConnection(
             [arguments](QuorvanController& robot, Output& output) { return GetFiles(robot, output, *arguments); });
@@ -264,7 +265,7 @@ void AddPut(CLI::App& family, Session& session) {
     CLI::App* const verb = family.add_subcommand("put", "Store files on the controller");
     verb->add_option("PATH", *globs, "Paths and globs of this computer")->required();
     verb->add_flag("--force", *force, "Overwrite files that the controller has");
-    verb->footer("Example: harvlink files put backup/*.JBI --force");
+    SetExamples(*verb, {"files put MAIN.JBI", "files put backup/*.JBI --force"});
     verb->callback([globs, force, &session] {
         TextList paths;
         for (std::string const& glob : *globs) {
@@ -299,7 +300,7 @@ void AddDelete(CLI::App& family, Session& session) {
     auto globs = std::make_shared<TextList>();
     CLI::App* const verb = family.add_subcommand("delete", "Delete jobs from the controller");
     verb->add_option("NAME", *globs, "Names and globs of jobs; .JBI may be left out")->required();
-    verb->footer(FileNamesHelp);
+    SetExamples(*verb, {"files delete OLD", "files delete 'TEST*.JBI'"}, FileNamesHelp);
     verb->callback([globs, &session] {
         for (std::string& glob : *globs) {
             bool const hasExtension = LowerCase(glob).ends_with(".jbi");
@@ -329,6 +330,7 @@ void AddCat(CLI::App& family, Session& session) {
     auto name = std::make_shared<std::string>();
     CLI::App* const verb = family.add_subcommand("cat", "Print a file of the controller");
     verb->add_option("NAME", *name, "Name of the file")->required();
+    SetExamples(*verb, {"files cat MAIN.JBI"});
     verb->callback([name, &session] {
         session.OnConnection(
             [name](QuorvanController& robot, Output& output) { return ShowContents(robot, output, *name); });

@@ -9,6 +9,7 @@
 #include <fmt/chrono.h>
 
 #include "Commands.h"
+#include "Help.h"
 #include "Interrupt.h"
 #include "Rows.h"
 #include "Session.h"
@@ -57,7 +58,7 @@ void AddGet(CLI::App& family, Session& session) {
     auto names = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("get", "Show signals; a group without a bit shows its eight");
     verb->add_option("SIGNAL", *names, "Such as 10010 or general-output:1.0")->required();
-    verb->footer(SignalHelp);
+    SetExamples(*verb, {"io get 10010", "io get general-output:1"}, SignalHelp);
     verb->callback([names, &session] {
         session.OnConnection([parsed = ParseSignals(*names)](QuorvanController& robot, Output& output) {
             return ShowSignals(robot, output, parsed);
@@ -101,7 +102,7 @@ void AddSet(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("set", "Switch signals; what they are wired to may move");
     verb->add_option("SIGNAL=STATE", *texts, "Such as 10010=1 or general-output:1.0=off")->required();
-    verb->footer(SignalHelp);
+    SetExamples(*verb, {"io set 10010=1 10011=off", "io set general-output:1.0=on"}, SignalHelp);
     verb->callback([texts, &session] {
         std::vector<SignalAssignment> assignments;
         for (std::string const& text : *texts) {
@@ -161,7 +162,8 @@ void AddGroupVerb(CLI::App& family, Session& session, char const* name, char con
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand(name, description);
     verb->add_option("GROUP[=VALUE]", *texts, "Such as 10010, general-output:1 or 10010=0xFF")->required();
-    verb->footer(SignalHelp);
+    SetExamples(*verb, {fmt::format("io {} 10010", name), fmt::format("io {} general-output:1=0x0F", name)},
+                SignalHelp);
     verb->callback([texts, &session] {
         std::vector<GroupRequest<Value>> requests;
         for (std::string const& text : *texts) {
@@ -224,7 +226,7 @@ void AddWatch(CLI::App& family, Session& session) {
         ->check(CLI::Range(1U, 3'600'000U))
         ->type_name("MS")
         ->capture_default_str();
-    verb->footer(SignalHelp);
+    SetExamples(*verb, {"io watch 10010 general-input:1", "io watch 10010 --interval 20 --json"}, SignalHelp);
     verb->callback([names, interval, &session] {
         session.OnConnection([parsed = ParseSignals(*names),
                               time = std::chrono::milliseconds(*interval)](QuorvanController& robot, Output& output) {
@@ -253,6 +255,7 @@ void AddRegisterGet(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("get", "Show registers");
     verb->add_option("REGISTER", *texts, "Numbers and ranges, such as 5 or 0..9")->required();
+    SetExamples(*verb, {"register get 5 10..19"});
     verb->callback([texts, &session] {
         session.OnConnection([registers = ParseRegisters(*texts)](QuorvanController& robot, Output& output) {
             return ShowRows(output, registers, [&](unsigned short index, Json& rows) {
@@ -289,6 +292,7 @@ void AddRegisterSet(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("set", "Write registers");
     verb->add_option("REGISTER=VALUE", *texts, "Such as 5=12")->required();
+    SetExamples(*verb, {"register set 5=12 6=0xFF"});
     verb->callback([texts, &session] {
         std::vector<RegisterAssignment> assignments;
         for (std::string const& text : *texts) {

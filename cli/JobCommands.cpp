@@ -3,8 +3,10 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include "Commands.h"
+#include "Help.h"
 #include "Session.h"
 #include "Text.h"
 #include "harvlink/ControlCommandsInterface.h"
@@ -24,6 +26,7 @@ void AddSelect(CLI::App& family, Session& session) {
     CLI::App* const verb = family.add_subcommand("select", "Choose the job that a start will run");
     verb->add_option("NAME", arguments->name, "Name of the job, with or without .JBI")->required();
     verb->add_option("--line", arguments->line, "Line to start from")->capture_default_str();
+    SetExamples(*verb, {"job select MAIN", "job select MAIN --line 12"});
     verb->callback([arguments, &session] {
         session.OnConnection([arguments](QuorvanController& robot, Output& output) {
             return output.Done(robot.Job->SetActiveJob(arguments->name, arguments->line));
@@ -33,6 +36,7 @@ void AddSelect(CLI::App& family, Session& session) {
 
 void AddStart(CLI::App& parent, Session& session, char const* description) {
     CLI::App* const verb = parent.add_subcommand("start", description);
+    SetExamples(*verb, {"job start", "job start --yes"});
     verb->callback([&session] {
         session.OnConnectionConfirmed(
             "Starting the job MOVES THE MACHINE",
@@ -72,6 +76,7 @@ CLI::App* AddTaskVerb(CLI::App& family, Session& session, char const* name, char
     auto task = std::make_shared<int>(0);
     CLI::App* const verb = family.add_subcommand(name, description);
     verb->add_option("--task", *task, "Task: 0 is the master task")->check(CLI::Range(0, 255))->capture_default_str();
+    SetExamples(*verb, {fmt::format("job {}", name), fmt::format("job {} --task 1", name)});
     verb->callback([task, show, &session] {
         session.OnConnection([task, show](QuorvanController& robot, Output& output) {
             return show(robot, output, static_cast<TesselTaskNumber>(*task));

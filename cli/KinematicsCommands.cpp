@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
+#include "Help.h"
 #include "PositionText.h"
 #include "Session.h"
 #include "Text.h"
@@ -116,7 +117,8 @@ void AddKinematicsCommands(CLI::App& app, Session& session) {
         ->capture_default_str();
     verb->add_option("--previous", arguments->previous, "Previous angles of a Delta robot, in the controller's unit")
         ->type_name("A,B,...");
-    verb->footer(std::string(PositionHelp) + "\nExample: harvlink convert R1 pulse:0,0,0,0,0,0 --to cartesian");
+    SetExamples(*verb, {"convert R1 pulse:0,0,0,0,0,0 --to cartesian", "convert R1 base:480,0,600,180,0,0 --to joint"},
+                PositionHelp);
     verb->callback([arguments, &session] {
         session.OnConnection([conversion = ParseConversion(*arguments)](QuorvanController& robot, Output& output) {
             return Convert(robot, output, conversion);

@@ -7,6 +7,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Csv.h"
+#include "Help.h"
 #include "InputError.h"
 #include "PositionText.h"
 #include "Session.h"
@@ -61,8 +62,10 @@ void AddMove(CLI::App& app, Session& session) {
     verb->add_option("--speed", arguments->speed, "Per cent (joint) or mm/s (line)")->required();
     verb->add_option("--acceleration", arguments->acceleration, "Per cent, 20 to 100");
     verb->add_option("--deceleration", arguments->deceleration, "Per cent, 20 to 100");
-    verb->footer(std::string(PositionHelp) +
-                 "\nExample: harvlink move R1 --line --to base:480,0,600,180,0,0 --speed 100");
+    SetExamples(*verb,
+                {"move R1 --line --to base:480,0,600,180,0,0 --speed 100",
+                 "move R1 --joint --to pulse:0,0,0,0,-90000,0 --speed 10 --yes"},
+                PositionHelp);
     verb->callback([arguments, &session] { PlanTrajectory(session, {MakeMotion(*arguments)}); });
 }
 
@@ -73,11 +76,11 @@ void AddTrajectory(CLI::App& app, Session& session) {
     CLI::App* const run = family->add_subcommand("run", "Move through all points of a file: MOVES THE MACHINE. Ctrl-C "
                                                         "stops the motion and clears the queue, a second one quits");
     run->add_option("FILE", *path, "The trajectory")->required();
-    run->footer(TrajectoryHelp);
+    SetExamples(*run, {"trajectory run square.csv", "trajectory run square.csv --yes --json"}, TrajectoryHelp);
     run->callback([path, &session] { PlanTrajectory(session, ParseTrajectory(*path, ReadTextFile(*path))); });
     CLI::App* const check = family->add_subcommand("check", "Check a file without a robot");
     check->add_option("FILE", *path, "The trajectory")->required();
-    check->footer(TrajectoryHelp);
+    SetExamples(*check, {"trajectory check square.csv"}, TrajectoryHelp);
     check->callback([path, &session] {
         session.Locally([count = ParseTrajectory(*path, ReadTextFile(*path)).size()](Output& output) {
             output.Show(Json{{"points", count}, {"valid", true}});
@@ -100,6 +103,7 @@ void AddProgress(CLI::App& app, Session& session) {
     CLI::App* const verb =
         app.add_subcommand("progress", "Show the controller's number for how far a group is with its target");
     verb->add_option("GROUP", *group, "Control group")->capture_default_str();
+    SetExamples(*verb, {"progress R1"});
     verb->callback([group, &session] {
         session.OnConnection([id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
             return ShowProgress(robot, output, id);
@@ -111,6 +115,7 @@ void AddStop(CLI::App& parent, Session& session, char const* description) {
     auto keep = std::make_shared<bool>(false);
     CLI::App* const verb = parent.add_subcommand("stop", description);
     verb->add_flag("--keep-targets", *keep, "Leave the controller's targets as they are");
+    SetExamples(*verb, {"motion stop", "stop"});
     verb->callback([keep, &session] {
         session.OnConnection([keep](QuorvanController& robot, Output& output) {
             return output.Done(robot.MotionManager->MotionStop(!*keep));
@@ -120,6 +125,7 @@ void AddStop(CLI::App& parent, Session& session, char const* description) {
 
 void AddClear(CLI::App& parent, Session& session, char const* description) {
     CLI::App* const verb = parent.add_subcommand("clear", description);
+    SetExamples(*verb, {"motion clear", "clear"});
     verb->callback([&session] {
         session.OnConnection([](QuorvanController& robot, Output& output) {
             return output.Done(robot.MotionManager->ClearAllTrajectory());
@@ -130,6 +136,7 @@ void AddClear(CLI::App& parent, Session& session, char const* description) {
 void AddStart(CLI::App& family, Session& session) {
     CLI::App* const verb =
         family.add_subcommand("start", "Let the controller move to the targets it has: MOVES THE MACHINE");
+    SetExamples(*verb, {"motion start --yes"});
     verb->callback([&session] {
         session.OnConnectionConfirmed(MoveWarning, [](QuorvanController& robot, Output& output) {
             return output.Done(robot.MotionManager->MotionStart());

@@ -11,11 +11,13 @@
 namespace harvlink::cli {
 
 inline constexpr char const* PositionHelp =
-    "A position is COORDINATE:AXES[,tool=N][,figure=WORDS]. COORDINATE is pulse, joint, base, robot, tool, user:N or "
-    "master-tool; AXES are 6 to 8 numbers (pulses; degrees; or X,Y,Z in mm and Rx,Ry,Rz,Re,Rw in degrees), fewer for "
-    "bases and stations; WORDS are front or back, upper or lower, flip or noflip, and s180, l180, u180, r180, b180, "
-    "t180, e180, w180 for angles above 180 degrees, joined by '+'. Example: "
-    "base:480,0,600,180,0,0,tool=1,figure=front+upper+noflip";
+    "A position is COORDINATE:AXES[,tool=N][,figure=WORDS].\n"
+    "  COORDINATE  pulse, joint, base, robot, tool, user:N or master-tool\n"
+    "  AXES        6 to 8 numbers, fewer for bases and stations: pulses, degrees (joint),\n"
+    "              or X,Y,Z in mm and Rx,Ry,Rz,Re,Rw in degrees\n"
+    "  WORDS       front or back, upper or lower, flip or noflip, and for angles above 180\n"
+    "              degrees s180, l180, u180, r180, b180, t180, e180, w180; joined by '+'\n"
+    "Such as base:480,0,600,180,0,0,tool=1,figure=front+upper+noflip";
 
 struct Coordinate {
     CoordinateType type = CoordinateType::Pulse;

@@ -12,10 +12,10 @@
 namespace harvlink::cli {
 
 inline constexpr char const* SignalHelp =
-    "A signal is named by its address, such as 10010, or by class, group and bit, such as general-output:1.0; a byte "
-    "or "
-    "word by the address of its first signal or by class and group, such as general-output:1. Classes: general-input, "
-    "general-output, external-input, external-output, network-input, network-output, specific-input, specific-output, "
+    "A signal is named by its address, such as 10010, or by class, group and bit, such as\n"
+    "general-output:1.0; a byte or word by the address of its first signal or by class and\n"
+    "group, such as general-output:1. Classes: general-input, general-output, external-input,\n"
+    "external-output, network-input, network-output, specific-input, specific-output,\n"
     "interface-panel-input, auxiliary-relay, robot-control-status, pseudo-input.";
 
 /// Where a signal is, as the user named it. A class becomes an address only with a controller, whose generation decides.

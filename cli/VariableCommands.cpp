@@ -10,6 +10,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Csv.h"
+#include "Help.h"
 #include "PositionText.h"
 #include "Rows.h"
 #include "Session.h"
@@ -40,7 +41,7 @@ void AddGet(CLI::App& family, Session& session) {
     auto names = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("get", "Show variables");
     verb->add_option("VARIABLE", *names, "Variables and ranges, such as B5 S4 P12 B0..B99")->required();
-    verb->footer(VariableHelp);
+    SetExamples(*verb, {"var get B5 S4 P12", "var get B0..B99 --json"}, VariableHelp);
     verb->callback([names, &session] {
         std::vector<VariableAddress> addresses;
         for (std::string const& name : *names) {
@@ -69,7 +70,8 @@ void AddSet(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("set", "Write variables; nothing is written if one of them is wrong");
     verb->add_option("VARIABLE=VALUE", *texts, "Such as B5=12 S4=hello P1=pulse:0,0,0,0,0,0 B0..B9=0")->required();
-    verb->footer(std::string(VariableHelp) + "\n" + PositionHelp);
+    SetExamples(*verb, {"var set B5=12 S4=\"hello\"", "var set B0..B9=0", "var set P1=pulse:0,0,0,0,0,0"},
+                std::string(VariableHelp) + "\n" + PositionHelp);
     verb->callback([texts, &session] {
         std::vector<VariableAssignment> assignments;
         for (std::string const& text : *texts) {
@@ -149,7 +151,7 @@ void AddDump(CLI::App& family, Session& session) {
     verb->add_option("--kind", arguments->kinds, "Kinds: " + JoinNames(VariableKindNames) + " (default: all)");
     verb->add_option("--out", arguments->path, "File to write (default: standard output)")->type_name("FILE");
     verb->add_flag("--force", arguments->force, "Overwrite an existing file");
-    verb->footer("Example: harvlink var dump --kind B --out vars.csv");
+    SetExamples(*verb, {"var dump --kind B --out vars.csv", "var dump > all.csv"});
     verb->callback([arguments, &session] {
         std::vector<VariableKind> const kinds = ParseKinds(arguments->kinds);
         if (!arguments->path.empty() && !arguments->force && std::filesystem::exists(arguments->path)) {
@@ -166,6 +168,7 @@ void AddLoad(CLI::App& family, Session& session) {
     CLI::App* const verb =
         family.add_subcommand("load", "Write the variables of a CSV file; nothing is written if a line is wrong");
     verb->add_option("FILE", *path, "CSV with the header line variable,value")->required();
+    SetExamples(*verb, {"var load vars.csv"}, VariableHelp);
     verb->callback([path, &session] {
         session.OnConnection(
             [variables = ParseVariableFile(*path, ReadTextFile(*path))](QuorvanController& robot, Output& output) {
@@ -179,7 +182,6 @@ void AddLoad(CLI::App& family, Session& session) {
 void AddVariableCommands(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("var", "Read and write variables");
     family->require_subcommand(1);
-    family->footer(VariableHelp);
     AddGet(*family, session);
     AddSet(*family, session);
     AddDump(*family, session);

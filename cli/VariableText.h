@@ -26,8 +26,9 @@ inline constexpr std::array<Named<VariableKind>, 8> VariableKindNames{{{"B", Var
                                                                        {"SP", VariableKind::StationPosition}}};
 
 inline constexpr char const* VariableHelp =
-    "Variables are named B (byte), I (integer), D (double integer), R (real), S (string), P (robot position), BP (base "
-    "position) or SP (station position) and a number; a range is written B0..B9.";
+    "Variables are named by kind and number, such as B5; a range is written B0..B9. Kinds:\n"
+    "B byte, I integer, D double integer, R real, S string, P robot position,\n"
+    "BP base position, SP station position.";
 
 using VariableValue = std::variant<std::uint8_t, std::int16_t, std::int32_t, float, std::string, PositionData>;
 
