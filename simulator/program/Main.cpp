@@ -16,6 +16,8 @@ namespace {
 
 using namespace harvlink::simulator;
 
+constexpr int WrongUsage = 2;
+
 /// Blocks the signals that end the program. Before the server's thread starts, so that it inherits the mask and the
 /// signal comes to AwaitEnd.
 sigset_t BlockEndSignals() {
@@ -49,6 +51,10 @@ void PrintExchange(VirtualController const& controller, Request const& request, 
 bool AddController(Server& server, std::string const& address, Arguments const& arguments) {
     auto& controller = server.Add(address, arguments.options);
     return controller.With([&](ControllerModel& model) {
+        if (!model.files.FolderError().empty()) {
+            fmt::print(stderr, "harvlink-sim: {}\n", model.files.FolderError());
+            return false;
+        }
         if (arguments.scene) {
             arguments.scene->ApplyTo(model);
         }
@@ -82,9 +88,11 @@ int Serve(Arguments const& arguments) {
 int main(int argc, char** argv) {
     CLI::App app("A virtual robot controller: answers on UDP ports 10040 and 10041 like a real one.", "harvlink-sim");
     ArgumentParser parser(app);
-    CLI11_PARSE(app, argc, argv);
     try {
+        app.parse(argc, argv);
         return Serve(parser.Result());
+    } catch (CLI::ParseError const& error) {
+        return app.exit(error) == 0 ? 0 : WrongUsage;
     } catch (std::exception const& error) {
         fmt::print(stderr, "harvlink-sim: {}\n", error.what());
         return 1;

@@ -35,7 +35,7 @@ public:
 
     std::vector<SceneNode> Items() const;
 
-    /// The keys of a table, each with its value, in the order of the file.
+    /// The keys of a table, each with its value, sorted by key.
     std::vector<std::pair<std::string, SceneNode>> Entries() const;
 
     /// Like Entries, for a table whose keys are numbers from `lowest` to `highest`.

@@ -59,7 +59,10 @@ void ApplyUserFrames(SceneNode const& frames, ControllerModel& model) {
 
 void ApplyFiles(SceneNode const& files, ControllerModel& model) {
     for (auto const& [name, node] : files.Entries()) {
-        static_cast<void>(model.files.Put(name, node.Text()));
+        auto const refusal = model.files.Put(name, node.Text());
+        if (refusal != Refusal::None) {
+            node.Fail("the controller refuses this file: its name, its size or the number of files");
+        }
     }
 }
 
