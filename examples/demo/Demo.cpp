@@ -59,6 +59,12 @@ void Run(std::string const& address) {
     ShowController(*robot);
     ShowControlGroups(*robot);
     ExchangeFiles(*robot);
+    ExchangeVariables(*robot);
+    ExchangeSignals(*robot);
+    RunJob(*robot);
+    ShowAlarms(*robot);
+    ConvertPositions(*robot);
+    DriveArm(*robot);
 }
 
 } // namespace

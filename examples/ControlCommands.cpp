@@ -1,0 +1,34 @@
+// Switches the servos on and off again.
+#include <iostream>
+#include <string_view>
+
+#include "harvlink/harvlink.h"
+
+int main(int argc, char** argv) {
+    if (argc != 3 || std::string_view(argv[2]) != "--yes") {
+        std::cerr << "This gives a robot its servo power.\n"
+                  << "Make sure that nobody is near, then run: " << argv[0] << " ADDRESS --yes\n";
+        return 2;
+    }
+    harvlink::StatusInfo status;
+    auto const robot = harvlink::Connect(argv[1], status, 300, 3);
+    if (!robot) {
+        std::cerr << status << '\n';
+        return 1;
+    }
+
+    status = robot->ControlCommands->DisplayStringToPendant("Servos on for a moment");
+    if (status.StatusCode != 0) {
+        std::cerr << status << '\n';
+        return 1;
+    }
+    for (auto const power : {harvlink::SignalStatus::On, harvlink::SignalStatus::Off}) {
+        status = robot->ControlCommands->SetServos(power);
+        if (status.StatusCode != 0) {
+            std::cerr << status << '\n';
+            return 1;
+        }
+        std::cout << (power == harvlink::SignalStatus::On ? "servos on\n" : "servos off\n");
+    }
+    return 0;
+}

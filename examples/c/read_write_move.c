@@ -1,0 +1,112 @@
+/*
+ * Harvlink from plain C: reads a controller's state, changes a variable and back, and turns a robot's first axis.
+ *
+ * Careful: this moves robot R1. Run it against the virtual controller first:
+ *     harvlink-sim --address 127.0.0.1 &
+ *     harvlink_example_c 127.0.0.1
+ */
+
+#include <math.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <threads.h>
+
+#include "harvlink/harvlink_c.h"
+
+enum { TIMEOUT_MS = 500, RETRIES = 3, VARIABLE = 5, TURN_PULSES = 2000, MOST_LOOKS = 500 };
+
+/* The cell behind a handle is never released; kept here, it stays in sight of leak checkers. */
+static ControllerHandle controller;
+
+/* Every status brings a message that is ours to free, whether it tells of a success or a failure. */
+static bool succeeded(char const* operation, IStatusInfo status) {
+    bool const ok = status.StatusCode == 0;
+    if (!ok) {
+        (void)fprintf(stderr, "%s: code %d: %s\n", operation, (int)status.StatusCode, status.Message);
+    }
+    free(status.Message);
+    return ok;
+}
+
+static bool show_state(void) {
+    ControllerStateData state;
+    ISystemInfoData robot;
+    if (!succeeded("read state", controller_state_interface_read_state(controller, &state))) {
+        return false;
+    }
+    /* The texts are filled after a failure too. */
+    bool const ok = succeeded("read system information",
+                              controller_state_interface_read_system_information(controller, 11, &robot));
+    printf("%s, software %s, servo %s\n", robot.modelName, robot.softwareVersion, state.isServoOn ? "on" : "off");
+    free(robot.modelName);
+    free(robot.softwareVersion);
+    return ok;
+}
+
+static bool change_variable(void) {
+    ByteVariableData before;
+    if (!succeeded("read variable", byte_variable_interface_read(controller, VARIABLE, &before))) {
+        return false;
+    }
+    ByteVariableData const changed = {(uint8_t)(before.value + 1), VARIABLE};
+    ByteVariableData after = {0, 0};
+    bool const ok = succeeded("write variable", byte_variable_interface_write(controller, changed)) &&
+                    succeeded("read variable", byte_variable_interface_read(controller, VARIABLE, &after));
+    printf("B%03d: %d, then %d\n", VARIABLE, before.value, after.value);
+    return succeeded("restore variable", byte_variable_interface_write(controller, before)) && ok &&
+           after.value == changed.value;
+}
+
+static bool read_position(PositionData* position) {
+    return succeeded("read position", control_group_interface_read_position_data(controller, HARVLINK_ROBOT(1),
+                                                                                 HARVLINK_PULSE, 0, 0, position));
+}
+
+static bool wait_until_there(double pulses) {
+    for (int look = 0; look < MOST_LOOKS; ++look) {
+        PositionData position;
+        if (!read_position(&position)) {
+            return false;
+        }
+        if (fabs(position.axes[0] - pulses) <= 1.0) {
+            printf("R1 has arrived: S = %.0f pulses\n", position.axes[0]);
+            return true;
+        }
+        struct timespec const pause = {.tv_nsec = 10 * 1000 * 1000};
+        thrd_sleep(&pause, NULL);
+    }
+    (void)fprintf(stderr, "R1 did not arrive\n");
+    return false;
+}
+
+static bool turn_first_axis(void) {
+    Motion motion = {.controlGroup = HARVLINK_ROBOT(1),
+                     .speed = 25.0,
+                     .accelerationRatio = HARVLINK_RATIO_NOT_SPECIFIED,
+                     .decelerationRatio = HARVLINK_RATIO_NOT_SPECIFIED,
+                     .moveType = HARVLINK_JOINT};
+    if (!read_position(&motion.position)) {
+        return false;
+    }
+    motion.position.axes[0] += TURN_PULSES;
+    bool const there = succeeded("servo on", control_commands_interface_SetServos(controller, HARVLINK_ON)) &&
+                       succeeded("add point", motion_manager_AddPointToTrajectory(controller, &motion)) &&
+                       succeeded("start motion", motion_manager_MotionStart(controller)) &&
+                       wait_until_there(motion.position.axes[0]);
+    /* Closing a connection stops nothing: leave no robot in motion behind. */
+    bool const stopped = succeeded("stop motion", motion_manager_MotionStop(controller, true));
+    return succeeded("servo off", control_commands_interface_SetServos(controller, HARVLINK_OFF)) && there && stopped;
+}
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        (void)fprintf(stderr, "Usage: %s ADDRESS\nMoves robot R1 of the controller at ADDRESS.\n", argv[0]);
+        return 2;
+    }
+    IStatusInfo status;
+    controller = open_connection(argv[1], &status, TIMEOUT_MS, RETRIES);
+    /* A failed connection has a handle too, which only close_connection takes. */
+    bool const ok = succeeded("connect", status) && show_state() && change_variable() && turn_first_axis();
+    close_connection(controller);
+    return ok ? 0 : 1;
+}
