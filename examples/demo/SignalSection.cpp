@@ -8,9 +8,9 @@ namespace {
 
 using harvlink::IOType;
 
-constexpr int notWritable = static_cast<int>(harvlink::ErrorStatusCodes::IOAddressNotWritable);
+/// What an older controller says of any signal but a network input.
+constexpr int notWritable = 40961;
 
-/// Older controllers take network inputs only.
 void Toggle(harvlink::QuorvanController& robot, std::string_view name, IOType type) {
     harvlink::StatusInfo status;
     auto const address = robot.IO->ConvertIOGroupToBitAddress(type, 1, 3, status);
