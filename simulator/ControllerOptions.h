@@ -6,6 +6,7 @@
 
 #include "harvlink/ControlGroupId.h"
 #include "harvlink/ControllerVersion.h"
+#include "simulator/faults/FaultPlan.h"
 
 namespace harvlink::simulator {
 
@@ -22,6 +23,7 @@ struct ControllerOptions {
     std::filesystem::path filesFolder; ///< served instead of the generated files unless empty
     std::uint32_t toolCount = 64; ///< tools are numbered from 0
     double timeScale = 1.0; ///< 0: time stands still until VirtualController::Advance
+    FaultPlan faults; ///< what goes wrong from the start; VirtualController::WithFaults changes it
 };
 
 } // namespace harvlink::simulator

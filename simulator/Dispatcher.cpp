@@ -25,6 +25,10 @@ void Dispatcher::Add(std::unique_ptr<CommandHandler> handler) {
     handlers_.push_back(std::move(handler));
 }
 
+void Dispatcher::ForgetTransfers() {
+    fileHandler_ = MakeFileHandler(model_);
+}
+
 void Dispatcher::Handle(Request const& request, Reply& reply) {
     reply.Begin(request);
     if (request.port == Port::File) {

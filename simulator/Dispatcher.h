@@ -17,6 +17,9 @@ public:
 
     void Handle(Request const& request, Reply& reply);
 
+    /// Forgets open file transfers, as a controller that is restarted does.
+    void ForgetTransfers();
+
 private:
     static constexpr std::size_t CommandLimit = 1024;
 

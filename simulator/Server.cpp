@@ -17,8 +17,17 @@ namespace {
 constexpr auto TickPeriod = std::chrono::milliseconds(1);
 constexpr int MaxEvents = 64;
 
+/// An address in network order above a port in network order.
 std::uint64_t PeerOf(sockaddr_in const& from) {
     return std::uint64_t{from.sin_addr.s_addr} << 16U | from.sin_port;
+}
+
+sockaddr_in AddressOf(std::uint64_t peer) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = static_cast<in_addr_t>(peer >> 16U);
+    address.sin_port = static_cast<in_port_t>(peer & 0xFFFFU);
+    return address;
 }
 
 } // namespace
@@ -40,7 +49,7 @@ VirtualController& Server::Add(std::string const& address, ControllerOptions con
 
 bool Server::Start() {
     if (!BindAll()) {
-        endpoints_.clear();
+        CloseAll();
         return false;
     }
     stopping_ = false;
@@ -55,7 +64,13 @@ void Server::Stop() {
         Wake();
         thread_.join();
     }
+    CloseAll();
+}
+
+void Server::CloseAll() {
     endpoints_.clear();
+    sockets_.clear();
+    active_.clear();
 }
 
 bool Server::BindAll() {
@@ -63,20 +78,21 @@ bool Server::BindAll() {
     epoll_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
     Watch(wake_.Get(), nullptr);
     return std::ranges::all_of(controllers_, [this](auto const& controller) {
-        return Bind(*controller, Port::Robot) && Bind(*controller, Port::File);
+        auto& sockets = sockets_[controller.get()];
+        return Bind(*controller, Port::Robot, sockets) && Bind(*controller, Port::File, sockets);
     });
 }
 
-bool Server::Bind(VirtualController& controller, Port port) {
+bool Server::Bind(VirtualController& controller, Port port, Sockets& sockets) {
     auto const number = static_cast<std::uint16_t>(port);
     auto socket = Socket::Bind(controller.Address(), number);
     if (!socket.IsOpen()) {
         error_ = "can't bind " + controller.Address() + ":" + std::to_string(number) + ": " + std::strerror(errno);
         return false;
     }
-    auto& endpoint = *endpoints_.emplace_back(std::make_unique<Endpoint>());
-    endpoint = {&controller, port, std::move(socket)};
-    Watch(endpoint.socket.Get(), &endpoint);
+    (port == Port::Robot ? sockets.robot : sockets.file) = std::move(socket);
+    auto& endpoint = *endpoints_.emplace_back(std::make_unique<Endpoint>(Endpoint{&controller, port, &sockets}));
+    Watch(endpoint.Own().Get(), &endpoint);
     return true;
 }
 
@@ -121,7 +137,7 @@ void Server::HandleWake() {
 
 void Server::Answer(Endpoint const& endpoint) {
     sockaddr_in from{};
-    auto const length = endpoint.socket.Receive(buffer_, from);
+    auto const length = endpoint.Own().Receive(buffer_, from);
     if (length < 0) {
         return;
     }
@@ -132,12 +148,36 @@ void Server::Answer(Endpoint const& endpoint) {
         return;
     }
     if (!reply_.IsSuppressed()) {
-        endpoint.socket.Send(reply_.Bytes(), from);
+        endpoint.Own().Send(reply_.Bytes(), from);
     }
     if (observer_) {
         observer_(controller, *request, reply_);
     }
+    if (controller.IsActive()) {
+        Deliver(controller);
+    }
     NoteActivity(controller);
+}
+
+void Server::Deliver(VirtualController& controller) {
+    for (auto const& delivery : controller.TakeDeliveries()) {
+        auto& sockets = sockets_.at(&controller);
+        if (delivery.source == Delivery::Source::Stray && !sockets.stray.IsOpen()) {
+            sockets.stray = Socket::Bind(controller.Address(), 0);
+        }
+        auto const& socket = delivery.source == Delivery::Source::RobotPort  ? sockets.robot
+                             : delivery.source == Delivery::Source::FilePort ? sockets.file
+                                                                             : sockets.stray;
+        socket.Send(delivery.bytes, AddressOf(delivery.peer));
+    }
+}
+
+bool Server::Tick(VirtualController& controller) {
+    bool const goesOn = controller.Tick();
+    if (goesOn) {
+        Deliver(controller);
+    }
+    return goesOn;
 }
 
 void Server::NoteActivity(VirtualController& controller) {
@@ -155,7 +195,7 @@ void Server::TickIfDue() {
         return;
     }
     nextTick_ = now + TickPeriod;
-    std::erase_if(active_, [](VirtualController* controller) { return !controller->Tick(); });
+    std::erase_if(active_, [this](VirtualController* controller) { return !Tick(*controller); });
 }
 
 } // namespace harvlink::simulator

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <vector>
 
 #include "simulator/ControllerOptions.h"
@@ -48,23 +49,36 @@ public:
     std::string const& Error() const { return error_; }
 
 private:
+    /// The sockets of a controller. The last is bound when a fault asks for it.
+    struct Sockets {
+        Socket robot;
+        Socket file;
+        Socket stray;
+    };
+
     struct Endpoint {
         VirtualController* controller = nullptr;
         Port port = Port::Robot;
-        Socket socket;
+        Sockets* sockets = nullptr;
+
+        Socket const& Own() const { return port == Port::Robot ? sockets->robot : sockets->file; }
     };
 
     bool BindAll();
-    bool Bind(VirtualController& controller, Port port);
+    void CloseAll();
+    bool Bind(VirtualController& controller, Port port, Sockets& sockets);
     void Watch(int descriptor, void* tag) const;
     void Wake() const;
     void Run();
     void HandleWake();
     void Answer(Endpoint const& endpoint);
     void TickIfDue();
+    bool Tick(VirtualController& controller);
+    void Deliver(VirtualController& controller);
     void NoteActivity(VirtualController& controller);
 
     std::vector<std::unique_ptr<VirtualController>> controllers_;
+    std::unordered_map<VirtualController const*, Sockets> sockets_;
     std::vector<std::unique_ptr<Endpoint>> endpoints_;
     std::vector<VirtualController*> active_; ///< those with something going on in time
     Observer observer_;

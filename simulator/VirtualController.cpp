@@ -15,7 +15,9 @@ bool IsOfThisProtocol(CommonHeader const& header) {
 } // namespace
 
 VirtualController::VirtualController(std::string address, ControllerOptions const& options)
-    : address_(std::move(address)), clock_(options.timeScale), model_(options, clock_), dispatcher_(model_) {}
+    : address_(std::move(address)), clock_(options.timeScale), model_(options, clock_), dispatcher_(model_) {
+    faults_.SetPlan(options.faults);
+}
 
 void VirtualController::Advance(Clock::Duration step) {
     ChangeNotice const notice{*this};
@@ -47,11 +49,36 @@ Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::spa
     if (model_.NeedsTicks()) {
         model_.Tick();
     }
-    dispatcher_.Handle(request_, reply);
-    active_.store(model_.NeedsTicks(), std::memory_order_relaxed);
+    if (faults_.IsActive()) {
+        AnswerWithFaults(reply);
+    } else {
+        dispatcher_.Handle(request_, reply);
+    }
+    NoteActivity();
     ++traffic_.requests;
     traffic_.refused += reply.IsRefused() ? 1 : 0;
     return &request_;
+}
+
+void VirtualController::AnswerWithFaults(Reply& reply) {
+    using Verdict = FaultInjector::Verdict;
+    auto const now = clock_.Now();
+    auto const verdict = faults_.Judge(request_, now);
+    if (verdict == Verdict::CarryOut) {
+        dispatcher_.Handle(request_, reply);
+    } else {
+        reply.Begin(request_);
+        reply.Refuse(faults_.RefusalCode());
+    }
+    if (verdict == Verdict::Restart) {
+        model_.SetServo(false);
+        dispatcher_.ForgetTransfers();
+    }
+    if (verdict == Verdict::CarryOut || verdict == Verdict::Refuse) {
+        faults_.Spoil(request_, reply, now);
+    }
+    // All that goes out now goes by way of the injector.
+    reply.Suppress();
 }
 
 bool VirtualController::Parse(std::span<std::byte const> datagram) {
@@ -69,8 +96,15 @@ bool VirtualController::Tick() {
     if (model_.NeedsTicks()) {
         model_.Tick();
     }
-    active_ = model_.NeedsTicks();
+    NoteActivity();
     return active_;
+}
+
+std::vector<Delivery> VirtualController::TakeDeliveries() {
+    std::scoped_lock const lock(mutex_);
+    auto due = faults_.TakeDue(clock_.Now());
+    NoteActivity();
+    return due;
 }
 
 } // namespace harvlink::simulator

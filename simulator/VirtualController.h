@@ -12,6 +12,7 @@
 #include "simulator/Clock.h"
 #include "simulator/ControllerOptions.h"
 #include "simulator/Dispatcher.h"
+#include "simulator/faults/FaultInjector.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
@@ -40,6 +41,13 @@ public:
         return std::forward<Function>(function)(model_);
     }
 
+    /// Calls `function` with the fault injector, under the same lock.
+    template <typename Function>
+    decltype(auto) WithFaults(Function&& function) {
+        std::scoped_lock const lock(mutex_);
+        return std::forward<Function>(function)(faults_);
+    }
+
     /// Moves the clock forward by hand, in steps of a millisecond, and lets jobs and motion follow.
     void Advance(Clock::Duration step);
 
@@ -52,17 +60,20 @@ public:
     /// request, which is valid until the next call.
     Request const* Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram, Reply& reply);
 
-    /// Lets jobs and motion advance. Returns whether they need it again.
+    /// Lets jobs and motion advance. Returns whether Tick or TakeDeliveries are needed again.
     bool Tick();
 
-    /// Whether jobs or motion need Tick, as of the last datagram or change. May be asked from any thread.
+    /// What is due to go out besides the replies of Handle: only faults send such.
+    std::vector<Delivery> TakeDeliveries();
+
+    /// Whether Tick and TakeDeliveries are needed, as of the last datagram or change. May be asked from any thread.
     bool IsActive() const { return active_; }
 
 private:
     /// Both act when they go out of scope: the note still under the lock, the notice after it.
     struct ActivityNote {
         VirtualController& controller;
-        ~ActivityNote() { controller.active_ = controller.model_.NeedsTicks(); }
+        ~ActivityNote() { controller.NoteActivity(); }
     };
     struct ChangeNotice {
         VirtualController& controller;
@@ -74,12 +85,15 @@ private:
     };
 
     bool Parse(std::span<std::byte const> datagram);
+    void AnswerWithFaults(Reply& reply);
+    void NoteActivity() { active_.store(model_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }
 
     std::string address_;
     std::mutex mutex_;
     Clock clock_;
     ControllerModel model_;
     Dispatcher dispatcher_;
+    FaultInjector faults_;
     Request request_;
     TrafficCounts traffic_;
     std::function<void()> changed_;

@@ -7,6 +7,10 @@ namespace harvlink::simulator {
 
 namespace {
 
+std::string CheckFaults(std::string const& text) {
+    return FaultPlan{}.Parse(text);
+}
+
 std::string CheckGroup(std::string const& text) {
     return ControlGroups::FromText(text) ? "" : text + " is no control group such as R1, B1, S12 or R1:7";
 }
@@ -28,6 +32,8 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--scene", scene_, "TOML file with the state to start from")->check(CLI::ExistingFile);
     app.add_option("--time-scale", timeScale_, "How much faster than real time jobs and motion run [1]")
         ->check(CLI::Range(0.001, 10000.0));
+    app.add_option("--faults", faults_, "What shall go wrong, such as seed=7,drop=2%,delay=10%,delay-ms=30")
+        ->check(CheckFaults);
     app.add_flag("--verbose", verbose_, "Print a line for every request");
 }
 
@@ -44,6 +50,7 @@ Arguments ArgumentParser::Result() const {
     options.rs022 = rs022_.value_or(options.rs022);
     options.timeScale = timeScale_.value_or(options.timeScale);
     options.filesFolder = files_ ? std::filesystem::path(*files_) : options.filesFolder;
+    options.faults.Parse(faults_);
     if (!groups_.empty()) {
         options.groups.clear();
         for (auto const& text : groups_) {

@@ -34,6 +34,7 @@ private:
     std::optional<std::string> files_;
     std::optional<std::string> scene_;
     std::optional<double> timeScale_;
+    std::string faults_;
     bool verbose_ = false;
 };
 

@@ -53,6 +53,16 @@ ControllerOptions ReadControllerOptions(SceneNode const& controller, std::filesy
     return options;
 }
 
+FaultPlan ReadFaults(SceneNode const& faults) {
+    FaultPlan plan;
+    for (auto const& [name, node] : faults.Entries()) {
+        if (auto const problem = plan.Set(name, node.Number()); !problem.empty()) {
+            node.Fail(problem);
+        }
+    }
+    return plan;
+}
+
 void ApplyControllerState(SceneNode const& controller, ControllerModel& model) {
     if (auto const node = controller.Find("mode")) {
         model.SetMode(static_cast<Mode>(node->Choice({"teach", "play", "remote"})));

@@ -77,9 +77,12 @@ Scene Scene::FromText(std::string_view text, std::string name) {
 Scene::Scene(std::unique_ptr<Document> document, std::filesystem::path const& folder) : document_(std::move(document)) {
     auto const root = document_->Root();
     root.AllowOnly({"controller", "parameters", "variables", "signals", "signal_groups", "registers", "tools",
-                    "user_frames", "files", "alarms"});
+                    "user_frames", "files", "alarms", "faults"});
     if (auto const controller = root.Find("controller")) {
         options_ = ReadControllerOptions(*controller, folder);
+    }
+    if (auto const faults = root.Find("faults")) {
+        options_.faults = ReadFaults(*faults);
     }
     Clock const clock = Clock::Manual();
     ControllerModel model(options_, clock);

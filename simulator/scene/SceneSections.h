@@ -13,6 +13,7 @@ namespace harvlink::simulator {
 class ControllerModel;
 
 ControllerOptions ReadControllerOptions(SceneNode const& controller, std::filesystem::path const& folder);
+FaultPlan ReadFaults(SceneNode const& faults);
 
 void ApplyControllerState(SceneNode const& controller, ControllerModel& model);
 void ApplyVariables(SceneNode const& variables, ControllerModel& model);

@@ -1,0 +1,168 @@
+#include "simulator/faults/FaultInjector.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace harvlink::simulator {
+
+namespace {
+
+constexpr Refusal BufferIsFull{65520};
+constexpr std::size_t IdOffset = offsetof(CommonHeader, requestId);
+constexpr std::uint8_t IdMask = 0x7F;
+
+std::size_t PortIndex(Port port) {
+    return port == Port::Robot ? 0 : 1;
+}
+
+Delivery::Source SourceOf(Port port) {
+    return port == Port::Robot ? Delivery::Source::RobotPort : Delivery::Source::FilePort;
+}
+
+} // namespace
+
+void FaultInjector::SetPlan(FaultPlan const& plan) {
+    plan_ = plan;
+    random_.seed(plan.seed);
+    UpdateActive();
+}
+
+void FaultInjector::Arm(Fault fault, std::uint32_t count) {
+    armed_.at(static_cast<std::size_t>(fault)) = count;
+    UpdateActive();
+}
+
+void FaultInjector::UpdateActive() {
+    // Never off again once it was on: silence and the like go on after the last armed fault has happened.
+    isActive_ = isActive_ || std::ranges::any_of(plan_.rates, [](double rate) { return rate > 0; }) ||
+                std::ranges::any_of(armed_, [](std::uint32_t count) { return count > 0; });
+}
+
+bool FaultInjector::Happens(Fault fault) {
+    auto const index = static_cast<std::size_t>(fault);
+    double const chance = std::uniform_real_distribution<>(0.0, 1.0)(random_);
+    bool const isArmed = armed_.at(index) > 0;
+    armed_[index] -= isArmed ? 1 : 0;
+    bool const happens = isArmed || chance < plan_.rates.at(index);
+    happened_.at(index) += happens ? 1 : 0;
+    return happens;
+}
+
+std::size_t FaultInjector::Random(std::size_t lowest, std::size_t highest) {
+    return std::uniform_int_distribution<std::size_t>(lowest, highest)(random_);
+}
+
+FaultInjector::Verdict FaultInjector::Judge(Request const& request, Clock::Duration now) {
+    lastPeers_.at(PortIndex(request.port)) = request.peer;
+    if (now < silentUntil_) {
+        return Verdict::Ignore;
+    }
+    if (Happens(Fault::Silence)) {
+        silentUntil_ = now + plan_.silence;
+        return Verdict::Ignore;
+    }
+    if (Happens(Fault::Restart)) {
+        return Verdict::Restart;
+    }
+    if (Happens(Fault::Refuse)) {
+        refusalsLeft_ = plan_.refuseCount;
+    }
+    if (refusalsLeft_ > 0) {
+        --refusalsLeft_;
+        refusal_ = plan_.refuseCode;
+        return Verdict::Refuse;
+    }
+    bool const isTarget = request.port == Port::Robot && request.Command() == CommandNumber::MotionSendTarget;
+    if (isTarget && Happens(Fault::BufferFull)) {
+        bufferFullUntil_ = now + plan_.bufferFull;
+    }
+    if (isTarget && now < bufferFullUntil_) {
+        refusal_ = BufferIsFull;
+        return Verdict::Refuse;
+    }
+    return Verdict::CarryOut;
+}
+
+void FaultInjector::Spoil(Request const& request, Reply const& reply, Clock::Duration now) {
+    if (reply.IsSuppressed()) {
+        return;
+    }
+    bool const isDropped = Happens(Fault::Drop);
+    Delivery delivery{SourceOf(request.port), request.peer, now, {}};
+    delivery.due += Happens(Fault::Delay) ? plan_.delay : Clock::Duration{0};
+    bool const isDoubled = Happens(Fault::Duplicate);
+    bool const isHeldBack = Happens(Fault::Reorder);
+    delivery.bytes.assign(reply.Bytes().begin(), reply.Bytes().end());
+    SpoilBytes(delivery.bytes);
+    SpoilRoute(request, delivery);
+    if (isDropped) {
+        return;
+    }
+    if (isHeldBack) {
+        delivery.due = now + FaultPlan::ReorderLimit;
+        heldBack_.push_back(std::move(delivery));
+        return;
+    }
+    if (isDoubled) {
+        outbox_.push_back(delivery);
+    }
+    outbox_.push_back(std::move(delivery));
+    ReleaseOvertaken(request.peer, outbox_.back().due);
+}
+
+void FaultInjector::SpoilBytes(std::vector<std::byte>& bytes) {
+    if (Happens(Fault::WrongId)) {
+        bytes[IdOffset] ^= static_cast<std::byte>(Random(1, IdMask));
+    }
+    if (Happens(Fault::StaleId)) {
+        bytes[IdOffset] = static_cast<std::byte>((std::to_integer<unsigned>(bytes[IdOffset]) + IdMask) & IdMask);
+    }
+    if (Happens(Fault::FlipBits)) {
+        for (auto flips = Random(1, 8); flips > 0; --flips) {
+            auto const bit = Random(0, bytes.size() * 8 - 1);
+            bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
+        }
+    }
+    if (Happens(Fault::Truncate)) {
+        bytes.resize(Random(0, bytes.size() - 1));
+    }
+    if (Happens(Fault::Extend)) {
+        std::generate_n(std::back_inserter(bytes), Random(1, 64),
+                        [this] { return static_cast<std::byte>(Random(0, 255)); });
+    }
+}
+
+void FaultInjector::SpoilRoute(Request const& request, Delivery& delivery) {
+    if (Happens(Fault::OtherPort)) {
+        auto const other = request.port == Port::Robot ? Port::File : Port::Robot;
+        delivery.source = SourceOf(other);
+        auto const peer = lastPeers_.at(PortIndex(other));
+        delivery.peer = peer != 0 ? peer : delivery.peer;
+    }
+    if (Happens(Fault::OtherSource)) {
+        delivery.source = Delivery::Source::Stray;
+    }
+}
+
+void FaultInjector::ReleaseOvertaken(std::uint64_t peer, Clock::Duration now) {
+    for (auto& held : heldBack_) {
+        if (held.peer == peer) {
+            held.due = now;
+        }
+    }
+}
+
+std::vector<Delivery> FaultInjector::TakeDue(Clock::Duration now) {
+    std::vector<Delivery> due;
+    // What was held back goes behind what overtook it.
+    for (auto* const list : {&outbox_, &heldBack_}) {
+        auto const later =
+            std::stable_partition(list->begin(), list->end(), [now](Delivery const& item) { return item.due <= now; });
+        std::move(list->begin(), later, std::back_inserter(due));
+        list->erase(list->begin(), later);
+    }
+    return due;
+}
+
+} // namespace harvlink::simulator
