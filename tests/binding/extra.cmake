@@ -1,0 +1,6 @@
+add_test(NAME binding.header_alone COMMAND "${PROJECT_SOURCE_DIR}/script/checks/header_alone" include/harvlink/harvlink_c.h
+         WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}")
+if(BUILD_SHARED_LIBS)
+    add_test(NAME binding.exported_names COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/binding/exported-names" $<TARGET_FILE:harvlink>
+             "${PROJECT_SOURCE_DIR}/cmake/exported-symbols.txt")
+endif()
