@@ -30,7 +30,7 @@ Refusal MotionEngine::CheckState() const {
 }
 
 void MotionEngine::OnStateChange() {
-    UpdateRun();
+    Tick(model_.clock.Now());
 }
 
 void MotionEngine::UpdateRun() {
@@ -42,17 +42,18 @@ void MotionEngine::UpdateRun() {
 }
 
 void MotionEngine::Tick(Clock::Duration now) {
-    UpdateRun();
+    // The time until now passed in the state before the change.
     double const seconds = std::chrono::duration<double>(now - time_).count();
-    if (!(seconds > 0.0)) {
-        return;
+    if (seconds > 0.0) {
+        time_ = now;
+        player_.Advance(seconds);
+        servos_.Update(player_.Now(), seconds);
     }
-    time_ = now;
-    player_.Advance(seconds);
-    servos_.Update(player_.Now(), seconds);
+    UpdateRun();
 }
 
 Refusal MotionEngine::Start() {
+    Tick(model_.clock.Now());
     auto const obstacle = CheckState();
     if (obstacle != Refusal::None) {
         return obstacle;
@@ -64,12 +65,14 @@ Refusal MotionEngine::Start() {
 }
 
 void MotionEngine::Stop() {
+    Tick(model_.clock.Now());
     isStarted_ = false;
     isInterrupted_ = false;
     UpdateRun();
 }
 
 Refusal MotionEngine::Clear(std::int32_t slot) {
+    Tick(model_.clock.Now());
     if (slot == MotionClearGroupTargets::AllGroups) {
         for (std::size_t i = 0; i < MotionSlots; ++i) {
             player_.Clear(i);
@@ -90,6 +93,7 @@ TargetSettings* MotionEngine::Settings(TargetControlGroup slot) {
 }
 
 Refusal MotionEngine::SendTargets(MotionTargetSend const& message) {
+    Tick(model_.clock.Now());
     auto const obstacle = CheckState();
     if (isStarted_ && obstacle != Refusal::None && obstacle != MotionRefusal::HoldIsOn) {
         return obstacle;

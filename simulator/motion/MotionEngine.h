@@ -39,7 +39,8 @@ public:
     /// Whether Tick has anything to do.
     bool NeedsTicks() const { return player_.IsMoving() || !servos_.IsAtRest(); }
 
-    /// Advances to `now`, the time of the model's clock.
+    /// Advances to `now`, the time of the model's clock. While nothing moves nobody needs to call it: what starts something
+    /// brings the time up first.
     void Tick(Clock::Duration now);
 
     Refusal Start();

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <chrono>
+#include <cstring>
+#include <vector>
+
+#include "controller/ControlGroupMessages.h"
+#include "motion/MotionMessages.h"
+#include "simulator/VirtualController.h"
+
+namespace harvlink::test {
+
+/// A virtual controller whose clock is moved by hand, spoken to with datagrams. Servo power is on.
+class Cell {
+public:
+    explicit Cell(std::vector<simulator::ControlGroup> groups = {{ControlGroupId::R1, 6}})
+        : controller("127.0.0.1", {.groups = std::move(groups), .filesFolder = {}, .timeScale = 0.0}) {
+        controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
+    }
+
+    template <typename Payload>
+    std::uint16_t Send(CommandNumber command, Payload const& payload, std::uint16_t instance = 0,
+                       std::uint8_t service = ServiceWriteAll) {
+        OutgoingPacket<Payload> packet;
+        packet.subHeader = {command, instance, FixedField::WholeRecord, service};
+        packet.header.payloadSize = sizeof(Payload);
+        packet.payload = payload;
+        controller.Handle(simulator::Port::Robot, 1, packet.Bytes().first(HeaderSize + sizeof(Payload)), reply_);
+        return static_cast<std::uint16_t>(reply_.Code());
+    }
+
+    /// A read without payload.
+    std::uint16_t Read(CommandNumber command, std::uint16_t instance) {
+        OutgoingPacket<NoPayload> packet;
+        packet.subHeader = {command, instance, FixedField::WholeRecord, ServiceReadAll};
+        controller.Handle(simulator::Port::Robot, 1, packet.Bytes().first(HeaderSize), reply_);
+        return static_cast<std::uint16_t>(reply_.Code());
+    }
+
+    template <typename Record>
+    Record Answer() const {
+        Record record{};
+        auto const bytes = reply_.Bytes().subspan(HeaderSize);
+        EXPECT_EQ(bytes.size(), sizeof(Record));
+        std::memcpy(static_cast<void*>(&record), bytes.data(), std::min(bytes.size(), sizeof(Record)));
+        return record;
+    }
+
+    std::uint16_t Start() { return Send(CommandNumber::MotionStart, std::int32_t{0}); }
+    std::uint16_t Stop() { return Send(CommandNumber::MotionStop, std::int32_t{0}); }
+    std::uint16_t Clear(std::int32_t group = MotionClearGroupTargets::AllGroups) {
+        return Send(CommandNumber::MotionClearTargets, MotionClearGroupTargets{group, 0});
+    }
+    std::uint16_t SetCoordinates(UAPICoordType type, std::int32_t user = 0, int slot = 0) {
+        return Send(CommandNumber::MotionSetCoord, MotionSetCoord{static_cast<TargetControlGroup>(slot), type, user});
+    }
+
+    std::uint16_t SendTarget(MoveInterpolationType type, WireAxes const& axes, WireAxes const& through = {}) {
+        MotionTargetSend step;
+        step.groupBits = 1;
+        step.targets[0].moveType = type;
+        step.targets[0].axes = axes;
+        step.targets[0].auxiliaryAxes = through;
+        return Send(CommandNumber::MotionSendTarget, step);
+    }
+
+    double Progress(std::int32_t slot = 0) {
+        EXPECT_EQ(Send(CommandNumber::MotionTargetProgress, slot, 0, ServiceReadAll), 0);
+        return Answer<double>();
+    }
+
+    /// In the units of the wire.
+    UAPIPositionData Position(std::uint16_t selector = 0, std::uint16_t tool = 0,
+                              ControlGroupId group = ControlGroupId::R1) {
+        EXPECT_EQ(Send(CommandNumber::UAPIPositionRead, UAPIGetPositionSendData{GroupAddress(group), selector, tool, 0},
+                       0, ServiceReadAll),
+                  0);
+        return Answer<UAPIPositionData>();
+    }
+
+    void Advance(double seconds) {
+        controller.Advance(
+            std::chrono::duration_cast<simulator::Clock::Duration>(std::chrono::duration<double>(seconds)));
+    }
+
+    simulator::VirtualController controller;
+
+private:
+    simulator::Reply reply_;
+};
+
+} // namespace harvlink::test
