@@ -1,0 +1,345 @@
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include <unistd.h>
+
+#include "motion/MotionSession.h"
+#include "simulator/Server.h"
+#include "support/ScratchFolder.h"
+
+namespace harvlink::test {
+namespace {
+
+constexpr unsigned start = 839, stop = 840, clear = 841, target = 842, alarm = 916;
+
+/// The commands, and of each target the first axis.
+std::vector<std::pair<unsigned, int>> Summary(std::vector<Datagram> const& sent) {
+    std::vector<std::pair<unsigned, int>> summary;
+    for (Datagram const& datagram : sent) {
+        unsigned const command = CommandOf(datagram);
+        summary.emplace_back(command, command == target ? AxisOf(datagram, 0) : 0);
+    }
+    return summary;
+}
+
+/// Points whose settings the monitor has told already, so that each costs one datagram.
+struct RunningSession : MotionSession {
+    RunningSession() {
+        controller.AnswerRest([this](Datagram const& datagram) {
+            bool const isRefused = CommandOf(datagram) == target && isFull;
+            return Replies{isRefused ? Refusal(65520) : Reply{}};
+        });
+        Add(0);
+        manager->MotionStart();
+        Sent(4); // start, coordinates, speed, target
+        manager->SetTool(TargetControlGroup::GroupOne, 0); // after its reply the target is answered too
+        before += 5;
+    }
+    ~RunningSession() {
+        isFull = false;
+        manager.reset();
+    }
+    void Add(double x) { EXPECT_EQ(manager->AddPointToTrajectory(Point(x), {}, {}, {}).StatusCode, 0); }
+
+    /// All that was accepted, without the repetitions, once nothing is left to send.
+    std::vector<std::pair<unsigned, int>> Finish() {
+        manager.reset();
+        auto summary = Summary(Sent());
+        auto const repeated = std::ranges::unique(summary);
+        summary.erase(repeated.begin(), repeated.end());
+        return summary;
+    }
+
+    std::atomic<bool> isFull = false;
+};
+
+/// Half a second: soon enough for what is lost, late enough for what is answered.
+void ShortenTimeout(NetworkManager& manager) {
+    manager.ResetTimeout();
+    manager.ResetTimeout();
+}
+using Sequence = std::vector<std::pair<unsigned, int>>;
+
+TEST(TrajectoryMonitor, SendsInOrderFromTheStartOn) {
+    MotionSession session;
+    session.controller.AnswerRest([](Datagram const&) { return Replies{{}}; });
+    for (int i = 1; i <= 3; ++i) {
+        session.manager->AddPointToTrajectory(Point(i), {}, {}, {});
+    }
+    session.controller.Expect(MotionRequest(start, {0}), Refusal(65534));
+    EXPECT_EQ(session.manager->MotionStart().StatusCode, 65534 - 50000000);
+    session.manager->MotionStop(false);
+    EXPECT_EQ(Summary(session.Sent()), (Sequence{{start, 0}, {stop, 0}})); // nothing is sent until a start succeeds
+    session.manager->MotionStart();
+    session.Sent(8);
+    session.manager->MotionStop(false);
+    session.manager->AddPointToTrajectory(Point(4), {}, {}, {}); // needs no other start
+    session.Sent(10);
+    session.manager->MotionStart();
+    session.manager->AddPointToTrajectory(Point(5), {}, {}, {});
+    EXPECT_EQ(Summary(session.Sent(12)), (Sequence{{start, 0},
+                                                   {stop, 0},
+                                                   {start, 0},
+                                                   {845, 0},
+                                                   {847, 0},
+                                                   {target, 1},
+                                                   {target, 2},
+                                                   {target, 3},
+                                                   {stop, 0},
+                                                   {target, 4},
+                                                   {start, 0},
+                                                   {target, 5}}));
+}
+
+TEST(TrajectoryMonitor, EmptiesTheQueueBeforeItEnds) {
+    RunningSession session;
+    session.isFull = true;
+    for (int i = 1; i <= 100; ++i) {
+        session.Add(i);
+    }
+    session.Sent(1);
+    std::thread release([&] {
+        session.Sent(5);
+        session.isFull = false;
+    });
+    auto const sent = session.Finish(); // waits for room
+    release.join();
+    ASSERT_EQ(sent.size(), 100U);
+    EXPECT_EQ(sent.back().second, 100);
+}
+
+TEST(TrajectoryMonitor, StopAndClearWhileTheBufferIsFull) {
+    struct {
+        bool clears, isRefused;
+        Sequence expected;
+    } const cases[] = {
+        {false, false, {{target, 1}, {stop, 0}, {target, 1}, {target, 2}, {target, 3}}},
+        {true, true, {{target, 1}, {stop, 0}, {target, 1}, {target, 2}, {target, 3}}},
+        // The step that is being sent goes out all the same.
+        {true, false, {{target, 1}, {stop, 0}, {target, 1}, {clear, 0}, {target, 1}}},
+    };
+    for (auto const& example : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &example - cases);
+        RunningSession session;
+        session.controller.AnswerRest([&](Datagram const& datagram) {
+            unsigned const command = CommandOf(datagram);
+            return Replies{command == target && session.isFull    ? Refusal(65520)
+                           : command == stop && example.isRefused ? Refusal(65535)
+                                                                  : Reply{}};
+        });
+        session.isFull = true;
+        for (int i = 1; i <= 3; ++i) {
+            session.Add(i);
+        }
+        session.Sent(1);
+        EXPECT_EQ(session.manager->MotionStop(example.clears).StatusCode, example.isRefused ? 65535 - 50000000 : 0);
+        session.isFull = false;
+        auto sent = session.Finish();
+        // The clear may follow the stop at once.
+        auto expected = example.expected;
+        if (sent.size() + 1 == expected.size()) {
+            expected.erase(expected.begin() + 2);
+        }
+        EXPECT_EQ(sent, expected);
+    }
+}
+
+TEST(TrajectoryMonitor, PopTakesWhatIsInFrontAfterAClear) {
+    RunningSession session;
+    session.isFull = true;
+    session.Add(1);
+    session.Add(2);
+    session.Sent(1);
+    EXPECT_EQ(session.manager->ClearAllTrajectory().StatusCode, 0);
+    session.Add(3); // stands in front when the send of 1 ends
+    session.Add(4);
+    session.isFull = false;
+    auto const sent = session.Finish();
+    EXPECT_EQ(std::ranges::count(sent, std::pair(target, 2)), 0);
+    EXPECT_EQ(std::ranges::count(sent, std::pair(target, 3)), 0);
+    EXPECT_EQ(sent.back(), std::pair(target, 4));
+}
+
+TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
+    struct {
+        Replies replies;
+        unsigned refusedCommand;
+        char const* alarmText;
+        int subCode;
+        char const* logged;
+    } const cases[] = {
+        {{Refusal(65534)}, target, "Servo Off", 0x7e, "Code (49934466): Servo Off"},
+        {{Refusal(65535)},
+         target,
+         "Motion fail Check remote mode.",
+         0x7f,
+         "Code (49934465): MotionManager failure. Ensure remote control mode is selected."},
+        {{Refusal(65520)}, 845, "Timeout", 0x70, "Code (49934480): Timeout"},
+        {{Refusal(65502)}, 847, "Interpolation Out Of Range", 0x5e, "Code (49934498): Interpolation Out Of Range"},
+        {{Refusal(8288)},
+         target,
+         "Unknown Motion Error. Check Har",
+         0x60,
+         "Code (8288): There is an active Error or Alarm."},
+        {{},
+         target,
+         "Unknown Motion Error. Check Har",
+         0x06,
+         "Code (196614): No response from controller after 0 retries."},
+    };
+    std::vector<unsigned> const commands{845, 847, target};
+    for (auto const& example : cases) {
+        SCOPED_TRACE(example.logged);
+        ScratchFolder const folder;
+        RunningSession session;
+        if (example.replies.empty()) {
+            ShortenTimeout(*session.network);
+        }
+        std::atomic<bool> isBroken = true;
+        session.controller.AnswerRest([&](Datagram const& datagram) {
+            unsigned const command = CommandOf(datagram);
+            bool const fails = isBroken && command == example.refusedCommand;
+            return fails ? example.replies : Replies{command == alarm ? Refusal(8288) : Reply{}};
+        });
+        Motion point = Point(1);
+        point.speed = 60.0;
+        point.position.coordinateType = CoordinateType::RobotCoordinate;
+        session.manager->AddPointToTrajectory(point, {}, {}, {});
+        auto const failed = std::ranges::find(commands, example.refusedCommand) - commands.begin();
+        auto const failedIndex = static_cast<std::size_t>(failed);
+        auto sent = session.Sent(failedIndex + 3);
+        EXPECT_EQ(CommandOf(sent[failedIndex]), example.refusedCommand);
+        EXPECT_TRUE(SameRequest(AlarmRequest(example.alarmText, example.subCode), sent[failedIndex + 1].bytes));
+        EXPECT_TRUE(SameRequest(ClearRequest(), sent[failedIndex + 2].bytes));
+        std::string const log = ContentOf(folder.Path() / "HarvlinkLog.txt");
+        EXPECT_EQ(log.substr(log.find(" Code") + 1), std::string(example.logged) + '\n');
+
+        // The thread goes on, with the setting that was not taken.
+        isBroken = false;
+        session.manager->AddPointToTrajectory(point, {}, {}, {});
+        sent = session.Sent(commands.size() + 3);
+        std::vector<unsigned> again;
+        std::ranges::transform(sent.begin() + failed + 3, sent.end(), std::back_inserter(again), CommandOf);
+        EXPECT_EQ(again, std::vector<unsigned>(commands.begin() + failed, commands.end()));
+    }
+}
+
+TEST(TrajectoryMonitor, EveryLostReplyIsAFailure) {
+    ScratchFolder const folder;
+    RunningSession session;
+    session.network->SetLogging(false);
+    ShortenTimeout(*session.network);
+    auto const isLost = [](int x) { return x % 20 == 7; };
+    session.controller.AnswerRest([&](Datagram const& datagram) {
+        return CommandOf(datagram) == target && isLost(AxisOf(datagram, 0)) ? Replies{} : Replies{{}};
+    });
+    Sequence expected;
+    for (int x = 0; x < 100; ++x) {
+        session.Add(x);
+        expected.emplace_back(target, x);
+        if (isLost(x)) {
+            expected.insert(expected.end(), {{alarm, 0}, {clear, 0}});
+            session.Sent(expected.size()); // what is added while the clear is under way waits for its end
+        }
+    }
+    EXPECT_EQ(Summary(session.Sent(expected.size())), expected);
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "HarvlinkLog.txt"));
+}
+
+TEST(TrajectoryMonitor, ManyThreadsAtOnce) {
+    MotionSession session;
+    session.controller.AnswerRest([](Datagram const&) { return Replies{{}}; });
+    MotionManager& manager = *session.manager;
+    auto const repeat = [](int times, auto action) {
+        return std::thread([=] {
+            for (int i = 1; i <= times; ++i) {
+                action(i);
+            }
+        });
+    };
+    auto const adder = [&](int axis) {
+        return repeat(300, [&manager, axis](int i) {
+            Motion point = Point(0);
+            point.position.axes[static_cast<std::size_t>(axis)] = i;
+            manager.AddPointToTrajectory(point, {}, {}, {});
+        });
+    };
+    std::thread threads[] = {
+        adder(1),
+        adder(2),
+        repeat(10, [&](int) { manager.ClearAllTrajectory(); }),
+        repeat(20, [&](int) { EXPECT_EQ(manager.MotionStart().StatusCode, 0); }),
+        repeat(10, [&](int i) { manager.MotionStop(i % 4 == 0); }),
+        repeat(50,
+               [&](int) {
+                   StatusInfo status;
+                   manager.GetMotionTargetProgress(ControlGroupId::R1, status);
+                   EXPECT_EQ(status.StatusCode, 0);
+               }),
+    };
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    session.manager.reset();
+    // A clear may take points away, but what is left of one thread's points stays in order and comes once.
+    for (std::size_t const axis : {1U, 2U}) {
+        int last = 0;
+        for (Datagram const& datagram : session.Sent()) {
+            if (CommandOf(datagram) == target && AxisOf(datagram, axis) != 0) {
+                EXPECT_GT(AxisOf(datagram, axis), last);
+                last = AxisOf(datagram, axis);
+            }
+        }
+    }
+}
+
+TEST(TrajectoryMonitor, ThousandPointsReachTheVirtualControllerOnceAndInOrder) {
+    constexpr std::size_t points = 1000;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<int> accepted;
+    std::atomic<int> refused = 0;
+    simulator::Server server;
+    auto const process = static_cast<unsigned>(::getpid());
+    std::string const address =
+        "127.8." + std::to_string(process / 250 % 250) + '.' + std::to_string(process % 250 + 1);
+    simulator::ControllerOptions options;
+    options.timeScale = 500.0;
+    auto& controller = server.Add(address, options);
+    server.SetObserver([&](auto const&, simulator::Request const& request, simulator::Reply const& reply) {
+        if (request.Command() != CommandNumber::MotionSendTarget) {
+            return;
+        }
+        if (reply.IsRefused()) {
+            refused += reply.Code() == simulator::Refusal{65520} ? 1 : 1000000;
+            return;
+        }
+        std::lock_guard const lock(mutex);
+        accepted.push_back(request.As<MotionTargetSend>().targets[0].axes[0]);
+        changed.notify_all();
+    });
+    ASSERT_TRUE(server.Start()) << server.Error();
+    controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
+
+    StatusInfo status;
+    NetworkManager network(address, 8000, 0, status);
+    MotionManager manager(&network);
+    for (std::size_t i = 0; i < points; ++i) {
+        ASSERT_EQ(manager.AddPointToTrajectory(Point(static_cast<double>(100 * (i % 7) + i)), {}, {}, {}).StatusCode,
+                  0);
+    }
+    ASSERT_EQ(manager.MotionStart().StatusCode, 0);
+    std::unique_lock lock(mutex);
+    ASSERT_TRUE(changed.wait_for(lock, std::chrono::seconds(50), [&] { return accepted.size() == points; }));
+    for (std::size_t i = 0; i < points; ++i) {
+        EXPECT_EQ(accepted[i], static_cast<int>(100 * (i % 7) + i));
+    }
+    EXPECT_GT(refused, 0) << "the buffer was never full";
+    EXPECT_LT(refused, 1000000);
+}
+
+} // namespace
+} // namespace harvlink::test
