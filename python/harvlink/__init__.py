@@ -1,0 +1,75 @@
+"""Harvlink: reads from and commands an industrial robot controller over Ethernet.
+
+    import harvlink
+
+    with harvlink.connect("127.0.0.1") as robot:
+        print(robot.state(), robot.position("R1"))
+        robot.variables.b[5] = 12
+"""
+
+from .connection import Robot, connect
+from .controller_state import OperatingTime, State, SystemInformation
+from .enums import (
+    AlarmCategory,
+    AxisAngle,
+    ControlGroupId,
+    ControlMode,
+    Conversion,
+    CoordinateType,
+    CycleMode,
+    ErrorCode,
+    FileType,
+    FlipOrNoFlip,
+    FrontOrBack,
+    IOType,
+    KinematicType,
+    MoveType,
+    SystemInfoId,
+    SystemParameterType,
+    TimeType,
+    UpperOrLower,
+)
+from .errors import Error, Note
+from .fault import Alarm
+from .frame_math import Frame, Pose, Vector
+from .job import Job
+from .motion_manager import Motion
+from .position import Figure, Position
+
+__version__ = "1.1.3"
+
+__all__ = [
+    "Alarm",
+    "AlarmCategory",
+    "AxisAngle",
+    "ControlGroupId",
+    "ControlMode",
+    "Conversion",
+    "CoordinateType",
+    "CycleMode",
+    "Error",
+    "ErrorCode",
+    "Figure",
+    "FileType",
+    "FlipOrNoFlip",
+    "Frame",
+    "FrontOrBack",
+    "IOType",
+    "Job",
+    "KinematicType",
+    "Motion",
+    "MoveType",
+    "Note",
+    "OperatingTime",
+    "Pose",
+    "Position",
+    "Robot",
+    "State",
+    "SystemInfoId",
+    "SystemInformation",
+    "SystemParameterType",
+    "TimeType",
+    "UpperOrLower",
+    "Vector",
+    "connect",
+]

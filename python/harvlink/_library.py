@@ -1,0 +1,70 @@
+"""Finds and loads the shared object, and calls its functions with arguments that fit."""
+
+import ctypes
+import functools
+import os
+import pathlib
+from typing import Any, Iterator, Sequence
+
+from ._prototypes import PROTOTYPES
+
+FILE_NAME = "libharvlink.so"
+_INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctypes.c_uint, ctypes.c_uint32)
+
+
+def exact(integer: Any, value: int) -> int:
+    """`value`, which must fit the C type: left to itself, the conversion would cut off its high bits."""
+    value = int(value)
+    if integer(value).value != value:
+        raise OverflowError(f"{value} does not fit {8 * ctypes.sizeof(integer)} bits")
+    return value
+
+
+def text_bytes(text: str) -> bytes:
+    """A text as it goes to the controller, one byte per character."""
+    if "\0" in text:
+        raise ValueError("a text must not hold zero bytes: it would end there")
+    return text.encode("latin-1")
+
+
+class Library:
+    """The functions of one shared object, by name."""
+
+    def __init__(self, path: str) -> None:
+        self.path = path
+        shared_object = ctypes.CDLL(path)
+        for name, (result, *arguments) in PROTOTYPES.items():
+            function = getattr(shared_object, name)
+            function.restype, function.argtypes = result, arguments
+            setattr(self, name, function)
+
+    def call(self, name: str, *arguments: Any) -> Any:
+        function = getattr(self, name)
+        return function(*_checked(function.argtypes, arguments))
+
+
+def _checked(types: Sequence[Any], arguments: Sequence[Any]) -> Iterator[Any]:
+    for expected, argument in zip(types, arguments):
+        yield exact(expected, argument) if expected in _INTEGERS else argument
+
+
+def candidates() -> Iterator[pathlib.Path]:
+    """Where the shared object may be: as told, beside the package, in the build folders of a checkout."""
+    if "HARVLINK_LIBRARY" in os.environ:
+        # Whoever names a library wants that one or none.
+        yield pathlib.Path(os.environ["HARVLINK_LIBRARY"])
+        return
+    package = pathlib.Path(__file__).resolve().parent
+    yield package / FILE_NAME
+    for build in ("build/release", "build/debug", "build"):
+        yield package.parents[1] / build / "src" / FILE_NAME
+
+
+@functools.lru_cache(maxsize=None)
+def load() -> Library:
+    """The library, loaded once. A missing one is an OSError."""
+    found = next((path for path in candidates() if path.is_file()), None)
+    if found is None and "HARVLINK_LIBRARY" in os.environ:
+        raise OSError(f"HARVLINK_LIBRARY names no file: {os.environ['HARVLINK_LIBRARY']}")
+    # The last resort is what the system's loader knows.
+    return Library(str(found or "libharvlink.so.1"))

@@ -1,0 +1,63 @@
+"""One open connection, guarded: it can be used by several threads and is closed once."""
+
+import contextlib
+import ctypes
+import threading
+from typing import Any, Iterator
+
+from ._library import Library, text_bytes
+from ._records import IStatusInfo
+from .errors import settle
+
+
+class Link:
+    def __init__(self, library: Library, address: str, timeout: float, retries: int) -> None:
+        self._library = library
+        self._idle = threading.Condition()
+        self._running = 0
+        self._handle = None
+        status = IStatusInfo()
+        handle = library.call(
+            "open_connection", text_bytes(address), ctypes.byref(status), round(timeout * 1000), retries
+        )
+        try:
+            settle(status)
+        except BaseException:
+            library.call("close_connection", handle)
+            raise
+        self._handle = handle
+
+    @property
+    def is_open(self) -> bool:
+        return self._handle is not None
+
+    def close(self) -> None:
+        """Waits for the operations of other threads, then ends the connection."""
+        with self._idle:
+            handle, self._handle = self._handle, None
+            self._idle.wait_for(lambda: self._running == 0)
+        if handle is not None:
+            self._library.call("close_connection", handle)
+
+    def call(self, name: str, *arguments: Any) -> Any:
+        """What the function returns, as it is: a status still has to be settled."""
+        with self._use() as handle:
+            return self._library.call(name, handle, *arguments)
+
+    def do(self, name: str, *arguments: Any) -> None:
+        """Calls a function that hands out no text but its status."""
+        settle(self.call(name, *arguments))
+
+    @contextlib.contextmanager
+    def _use(self) -> Iterator[Any]:
+        with self._idle:
+            if self._handle is None:
+                raise ValueError("the connection is closed")
+            handle = self._handle
+            self._running += 1
+        try:
+            yield handle
+        finally:
+            with self._idle:
+                self._running -= 1
+                self._idle.notify_all()

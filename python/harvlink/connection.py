@@ -1,0 +1,84 @@
+"""Opening a connection, and the object from which everything else is reached."""
+
+import warnings
+from types import TracebackType
+from typing import Optional, Type
+
+from ._library import load
+from ._link import Link
+from .control_commands import ControlCommands
+from .control_group import ControlGroups
+from .controller_state import ControllerState, State
+from .enums import CoordinateType, Group
+from .fault import Alarms
+from .file import Files
+from .io import IO
+from .job import Jobs
+from .kinematics import Kinematics
+from .motion_manager import MotionManager
+from .position import Position
+from .variables import Variables
+
+
+def connect(address: str, timeout: float = 0.5, retries: int = 3) -> "Robot":
+    """Opens a connection to the controller at an IPv4 address in dotted form.
+
+    An exchange waits at most (1 + retries) x timeout (seconds) for its answer; a request is never sent twice. Nothing
+    on the controller changes, except that newer ones drop motion targets that were not yet played.
+    """
+    return Robot(Link(load(), address, timeout, retries))
+
+
+class Robot:
+    """A connection to one controller, closed at the end of a `with` block. May be used by several threads at once.
+
+    Failed operations raise harvlink.Error; those that succeed with a reservation warn with harvlink.Note. After `close`
+    everything raises ValueError.
+    """
+
+    def __init__(self, link: Link) -> None:
+        self._link = link
+        self.controller = ControllerState(link)
+        self.groups = ControlGroups(link)
+        self.variables = Variables(link)
+        self.alarms = Alarms(link)
+        self.jobs = Jobs(link)
+        self.files = Files(link)
+        self.io = IO(link)
+        self.control = ControlCommands(link)
+        self.motion = MotionManager(link)
+        self.kinematics = Kinematics(link)
+
+    def state(self) -> State:
+        """Mode, running, hold, alarm and servo state at this moment."""
+        return self.controller.state()
+
+    def position(
+        self, group: Group = "R1", kind: CoordinateType = CoordinateType.PULSE, *, user_coordinate: int = 0, tool: int = 0
+    ) -> Position:
+        """Where a group stands now; see ControlGroups.position."""
+        return self.groups.position(group, kind, user_coordinate=user_coordinate, tool=tool)
+
+    def close(self) -> None:
+        """Ends the connection; a second time does nothing. Sends nothing: a robot in motion is not stopped.
+
+        Waits until queued points were sent, without a bound while the controller has no room for them:
+        `motion.stop(clear=True)` ends that.
+        """
+        self._link.close()
+
+    def __enter__(self) -> "Robot":
+        return self
+
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        error: Optional[BaseException],
+        traceback: Optional[TracebackType],
+    ) -> None:
+        self.close()
+
+    def __del__(self) -> None:
+        if self._link.is_open:
+            warnings.warn("a connection was never closed", ResourceWarning, source=self)
+            self.close()

@@ -1,0 +1,35 @@
+"""Switches of the controller. They act on a real machine, and need remote mode."""
+
+from ._library import text_bytes
+from ._link import Link
+from .enums import CycleMode
+
+# As the controller counts them.
+_ON = 1
+_OFF = 2
+
+
+class ControlCommands:
+    """After ErrorCode.RESPONSE_TIMEOUT it is not known whether a command took effect: read the state first."""
+
+    def __init__(self, link: Link) -> None:
+        self._link = link
+
+    def servos(self, on: bool) -> None:
+        """Turns servo power on or off. Waits up to four times the time-out."""
+        self._link.do("control_commands_interface_SetServos", _ON if on else _OFF)
+
+    def hold(self, on: bool) -> None:
+        """Holds what runs, or releases the hold."""
+        self._link.do("control_commands_interface_SetHold", _ON if on else _OFF)
+
+    def cycle(self, mode: CycleMode) -> None:
+        self._link.do("control_commands_interface_SetCycleMode", mode)
+
+    def display(self, text: str) -> None:
+        """Shows a line on the pendant, cut to 30 bytes."""
+        self._link.do("control_commands_interface_DisplayStringToPendant", text_bytes(text))
+
+    def start_job(self) -> None:
+        """Starts the job that `jobs.select` selected."""
+        self._link.do("control_commands_interface_StartJob")

@@ -1,0 +1,49 @@
+"""How operations fail, and how they tell of what a success left out."""
+
+import sys
+import warnings
+
+from ._records import IStatusInfo
+
+# What a success without a note says.
+PLAIN_SUCCESS = ("", "OK", "Point added to trajectory.")
+
+
+class Error(Exception):
+    """An operation failed. `code` says where from:
+
+    1 to 0xFFFF        the controller refused
+    0x10000 and up     the library refused or nobody answered, see ErrorCode
+    0x40000000 and up  a file on this computer failed, plus its error value
+    large negative     the controller refused: add 50000000 (motion), 60000000 (control group), 80000000 (job) or
+                       0x70000000 (conversion) to get its own number
+    """
+
+    def __init__(self, code: int, text: str) -> None:
+        super().__init__(code, text)
+        self.code = code
+        self.text = text
+
+    def __str__(self) -> str:
+        return f"{self.text} (code {self.code})"
+
+
+class Note(UserWarning):
+    """An operation succeeded with a reservation, such as a text that was cut."""
+
+
+def settle(status: IStatusInfo) -> None:
+    """Takes over a status: raises if it tells of a failure, warns if it tells of more than a success."""
+    text = status.Message.take()
+    if status.StatusCode != 0:
+        raise Error(status.StatusCode, text)
+    if text not in PLAIN_SUCCESS:
+        warnings.warn(text, Note, stacklevel=_frames_in_package())
+
+
+def _frames_in_package() -> int:
+    """How far up the caller's own line is, so that a warning points there."""
+    frame, level = sys._getframe(1), 1
+    while frame is not None and str(frame.f_globals.get("__name__")).split(".")[0] == __package__:
+        frame, level = frame.f_back, level + 1  # type: ignore[assignment]
+    return level

@@ -1,0 +1,67 @@
+"""The controller's file store. A transfer blocks until it is done; do one at a time."""
+
+import ctypes
+import os
+from typing import List, Union
+
+from . import _records
+from ._library import text_bytes
+from ._link import Link
+from .enums import FileType
+from .errors import settle
+
+Kind = Union[FileType, str]
+"""A kind of files by number or by extension, such as "JBI"."""
+
+Path = Union[str, "os.PathLike[str]"]
+
+
+def _kind_number(kind: Kind) -> int:
+    if not isinstance(kind, str):
+        return int(kind)
+    try:
+        return int(FileType[kind.upper().lstrip(".")])
+    except KeyError:
+        raise ValueError(f"{kind!r} is none of {', '.join(FileType.__members__)}") from None
+
+
+class Files:
+    def __init__(self, link: Link) -> None:
+        self._link = link
+
+    def list(self, kind: Kind, in_order: bool = True) -> List[str]:
+        """The names of the files of a kind, in byte order if `in_order`."""
+        status = _records.IStatusInfo()
+        names = self._link.call("file_interface_ListFiles", _kind_number(kind), ctypes.byref(status), in_order).take()
+        settle(status)
+        return names.split("\n")[:-1]
+
+    def count(self, kind: Kind) -> int:
+        count = ctypes.c_int()
+        self._link.do("file_interface_GetFileCount", _kind_number(kind), ctypes.byref(count))
+        return count.value
+
+    def get(self, name: str) -> str:
+        """A text file, with the controller's line ends. For files that hold zero bytes take `download`."""
+        status = _records.IStatusInfo()
+        text: str = self._link.call(
+            "file_interface_SaveFromControllerToString", text_bytes(name), ctypes.byref(status)
+        ).take()
+        settle(status)
+        return text
+
+    def put(self, name: str, text: str) -> None:
+        """Stores a text as a file; a job's "//NAME" line must name the file. The controller wants CR and LF."""
+        self._link.do("file_interface_LoadToControllerFromString", text_bytes(name), text_bytes(text))
+
+    def download(self, name: str, path: Path, overwrite: bool = False) -> None:
+        """Fetches a file and writes it to a path of this computer."""
+        self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), os.fsencode(path), bool(overwrite))
+
+    def upload(self, path: Path) -> None:
+        """Stores a file of this computer under its own name. Warns if a job does not show in the controller's list."""
+        self._link.do("file_interface_LoadToControllerFromPath", os.fsencode(path))
+
+    def delete(self, name: str) -> None:
+        """Deletes a job; ".JBI" may be left out."""
+        self._link.do("file_interface_DeleteJobFile", text_bytes(name))

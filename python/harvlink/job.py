@@ -1,0 +1,47 @@
+"""Which job runs, and which one a start will run."""
+
+import ctypes
+import dataclasses
+from typing import List
+
+from . import _records
+from ._library import text_bytes
+from ._link import Link
+from .errors import settle
+
+NO_JOB = "none"
+
+
+@dataclasses.dataclass(frozen=True)
+class Job:
+    """A job under way; `speed_override` in per cent. Without one the name is empty."""
+
+    name: str
+    line: int
+    step: int
+    speed_override: float
+
+
+class Jobs:
+    def __init__(self, link: Link) -> None:
+        self._link = link
+
+    def select(self, name: str, line: int = 0) -> None:
+        """Makes a job the one that `control.start_job` runs, from a line (0 to 9999) on. Any case, ".JBI" or not."""
+        self._link.do("job_interface_set_active_job", text_bytes(name), line)
+
+    def executing(self, task: int = 0) -> Job:
+        """The job that a task executes; task 0 is the master."""
+        record = _records.IJobData()
+        status = self._link.call("job_interface_get_executing_job_information", task, ctypes.byref(record))
+        job = Job(record.name.take(), record.line, record.stepNumber, record.speedOverride)
+        settle(status)
+        return job
+
+    def stack(self, task: int = 0) -> List[str]:
+        """The names of the jobs on a task's call stack, at most 12. Newer controllers only."""
+        record = _records.IJobStack()
+        status = self._link.call("job_interface_get_job_stack", task, ctypes.byref(record))
+        names = [getattr(record, field).take() for field, _ in record._fields_]
+        settle(status)
+        return [name for name in names if name != NO_JOB]

@@ -1,0 +1,92 @@
+"""The controller's numbered variables."""
+
+import ctypes
+from typing import Any
+
+from . import _records
+from ._library import exact, text_bytes
+from ._link import Link
+from .errors import settle
+from .position import Position, from_record, to_record
+
+
+class _Kind:
+    """The variables of one kind. Reading `kind[5]` and setting it is one exchange each; indexes go from 0 to 2048."""
+
+    def __init__(self, link: Link, name: str, record: Any) -> None:
+        self._link = link
+        self._name = name
+        self._record = record
+
+    def _read(self, index: int) -> Any:
+        record = self._record()
+        self._link.do(f"{self._name}_variable_interface_read", index, ctypes.byref(record))
+        return record
+
+    def _write(self, record: Any) -> None:
+        self._link.do(f"{self._name}_variable_interface_write", record)
+
+
+class Integers(_Kind):
+    """Whole numbers; one that the kind can't hold raises OverflowError."""
+
+    def __getitem__(self, index: int) -> int:
+        return int(self._read(index).value)
+
+    def __setitem__(self, index: int, value: int) -> None:
+        held = dict(self._record._fields_)["value"]
+        self._write(self._record(exact(held, value), exact(_records.c_uint16, index)))
+
+
+class Reals(_Kind):
+    """Numbers of single precision."""
+
+    def __getitem__(self, index: int) -> float:
+        return float(self._read(index).value)
+
+    def __setitem__(self, index: int, value: float) -> None:
+        self._write(self._record(value, exact(_records.c_uint16, index)))
+
+
+class Texts(_Kind):
+    """Texts of at most 32 bytes; a longer one is cut, with a warning."""
+
+    def __getitem__(self, index: int) -> str:
+        record = self._record()
+        status = self._link.call(f"{self._name}_variable_interface_read", index, ctypes.byref(record))
+        text: str = record.value.take()
+        settle(status)
+        return text
+
+    def __setitem__(self, index: int, text: str) -> None:
+        record = _records.StringToWrite(text_bytes(text), exact(_records.c_uint16, index))
+        self._write(ctypes.cast(ctypes.byref(record), ctypes.POINTER(self._record)))
+
+
+class Positions(_Kind):
+    """Positions of the kind's groups."""
+
+    def __getitem__(self, index: int) -> Position:
+        return from_record(self._read(index).positionData)
+
+    def __setitem__(self, index: int, position: Position) -> None:
+        self._write(ctypes.byref(self._record(to_record(position), exact(_records.c_uint16, index))))
+
+
+class Variables:
+    """The kinds by the letters of the controller.
+
+    b: 0 to 255. i: 16 bits with sign. d: 32 bits with sign. r: single precision. s: texts of 32 bytes.
+    p: positions of a robot. bp: positions of a base axis, written in millimetres whatever their type. ex: positions of
+    a station, written in pulses.
+    """
+
+    def __init__(self, link: Link) -> None:
+        self.b = Integers(link, "byte", _records.ByteVariableData)
+        self.i = Integers(link, "integer", _records.IntegerVariableData)
+        self.d = Integers(link, "double_int", _records.DoubleIntVariableData)
+        self.r = Reals(link, "real", _records.RealVariableData)
+        self.s = Texts(link, "string", _records.IStringVariableData)
+        self.p = Positions(link, "robot_position", _records.RobotPositionVariableData)
+        self.bp = Positions(link, "base_position", _records.BaseAxisPositionVariableData)
+        self.ex = Positions(link, "station_position", _records.StationPositionVariableData)
