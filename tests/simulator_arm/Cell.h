@@ -1,8 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "controller/ControlGroupMessages.h"
 #include "motion/MotionMessages.h"
@@ -14,7 +18,7 @@ namespace harvlink::test {
 class Cell {
 public:
     explicit Cell(std::vector<simulator::ControlGroup> groups = {{ControlGroupId::R1, 6}})
-        : controller("127.0.0.1", {.groups = std::move(groups), .filesFolder = {}, .timeScale = 0.0}) {
+        : controller("127.0.0.1", Options(std::move(groups))) {
         controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
     }
 
@@ -86,6 +90,13 @@ public:
     simulator::VirtualController controller;
 
 private:
+    static simulator::ControllerOptions Options(std::vector<simulator::ControlGroup> groups) {
+        simulator::ControllerOptions options;
+        options.groups = std::move(groups);
+        options.timeScale = 0.0;
+        return options;
+    }
+
     simulator::Reply reply_;
 };
 
