@@ -1,7 +1,6 @@
 #include "support/ScriptedController.h"
 
 #include <array>
-#include <atomic>
 #include <stdexcept>
 
 #include <arpa/inet.h>
@@ -10,24 +9,19 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "support/LoopbackAddress.h"
+
 namespace harvlink::test {
 namespace {
 
 constexpr unsigned longTimeout = 8192;
 constexpr auto patience = std::chrono::seconds(10);
 
-/// Scatters processes and their controllers over 127.16.0.0 to 127.255.255.255, away from addresses written by hand.
-std::uint32_t NextHostAddress() {
-    static std::atomic<std::uint32_t> counter = 0;
-    std::uint32_t const scattered = (static_cast<std::uint32_t>(::getpid()) * 64 + counter++) * 2654435761U;
-    return 0x7f100000U + scattered % 0xefff00U;
-}
-
-int BoundSocket(std::uint32_t hostAddress, std::uint16_t port) {
+int BoundSocket(std::string const& address, std::uint16_t port) {
     sockaddr_in endpoint{};
     endpoint.sin_family = AF_INET;
     endpoint.sin_port = htons(port);
-    endpoint.sin_addr.s_addr = htonl(hostAddress);
+    ::inet_pton(AF_INET, address.c_str(), &endpoint.sin_addr);
     int const descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (::bind(descriptor, reinterpret_cast<sockaddr const*>(&endpoint), sizeof(endpoint)) != 0) {
         ::close(descriptor);
@@ -36,36 +30,33 @@ int BoundSocket(std::uint32_t hostAddress, std::uint16_t port) {
     return descriptor;
 }
 
-void CloseIfOpen(int descriptor) {
+void Release(int& descriptor) {
     if (descriptor >= 0) {
         ::close(descriptor);
     }
+    descriptor = -1;
 }
 
 } // namespace
 
 ScriptedController::ScriptedController() : stopEvent(::eventfd(0, EFD_CLOEXEC)) {
-    int attempts = 1000;
-    while (!Bind(NextHostAddress())) {
-        if (--attempts == 0) {
+    for (int attempt = 0; robot.descriptor < 0; ++attempt) {
+        if (attempt == 1000) {
             throw std::runtime_error("no free loopback address");
         }
+        Bind(NextLoopbackAddress());
     }
     thread = std::thread([this] { Serve(); });
 }
 
-bool ScriptedController::Bind(std::uint32_t hostAddress) {
-    robot = {BoundSocket(hostAddress, 10040), 10040, {}};
-    file = {BoundSocket(hostAddress, 10041), 10041, {}};
+void ScriptedController::Bind(std::string const& candidate) {
+    address = candidate;
+    robot = {BoundSocket(address, 10040), 10040, {}};
+    file = {BoundSocket(address, 10041), 10041, {}};
     if (robot.descriptor < 0 || file.descriptor < 0) {
-        CloseIfOpen(robot.descriptor);
-        CloseIfOpen(file.descriptor);
-        return false;
+        Release(robot.descriptor);
+        Release(file.descriptor);
     }
-    in_addr const networkOrder{htonl(hostAddress)};
-    std::array<char, INET_ADDRSTRLEN> text{};
-    address = ::inet_ntop(AF_INET, &networkOrder, text.data(), text.size());
-    return true;
 }
 
 ScriptedController::~ScriptedController() {
@@ -78,8 +69,8 @@ ScriptedController::~ScriptedController() {
     (void)!::write(stopEvent, &one, sizeof(one));
     thread.join();
     EXPECT_FALSE(HasPending()) << "a datagram was never read";
-    for (int const descriptor : {robot.descriptor, file.descriptor, stopEvent}) {
-        ::close(descriptor);
+    for (int* const descriptor : {&robot.descriptor, &file.descriptor, &stopEvent}) {
+        Release(*descriptor);
     }
 }
 
@@ -117,15 +108,16 @@ std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view sof
     return manager;
 }
 
-/// Datagrams that arrived before the stop are served before it.
+/// Datagrams that arrived before the stop are served before it. The file port goes first: the end of a transfer is the
+/// one datagram that nobody waits for, so what lies on the other port came later.
 void ScriptedController::Serve() {
     std::array<pollfd, 3> events{{{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}, {stopEvent, POLLIN, 0}}};
     while (::poll(events.data(), events.size(), -1) > 0) {
-        if (events[0].revents != 0) {
-            ReadFrom(robot, file);
-        } else if (events[1].revents != 0) {
+        if (events[1].revents != 0) {
             ReadFrom(file, robot);
-        } else {
+        } else if (events[0].revents != 0) {
+            ReadFrom(robot, file);
+        } else if (!HasPending()) {
             return;
         }
     }

@@ -89,7 +89,7 @@ private:
         Replies replies;
     };
 
-    bool Bind(std::uint32_t hostAddress);
+    void Bind(std::string const& candidate);
     void Serve();
     void ReadFrom(Port& port, Port& other);
     Replies RepliesTo(Datagram const& datagram);

@@ -1,0 +1,171 @@
+#include <chrono>
+
+#include "files/FileSession.h"
+#include "simulator/Server.h"
+#include "support/LoopbackAddress.h"
+
+namespace harvlink::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr auto settlingTime = std::chrono::seconds(3);
+
+std::string Pattern(std::size_t length) {
+    std::string text(length, '\0');
+    for (std::size_t i = 0; i < length; ++i) {
+        text[i] = static_cast<char>('!' + i % 89);
+    }
+    return text;
+}
+
+class FileTransfer : public FileSession {};
+
+TEST_F(FileTransfer, SaveTraceOf600Bytes) {
+    std::string const file = Pattern(600);
+    controller.Expect(FileRequest(saveFile, Text("TEST.JBI")), Block(1, file.substr(0, 479)));
+    ExpectAcknowledgement(saveFile, 1, {Block(lastBlock + 2, file.substr(479))});
+    ExpectAcknowledgement(saveFile, lastBlock + 2);
+    EXPECT_EQ(files.SaveFromControllerToString("TEST.JBI", text).StatusCode, 0);
+    EXPECT_EQ(text, file);
+    controller.Received(4);
+    ExpectOneIdSince(1);
+}
+
+TEST_F(FileTransfer, ReceivedBlocksAreEchoedAndCutAtZeroBytes) {
+    controller.Expect(FileRequest(saveFile, Text("a.dat")), Block(7, std::string("seven\0lost", 10)));
+    ExpectAcknowledgement(saveFile, 7, {Block(3, "")});
+    ExpectAcknowledgement(saveFile, 3, {Block(3, " three")});
+    ExpectAcknowledgement(saveFile, 3, {Reply{.payload = Bytes(600, 'x'), .block = lastBlock + 9}}); // cut at 479
+    ExpectAcknowledgement(saveFile, lastBlock + 9);
+    EXPECT_EQ(files.SaveFromControllerToString("a.dat", text).StatusCode, 0);
+    EXPECT_EQ(text, "seven three" + std::string(479, 'x'));
+}
+
+TEST_F(FileTransfer, SaveThatFailsKeepsWhatHadArrived) {
+    controller.Expect(FileRequest(saveFile, Text("A.DAT")), Refusal(58035));
+    EXPECT_EQ(files.SaveFromControllerToString("A.DAT", text).Message, "File not found");
+    EXPECT_EQ(text, "");
+    controller.Expect(FileRequest(saveFile, Text("A.DAT")), Refusal(58014));
+    EXPECT_EQ(files.SaveFromControllerToString("A.DAT", text).Message, "File is not writable.");
+
+    controller.Expect(FileRequest(saveFile, Text("A.DAT")), Block(1, "first"));
+    ExpectAcknowledgement(saveFile, 1, {Refusal(57995)});
+    EXPECT_EQ(files.SaveFromControllerToString("A.DAT", text).StatusCode, 57995);
+    EXPECT_EQ(text, "first");
+
+    // Silence in the middle: the packet that is used again is no answer. Nor is a stale last block.
+    Hurry(*manager);
+    for (Replies const& replies : {Replies{}, Replies{Reply{.block = lastBlock + 2, .staleBy = 1}}}) {
+        controller.Expect(FileRequest(saveFile, Text("A.DAT")), Block(1, "first"));
+        ExpectAcknowledgement(saveFile, 1, replies);
+        EXPECT_EQ(files.SaveFromControllerToString("A.DAT", text).StatusCode, 0x30006);
+        EXPECT_EQ(text, "first");
+    }
+    controller.Expect(FileRequest(saveFile, Text("A.DAT")), Replies{});
+    EXPECT_EQ(files.SaveFromControllerToString("A.DAT", text).StatusCode, 0x30006);
+    EXPECT_EQ(text, "");
+}
+
+TEST_F(FileTransfer, TransferUnderIdZeroEndsInSilenceToo) {
+    OutgoingPacket<NoPayload> request;
+    IncomingPacket<NoPayload> reply;
+    controller.AnswerRest([](Datagram const&) { return Replies{{}}; });
+    for (int id = 2; id <= 127; ++id) {
+        manager->SendAndReceive(request, reply, {}, true);
+    }
+    Hurry(*manager);
+    controller.Expect(FileRequest(saveFile, Text("A.DAT")), Replies{}); // counts as an empty block 0
+    ExpectAcknowledgement(saveFile, 0);
+    EXPECT_EQ(files.SaveFromControllerToString("A.DAT", text).StatusCode, 0x30006);
+    EXPECT_EQ(controller.Received(129).back().Id(), 0);
+}
+
+TEST_F(FileTransfer, TextIsCutWithoutAnExtraBlock) {
+    for (std::size_t const length : {0U, 1U, 478U, 479U, 480U, 958U, 959U}) {
+        std::string const content = Pattern(length);
+        std::vector<std::string> blocks;
+        for (std::size_t first = 0; first < length; first += 479) {
+            blocks.push_back(content.substr(first, 479));
+        }
+        std::size_t const before = controller.Received().size();
+        ExpectLoad("TEST.DAT", blocks);
+        EXPECT_EQ(files.LoadToControllerFromString("Test.dat", content).StatusCode, 0) << length;
+        EXPECT_EQ(controller.Received().size(), before + 1 + blocks.size());
+        ExpectOneIdSince(before);
+    }
+}
+
+TEST_F(FileTransfer, StreamOfAMultipleEndsInAnEmptyBlock) {
+    for (std::size_t const length : {0U, 1U, 478U, 479U, 480U, 600U, 958U}) {
+        std::string const content = Pattern(length);
+        std::vector<std::string> blocks;
+        for (std::size_t first = 0; first <= length; first += 479) {
+            blocks.push_back(content.substr(first, 479));
+        }
+        WriteFile("test.dat", content);
+        ExpectLoad("TEST.DAT", blocks);
+        EXPECT_EQ(files.LoadToControllerFromPath("./test.dat").StatusCode, 0) << length;
+    }
+}
+
+TEST_F(FileTransfer, LoadIsAbandonedAtTheFirstRefusal) {
+    auto const start = Clock::now();
+    Bytes const request = FileRequest(loadFile, Text("A.CND"));
+    controller.Expect(request, Refusal(58014));
+    EXPECT_EQ(files.LoadToControllerFromString("a.cnd", Pattern(600)).Message, "File is not writable.");
+    controller.Expect(request);
+    controller.Expect(FileRequest(loadFile, Text(Pattern(479)), 1, 1), Refusal(57996));
+    EXPECT_EQ(files.LoadToControllerFromString("a.cnd", Pattern(600)).StatusCode, 57996);
+    Hurry(*manager);
+    controller.Expect(request);
+    controller.Expect(FileRequest(loadFile, Text(Pattern(479)), 1, 1), Replies{});
+    EXPECT_EQ(files.LoadToControllerFromString("a.cnd", Pattern(600)).StatusCode, 0x30006);
+    EXPECT_LT(Clock::now() - start, settlingTime);
+}
+
+TEST_F(FileTransfer, SettlesAfterARefusedWrite) {
+    controller.Expect(FileRequest(loadFile, Text("A.CND")));
+    controller.Expect(FileRequest(loadFile, Text("x", 479), 1, lastBlock + 1), Refusal(58014));
+    auto const start = Clock::now();
+    StatusInfo const status = files.LoadToControllerFromString("a.cnd", "x");
+    EXPECT_GE(Clock::now() - start, settlingTime);
+    EXPECT_EQ(status.StatusCode, 58014);
+    EXPECT_EQ(status.Message, "File is not writable.");
+}
+
+TEST_F(FileTransfer, SettlesAfterAToolFile) {
+    ExpectLoad("TOOL.CND", {"//TOOL 0"});
+    auto const start = Clock::now();
+    EXPECT_EQ(files.LoadToControllerFromString("Tool.cnd", "//TOOL 0").StatusCode, 0);
+    EXPECT_GE(Clock::now() - start, settlingTime);
+}
+
+TEST(FileTransferAtLength, AMebibyteEachWay) {
+    std::unique_ptr<simulator::Server> server;
+    std::string address;
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        server = std::make_unique<simulator::Server>();
+        address = NextLoopbackAddress();
+        server->Add(address);
+        if (server->Start()) {
+            break;
+        }
+    }
+    StatusInfo status;
+    NetworkManager manager(address, 8000, 0, status);
+    ASSERT_EQ(status.StatusCode, 0);
+    FileHandler files(&manager);
+    std::string const content = Pattern(1 << 20);
+    std::string back;
+    EXPECT_EQ(files.LoadToControllerFromString("LONG.DAT", content).StatusCode, 0);
+    EXPECT_EQ(files.SaveFromControllerToString("LONG.DAT", back).StatusCode, 0);
+    EXPECT_TRUE(back == content);
+    ScratchFolder const folder;
+    WriteFile("path.dat", content);
+    EXPECT_EQ(files.LoadToControllerFromPath("path.dat").StatusCode, 0);
+    EXPECT_EQ(files.SaveFromControllerToFile("PATH.DAT", "back.dat", false).StatusCode, 0);
+    EXPECT_TRUE(ContentOf("back.dat") == content);
+}
+
+} // namespace
+} // namespace harvlink::test
