@@ -36,7 +36,7 @@ static bool show_state(void) {
     }
     /* The texts are filled after a failure too. */
     bool const ok = succeeded("read system information",
-                              controller_state_interface_read_system_information(controller, 11, &robot));
+                              controller_state_interface_read_system_information(controller, HARVLINK_INFO_ROBOT(1), &robot));
     printf("%s, software %s, servo %s\n", robot.modelName, robot.softwareVersion, state.isServoOn ? "on" : "off");
     free(robot.modelName);
     free(robot.softwareVersion);

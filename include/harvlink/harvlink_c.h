@@ -75,9 +75,24 @@ enum { HARVLINK_STEP = 0, HARVLINK_CYCLE = 1, HARVLINK_AUTOMATIC = 2 };
 typedef int32_t ControlMode;
 enum { HARVLINK_TEACH = 0, HARVLINK_PLAY = 1, HARVLINK_REMOTE = 2 };
 
-typedef int32_t SystemInfoId; /**< 11 to 18 robots, 21 up stations, 101 up applications */
-typedef int32_t ApplicationNumber;
-typedef int32_t SystemParameterType; /**< 0, 5 and 6 belong to a group */
+typedef int32_t SystemInfoId;
+#define HARVLINK_INFO_ROBOT(n) ((n) + 10)
+#define HARVLINK_INFO_STATION(n) ((n) + 20)
+#define HARVLINK_INFO_APPLICATION(n) ((n) + 100)
+
+typedef int32_t ApplicationNumber; /**< 1 to 8, 0 for none */
+
+typedef int32_t SystemParameterType;
+enum {
+    HARVLINK_S1C = 0, /**< per group */
+    HARVLINK_S2C = 1,
+    HARVLINK_S3C = 2,
+    HARVLINK_S4C = 3,
+    HARVLINK_RS = 4,
+    HARVLINK_S1E = 5, /**< per group */
+    HARVLINK_S2E = 6, /**< per group */
+    HARVLINK_MOTION_SLOT = 11
+};
 
 typedef int32_t TimeType;
 enum {
@@ -103,7 +118,7 @@ enum {
     HARVLINK_ALARM_OFFLINE = 4000
 };
 
-typedef int32_t TesselTaskNumber; /**< from 0 */
+typedef int32_t TesselTaskNumber; /**< 0 for the master task, 1 to 7 for the others */
 
 typedef int32_t FileType;
 enum {
