@@ -15,7 +15,8 @@ constexpr int MostSteps = 64;
 
 int StepsOf(CartesianPath const& tip) {
     double const steps = std::ceil(std::max(tip.Length() / StepLength, tip.Degrees() / StepDegrees));
-    return static_cast<int>(std::clamp(steps, 1.0, double{MostSteps}));
+    // A tool or a user coordinate may hold anything: what is not a number counts as too many.
+    return steps < MostSteps ? std::max(1, static_cast<int>(steps)) : MostSteps;
 }
 
 } // namespace
