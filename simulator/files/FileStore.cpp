@@ -25,6 +25,19 @@ bool IsJob(std::string_view name) {
     return FileTypeOf(name) == FileType::JobFile;
 }
 
+std::string WithFullLineEnds(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    std::size_t taken = 0;
+    for (auto at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1)) {
+        if (at == 0 || text[at - 1] != '\r') {
+            result.append(text, taken, at - taken).append("\r");
+            taken = at;
+        }
+    }
+    return result.append(text, taken);
+}
+
 } // namespace
 
 FileStore::FileStore(ControllerModel& model) : model_(model), folder_(model.options.filesFolder) {
@@ -36,9 +49,9 @@ FileStore::FileStore(ControllerModel& model) : model_(model), folder_(model.opti
     }
 }
 
-Refusal FileStore::Put(std::string_view name, std::string content) {
+Refusal FileStore::Put(std::string_view name, std::string_view content) {
     auto const stored = FileNameFrom(name);
-    return stored ? Keep(*stored, std::move(content)) : FileRefusal::NoSuchFile;
+    return stored ? Keep(*stored, WithFullLineEnds(content)) : FileRefusal::NoSuchFile;
 }
 
 Refusal FileStore::Keep(std::string const& name, std::string content) {

@@ -36,9 +36,9 @@ public:
     /// Why the folder can't be served; empty if all is well.
     std::string const& FolderError() const { return folder_.Error(); }
 
-    /// Puts a file in place, of any kind and whatever it holds, replacing one of the same name. Used by scene files. Never
-    /// changes the folder. Refuses a bad name and what goes beyond the limits.
-    Refusal Put(std::string_view name, std::string content);
+    /// Puts a file in place, of any kind and whatever it says, replacing one of the same name; lone line feeds become
+    /// CR LF. Used by scene files. Never changes the folder. Refuses a bad name and what goes beyond the limits.
+    Refusal Put(std::string_view name, std::string_view content);
 
     /// Null if there is no such file.
     FileText Read(std::string_view name) const;
