@@ -36,12 +36,26 @@ public:
         auto const known = lists_.find(type);
         if (known == lists_.end()) {
             status = files_.ListFiles(type, names, true);
-            lists_.emplace(type, names);
+            if (status.StatusCode == 0) {
+                lists_.emplace(type, names);
+            }
         } else {
             names = known->second;
         }
         return status;
     }
+
+    /// Whether there is such a file, in any case of its name.
+    StatusInfo Contains(FileType type, std::string const& name, bool& contains) {
+        TextList names;
+        StatusInfo status = List(type, names);
+        contains = std::any_of(names.begin(), names.end(),
+                               [&](std::string const& other) { return LowerCase(other) == LowerCase(name); });
+        return status;
+    }
+
+    /// A file was stored since it was listed.
+    void Note(FileType type, std::string const& name) { lists_[type].push_back(name); }
 
     /// The names that fit any of the globs, each once. A name without wildcards needs no listing.
     StatusInfo Find(TextList const& globs, TextList& found) {
@@ -109,8 +123,11 @@ public:
         std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start_;
         std::size_t const failed = wanted - done_;
         if (output_.json) {
-            output_.Show(Json{
-                {"files", rows_}, {verb_, done_}, {"failed", failed}, {"bytes", bytes_}, {"seconds", elapsed.count()}});
+            output_.Show(Json{{"files", rows_},
+                              {verb_, done_},
+                              {"failed", failed},
+                              {"bytes", bytes_},
+                              {"seconds", RoundToMilli(elapsed.count())}});
         } else {
             output_.console().out << fmt::format("{} of {} files {}, {} bytes in {:.1f} s\n", done_, wanted, verb_,
                                                  bytes_, elapsed.count());
@@ -227,24 +244,29 @@ void AddGet(CLI::App& family, Session& session) {
     });
 }
 
-// A load replaces what is there, so the controller is asked first what it has.
+StatusInfo Load(QuorvanController& robot, Output& output, filesystem::path const& path) {
+    TransferDisplay const display(output, "Storing " + Printable(path.filename().string()));
+    return robot.Files->LoadToControllerFromPath(path.string());
+}
+
+// A load replaces what is there, so the controller is asked first what it has. A name that the library will refuse needs
+// no asking.
 StatusInfo Store(QuorvanController& robot, Output& output, RemoteFiles& remote, filesystem::path const& path,
                  bool force) {
     std::string const name = path.filename().string();
-    std::vector<FileType> const kinds = IsGlob(name) ? std::vector<FileType>{} : KindsOf(name);
-    if (!force && kinds.size() == 1 && name.find('.') != std::string::npos) {
-        TextList existing;
-        StatusInfo status = remote.List(kinds.front(), existing);
-        if (status.StatusCode != 0) {
-            return status;
-        }
-        if (std::any_of(existing.begin(), existing.end(),
-                        [&](std::string const& other) { return LowerCase(other) == LowerCase(name); })) {
-            return StatusInformation(ErrorStatusCodes::FileExistsNoOverwrite);
-        }
+    std::vector<FileType> const kinds = path.has_extension() && !IsGlob(name) ? KindsOf(name) : std::vector<FileType>{};
+    if (force || kinds.size() != 1) {
+        return Load(robot, output, path);
     }
-    TransferDisplay const display(output, "Storing " + Printable(name));
-    return robot.Files->LoadToControllerFromPath(path.string());
+    bool exists = false;
+    StatusInfo status = remote.Contains(kinds.front(), name, exists);
+    if (status.StatusCode == 0) {
+        status = exists ? StatusInformation(ErrorStatusCodes::FileExistsNoOverwrite) : Load(robot, output, path);
+    }
+    if (status.StatusCode == 0) {
+        remote.Note(kinds.front(), name);
+    }
+    return status;
 }
 
 StatusInfo PutFiles(QuorvanController& robot, Output& output, TextList const& paths, bool force) {

@@ -123,7 +123,7 @@ std::string Fields(Json const& record, bool bold) {
     }
     std::string lines;
     for (auto const& [label, text] : fields) {
-        lines += fmt::format("{:<{}}{}{}\n", label, width, Gap, text);
+        lines += (text.empty() ? label : fmt::format("{:<{}}{}{}", label, width, Gap, text)) + "\n";
     }
     for (auto const& [key, value] : record.items()) {
         if (IsTable(value)) {

@@ -19,6 +19,10 @@ std::string Printable(std::string_view text) {
     return printable;
 }
 
+double RoundToMilli(double value) {
+    return std::round(value * 1000.0) / 1000.0;
+}
+
 std::string_view TrimBlanks(std::string_view text) {
     constexpr std::string_view Blanks = " \t\r";
     std::size_t const first = text.find_first_not_of(Blanks);

@@ -23,6 +23,8 @@ std::string TrimField(std::string_view field);
 /// The text with control characters replaced, so that what a controller stores can't steer the user's terminal.
 std::string Printable(std::string_view text);
 
+double RoundToMilli(double value);
+
 std::string_view TrimBlanks(std::string_view text);
 std::string LowerCase(std::string_view text);
 std::vector<std::string_view> Split(std::string_view text, char separator);

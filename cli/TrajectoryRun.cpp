@@ -1,5 +1,6 @@
 #include "TrajectoryRun.h"
 
+#include <algorithm>
 #include <chrono>
 #include <ostream>
 #include <string>
@@ -21,7 +22,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds PollInterval{50};
-constexpr int BarWidth = 24;
+constexpr int BarWidth = 20;
+constexpr std::size_t LongestLine = 79;
 constexpr char const* EraseLine = "\r\x1b[K";
 
 /// The way of the group that the last point moves, as far as it is told in that point's coordinates.
@@ -73,6 +75,15 @@ public:
         return status;
     }
 
+    void ShowResult() {
+        std::chrono::duration<double> const elapsed = Clock::now() - start_;
+        Json document{{"points", trajectory_.size()},
+                      {"seconds", RoundToMilli(elapsed.count())},
+                      {"group", GroupName(path_.last.controlGroup)}};
+        document.update(PositionJson(position_));
+        output_.Show(document);
+    }
+
 private:
     StatusInfo ReadPosition() {
         PositionData const& wanted = path_.last.position;
@@ -91,7 +102,9 @@ private:
                 return status;
             }
         }
-        return robot_.MotionManager->MotionStart();
+        StatusInfo status = robot_.MotionManager->MotionStart();
+        isStarted_ = status.StatusCode == 0;
+        return status;
     }
 
     StatusInfo Follow(Interrupt const& interrupt, PathProgress& progress) {
@@ -148,7 +161,11 @@ private:
 
     // Clearing empties the library's queue even if the controller no longer answers.
     void Abandon() {
-        if (robot_.MotionManager->MotionStop(true).StatusCode != 0) {
+        StatusInfo const stopped = isStarted_ ? robot_.MotionManager->MotionStop(true) : StatusInfo{};
+        if (stopped.StatusCode != 0) {
+            output_.Failure(stopped, "the machine may still move, its stop failed");
+        }
+        if (!isStarted_ || stopped.StatusCode != 0) {
             robot_.MotionManager->ClearAllTrajectory();
         }
     }
@@ -159,12 +176,19 @@ private:
         }
         int const filled = static_cast<int>(fraction * BarWidth);
         std::chrono::duration<double> const elapsed = Clock::now() - start_;
-        double const left = fraction > 0.02 ? elapsed.count() / fraction - elapsed.count() : 0.0;
-        output_.console().err << fmt::format("{}[{:#<{}}{:-<{}}] {:3.0f} %  {:.0f} s left{}  {}", EraseLine, "", filled,
-                                             "", BarWidth - filled, fraction * 100.0, left, isHeld_ ? "  held" : "",
-                                             FormatPosition(position_))
-                              << std::flush;
+        std::string const left =
+            fraction > 0.02 ? fmt::format("{:.0f}", elapsed.count() / fraction - elapsed.count()) : "?";
+        std::string line = fmt::format("[{:#<{}}{:-<{}}] {:3.0f} %  {} s left{}  {}", "", filled, "", BarWidth - filled,
+                                       fraction * 100.0, left, isHeld_ ? "  held" : "", Axes());
+        // A line that wraps could not be erased.
+        line.resize(std::min(line.size(), LongestLine));
+        output_.console().err << EraseLine << line << std::flush;
         isBarShown_ = true;
+    }
+
+    std::string Axes() const {
+        std::string const position = FormatPosition(position_);
+        return position.substr(0, position.find(",tool=")).substr(0, position.find(",figure="));
     }
 
     void EndBar() {
@@ -180,18 +204,9 @@ private:
     FollowedPath path_;
     PositionData position_;
     Clock::time_point start_;
+    bool isStarted_ = false;
     bool isHeld_ = false;
     bool isBarShown_ = false;
-
-public:
-    void ShowResult() {
-        std::chrono::duration<double> const elapsed = Clock::now() - start_;
-        Json document{{"points", trajectory_.size()},
-                      {"seconds", elapsed.count()},
-                      {"group", GroupName(path_.last.controlGroup)}};
-        document.update(PositionJson(position_));
-        output_.Show(document);
-    }
 };
 
 } // namespace

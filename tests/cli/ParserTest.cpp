@@ -1,0 +1,250 @@
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Csv.h"
+#include "FileNames.h"
+#include "InputError.h"
+#include "PositionText.h"
+#include "SignalText.h"
+#include "Text.h"
+#include "TrajectoryFile.h"
+#include "VariableFile.h"
+#include "VariableText.h"
+
+namespace harvlink::cli {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+std::string Join(Texts const& texts) {
+    std::string joined;
+    for (std::string const& text : texts) {
+        joined += (joined.empty() ? "" : "|") + text;
+    }
+    return joined;
+}
+
+/// What `parse` makes of a text, or "error" if it refuses it.
+std::string Outcome(std::function<std::string(std::string const&)> const& parse, std::string const& text) {
+    try {
+        return parse(text);
+    } catch (InputError const&) {
+        return "error";
+    }
+}
+
+struct Row {
+    char const* description;
+    std::function<std::string(std::string const&)> parse;
+    std::string text;
+    std::string outcome;
+};
+
+std::string Group(std::string const& text) {
+    return GroupName(ParseGroup(text));
+}
+std::string Position(std::string const& text) {
+    return FormatPosition(ParsePosition(text));
+}
+std::string ShortPosition(std::string const& text) {
+    return FormatPosition(ParsePosition(text, 1));
+}
+std::string Byte(std::string const& text) {
+    return std::to_string(ParseNumber<std::uint8_t>(text, "byte"));
+}
+std::string Double(std::string const& text) {
+    return fmt::format("{}", ParseNumber<double>(text, "number"));
+}
+std::string Range(std::string const& text) {
+    Texts names;
+    for (VariableAddress const address : ParseVariableRange(text)) {
+        names.push_back(VariableName(address));
+    }
+    return Join(names);
+}
+std::string Assignment(std::string const& text) {
+    Texts assignments;
+    for (VariableAssignment const& assignment : ParseVariableAssignment(text)) {
+        assignments.push_back(VariableName(assignment.address) + "=" + FormatVariableValue(assignment.value));
+    }
+    return Join(assignments);
+}
+std::string SignalOf(std::string const& text) {
+    SignalName const name = ParseSignal(text);
+    return name.address
+               ? std::to_string(*name.address)
+               : fmt::format("{}:{}.{}", static_cast<int>(name.type), name.group, name.bit ? int{*name.bit} : -1);
+}
+std::string Kinds(std::string const& text) {
+    Texts kinds;
+    for (FileType const type : KindsOf(text)) {
+        kinds.push_back(ExtensionOf(type));
+    }
+    return Join(kinds);
+}
+std::string Cells(std::string const& text) {
+    std::string rows;
+    for (CsvRow const& row : ParseCsv("f", text)) {
+        rows += fmt::format("{}:{};", row.line, Join(row.cells));
+    }
+    return rows;
+}
+
+TEST(Parser, UnderstandsAndRefuses) {
+    std::string const eight = "base:1.5,-2,3,180,0,1e-3,7,8";
+    std::vector<Row> const rows{
+        {"group", Group, "r1", "R1"},
+        {"last groups", Group, "B8", "B8"},
+        {"station", Group, "s24", "S24"},
+        {"no such robot", Group, "R9", "error"},
+        {"no such station", Group, "S25", "error"},
+        {"group zero", Group, "R0", "error"},
+        {"group without number", Group, "R", "error"},
+        {"empty group", Group, "", "error"},
+        {"byte", Byte, "0xFf", "255"},
+        {"binary", Byte, "0b101", "5"},
+        {"byte too large", Byte, "256", "error"},
+        {"negative byte", Byte, "-1", "error"},
+        {"trailing text", Byte, "1x", "error"},
+        {"no digits", Byte, "0x", "error"},
+        {"number", Double, "-1.5e3", "-1500"},
+        {"not finite", Double, "nan", "error"},
+        {"too large", Double, "1e999", "error"},
+        {"position", Position, eight, "base:1.5,-2,3,180,0,0.001,7,8,figure=front+upper+flip"},
+        {"figure and tool", Position, "USER:3:1,2,3,4,5,6,tool=2,figure=noflip+back+s180+W180",
+         "user:3:1,2,3,4,5,6,0,0,tool=2,figure=back+upper+noflip+s180+w180"},
+        {"pulses have no figure", Position, "pulse: 1, 2 ,3,4,5,6", "pulse:1,2,3,4,5,6,0,0"},
+        {"too few axes", Position, "base:1,2,3,4,5", "error"},
+        {"few axes where allowed", ShortPosition, "pulse:7", "pulse:7,0,0,0,0,0,0,0"},
+        {"nine axes", Position, eight + ",9", "error"},
+        {"no coordinate", Position, "1,2,3,4,5,6", "error"},
+        {"user without number", Position, "user:1,2,3,4,5,6", "error"},
+        {"number without user", Position, "base:1:1,2,3,4,5,6", "error"},
+        {"empty axis", Position, "base:1,,3,4,5,6", "error"},
+        {"unknown figure", Position, eight + ",figure=sideways", "error"},
+        {"unknown part", Position, eight + ",colour=1", "error"},
+        {"one variable", Range, "bp7", "BP7"},
+        {"range", Range, "B8..B10", "B8|B9|B10"},
+        {"short range", Range, "S0..1", "S0|S1"},
+        {"backward range", Range, "B2..B1", "error"},
+        {"range of two kinds", Range, "B0..I1", "error"},
+        {"highest number", Range, "D65535", "D65535"},
+        {"number too large", Range, "D65536", "error"},
+        {"unknown kind", Range, "X1", "error"},
+        {"no number", Range, "B", "error"},
+        {"assigned range", Assignment, "B1..2=255", "B1=255|B2=255"},
+        {"integer", Assignment, "I1=-32768", "I1=-32768"},
+        {"integer too small", Assignment, "I1=-32769", "error"},
+        {"short real", Assignment, "R1=0.1", "R1=0.1"},
+        {"text with equals sign", Assignment, "S1=a=b", "S1=a=b"},
+        {"empty text", Assignment, "S1=", "S1="},
+        {"text of 32 bytes", Assignment, "S1=" + std::string(32, 'x'), "S1=" + std::string(32, 'x')},
+        {"text of 33 bytes", Assignment, "S1=" + std::string(33, 'x'), "error"},
+        {"base position of one axis", Assignment, "BP1=base:5", "BP1=base:5,0,0,0,0,0,0,0,figure=front+upper+flip"},
+        {"no assignment", Assignment, "B1", "error"},
+        {"address", SignalOf, "10010", "10010"},
+        {"class and group", SignalOf, "General-Output:12", "1:12.-1"},
+        {"class, group and bit", SignalOf, "pseudo-input:3.7", "11:3.7"},
+        {"unknown class", SignalOf, "lamp:1", "error"},
+        {"class without group", SignalOf, "general-input:", "error"},
+        {"kind by name", Kinds, "main.jbi", "JBI"},
+        {"kind alone", Kinds, "dat", "DAT"},
+        {"kinds of a glob", Kinds, "*.L*", "LST|LOG"},
+        {"unknown kind of file", Kinds, "a.txt", ""},
+        {"rows", Cells,
+         "\xEF\xBB\xBF"
+         "a, b ,\r\n\n# note\n1,2,3",
+         "1:a|b|;4:1|2|3;"},
+        {"quotes", Cells, "\"a,\"\"b\"\"\",\"c\nd\"\ne", "1:a,\"b\"|c\nd;3:e;"},
+        {"open quote", Cells, "a\n\"b", "error"},
+        {"text behind a quote", Cells, "\"a\"b", "error"},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(Outcome(row.parse, row.text), row.outcome) << row.description << ": " << row.text;
+    }
+}
+
+TEST(Parser, ReadsBackWhatItWritesToAVariableFile) {
+    std::string const all(reinterpret_cast<char const*>("\x01\xFF a\"b,\r\n#\0 "), 12);
+    std::vector<VariableAssignment> const written{{{VariableKind::String, 1}, all},
+                                                  {{VariableKind::String, 2}, std::string()},
+                                                  {{VariableKind::String, 3}, std::string("#x")},
+                                                  {{VariableKind::Real, 4}, 1.0F / 3.0F},
+                                                  {{VariableKind::Byte, 5}, std::uint8_t{200}}};
+    std::vector<VariableAssignment> const read = ParseVariableFile("f", FormatVariableFile(written));
+    ASSERT_EQ(read.size(), written.size());
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        EXPECT_EQ(read[i].address, written[i].address);
+        EXPECT_EQ(FormatVariableValue(read[i].value), FormatVariableValue(written[i].value));
+        EXPECT_EQ(read[i].value.index(), written[i].value.index());
+    }
+}
+
+std::string FaultsOf(std::function<void()> const& parse) {
+    try {
+        parse();
+    } catch (InputError const& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(Parser, NamesEveryWrongLineOfAFile) {
+    std::string const variables = FaultsOf([] { ParseVariableFile("v", "variable,value\nB1,1\n\nB1,256\nQ,1\nB1\n"); });
+    std::string const points = FaultsOf([] {
+        ParseTrajectory("t", "move,speed,acceleration,x,y,z,rx,ry,rz\n"
+                             "line,0.1,,1,2,3,4,5,6\n" // good, as the next
+                             "joint,100,20,1,2,3,4,5,6\n"
+                             "line,0.09,,1,2,3,4,5,6\n"
+                             "joint,100.1,,1,2,3,4,5,6\n"
+                             "line,1,19.9,1,2,3,4,5,6\n"
+                             "line,1,,1,2,,4,5,6\n"
+                             "line,1,,2147484,2,3,4,5,6\n"
+                             "circle,1,,1,2,3,4,5,6\n"
+                             "line,1,,1,2,3\n");
+    });
+    for (char const* const line : {"v:4: ", "v:5: ", "v:6: "}) {
+        EXPECT_NE(variables.find(line), std::string::npos) << line << variables;
+    }
+    for (char const* const line : {"t:4: ", "t:5: ", "t:6: ", "t:7: ", "t:8: ", "t:9: ", "t:10: "}) {
+        EXPECT_NE(points.find(line), std::string::npos) << line << points;
+    }
+    EXPECT_EQ(variables.find("v:2"), std::string::npos);
+    EXPECT_EQ(points.find("t:2"), std::string::npos);
+    EXPECT_EQ(points.find("t:3"), std::string::npos);
+}
+
+TEST(Parser, RefusesAWrongTrajectoryHeader) {
+    for (char const* const text : {"", "speed,x,y,z,rx,ry,rz\n", "x,y,z,rx,ry,rz\n1,2,3,4,5,6\n", "speed,x,s\n1,2,3\n",
+                                   "speed,speed,x\n1,1,1\n", "speed,x,hue\n1,1,1\n", "speed\n1\n"}) {
+        EXPECT_NE(FaultsOf([&] { ParseTrajectory("t", text); }), "") << text;
+    }
+}
+
+TEST(Parser, FillsAPointFromItsColumns) {
+    Trajectory const circle =
+        ParseTrajectory("t", "Via_S,via_l,via_u,via_r,via_b,via_t,S,L,U,R,B,T,speed,move,group,tool\n"
+                             "1,2,3,4,5,6,7,8,9,10,11,12,250,circle,R2,3\n");
+    ASSERT_EQ(circle.size(), 1U);
+    EXPECT_EQ(circle[0].auxiliaryAxes, (std::array<double, 8>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(circle[0].position.axes, (std::array<double, 8>{7, 8, 9, 10, 11, 12}));
+    EXPECT_EQ(circle[0].position.coordinateType, CoordinateType::Pulse);
+    EXPECT_EQ(circle[0].position.toolNumber, 3);
+    EXPECT_EQ(circle[0].controlGroup, ControlGroupId::R2);
+    EXPECT_EQ(circle[0].moveType, MoveInterpolationType::Circle);
+    EXPECT_EQ(circle[0].accelerationRatio, RatioNotSpecified);
+}
+
+TEST(Parser, KeepsAControllersNamesFromLeadingElsewhere) {
+    for (std::string const& name : {std::string(".."), std::string("."), std::string(), std::string("a/b.JBI"),
+                                    std::string("/etc/x.DAT"), std::string("a\0.JBI", 6)}) {
+        EXPECT_FALSE(IsSafeLocalName(name)) << name;
+    }
+    EXPECT_TRUE(IsSafeLocalName("A..B.JBI"));
+}
+
+} // namespace
+} // namespace harvlink::cli

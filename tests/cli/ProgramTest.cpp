@@ -1,0 +1,297 @@
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <future>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "CommandLine.h"
+#include "Output.h"
+#include "simulator/Server.h"
+#include "support/LoopbackAddress.h"
+#include "support/ScratchFolder.h"
+#include "wire/CommandNumber.h"
+
+namespace harvlink::cli {
+namespace {
+
+using simulator::ControllerModel;
+using simulator::Server;
+using simulator::VirtualController;
+using test::ScratchFolder;
+
+using Arguments = std::vector<std::string>;
+
+struct Result {
+    int exit = 0;
+    std::string out;
+    std::string err;
+};
+
+Arguments Words(std::string const& line) {
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+Result RunTool(std::string const& line, std::string const& answer = "", bool isTerminal = false) {
+    Arguments arguments = Words(line);
+    std::vector<char const*> argv{"harvlink"};
+    for (std::string const& argument : arguments) {
+        argv.push_back(argument.c_str());
+    }
+    std::istringstream in(answer);
+    std::ostringstream out;
+    std::ostringstream err;
+    Console console{in, out, err, isTerminal, false, isTerminal};
+    int const exit = RunCommandLine(static_cast<int>(argv.size()), argv.data(), console);
+    return {exit, out.str(), err.str()};
+}
+
+/// The program itself, in a process of its own.
+class Child {
+public:
+    explicit Child(std::string const& line) {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(::pipe(ends.data()), 0);
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::dup2(ends[1], STDOUT_FILENO);
+            ::close(ends[0]);
+            ::close(ends[1]);
+            Arguments arguments = Words("harvlink " + line);
+            std::vector<char*> argv;
+            for (std::string& argument : arguments) {
+                argv.push_back(argument.data());
+            }
+            argv.push_back(nullptr);
+            ::execv(HARVLINK_PROGRAM, argv.data());
+            ::_exit(127);
+        }
+        ::close(ends[1]);
+        output_ = ::fdopen(ends[0], "r");
+    }
+    Child(Child const&) = delete;
+    Child& operator=(Child const&) = delete;
+    ~Child() { ::fclose(output_); }
+
+    std::string ReadLine() {
+        std::array<char, 512> line{};
+        return ::fgets(line.data(), line.size(), output_) == nullptr ? "" : line.data();
+    }
+
+    /// Sends a signal and returns the exit status, or -1 if something else ended it.
+    int EndBy(int signal) const {
+        ::kill(pid_, signal);
+        int status = 0;
+        ::waitpid(pid_, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    pid_t pid_ = -1;
+    FILE* output_ = nullptr;
+};
+
+class ProgramTest : public testing::Test {
+protected:
+    ProgramTest() {
+        for (int attempt = 0; attempt < 10 && controller_ == nullptr; ++attempt) {
+            host_ = test::NextLoopbackAddress();
+            server_ = std::make_unique<Server>();
+            VirtualController& controller = server_->Add(host_);
+            server_->SetObserver([this](auto const&, simulator::Request const& request, auto const&) {
+                Observe(request.subHeader.command);
+            });
+            controller_ = server_->Start() ? &controller : nullptr;
+        }
+        ::setenv("HARVLINK_HOST", host_.c_str(), 1);
+    }
+
+    void Observe(std::uint16_t command) {
+        if (command == static_cast<std::uint16_t>(CommandNumber::MotionSendTarget) && !hasTarget_) {
+            hasTarget_ = true;
+            target_.set_value();
+        }
+    }
+
+    template <typename Function>
+    auto With(Function const& function) {
+        return controller_->With(function);
+    }
+
+    std::string host_;
+    std::unique_ptr<Server> server_;
+    VirtualController* controller_ = nullptr;
+    bool hasTarget_ = false; // the server's thread only
+    std::promise<void> target_;
+};
+
+TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
+    ASSERT_NE(controller_, nullptr);
+    struct Case {
+        char const* line;
+        int exit;
+        char const* out; ///< a part of it
+        char const* err;
+    };
+    std::array<Case, 40> const cases{{
+        {"status", 0, "Servo on  no\n", ""},
+        {"--json status", 0, "\"servo_on\": false", ""},
+        {"info robot7", 1, "", "Code (45063): The system ID requested is invalid\n"},
+        {"times moving-station", 1, "", "Code (40961): "},
+        {"param S1C3", 1, "", "Code (196626): "},
+        {"position R1 --coordinate base", 0, "Units       mm, degrees\n", ""},
+        {"position S1", 1, "", "Code (196629): "},
+        {"axes R1", 0, "Axes   S, L, U, R, B, T\n", ""},
+        {"var set B5=12 R1=0.1 P3=base:480,0,600.5,180,0,0,tool=1", 0, "Written  3\n", ""},
+        {"var get B5 R1", 0, "B5           12\nR1          0.1\n", ""},
+        {"var get P3", 0, "base:480,0,600.5,180,0,0,0,0,tool=1,figure=front+upper+flip", ""},
+        {"var get B5 B2047 --json", 1, "\"value\": 12", "Code (196616): The requested variable index is invalid.\n"},
+        {"var set B1=1 B2=256", 2, "", "harvlink: byte 256 is out of range\n"},
+        {"io set general-output:1.3=on", 0, "Written  1\n", ""},
+        {"io byte 10010", 0, "00001000", ""},
+        {"io get general-input:1", 0, "general-input:1.7       17  no\n", ""},
+        {"io set general-output:1=1", 2, "", "name a bit"},
+        {"io set 20010=1", 1, "", "20010: Code (196615): This IO address cannot be written to.\n"},
+        {"register set 5=0xFF", 0, "Written  1\n", ""},
+        {"register get 4..5", 0, "       5    255\n", ""},
+        {"alarms", 0, "none\n", ""},
+        {"alarms history 2 --json", 0, "[]\n", ""},
+        {"alarms --history 101", 2, "", "--history"},
+        {"job status --json", 0, "\"name\": \"\"", ""},
+        {"job select NONE", 1, "", "Code (-79983552): Invalid job name.\n"},
+        {"job select A --line 10000", 1, "", "Code (-79979008): Invalid line number.\n"},
+        {"convert R1 joint:0,0,0,0,-90,0 --to joint", 2, "", "of that form already"},
+        {"convert R1 joint:0,0,0,0,-90,0 --to pulse", 0, "Position    pulse:0,0,0,0,", ""},
+        {"servo on", 2, "", "give --yes to confirm it"},
+        {"move R1 --line --to base:1,2,3,4,5,6 --speed 9999 --yes", 2, "", "Speed value is out of range"},
+        {"move R1 --line --to base:790,0,1050,180,0,0 --speed 9 --yes", 1, "", "Code (-49934466): Servo Off\n"},
+        {"progress R2", 1, "", "Code (65504): Group does not exist.\n"},
+        {"hold off", 2, "", "give --yes to confirm it"},
+        {"cycle sometimes", 2, "", "there are: step, cycle, auto"},
+        {"stop --json", 0, "{\n  \"code\": 0,\n  \"message\": \"OK\"\n}\n", ""},
+        {"files list X", 2, "", "no kind of file"},
+        {"files get *.LST", 1, "", "Code (131078): No files found with this extension.\n"},
+        {"", 2, "", "A subcommand is required"},
+        {"status extra", 2, "", "extra"},
+        {"--version", 0, "harvlink 1.1.3\n", ""},
+    }};
+    for (Case const& expected : cases) {
+        Result const result = RunTool(expected.line);
+        EXPECT_EQ(result.exit, expected.exit) << expected.line << result.err;
+        EXPECT_NE(result.out.find(expected.out), std::string::npos) << expected.line << "\n" << result.out;
+        EXPECT_NE(result.err.find(expected.err), std::string::npos) << expected.line << "\n" << result.err;
+    }
+    EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[1]}; }), 0)
+        << "nothing is written if a later assignment is wrong";
+}
+
+TEST(Program, GivesUpOnASilentHostInTimeAndRefusesWrongUsageAtOnce) {
+    ::unsetenv("HARVLINK_HOST");
+    auto const start = std::chrono::steady_clock::now();
+    Result const silent = RunTool("--host 127.9.9.9 --timeout 50 --retries 2 status --json");
+    std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start;
+    EXPECT_EQ(silent.exit, 1);
+    EXPECT_EQ(silent.err, "Code (196614): No response from controller after 2 retries.\n");
+    EXPECT_EQ(silent.out, "");
+    EXPECT_GE(elapsed.count(), 0.15);
+    EXPECT_LT(elapsed.count(), 3.0);
+    for (char const* const line : {"status", "--host 1.2.3 status", "--host 127.9.9.9 --timeout x status",
+                                   "--host 127.9.9.9 --retries -1 status", "--host 127.9.9.9 position"}) {
+        EXPECT_EQ(RunTool(line).exit, 2) << line;
+    }
+}
+
+TEST_F(ProgramTest, TransfersFilesWithoutOverwriting) {
+    ScratchFolder const folder;
+    std::size_t const count = Json::parse(RunTool("files list JBI --json").out).size();
+    ASSERT_GT(count, 0U);
+    EXPECT_EQ(Json::parse(RunTool("files get *.JBI --json").out)["fetched"], count);
+    Result const again = RunTool("files get *.JBI");
+    EXPECT_EQ(again.exit, 1);
+    EXPECT_NE(again.err.find("Code (131074): File already exists"), std::string::npos);
+    EXPECT_EQ(RunTool("files get *.JBI --force").exit, 0);
+    test::WriteFile("NEW.DAT", std::string(2000, 'x'));
+    EXPECT_EQ(RunTool("files put NEW.DAT").exit, 0);
+    test::WriteFile("NEW.DAT", "y");
+    EXPECT_EQ(RunTool("files put *.DAT").exit, 1);
+    EXPECT_EQ(RunTool("files cat NEW.DAT").out, std::string(2000, 'x'));
+    EXPECT_EQ(RunTool("files put *.DAT --force").exit, 0);
+    EXPECT_EQ(RunTool("files cat NEW.DAT").out, "y");
+    EXPECT_EQ(Json::parse(RunTool("files delete *.JBI --json").out)["deleted"], count);
+}
+
+TEST_F(ProgramTest, DumpsAndLoadsVariables) {
+    ScratchFolder const folder;
+    ASSERT_EQ(RunTool("var set S1=a,\"b B7=9").exit, 0);
+    ASSERT_EQ(RunTool("var dump --kind B --kind S --out v.csv").exit, 0);
+    EXPECT_EQ(RunTool("var dump --kind B --out v.csv").exit, 2) << "an existing file stays";
+    ASSERT_EQ(RunTool("var set S1=x B7=0").exit, 0);
+    EXPECT_EQ(RunTool("var load v.csv").exit, 0);
+    EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[7]}; }), 9);
+    EXPECT_NE(RunTool("var get S1").out.find("a,\"b"), std::string::npos);
+    test::WriteFile("bad.csv", "variable,value\nB7,1\nB8,x\n");
+    EXPECT_EQ(RunTool("var load bad.csv").err, "harvlink: bad.csv:3: 'x' is no byte\n");
+    EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[7]}; }), 9);
+}
+
+TEST_F(ProgramTest, AsksOnATerminalBeforeTheMachineMoves) {
+    EXPECT_EQ(RunTool("servo on", "n\n", true).exit, 1);
+    EXPECT_FALSE(With([](ControllerModel& model) { return model.state.servoOn; }));
+    EXPECT_EQ(RunTool("servo on", "y\n", true).exit, 0);
+    EXPECT_TRUE(With([](ControllerModel& model) { return model.state.servoOn; }));
+}
+
+TEST_F(ProgramTest, WatchesSignalsUntilInterrupted) {
+    Child child("io watch general-output:1.0 --interval 1 --json");
+    EXPECT_EQ(Json::parse(child.ReadLine())["on"], false);
+    ASSERT_EQ(RunTool("io set 10010=1").exit, 0);
+    Json const change = Json::parse(child.ReadLine());
+    EXPECT_EQ(change["on"], true);
+    EXPECT_EQ(change["address"], 10010);
+    EXPECT_EQ(child.EndBy(SIGINT), 0);
+}
+
+constexpr char const* Square = "speed,x,y,z,rx,ry,rz\n"
+                               "{0},790,20,1050,180,0,0\n{0},790,20,1070,180,0,0\n{0},790,0,1050,180,0,0\n";
+
+TEST_F(ProgramTest, RunsATrajectoryToItsEnd) {
+    ScratchFolder const folder;
+    test::WriteFile("square.csv", fmt::format(Square, 1000));
+    ASSERT_EQ(RunTool("servo on --yes").exit, 0);
+    Result const result = RunTool("trajectory run square.csv --yes --json");
+    ASSERT_EQ(result.exit, 0) << result.err;
+    Json const document = Json::parse(result.out);
+    EXPECT_EQ(document["points"], 3);
+    EXPECT_NEAR(document["axes"]["y"].get<double>(), 0.0, 0.01);
+    EXPECT_NEAR(document["axes"]["z"].get<double>(), 1050.0, 0.01);
+}
+
+TEST_F(ProgramTest, StopsTheMachineOnCtrlC) {
+    ScratchFolder const folder;
+    test::WriteFile("slow.csv", fmt::format(Square, 1));
+    ASSERT_EQ(RunTool("servo on --yes").exit, 0);
+    Child const child("trajectory run slow.csv --yes");
+    ASSERT_EQ(target_.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    EXPECT_EQ(child.EndBy(SIGINT), 1);
+    EXPECT_FALSE(With([](ControllerModel& model) { return model.motion.IsRunning(); }));
+}
+
+TEST_F(ProgramTest, TellsWhyATrajectoryWasRefused) {
+    ScratchFolder const folder;
+    test::WriteFile("far.csv", "speed,x,y,z,rx,ry,rz\n100,9000,0,1050,180,0,0\n");
+    ASSERT_EQ(RunTool("servo on --yes").exit, 0);
+    Result const result = RunTool("trajectory run far.csv --yes");
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_NE(result.err.find("alarm 8015-"), std::string::npos) << result.err;
+}
+
+} // namespace
+} // namespace harvlink::cli

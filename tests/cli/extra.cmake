@@ -1,0 +1,6 @@
+if(NOT TARGET harvlink_cli_core)
+    add_subdirectory("${PROJECT_SOURCE_DIR}/cli" "${PROJECT_BINARY_DIR}/cli")
+endif()
+target_link_libraries(${target} PRIVATE harvlink_cli_core)
+add_dependencies(${target} harvlink_cli)
+target_compile_definitions(${target} PRIVATE HARVLINK_PROGRAM="$<TARGET_FILE:harvlink_cli>")
