@@ -169,7 +169,7 @@ Bytes ScriptedController::ReplyBytes(Reply const& reply, Datagram const& request
 }
 
 void Hurry(NetworkManager& manager) {
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 3; ++i) {
         manager.ResetTimeout();
     }
 }

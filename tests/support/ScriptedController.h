@@ -107,7 +107,7 @@ private:
     std::thread thread;
 };
 
-/// Shortens the time-out of a manager that Connect made to some 30 ms, for a controller that stays silent.
+/// Shortens the time-out of a manager that Connect made to 128 ms, for a controller that stays silent.
 void Hurry(NetworkManager& manager);
 
 } // namespace harvlink::test
