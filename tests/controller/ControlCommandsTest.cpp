@@ -1,0 +1,130 @@
+#include <future>
+
+#include "controller/ControlCommandsImplementation.h"
+#include "support/ScriptedController.h"
+#include "wire/FakeTransport.h"
+
+namespace harvlink::test {
+namespace {
+
+class ControlCommands : public testing::Test {
+protected:
+    static Bytes Command(unsigned command, unsigned instance, Bytes const& payload) {
+        return RobotRequest(command, instance, 1, 16, payload);
+    }
+
+    ScriptedController controller;
+    std::unique_ptr<NetworkManager> manager = controller.Connect();
+    ControlCommandsImplementation commands{manager.get()};
+    Bytes const modeQuery = RobotRequest(114, 1, 1, 14);
+};
+
+TEST_F(ControlCommands, ServosExplainTheirFailure) {
+    constexpr char const* notRemote = "Unable to turn on servos. Remote Mode is not selected.";
+    struct {
+        Reply command;
+        std::vector<Reply> modes; ///< answers to the mode queries
+        int code;
+        char const* message;
+    } const cases[] = {
+        {{}, {Payload(U32(0))}, 0, "OK"},
+        {{}, {Refusal(8288)}, 0, "OK"},
+        {Refusal(8288), {Payload(U32(0x80)), Payload(U32(0x7f))}, 8288, notRemote},
+        {Refusal(8288), {Payload(U32(0)), Payload(U32(0x80))}, 8288, "There is an active Error or Alarm."},
+        {Refusal(8288), {Payload(U32(0x80)), Payload(U32(0x8000))}, 8288, notRemote}, // only the first byte
+        {Refusal(8288), {Payload(U32(0x80)), Refusal(31)}, 8288, notRemote},
+    };
+    for (auto const& [command, modes, code, message] : cases) {
+        for (auto const state : {SignalStatus::On, SignalStatus::Off}) {
+            controller.Expect(Command(131, 2, U32(static_cast<int>(state))), command);
+            for (Reply const& mode : modes) {
+                controller.Expect(modeQuery, mode);
+            }
+            StatusInfo const status = commands.SetServos(state);
+            EXPECT_EQ(status.StatusCode, code);
+            EXPECT_EQ(status.Message, message);
+        }
+    }
+    for (bool const isRemote : {true, false}) {
+        controller.Expect(modeQuery, Payload(U32(isRemote ? 0xff : 0x7f)));
+        EXPECT_EQ(commands.CheckExternalMode(), isRemote);
+    }
+}
+
+TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
+    FakeSession session(30);
+    ControlCommandsImplementation commands(&session.manager);
+    for (bool const answers : {true, false}) {
+        session.record->periods.clear();
+        session.record->onReceive = answers ? FakeTransport::AnswerAtOnce : FakeTransport::Silence;
+        StatusInfo const status = commands.SetServos(SignalStatus::On);
+        EXPECT_EQ(status.StatusCode, answers ? 0 : 0x30006);
+        std::vector<long> microseconds;
+        for (timeval const& period : session.record->periods) {
+            microseconds.push_back(period.tv_usec);
+        }
+        EXPECT_EQ(microseconds,
+                  answers ? (std::vector<long>{120000, 30000}) : (std::vector<long>{120000, 30000, 30000}));
+    }
+    session.record->onReceive = FakeTransport::AnswerAtOnce;
+    std::vector<std::future<void>> callers;
+    for (int i = 0; i < 4; ++i) {
+        callers.push_back(std::async(std::launch::async, [&] {
+            for (int times = 0; times < 50; ++times) {
+                commands.SetServos(SignalStatus::Off);
+            }
+        }));
+    }
+    callers.clear(); // waits for them
+    session.record->periods.clear();
+    session.Exchange();
+    EXPECT_EQ(session.record->periods.at(0).tv_usec, 30000);
+}
+
+TEST_F(ControlCommands, SwitchesAreOnePlainRequest) {
+    struct {
+        Bytes request;
+        std::function<StatusInfo()> call;
+    } const cases[] = {
+        {Command(131, 1, U32(1)), [&] { return commands.SetHold(SignalStatus::On); }},
+        {Command(131, 1, U32(2)), [&] { return commands.SetHold(SignalStatus::Off); }},
+        {Command(132, 2, U32(1)), [&] { return commands.SetCycleMode(CycleMode::Step); }},
+        {Command(132, 2, U32(2)), [&] { return commands.SetCycleMode(CycleMode::Cycle); }},
+        {Command(132, 2, U32(3)), [&] { return commands.SetCycleMode(CycleMode::Automatic); }},
+        {Command(134, 1, U32(1)), [&] { return commands.StartJob(); }},
+        {Command(133, 1, Text("Hi")), [&] { return commands.DisplayStringToPendant("Hi"); }},
+    };
+    for (auto const& [request, call] : cases) {
+        controller.Expect(request);
+        EXPECT_EQ(call().StatusCode, 0);
+        controller.Expect(request, Refusal(65535));
+        StatusInfo const status = call();
+        EXPECT_EQ(status.StatusCode, 65535);
+        EXPECT_EQ(status.Message, "General error. Verify input parameters.");
+    }
+}
+
+TEST_F(ControlCommands, PendantTextIsCut) {
+    std::string const text = "0123456789abcdefghijklmnopqrstuvwxyzABCD";
+    struct {
+        std::string text;
+        std::size_t sent;
+    } const cases[] = {
+        {text.substr(0, 29), 29},
+        {text.substr(0, 30), 30},
+        {text.substr(0, 31), 30},
+        {text, 30},
+        {"", 0},
+        {text + std::string(65536 + 4 - 40, 'x'), 4}, // only the low 16 bits of the length count
+        {text + std::string(65536 - 40, 'x'), 0},
+    };
+    for (auto const& [shown, sent] : cases) {
+        controller.Expect(Command(133, 1, Text(text.substr(0, sent))));
+        StatusInfo const status = commands.DisplayStringToPendant(shown);
+        EXPECT_EQ(status.StatusCode, 0);
+        EXPECT_EQ(status.Message, "OK");
+    }
+}
+
+} // namespace
+} // namespace harvlink::test
