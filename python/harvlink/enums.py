@@ -86,11 +86,12 @@ class ControlMode(OpenEnum):
 
 
 class SystemInfoId(OpenEnum):
-    """What system information tells about; ROBOT1 + n, STATION1 + n and APPLICATION1 + n name the others."""
+    """What system information tells about."""
 
-    ROBOT1 = 11
-    STATION1 = 21
-    APPLICATION1 = 101
+    ROBOT1, ROBOT2, ROBOT3, ROBOT4, ROBOT5, ROBOT6, ROBOT7, ROBOT8 = range(11, 19)
+    STATION1, STATION2, STATION3 = range(21, 24)
+    APPLICATION1, APPLICATION2, APPLICATION3, APPLICATION4 = range(101, 105)
+    APPLICATION5, APPLICATION6, APPLICATION7, APPLICATION8 = range(105, 109)
 
 
 class SystemParameterType(OpenEnum):

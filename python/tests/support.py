@@ -1,0 +1,97 @@
+"""Runs the virtual controller, and calls the plain functions as they are."""
+
+import ctypes
+import os
+import pathlib
+import random
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+from harvlink import _library, _records
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+TIMEOUT = 0x30006
+
+
+class Simulator:
+    """The process harvlink-sim on a loopback address of its own; HARVLINK_SIMULATOR names the program."""
+
+    def __init__(self, *options):
+        for _ in range(20):
+            self.address = ".".join(["127", *(str(random.randint(2, 254)) for _ in range(3))])
+            command = [os.environ["HARVLINK_SIMULATOR"], "--address", self.address, *options]
+            if shutil.which("setpriv"):  # so that it ends even if the tests are killed
+                command = ["setpriv", "--pdeathsig", "TERM", *command]
+            own = {key: value for key, value in os.environ.items() if key != "LD_PRELOAD"}
+            self.process = subprocess.Popen(command, stdout=subprocess.PIPE, env=own)
+            if b": ready on " in self.process.stdout.readline():
+                return
+            self.stop()
+        raise RuntimeError("harvlink-sim did not start")
+
+    def stop(self):
+        if self.process.poll() is None:
+            self.process.terminate()
+        self.process.wait(10)
+        self.process.stdout.close()
+
+
+class SimulatorTest(unittest.TestCase):
+    """Every class of tests has a virtual controller of its own and stands in a folder of its own."""
+
+    options = ()
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.addClassCleanup(os.chdir, os.getcwd())
+        os.chdir(folder.name)
+        cls.simulator = Simulator(*cls.options)
+        cls.addClassCleanup(cls.simulator.stop)
+
+
+def take_texts(value):
+    """Every text inside a record or array, taken over; so the caller sees that each was allocated."""
+    if isinstance(value, _records.OwnedText):
+        return [value.take()]
+    if isinstance(value, ctypes.Structure):
+        return [text for name, _ in value._fields_ for text in take_texts(getattr(value, name))]
+    if isinstance(value, ctypes.Array) and issubclass(value._type_, ctypes.Structure):
+        return [text for item in value for text in take_texts(item)]
+    return []
+
+
+class Plain:
+    """A connection by the plain functions alone."""
+
+    def __init__(self, address, timeout=500, retries=3):
+        self.library = _library.load()
+        self.status = _records.IStatusInfo()
+        self.handle = self.library.open_connection(address.encode(), ctypes.byref(self.status), timeout, retries)
+
+    def call(self, name, *arguments):
+        """Returns code, message, the value returned beside a status, and all texts that were handed out.
+
+        An argument that is a type becomes a record of it to fill, and "status" the record for the status."""
+        records = [argument() if isinstance(argument, type) else argument for argument in arguments]
+        status = _records.IStatusInfo()
+        records = [status if record == "status" else record for record in records]
+        passed = [ctypes.byref(r) if isinstance(r, (ctypes.Structure, ctypes._SimpleCData)) else r for r in records]
+        if name.endswith("_write") and name.split("_")[0] in ("byte", "integer", "double", "real"):
+            passed = records  # by value
+        result = getattr(self.library, name)(self.handle, *passed)
+        if isinstance(result, _records.IStatusInfo):
+            status, result = result, None
+        message = status.Message.take()
+        outputs = [r for given, r in zip(arguments, records) if isinstance(given, type)]
+        texts = [text for record in (result, *outputs) for text in take_texts(record)]
+        values = [r.value for r in outputs if isinstance(r, ctypes._SimpleCData)]
+        if isinstance(result, _records.OwnedText):
+            result = None
+        return status.StatusCode, message, values[0] if values else result, texts
+
+    def close(self):
+        self.library.close_connection(self.handle)

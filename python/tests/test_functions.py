@@ -1,0 +1,275 @@
+"""Every plain function, on success and on failure, against the virtual controller."""
+
+import ctypes
+import pathlib
+import unittest
+from ctypes import c_double, c_int, c_ubyte, c_uint, c_ushort
+
+from harvlink import _library, _prototypes
+from harvlink import _records as r
+
+from .support import ROOT, TIMEOUT, Plain, Simulator, SimulatorTest
+
+R1, R2, B1, S1 = 1, 2, 11, 21
+NETWORK_INPUT, NETWORK_ADDRESS, NO_SIGNAL = 3, 27010, 27018
+OK, QUEUED = "OK", "Point added to trajectory."
+CUT = "OK String was truncated to 32 characters"
+JOB = b"/JOB\r\n//NAME OWN\r\n//INST\r\nNOP\r\nEND\r\n"
+
+
+def string(text, index=3):
+    return ctypes.cast(ctypes.pointer(r.StringToWrite(text, index)), ctypes.POINTER(r.IStringVariableData))
+
+
+def pulses(*axes):
+    return r.PositionData(0, r.Figure(), 0, 0, (c_double * 8)(*axes))
+
+
+def motion(group, speed=25.0):
+    axes = (0, 0, 0, 0, -100000, 0) if group in (R1, R2) else (1000,)
+    huge = 1.7976931348623157e308
+    return r.Motion(group, speed, huge, huge, 1, pulses(*axes))
+
+
+def position_variable(record, index=1):
+    return record(pulses(1, 2, 3), index)
+
+
+# What works, in this order: function, arguments, expected message, value or texts (None: whatever they are), then the
+# arguments that the function itself or the controller refuses, and the code of that. Where these are missing, silence of
+# the controller is the failure.
+CASES = [
+    ("control_commands_interface_SetServos", (1,), OK, None),
+    ("control_commands_interface_SetHold", (1,), OK, None),
+    ("control_commands_interface_SetHold", (2,), OK, None, (7,), 45060),
+    ("control_commands_interface_SetCycleMode", (2,), OK, None, (9,), 45060),
+    ("control_commands_interface_DisplayStringToPendant", (b"hello",), OK, None),
+    ("controller_state_interface_read_state", (r.ControllerStateData,), OK, None),
+    (
+        *("controller_state_interface_read_system_information", (11, r.ISystemInfoData), OK),
+        *(["YAS4.10.00A(EN/JP)-00", "HV012-1440-A00"], (99, r.ISystemInfoData), 45063),
+    ),
+    ("controller_state_interface_read_operating_times", (R1, 1, r.TimeData, 0), OK, None, (R1, 20, r.TimeData, 0), 40961),
+    ("controller_state_read_system_param", (4, 22, c_int), OK, 1, (0, 1, c_int), 0x30012),
+    ("controller_state_group_read_system_param", (0, 10, 1, c_int), OK, 0, (0, 10, 99, c_int), 0x30016),
+    ("fault_interface_get_active_alarms", (r.IActiveAlarms,), OK, [""] * 8),
+    ("fault_interface_get_alarm_history", (0, 5, r.IAlarmHistory), OK, [""] * 200, (7, 5, r.IAlarmHistory), 0x30017),
+    ("fault_interface_clear_all_faults", (), OK, None),
+    *[
+        (f"control_group_interface_read_{what}", (R1, *more), OK, None, (30, *more), code)
+        for what, more, code in [
+            ("position_data", (0, 0, 0, r.PositionData), 0x30015),
+            ("axis_configuration", (ctypes.create_string_buffer(8),), -59959039),
+            ("position_error", (r.PositionErrorData,), -59959039),
+            ("torque_data", (r.TorqueData,), -59959039),
+        ]
+    ],
+    *[
+        case
+        for kind, record, written in [
+            ("byte", r.ByteVariableData, r.ByteVariableData(200, 3)),
+            ("integer", r.IntegerVariableData, r.IntegerVariableData(-2, 3)),
+            ("double_int", r.DoubleIntVariableData, r.DoubleIntVariableData(-70000, 3)),
+            ("real", r.RealVariableData, r.RealVariableData(0.5, 3)),
+            ("robot_position", r.RobotPositionVariableData, position_variable(r.RobotPositionVariableData)),
+            ("base_position", r.BaseAxisPositionVariableData, position_variable(r.BaseAxisPositionVariableData)),
+            ("station_position", r.StationPositionVariableData, position_variable(r.StationPositionVariableData)),
+        ]
+        for case in [
+            (f"{kind}_variable_interface_write", (written,), OK, None, (record(variableIndex=2049),), 0x30008),
+            (f"{kind}_variable_interface_read", (3, record), OK, None, (2049, record), 0x30008),
+        ]
+    ],
+    ("string_variable_interface_write", (string(b"x" * 40),), CUT, None, (string(b"x" * 40, 2049),), 0x30008),
+    ("string_variable_interface_write", (string(b"\xe4cut\0here"),), OK, None),
+    (
+        *("string_variable_interface_read", (3, r.IStringVariableData), OK, ["\xe4cut"]),
+        *((2049, r.IStringVariableData), 0x30008),
+    ),
+    # Any value but 0 writes a 1.
+    ("io_interface_address_WriteBit", (NETWORK_ADDRESS, 2), OK, None, (10010 - 9, 1), None),
+    ("io_interface_address_ReadBit", (NETWORK_ADDRESS, c_int), OK, 1, (NO_SIGNAL, c_int), 0x10004),
+    ("io_interface_type_WriteBit", (NETWORK_INPUT, 1, 1, 256), OK, None, (NETWORK_INPUT, 1, 8, 1), 0x10004),
+    ("io_interface_type_ReadBit", (NETWORK_INPUT, 1, 1, c_int), OK, 1, (NETWORK_INPUT, 9999, 0, c_int), 0x20009),
+    *[
+        case
+        for size, narrow, integer, wide, value in [
+            ("Byte", "uint8", c_ubyte, 0xABCDEF12, 0x12),
+            ("Word", "uint16", c_ushort, 0xABCDEF12, 0xEF12),
+        ]
+        for by, place, nowhere, read_code, write_code in [
+            ("type", (NETWORK_INPUT, 2), (NETWORK_INPUT, 9999), 0x20009, 0x20009),
+            ("address", (27030,), (99990,), None, 40961),
+        ]
+        for form, kind, written in [(by, c_uint, wide), (f"{narrow}_{by}", integer, value - 1)]
+        for case in [
+            (f"io_interface_{form}_Write{size}", (*place, written), OK, None, (*nowhere, 1), write_code),
+            (f"io_interface_{form}_Read{size}", (*place, kind), OK, written & integer(-1).value, (*nowhere, kind), read_code),
+        ]
+    ],
+    ("io_interface_WriteRegister", (5, 0xBEEF), OK, None, (2049, 1), 0x30008),
+    ("io_interface_ReadRegister", (5, c_ushort), OK, 0xBEEF, (60000, c_ushort), 65535),
+    ("io_interface_uint32_WriteRegister", (5, c_uint(0x12345678)), OK, None, (2049, c_uint(1)), 0x30008),
+    ("io_interface_uint32_ReadRegister", (5, c_uint), OK, 0x5678, (60000, c_uint), 65535),
+    ("io_interface_ConvertIOGroupToBitAddress", (3, 1, 0, "status"), OK, 27010, (3, 1, 9, "status"), 0x10004),
+    ("file_interface_LoadToControllerFromString", (b"OWN.JBI", JOB), OK, None, (b"OTHER.JBI", JOB), 0x30014),
+    ("file_interface_LoadToControllerFromPath", (b"OWN.JBI",), OK, None, (b"MISSING.JBI",), 0x20003),
+    ("file_interface_GetFileCount", (0, c_int), OK, 4, (99, c_int), None),
+    (
+        *("file_interface_ListFiles", (0, "status", True), OK),
+        *(["DEMO.JBI\nHANDSHAKE.JBI\nOWN.JBI\nPICK.JBI\n"], (5, "status", True), None),
+    ),
+    ("file_interface_SaveFromControllerToString", (b"OWN.JBI", "status"), OK, [JOB.decode()], (b"OWN", "status"), 0x20001),
+    # Of the number only the low byte counts.
+    ("file_interface_SaveFromControllerToFile", (b"OWN.JBI", b"OWN.JBI", 257), OK, None, (b"OWN.JBI", b"OWN.JBI", 256), 0x20002),
+    ("job_interface_set_active_job", (b"OWN", 0), OK, None, (b"OWN", 10000), -79979008),
+    ("job_interface_get_executing_job_information", (0, r.IJobData), OK, None, (99, r.IJobData), 40961),
+    ("job_interface_get_job_stack", (1, r.IJobStack), OK, ["none"] * 12, (99, r.IJobStack), -79934465),
+    ("job_interface_set_active_job", (b"pick.jbi", 0), OK, None),
+    ("file_interface_DeleteJobFile", (b"OWN",), OK, None),
+    ("motion_manager_MotionStart", (), OK, None),
+    ("motion_manager_AddPointToTrajectory", (motion(R1),), QUEUED, None, (motion(R1, 101.0),), 0x30001),
+    ("motion_manager_Add2PointsToTrajectory", (motion(R1), motion(B1)), QUEUED, None, (motion(R1), motion(30)), 3370),
+    (
+        *("motion_manager_Add3PointsToTrajectory", (motion(R1), motion(B1), motion(S1)), QUEUED, None),
+        *((motion(R1), motion(B1), motion(30)), 3370),
+    ),
+    (
+        *("motion_manager_Add4PointsToTrajectory", (motion(R1), motion(B1), motion(S1), motion(R2)), QUEUED, None),
+        *((motion(R1), motion(B1), motion(S1), motion(30)), 3370),
+    ),
+    ("motion_manager_GetMotionTargetProgress", (R1, "status"), OK, None, (30, "status"), 65504),
+    ("motion_manager_MotionStop", (True,), OK, None),
+    ("motion_manager_ClearAllTrajectory", (), OK, None),
+    (
+        *("kinematics_interface_ConvertPosition", (R1, pulses(0, 0, 0, 0, -122850), 3, r.PositionData), OK, None),
+        *((R1, pulses(), 4, r.PositionData), 0x20014),
+    ),
+    (
+        "kinematics_interface_ConvertPositionFromCartesian",
+        (R1, r.PositionData(16, r.Figure(), 0, 0, (c_double * 8)(760, 0, 985, 180)), 5, 2, (c_double * 8)(), r.PositionData),
+        *(OK, None),
+        *((R1, pulses(), 0, 2, (c_double * 8)(), r.PositionData), 0x20013),
+    ),
+    ("control_commands_interface_StartJob", (), OK, None),
+]
+
+UNIT = (0.0, 0.0, 1.0)
+TURNED = (0.0, 1.0, 0.0, -1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 5.0, 6.0, 7.0)
+UNTURNED = (0.0, -1.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, -6.0, 5.0, -7.0)
+IDENTITY = (1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0)
+FRAME, VECTOR, POSE = r.EulerMatrix, r.XyzVector, r.ZyxEulerPose
+ARITHMETIC = [
+    ("vector_math_inner_product", "InnerProduct", (VECTOR(1, 2, 3), VECTOR(4, 5, 6)), c_double, (32.0,)),
+    ("vector_math_cross_product", "CrossProduct", (VECTOR(1, 2, 3), VECTOR(*UNIT)), VECTOR, (2.0, -1.0, 0.0)),
+    ("frame_math_invert_frame", "InvertFrame", (FRAME(*TURNED),), FRAME, UNTURNED),
+    ("frame_math_rotate_frame", "RotateFrame", (FRAME(*TURNED), VECTOR(*UNIT)), FRAME, (*IDENTITY[:9], 5.0, 6.0, 7.0), -90.0),
+    ("frame_math_frame_to_zyx_euler", "FrameToZYXeuler", (FRAME(*TURNED),), POSE, (5.0, 6.0, 7.0, 0.0, 0.0, 90.0)),
+    ("frame_math_multiply_frames", "MultiplyFrames", (FRAME(*TURNED), FRAME(*UNTURNED)), FRAME, IDENTITY),
+    ("frame_math_zyx_euler_to_frame", "ZYXeulerToFrame", (POSE(5, 6, 7, 0, 0, 90),), FRAME, TURNED),
+    ("frame_math_set_identity_matrix_in_frame", "SetIdentityMatrixInFrame", (), FRAME, IDENTITY),
+]
+
+
+class CxxString(ctypes.Structure):
+    """A std::string of at most 15 bytes, which it holds itself."""
+
+    _fields_ = [("data", ctypes.c_void_p), ("size", ctypes.c_size_t), ("own", ctypes.c_char * 16)]
+
+    def __init__(self, text=b""):
+        super().__init__(0, len(text), text)
+        self.data = ctypes.addressof(self) + CxxString.own.offset
+
+
+class CxxStatus(ctypes.Structure):
+    _fields_ = [("code", c_int), ("message", CxxString)]
+
+    def __init__(self):
+        super().__init__(-1)
+        self.message.data = ctypes.addressof(self.message) + CxxString.own.offset
+
+
+class CxxView(ctypes.Structure):
+    _fields_ = [("size", ctypes.c_size_t), ("data", ctypes.c_char_p)]
+
+
+class FunctionsTest(SimulatorTest):
+    options = ("--groups", "R1,B1,S1,R2", "--time-scale", "50")
+
+    def test_success_then_refusal(self):
+        pathlib.Path("OWN.JBI").write_bytes(JOB)
+        robot = Plain(self.simulator.address)
+        self.assertEqual((robot.status.StatusCode, robot.status.Message.take()), (0, OK))
+        for name, arguments, expected_message, expected, *refusal in CASES:
+            with self.subTest(name):
+                code, message, value, texts = robot.call(name, *arguments)
+                self.assertEqual((code, message), (0, expected_message))
+                self.assertIn(expected, (None, value, texts))
+                if refusal and refusal[1] is not None:
+                    code, message, value, texts = robot.call(name, *refusal[0])
+                    self.assertEqual(code, refusal[1], message)
+                    self.assertIn(value, (None, 0), "a value that is left after a failure")
+                    self.assertFalse("".join(texts).replace("none", ""), "a text that is left after a failure")
+        robot.close()
+
+    def test_silence(self):
+        simulator = Simulator(*self.options)
+        self.addCleanup(simulator.stop)
+        for _ in range(100):  # the time-out is short for a busy machine
+            robot = Plain(simulator.address, timeout=20, retries=1)
+            robot.status.Message.take()
+            if robot.status.StatusCode == 0:
+                break
+        simulator.stop()
+        local = {"io_interface_ConvertIOGroupToBitAddress", "file_interface_LoadToControllerFromPath"}
+        for name, arguments, message, *_ in CASES:
+            if message != QUEUED and name not in local:
+                with self.subTest(name):
+                    self.assertEqual(robot.call(name, *arguments)[0], TIMEOUT)
+        robot.close()
+
+    def test_failed_open(self):
+        for timeout in (0, 20):
+            robot = Plain("127.255.255.254", timeout, 0)
+            self.assertTrue(robot.handle)
+            self.assertEqual(robot.status.StatusCode, TIMEOUT)
+            self.assertIn("No response", robot.status.Message.take())
+            robot.close()
+
+    def test_arithmetic_by_both_names(self):
+        library = ctypes.CDLL(_library.load().path)
+        for plain, linked, inputs, kind, expected, *angle in ARITHMETIC:
+            for name in (plain, linked):
+                with self.subTest(name):
+                    function = getattr(library, name)
+                    function.restype, *function.argtypes = _prototypes.PROTOTYPES[plain]
+                    out = kind()
+                    function(*map(ctypes.byref, inputs), ctypes.byref(out), *angle)
+                    got = [getattr(out, field) for field, _ in getattr(kind, "_fields_", [("value", 0)])]
+                    for one, other in zip(got, expected):
+                        self.assertAlmostEqual(one, other, 12)
+
+    def test_linked_open_and_close(self):
+        library = ctypes.CDLL(_library.load().path)
+        library.OpenConnection.restype = ctypes.c_void_p
+        library.CloseConnection.argtypes = [ctypes.c_void_p]
+        for address, version, code in [
+            (self.simulator.address, b"1.1.3", 0),
+            (self.simulator.address, b"1.1.2", 0x30013),
+        ]:
+            text, status = CxxString(address.encode()), CxxStatus()
+            controller = library.OpenConnection(
+                *(ctypes.byref(text), ctypes.byref(status), 500, 3, True, CxxView(len(version), version))
+            )
+            self.assertEqual(status.code, code)
+            self.assertEqual(controller is None, code != 0)
+            library.CloseConnection(controller)
+
+    def test_nothing_is_left_out(self):
+        names = {case[0] for case in CASES} | {name for case in ARITHMETIC for name in case[:2]}
+        names |= {"open_connection", "close_connection", "OpenConnection", "CloseConnection"}
+        self.assertEqual(names, set((ROOT / "cmake/exported-symbols.txt").read_text().split()))
+
+
+if __name__ == "__main__":
+    unittest.main()

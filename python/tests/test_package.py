@@ -1,0 +1,225 @@
+"""The package as its users see it."""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+import warnings
+
+import harvlink
+from harvlink import CoordinateType, Conversion, ErrorCode, IOType, Motion, MoveType, Position
+
+from .support import ROOT, SimulatorTest
+
+SCENE = """
+[controller]
+groups = ["R1", "B1", "S1:2"]
+time_scale = 50.0
+
+[[alarms]]
+code = 4107
+subcode = 3
+name = "Out of range"
+"""
+ALL_BYTES = "".join(chr(byte) for byte in range(1, 256))
+JOB = "/JOB\r\n//NAME OWN\r\n///COMM \xe4\xff\r\n//INST\r\nNOP\r\nEND\r\n"
+DOWN = Position(CoordinateType.BASE, (760.0, 0.0, 985.0, 180.0))
+
+
+class ConnectedTest(SimulatorTest):
+    @classmethod
+    def setUpClass(cls):
+        scene = tempfile.NamedTemporaryFile("w", suffix=".toml")
+        cls.addClassCleanup(scene.close)
+        scene.write(SCENE)
+        scene.flush()
+        cls.options = ("--scene", scene.name)
+        super().setUpClass()
+
+    def setUp(self):
+        self.robot = harvlink.connect(self.simulator.address)
+        self.addCleanup(self.robot.close)
+
+    def test_what_is_written_is_read(self):
+        variables, io = self.robot.variables, self.robot.io
+        figure = harvlink.Figure(s_angle=harvlink.AxisAngle.GREATER_THAN_180, flip_or_no_flip=harvlink.FlipOrNoFlip.NO_FLIP)
+        for view, place, value in [
+            *((variables.b, 0, 255), (variables.i, 1, -(2**15)), (variables.d, 2, -(2**31)), (variables.r, 3, 0.25)),
+            *((variables.s, index, ALL_BYTES[start : start + 32]) for index, start in enumerate(range(0, 255, 32))),
+            (variables.p, 1, Position(CoordinateType.USER, (1.5, -2.25, 3, 90), 2, 5, figure)),
+            (variables.bp, 1, Position(CoordinateType.BASE, (250.5,))),
+            (variables.ex, 1, Position(CoordinateType.PULSE, (1000, -2000))),
+            *((io, 27010, True), (io, 27010, False), (io, (IOType.NETWORK_INPUT, 1, 7), True)),
+            *((io.bytes, 27020, 0x81), (io.bytes, (IOType.NETWORK_INPUT, 2), 0x42)),
+            *((io.words, 27030, 0xBEEF), (io.words, (IOType.NETWORK_INPUT, 3), 0x1234), (io.registers, 7, 0xFFFF)),
+        ]:
+            with self.subTest(view=view, place=place):
+                view[place] = value
+                self.assertEqual(view[place], value)
+                self.assertIs(type(view[place]), type(value))
+
+    def test_nothing_is_cut_silently(self):
+        variables, io = self.robot.variables, self.robot.io
+        for view, place, value, error in [
+            *((variables.b, 0, 256, OverflowError), (variables.b, 0, -1, OverflowError)),
+            *((variables.i, 0, 2**15, OverflowError), (variables.d, 0, 2**31, OverflowError)),
+            *((variables.b, 2**16, 1, OverflowError), (io.registers, 1, 2**16, OverflowError)),
+            *((io.bytes, 27010, 256, OverflowError), (io.words, (IOType.NETWORK_INPUT, 1), -1, OverflowError)),
+            *((variables.s, 1, "a\0b", ValueError), (variables.s, 1, "\u20ac", ValueError)),
+        ]:
+            with self.subTest(view=view, value=value), self.assertRaises(error):
+                view[place] = value
+        with self.assertRaises(OverflowError):
+            variables.b[2**16]
+        with self.assertRaises(ValueError):
+            Position(axes=range(9))
+
+    def test_failures(self):
+        robot = self.robot
+        for operation, code, text in [
+            (lambda: robot.variables.b[3000], ErrorCode.INVALID_VARIABLE_INDEX, "The requested variable index is invalid."),
+            (lambda: robot.variables.s[3000], ErrorCode.INVALID_VARIABLE_INDEX, "The requested variable index is invalid."),
+            (lambda: robot.position("R2"), ErrorCode.CONTROL_GROUP_NOT_ATTACHED, "This Control Group is not attached"),
+            (lambda: robot.io.address(IOType.NETWORK_INPUT, 1, 8), ErrorCode.INVALID_BIT_VALUE, ""),
+            (lambda: robot.files.get("NONE.TXT"), ErrorCode.INVALID_FILE_EXTENSION, ""),
+            (lambda: robot.jobs.select("OWN", 10000), -79979008, "Invalid line number."),
+            (lambda: robot.alarms.history(7), ErrorCode.INVALID_ALARM_CATEGORY, ""),
+            (lambda: robot.motion.add(Motion("R1", Position(), 101)), ErrorCode.JOINT_SPEED_OUT_OF_RANGE, ""),
+            (lambda: robot.motion.progress("R2"), 65504, "Group does not exist."),
+            (lambda: harvlink.connect("127.255.255.254", 0.01, 0), ErrorCode.RESPONSE_TIMEOUT, "No response from controller"),
+        ]:
+            with self.subTest(code), self.assertRaises(harvlink.Error) as caught:
+                operation()
+            self.assertEqual(caught.exception.code, code)
+            self.assertIn(text, caught.exception.text)
+        for operation in (lambda: robot.position("X1"), lambda: robot.files.list("TXT")):
+            with self.assertRaises(ValueError):
+                operation()
+
+    def test_alarms_come_with_their_texts(self):
+        (alarm,) = self.robot.alarms.active()
+        self.assertEqual((alarm.code, alarm.subcode, alarm.name), (4107, 3, "Out of range"))
+        self.assertIn(alarm, self.robot.alarms.history(harvlink.AlarmCategory.MINOR))
+        self.assertTrue(self.robot.state().is_alarming)
+        self.robot.alarms.clear()
+        self.assertEqual(self.robot.alarms.active(), [])
+
+    def test_files(self):
+        files = self.robot.files
+        files.put("OWN.JBI", JOB)
+        self.assertEqual(files.get("OWN.JBI"), JOB)
+        self.assertIn("OWN.JBI", files.list("jbi"))
+        self.assertEqual(files.count(".JBI"), len(files.list("JBI")))
+        self.robot.jobs.select("own")
+        copy = pathlib.Path("OWN.JBI")
+        files.download("OWN.JBI", copy)
+        self.assertEqual(copy.read_bytes().decode("latin-1"), JOB)
+        with self.assertRaises(harvlink.Error):
+            files.download("OWN.JBI", copy)
+        files.download("OWN.JBI", copy, overwrite=True)
+        files.upload(copy)
+        self.robot.jobs.select("PICK")
+        files.delete("OWN")
+        self.assertNotIn("OWN.JBI", files.list("JBI"))
+
+    def test_the_arm_moves(self):
+        robot = self.robot
+        robot.alarms.clear()
+        robot.control.servos(True)
+        self.addCleanup(robot.control.servos, False)
+        start = robot.position("R1")
+        turn = Motion("R1", start.shifted(20000), 50, acceleration=50, deceleration=50)
+        robot.motion.add(turn, Motion("B1", robot.position("B1").shifted(1000), 50))
+        robot.motion.start()
+        self.assertAlmostEqual(robot.motion.wait(turn, timeout=20).axes[0], start.axes[0] + 20000, delta=1)
+        here = robot.position("R1", CoordinateType.BASE)
+        self.assertEqual(robot.kinematics.convert(robot.position("R1"), Conversion.PULSE_TO_CARTESIAN).axes[2], here.axes[2])
+        x, y, z, *angles = here.axes
+        arc = Motion("R1", Position(here.kind, (x, y, z - 80, *angles)), 100, MoveType.CIRCLE, via=(x - 40, y, z - 40, *angles))
+        robot.motion.add(arc)
+        self.assertAlmostEqual(robot.motion.wait(arc, timeout=20).axes[2], z - 80, delta=1)
+        robot.motion.stop()
+        with self.assertRaises(TimeoutError):
+            robot.motion.wait(turn, timeout=0)
+
+    def test_a_circle_needs_its_point_and_the_first_place(self):
+        arc = Motion("R1", DOWN, 100, MoveType.CIRCLE, via=(1, 2, 3))
+        for wrong in (
+            lambda: Motion("R1", DOWN, 100, MoveType.CIRCLE),
+            lambda: Motion("R1", DOWN, 100, MoveType.LINE, via=(1, 2, 3)),
+            lambda: self.robot.motion.add(Motion("B1", Position(), 10), arc),
+            lambda: self.robot.motion.add(*[arc] * 5),
+        ):
+            with self.assertRaises(ValueError):
+                wrong()
+
+    def test_what_a_success_left_out_is_a_warning(self):
+        with warnings.catch_warnings(record=True) as caught:
+            warnings.simplefilter("always")
+            self.robot.variables.s[9] = "x" * 33
+            self.robot.variables.s[9] = "x" * 32
+        self.assertEqual([(w.category, w.filename) for w in caught], [(harvlink.Note, __file__)])
+        self.assertIn("truncated", str(caught[0].message))
+
+    def test_closing_waits_for_others_and_happens_once(self):
+        stop = threading.Event()
+        seen = []
+
+        def read():
+            try:
+                while not stop.is_set():
+                    seen.append(self.robot.variables.b[0])
+            except ValueError:
+                seen.append("closed")
+
+        readers = [threading.Thread(target=read) for _ in range(4)]
+        self.addCleanup(stop.set)
+        for reader in readers:
+            reader.start()
+        with self.robot:
+            self.robot.state()
+        self.robot.close()
+        for reader in readers:
+            reader.join(20)
+        self.assertEqual(seen.count("closed"), 4)
+        with self.assertRaises(ValueError):
+            self.robot.state()
+
+    def test_a_forgotten_connection_is_closed(self):
+        with self.assertWarns(ResourceWarning):
+            robot = harvlink.connect(self.simulator.address)
+            del robot
+
+    def test_numbers_without_a_name_keep_their_value(self):
+        self.assertEqual(CoordinateType(21) + 0, 21)
+        with self.assertRaises(ValueError):
+            CoordinateType("PULSE")
+
+
+@unittest.skipIf("LD_PRELOAD" in os.environ, "a library under a sanitizer is not for others")
+class InstallTest(unittest.TestCase):
+    def test_an_installed_package_brings_its_library(self):
+        with tempfile.TemporaryDirectory() as folder:
+            pip = [sys.executable, "-m", "pip", "--disable-pip-version-check", "install", "--quiet", "--no-index"]
+            if subprocess.run([*pip[:3], "--version"], capture_output=True).returncode != 0:
+                self.skipTest("this interpreter has no pip")
+            subprocess.run([*pip, "--no-deps", "--target", folder, ROOT / "python"], check=True, capture_output=True)
+            environment = {key: value for key, value in os.environ.items() if key != "HARVLINK_LIBRARY"}
+            program = "import harvlink; print(harvlink.Vector(1, 2, 3).dot(harvlink.Vector(1, 1, 1)))"
+            shown = subprocess.run(
+                [sys.executable, "-c", program], cwd=folder, env=environment, check=True, capture_output=True, text=True
+            )
+            self.assertEqual(shown.stdout, "6.0\n")
+
+    def test_a_missing_library_is_named(self):
+        environment = {**os.environ, "HARVLINK_LIBRARY": "/nowhere/libharvlink.so", "PYTHONPATH": str(ROOT / "python")}
+        program = "import harvlink; harvlink.connect('127.0.0.1')"
+        ended = subprocess.run([sys.executable, "-c", program], env=environment, capture_output=True, text=True)
+        self.assertIn("OSError: HARVLINK_LIBRARY names no file: /nowhere/libharvlink.so", ended.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
