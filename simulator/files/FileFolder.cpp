@@ -102,8 +102,7 @@ std::vector<std::string> FileFolder::Names() const {
     std::vector<std::string> names;
     VisitFiles([&](std::string const& name, char const*) { names.push_back(name); });
     std::ranges::sort(names);
-    auto const repeated = std::ranges::unique(names);
-    names.erase(repeated.begin(), repeated.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;
 }
 

@@ -109,8 +109,7 @@ std::vector<std::string> FileStore::Names(std::string_view pattern) const {
     }
     std::erase_if(names, [&](std::string const& name) { return !MatchesPattern(pattern, name); });
     std::ranges::sort(names);
-    auto const repeated = std::ranges::unique(names);
-    names.erase(repeated.begin(), repeated.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;
 }
 

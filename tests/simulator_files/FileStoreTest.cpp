@@ -15,7 +15,7 @@ namespace {
 
 using enum FileServices;
 
-std::string const OfBlocks(std::size_t size) {
+std::string OfBlocks(std::size_t size) {
     std::string text(size, 'x');
     for (std::size_t i = 0; i < size; i += 10) {
         text.replace(i, std::min<std::size_t>(10, size - i), std::to_string(1000000000 + i), 0, size - i);
