@@ -1,18 +1,7 @@
 """The records of harvlink_c.h, field by field in its order and under its names."""
 
 import ctypes
-from ctypes import (
-    c_bool,
-    c_char_p,
-    c_double,
-    c_float,
-    c_int16,
-    c_int32,
-    c_int64,
-    c_uint8,
-    c_uint16,
-    c_uint32,
-)
+from ctypes import c_bool, c_char_p, c_double, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32
 
 _free = ctypes.CDLL(None).free
 _free.argtypes = [ctypes.c_void_p]

@@ -54,7 +54,12 @@ class Robot:
         return self.controller.state()
 
     def position(
-        self, group: Group = "R1", kind: CoordinateType = CoordinateType.PULSE, *, user_coordinate: int = 0, tool: int = 0
+        self,
+        group: Group = "R1",
+        kind: CoordinateType = CoordinateType.PULSE,
+        *,
+        user_coordinate: int = 0,
+        tool: int = 0,
     ) -> Position:
         """Where a group stands now; see ControlGroups.position."""
         return self.groups.position(group, kind, user_coordinate=user_coordinate, tool=tool)
@@ -71,10 +76,7 @@ class Robot:
         return self
 
     def __exit__(
-        self,
-        kind: Optional[Type[BaseException]],
-        error: Optional[BaseException],
-        traceback: Optional[TracebackType],
+        self, kind: Optional[Type[BaseException]], error: Optional[BaseException], traceback: Optional[TracebackType]
     ) -> None:
         self.close()
 

@@ -17,7 +17,8 @@ class ControlGroups:
         self, group: Group, kind: CoordinateType = CoordinateType.PULSE, *, user_coordinate: int = 0, tool: int = 0
     ) -> Position:
         """Where a group stands. Kinds are PULSE, BASE and, on newer controllers, ROBOT and USER; `tool` and
-        `user_coordinate` (1 to 63) are ignored for PULSE. With BASE and ROBOT a tool that does not exist gives zeros."""
+        `user_coordinate` (1 to 63) are ignored for PULSE. With BASE and ROBOT a tool that does not exist gives zeros.
+        """
         record = _records.PositionData()
         self._read("position_data", group, kind, user_coordinate, tool, ctypes.byref(record))
         return from_record(record)

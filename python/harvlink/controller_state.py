@@ -58,9 +58,7 @@ class ControllerState:
     def system_information(self, about: int = SystemInfoId.ROBOT1) -> SystemInformation:
         """Software version and model name of a robot, station or application."""
         record = _records.ISystemInfoData()
-        status = self._link.call(
-            "controller_state_interface_read_system_information", about, ctypes.byref(record)
-        )
+        status = self._link.call("controller_state_interface_read_system_information", about, ctypes.byref(record))
         information = SystemInformation(record.softwareVersion.take(), record.modelName.take())
         settle(status)
         return information

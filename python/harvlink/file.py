@@ -32,7 +32,9 @@ class Files:
     def list(self, kind: Kind, in_order: bool = True) -> List[str]:
         """The names of the files of a kind, in byte order if `in_order`."""
         status = _records.IStatusInfo()
-        names = self._link.call("file_interface_ListFiles", _kind_number(kind), ctypes.byref(status), in_order).take()
+        names: str = self._link.call(
+            "file_interface_ListFiles", _kind_number(kind), ctypes.byref(status), in_order
+        ).take()
         settle(status)
         return names.split("\n")[:-1]
 

@@ -34,7 +34,7 @@ class Kinematics:
                 ctypes.byref(source),
                 conversion,
                 kinematics,
-                (_records.c_double * AXES)(*eight(previous_angles)),
+                (ctypes.c_double * AXES)(*eight(previous_angles)),
                 ctypes.byref(result),
             )
         else:

@@ -58,12 +58,15 @@ def _record(motion: Motion) -> _records.CircularMotion:
         motion.kind,
         to_record(motion.position),
     )
-    return _records.CircularMotion(plain, (_records.c_double * AXES)(*eight(motion.via or ())))
+    return _records.CircularMotion(plain, (ctypes.c_double * AXES)(*eight(motion.via or ())))
 
 
 class MotionManager:
-    """Points are queued by `add` and sent in order by a thread of the library once `start` was called. If the controller
-    refuses one, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the queue."""
+    """Points are queued by `add` and sent in order by a thread of the library once `start` was called.
+
+    If the controller refuses one, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the
+    queue.
+    """
 
     def __init__(self, link: Link) -> None:
         self._link = link
@@ -100,8 +103,10 @@ class MotionManager:
         return progress
 
     def wait(self, motion: Motion, timeout: float = 60.0, tolerance: float = 1.0) -> Position:
-        """Looks until the group is within `tolerance` (pulses or millimetres) of where the motion leads, and returns its
-        position. Cartesian targets are compared by X, Y and Z. TimeoutError after `timeout` seconds."""
+        """Looks until the group is within `tolerance` (pulses or millimetres) of where the motion leads.
+
+        Returns its position. Cartesian targets are compared by X, Y and Z. TimeoutError after `timeout` seconds.
+        """
         target = motion.position
         compared = 3 if target.kind else AXES
         end = time.monotonic() + timeout

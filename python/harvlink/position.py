@@ -1,5 +1,6 @@
 """Positions of control groups."""
 
+import ctypes
 import dataclasses
 from typing import Sequence, Tuple
 
@@ -68,9 +69,9 @@ def to_record(position: Position) -> _records.PositionData:
     return _records.PositionData(
         position.kind,
         _records.Figure(*dataclasses.astuple(position.figure)),
-        exact(_records.c_int32, position.tool),
-        exact(_records.c_int32, position.user_coordinate),
-        (_records.c_double * AXES)(*position.axes),
+        exact(ctypes.c_int32, position.tool),
+        exact(ctypes.c_int32, position.user_coordinate),
+        (ctypes.c_double * AXES)(*position.axes),
     )
 
 
@@ -82,5 +83,5 @@ def from_record(record: _records.PositionData) -> Position:
         tuple(record.axes),
         record.toolNumber,
         record.userCoordinateNumber,
-        Figure(*(kind(number) for kind, number in zip(kinds, numbers))),  # type: ignore[operator,arg-type]
+        Figure(*(kind(number) for kind, number in zip(kinds, numbers))),
     )

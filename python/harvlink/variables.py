@@ -35,7 +35,7 @@ class Integers(_Kind):
 
     def __setitem__(self, index: int, value: int) -> None:
         held = dict(self._record._fields_)["value"]
-        self._write(self._record(exact(held, value), exact(_records.c_uint16, index)))
+        self._write(self._record(exact(held, value), exact(ctypes.c_uint16, index)))
 
 
 class Reals(_Kind):
@@ -45,7 +45,7 @@ class Reals(_Kind):
         return float(self._read(index).value)
 
     def __setitem__(self, index: int, value: float) -> None:
-        self._write(self._record(value, exact(_records.c_uint16, index)))
+        self._write(self._record(value, exact(ctypes.c_uint16, index)))
 
 
 class Texts(_Kind):
@@ -59,7 +59,7 @@ class Texts(_Kind):
         return text
 
     def __setitem__(self, index: int, text: str) -> None:
-        record = _records.StringToWrite(text_bytes(text), exact(_records.c_uint16, index))
+        record = _records.StringToWrite(text_bytes(text), exact(ctypes.c_uint16, index))
         self._write(ctypes.cast(ctypes.byref(record), ctypes.POINTER(self._record)))
 
 
@@ -70,7 +70,7 @@ class Positions(_Kind):
         return from_record(self._read(index).positionData)
 
     def __setitem__(self, index: int, position: Position) -> None:
-        self._write(ctypes.byref(self._record(to_record(position), exact(_records.c_uint16, index))))
+        self._write(ctypes.byref(self._record(to_record(position), exact(ctypes.c_uint16, index))))
 
 
 class Variables:

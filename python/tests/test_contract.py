@@ -26,11 +26,7 @@ C_TYPES = {
     **{f"{sign}int{bits}_t": getattr(ctypes, f"c_{sign}int{bits}") for sign in ("", "u") for bits in (8, 16, 32, 64)},
     **{name: ctypes.c_int32 for name in re.findall(r"typedef int32_t (\w+);", HEADER)},
 }
-TWINS = {
-    "MoveType": "MoveInterpolationType",
-    "Conversion": "KinematicConversions",
-    "ErrorCode": "ErrorStatusCodes",
-}
+TWINS = {"MoveType": "MoveInterpolationType", "Conversion": "KinematicConversions", "ErrorCode": "ErrorStatusCodes"}
 
 
 def c_type(text, count=None):

@@ -36,8 +36,8 @@ def position_variable(record, index=1):
 
 
 # What works, in this order: function, arguments, expected message, value or texts (None: whatever they are), then the
-# arguments that the function itself or the controller refuses, and the code of that. Where these are missing, silence of
-# the controller is the failure.
+# arguments that the function itself or the controller refuses, and the code of that. Where these are missing, the
+# controller's silence is the failure.
 CASES = [
     ("control_commands_interface_SetServos", (1,), OK, None),
     ("control_commands_interface_SetHold", (1,), OK, None),
@@ -49,7 +49,14 @@ CASES = [
         *("controller_state_interface_read_system_information", (11, r.ISystemInfoData), OK),
         *(["YAS4.10.00A(EN/JP)-00", "HV012-1440-A00"], (99, r.ISystemInfoData), 45063),
     ),
-    ("controller_state_interface_read_operating_times", (R1, 1, r.TimeData, 0), OK, None, (R1, 20, r.TimeData, 0), 40961),
+    (
+        "controller_state_interface_read_operating_times",
+        (R1, 1, r.TimeData, 0),
+        OK,
+        None,
+        (R1, 20, r.TimeData, 0),
+        40961,
+    ),
     ("controller_state_read_system_param", (4, 22, c_int), OK, 1, (0, 1, c_int), 0x30012),
     ("controller_state_group_read_system_param", (0, 10, 1, c_int), OK, 0, (0, 10, 99, c_int), 0x30016),
     ("fault_interface_get_active_alarms", (r.IActiveAlarms,), OK, [""] * 8),
@@ -104,7 +111,14 @@ CASES = [
         for form, kind, written in [(by, c_uint, wide), (f"{narrow}_{by}", integer, value - 1)]
         for case in [
             (f"io_interface_{form}_Write{size}", (*place, written), OK, None, (*nowhere, 1), write_code),
-            (f"io_interface_{form}_Read{size}", (*place, kind), OK, written & integer(-1).value, (*nowhere, kind), read_code),
+            (
+                f"io_interface_{form}_Read{size}",
+                (*place, kind),
+                OK,
+                written & integer(-1).value,
+                (*nowhere, kind),
+                read_code,
+            ),
         ]
     ],
     ("io_interface_WriteRegister", (5, 0xBEEF), OK, None, (2049, 1), 0x30008),
@@ -119,9 +133,23 @@ CASES = [
         *("file_interface_ListFiles", (0, "status", True), OK),
         *(["DEMO.JBI\nHANDSHAKE.JBI\nOWN.JBI\nPICK.JBI\n"], (5, "status", True), None),
     ),
-    ("file_interface_SaveFromControllerToString", (b"OWN.JBI", "status"), OK, [JOB.decode()], (b"OWN", "status"), 0x20001),
+    (
+        "file_interface_SaveFromControllerToString",
+        (b"OWN.JBI", "status"),
+        OK,
+        [JOB.decode()],
+        (b"OWN", "status"),
+        0x20001,
+    ),
     # Of the number only the low byte counts.
-    ("file_interface_SaveFromControllerToFile", (b"OWN.JBI", b"OWN.JBI", 257), OK, None, (b"OWN.JBI", b"OWN.JBI", 256), 0x20002),
+    (
+        "file_interface_SaveFromControllerToFile",
+        (b"OWN.JBI", b"OWN.JBI", 257),
+        OK,
+        None,
+        (b"OWN.JBI", b"OWN.JBI", 256),
+        0x20002,
+    ),
     ("job_interface_set_active_job", (b"OWN", 0), OK, None, (b"OWN", 10000), -79979008),
     ("job_interface_get_executing_job_information", (0, r.IJobData), OK, None, (99, r.IJobData), 40961),
     ("job_interface_get_job_stack", (1, r.IJobStack), OK, ["none"] * 12, (99, r.IJobStack), -79934465),
@@ -147,7 +175,14 @@ CASES = [
     ),
     (
         "kinematics_interface_ConvertPositionFromCartesian",
-        (R1, r.PositionData(16, r.Figure(), 0, 0, (c_double * 8)(760, 0, 985, 180)), 5, 2, (c_double * 8)(), r.PositionData),
+        (
+            R1,
+            r.PositionData(16, r.Figure(), 0, 0, (c_double * 8)(760, 0, 985, 180)),
+            5,
+            2,
+            (c_double * 8)(),
+            r.PositionData,
+        ),
         *(OK, None),
         *((R1, pulses(), 0, 2, (c_double * 8)(), r.PositionData), 0x20013),
     ),
@@ -163,7 +198,14 @@ ARITHMETIC = [
     ("vector_math_inner_product", "InnerProduct", (VECTOR(1, 2, 3), VECTOR(4, 5, 6)), c_double, (32.0,)),
     ("vector_math_cross_product", "CrossProduct", (VECTOR(1, 2, 3), VECTOR(*UNIT)), VECTOR, (2.0, -1.0, 0.0)),
     ("frame_math_invert_frame", "InvertFrame", (FRAME(*TURNED),), FRAME, UNTURNED),
-    ("frame_math_rotate_frame", "RotateFrame", (FRAME(*TURNED), VECTOR(*UNIT)), FRAME, (*IDENTITY[:9], 5.0, 6.0, 7.0), -90.0),
+    (
+        "frame_math_rotate_frame",
+        "RotateFrame",
+        (FRAME(*TURNED), VECTOR(*UNIT)),
+        FRAME,
+        (*IDENTITY[:9], 5.0, 6.0, 7.0),
+        -90.0,
+    ),
     ("frame_math_frame_to_zyx_euler", "FrameToZYXeuler", (FRAME(*TURNED),), POSE, (5.0, 6.0, 7.0, 0.0, 0.0, 90.0)),
     ("frame_math_multiply_frames", "MultiplyFrames", (FRAME(*TURNED), FRAME(*UNTURNED)), FRAME, IDENTITY),
     ("frame_math_zyx_euler_to_frame", "ZYXeulerToFrame", (POSE(5, 6, 7, 0, 0, 90),), FRAME, TURNED),

@@ -45,9 +45,16 @@ class ConnectedTest(SimulatorTest):
 
     def test_what_is_written_is_read(self):
         variables, io = self.robot.variables, self.robot.io
-        figure = harvlink.Figure(s_angle=harvlink.AxisAngle.GREATER_THAN_180, flip_or_no_flip=harvlink.FlipOrNoFlip.NO_FLIP)
+        figure = harvlink.Figure(
+            s_angle=harvlink.AxisAngle.GREATER_THAN_180, flip_or_no_flip=harvlink.FlipOrNoFlip.NO_FLIP
+        )
         for view, place, value in [
-            *((variables.b, 0, 255), (variables.i, 1, -(2**15)), (variables.d, 2, -(2**31)), (variables.r, 3, 0.25)),
+            *(
+                (variables.b, 0, 255),
+                (variables.i, 1, -(2**15)),
+                (variables.d, 2, -(2**31)),
+                (variables.r, 3, 0.25),
+            ),
             *((variables.s, index, ALL_BYTES[start : start + 32]) for index, start in enumerate(range(0, 255, 32))),
             (variables.p, 1, Position(CoordinateType.USER, (1.5, -2.25, 3, 90), 2, 5, figure)),
             (variables.bp, 1, Position(CoordinateType.BASE, (250.5,))),
@@ -80,8 +87,16 @@ class ConnectedTest(SimulatorTest):
     def test_failures(self):
         robot = self.robot
         for operation, code, text in [
-            (lambda: robot.variables.b[3000], ErrorCode.INVALID_VARIABLE_INDEX, "The requested variable index is invalid."),
-            (lambda: robot.variables.s[3000], ErrorCode.INVALID_VARIABLE_INDEX, "The requested variable index is invalid."),
+            (
+                lambda: robot.variables.b[3000],
+                ErrorCode.INVALID_VARIABLE_INDEX,
+                "The requested variable index is invalid.",
+            ),
+            (
+                lambda: robot.variables.s[3000],
+                ErrorCode.INVALID_VARIABLE_INDEX,
+                "The requested variable index is invalid.",
+            ),
             (lambda: robot.position("R2"), ErrorCode.CONTROL_GROUP_NOT_ATTACHED, "This Control Group is not attached"),
             (lambda: robot.io.address(IOType.NETWORK_INPUT, 1, 8), ErrorCode.INVALID_BIT_VALUE, ""),
             (lambda: robot.files.get("NONE.TXT"), ErrorCode.INVALID_FILE_EXTENSION, ""),
@@ -89,7 +104,11 @@ class ConnectedTest(SimulatorTest):
             (lambda: robot.alarms.history(7), ErrorCode.INVALID_ALARM_CATEGORY, ""),
             (lambda: robot.motion.add(Motion("R1", Position(), 101)), ErrorCode.JOINT_SPEED_OUT_OF_RANGE, ""),
             (lambda: robot.motion.progress("R2"), 65504, "Group does not exist."),
-            (lambda: harvlink.connect("127.255.255.254", 0.01, 0), ErrorCode.RESPONSE_TIMEOUT, "No response from controller"),
+            (
+                lambda: harvlink.connect("127.255.255.254", 0.01, 0),
+                ErrorCode.RESPONSE_TIMEOUT,
+                "No response from controller",
+            ),
         ]:
             with self.subTest(code), self.assertRaises(harvlink.Error) as caught:
                 operation()
@@ -136,9 +155,13 @@ class ConnectedTest(SimulatorTest):
         robot.motion.start()
         self.assertAlmostEqual(robot.motion.wait(turn, timeout=20).axes[0], start.axes[0] + 20000, delta=1)
         here = robot.position("R1", CoordinateType.BASE)
-        self.assertEqual(robot.kinematics.convert(robot.position("R1"), Conversion.PULSE_TO_CARTESIAN).axes[2], here.axes[2])
+        self.assertEqual(
+            robot.kinematics.convert(robot.position("R1"), Conversion.PULSE_TO_CARTESIAN).axes[2], here.axes[2]
+        )
         x, y, z, *angles = here.axes
-        arc = Motion("R1", Position(here.kind, (x, y, z - 80, *angles)), 100, MoveType.CIRCLE, via=(x - 40, y, z - 40, *angles))
+        arc = Motion(
+            "R1", Position(here.kind, (x, y, z - 80, *angles)), 100, MoveType.CIRCLE, via=(x - 40, y, z - 40, *angles)
+        )
         robot.motion.add(arc)
         self.assertAlmostEqual(robot.motion.wait(arc, timeout=20).axes[2], z - 80, delta=1)
         robot.motion.stop()
