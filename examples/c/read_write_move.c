@@ -3,12 +3,13 @@
  *
  * Careful: this moves robot R1. Run it against the virtual controller first:
  *     harvlink-sim --address 127.0.0.1 &
- *     harvlink_example_c 127.0.0.1
+ *     harvlink_example_c 127.0.0.1 --yes
  */
 
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <threads.h>
 
 #include "harvlink/harvlink_c.h"
@@ -35,8 +36,9 @@ static bool show_state(void) {
         return false;
     }
     /* The texts are filled after a failure too. */
-    bool const ok = succeeded("read system information",
-                              controller_state_interface_read_system_information(controller, HARVLINK_INFO_ROBOT(1), &robot));
+    bool const ok =
+        succeeded("read system information",
+                  controller_state_interface_read_system_information(controller, HARVLINK_INFO_ROBOT(1), &robot));
     printf("%s, software %s, servo %s\n", robot.modelName, robot.softwareVersion, state.isServoOn ? "on" : "off");
     free(robot.modelName);
     free(robot.softwareVersion);
@@ -99,8 +101,9 @@ static bool turn_first_axis(void) {
 }
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        (void)fprintf(stderr, "Usage: %s ADDRESS\nMoves robot R1 of the controller at ADDRESS.\n", argv[0]);
+    if (argc != 3 || strcmp(argv[2], "--yes") != 0) {
+        (void)fprintf(stderr, "This turns the first axis of robot R1.\n");
+        (void)fprintf(stderr, "Make sure that nobody is near, then run: %s ADDRESS --yes\n", argv[0]);
         return 2;
     }
     IStatusInfo status;
