@@ -2,11 +2,15 @@
 
 import ctypes
 import functools
+import operator
 import os
 import pathlib
-from typing import Any, Iterator, Sequence
+from typing import Any, Iterator, Sequence, Union
 
 from ._prototypes import PROTOTYPES
+
+Path = Union[str, "os.PathLike[str]"]
+"""A path of this computer."""
 
 FILE_NAME = "libharvlink.so"
 _INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctypes.c_uint, ctypes.c_uint32)
@@ -14,7 +18,7 @@ _INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctyp
 
 def exact(integer: Any, value: int) -> int:
     """`value`, which must fit the C type: left to itself, the conversion would cut off its high bits."""
-    value = int(value)
+    value = operator.index(value)
     if integer(value).value != value:
         raise OverflowError(f"{value} does not fit {8 * ctypes.sizeof(integer)} bits")
     return value
@@ -22,9 +26,18 @@ def exact(integer: Any, value: int) -> int:
 
 def text_bytes(text: str) -> bytes:
     """A text as it goes to the controller, one byte per character."""
-    if "\0" in text:
+    return _without_zero(text.encode("latin-1"))
+
+
+def path_bytes(path: Path) -> bytes:
+    """A path as this computer's file system spells it."""
+    return _without_zero(os.fsencode(path))
+
+
+def _without_zero(text: bytes) -> bytes:
+    if b"\0" in text:
         raise ValueError("a text must not hold zero bytes: it would end there")
-    return text.encode("latin-1")
+    return text
 
 
 class Library:

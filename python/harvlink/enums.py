@@ -1,6 +1,7 @@
 """The numbers of the controller and of the library, by name."""
 
 import enum
+import operator
 from typing import Optional, Union
 
 
@@ -33,7 +34,7 @@ Group = Union[ControlGroupId, int, str]
 def group_number(group: Group) -> int:
     """The number of a group; ValueError for a name that no group has."""
     if not isinstance(group, str):
-        return int(group)
+        return operator.index(group)
     try:
         return int(ControlGroupId[group.upper()])
     except KeyError:

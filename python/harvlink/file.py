@@ -1,19 +1,16 @@
 """The controller's file store. A transfer blocks until it is done; do one at a time."""
 
 import ctypes
-import os
 from typing import List, Union
 
 from . import _records
-from ._library import text_bytes
+from ._library import Path, path_bytes, text_bytes
 from ._link import Link
 from .enums import FileType
 from .errors import settle
 
 Kind = Union[FileType, str]
 """A kind of files by number or by extension, such as "JBI"."""
-
-Path = Union[str, "os.PathLike[str]"]
 
 
 def _kind_number(kind: Kind) -> int:
@@ -58,11 +55,11 @@ class Files:
 
     def download(self, name: str, path: Path, overwrite: bool = False) -> None:
         """Fetches a file and writes it to a path of this computer."""
-        self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), os.fsencode(path), bool(overwrite))
+        self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), path_bytes(path), bool(overwrite))
 
     def upload(self, path: Path) -> None:
         """Stores a file of this computer under its own name. Warns if a job does not show in the controller's list."""
-        self._link.do("file_interface_LoadToControllerFromPath", os.fsencode(path))
+        self._link.do("file_interface_LoadToControllerFromPath", path_bytes(path))
 
     def delete(self, name: str) -> None:
         """Deletes a job; ".JBI" may be left out."""

@@ -1,5 +1,7 @@
 """The package as its users see it."""
 
+import contextlib
+import io
 import os
 import pathlib
 import subprocess
@@ -44,7 +46,7 @@ class ConnectedTest(SimulatorTest):
         self.addCleanup(self.robot.close)
 
     def test_what_is_written_is_read(self):
-        variables, io = self.robot.variables, self.robot.io
+        variables, signals = self.robot.variables, self.robot.io
         figure = harvlink.Figure(
             s_angle=harvlink.AxisAngle.GREATER_THAN_180, flip_or_no_flip=harvlink.FlipOrNoFlip.NO_FLIP
         )
@@ -59,9 +61,13 @@ class ConnectedTest(SimulatorTest):
             (variables.p, 1, Position(CoordinateType.USER, (1.5, -2.25, 3, 90), 2, 5, figure)),
             (variables.bp, 1, Position(CoordinateType.BASE, (250.5,))),
             (variables.ex, 1, Position(CoordinateType.PULSE, (1000, -2000))),
-            *((io, 27010, True), (io, 27010, False), (io, (IOType.NETWORK_INPUT, 1, 7), True)),
-            *((io.bytes, 27020, 0x81), (io.bytes, (IOType.NETWORK_INPUT, 2), 0x42)),
-            *((io.words, 27030, 0xBEEF), (io.words, (IOType.NETWORK_INPUT, 3), 0x1234), (io.registers, 7, 0xFFFF)),
+            *((signals, 27010, True), (signals, 27010, False), (signals, (IOType.NETWORK_INPUT, 1, 7), True)),
+            *((signals.bytes, 27020, 0x81), (signals.bytes, (IOType.NETWORK_INPUT, 2), 0x42)),
+            *(
+                (signals.words, 27030, 0xBEEF),
+                (signals.words, (IOType.NETWORK_INPUT, 3), 0x1234),
+                (signals.registers, 7, 0xFFFF),
+            ),
         ]:
             with self.subTest(view=view, place=place):
                 view[place] = value
@@ -69,34 +75,33 @@ class ConnectedTest(SimulatorTest):
                 self.assertIs(type(view[place]), type(value))
 
     def test_nothing_is_cut_silently(self):
-        variables, io = self.robot.variables, self.robot.io
+        variables, signals = self.robot.variables, self.robot.io
         for view, place, value, error in [
             *((variables.b, 0, 256, OverflowError), (variables.b, 0, -1, OverflowError)),
             *((variables.i, 0, 2**15, OverflowError), (variables.d, 0, 2**31, OverflowError)),
-            *((variables.b, 2**16, 1, OverflowError), (io.registers, 1, 2**16, OverflowError)),
-            *((io.bytes, 27010, 256, OverflowError), (io.words, (IOType.NETWORK_INPUT, 1), -1, OverflowError)),
+            *((variables.b, 2**16, 1, OverflowError), (signals.registers, 1, 2**16, OverflowError)),
+            *(
+                (signals.bytes, 27010, 256, OverflowError),
+                (signals.words, (IOType.NETWORK_INPUT, 1), -1, OverflowError),
+            ),
             *((variables.s, 1, "a\0b", ValueError), (variables.s, 1, "\u20ac", ValueError)),
         ]:
             with self.subTest(view=view, value=value), self.assertRaises(error):
                 view[place] = value
         with self.assertRaises(OverflowError):
             variables.b[2**16]
+        with self.assertRaises(TypeError):
+            variables.i[0] = 1.5
+        with self.assertRaises(ValueError):
+            self.robot.files.upload("OWN.JBI\0.txt")
         with self.assertRaises(ValueError):
             Position(axes=range(9))
 
     def test_failures(self):
         robot = self.robot
         for operation, code, text in [
-            (
-                lambda: robot.variables.b[3000],
-                ErrorCode.INVALID_VARIABLE_INDEX,
-                "The requested variable index is invalid.",
-            ),
-            (
-                lambda: robot.variables.s[3000],
-                ErrorCode.INVALID_VARIABLE_INDEX,
-                "The requested variable index is invalid.",
-            ),
+            (lambda: robot.variables.b[3000], ErrorCode.INVALID_VARIABLE_INDEX, "The requested variable index"),
+            (lambda: robot.variables.s[3000], ErrorCode.INVALID_VARIABLE_INDEX, "The requested variable index"),
             (lambda: robot.position("R2"), ErrorCode.CONTROL_GROUP_NOT_ATTACHED, "This Control Group is not attached"),
             (lambda: robot.io.address(IOType.NETWORK_INPUT, 1, 8), ErrorCode.INVALID_BIT_VALUE, ""),
             (lambda: robot.files.get("NONE.TXT"), ErrorCode.INVALID_FILE_EXTENSION, ""),
@@ -104,11 +109,7 @@ class ConnectedTest(SimulatorTest):
             (lambda: robot.alarms.history(7), ErrorCode.INVALID_ALARM_CATEGORY, ""),
             (lambda: robot.motion.add(Motion("R1", Position(), 101)), ErrorCode.JOINT_SPEED_OUT_OF_RANGE, ""),
             (lambda: robot.motion.progress("R2"), 65504, "Group does not exist."),
-            (
-                lambda: harvlink.connect("127.255.255.254", 0.01, 0),
-                ErrorCode.RESPONSE_TIMEOUT,
-                "No response from controller",
-            ),
+            (lambda: harvlink.connect("127.255.255.254", 0.01, 0), ErrorCode.RESPONSE_TIMEOUT, "No response from"),
         ]:
             with self.subTest(code), self.assertRaises(harvlink.Error) as caught:
                 operation()
@@ -167,6 +168,15 @@ class ConnectedTest(SimulatorTest):
         robot.motion.stop()
         with self.assertRaises(TimeoutError):
             robot.motion.wait(turn, timeout=0)
+
+    def test_the_session_of_the_readme(self):
+        text = (ROOT / "python/README.md").read_text()
+        session = text.split("```python\n")[1].split("```")[0].replace("127.0.0.1", self.simulator.address)
+        self.robot.alarms.clear()
+        with contextlib.redirect_stdout(io.StringIO()) as shown:
+            exec(session, {})
+        self.robot.motion.stop()
+        self.assertRegex(shown.getvalue(), r"State\(.*\)\narrived at PULSE ")
 
     def test_a_circle_needs_its_point_and_the_first_place(self):
         arc = Motion("R1", DOWN, 100, MoveType.CIRCLE, via=(1, 2, 3))
