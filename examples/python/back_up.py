@@ -4,7 +4,7 @@ import pathlib
 import sys
 
 import harvlink
-from harvlink import ErrorCode, FileType
+from harvlink import FileType
 
 KINDS = (FileType.JBI, FileType.DAT, FileType.CND)
 
@@ -12,13 +12,7 @@ KINDS = (FileType.JBI, FileType.DAT, FileType.CND)
 def back_up(robot: harvlink.Robot, folder: pathlib.Path) -> int:
     saved = 0
     for kind in KINDS:
-        try:
-            names = robot.files.list(kind)
-        except harvlink.Error as error:
-            if error.code != ErrorCode.NO_FILES_WITH_EXTENSION:
-                raise
-            names = []
-        for name in names:
+        for name in robot.files.list(kind):
             robot.files.download(name, folder / name, overwrite=True)
             print(f"{name}: {(folder / name).stat().st_size} bytes")
             saved += 1

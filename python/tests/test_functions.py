@@ -90,7 +90,7 @@ CASES = [
         *((2049, r.IStringVariableData), 0x30008),
     ),
     # Any value but 0 writes a 1.
-    ("io_interface_address_WriteBit", (NETWORK_ADDRESS, 2), OK, None, (10010 - 9, 1), None),
+    ("io_interface_address_WriteBit", (NETWORK_ADDRESS, 2), OK, None, (10001, 1), 40961),
     ("io_interface_address_ReadBit", (NETWORK_ADDRESS, c_int), OK, 1, (NO_SIGNAL, c_int), 0x10004),
     ("io_interface_type_WriteBit", (NETWORK_INPUT, 1, 1, 256), OK, None, (NETWORK_INPUT, 1, 8, 1), 0x10004),
     ("io_interface_type_ReadBit", (NETWORK_INPUT, 1, 1, c_int), OK, 1, (NETWORK_INPUT, 9999, 0, c_int), 0x20009),
@@ -102,7 +102,7 @@ CASES = [
         ]
         for by, place, nowhere, read_code, write_code in [
             ("type", (NETWORK_INPUT, 2), (NETWORK_INPUT, 9999), 0x20009, 0x20009),
-            ("address", (27030,), (99990,), None, 40961),
+            ("address", (27030,), (99990,), 40961, 40961),
         ]
         for form, kind, written in [(by, c_uint, wide), (f"{narrow}_{by}", integer, value - 1)]
         for case in [
@@ -124,10 +124,11 @@ CASES = [
     ("io_interface_ConvertIOGroupToBitAddress", (3, 1, 0, "status"), OK, 27010, (3, 1, 9, "status"), 0x10004),
     ("file_interface_LoadToControllerFromString", (b"OWN.JBI", JOB), OK, None, (b"OTHER.JBI", JOB), 0x30014),
     ("file_interface_LoadToControllerFromPath", (b"OWN.JBI",), OK, None, (b"MISSING.JBI",), 0x20003),
-    ("file_interface_GetFileCount", (0, c_int), OK, 4, (99, c_int), None),
+    ("file_interface_ListFiles", (5, "status", True), OK, [""]),
+    ("file_interface_GetFileCount", (0, c_int), OK, 4, (99, c_int), 58023),
     (
         *("file_interface_ListFiles", (0, "status", True), OK),
-        *(["DEMO.JBI\nHANDSHAKE.JBI\nOWN.JBI\nPICK.JBI\n"], (5, "status", True), None),
+        *(["DEMO.JBI\nHANDSHAKE.JBI\nOWN.JBI\nPICK.JBI\n"], (99, "status", True), 58023),
     ),
     (
         "file_interface_SaveFromControllerToString",
@@ -139,18 +140,14 @@ CASES = [
     ),
     # Of the number only the low byte counts.
     (
-        "file_interface_SaveFromControllerToFile",
-        (b"OWN.JBI", b"OWN.JBI", 257),
-        OK,
-        None,
-        (b"OWN.JBI", b"OWN.JBI", 256),
-        0x20002,
+        *("file_interface_SaveFromControllerToFile", (b"OWN.JBI", b"OWN.JBI", 257), OK, None),
+        *((b"OWN.JBI", b"OWN.JBI", 256), 0x20002),
     ),
     ("job_interface_set_active_job", (b"OWN", 0), OK, None, (b"OWN", 10000), -79979008),
     ("job_interface_get_executing_job_information", (0, r.IJobData), OK, None, (99, r.IJobData), 40961),
     ("job_interface_get_job_stack", (1, r.IJobStack), OK, ["none"] * 12, (99, r.IJobStack), -79934465),
     ("job_interface_set_active_job", (b"pick.jbi", 0), OK, None),
-    ("file_interface_DeleteJobFile", (b"OWN",), OK, None),
+    ("file_interface_DeleteJobFile", (b"OWN",), OK, None, (b"MISSING",), 58035),
     ("motion_manager_MotionStart", (), OK, None),
     ("motion_manager_AddPointToTrajectory", (motion(R1),), QUEUED, None, (motion(R1, 101.0),), 0x30001),
     ("motion_manager_Add2PointsToTrajectory", (motion(R1), motion(B1)), QUEUED, None, (motion(R1), motion(30)), 3370),
@@ -243,7 +240,7 @@ class FunctionsTest(SimulatorTest):
                 code, message, value, texts = robot.call(name, *arguments)
                 self.assertEqual((code, message), (0, expected_message))
                 self.assertIn(expected, (None, value, texts))
-                if refusal and refusal[1] is not None:
+                if refusal:
                     code, message, value, texts = robot.call(name, *refusal[0])
                     self.assertEqual(code, refusal[1], message)
                     self.assertIn(value, (None, 0), "a value that is left after a failure")
