@@ -85,24 +85,47 @@ constexpr std::array Rows{
     Row{JobStackRead, 0, ServiceReadAll, 0, 0, 4, 4},
 };
 
-constexpr std::uint16_t Number(Row const& row) {
-    return static_cast<std::uint16_t>(row.command);
+constexpr std::size_t Number(Row const& row) {
+    return static_cast<std::size_t>(row.command);
 }
 
 static_assert(std::ranges::is_sorted(Rows, {}, Number));
+
+constexpr std::size_t CommandLimit = 1024;
+
+/// By command, its first row; the number of rows for a command that isn't there.
+constexpr auto FirstRows = [] {
+    std::array<std::uint8_t, CommandLimit> first{};
+    first.fill(Rows.size());
+    for (std::size_t i = Rows.size(); i > 0; --i) {
+        first[Number(Rows[i - 1])] = static_cast<std::uint8_t>(i - 1);
+    }
+    return first;
+}();
+
+/// Null if the command can't be asked in this way.
+Row const* FindRow(SubHeaderForSending const& asked) {
+    for (std::size_t i = FirstRows[asked.command]; i < Rows.size() && Number(Rows[i]) == asked.command; ++i) {
+        if (Rows[i].attribute == asked.attribute && Rows[i].service == asked.service) {
+            return &Rows[i];
+        }
+    }
+    return nullptr;
+}
+
+bool IsKnown(std::uint16_t command, bool extended) {
+    return command < CommandLimit && FirstRows[command] < Rows.size() && (command < FirstExtendedCommand || extended);
+}
 
 } // namespace
 
 Refusal CheckAgainstCatalogue(Request const& request, bool extended) {
     auto const& asked = request.subHeader;
-    auto const [first, last] = std::ranges::equal_range(Rows, asked.command, {}, Number);
-    if (first == last || (asked.command >= FirstExtendedCommand && !extended)) {
+    if (!IsKnown(asked.command, extended)) {
         return Refusal::UndefinedCommand;
     }
-    auto const row = std::find_if(first, last, [&](Row const& candidate) {
-        return candidate.attribute == asked.attribute && candidate.service == asked.service;
-    });
-    if (row == last) {
+    auto const* const row = FindRow(asked);
+    if (row == nullptr) {
         return Refusal::InvalidAttribute;
     }
     if (asked.instance < row->minInstance || asked.instance > row->maxInstance) {

@@ -20,10 +20,10 @@ struct ControllerOptions {
     ControllerVersion generation = ControllerVersion::VersionYA;
     int rs022 = 1; ///< 1: instance numbers of variables equal their indexes; 0: they are one higher
     std::vector<ControlGroup> groups{{ControlGroupId::R1, 6}}; ///< the first four are the motion slots
-    std::filesystem::path filesFolder; ///< served instead of the generated files unless empty
+    std::filesystem::path filesFolder{}; ///< served instead of the generated files unless empty
     std::uint32_t toolCount = 64; ///< tools are numbered from 0
     double timeScale = 1.0; ///< 0: time stands still until VirtualController::Advance
-    FaultPlan faults; ///< what goes wrong from the start; VirtualController::WithFaults changes it
+    FaultPlan faults{}; ///< what goes wrong from the start; VirtualController::WithFaults changes it
 };
 
 } // namespace harvlink::simulator

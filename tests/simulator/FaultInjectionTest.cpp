@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include "VirtualClient.h"
+
+namespace harvlink::test {
+namespace {
+
+using namespace simulator;
+using namespace std::chrono_literals;
+
+/// Asks for byte variable 5 with this id and returns what goes out at once.
+std::vector<Delivery> Exchange(VirtualClient& client, unsigned id = 9) {
+    auto request = RobotRequest(122, 5, 1, 14);
+    request[idOffset] = static_cast<std::uint8_t>(id);
+    EXPECT_EQ(client.Send(request), std::nullopt);
+    return client.controller.TakeDeliveries();
+}
+
+unsigned IdOf(Delivery const& delivery) {
+    return std::to_integer<unsigned>(delivery.bytes.at(idOffset));
+}
+
+void Arm(VirtualClient& client, Fault fault, unsigned count = 1) {
+    client.controller.WithFaults([&](FaultInjector& faults) { faults.Arm(fault, count); });
+}
+
+constexpr std::size_t WholeSize = 33;
+
+TEST(FaultInjection, SpoilsOneReplyToOrder) {
+    struct Case {
+        Fault fault;
+        std::size_t count;
+        bool (*isSpoiled)(Delivery const&);
+    };
+    for (auto const& [fault, count, isSpoiled] :
+         {Case{Fault::Drop, 0, [](Delivery const&) { return true; }},
+          Case{Fault::Delay, 0, [](Delivery const&) { return true; }},
+          Case{Fault::Duplicate, 2, [](Delivery const& sent) { return IdOf(sent) == 9; }},
+          Case{Fault::Truncate, 1, [](Delivery const& sent) { return sent.bytes.size() < WholeSize; }},
+          Case{Fault::Extend, 1, [](Delivery const& sent) { return sent.bytes.size() > WholeSize; }},
+          Case{Fault::WrongId, 1, [](Delivery const& sent) { return IdOf(sent) != 9 && IdOf(sent) < 128; }},
+          Case{Fault::StaleId, 1, [](Delivery const& sent) { return IdOf(sent) == 8; }},
+          Case{Fault::OtherPort, 1, [](Delivery const& sent) { return sent.source == Delivery::Source::FilePort; }},
+          Case{Fault::OtherSource, 1, [](Delivery const& sent) { return sent.source == Delivery::Source::Stray; }},
+          Case{Fault::Restart, 0, [](Delivery const&) { return true; }}}) {
+        VirtualClient client;
+        Arm(client, fault);
+        auto const spoiled = Exchange(client);
+        ASSERT_EQ(spoiled.size(), count) << static_cast<int>(fault);
+        EXPECT_TRUE(std::ranges::all_of(spoiled, isSpoiled)) << static_cast<int>(fault);
+        auto const next = Exchange(client);
+        ASSERT_EQ(next.size(), 1U) << static_cast<int>(fault);
+        EXPECT_EQ(next[0].bytes.size(), WholeSize);
+        EXPECT_EQ(IdOf(next[0]), 9U);
+        EXPECT_EQ(next[0].source, Delivery::Source::RobotPort);
+    }
+}
+
+TEST(FaultInjection, KeepsItsTimes) {
+    VirtualClient client;
+    Arm(client, Fault::Delay);
+    EXPECT_TRUE(Exchange(client).empty());
+    client.controller.Advance(19ms);
+    EXPECT_TRUE(client.controller.TakeDeliveries().empty());
+    EXPECT_TRUE(client.controller.IsActive());
+    client.controller.Advance(1ms);
+    EXPECT_EQ(client.controller.TakeDeliveries().size(), 1U);
+    EXPECT_FALSE(client.controller.IsActive());
+
+    Arm(client, Fault::Reorder);
+    EXPECT_TRUE(Exchange(client, 1).empty());
+    auto const swapped = Exchange(client, 2);
+    ASSERT_EQ(swapped.size(), 2U);
+    EXPECT_EQ(IdOf(swapped[0]), 2U);
+    EXPECT_EQ(IdOf(swapped[1]), 1U);
+
+    Arm(client, Fault::Silence);
+    EXPECT_TRUE(Exchange(client).empty());
+    client.controller.Advance(499ms);
+    EXPECT_TRUE(Exchange(client).empty());
+    client.controller.Advance(1ms);
+    EXPECT_EQ(Exchange(client).size(), 1U);
+}
+
+TEST(FaultInjection, RefusesWithoutCarryingOut) {
+    VirtualClient client;
+    client.controller.WithFaults([](FaultInjector& faults) {
+        faults.SetPlan({.refuseCode = Refusal{1234}, .refuseCount = 2});
+        faults.Arm(Fault::Refuse);
+    });
+    for (int const refused : {1234, 1234, 0}) {
+        client.Send(RobotRequest(122, 5, 1, 16, U8(7)));
+        auto const sent = client.controller.TakeDeliveries().at(0).bytes;
+        EXPECT_EQ(std::to_integer<int>(sent[28]) + 256 * std::to_integer<int>(sent[29]), refused);
+        client.controller.With(
+            [&](ControllerModel& model) { EXPECT_EQ(model.variables.bytes[5], refused == 0 ? 7 : 0); });
+    }
+}
+
+TEST(FaultInjection, RepeatsItselfBySeed) {
+    auto const run = [](std::uint64_t seed) {
+        FaultPlan plan;
+        EXPECT_EQ(plan.Parse("drop=20%,duplicate=0.2,flip-bits=20%,truncate=20%,extend=20%"), "");
+        plan.seed = seed;
+        VirtualClient client({.faults = plan});
+        std::vector<std::vector<std::byte>> sent;
+        for (unsigned i = 0; i < 100; ++i) {
+            for (auto const& delivery : Exchange(client, i)) {
+                sent.push_back(delivery.bytes);
+            }
+        }
+        return sent;
+    };
+    EXPECT_EQ(run(3), run(3));
+    EXPECT_NE(run(3), run(4));
+    FaultPlan plan;
+    for (auto const* const text : {"drop", "drop=", "drop=x", "drop=2", "nothing=1", "drop=1,,", "delay-ms=-1"}) {
+        EXPECT_NE(plan.Parse(text), "") << text;
+    }
+}
+
+} // namespace
+} // namespace harvlink::test

@@ -1,0 +1,1 @@
+target_compile_definitions(${target} PRIVATE HARVLINK_SCENES="${PROJECT_SOURCE_DIR}/simulator/scenes")
