@@ -171,7 +171,9 @@ class ConnectedTest(SimulatorTest):
 
     def test_the_session_of_the_readme(self):
         text = (ROOT / "python/README.md").read_text()
-        session = text.split("```python\n")[1].split("```")[0].replace("127.0.0.1", self.simulator.address)
+        shown_first = text.split("```python\n")[1].split("```")[0]
+        self.assertIn(shown_first, (ROOT / "README.md").read_text())
+        session = shown_first.replace("127.0.0.1", self.simulator.address)
         self.robot.alarms.clear()
         with contextlib.redirect_stdout(io.StringIO()) as shown:
             exec(session, {})
