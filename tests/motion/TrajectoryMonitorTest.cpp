@@ -48,8 +48,7 @@ struct RunningSession : MotionSession {
     std::vector<std::pair<unsigned, int>> Finish() {
         manager.reset();
         auto summary = Summary(Sent());
-        auto const repeated = std::ranges::unique(summary);
-        summary.erase(repeated.begin(), repeated.end());
+        summary.erase(std::unique(summary.begin(), summary.end()), summary.end());
         return summary;
     }
 
