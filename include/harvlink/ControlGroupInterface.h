@@ -26,7 +26,8 @@ struct TorqueData {
 /// called from several threads at once; exchanges queue. Reading again is always safe.
 ///
 /// A group that the controller does not know gives code -59959039, "Invalid Control Group Id". No answer gives
-/// ResponseTimeout. Outputs are cleared first and stay so on failure.
+/// ResponseTimeout. Outputs are cleared first and stay so on failure, except that a refused read of torque, or of a position
+/// on the older road, hands out what the refusal carried, normally zeros.
 class ControlGroupInterface {
 public:
     ControlGroupInterface() = default;
@@ -42,6 +43,7 @@ public:
     /// and 45070 for a tool or user coordinate number (1 to 63) out of range with UserCoordinate. With BaseCoordinate and
     /// RobotCoordinate a tool out of range gives an all-zero position and the status "OK".
     ///
+    /// The older road serves Pulse, and all types below `VersionYA`.
     /// `userCoordinateNumber` and `toolNumber` are ignored for Pulse. In the result the user coordinate number is one
     /// above what the controller answered, and the eighth axis is 0 unless the group has eight.
     virtual StatusInfo ReadPositionData(ControlGroupId group, CoordinateType type, unsigned char userCoordinateNumber,
@@ -53,7 +55,7 @@ public:
     /// Reads the position error of all axes, in pulses.
     virtual StatusInfo ReadPositionError(ControlGroupId group, PositionErrorData& data) = 0;
 
-    /// Reads the torque of all axes. If the controller refuses, the values are those of its refusal, normally zeros.
+    /// Reads the torque of all axes.
     virtual StatusInfo ReadTorqueData(ControlGroupId group, TorqueData& data) = 0;
 };
 

@@ -43,7 +43,8 @@ static_assert(std::is_trivially_copyable_v<Motion>);
 /// Moves up to four control groups through a queue of points. **It moves a real machine.** From `VersionYA` up; on older
 /// controllers every operation gives UnsupportedOnThisController and sends nothing.
 ///
-/// AddPointToTrajectory checks and queues a point and never waits for the network. A thread of the library, started by the
+/// AddPointToTrajectory checks and queues a point without any network work: it waits at most for a clear of queued points
+/// that is under way. A thread of the library, started by the
 /// first successful MotionStart and ended by CloseConnection, sends the points in order as fast as the controller takes
 /// them. If the controller refuses one, the thread raises alarm 8015 on the pendant, writes the log file, empties the
 /// queue and clears the controller's targets; nobody is called back. After dealing with the alarm, adding points is enough
