@@ -22,7 +22,7 @@ bool BelongsToGroup(std::uint32_t type) {
 
 Parameters::Parameters(ControlGroups const& groups, int rs022) : groups_(groups) {
     values_[Key{Number(SystemParameterType::RS), 0, 22}] = rs022;
-    values_[Key{Number(SystemParameterType::S2C), 0, 430}] = 1;
+    values_[Key{Number(SystemParameterType::S2C), 0, 430}] = 0; // the figure of a position resolves the arm
 }
 
 Refusal Parameters::Check(std::uint32_t type, std::uint32_t group, std::uint32_t number) const {
