@@ -156,8 +156,8 @@ TEST(IO, KnowsTheSignalsOfEachGeneration) {
         for (std::size_t i = 0; i < Generations.size(); ++i) {
             VirtualClient client({.generation = Generations[i]});
             auto const [first, last] = groups[i];
-            client.controller.With([&, low = first](ControllerModel& model) {
-                EXPECT_EQ(model.signals.TypeOf(low), type);
+            client.controller.With([low = first, wanted = type](ControllerModel& model) {
+                EXPECT_EQ(model.signals.TypeOf(low), wanted);
                 model.signals.WriteGroup(low, 0xA5);
             });
             EXPECT_EQ(client.Ask(120, first, 1, 14), (Answer{0, U8(0xA5)}));
