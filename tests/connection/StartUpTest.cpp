@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <chrono>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "harvlink/harvlink.h"
 #include "support/ScriptedController.h"
@@ -181,16 +183,24 @@ TEST_F(StartUp, HeadersOfAnotherVersionAreRefusedUnheard) {
         std::is_same_v<decltype(OpenConnection("", std::declval<StatusInfo&>(), 0, 0, true)), QuorvanController*>);
 }
 
-TEST_F(StartUp, SocketsThatCannotBeMadeAreReported) {
+TEST_F(StartUp, SocketsThatCannotBeMadeAreReportedAndReleased) {
+    // Once as usual: some sanitizers look at a type through a pipe of theirs when they first see it.
+    controller.Expect(RobotRequest(137, 11, 0, 1), Refusal(8));
+    EXPECT_FALSE(Open());
     rlimit limit{};
     ::getrlimit(RLIMIT_NOFILE, &limit);
-    rlimit const none{0, limit.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &none);
-    Connection const connection = Open();
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_FALSE(connection);
-    EXPECT_EQ(status.StatusCode, 0x10003);
-    EXPECT_EQ(status.Message, "Failed to create socket.");
+    int const firstFree = ::dup(STDERR_FILENO);
+    ::close(firstFree);
+    for (int const available : {0, 1}) {
+        rlimit const few{static_cast<rlim_t>(firstFree + available), limit.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        Connection const connection = Open();
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        EXPECT_FALSE(connection);
+        EXPECT_EQ(status.StatusCode, 0x10003);
+        EXPECT_EQ(status.Message, "Failed to create socket.");
+        EXPECT_EQ(::fcntl(firstFree, F_GETFD), -1);
+    }
 }
 
 } // namespace
