@@ -220,7 +220,7 @@ TEST(Exchange, ReusedPacketIsNeverItsOwnAnswer) {
     ScriptedController controller;
     auto const manager = controller.Connect("YA1.00", 1);
     Hurry(*manager);
-    for (std::uint8_t const id : Bytes{0x55, 0}) {
+    for (std::uint8_t const id : Bytes{0x55, 0, 0xff}) {
         RegisterRead read;
         controller.Expect(registerRequest, Payload(U32(6)));
         read.Run(*manager, id);

@@ -39,7 +39,7 @@ TEST(NetworkManager, ProbeThatFailsLeavesItsStatus) {
     EXPECT_EQ(refused.controllerVersion, VersionUnknown);
 
     controller.Expect(probe, Replies{});
-    NetworkManager const silent(controller.Address(), 10, 1, status);
+    NetworkManager const silent(controller.Address(), 4294968, 1, status); // wraps to 704 microseconds
     EXPECT_EQ(status.Message, "No response from controller after 1 retries.");
     EXPECT_EQ(silent.controllerVersion, VersionUnknown);
 }
