@@ -1,0 +1,218 @@
+#include "support/Responder.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+#include <arpa/inet.h>
+#include <sys/epoll.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "support/Machine.h"
+#include "wire/Packets.h"
+#include "wire/SystemInfoMessage.h"
+#include "wire/SystemParameterMessage.h"
+
+namespace harvlink::bench {
+namespace {
+
+constexpr std::uint16_t robotPort = 10040;
+constexpr std::uint16_t filePort = 10041;
+constexpr std::uint32_t lastBlockFlag = 0x80000000;
+
+using RequestPacket = OutgoingPacket<std::array<char, FileBlockSize>>;
+using ReplyPacket = IncomingPacket<std::array<char, FileBlockSize>>;
+
+int BindSocket(std::string const& address, std::uint16_t port) {
+    int const descriptor = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in endpoint{};
+    endpoint.sin_family = AF_INET;
+    endpoint.sin_port = htons(port);
+    ::inet_pton(AF_INET, address.c_str(), &endpoint.sin_addr);
+    if (::bind(descriptor, reinterpret_cast<sockaddr*>(&endpoint), sizeof(endpoint)) != 0) {
+        throw std::runtime_error("can't bind " + address);
+    }
+    return descriptor;
+}
+
+template <typename Payload>
+void SetPayload(ReplyPacket& reply, Payload const& payload) {
+    std::memcpy(reply.payload.data(), &payload, sizeof(payload));
+    reply.header.payloadSize = sizeof(payload);
+}
+
+void AnswerCommand(RequestPacket const& request, ReplyPacket& reply) {
+    switch (static_cast<CommandNumber>(request.subHeader.command)) {
+    case CommandNumber::SystemInformationRead:
+        SetPayload(reply, SystemInfoReturnMsg{{'Y', 'A', 'S'}, {'B'}, {}});
+        break;
+    case CommandNumber::SystemParameterRead: {
+        SytemParamMsgOut parameter;
+        std::memcpy(&parameter, request.payload.data(), sizeof(parameter));
+        bool const isFurtherMotionSlot = parameter.type == 11 && parameter.number != 33;
+        SetPayload(reply, std::int32_t{isFurtherMotionSlot ? 0 : 1});
+        break;
+    }
+    case CommandNumber::StringVariable:
+        SetPayload(reply, std::array<char, 32>{'t', 'e', 'x', 't'});
+        break;
+    case CommandNumber::AxisConfigurationRead:
+        SetPayload(reply, std::array<std::uint32_t, 8>{'S', 'L', 'U', 'R', 'B', 'T'});
+        break;
+    default:
+        reply.payload[0] = 1;
+        reply.header.payloadSize = 1;
+        break;
+    }
+}
+
+/// Serves the start-up files as one short block each, and "<size>.DAT" as that many bytes.
+class FileSide {
+public:
+    void Answer(RequestPacket const& request, ReplyPacket& reply) {
+        auto const service = static_cast<FileServices>(request.subHeader.service);
+        if (service != FileServices::SaveFile) {
+            return;
+        }
+        if (request.header.ack == 0) {
+            Open({request.payload.data(), request.header.payloadSize});
+        }
+        std::uint32_t const block = request.header.blockNumber + 1;
+        std::size_t const first = (block - 1) * FileBlockSize;
+        std::size_t const length = std::min(FileBlockSize, text.size() - std::min(first, text.size()));
+        std::memcpy(reply.payload.data(), text.data() + first, length);
+        reply.header.payloadSize = static_cast<std::uint16_t>(length);
+        reply.header.blockNumber = block + (first + length >= text.size() ? lastBlockFlag : 0);
+    }
+
+private:
+    void Open(std::string const& name) {
+        if (name == "SYSTEM.SYS") {
+            text = "//SERVO POWER\nR1\n//ROBOT NAME\nR1\n";
+        } else if (name == "TOOL.CND") {
+            text = "//TOOL 0\n";
+        } else if (std::size_t const size = std::stoul(name); size != text.size()) {
+            text.assign(size, 'x');
+        }
+    }
+
+    std::string text;
+};
+
+class AnsweringProcess {
+public:
+    AnsweringProcess(std::vector<std::string> const& addresses, ResponderCounters& shared)
+        : counters(shared), epoll(::epoll_create1(0)) {
+        for (std::string const& address : addresses) {
+            Watch(BindSocket(address, robotPort));
+            Watch(BindSocket(address, filePort));
+        }
+    }
+
+    [[noreturn]] void Run() {
+        std::array<epoll_event, 64> events{};
+        // With one controller the robot port alone is read, without asking first, except when the file port has something.
+        for (;;) {
+            int const ready = ::epoll_wait(epoll, events.data(), static_cast<int>(events.size()), -1);
+            for (int i = 0; i < ready; ++i) {
+                AnswerOn(events[static_cast<std::size_t>(i)].data.fd);
+            }
+        }
+    }
+
+private:
+    void Watch(int descriptor) {
+        epoll_event event{};
+        event.events = EPOLLIN;
+        event.data.fd = descriptor;
+        ::epoll_ctl(epoll, EPOLL_CTL_ADD, descriptor, &event);
+    }
+
+    void AnswerOn(int descriptor) {
+        RequestPacket request;
+        sockaddr_in sender{};
+        socklen_t senderSize = sizeof(sender);
+        if (::recvfrom(descriptor, &request, sizeof(request), MSG_DONTWAIT, reinterpret_cast<sockaddr*>(&sender),
+                       &senderSize) < static_cast<ssize_t>(HeaderSize)) {
+            return;
+        }
+        Count(request);
+        bool const isLastAcknowledgement = request.header.ack == 1 && request.header.payloadSize == 0 &&
+                                           (request.header.blockNumber & lastBlockFlag) != 0;
+        if (isLastAcknowledgement) {
+            return;
+        }
+        ReplyPacket reply;
+        reply.header.requestId = request.header.requestId;
+        reply.header.division = request.header.division;
+        if (request.header.division == Division::FileControl) {
+            files.Answer(request, reply);
+        } else {
+            AnswerCommand(request, reply);
+        }
+        (void)::sendto(descriptor, &reply, HeaderSize + reply.header.payloadSize, 0,
+                       reinterpret_cast<sockaddr*>(&sender), senderSize);
+    }
+
+    void Count(RequestPacket const& request) {
+        counters.datagrams.fetch_add(1, std::memory_order_relaxed);
+        if (request.subHeader.command == static_cast<std::uint16_t>(CommandNumber::MotionSendTarget)) {
+            counters.lastTargetAt.store(NowNanoseconds(), std::memory_order_relaxed);
+            counters.targets.fetch_add(1, std::memory_order_release);
+        }
+    }
+
+    ResponderCounters& counters;
+    int epoll;
+    FileSide files;
+};
+
+} // namespace
+
+Responder::Responder(std::vector<std::string> const& addresses, int core) {
+    void* const shared =
+        ::mmap(nullptr, sizeof(ResponderCounters), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED) {
+        throw std::runtime_error("no shared memory");
+    }
+    counters = new (shared) ResponderCounters{};
+    std::array<int, 2> ready{};
+    if (::pipe(ready.data()) != 0) {
+        throw std::runtime_error("no pipe");
+    }
+    process = ::fork();
+    if (process == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (core >= 0) {
+            PinTo(core);
+        }
+        AnsweringProcess answering(addresses, *counters);
+        (void)!::write(ready[1], "r", 1);
+        answering.Run();
+    }
+    ::close(ready[1]);
+    char byte = 0;
+    bool const isReady = ::read(ready[0], &byte, 1) == 1;
+    ::close(ready[0]);
+    if (!isReady) {
+        throw std::runtime_error("the answering process did not start");
+    }
+}
+
+Responder::~Responder() {
+    ::kill(process, SIGKILL);
+    ::waitpid(process, nullptr, 0);
+    ::munmap(counters, sizeof(ResponderCounters));
+}
+
+std::string BenchAddress(int number) {
+    return "127.20." + std::to_string(number / 250) + "." + std::to_string(number % 250 + 1);
+}
+
+} // namespace harvlink::bench
