@@ -8,4 +8,7 @@ namespace harvlink::test {
 /// allocates at the same time.
 std::size_t AllocationsOfThisThread();
 
+/// False in a build that does not let the operators be replaced.
+bool AllocationsAreCounted();
+
 } // namespace harvlink::test
