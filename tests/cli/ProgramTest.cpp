@@ -127,10 +127,10 @@ protected:
     }
 
     std::string host_;
+    bool hasTarget_ = false; // the server's thread only
+    std::promise<void> target_; // before the server, whose thread fulfils it
     std::unique_ptr<Server> server_;
     VirtualController* controller_ = nullptr;
-    bool hasTarget_ = false; // the server's thread only
-    std::promise<void> target_;
 };
 
 TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
