@@ -17,6 +17,7 @@ bool IsRatioOutOfRange(double ratio) {
 Target::Target(Motion const& motion)
     : moveType(motion.moveType), axes(ScalingOf(motion.position.coordinateType).ToWire(motion.position.axes)) {
     if (moveType == MoveInterpolationType::Circle) {
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): a plain record tells its type by the move alone
         auto const& circular = static_cast<CircularMotion const&>(motion);
         auxiliaryAxes = ScalingOf(motion.position.coordinateType).ToWire(circular.auxiliaryAxes);
     }
