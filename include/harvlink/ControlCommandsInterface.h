@@ -30,6 +30,7 @@ public:
     /// Holds the running job, or releases the hold.
     virtual StatusInfo SetHold(SignalStatus state) = 0;
 
+    /// Sets how a started job runs: a step, once, or again and again.
     virtual StatusInfo SetCycleMode(CycleMode mode) = 0;
 
     /// Shows a line on the pendant; silently cut to 30 bytes. Of the length only the low 16 bits are looked at.

@@ -10,10 +10,12 @@
 
 namespace harvlink {
 
+/// How a started job runs: one instruction, once to its end, or again and again.
 enum class CycleMode : std::int32_t { Step = 0, Cycle = 1, Automatic = 2 };
 
 /// The state of the controller as a whole, at the moment of the read.
 struct ControllerStateData {
+    /// Who commands: the pendant, the panel, or a program like this one.
     enum class ControlMode : std::int32_t { Teach = 0, Play = 1, Remote = 2 };
 
     CycleMode cycleMode{};
@@ -31,15 +33,17 @@ struct SystemInfoData {
     std::string modelName;
 };
 
+/// A span of time as the controller counts it.
 struct ElapsedTime {
     std::uint32_t seconds = 0;
     std::uint32_t minutes = 0;
     std::uint32_t hours = 0;
 };
 
+/// Since when the controller counts, and how much it has counted.
 struct TimeData {
-    std::int64_t startTimeEpoch =
-        0; ///< seconds since the epoch; the controller's local time read in this computer's zone
+    /// Seconds since the epoch; the controller's local time read in this computer's zone.
+    std::int64_t startTimeEpoch = 0;
     ElapsedTime elapsedTime{};
 };
 

@@ -10,6 +10,7 @@
 
 namespace harvlink {
 
+/// A vector in whatever unit its user gives it.
 struct XyzVector {
     double x = 0.0;
     double y = 0.0;
@@ -54,19 +55,25 @@ HARVLINK_EXPORT void RotateFrame(EulerMatrix const* frame, XyzVector const* axis
 /// first x second.
 HARVLINK_EXPORT void MultiplyFrames(EulerMatrix const* first, EulerMatrix const* second, EulerMatrix* out);
 
+/// first x second.
 HARVLINK_EXPORT void CrossProduct(XyzVector const* first, XyzVector const* second, XyzVector* out);
+/// The sum of the products of the components.
 HARVLINK_EXPORT void InnerProduct(XyzVector const* first, XyzVector const* second, double* out);
 
 /// rx and rz from -180 to 180 degrees, ry from -90 to 90. In the gimbal position rz is 0 if nx and ny are exactly 0.
 HARVLINK_EXPORT void FrameToZYXeuler(EulerMatrix const* in, ZyxEulerPose* out);
+/// The way back, for any angles.
 HARVLINK_EXPORT void ZYXeulerToFrame(ZyxEulerPose const* in, EulerMatrix* out);
 
+/// No turn and no shift.
 HARVLINK_EXPORT void SetIdentityMatrixInFrame(EulerMatrix* out);
 
 } // extern "C"
 
 /// Text forms, three lines each, without a line end at the close.
+/// @{
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, XyzVector const& vector);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, EulerMatrix const& frame);
+/// @}
 
 } // namespace harvlink

@@ -45,40 +45,61 @@ public:
     IOInterface& operator=(IOInterface const&) = delete;
     virtual ~IOInterface() = default;
 
+    /// One signal.
+    /// @{
     virtual StatusInfo ReadBit(IOType type, unsigned short group, unsigned char bit, bool& value) = 0;
     virtual StatusInfo ReadBit(unsigned int address, bool& value) = 0;
+    /// @}
 
+    /// A group of eight signals.
+    /// @{
     virtual StatusInfo ReadByte(IOType type, unsigned short group, std::bitset<8>& value) = 0;
     virtual StatusInfo ReadByte(unsigned int address, std::bitset<8>& value) = 0;
+    /// @}
     /// Careful: for GeneralInput this form reads one group above the one that the bit-set form reads.
     virtual StatusInfo ReadByte(IOType type, unsigned short group, unsigned char& value) = 0;
+    /// The group that an address begins.
     virtual StatusInfo ReadByte(unsigned int address, unsigned char& value) = 0;
 
+    /// Two groups in a row.
+    /// @{
     virtual StatusInfo ReadWord(IOType type, unsigned short group, std::bitset<16>& value) = 0;
     virtual StatusInfo ReadWord(unsigned int address, std::bitset<16>& value) = 0;
     virtual StatusInfo ReadWord(IOType type, unsigned short group, unsigned short& value) = 0;
     virtual StatusInfo ReadWord(unsigned int address, unsigned short& value) = 0;
+    /// @}
 
+    /// Sets one signal.
+    /// @{
     virtual StatusInfo WriteBit(unsigned int address, bool value) = 0;
     virtual StatusInfo WriteBit(IOType type, unsigned short group, unsigned char bit, bool value) = 0;
+    /// @}
 
+    /// Sets a group of eight signals. The value is not changed.
+    /// @{
     virtual StatusInfo WriteByte(IOType type, unsigned short group, std::bitset<8>& value) = 0;
     virtual StatusInfo WriteByte(unsigned int address, std::bitset<8>& value) = 0;
     virtual StatusInfo WriteByte(IOType type, unsigned short group, unsigned char& value) = 0;
     virtual StatusInfo WriteByte(unsigned int address, unsigned char& value) = 0;
+    /// @}
 
-    /// By class, a word needs a second group: the last group of a class gives InvalidIOGroup.
+    /// Sets two groups in a row. By class, a word needs a second group: the last group of a class gives InvalidIOGroup.
+    /// @{
     virtual StatusInfo WriteWord(IOType type, unsigned short group, std::bitset<16>& value) = 0;
     virtual StatusInfo WriteWord(unsigned int address, std::bitset<16>& value) = 0;
     virtual StatusInfo WriteWord(IOType type, unsigned short group, unsigned short& value) = 0;
     virtual StatusInfo WriteWord(unsigned int address, unsigned short& value) = 0;
+    /// @}
 
     /// Reads a register. One that the controller does not have gives code 65535, "Register address is invalid.".
     virtual StatusInfo ReadRegister(unsigned short index, unsigned short& value) = 0;
     /// Writes a register. One above 2048, or that the controller does not have, gives InvalidVariableIndex.
     virtual StatusInfo WriteRegister(unsigned short index, unsigned short const& value) = 0;
+    /// The same, bit by bit.
+    /// @{
     virtual StatusInfo ReadRegister(unsigned short index, std::bitset<16>& value) = 0;
     virtual StatusInfo WriteRegister(unsigned short index, std::bitset<16> const& value) = 0;
+    /// @}
 
     /// The address of a signal; 0 with a failed status if there is none. Sends nothing.
     virtual unsigned int ConvertIOGroupToBitAddress(IOType type, unsigned short group, unsigned char bit,

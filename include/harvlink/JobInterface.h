@@ -22,6 +22,7 @@ enum class TesselTaskNumber : std::int32_t {
     Sub7 = 7,
 };
 
+/// What a task executes.
 struct JobData {
     std::string name; ///< all 32 characters of the field on the wire, zero bytes included
     std::uint32_t line = 0;

@@ -36,10 +36,14 @@ enum class CartesianAxis : std::int32_t { X = 0, Y = 1, Z = 2, Rx = 3, Ry = 4, R
 
 /// Goes to the next axis and returns it. Throws std::out_of_range at 8 and beyond.
 HARVLINK_EXPORT PulseAxis operator++(PulseAxis& axis, int);
+/// The same for the axes of a Cartesian position.
 HARVLINK_EXPORT CartesianAxis operator++(CartesianAxis& axis, int);
 
+/// Writes the name of an axis.
+/// @{
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, PulseAxis const& axis);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, CartesianAxis const& axis);
+/// @}
 
 } // namespace AxisIndex
 
@@ -79,6 +83,7 @@ struct PositionData {
 };
 
 /// Text forms. Numbers go out in the stream's current format; none of these writes a line end at its close.
+/// @{
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, CoordinateType const& type);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, FrontOrBack const& value);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, UpperOrLower const& value);
@@ -86,5 +91,6 @@ HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, FlipOrNoFlip cons
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, AxisAngle const& value);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, Figure const& figure);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, PositionData const& position);
+/// @}
 
 } // namespace harvlink

@@ -65,7 +65,9 @@ HARVLINK_EXPORT void CloseConnection(QuorvanController* controller);
 
 } // extern "C"
 
+/// What Connection closes with.
 struct ConnectionCloser {
+    /// Closes; null is ignored.
     void operator()(QuorvanController* controller) const { CloseConnection(controller); }
 };
 

@@ -76,21 +76,26 @@ struct StatusInfo {
 class HARVLINK_EXPORT StatusInformation : public StatusInfo {
 public:
     // NOLINTBEGIN(google-explicit-constructor): a code is a status, and is returned as one everywhere
-    StatusInformation(int code);
-    StatusInformation(ErrorStatusCodes code);
+    StatusInformation(int code); ///< the code with its text
+    StatusInformation(ErrorStatusCodes code); ///< the code with its text
     // NOLINTEND(google-explicit-constructor)
 
     /// Sets both as given, without a look-up; the code may be one that the table does not know.
+    /// @{
     StatusInformation(ErrorStatusCodes code, std::string_view message);
     StatusInformation(int code, std::string_view message);
+    /// @}
 
     /// As the constructor: the code is stored and its text looked up.
     StatusInformation& operator=(int code);
 
+    /// Compares the code; the message does not count.
+    /// @{
     bool operator==(int code) const { return StatusCode == code; }
     bool operator!=(int code) const { return StatusCode != code; }
     bool operator==(ErrorStatusCodes code) const { return StatusCode == static_cast<std::int32_t>(code); }
     bool operator!=(ErrorStatusCodes code) const { return StatusCode != static_cast<std::int32_t>(code); }
+    /// @}
 
     /// The look-up itself: `message` becomes the text of `code`. This object is neither read nor changed.
     void GetError(std::string& message, int code) const;

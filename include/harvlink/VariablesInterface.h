@@ -28,6 +28,7 @@ struct StringVariableData {
     std::uint16_t variableIndex = 0;
 };
 
+/// Position of a robot.
 struct RobotPositionVariableData {
     PositionData positionData{};
     std::uint16_t variableIndex = 0;
@@ -106,6 +107,7 @@ public:
 };
 
 /// Text forms such as "B005=12". They leave the stream's fill character at '0'.
+/// @{
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, ByteVariableData const& variable);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, IntegerVariableData const& variable);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, DoubleIntVariableData const& variable);
@@ -114,5 +116,6 @@ HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, StringVariableDat
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, RobotPositionVariableData const& variable);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, BaseAxisPositionVariableData const& variable);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, StationPositionVariableData const& variable);
+/// @}
 
 } // namespace harvlink
