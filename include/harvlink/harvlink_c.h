@@ -441,6 +441,7 @@ HARVLINK_EXPORT IStatusInfo station_position_variable_interface_write(Controller
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_state(ControllerHandle handle, ControllerStateData* state);
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_system_information(ControllerHandle handle, SystemInfoId id,
                                                                                ISystemInfoData* data);
+/** The one function that may end in a C++ exception: when the answer holds no readable time. C can't catch it. */
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_operating_times(ControllerHandle handle,
                                                                             ControlGroupId group, TimeType type,
                                                                             TimeData* data,
