@@ -2,7 +2,7 @@
 """Takes the code blocks out of Markdown pages, so that the build can compile and the tests can run them.
 
     snippets.py cpp OUTPUT-FOLDER PAGE...    one .cpp per block that has a main; the others become one file of functions
-    snippets.py sh PAGE                      prints the blocks marked "sh run", as one script
+    snippets.py sh OUTPUT-FOLDER PAGE...     one .sh per page, of its blocks marked "sh run"
 """
 
 import pathlib
@@ -11,8 +11,7 @@ import sys
 
 BLOCK = re.compile(r"^```(?P<info>[^\n]*)\n(?P<code>.*?)^```$", re.MULTILINE | re.DOTALL)
 # A program of a page talks to the usual address; in a test it gets one of its own.
-ADDRESS = '"127.0.0.1"'
-ADDRESS_OF_TEST = 'std::getenv("HARVLINK_HOST")'
+ADDRESS = "127.0.0.1"
 FRAGMENT = """
 [[maybe_unused]] static void {name}([[maybe_unused]] harvlink::QuorvanController* robot,
                                     [[maybe_unused]] harvlink::StatusInfo& status) {{
@@ -42,7 +41,7 @@ def write_programs(folder, pages):
             name = re.sub(r"\W", "_", page.stem) + f"_{number}"
             if "int main(" in code:
                 path = folder / f"program_{name}.cpp"
-                code = code.replace(ADDRESS, ADDRESS_OF_TEST)
+                code = code.replace(f'"{ADDRESS}"', 'std::getenv("HARVLINK_HOST")')
                 write_if_changed(path, f'#include <cstdlib>\n#line {line} "{page}"\n{code}')
                 written.add(path)
             else:
@@ -52,15 +51,27 @@ def write_programs(folder, pages):
         stale.unlink()
 
 
+def write_scripts(folder, pages):
+    folder.mkdir(parents=True, exist_ok=True)
+    written = set()
+    for page in pages:
+        commands = "".join(code for _, code in blocks(page, ["sh run"]))
+        if commands:
+            path = folder / (re.sub(r"\W", "_", page.stem) + ".sh")
+            write_if_changed(path, commands.replace(ADDRESS, '"$HARVLINK_HOST"'))
+            written.add(path)
+    for stale in set(folder.glob("*.sh")) - written:
+        stale.unlink()
+
+
 def main(arguments):
-    if len(arguments) >= 3 and arguments[0] == "cpp":
-        write_programs(pathlib.Path(arguments[1]), [pathlib.Path(page) for page in arguments[2:]])
-        return 0
-    if len(arguments) == 2 and arguments[0] == "sh":
-        print("".join(code for _, code in blocks(pathlib.Path(arguments[1]), ["sh run"])), end="")
-        return 0
-    print(__doc__, file=sys.stderr)
-    return 2
+    writers = {"cpp": write_programs, "sh": write_scripts}
+    if len(arguments) < 3 or arguments[0] not in writers:
+        print(__doc__, file=sys.stderr)
+        return 2
+    folder, *pages = [pathlib.Path(argument) for argument in arguments[1:]]
+    writers[arguments[0]](folder, pages)
+    return 0
 
 
 if __name__ == "__main__":
