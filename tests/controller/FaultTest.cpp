@@ -1,17 +1,9 @@
-#include <sstream>
-
 #include "controller/FaultImplementation.h"
+#include "support/Printed.h"
 #include "support/ScriptedController.h"
 
 namespace harvlink::test {
 namespace {
-
-template <typename Record>
-std::string Printed(Record const& record) {
-    std::ostringstream stream;
-    stream << record;
-    return stream.str();
-}
 
 Reply Alarm(unsigned code) {
     Bytes const time = code == 0 ? Bytes(16) : Text("2026/11/21 12:34");

@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 #include <ctime>
-#include <sstream>
 #include <stdexcept>
 
+#include "support/Printed.h"
 #include "support/ScriptedController.h"
 
 namespace harvlink::test {
@@ -12,13 +12,6 @@ namespace {
 
 constexpr char const* wrongTimeType =
     "Invalid TimeType selected. An example of this may be selection of Station operating time when no station exists.";
-
-template <typename Record>
-std::string Printed(Record const& record) {
-    std::ostringstream text;
-    text << record;
-    return text.str();
-}
 
 class ControllerState : public testing::Test {
 protected:

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "motion/MotionSession.h"
+#include "support/Printed.h"
 
 namespace harvlink::test {
 namespace {
@@ -15,13 +16,6 @@ using enum TargetControlGroup;
 constexpr double notSpecified = std::numeric_limits<double>::max();
 double const notANumber = std::nan("");
 double const infinity = std::numeric_limits<double>::infinity();
-
-template <typename Value>
-std::string Printed(Value const& value) {
-    std::ostringstream stream;
-    stream << value;
-    return stream.str();
-}
 
 Bytes MemoryOf(Target const& target) {
     Bytes bytes(sizeof(target));

@@ -6,16 +6,10 @@
 
 #include "position/FigureBits.h"
 #include "position/PositionMessages.h"
+#include "support/Printed.h"
 
 namespace harvlink::test {
 namespace {
-
-template <typename T>
-std::string Printed(T const& value) {
-    std::ostringstream text;
-    text << value;
-    return text.str();
-}
 
 /// The texts of the numbers from `first` on, each followed by a bar.
 template <typename Enum>

@@ -1,6 +1,5 @@
 #include "harvlink/StatusInfo.h"
 
-#include <sstream>
 #include <type_traits>
 #include <utility>
 
@@ -9,18 +8,13 @@
 #include "status/ContextualStatusInfoHandler.h"
 #include "status/ErrorTables.h"
 #include "status/GetStatusInfo.h"
+#include "support/Printed.h"
 
 namespace harvlink::test {
 namespace {
 
 // A status that a static constructor makes must find the tables complete.
 StatusInformation const madeBeforeMain(2060);
-
-std::string Printed(StatusInfo const& status) {
-    std::ostringstream text;
-    text << status;
-    return text.str();
-}
 
 TEST(StatusInfo, TablesAreCompleteBeforeMain) {
     EXPECT_EQ(madeBeforeMain.Message, "There is an active Error or Alarm.");

@@ -1,6 +1,7 @@
 #include <bit>
 #include <sstream>
 
+#include "support/Printed.h"
 #include "support/ScriptedController.h"
 #include "variables/VariablesImplementation.h"
 
@@ -10,13 +11,6 @@ namespace {
 constexpr char const* invalidIndex = "The requested variable index is invalid.";
 constexpr char const* activeAlarm = "There is an active Error or Alarm.";
 constexpr int toolFiles = 16;
-
-template <typename Record>
-std::string Printed(Record const& record) {
-    std::ostringstream stream;
-    stream << record;
-    return stream.str();
-}
 
 class VariablesTest : public testing::Test {
 protected:
