@@ -32,6 +32,9 @@ Interrupt::Interrupt() {
     action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
     for (std::size_t i = 0; i < Signals.size(); ++i) {
         sigaction(Signals.at(i), &action, &previous_.at(i));
+        if (Signals.at(i) == SIGHUP && previous_.at(i).sa_handler == SIG_IGN) {
+            sigaction(Signals.at(i), &previous_.at(i), nullptr); // as nohup asks for
+        }
     }
 }
 
@@ -43,6 +46,10 @@ Interrupt::~Interrupt() {
         close(end);
         end = -1;
     }
+}
+
+int Interrupt::Descriptor() const {
+    return wakePipe[0];
 }
 
 bool Interrupt::Wait(std::chrono::milliseconds time) const {

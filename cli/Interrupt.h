@@ -6,7 +6,7 @@
 
 namespace harvlink::cli {
 
-/// While it lives, the first Ctrl-C or SIGTERM is kept for the program to act on, and a second one ends the process.
+/// While it lives, the first Ctrl-C, SIGTERM or hang-up is kept for the program to act on, and a second one ends the process.
 /// One at a time.
 class Interrupt {
 public:
@@ -18,8 +18,11 @@ public:
     /// Waits for a time, shorter if the signal comes or has come. Returns whether it has.
     bool Wait(std::chrono::milliseconds time) const;
 
+    /// Becomes readable with the signal, to be waited for together with other things.
+    int Descriptor() const;
+
 private:
-    static constexpr std::array<int, 2> Signals{SIGINT, SIGTERM};
+    static constexpr std::array<int, 3> Signals{SIGINT, SIGTERM, SIGHUP};
     std::array<struct sigaction, Signals.size()> previous_{};
 };
 
