@@ -58,14 +58,18 @@ def _shared_object():
     raise FileNotFoundError("no libharvlink.so found: build the library first, or set HARVLINK_LIBRARY")
 
 
-def _write_wheel(folder, files, platform):
+def _stem():
     project = _project()
-    stem = f"{project['name']}-{project['version']}"
+    return f"{project['name']}-{project['version']}"
+
+
+def _write_wheel(folder, files, platform):
+    stem = _stem()
     tag = f"py3-none-{platform}"
     files = {
         **files,
         f"{stem}.dist-info/LICENSE": (HERE.parent / "LICENSE").read_bytes(),
-        f"{stem}.dist-info/METADATA": _metadata(project).encode(),
+        f"{stem}.dist-info/METADATA": _metadata(_project()).encode(),
         f"{stem}.dist-info/WHEEL": WHEEL.format(tag=tag).encode(),
     }
     record = f"{stem}.dist-info/RECORD"
@@ -89,6 +93,13 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     files = {f"harvlink/{path.name}": path.read_bytes() for path in sources}
     files["harvlink/libharvlink.so"] = _shared_object().read_bytes()
     return _write_wheel(wheel_directory, files, _platform())
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    folder = f"{_stem()}.dist-info"
+    (pathlib.Path(metadata_directory) / folder).mkdir(exist_ok=True)
+    (pathlib.Path(metadata_directory) / folder / "METADATA").write_text(_metadata(_project()), encoding="utf-8")
+    return folder
 
 
 def build_editable(wheel_directory, config_settings=None, metadata_directory=None):

@@ -1,0 +1,54 @@
+# What `cmake --install` puts where, for programs that use the library. Shared object and archive are exported apart, and
+# the configuration file of the package chooses between them.
+include(CMakePackageConfigHelpers)
+
+set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/harvlink")
+
+# harvlink_install_library(<target> <kind>): what a CMake project sees as harvlink::<kind>.
+function(harvlink_install_library target kind)
+    set_target_properties(${target} PROPERTIES EXPORT_NAME ${kind})
+    install(TARGETS ${target} EXPORT harvlink-${kind}
+            LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT library NAMELINK_COMPONENT development
+            ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+            INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    install(EXPORT harvlink-${kind} NAMESPACE harvlink:: DESTINATION "${package_folder}" COMPONENT development)
+endfunction()
+
+if(BUILD_SHARED_LIBS)
+    harvlink_install_library(harvlink shared)
+    harvlink_install_library(harvlink_static static)
+else()
+    harvlink_install_library(harvlink static)
+endif()
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/harvlink" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+        FILES_MATCHING PATTERN "*.h")
+
+# A program and the library must be of one version to the last digit when they meet, and OpenConnection sees to it. What asks
+# for an older version is compiled with this one's headers, which is all that it takes.
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/harvlink-config-version.cmake" COMPATIBILITY SameMajorVersion)
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/harvlink-config.cmake.in"
+                              "${PROJECT_BINARY_DIR}/harvlink-config.cmake" INSTALL_DESTINATION "${package_folder}")
+install(FILES "${PROJECT_BINARY_DIR}/harvlink-config.cmake" "${PROJECT_BINARY_DIR}/harvlink-config-version.cmake"
+        DESTINATION "${package_folder}" COMPONENT development)
+
+# The file finds its prefix by where it lies, unless the folder of libraries is fixed.
+cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_libdir)
+cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_INCLUDEDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_includedir)
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(pc_prefix "${CMAKE_INSTALL_PREFIX}")
+else()
+    string(REGEX REPLACE "[^/]+" ".." pc_prefix "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    string(PREPEND pc_prefix "\${pcfiledir}/")
+endif()
+configure_file("${PROJECT_SOURCE_DIR}/cmake/harvlink.pc.in" "${PROJECT_BINARY_DIR}/harvlink.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/harvlink.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/SECURITY.md"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+# Debian wants these under other names.
+if(NOT HARVLINK_DEBIAN)
+    install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+            DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+endif()

@@ -1,0 +1,46 @@
+# What `cmake --install` puts where, for people who use the programs.
+find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
+set(generated_folder "${PROJECT_BINARY_DIR}/packaging")
+file(MAKE_DIRECTORY "${generated_folder}")
+set(page_suffix)
+set(zsh_folder "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+# Debian keeps its own pages compressed, and that folder for the user.
+if(HARVLINK_DEBIAN)
+    find_program(GZIP gzip REQUIRED)
+    set(page_suffix .gz)
+    set(zsh_folder "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+endif()
+
+# harvlink_install_output(<target> <folder> <file> <command>...): installs as <file> what the command prints once the target
+# is built. What is called .gz is compressed.
+function(harvlink_install_output target folder file)
+    set(output "${generated_folder}/${file}")
+    set(finish "${CMAKE_COMMAND}" -E rename "${output}.part" "${output}")
+    if(file MATCHES "[.]gz$")
+        set(finish "${GZIP}" -9nc "${output}.part" > "${output}")
+    endif()
+    file(GLOB_RECURSE inputs CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/packaging/man*")
+    add_custom_command(OUTPUT "${output}" COMMAND ${ARGN} > "${output}.part" COMMAND ${finish}
+                       DEPENDS ${target} ${inputs} VERBATIM COMMENT "Generating ${file}")
+    add_custom_target(harvlink_install_${file} ALL DEPENDS "${output}")
+    install(FILES "${output}" DESTINATION "${folder}" COMPONENT tools)
+endfunction()
+
+# harvlink_install_program(<target> <name>): the program and its page. It finds the library wherever both are put together.
+function(harvlink_install_program target name)
+    file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+    harvlink_install_output(${target} "${CMAKE_INSTALL_MANDIR}/man1" "${name}.1${page_suffix}"
+                            "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/packaging/man_page.py" $<TARGET_FILE:${target}>
+                            "${PROJECT_SOURCE_DIR}/packaging/man/${name}.txt" ${PROJECT_VERSION})
+endfunction()
+
+if(HARVLINK_BUILD_CLI)
+    harvlink_install_program(harvlink_cli harvlink)
+endif()
+if(TARGET harvlink-sim)
+    harvlink_install_program(harvlink-sim harvlink-sim)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/simulator/scenes" DESTINATION "${CMAKE_INSTALL_DATADIR}/harvlink"
+            COMPONENT tools)
+endif()
