@@ -23,8 +23,8 @@ namespace harvlink {
 /// Queues motion steps, turns each into the series of commands that the controller expects, and feeds them to it from a
 /// thread of its own, the trajectory monitor.
 ///
-/// Locks: `trajectoryMutex` first, then those of an exchange; the monitor holds none while it sends a step. The cached
-/// profiles belong to the thread that calls SendTarget, which is the monitor.
+/// Locks: `trajectoryMutex` first, then those of an exchange, as LockRank has it; the monitor holds none while it sends a
+/// step. The cached profiles belong to the thread that calls SendTarget, which is the monitor.
 class MotionManager final : public MotionManagerInterface {
 public:
     /// Asks the controller for its motion slots and clears its targets. Failures are dropped: there are fewer slots then.
@@ -107,7 +107,7 @@ private:
     std::atomic<std::int32_t> targetId = 0;
     std::array<TargetProfile, MotionSlots> cachedProfiles;
     TrajectoryQueue trajectory;
-    std::mutex trajectoryMutex;
+    RankedMutex<LockRank::MotionQueue> trajectoryMutex;
     GroupNumberMap groupNumberMap;
     std::once_flag monitorStarted;
     std::jthread monitorThread; ///< last, so that it is joined before what it uses goes

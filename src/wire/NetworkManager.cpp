@@ -40,7 +40,7 @@ ControllerVersion GenerationOf(std::string_view softwareVersion) {
 /// Both exchange mutexes. Only the first is ever waited for, so the order in which others take them can't matter.
 class NetworkManager::ExchangeLock {
 public:
-    ExchangeLock(std::mutex& first, std::mutex& second) : firstLock(first), secondLock(second, std::try_to_lock) {
+    ExchangeLock(FirstMutex& first, SecondMutex& second) : firstLock(first), secondLock(second, std::try_to_lock) {
         while (!secondLock.owns_lock()) {
             firstLock.unlock();
             firstLock.lock();
@@ -49,8 +49,8 @@ public:
     }
 
 private:
-    std::unique_lock<std::mutex> firstLock;
-    std::unique_lock<std::mutex> secondLock;
+    std::unique_lock<FirstMutex> firstLock;
+    std::unique_lock<SecondMutex> secondLock;
 };
 
 NetworkManager::NetworkManager(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retryCount,

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "wire/AttachedControlGroup.h"
 #include "wire/DatagramTransport.h"
 #include "wire/Packets.h"
+#include "wire/RankedMutex.h"
 
 namespace harvlink {
 
@@ -108,6 +108,8 @@ private:
         SubHeaderForReceiving& subHeader;
         std::span<std::byte> bytes;
     };
+    using FirstMutex = RankedMutex<LockRank::FirstExchange>;
+    using SecondMutex = RankedMutex<LockRank::SecondExchange>;
     class ExchangeLock;
 
     void ProbeGeneration(StatusInfo& status);
@@ -119,8 +121,8 @@ private:
     static constexpr std::uint8_t highestRequestId = 127;
 
     std::vector<AttachedControlGroup> controlGroupsAttached;
-    std::mutex firstExchangeMutex;
-    std::mutex secondExchangeMutex;
+    FirstMutex firstExchangeMutex;
+    SecondMutex secondExchangeMutex;
     std::unique_ptr<DatagramTransport> transport;
     std::atomic<std::int64_t> timeoutMicroseconds = 0;
     std::uint8_t lastRequestId = 0;
