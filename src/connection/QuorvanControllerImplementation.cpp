@@ -38,10 +38,19 @@ QuorvanControllerImplementation::QuorvanControllerImplementation(std::string con
     }
 }
 
-QuorvanControllerImplementation::QuorvanControllerImplementation(std::string const& ipAddress,
+QuorvanControllerImplementation::QuorvanControllerImplementation(std::unique_ptr<DatagramTransport> transport,
                                                                  unsigned timeoutMilliseconds, unsigned retries,
-                                                                 StatusInfo& status)
-    : networkManager(ipAddress, timeoutMilliseconds, retries, status) {}
+                                                                 bool logging, StatusInfo& status)
+    : QuorvanControllerImplementation(std::move(transport), timeoutMilliseconds, retries, status) {
+    if (status.StatusCode == 0) {
+        StartUp(logging, status);
+    }
+}
+
+template <typename Peer>
+QuorvanControllerImplementation::QuorvanControllerImplementation(Peer&& peer, unsigned timeoutMilliseconds,
+                                                                 unsigned retries, StatusInfo& status)
+    : networkManager(std::forward<Peer>(peer), timeoutMilliseconds, retries, status) {}
 
 QuorvanControllerImplementation::~QuorvanControllerImplementation() {
     Delete(ControlGroup);

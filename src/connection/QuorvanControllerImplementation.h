@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,10 @@ public:
     /// Opens the engine and runs the start-up sequence. After a failure the object holds what was made until then.
     QuorvanControllerImplementation(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retries,
                                     bool logging, StatusInfo& status);
+
+    /// The same over a transport of the caller's.
+    QuorvanControllerImplementation(std::unique_ptr<DatagramTransport> transport, unsigned timeoutMilliseconds,
+                                    unsigned retries, bool logging, StatusInfo& status);
     ~QuorvanControllerImplementation() override;
 
     /// State of parameter RS022 from "RS.PRM": 1, 0, or -1 if the file can't be read or is too short.
@@ -35,8 +40,8 @@ public:
 
 private:
     // Delegated to, so that the destructor runs if the start-up throws.
-    QuorvanControllerImplementation(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retries,
-                                    StatusInfo& status);
+    template <typename Peer>
+    QuorvanControllerImplementation(Peer&& peer, unsigned timeoutMilliseconds, unsigned retries, StatusInfo& status);
     void StartUp(bool logging, StatusInfo& status);
     std::optional<int> ReadRS22State(StatusInfo& status);
     void CreateInterfaces(int rs22State, int numberOfToolFiles);
