@@ -16,10 +16,10 @@ namespace {
 
 constexpr std::array<Named<SignalStatus>, 2> SwitchNames{{{"on", SignalStatus::On}, {"off", SignalStatus::Off}}};
 
-constexpr std::array<Named<CycleMode>, 4> CycleNames{{{"step", CycleMode::Step},
-                                                      {"cycle", CycleMode::Cycle},
-                                                      {"auto", CycleMode::Automatic},
-                                                      {"automatic", CycleMode::Automatic}}};
+constexpr std::array<Named<CycleMode>, 4> WantedCycleNames{{{"step", CycleMode::Step},
+                                                            {"cycle", CycleMode::Cycle},
+                                                            {"auto", CycleMode::Automatic},
+                                                            {"automatic", CycleMode::Automatic}}};
 
 void AddServo(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
@@ -62,7 +62,7 @@ void AddCycle(CLI::App& app, Session& session) {
     verb->add_option("MODE", *mode, "step, cycle or auto")->required();
     SetExamples(*verb, {"cycle auto"});
     verb->callback([mode, &session] {
-        CycleMode const wanted = ParseName(CycleNames, *mode, "cycle mode");
+        CycleMode const wanted = ParseName(WantedCycleNames, *mode, "cycle mode");
         session.OnConnection([wanted](QuorvanController& robot, Output& output) {
             return output.Done(robot.ControlCommands->SetCycleMode(wanted));
         });

@@ -54,7 +54,7 @@ StatusInfo ShowSignals(QuorvanController& robot, Output& output, std::vector<Sig
     });
 }
 
-void AddGet(CLI::App& family, Session& session) {
+void AddGetSignal(CLI::App& family, Session& session) {
     auto names = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("get", "Show signals; a group without a bit shows its eight");
     verb->add_option("SIGNAL", *names, "Such as 10010 or general-output:1.0")->required();
@@ -98,7 +98,7 @@ StatusInfo SetSignals(QuorvanController& robot, Output& output, std::vector<Sign
     return status;
 }
 
-void AddSet(CLI::App& family, Session& session) {
+void AddSetSignal(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("set", "Switch signals; what they are wired to may move");
     verb->add_option("SIGNAL=STATE", *texts, "Such as 10010=1 or general-output:1.0=off")->required();
@@ -311,8 +311,8 @@ void AddRegisterSet(CLI::App& family, Session& session) {
 void AddIOCommands(CLI::App& app, Session& session) {
     CLI::App* const signals = app.add_subcommand("io", "Read, switch and watch signals");
     signals->require_subcommand(1);
-    AddGet(*signals, session);
-    AddSet(*signals, session);
+    AddGetSignal(*signals, session);
+    AddSetSignal(*signals, session);
     AddGroupVerb<unsigned char>(*signals, session, "byte", "Show groups of eight signals, or write them");
     AddGroupVerb<unsigned short>(*signals, session, "word",
                                  "Show pairs of groups, the first in the low byte, or write them");

@@ -24,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds PollInterval{50};
 constexpr int BarWidth = 20;
 constexpr std::size_t LongestLine = 79;
-constexpr char const* EraseLine = "\r\x1b[K";
+constexpr char const* EraseProgress = "\r\x1b[K";
 
 /// The way of the group that the last point moves, as far as it is told in that point's coordinates.
 struct FollowedPath {
@@ -182,7 +182,7 @@ private:
                                        fraction * 100.0, left, isHeld_ ? "  held" : "", Axes());
         // A line that wraps could not be erased.
         line.resize(std::min(line.size(), LongestLine));
-        output_.console().err << EraseLine << line << std::flush;
+        output_.console().err << EraseProgress << line << std::flush;
         isBarShown_ = true;
     }
 

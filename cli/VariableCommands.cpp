@@ -37,7 +37,7 @@ StatusInfo ShowVariables(QuorvanController& robot, Output& output, std::vector<V
     });
 }
 
-void AddGet(CLI::App& family, Session& session) {
+void AddGetVariable(CLI::App& family, Session& session) {
     auto names = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("get", "Show variables");
     verb->add_option("VARIABLE", *names, "Variables and ranges, such as B5 S4 P12 B0..B99")->required();
@@ -66,7 +66,7 @@ StatusInfo WriteAll(QuorvanController& robot, Output& output, std::vector<Variab
     return status;
 }
 
-void AddSet(CLI::App& family, Session& session) {
+void AddSetVariable(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("set", "Write variables; nothing is written if one of them is wrong");
     verb->add_option("VARIABLE=VALUE", *texts, "Such as B5=12 S4=hello P1=pulse:0,0,0,0,0,0 B0..B9=0")->required();
@@ -182,8 +182,8 @@ void AddLoad(CLI::App& family, Session& session) {
 void AddVariableCommands(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("var", "Read and write variables");
     family->require_subcommand(1);
-    AddGet(*family, session);
-    AddSet(*family, session);
+    AddGetVariable(*family, session);
+    AddSetVariable(*family, session);
     AddDump(*family, session);
     AddLoad(*family, session);
 }

@@ -2,13 +2,13 @@
 
 #include "harvlink/ControlCommandsInterface.h"
 #include "simulator/CommandHandler.h"
+#include "simulator/handlers/Acknowledgement.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
 
 namespace {
 
-constexpr std::uint32_t Done = 0;
 constexpr std::uint16_t HoldInstance = 1;
 
 class ControlCommandsHandler final : public CommandHandler {

@@ -2,14 +2,13 @@
 
 #include "motion/MotionMessages.h"
 #include "simulator/CommandHandler.h"
+#include "simulator/handlers/Acknowledgement.h"
 #include "simulator/model/ControllerModel.h"
 #include "simulator/model/FixedText.h"
 
 namespace harvlink::simulator {
 
 namespace {
-
-constexpr std::uint32_t Done = 0;
 
 /// The numbers that a program may raise; all others are the controller's own.
 constexpr std::uint16_t FirstUserAlarm = 8000;

@@ -2,13 +2,12 @@
 
 #include "io/IOMessages.h"
 #include "simulator/CommandHandler.h"
+#include "simulator/handlers/Acknowledgement.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
 
 namespace {
-
-constexpr std::uint8_t Written = 0;
 
 /// A number comes in its own size, a bit set in the 8 bytes that it fills in the client's memory.
 bool IsSizeOf(Request const& request, std::size_t numberSize) {

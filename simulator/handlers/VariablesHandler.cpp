@@ -3,6 +3,7 @@
 
 #include "harvlink/PositionData.h"
 #include "simulator/CommandHandler.h"
+#include "simulator/handlers/Acknowledgement.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
@@ -10,7 +11,6 @@ namespace harvlink::simulator {
 namespace {
 
 /// What a write is answered with: a byte that says nothing.
-constexpr std::uint8_t Written = 0;
 
 bool IsCoordinateType(std::uint32_t type) {
     return type == static_cast<std::uint32_t>(CoordinateType::Pulse) ||
