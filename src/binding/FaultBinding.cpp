@@ -7,7 +7,7 @@ using harvlink::Binding::ControllerOf;
 
 namespace {
 
-IAlarmData ToPlain(harvlink::AlarmData const& alarm) {
+IAlarmData ToPlainAlarm(harvlink::AlarmData const& alarm) {
     return {alarm.code, alarm.subcode, ConvertStringToChar8(alarm.time), ConvertStringToChar8(alarm.name)};
 }
 
@@ -16,7 +16,7 @@ template <typename Plain, typename Alarms>
 Plain ToPlainList(Alarms const& alarms) {
     Plain plain{};
     plain.numberOfAlarms = alarms.numberOfAlarms;
-    std::ranges::transform(alarms.alarms, plain.alarms, [](auto const& alarm) { return ToPlain(alarm); });
+    std::ranges::transform(alarms.alarms, plain.alarms, [](auto const& alarm) { return ToPlainAlarm(alarm); });
     return plain;
 }
 

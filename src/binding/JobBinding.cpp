@@ -6,7 +6,7 @@ using harvlink::Binding::ControllerOf;
 namespace {
 
 /// Jobs behind the twelfth are left out.
-IJobStack ToPlain(std::vector<std::string> const& jobs) {
+IJobStack ToPlainStack(std::vector<std::string> const& jobs) {
     auto const place = [&jobs](std::size_t i) { return ConvertStringToChar8(i < jobs.size() ? jobs[i] : "none"); };
     return {place(0), place(1), place(2), place(3), place(4),  place(5),
             place(6), place(7), place(8), place(9), place(10), place(11)};
@@ -32,6 +32,6 @@ IStatusInfo job_interface_get_job_stack(ControllerHandle handle, TesselTaskNumbe
     std::vector<std::string> read;
     harvlink::StatusInfo const status =
         ControllerOf(handle).Job->GetJobStack(static_cast<harvlink::TesselTaskNumber>(task), read);
-    *jobs = ToPlain(read);
+    *jobs = ToPlainStack(read);
     return ToPlain(status);
 }

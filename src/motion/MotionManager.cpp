@@ -9,7 +9,6 @@
 namespace harvlink {
 namespace {
 
-constexpr int invalidControlGroup = 3370;
 constexpr int groupDoesNotExist = 65504;
 constexpr int bufferFull = -49934480; // "Timeout" of the motion table, folded
 
@@ -21,7 +20,7 @@ StatusInfo TooOld() {
 }
 
 StatusInfo InvalidGroupOfTarget(std::string_view ordinal) {
-    return StatusInformation(invalidControlGroup,
+    return StatusInformation(InvalidControlGroup,
                              "Invalid control group id for the " + std::string(ordinal) + " target submitted.");
 }
 
@@ -107,7 +106,7 @@ StatusInfo MotionManager::AddTargets(MotionStep& step, Motion const& first,
         // A motion that came by value ends at its position: a circle gets a mid-point of zeros.
         CircularMotion const motion{*others[i], {}};
         if (!step.SetTarget(motion, groupNumberMap, status)) {
-            return status.StatusCode == invalidControlGroup ? InvalidGroupOfTarget(ordinals[i]) : status;
+            return status.StatusCode == InvalidControlGroup ? InvalidGroupOfTarget(ordinals[i]) : status;
         }
     }
     return status;

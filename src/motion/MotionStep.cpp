@@ -5,8 +5,6 @@
 namespace harvlink {
 namespace {
 
-constexpr int invalidControlGroup = 3370;
-
 /// Strict comparisons that must hold to fail, so that a NaN passes.
 bool IsRatioOutOfRange(double ratio) {
     return ratio != RatioNotSpecified && (TargetProfile::minimumRatio > ratio || ratio > TargetProfile::maximumRatio);
@@ -91,7 +89,7 @@ bool MotionStep::SetTarget(Motion const& motion, GroupNumberMap const& map, Stat
     status = {};
     TargetControlGroup const group = map.GetGroup(motion);
     if (group == TargetControlGroup::GroupNotFound) {
-        status = StatusInformation(invalidControlGroup, "Invalid control group id.");
+        status = StatusInformation(InvalidControlGroup, "Invalid control group id.");
         return false;
     }
     return SetTarget(motion, group, status);

@@ -9,6 +9,8 @@
 
 namespace harvlink {
 
+inline constexpr int InvalidControlGroup = 3370; ///< the status of a motion for a group that has no slot
+
 /// Settings of one group for one step. As constructed: what the controller is taken to have been told at the start.
 struct TargetProfile {
     double accelerationRatio = RatioNotSpecified;
