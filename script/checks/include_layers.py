@@ -24,39 +24,47 @@ WIRE_FORMATS = re.compile(
     r"|(variables|io|controller|files|motion|kinematics)/\w+Messages\.h$"
 )
 PUBLIC_ONLY = ["cli", "examples"]
-INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
+INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
+
+
+def reached_by(path, target):
+    """The file of ours that an include reaches, as a path below the root; None for a header of somebody else."""
+    for folder in (path.parent, ROOT / "include", ROOT / "src", ROOT):
+        file = (folder / target).resolve()
+        if file.is_file() and file.is_relative_to(ROOT):
+            return file.relative_to(ROOT)
+    return None
 
 
 def includes(folder):
-    for path in sorted(folder.rglob("*")):
+    """Each include of a header of ours: file, target as it is written, and the file that it reaches."""
+    for path in sorted((ROOT / folder).rglob("*")):
         if path.suffix in (".h", ".cpp", ".c"):
             for match in INCLUDE.finditer(path.read_text(encoding="utf-8")):
-                yield path, match.group(1)
-
-
-def target_folder(path, target):
-    """The folder of src/ that an include reaches, or None if it stays in include/ or beside the including file."""
-    if target.startswith("harvlink/") or (path.parent / target).exists():
-        return None
-    return target.split("/")[0] if (ROOT / "src" / target).exists() else None
+                quote, target = match.groups()
+                reached = reached_by(path, target)
+                if reached is not None:
+                    yield path, target, reached.parts
+                elif quote == '"' and folder in ("include", "src"):
+                    yield path, target, ("nowhere",)
 
 
 def faults():
-    for path, target in includes(ROOT / "include"):
-        if not (ROOT / "include" / target).exists():
+    for path, target, reached in includes("include"):
+        if reached[0] != "include":
             yield path, target, "a public header includes public headers only"
-    for folder, allowed in ALLOWED.items():
-        for path, target in includes(ROOT / "src" / folder):
-            reached = target_folder(path, target) or (path.parent / target).resolve().parent.name
-            if target.startswith("harvlink/") or reached in allowed or (folder, target) in SINGLE_DOORS:
-                continue
+    for path, target, reached in includes("src"):
+        folder = path.relative_to(ROOT / "src").parts[0]
+        allowed = ALLOWED.get(folder, [])
+        below = reached[0] == "src" and (reached[1] in allowed or (folder, "/".join(reached[1:])) in SINGLE_DOORS)
+        if reached[0] != "include" and not below:
             yield path, target, f"{folder}/ may include include/ and {', '.join(allowed)}"
-    for path, target in includes(ROOT / "simulator"):
-        if target_folder(path, target) and not WIRE_FORMATS.match(target):
+    for path, target, reached in includes("simulator"):
+        if reached[0] == "src" and not WIRE_FORMATS.match("/".join(reached[1:])):
             yield path, target, "the virtual controller shares wire formats with the library, nothing else"
     for folder in PUBLIC_ONLY:
-        for path, target in includes(ROOT / folder):
-            if target_folder(path, target):
+        for path, target, reached in includes(folder):
+            if reached[0] in ("src", "simulator"):
                 yield path, target, f"{folder}/ sees include/ only"
 
 
