@@ -1,0 +1,157 @@
+#!/usr/bin/env python3
+"""Brings the figures of the last runs into docs/reliability.md.
+
+    reliability_report.py            takes what runs left behind in build/; a kind that was not run keeps its figures
+    reliability_report.py --check    fails if the page's figures were not made by this script, or say that something failed
+
+The figures stand in docs/reliability.json, and the table between the two marks of the page is made of them.
+"""
+
+import datetime
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import xml.etree.ElementTree
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = ROOT / "build"
+FIGURES = ROOT / "docs" / "reliability.json"
+PAGE = ROOT / "docs" / "reliability.md"
+TABLE = re.compile(r"(?<=<!-- figures -->\n).*(?=<!-- end of figures -->)", re.DOTALL)
+LINES_WANTED = 95.0
+BUILDS = {"release": "optimised, g++", "asan": "address and undefined-behaviour sanitizers, g++",
+          "tsan": "thread sanitizer, clang"}
+
+
+def tests_of(report):
+    """Cases and failures of a ctest run."""
+    suite = xml.etree.ElementTree.parse(report).getroot()
+    ran = int(suite.get("tests")) - int(suite.get("skipped", 0)) - int(suite.get("disabled", 0))
+    return {"cases": ran, "failed": int(suite.get("failures"))}
+
+
+def coverage_of(report):
+    summary = json.loads(report.read_text())
+    return {kind: {"covered": summary[f"{kind}_covered"], "total": summary[f"{kind}_total"]}
+            for kind in ("line", "branch")}
+
+
+def fuzzing_of(report):
+    return {fuzzer["name"]: {"executions": fuzzer["executions"], "seconds": round(fuzzer["seconds"])}
+            for fuzzer in json.loads(report.read_text())["fuzzers"]}
+
+
+def soak_of(report):
+    soak = json.loads(report.read_text())
+    wanted = ("minutes", "operations", "exchanges", "fileBytesCompared", "faultsInjected", "faultsSurvived", "before",
+              "after")
+    return {**{name: soak[name] for name in wanted}, "failed": len(soak["failures"])}
+
+
+SOURCES = {
+    **{f"tests {build}": (BUILD / build / "tests.xml", tests_of) for build in BUILDS},
+    "coverage": (BUILD / "coverage" / "summary.json", coverage_of),
+    "fuzzing": (BUILD / "fuzz" / "report.json", fuzzing_of),
+    "soak": (BUILD / "soak" / "report.json", soak_of),
+    "bad network": (BUILD / "netns" / "report.json", soak_of),
+}
+
+
+def measured(report, read):
+    day = datetime.datetime.fromtimestamp(report.stat().st_mtime, datetime.timezone.utc).date().isoformat()
+    return {"measured": day, **read(report)}
+
+
+def update(figures):
+    for kind, (report, read) in SOURCES.items():
+        if report.exists():
+            figures[kind] = measured(report, read)
+        else:
+            print(f"{kind}: not run, its figures stay as they are", file=sys.stderr)
+    FIGURES.write_text(json.dumps(figures, indent=2) + "\n")
+    PAGE.write_text(TABLE.sub(lambda _: render(figures), PAGE.read_text()))
+
+
+def share(part):
+    return 100.0 * part["covered"] / part["total"]
+
+
+def listing(counts):
+    return ", ".join(f"{name} {count:,}" for name, count in counts.items())
+
+
+def growth(soak):
+    """What each process had before and after, such as "client 9000 → 9100 KiB"."""
+    pairs = zip(soak["before"], soak["after"])
+    return "; ".join(f"{old['process']} {old['residentKiB']:,} → {new['residentKiB']:,} KiB, {old['descriptors']} → "
+                     f"{new['descriptors']} descriptors, {old['threads']} → {new['threads']} threads"
+                     for old, new in pairs)
+
+
+def soak_rows(name, command, soak):
+    yield name, (f"{soak['minutes']:g} minutes, {soak['operations']:,} operations in {soak['exchanges']:,} exchanges, "
+                 f"{soak['fileBytesCompared']:,} file bytes compared, {soak['failed']} failed"), command, soak
+    yield f"{name}: faults put in", listing(soak["faultsInjected"]), command, soak
+    yield f"{name}: what operations bore or told", listing(soak["faultsSurvived"]), command, soak
+    yield f"{name}: growth", growth(soak), command, soak
+
+
+def rows(figures):
+    for build, description in BUILDS.items():
+        if tests := figures.get(f"tests {build}"):
+            yield f"tests, {description}", f"{tests['cases']:,} run, {tests['failed']} failed", \
+                f"script/test {build}", tests
+    if coverage := figures.get("coverage"):
+        for kind, name in (("line", "lines"), ("branch", "branches")):
+            part = coverage[kind]
+            yield f"{name} of the library that tests run", \
+                f"{share(part):.1f} % ({part['covered']:,} of {part['total']:,})", "script/check coverage", coverage
+    if fuzzing := figures.get("fuzzing"):
+        for name, fuzzer in fuzzing.items():
+            if name != "measured":
+                yield f"fuzzer `{name}`", f"{fuzzer['executions']:,} executions in {fuzzer['seconds']:,} s, no fault", \
+                    f"script/fuzz {round(fuzzer['seconds'], -1)} {name}", fuzzing
+    if soak := figures.get("soak"):
+        yield from soak_rows("soak", f"script/soak {round(soak['minutes']):g}", soak)
+    if soak := figures.get("bad network"):
+        yield from soak_rows("soak through a bad network", f"script/netns {round(soak['minutes'], 1):g}", soak)
+
+
+def render(figures):
+    lines = ["| what | figure | measured | command |", "|---|---|---|---|"]
+    lines += [f"| {name} | {figure} | {source['measured']} | `{command}` |"
+              for name, figure, command, source in rows(figures)]
+    return "\n".join(lines) + "\n"
+
+
+def faults(figures):
+    page = TABLE.search(PAGE.read_text())
+    if page is None or page.group() != render(figures):
+        yield "the table is not the one that the figures give: run script/reliability_report.py, don't type"
+    for kind, figure in figures.items():
+        if kind not in SOURCES:
+            yield f"{kind}: no such kind of figure"
+        elif figure.get("failed"):
+            yield f"{kind}: {figure['failed']} failed"
+    if "coverage" in figures and share(figures["coverage"]["line"]) < LINES_WANTED:
+        yield f"coverage: less than {LINES_WANTED:g} % of the lines"
+    for command in {row[2] for row in rows(figures)}:
+        if not (ROOT / command.split()[0]).exists():
+            yield f"{command}: there is no such script"
+
+
+def main(arguments):
+    figures = json.loads(FIGURES.read_text()) if FIGURES.exists() else {}
+    if arguments == []:
+        update(figures)
+    elif arguments != ["--check"]:
+        sys.exit(__doc__)
+    found = [f"docs/reliability.md: {fault}" for fault in faults(figures)]
+    print("\n".join(found), end="\n" if found else "", file=sys.stderr)
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
