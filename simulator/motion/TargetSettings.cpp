@@ -41,7 +41,7 @@ Refusal CheckUser(std::int32_t number, Workcell const& cell) {
 
 } // namespace
 
-Refusal TargetSettings::SetCoordinates(MotionSetCoord const& message, Workcell const& cell) {
+Refusal TargetSettings::SetCoordinates(harvlink::MotionSetCoord const& message, Workcell const& cell) {
     if (!IsUsable(message.coordinateType)) {
         return MotionRefusal::CoordinateSystemError;
     }

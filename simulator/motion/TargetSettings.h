@@ -22,7 +22,7 @@ struct TargetSettings {
     double accelerationRatio = 1.0; ///< part of the full acceleration
     double decelerationRatio = 1.0;
 
-    Refusal SetCoordinates(MotionSetCoord const& message, Workcell const& cell);
+    Refusal SetCoordinates(harvlink::MotionSetCoord const& message, Workcell const& cell);
     Refusal SetTool(std::int32_t number, Workcell const& cell);
     Refusal SetSpeed(SpeedStruct const& speed); ///< a speed of 0 leaves what was set before
     Refusal SetAccelerationRatio(std::int32_t ratio); ///< 20 to 100 % in 0.01 %
