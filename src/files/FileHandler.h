@@ -13,6 +13,8 @@
 
 namespace harvlink {
 
+class TextCollector;
+
 class FileHandler final : public FileInterface {
 public:
     explicit FileHandler(NetworkManager* manager) : networkManager(manager) {}
@@ -63,6 +65,7 @@ public:
     std::vector<std::string_view> Split(std::string_view text, std::size_t pieceSize) const;
 
 private:
+    StatusInfo ReceiveBlocks(FileRequest& request, FileReply& reply, TextCollector& text);
     StatusInfo CheckLoadable(std::string const& fileName) const;
     StatusInfo ReadDiskFile(std::string const& path, std::vector<FileBlock>& blocks) const;
     std::string HeadOf(std::vector<FileBlock> const& blocks) const;

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "files/FileHandler.h"
+#include "files/TextCollector.h"
 #include "wire/HelperFunction.h"
 
 // The exchange by which whole files move: a request that names the file, then numbered blocks, each answered before the
@@ -18,26 +19,37 @@ void LetControllerSettle() {
     std::this_thread::sleep_for(std::chrono::seconds(3));
 }
 
-void AppendText(std::string& data, std::array<char, FileBlockSize> const& block) {
-    data.append(block.begin(), std::ranges::find(block, '\0'));
+std::string_view TextOf(std::array<char, FileBlockSize> const& block) {
+    std::string_view const text(block.data(), block.size());
+    return text.substr(0, text.find('\0'));
 }
 
 } // namespace
 
 StatusInfo FileHandler::GetTheRestOfTheData(FileRequest& request, FileReply& reply, std::string& data) {
-    request.header.ack = 1;
-    request.header.payloadSize = 0;
-    while ((reply.header.blockNumber & lastBlockFlag) == 0) {
-        request.header.blockNumber = reply.header.blockNumber;
-        reply.payload = {};
-        StatusInfo status = networkManager->SendAndReceive(request, reply, reply.header.requestId, true);
-        if (status.StatusCode != 0) {
-            return status;
-        }
-        AppendText(data, reply.payload);
+    TextCollector text;
+    StatusInfo status = ReceiveBlocks(request, reply, text);
+    text.MoveTo(data);
+    if (status.StatusCode != 0) {
+        return status;
     }
     request.header.blockNumber = reply.header.blockNumber;
     return networkManager->SendAndReceive(request, reply, reply.header.requestId, false);
+}
+
+StatusInfo FileHandler::ReceiveBlocks(FileRequest& request, FileReply& reply, TextCollector& text) {
+    request.header.ack = 1;
+    request.header.payloadSize = 0;
+    StatusInfo status;
+    while (status.StatusCode == 0 && (reply.header.blockNumber & lastBlockFlag) == 0) {
+        request.header.blockNumber = reply.header.blockNumber;
+        reply.payload = {};
+        status = networkManager->SendAndReceive(request, reply, reply.header.requestId, true);
+        if (status.StatusCode == 0) {
+            text.Append(TextOf(reply.payload));
+        }
+    }
+    return status;
 }
 
 StatusInfo FileHandler::SendTheBuffer(std::string const& fileName, std::vector<FileBlock>& blocks) {
@@ -100,7 +112,7 @@ std::string FileHandler::HeadOf(std::vector<FileBlock> const& blocks) const {
     constexpr std::size_t enough = 150;
     std::string head;
     for (auto block = blocks.begin(); block != blocks.end() && head.size() <= enough; ++block) {
-        AppendText(head, block->payload);
+        head += TextOf(block->payload);
     }
     return head;
 }
@@ -112,8 +124,7 @@ StatusInfo FileHandler::ListFiles(FileType type, std::vector<std::string>& files
     // The status of the first exchange is dropped, on purpose: its block is treated like any other, and silence shows in
     // the exchange that follows.
     networkManager->SendAndReceive(request, reply, std::nullopt, true);
-    std::string names;
-    AppendText(names, reply.payload);
+    std::string names(TextOf(reply.payload));
     StatusInfo status = GetTheRestOfTheData(request, reply, names);
     if (status.StatusCode != 0) {
         return Contextual(std::move(status));
@@ -133,7 +144,7 @@ StatusInfo FileHandler::SaveFromControllerToString(std::string const& fileName, 
     if (status.StatusCode != 0) {
         return Contextual(std::move(status));
     }
-    AppendText(contents, reply.payload);
+    contents = TextOf(reply.payload);
     return Contextual(GetTheRestOfTheData(request, reply, contents));
 }
 
