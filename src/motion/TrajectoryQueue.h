@@ -1,7 +1,8 @@
 #pragma once
 
 #include <atomic>
-#include <deque>
+#include <list>
+#include <vector>
 
 #include "motion/MotionStep.h"
 
@@ -9,8 +10,8 @@ namespace harvlink {
 
 /// The steps that wait to be sent, without a limit. Its owner guards it with a mutex; only IsEmpty may be called without.
 ///
-/// A step is held as a run of its groups rather than with room for four: one group takes less than 200 bytes, and adding
-/// a step allocates less than once on average.
+/// A step is held as a run of its groups rather than with room for four: one group takes less than 200 bytes. The runs
+/// stand in blocks that never move, so that adding a step allocates seldom and copies nothing else.
 class TrajectoryQueue {
 public:
     bool IsEmpty() const { return isEmpty.load(std::memory_order_acquire); }
@@ -31,8 +32,12 @@ private:
         TargetControlGroup group = TargetControlGroup::GroupNotFound;
         bool isLastOfStep = true;
     };
+    using Block = std::vector<Part>; ///< never beyond the room it was made with; a step's parts share one
 
-    std::deque<Part> parts;
+    Block& BlockWithRoom();
+
+    std::list<Block> blocks;
+    std::size_t sent = 0; ///< parts of the front block that are gone
     std::atomic<bool> isEmpty = true;
 };
 
