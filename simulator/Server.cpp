@@ -143,12 +143,15 @@ void Server::Answer(Endpoint const& endpoint) {
     }
     auto& controller = *endpoint.controller;
     auto const datagram = std::span<std::byte const>(buffer_).first(static_cast<std::size_t>(length));
+    if (recorder_) {
+        recorder_(from, endpoint.Own().Address(), datagram);
+    }
     auto const* const request = controller.Handle(endpoint.port, PeerOf(from), datagram, reply_);
     if (request == nullptr) {
         return;
     }
     if (!reply_.IsSuppressed()) {
-        endpoint.Own().Send(reply_.Bytes(), from);
+        Send(endpoint.Own(), reply_.Bytes(), from);
     }
     if (observer_) {
         observer_(controller, *request, reply_);
@@ -157,6 +160,13 @@ void Server::Answer(Endpoint const& endpoint) {
         Deliver(controller);
     }
     NoteActivity(controller);
+}
+
+void Server::Send(Socket const& socket, std::span<std::byte const> datagram, sockaddr_in const& to) const {
+    socket.Send(datagram, to);
+    if (recorder_) {
+        recorder_(socket.Address(), to, datagram);
+    }
 }
 
 void Server::Deliver(VirtualController& controller) {
@@ -168,7 +178,7 @@ void Server::Deliver(VirtualController& controller) {
         auto const& socket = delivery.source == Delivery::Source::RobotPort  ? sockets.robot
                              : delivery.source == Delivery::Source::FilePort ? sockets.file
                                                                              : sockets.stray;
-        socket.Send(delivery.bytes, AddressOf(delivery.peer));
+        Send(socket, delivery.bytes, AddressOf(delivery.peer));
     }
 }
 

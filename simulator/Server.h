@@ -4,6 +4,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <thread>
 #include <unordered_map>
@@ -22,11 +23,14 @@ namespace harvlink::simulator {
 ///     if (!server.Start()) { ... server.Error() ... }
 ///     controller.With([](ControllerModel& model) { model.variables.bytes[5] = 12; });
 ///
-/// Add, SetObserver, Start and Stop belong to one thread; the controllers may be used from any.
+/// Add, SetObserver, SetRecorder, Start and Stop belong to one thread; the controllers may be used from any.
 class Server {
 public:
     /// Told of every datagram that is of the protocol, after it was answered, on the server's thread.
     using Observer = std::function<void(VirtualController const&, Request const&, Reply const&)>;
+
+    /// Told of every datagram as it comes in or goes out, with sender and receiver, on the server's thread.
+    using Recorder = std::function<void(sockaddr_in const&, sockaddr_in const&, std::span<std::byte const>)>;
 
     Server();
     Server(Server const&) = delete;
@@ -38,6 +42,9 @@ public:
 
     /// Only before Start.
     void SetObserver(Observer observer) { observer_ = std::move(observer); }
+
+    /// Only before Start.
+    void SetRecorder(Recorder recorder) { recorder_ = std::move(recorder); }
 
     /// Binds all addresses, then answers on a thread of its own. False if an address can't be bound: Error tells which
     /// and why, and nothing is left bound.
@@ -72,6 +79,7 @@ private:
     void Run();
     void HandleWake();
     void Answer(Endpoint const& endpoint);
+    void Send(Socket const& socket, std::span<std::byte const> datagram, sockaddr_in const& to) const;
     void TickIfDue();
     bool Tick(VirtualController& controller);
     void Deliver(VirtualController& controller);
@@ -82,6 +90,7 @@ private:
     std::vector<std::unique_ptr<Endpoint>> endpoints_;
     std::vector<VirtualController*> active_; ///< those with something going on in time
     Observer observer_;
+    Recorder recorder_;
     Descriptor epoll_;
     Descriptor wake_;
     std::string error_;

@@ -30,6 +30,13 @@ Socket Socket::Bind(std::string const& address, std::uint16_t port) {
     return result;
 }
 
+sockaddr_in Socket::Address() const {
+    sockaddr_in address{};
+    socklen_t size = sizeof(address);
+    getsockname(Get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return address;
+}
+
 std::ptrdiff_t Socket::Receive(std::span<std::byte> buffer, sockaddr_in& from) const {
     socklen_t length = sizeof(from);
     return recvfrom(Get(), buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&from), &length);

@@ -38,6 +38,9 @@ public:
     bool IsOpen() const { return descriptor_.IsOpen(); }
     int Get() const { return descriptor_.Get(); }
 
+    /// Where it is bound.
+    sockaddr_in Address() const;
+
     /// Takes one datagram, cut at the buffer's size, without waiting. -1 if there is none, its length otherwise.
     std::ptrdiff_t Receive(std::span<std::byte> buffer, sockaddr_in& from) const;
 

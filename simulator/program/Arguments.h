@@ -15,6 +15,7 @@ struct Arguments {
     std::vector<std::string> addresses;
     ControllerOptions options;
     std::optional<Scene> scene;
+    std::optional<std::string> pcap;
     bool verbose = false;
 };
 
@@ -35,6 +36,7 @@ private:
     std::optional<std::string> scene_;
     std::optional<double> timeScale_;
     std::string faults_;
+    std::optional<std::string> pcap_;
     bool verbose_ = false;
 };
 

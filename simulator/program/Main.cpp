@@ -1,6 +1,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 
 #include "simulator/Server.h"
 #include "simulator/program/Arguments.h"
+#include "simulator/program/PcapFile.h"
 #include "simulator/scene/Scene.h"
 
 namespace {
@@ -64,6 +66,7 @@ bool AddController(Server& server, std::string const& address, Arguments const& 
 
 int Serve(Arguments const& arguments) {
     auto const signals = BlockEndSignals();
+    std::optional<PcapFile> recording; // outlives the server's thread
     Server server;
     for (auto const& address : arguments.addresses) {
         if (!AddController(server, address, arguments)) {
@@ -72,6 +75,10 @@ int Serve(Arguments const& arguments) {
     }
     if (arguments.verbose) {
         server.SetObserver(PrintExchange);
+    }
+    if (arguments.pcap) {
+        recording.emplace(*arguments.pcap);
+        server.SetRecorder([&](auto const&... datagram) { recording->Write(datagram...); });
     }
     if (!server.Start()) {
         fmt::print(stderr, "harvlink-sim: {}\n", server.Error());

@@ -1,0 +1,100 @@
+// harvlink_dissector_tables COMMAND-NUMBERS DISSECTOR: prints the dissector with its tables as the library has them. The
+// header of command numbers is read, because a program can't ask an enumeration for its names; texts come out of the tables
+// themselves.
+
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <regex>
+#include <string>
+#include <string_view>
+
+#include "status/ErrorTables.h"
+#include "status/MainStatusTable.h"
+#include "wire/CommandNumber.h"
+
+namespace {
+
+using namespace harvlink;
+
+constexpr std::string_view begin = "-- BEGIN tables";
+constexpr std::string_view end = "-- END tables";
+
+std::string ReadFile(char const* path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string Quoted(std::string_view text) {
+    std::string result = "\"";
+    for (char const character : text) {
+        result += character == '"' || character == '\\' ? std::string("\\") + character : std::string(1, character);
+    }
+    return result + "\"";
+}
+
+/// The rows `NAME = NUMBER` of an enumeration, or of constants whose names begin alike.
+void PrintNames(std::string_view table, std::string const& text, std::string const& row) {
+    std::cout << "local " << table << " = {\n";
+    std::regex const pattern(row);
+    for (std::sregex_iterator match(text.begin(), text.end(), pattern); match != std::sregex_iterator(); ++match) {
+        std::cout << "    [" << (*match)[2] << "] = " << Quoted((*match)[1].str()) << ",\n";
+    }
+    std::cout << "}\n";
+}
+
+std::string BodyOf(std::string const& header, std::string const& enumeration) {
+    auto const start = header.find("enum class " + enumeration);
+    return start == std::string::npos ? "" : header.substr(start, header.find("};", start) - start);
+}
+
+/// The codes that fit a reply.
+template <typename Code>
+void PrintTexts(std::string_view name, StatusTable<Code> const& table) {
+    std::cout << "    " << name << " = {\n";
+    for (std::int32_t code = 1; code <= UINT16_MAX; ++code) {
+        if (auto const text = table.Find(static_cast<Code>(code))) {
+            std::cout << "        [" << code << "] = " << Quoted(*text) << ",\n";
+        }
+    }
+    std::cout << "    },\n";
+}
+
+void PrintTables(std::string const& header) {
+    std::string const decimal = R"((\w+) = (\d+),)";
+    PrintNames("COMMANDS", BodyOf(header, "CommandNumber"), decimal);
+    PrintNames("ATTRIBUTES", BodyOf(header, "FixedField"), R"((\w+) = (\d+))");
+    PrintNames("SERVICES", header, R"( Service(\w+) = (\d+);)");
+    PrintNames("FILE_SERVICES", BodyOf(header, "FileServices"), R"((\w+) = (\w+),)");
+    std::cout << "local STATUS_TEXTS = {\n";
+    PrintTexts("main", MainStatusTable);
+    PrintTexts("job", JobErrorTable);
+    PrintTexts("file", FileErrorTable);
+    PrintTexts("io", IOErrorTable);
+    PrintTexts("motion", MotionErrorTable);
+    PrintTexts("conversion", ConversionErrorTable);
+    PrintTexts("control_group", ControlGroupErrorTable);
+    std::cout << "}\n";
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::cerr << "Usage: harvlink_dissector_tables COMMAND-NUMBERS DISSECTOR\n";
+        return 2;
+    }
+    auto const dissector = ReadFile(argv[2]);
+    auto const from = dissector.find('\n', dissector.find(begin));
+    auto const to = dissector.find(end);
+    if (from == std::string::npos || to == std::string::npos) {
+        std::cerr << argv[2] << ": has no lines \"" << begin << "\" and \"" << end << "\"\n";
+        return 1;
+    }
+    std::cout << dissector.substr(0, from + 1);
+    PrintTables(ReadFile(argv[1]));
+    std::cout << dissector.substr(to);
+    return 0;
+}
