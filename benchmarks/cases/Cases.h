@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "harvlink/harvlink.h"
@@ -16,11 +18,13 @@ void MotionCases(Report& report);
 void ConnectionCases(Report& report);
 void ThreadCases(Report& report);
 void PeerCase(Report& report);
+void SimulatorCase(Report& report);
 
 /// A number of byte reads on a fresh connection, for a counter of system calls around this process.
 void RunExchanges(int count);
 
-inline constexpr int Rounds = 7;
+/// Many short ones rather than few long ones: a machine that is disturbed spoils some of them.
+inline constexpr int Rounds = 21;
 
 /// Figures of a run of the same operation, in seconds.
 struct Series {
@@ -56,6 +60,16 @@ double Time(Operation operation) {
     return static_cast<double>(NowNanoseconds() - start) * 1e-9;
 }
 
+/// The same, the median of several times.
+template <typename Operation>
+double MedianTime(int repetitions, Operation operation) {
+    std::vector<double> times;
+    for (int i = 0; i < repetitions; ++i) {
+        times.push_back(Time(operation));
+    }
+    return Median(times);
+}
+
 /// Runs both sides in turn, so that what the machine does meanwhile hits both, and gives the median of each and of the
 /// ratios of the rounds.
 struct Paired {
@@ -77,6 +91,32 @@ Paired Pair(Floor floor, Harvlink harvlink, int rounds = Rounds) {
     return {Median(floors), Median(ours), Median(ratios)};
 }
 
+using Points = std::vector<std::pair<double, double>>; ///< size, seconds
+
+/// How much more an item costs at the worst when there are ten times as many; 1 is linear growth.
+inline double WorstGrowth(Points const& points) {
+    double worst = 0.0;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        worst = std::max(worst, points[i].second / points[i - 1].second / (points[i].first / points[i - 1].first));
+    }
+    return worst;
+}
+
+/// Adds a curve and its growth; against that of the bare sockets if the machine itself has a part in it.
+inline void AddGrowth(Report& report, std::string const& name, Points const& points, Points const& bare = {}) {
+    double const worst = WorstGrowth(points);
+    double const floor = bare.empty() ? 1.0 : WorstGrowth(bare);
+    report.Add(Curve{name, points});
+    report.Add({.name = "cost of an item, ten times the " + name,
+                .unit = "",
+                .floor = floor,
+                .harvlink = worst,
+                .gated = worst / floor,
+                .comparison = "<=",
+                .target = 1.1,
+                .note = bare.empty() ? "1 is linear" : "ratio"});
+}
+
 /// A connection to the answering process; throws if it can't be had.
 inline Connection Open(std::string const& address, unsigned timeoutMilliseconds = 1000, unsigned retries = 0) {
     StatusInfo status;
@@ -93,9 +133,13 @@ inline void Require(StatusInfo const& status) {
     }
 }
 
-inline void ReadByteVariable(QuorvanController& controller) {
+/// Throws if the answer is that of another variable.
+inline void ReadByteVariable(QuorvanController& controller, std::uint8_t index = 0) {
     ByteVariableData variable;
-    Require(controller.Variables->byteVariable->Read(0, variable));
+    Require(controller.Variables->byteVariable->Read(index, variable));
+    if (variable.value != index) {
+        throw std::runtime_error("the reply to another request");
+    }
 }
 
 } // namespace harvlink::bench

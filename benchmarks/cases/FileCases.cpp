@@ -117,11 +117,11 @@ void FileCases(Report& report) {
     report.Add(MemoryRow("file from a string, allocations per block", loading.allocationsPerBlock, 0.02));
     report.Add(MemoryRow("file from a string, extra memory by file size", loading.extraMemory, 1.2));
 
-    Curve growth{.name = "file size in bytes", .points = {}};
+    Points growth;
     for (std::size_t size = mebibyte / 100; size <= 10 * mebibyte; size *= 10) {
-        growth.points.emplace_back(static_cast<double>(size), Time([&] { save(size); }));
+        growth.emplace_back(static_cast<double>(size), MedianTime(5, [&] { save(size); }));
     }
-    report.Add(growth);
+    AddGrowth(report, "bytes of a file", growth);
 }
 
 } // namespace harvlink::bench

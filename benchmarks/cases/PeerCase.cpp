@@ -1,14 +1,12 @@
 #include <array>
-#include <csignal>
 #include <stdexcept>
 #include <thread>
 
 #include <modbus/modbus.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "cases/Cases.h"
+#include "support/ChildProcess.h"
 #include "support/Responder.h"
 
 namespace harvlink::bench {
@@ -17,14 +15,14 @@ namespace {
 constexpr int peerPort = 15020;
 
 /// The peer's own server, answering one connection.
-[[noreturn]] void ServePeer(int listening, modbus_t* context) {
+void ServePeer(int listening, modbus_t* context) {
     modbus_mapping_t* const mapping = modbus_mapping_new(8, 8, 8, 8);
     modbus_tcp_accept(context, &listening);
     std::array<std::uint8_t, MODBUS_TCP_MAX_ADU_LENGTH> query{};
     for (;;) {
         int const length = modbus_receive(context, query.data());
         if (length < 0) {
-            ::_exit(0);
+            return;
         }
         modbus_reply(context, query.data(), length, mapping);
     }
@@ -44,18 +42,17 @@ void PeerCase(Report& report) {
     if (listening < 0) {
         throw std::runtime_error("the peer's server can't listen");
     }
-    pid_t const process = ::fork();
-    if (process == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ChildProcess const process(0, [&](std::function<void()> const& ready) {
+        ready();
         ServePeer(listening, server);
-    }
+    });
     modbus_t* const peer = modbus_new_tcp(address.c_str(), peerPort);
     if (modbus_connect(peer) != 0) {
         throw std::runtime_error("the peer can't connect");
     }
     std::uint16_t value = 0;
-    Paired const p50 = Pair([&] { return Run(10000, [&] { modbus_read_registers(peer, 0, 1, &value); }).p50; },
-                            [&] { return Run(10000, [&] { ReadByteVariable(*connection); }).p50; });
+    Paired const p50 = Pair([&] { return Run(4000, [&] { modbus_read_registers(peer, 0, 1, &value); }).p50; },
+                            [&] { return Run(4000, [&] { ReadByteVariable(*connection); }).p50; });
     report.Add({.name = "scalar read against a register read of libmodbus, p50",
                 .unit = "us",
                 .floor = p50.floor * 1e6,
@@ -66,8 +63,6 @@ void PeerCase(Report& report) {
                 .note = "ratio to libmodbus, not to the floor"});
     modbus_close(peer);
     modbus_free(peer);
-    ::kill(process, SIGKILL);
-    ::waitpid(process, nullptr, 0);
     ::close(listening);
     modbus_free(server);
 }

@@ -40,6 +40,10 @@ void BareClient::Send(std::span<std::byte const> request, Division division) {
 
 bool BareClient::Exchange(std::span<std::byte const> request, std::span<std::byte> reply, Division division) {
     Send(request, division);
+    return Receive(reply);
+}
+
+bool BareClient::Receive(std::span<std::byte> reply) {
     std::array<pollfd, 2> sockets{{{robotSocket, POLLIN, 0}, {fileSocket, POLLIN, 0}}};
     if (::poll(sockets.data(), sockets.size(), 1000) <= 0) {
         return false;
@@ -48,13 +52,26 @@ bool BareClient::Exchange(std::span<std::byte const> request, std::span<std::byt
     return ::recvfrom(readable, reply.data(), reply.size(), 0, nullptr, nullptr) > 0;
 }
 
+void BareClient::Wait(int milliseconds) {
+    std::array<pollfd, 2> sockets{{{robotSocket, POLLIN, 0}, {fileSocket, POLLIN, 0}}};
+    (void)::poll(sockets.data(), sockets.size(), milliseconds);
+}
+
 bool BareClient::ReadByteVariable() {
+    RequestByteVariable();
+    return ReceiveByteVariable();
+}
+
+void BareClient::RequestByteVariable() {
     OutgoingPacket<NoPayload> request;
     request.header.requestId = ++id;
     request.subHeader = {CommandNumber::ByteVariable, 0, FixedField::FirstAttribute, ServiceReadOne};
+    Send(request.Bytes().first(HeaderSize), Division::RobotControl);
+}
+
+bool BareClient::ReceiveByteVariable() {
     IncomingPacket<std::uint8_t> reply;
-    return Exchange(request.Bytes().first(HeaderSize), reply.Bytes(), Division::RobotControl) &&
-           reply.header.requestId == id;
+    return Receive(reply.Bytes()) && reply.header.requestId == id;
 }
 
 } // namespace harvlink::bench

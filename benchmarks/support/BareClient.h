@@ -22,9 +22,13 @@ public:
     /// Sends the request and waits for one datagram. False if none came within a second.
     bool Exchange(std::span<std::byte const> request, std::span<std::byte> reply, Division division);
     void Send(std::span<std::byte const> request, Division division);
+    bool Receive(std::span<std::byte> reply);
+    void Wait(int milliseconds);
 
     /// A read of byte variable 0, as the library sends it.
     bool ReadByteVariable();
+    void RequestByteVariable();
+    bool ReceiveByteVariable();
 
 private:
     int robotSocket;

@@ -16,6 +16,12 @@ inline std::int64_t NowNanoseconds() {
         .count();
 }
 
+/// The clock of the kernel's times of arrival.
+inline std::int64_t WallNanoseconds() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
 /// Processor time of this process, or of the calling thread alone.
 double ProcessCpuSeconds();
 double ThreadCpuSeconds();

@@ -1,17 +1,17 @@
 #include "support/Responder.h"
 
 #include <algorithm>
-#include <csignal>
+#include <array>
 #include <cstring>
 #include <new>
 #include <stdexcept>
 
 #include <arpa/inet.h>
+#include <linux/sockios.h>
 #include <sys/epoll.h>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "support/Machine.h"
@@ -28,18 +28,6 @@ constexpr std::uint32_t lastBlockFlag = 0x80000000;
 
 using RequestPacket = OutgoingPacket<std::array<char, FileBlockSize>>;
 using ReplyPacket = IncomingPacket<std::array<char, FileBlockSize>>;
-
-int BindSocket(std::string const& address, std::uint16_t port) {
-    int const descriptor = ::socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in endpoint{};
-    endpoint.sin_family = AF_INET;
-    endpoint.sin_port = htons(port);
-    ::inet_pton(AF_INET, address.c_str(), &endpoint.sin_addr);
-    if (::bind(descriptor, reinterpret_cast<sockaddr*>(&endpoint), sizeof(endpoint)) != 0) {
-        throw std::runtime_error("can't bind " + address);
-    }
-    return descriptor;
-}
 
 template <typename Payload>
 void SetPayload(ReplyPacket& reply, Payload const& payload) {
@@ -66,7 +54,7 @@ void AnswerCommand(RequestPacket const& request, ReplyPacket& reply) {
         SetPayload(reply, std::array<std::uint32_t, 8>{'S', 'L', 'U', 'R', 'B', 'T'});
         break;
     default:
-        reply.payload[0] = 1;
+        reply.payload[0] = static_cast<char>(request.subHeader.instance); // tells replies apart
         reply.header.payloadSize = 1;
         break;
     }
@@ -107,8 +95,8 @@ private:
 
 class AnsweringProcess {
 public:
-    AnsweringProcess(std::vector<std::string> const& addresses, ResponderCounters& shared)
-        : counters(shared), epoll(::epoll_create1(0)) {
+    AnsweringProcess(std::vector<std::string> const& addresses, ArrivalTime arrival, ResponderCounters& shared)
+        : counters(shared), arrivalTime(arrival), epoll(::epoll_create1(0)) {
         for (std::string const& address : addresses) {
             Watch(BindSocket(address, robotPort));
             Watch(BindSocket(address, filePort));
@@ -117,7 +105,6 @@ public:
 
     [[noreturn]] void Run() {
         std::array<epoll_event, 64> events{};
-        // With one controller the robot port alone is read, without asking first, except when the file port has something.
         for (;;) {
             int const ready = ::epoll_wait(epoll, events.data(), static_cast<int>(events.size()), -1);
             for (int i = 0; i < ready; ++i) {
@@ -142,7 +129,7 @@ private:
                        &senderSize) < static_cast<ssize_t>(HeaderSize)) {
             return;
         }
-        Count(request);
+        Count(request, descriptor);
         bool const isLastAcknowledgement = request.header.ack == 1 && request.header.payloadSize == 0 &&
                                            (request.header.blockNumber & lastBlockFlag) != 0;
         if (isLastAcknowledgement) {
@@ -160,55 +147,61 @@ private:
                        reinterpret_cast<sockaddr*>(&sender), senderSize);
     }
 
-    void Count(RequestPacket const& request) {
+    void Count(RequestPacket const& request, int descriptor) {
         counters.datagrams.fetch_add(1, std::memory_order_relaxed);
         if (request.subHeader.command == static_cast<std::uint16_t>(CommandNumber::MotionSendTarget)) {
-            counters.lastTargetAt.store(NowNanoseconds(), std::memory_order_relaxed);
+            counters.lastTargetAt.store(ArrivalOf(descriptor), std::memory_order_relaxed);
             counters.targets.fetch_add(1, std::memory_order_release);
         }
     }
 
+    /// Of the datagram that was read last. The first call on a socket makes the kernel take these times and fails.
+    std::int64_t ArrivalOf(int descriptor) const {
+        timespec time{};
+        if (arrivalTime == ArrivalTime::Read || ::ioctl(descriptor, SIOCGSTAMPNS, &time) != 0) {
+            return WallNanoseconds();
+        }
+        return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    }
+
     ResponderCounters& counters;
+    ArrivalTime arrivalTime;
     int epoll;
     FileSide files;
 };
 
-} // namespace
-
-Responder::Responder(std::vector<std::string> const& addresses, int core) {
+ResponderCounters* MapCounters() {
     void* const shared =
         ::mmap(nullptr, sizeof(ResponderCounters), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (shared == MAP_FAILED) {
         throw std::runtime_error("no shared memory");
     }
-    counters = new (shared) ResponderCounters{};
-    std::array<int, 2> ready{};
-    if (::pipe(ready.data()) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    process = ::fork();
-    if (process == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (core >= 0) {
-            PinTo(core);
-        }
-        AnsweringProcess answering(addresses, *counters);
-        (void)!::write(ready[1], "r", 1);
-        answering.Run();
-    }
-    ::close(ready[1]);
-    char byte = 0;
-    bool const isReady = ::read(ready[0], &byte, 1) == 1;
-    ::close(ready[0]);
-    if (!isReady) {
-        throw std::runtime_error("the answering process did not start");
-    }
+    return new (shared) ResponderCounters{};
 }
 
-Responder::~Responder() {
-    ::kill(process, SIGKILL);
-    ::waitpid(process, nullptr, 0);
+} // namespace
+
+void Responder::Unmap::operator()(ResponderCounters* counters) const {
     ::munmap(counters, sizeof(ResponderCounters));
+}
+
+Responder::Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime)
+    : counters(MapCounters()), process(core, [&](std::function<void()> const& ready) {
+          AnsweringProcess answering(addresses, arrivalTime, *counters);
+          ready();
+          answering.Run();
+      }) {}
+
+int BindSocket(std::string const& address, std::uint16_t port) {
+    int const descriptor = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in endpoint{};
+    endpoint.sin_family = AF_INET;
+    endpoint.sin_port = htons(port);
+    ::inet_pton(AF_INET, address.c_str(), &endpoint.sin_addr);
+    if (::bind(descriptor, reinterpret_cast<sockaddr*>(&endpoint), sizeof(endpoint)) != 0) {
+        throw std::runtime_error("can't bind " + address);
+    }
+    return descriptor;
 }
 
 std::string BenchAddress(int number) {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
+#include "support/ChildProcess.h"
 
 namespace harvlink::bench {
 
@@ -14,25 +14,32 @@ namespace harvlink::bench {
 struct ResponderCounters {
     std::atomic<std::uint64_t> datagrams;
     std::atomic<std::uint64_t> targets; ///< motion targets among them
-    std::atomic<std::int64_t> lastTargetAt; ///< steady clock, nanoseconds
+    std::atomic<std::int64_t> lastTargetAt; ///< wall clock, nanoseconds
 };
+
+/// When a motion target counts as there: when the answering process reads it, or, at the price of a system call each,
+/// when the kernel had it. The latter leaves out how long the process took to wake up.
+enum class ArrivalTime { Read, Kernel };
 
 /// The answering side: a process of its own that does as little as it can, so that it does not hide the client's cost.
 /// It answers every request with status 0 and a payload of the right size, and serves one file of any size.
 class Responder {
 public:
     /// Answers on each of the addresses, on one core (-1: any).
-    Responder(std::vector<std::string> const& addresses, int core);
-    Responder(Responder const&) = delete;
-    Responder& operator=(Responder const&) = delete;
-    ~Responder();
+    Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime = ArrivalTime::Read);
 
     ResponderCounters& Counters() { return *counters; }
 
 private:
-    pid_t process = -1;
-    ResponderCounters* counters = nullptr;
+    struct Unmap {
+        void operator()(ResponderCounters* counters) const;
+    };
+    std::unique_ptr<ResponderCounters, Unmap> counters; ///< shared with the process
+    ChildProcess process;
 };
+
+/// A UDP socket bound to a port of an address. Throws if it can't be had.
+int BindSocket(std::string const& address, std::uint16_t port);
 
 /// "127.20.x.y" by number.
 std::string BenchAddress(int number);
