@@ -16,8 +16,9 @@ void MotionManager::StartMonitorTrajectoryThread() {
 }
 
 void MotionManager::MonitorTrajectory(std::stop_token const& stop) {
-    while (!stop.stop_requested()) {
-        // A stop is looked at between runs only: a queue that is not empty is sent to its end first.
+    for (bool isLastRun = false; !isLastRun;) {
+        // Looked at before the queue and only there: all that was queued before the stop is sent to its end.
+        isLastRun = stop.stop_requested();
         while (auto const step = CopyFrontTrajectory()) {
             StatusInfo status = SendTarget(*step);
             if (status.StatusCode != 0) {
