@@ -1,0 +1,190 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <bitset>
+#include <cstdlib>
+#include <span>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+#include "binding/Binding.h"
+
+/// @file
+/// What an operation left in its outputs, as a text of all fields that can be compared, and the pattern that stands in
+/// them before.
+
+namespace harvlink::test {
+
+struct NoOutput {};
+
+inline auto Fields(auto& r) requires requires {
+    r.cycleMode;
+}
+{
+    return std::tie(r.cycleMode, r.isRunning, r.controlMode, r.isProgramPendantHold, r.isAlarming, r.isErroring,
+                    r.isServoOn);
+}
+inline auto Fields(auto& r) requires requires {
+    r.modelName;
+}
+{ return std::tie(r.softwareVersion, r.modelName); }
+inline auto Fields(auto& r) requires requires {
+    r.startTimeEpoch;
+}
+{ return std::tie(r.startTimeEpoch, r.elapsedTime.seconds, r.elapsedTime.minutes, r.elapsedTime.hours); }
+inline auto Fields(auto& r) requires requires {
+    r.frontOrBack;
+}
+{
+    return std::tie(r.frontOrBack, r.upperOrLower, r.flipOrNoFlip, r.sAngle, r.lAngle, r.uAngle, r.rAngle, r.bAngle,
+                    r.tAngle, r.eAngle, r.wAngle);
+}
+inline auto Fields(auto& r) requires requires {
+    r.figure;
+}
+{ return std::tie(r.coordinateType, r.figure, r.toolNumber, r.userCoordinateNumber, r.axes); }
+inline auto
+Fields(auto& r) requires std::is_same_v<std::remove_const_t<std::remove_reference_t<decltype(r)>>, PositionErrorData> {
+    return std::tie(r.axes);
+}
+inline auto Fields(auto& r) requires requires {
+    r.controlGroup;
+}
+{ return std::tie(r.controlGroup, r.axes); }
+inline auto Fields(auto& r) requires requires {
+    r.value;
+    r.variableIndex;
+}
+{ return std::tie(r.value, r.variableIndex); }
+inline auto Fields(auto& r) requires requires {
+    r.positionData;
+}
+{ return std::tie(r.positionData, r.variableIndex); }
+inline auto Fields(auto& r) requires requires {
+    r.subcode;
+}
+{ return std::tie(r.code, r.subcode, r.time, r.name); }
+inline auto Fields(auto& r) requires requires {
+    r.numberOfAlarms;
+}
+{ return std::tie(r.numberOfAlarms, r.alarms); }
+inline auto Fields(auto& r) requires requires {
+    r.stepNumber;
+}
+{ return std::tie(r.name, r.line, r.stepNumber, r.speedOverride); }
+inline auto Fields(NoOutput const&) {
+    return std::tuple<>();
+}
+
+template <typename T>
+inline constexpr bool isBits = false;
+template <std::size_t bits>
+inline constexpr bool isBits<std::bitset<bits>> = true;
+
+/// A pattern that no controller of these tests answers with.
+template <typename Value>
+void Poison(Value& value) {
+    if constexpr (std::is_same_v<Value, bool>) {
+        value = true;
+    } else if constexpr (std::is_arithmetic_v<Value> || std::is_enum_v<Value>) {
+        value = static_cast<Value>(0x5a);
+    } else if constexpr (isBits<Value>) {
+        value = 0x5a;
+    } else if constexpr (std::is_same_v<Value, std::string>) {
+        value = "poison";
+    } else if constexpr (std::is_same_v<Value, std::vector<std::string>>) {
+        value = {"poison"};
+    } else if constexpr (requires { value.begin(); }) {
+        for (auto& element : value) {
+            Poison(element);
+        }
+    } else {
+        std::apply([](auto&... fields) { (Poison(fields), ...); }, Fields(value));
+    }
+}
+
+template <typename Value>
+Value Poisoned() {
+    Value value{};
+    Poison(value);
+    return value;
+}
+
+/// Texts are cut at their first zero byte on request, as the plain interface hands them out.
+template <typename Value>
+void Write(std::ostream& image, Value const& value, bool cutsTexts) {
+    if constexpr (isBits<Value>) {
+        image << value.to_ulong() << ' ';
+    } else if constexpr (std::is_enum_v<Value>) {
+        image << static_cast<long>(value) << ' ';
+    } else if constexpr (std::is_floating_point_v<Value>) {
+        image << value << ' ';
+    } else if constexpr (std::is_arithmetic_v<Value>) {
+        image << static_cast<long long>(value) << ' ';
+    } else if constexpr (std::is_same_v<Value, std::string>) {
+        std::string const text = cutsTexts ? value.substr(0, value.find('\0')) : value;
+        image << text.size() << '"' << text << "\" ";
+    } else if constexpr (requires { value.begin(); }) {
+        image << '[';
+        for (auto const& element : value) {
+            Write(image, element, cutsTexts);
+        }
+        image << ']';
+    } else {
+        std::apply([&](auto const&... fields) { (Write(image, fields, cutsTexts), ...); }, Fields(value));
+    }
+}
+
+template <typename Value>
+std::string Image(Value const& value, bool cutsTexts) {
+    std::ostringstream image;
+    Write(image, value, cutsTexts);
+    return image.str();
+}
+
+/// Takes over a text that the plain interface handed out.
+inline std::string Take(char* text) {
+    std::string taken(text);
+    std::free(text);
+    return taken;
+}
+
+inline AlarmData Take(IAlarmData const& plain) {
+    return {plain.code, plain.subcode, Take(plain.time), Take(plain.name)};
+}
+template <typename Alarms>
+Alarms TakeAlarms(auto const& plain) {
+    Alarms alarms{{}, plain.numberOfAlarms};
+    std::ranges::transform(plain.alarms, alarms.alarms.begin(), [](IAlarmData const& alarm) { return Take(alarm); });
+    return alarms;
+}
+inline ActiveAlarms Take(IActiveAlarms const& plain) {
+    return TakeAlarms<ActiveAlarms>(plain);
+}
+inline AlarmHistory Take(IAlarmHistory const& plain) {
+    return TakeAlarms<AlarmHistory>(plain);
+}
+inline SystemInfoData Take(ISystemInfoData const& plain) {
+    return {Take(plain.softwareVersion), Take(plain.modelName)};
+}
+inline StringVariableData Take(IStringVariableData const& plain) {
+    return {Take(plain.value), plain.variableIndex};
+}
+inline JobData Take(IJobData const& plain) {
+    return {Take(plain.name), plain.line, plain.stepNumber, plain.speedOverride};
+}
+inline std::vector<std::string> Take(IJobStack const& plain) {
+    std::vector<std::string> jobs;
+    for (char* const job : std::bit_cast<std::array<char*, 12>>(plain)) {
+        jobs.push_back(Take(job));
+    }
+    std::erase(jobs, "none");
+    return jobs;
+}
+
+} // namespace harvlink::test

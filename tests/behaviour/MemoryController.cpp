@@ -1,0 +1,121 @@
+#include "behaviour/MemoryController.h"
+
+#include <gtest/gtest.h>
+
+namespace harvlink::test {
+namespace {
+
+constexpr std::uint32_t lastBlock = 0x80000001;
+
+Bytes ReplyOf(Step const& step, bool isFile, std::uint8_t id) {
+    return Text("TROZ") + U16(32) + U16(static_cast<std::int64_t>(step.payload.size())) + U8(3) + U8(isFile ? 2 : 1) +
+           U8(1) + U8(id) + U32(step.block) + Text("99999999") + U8(0x81) + Bytes(7) + step.payload;
+}
+
+void AppendFile(Script& script, std::string_view content) {
+    script.push_back({0x16, Text(content), lastBlock});
+    script.push_back({.command = 0x16, .isAnswered = false});
+}
+
+} // namespace
+
+void SetStatus(Bytes& reply, std::uint8_t status, std::uint8_t size, std::uint16_t added) {
+    std::ranges::copy(U8(status) + U8(size) + U8(0) + U16(added), reply.begin() + 25);
+}
+
+class MemoryController::Transport final : public DatagramTransport {
+public:
+    explicit Transport(MemoryController& peer) : controller(peer) {}
+
+    void Send(Division division, std::span<std::byte const> datagram) override { controller.Serve(division, datagram); }
+
+    std::size_t Receive(std::span<std::byte> buffer, timeval period) override {
+        controller.period = period.tv_sec * 1000000 + period.tv_usec;
+        if (controller.pending.empty()) {
+            return 0;
+        }
+        Bytes const datagram = std::move(controller.pending.front());
+        controller.pending.pop_front();
+        auto const read = std::as_bytes(std::span(datagram)).first(std::min(buffer.size(), datagram.size()));
+        std::ranges::copy(read, buffer.begin());
+        return read.size();
+    }
+
+private:
+    MemoryController& controller;
+};
+
+std::unique_ptr<DatagramTransport> MemoryController::MakeTransport() {
+    return std::make_unique<Transport>(*this);
+}
+
+void MemoryController::Play(Script steps, std::size_t spoiled, Mischief spoiling, bool spoilsAllFollowing) {
+    script = std::move(steps);
+    asked = 0;
+    spoiledStep = spoiled;
+    mischief = std::move(spoiling);
+    spoilsAll = spoilsAllFollowing;
+}
+
+void MemoryController::Serve(Division division, std::span<std::byte const> request) {
+    auto const byte = [&](std::size_t i) { return std::to_integer<std::uint8_t>(request[i]); };
+    bool const isFile = division == Division::FileControl;
+    unsigned const command = isFile ? byte(29) : byte(24) + 256U * byte(25);
+    std::uint8_t const id = byte(idOffset);
+    ++served;
+    if (!rest) {
+        PlayStep(command, isFile, id);
+    } else if (auto const code = rest(command)) {
+        Bytes reply = ReplyOf({command}, isFile, id);
+        SetStatus(reply, *code == 0 ? 0 : 0x1f, 2, *code);
+        pending.push_back(std::move(reply));
+    }
+}
+
+void MemoryController::PlayStep(unsigned command, bool isFile, std::uint8_t id) {
+    std::size_t const step = asked++;
+    if (step >= script.size()) {
+        EXPECT_TRUE(mischief) << "nobody expected command " << command;
+        return;
+    }
+    // Behind a spoiled exchange another one than usual may follow.
+    EXPECT_TRUE(command == script[step].command || (mischief && step > spoiledStep))
+        << "command " << command << " in exchange " << step;
+    if (!script[step].isAnswered) {
+        return;
+    }
+    Bytes const good = ReplyOf(script[step], isFile, id);
+    bool const isSpoiled = mischief && (step == spoiledStep || (spoilsAll && step > spoiledStep));
+    for (Bytes const& datagram : isSpoiled ? mischief(good) : Datagrams{good}) {
+        pending.push_back(datagram);
+    }
+}
+
+Script StartUp(bool isOlder) {
+    Script script{{137, Text(isOlder ? "FS1.00" : "YA1.00", 48)}};
+    if (isOlder) {
+        AppendFile(script, "//RS 1\r\n///SHARE 2\r\n0,5,1,0\r\n");
+    } else {
+        script.push_back({924, U32(1)});
+    }
+    AppendFile(script, "//TOOL 0\r\n//TOOL 1\r\n");
+    script.push_back({924, U32(1)});
+    script.push_back({924, U32(0)});
+    if (!isOlder) {
+        script.push_back({841});
+    }
+    AppendFile(script, "//SERVO POWER\r\nR1 : a\r\n");
+    script.push_back({116, Words({'S', 'L', 'U', 'R', 'B', 'T', 'E', '8'})});
+    return script;
+}
+
+Robot::Robot(bool isOlder) {
+    machine.Play(StartUp(isOlder));
+    controller =
+        std::make_unique<QuorvanControllerImplementation>(machine.MakeTransport(), timeout, retries, false, status);
+    cell.controller = controller.get();
+    EXPECT_EQ(status.StatusCode, 0) << status.Message;
+    EXPECT_EQ(machine.Asked(), StartUp(isOlder).size());
+}
+
+} // namespace harvlink::test

@@ -1,0 +1,152 @@
+#include "behaviour/Operation.h"
+
+namespace harvlink::test {
+namespace {
+
+constexpr int invalidAddress = 40961;
+constexpr int outputClass = static_cast<int>(IOType::GeneralOutput);
+constexpr unsigned firstOutput = 10010; ///< of the first general output
+
+Script const readByte{{120, Pattern(1)}};
+Script const readWord{{120, Pattern(1)}, {120, Pattern(1)}};
+
+void AddReads(Table& table) {
+    Add<bool, int>(table, "io_interface_type_ReadBit", {{120, U8(8)}},
+                   ON_CLASS(c.IO->ReadBit(IOType::GeneralOutput, 1, 3, out)),
+                   ON_PLAIN(io_interface_type_ReadBit(h, outputClass, 1, 3, out)));
+    Add<bool, int>(table, "io_interface_address_ReadBit", {{120, U8(8)}}, ON_CLASS(c.IO->ReadBit(firstOutput + 3, out)),
+                   ON_PLAIN(io_interface_address_ReadBit(h, firstOutput + 3, out)));
+    Add<std::bitset<8>, unsigned>(table, "io_interface_type_ReadByte", readByte,
+                                  ON_CLASS(c.IO->ReadByte(IOType::GeneralOutput, 1, out)),
+                                  ON_PLAIN(io_interface_type_ReadByte(h, outputClass, 1, out)));
+    Add<std::bitset<8>, unsigned>(table, "io_interface_address_ReadByte", readByte,
+                                  ON_CLASS(c.IO->ReadByte(firstOutput, out)),
+                                  ON_PLAIN(io_interface_address_ReadByte(h, firstOutput, out)));
+    Add<unsigned char, unsigned char>(table, "io_interface_uint8_type_ReadByte", readByte,
+                                      ON_CLASS(c.IO->ReadByte(IOType::GeneralOutput, 1, out)),
+                                      ON_PLAIN(io_interface_uint8_type_ReadByte(h, outputClass, 1, out)));
+    Add<unsigned char, unsigned char>(table, "io_interface_uint8_address_ReadByte", readByte,
+                                      ON_CLASS(c.IO->ReadByte(firstOutput, out)),
+                                      ON_PLAIN(io_interface_uint8_address_ReadByte(h, firstOutput, out)));
+    Add<std::bitset<16>, unsigned>(table, "io_interface_type_ReadWord", readWord,
+                                   ON_CLASS(c.IO->ReadWord(IOType::GeneralOutput, 1, out)),
+                                   ON_PLAIN(io_interface_type_ReadWord(h, outputClass, 1, out)));
+    Add<std::bitset<16>, unsigned>(table, "io_interface_address_ReadWord", readWord,
+                                   ON_CLASS(c.IO->ReadWord(firstOutput, out)),
+                                   ON_PLAIN(io_interface_address_ReadWord(h, firstOutput, out)));
+    Add<unsigned short, unsigned short>(table, "io_interface_uint16_type_ReadWord", readWord,
+                                        ON_CLASS(c.IO->ReadWord(IOType::GeneralOutput, 1, out)),
+                                        ON_PLAIN(io_interface_uint16_type_ReadWord(h, outputClass, 1, out)));
+    Add<unsigned short, unsigned short>(table, "io_interface_uint16_address_ReadWord", readWord,
+                                        ON_CLASS(c.IO->ReadWord(firstOutput, out)),
+                                        ON_PLAIN(io_interface_uint16_address_ReadWord(h, firstOutput, out)));
+    Add<unsigned, unsigned>(
+        table, "io_interface_ConvertIOGroupToBitAddress", {},
+        [](QuorvanController& c, unsigned& out) {
+            StatusInfo status;
+            out = c.IO->ConvertIOGroupToBitAddress(IOType::GeneralOutput, 1, 3, status);
+            return status;
+        },
+        [](ControllerHandle h, unsigned* out) {
+            IStatusInfo status;
+            *out = io_interface_ConvertIOGroupToBitAddress(h, outputClass, 1, 3, &status);
+            return status;
+        });
+}
+
+struct Place {
+    IOType type;
+    unsigned address;
+    int plainType = static_cast<int>(type);
+};
+
+/// A write by both roads: to a network input byte by byte, and to a general output signal by signal.
+void AddWrite(Table& table, char const* name, Script const& olderRoad, std::size_t signals, bool isByAddress,
+              auto onClass, auto onPlain) {
+    auto const add = [&](Place const& place, Script const& script, int statusOnOlder) {
+        Add<NoOutput, NoOutput>(
+            table, name, script, [=](QuorvanController& c, NoOutput&) { return onClass(*c.IO, place); },
+            [=](ControllerHandle h, NoOutput*) { return onPlain(h, place); }, {.statusOnOlder = statusOnOlder});
+    };
+    add({IOType::NetworkInput, 27010}, olderRoad, isByAddress ? invalidAddress : 0);
+    add({IOType::GeneralOutput, firstOutput}, Script(signals, {909}), invalidAddress);
+}
+
+/// Writes go from a variable of the type that tells the overloads apart.
+template <typename Value>
+auto ByClass(auto write) {
+    return [=](IOInterface& io, Place const& place) {
+        Value value(0xa5);
+        return write(io, place, value);
+    };
+}
+auto const byteByType = [](IOInterface& io, Place const& p, auto& value) { return io.WriteByte(p.type, 1, value); };
+auto const byteByAddress = [](IOInterface& io, Place const& p, auto& value) { return io.WriteByte(p.address, value); };
+auto const wordByType = [](IOInterface& io, Place const& p, auto& value) { return io.WriteWord(p.type, 1, value); };
+auto const wordByAddress = [](IOInterface& io, Place const& p, auto& value) { return io.WriteWord(p.address, value); };
+
+auto ByPlainType(auto write) {
+    return [=](ControllerHandle h, Place const& place) { return write(h, place.plainType, 1, 0xa5); };
+}
+auto ByPlainAddress(auto write) {
+    return [=](ControllerHandle h, Place const& place) { return write(h, place.address, 0xa5); };
+}
+
+void AddWrites(Table& table) {
+    Script const bit{{120, Pattern(1)}, {120}};
+    Script const byte{{120}};
+    Script const word{{120}, {120}};
+    AddWrite(
+        table, "io_interface_type_WriteBit", bit, 1, false,
+        [](IOInterface& io, Place const& p) { return io.WriteBit(p.type, 1, 3, true); },
+        [](ControllerHandle h, Place const& p) { return io_interface_type_WriteBit(h, p.plainType, 1, 3, 1); });
+    AddWrite(
+        table, "io_interface_address_WriteBit", bit, 1, true,
+        [](IOInterface& io, Place const& p) { return io.WriteBit(p.address + 3, true); },
+        [](ControllerHandle h, Place const& p) { return io_interface_address_WriteBit(h, p.address + 3, 1); });
+    AddWrite(table, "io_interface_type_WriteByte", byte, 8, false, ByClass<std::bitset<8>>(byteByType),
+             ByPlainType(io_interface_type_WriteByte));
+    AddWrite(table, "io_interface_address_WriteByte", byte, 8, true, ByClass<std::bitset<8>>(byteByAddress),
+             ByPlainAddress(io_interface_address_WriteByte));
+    AddWrite(table, "io_interface_uint8_type_WriteByte", byte, 8, false, ByClass<unsigned char>(byteByType),
+             ByPlainType(io_interface_uint8_type_WriteByte));
+    AddWrite(table, "io_interface_uint8_address_WriteByte", byte, 8, true, ByClass<unsigned char>(byteByAddress),
+             ByPlainAddress(io_interface_uint8_address_WriteByte));
+    AddWrite(table, "io_interface_type_WriteWord", word, 16, false, ByClass<std::bitset<16>>(wordByType),
+             ByPlainType(io_interface_type_WriteWord));
+    AddWrite(table, "io_interface_address_WriteWord", word, 16, true, ByClass<std::bitset<16>>(wordByAddress),
+             ByPlainAddress(io_interface_address_WriteWord));
+    AddWrite(table, "io_interface_uint16_type_WriteWord", word, 16, false, ByClass<unsigned short>(wordByType),
+             ByPlainType(io_interface_uint16_type_WriteWord));
+    AddWrite(table, "io_interface_uint16_address_WriteWord", word, 16, true, ByClass<unsigned short>(wordByAddress),
+             ByPlainAddress(io_interface_uint16_address_WriteWord));
+}
+
+void AddRegisters(Table& table) {
+    // What is refused as an instance is another thing for a write, which goes the way of variables.
+    Traits const reading{.codes = {{40961, 65535}}};
+    Traits const writing{.codes = {{40961, 0x30008}}};
+    static constexpr unsigned value = 0xa5;
+    Add<unsigned short, unsigned short>(table, "io_interface_ReadRegister", {{121, Pattern(2)}},
+                                        ON_CLASS(c.IO->ReadRegister(7, out)),
+                                        ON_PLAIN(io_interface_ReadRegister(h, 7, out)), reading);
+    Add<std::bitset<16>, unsigned>(table, "io_interface_uint32_ReadRegister", {{121, Pattern(2)}},
+                                   ON_CLASS(c.IO->ReadRegister(7, out)),
+                                   ON_PLAIN(io_interface_uint32_ReadRegister(h, 7, out)), reading);
+    Add<NoOutput, NoOutput>(table, "io_interface_WriteRegister", {{121}},
+                            ON_CLASS(c.IO->WriteRegister(7, static_cast<unsigned short>(value))),
+                            ON_PLAIN(io_interface_WriteRegister(h, 7, value)), writing);
+    Add<NoOutput, NoOutput>(table, "io_interface_uint32_WriteRegister", {{121}},
+                            ON_CLASS(c.IO->WriteRegister(7, std::bitset<16>(value))),
+                            ON_PLAIN(io_interface_uint32_WriteRegister(h, 7, &value)), writing);
+}
+
+} // namespace
+
+void AddSignalOperations(Table& table) {
+    AddReads(table);
+    AddWrites(table);
+    AddRegisters(table);
+}
+
+} // namespace harvlink::test

@@ -1,0 +1,176 @@
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include "behaviour/MemoryController.h"
+#include "harvlink/harvlink.h"
+#include "simulator/Server.h"
+#include "support/LoopbackAddress.h"
+
+// How connections end, in every state, and how they live side by side.
+
+namespace harvlink::test {
+namespace {
+
+constexpr unsigned startCommand = 839, clearCommand = 841, targetCommand = 842;
+constexpr std::uint16_t bufferFull = 65520;
+constexpr std::uint16_t servoOff = 65534;
+
+/// A connection to a controller that takes every point, unless it is told otherwise, and counts what it is sent.
+struct Cell {
+    Cell() {
+        robot.machine.AnswerAll([this](unsigned command) { return Answer(command); });
+    }
+
+    std::optional<std::uint16_t> Answer(unsigned command) {
+        ++asked;
+        if (command == clearCommand && refusal == bufferFull) {
+            refusal = 0; // an emptied buffer has room
+        }
+        if (command == targetCommand) {
+            ++targets;
+            targets.notify_all();
+        }
+        bool const isLost = isGone && command != startCommand;
+        return isLost ? std::nullopt : std::optional(command == targetCommand ? refusal.load() : std::uint16_t{0});
+    }
+
+    void Add(int points) {
+        Motion point{.controlGroup = ControlGroupId::R1, .speed = 50.0, .moveType = MoveInterpolationType::Joint};
+        point.position.toolNumber = -1;
+        for (int i = 0; i < points; ++i) {
+            EXPECT_EQ(robot.controller->MotionManager->AddPointToTrajectory(point).StatusCode, 0);
+        }
+    }
+    void Start() { EXPECT_EQ(robot.controller->MotionManager->MotionStart().StatusCode, 0); }
+    void WaitForTargets(unsigned count) {
+        for (unsigned seen = targets; seen < count; seen = targets) {
+            targets.wait(seen);
+        }
+    }
+    void Close() { robot.controller.reset(); }
+
+    std::atomic<unsigned> targets = 0;
+    std::atomic<unsigned> asked = 0;
+    std::atomic<std::uint16_t> refusal = 0;
+    std::atomic<bool> isGone = false; ///< the network, but for the start
+    Robot robot;
+};
+
+TEST(Teardown, SendsNothingUnlessTheMonitorRuns) {
+    Cell idle;
+    idle.Close();
+    EXPECT_EQ(idle.asked, 0U);
+    Cell queued;
+    queued.Add(1000);
+    queued.Close();
+    EXPECT_EQ(queued.asked, 0U);
+    Cell stopped;
+    stopped.Start();
+    EXPECT_EQ(stopped.robot.controller->MotionManager->MotionStop(false).StatusCode, 0);
+    stopped.Close();
+    EXPECT_EQ(stopped.asked, 2U);
+}
+
+TEST(Teardown, QueueIsSentToItsEndOrItsFirstFailure) {
+    Cell good;
+    good.Add(1000);
+    good.Start();
+    good.Close();
+    EXPECT_EQ(good.targets, 1000U);
+    EXPECT_EQ(good.asked, 1000U + 3) << "the start and two settings";
+    Cell gone;
+    gone.isGone = true;
+    gone.Add(1000);
+    gone.Start();
+    gone.Close();
+    EXPECT_EQ(gone.asked, 1U + 3) << "the start, and three time-outs: a setting, an alarm, a clear";
+    Cell refusing;
+    refusing.refusal = servoOff;
+    refusing.Add(1000);
+    refusing.Start();
+    refusing.Close();
+    EXPECT_EQ(refusing.asked, 1U + 5);
+}
+
+/// This edge is meant: a full buffer is waited for without bound.
+TEST(Teardown, FullBufferIsWaitedFor) {
+    Cell cell;
+    cell.refusal = bufferFull;
+    cell.Add(10);
+    cell.Start();
+    cell.WaitForTargets(3);
+    std::atomic<bool> isClosed = false;
+    std::thread closing([&] {
+        cell.Close();
+        isClosed = true;
+    });
+    cell.WaitForTargets(cell.targets + 20);
+    EXPECT_FALSE(isClosed);
+    cell.refusal = 0;
+    closing.join();
+    EXPECT_GE(cell.targets, 30U) << "nothing of the queue is lost";
+}
+
+TEST(Teardown, StopThatClearsEndsTheWaitForAFullBuffer) {
+    Cell cell;
+    cell.refusal = bufferFull;
+    cell.Add(1000);
+    cell.Start();
+    cell.WaitForTargets(3);
+    EXPECT_EQ(cell.robot.controller->MotionManager->MotionStop(true).StatusCode, 0);
+    unsigned const before = cell.targets;
+    cell.Close();
+    EXPECT_LE(cell.targets, before + 1) << "the point that was being sent";
+}
+
+/// One thread of one of many connections: what it writes it reads again, whatever the others do.
+void UseController(std::string const& address, std::mutex& opening, unsigned short own,
+                   std::atomic<unsigned>& correct) {
+    StatusInfo status;
+    std::unique_lock lock(opening); // transfers files, which is one at a time on a controller
+    Connection const robot = Connect(address, status, 8000, 0, false);
+    lock.unlock();
+    ASSERT_TRUE(robot) << status;
+    for (int round = 0; round < 20; ++round) {
+        StringVariableData text{std::to_string(own) + '/' + std::to_string(round), own};
+        IntegerVariableData number{static_cast<std::int16_t>(round), own};
+        ControllerStateData state;
+        PositionData position;
+        bool const isWritten =
+            robot->Variables->stringVariable->Write(text).StatusCode == 0 &&
+            robot->Variables->integerVariable->Write(number).StatusCode == 0 &&
+            robot->Status->ReadState(state).StatusCode == 0 &&
+            robot->ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, position)
+                    .StatusCode == 0;
+        StringVariableData textRead;
+        IntegerVariableData numberRead;
+        robot->Variables->stringVariable->Read(own, textRead);
+        robot->Variables->integerVariable->Read(own, numberRead);
+        correct += isWritten && textRead.value.starts_with(text.value) && numberRead.value == round ? 1 : 0;
+    }
+}
+
+TEST(SideBySide, ManyConnectionsToManyControllers) {
+    constexpr unsigned controllers = 4;
+    constexpr unsigned short connections = 4; // to each
+    simulator::Server server;
+    std::map<std::string, std::mutex> addresses;
+    while (addresses.size() < controllers) {
+        addresses[server.Add(NextLoopbackAddress()).Address()];
+    }
+    ASSERT_TRUE(server.Start()) << server.Error();
+    std::atomic<unsigned> correct = 0;
+    std::vector<std::jthread> threads;
+    for (auto& entry : addresses) {
+        for (unsigned short own = 0; own < connections; ++own) {
+            threads.emplace_back([&entry, own, &correct] { UseController(entry.first, entry.second, own, correct); });
+        }
+    }
+    threads.clear();
+    EXPECT_EQ(correct, controllers * connections * 20U);
+}
+
+} // namespace
+} // namespace harvlink::test
