@@ -49,6 +49,7 @@ Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::spa
     if (model_.NeedsTicks()) {
         model_.Tick();
     }
+    faults_.NoteHeard(request_);
     if (faults_.IsActive()) {
         AnswerWithFaults(reply);
     } else {

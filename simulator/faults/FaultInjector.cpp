@@ -36,15 +36,16 @@ void FaultInjector::Arm(Fault fault, std::uint32_t count) {
 void FaultInjector::UpdateActive() {
     // Never off again once it was on: silence and the like go on after the last armed fault has happened.
     isActive_ = isActive_ || std::ranges::any_of(plan_.rates, [](double rate) { return rate > 0; }) ||
+                std::ranges::any_of(plan_.fileRates, [](auto const& rate) { return rate > 0.0; }) ||
                 std::ranges::any_of(armed_, [](std::uint32_t count) { return count > 0; });
 }
 
-bool FaultInjector::Happens(Fault fault) {
+bool FaultInjector::Happens(Fault fault, Port port) {
     auto const index = static_cast<std::size_t>(fault);
     double const chance = std::uniform_real_distribution<>(0.0, 1.0)(random_);
     bool const isArmed = armed_.at(index) > 0;
     armed_[index] -= isArmed ? 1 : 0;
-    bool const happens = isArmed || chance < plan_.rates.at(index);
+    bool const happens = isArmed || chance < plan_.RateOn(port, fault);
     happened_.at(index) += happens ? 1 : 0;
     return happens;
 }
@@ -53,19 +54,24 @@ std::size_t FaultInjector::Random(std::size_t lowest, std::size_t highest) {
     return std::uniform_int_distribution<std::size_t>(lowest, highest)(random_);
 }
 
+void FaultInjector::NoteHeard(Request const& request) {
+    auto& heard = heard_.at(PortIndex(request.port));
+    heard.isOnlyOne = heard.isOnlyOne && (heard.peer == 0 || heard.peer == request.peer);
+    heard.peer = request.peer;
+}
+
 FaultInjector::Verdict FaultInjector::Judge(Request const& request, Clock::Duration now) {
-    lastPeers_.at(PortIndex(request.port)) = request.peer;
     if (now < silentUntil_) {
         return Verdict::Ignore;
     }
-    if (Happens(Fault::Silence)) {
+    if (Happens(Fault::Silence, request.port)) {
         silentUntil_ = now + plan_.silence;
         return Verdict::Ignore;
     }
-    if (Happens(Fault::Restart)) {
+    if (Happens(Fault::Restart, request.port)) {
         return Verdict::Restart;
     }
-    if (Happens(Fault::Refuse)) {
+    if (Happens(Fault::Refuse, request.port)) {
         refusalsLeft_ = plan_.refuseCount;
     }
     if (refusalsLeft_ > 0) {
@@ -74,7 +80,7 @@ FaultInjector::Verdict FaultInjector::Judge(Request const& request, Clock::Durat
         return Verdict::Refuse;
     }
     bool const isTarget = request.port == Port::Robot && request.Command() == CommandNumber::MotionSendTarget;
-    if (isTarget && Happens(Fault::BufferFull)) {
+    if (isTarget && Happens(Fault::BufferFull, request.port)) {
         bufferFullUntil_ = now + plan_.bufferFull;
     }
     if (isTarget && now < bufferFullUntil_) {
@@ -88,13 +94,13 @@ void FaultInjector::Spoil(Request const& request, Reply const& reply, Clock::Dur
     if (reply.IsSuppressed()) {
         return;
     }
-    bool const isDropped = Happens(Fault::Drop);
+    bool const isDropped = Happens(Fault::Drop, request.port);
     Delivery delivery{SourceOf(request.port), request.peer, now, {}};
-    delivery.due += Happens(Fault::Delay) ? plan_.delay : Clock::Duration{0};
-    bool const isDoubled = Happens(Fault::Duplicate);
-    bool const isHeldBack = Happens(Fault::Reorder);
+    delivery.due += Happens(Fault::Delay, request.port) ? plan_.delay : Clock::Duration{0};
+    bool const isDoubled = Happens(Fault::Duplicate, request.port);
+    bool const isHeldBack = Happens(Fault::Reorder, request.port);
     delivery.bytes.assign(reply.Bytes().begin(), reply.Bytes().end());
-    SpoilBytes(delivery.bytes);
+    SpoilBytes(delivery.bytes, request.port);
     SpoilRoute(request, delivery);
     if (isDropped) {
         return;
@@ -111,36 +117,38 @@ void FaultInjector::Spoil(Request const& request, Reply const& reply, Clock::Dur
     ReleaseOvertaken(request.peer, outbox_.back().due);
 }
 
-void FaultInjector::SpoilBytes(std::vector<std::byte>& bytes) {
-    if (Happens(Fault::WrongId)) {
+void FaultInjector::SpoilBytes(std::vector<std::byte>& bytes, Port port) {
+    if (Happens(Fault::WrongId, port)) {
         bytes[IdOffset] ^= static_cast<std::byte>(Random(1, IdMask));
     }
-    if (Happens(Fault::StaleId)) {
+    if (Happens(Fault::StaleId, port)) {
         bytes[IdOffset] = static_cast<std::byte>((std::to_integer<unsigned>(bytes[IdOffset]) + IdMask) & IdMask);
     }
-    if (Happens(Fault::FlipBits)) {
+    if (Happens(Fault::FlipBits, port)) {
         for (auto flips = Random(1, 8); flips > 0; --flips) {
             auto const bit = Random(0, bytes.size() * 8 - 1);
             bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
         }
     }
-    if (Happens(Fault::Truncate)) {
+    if (Happens(Fault::Truncate, port)) {
         bytes.resize(Random(0, bytes.size() - 1));
     }
-    if (Happens(Fault::Extend)) {
+    if (Happens(Fault::Extend, port)) {
         std::generate_n(std::back_inserter(bytes), Random(1, 64),
                         [this] { return static_cast<std::byte>(Random(0, 255)); });
     }
 }
 
 void FaultInjector::SpoilRoute(Request const& request, Delivery& delivery) {
-    if (Happens(Fault::OtherPort)) {
+    if (Happens(Fault::OtherPort, request.port)) {
         auto const other = request.port == Port::Robot ? Port::File : Port::Robot;
         delivery.source = SourceOf(other);
-        auto const peer = lastPeers_.at(PortIndex(other));
-        delivery.peer = peer != 0 ? peer : delivery.peer;
+        // Which sockets belong together can be told while there is one client only.
+        auto const& heard = heard_.at(PortIndex(other));
+        bool const isKnown = heard.peer != 0 && heard.isOnlyOne && heard_.at(PortIndex(request.port)).isOnlyOne;
+        delivery.peer = isKnown ? heard.peer : delivery.peer;
     }
-    if (Happens(Fault::OtherSource)) {
+    if (Happens(Fault::OtherSource, request.port)) {
         delivery.source = Delivery::Source::Stray;
     }
 }

@@ -34,6 +34,9 @@ public:
     /// Whether Judge and Spoil have anything to do.
     bool IsActive() const { return isActive_; }
 
+    /// Every request, whether anything goes wrong or not.
+    void NoteHeard(Request const& request);
+
     /// Before a request is carried out. With `Refuse`, RefusalCode is what to answer.
     Verdict Judge(Request const& request, Clock::Duration now);
     Refusal RefusalCode() const { return refusal_; }
@@ -48,10 +51,16 @@ public:
     std::vector<Delivery> TakeDue(Clock::Duration now);
 
 private:
-    bool Happens(Fault fault);
+    /// Who was heard on a port: the last one, and whether all that was heard came from there.
+    struct Heard {
+        std::uint64_t peer = 0;
+        bool isOnlyOne = true;
+    };
+
+    bool Happens(Fault fault, Port port);
     void UpdateActive();
     std::size_t Random(std::size_t lowest, std::size_t highest);
-    void SpoilBytes(std::vector<std::byte>& bytes);
+    void SpoilBytes(std::vector<std::byte>& bytes, Port port);
     void SpoilRoute(Request const& request, Delivery& delivery);
     void ReleaseOvertaken(std::uint64_t peer, Clock::Duration now);
 
@@ -61,7 +70,7 @@ private:
     std::array<std::uint64_t, FaultKinds> happened_{};
     std::vector<Delivery> outbox_;
     std::vector<Delivery> heldBack_;
-    std::array<std::uint64_t, 2> lastPeers_{}; ///< who used the robot port and the file port last
+    std::array<Heard, 2> heard_{}; ///< on the robot port and on the file port
     Clock::Duration silentUntil_{0};
     Clock::Duration bufferFullUntil_{0};
     std::uint32_t refusalsLeft_ = 0;

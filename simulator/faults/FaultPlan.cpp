@@ -17,6 +17,7 @@ constexpr std::array<std::string_view, FaultKinds> Names{
     "stale-id", "other-port", "other-source", "silence", "refuse",   "buffer-full", "restart",
 };
 
+constexpr std::string_view FilePortPrefix = "file-";
 constexpr double LongestMilliseconds = 3'600'000;
 
 std::string CheckRange(std::string_view name, double value, double lowest, double highest) {
@@ -43,6 +44,10 @@ std::optional<double> ParseNumber(std::string const& text) {
 
 } // namespace
 
+std::string_view NameOf(Fault fault) {
+    return Names.at(static_cast<std::size_t>(fault));
+}
+
 std::string FaultPlan::Set(std::string_view name, double value) {
     auto const set = [&](double lowest, double highest, auto&& assign) {
         auto problem = CheckRange(name, value, lowest, highest);
@@ -51,9 +56,11 @@ std::string FaultPlan::Set(std::string_view name, double value) {
         }
         return problem;
     };
-    auto const* const fault = std::ranges::find(Names, name);
+    bool const isOfFilePort = name.starts_with(FilePortPrefix);
+    auto const* const fault = std::ranges::find(Names, name.substr(isOfFilePort ? FilePortPrefix.size() : 0));
     if (fault != Names.end()) {
-        return set(0, 1, [&] { rates.at(static_cast<std::size_t>(fault - Names.begin())) = value; });
+        auto const index = static_cast<std::size_t>(fault - Names.begin());
+        return set(0, 1, [&] { isOfFilePort ? fileRates.at(index).emplace(value) : rates.at(index) = value; });
     }
     if (name == "seed") {
         return set(0, 9e15, [&] { seed = static_cast<std::uint64_t>(value); });

@@ -3,11 +3,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "simulator/Clock.h"
 #include "simulator/Refusal.h"
+#include "simulator/Request.h"
 
 namespace harvlink::simulator {
 
@@ -23,7 +25,7 @@ enum class Fault : std::uint8_t {
     FlipBits, ///< 1 to 8 of them, anywhere
     WrongId,
     StaleId, ///< the id of the request before
-    OtherPort, ///< from the controller's other port to the socket that the client uses with that
+    OtherPort, ///< from the controller's other port, to the socket that the client uses with that if there is only one
     OtherSource, ///< from a port of the controller that is none of its two
     Silence, ///< nothing is answered from here on, for FaultPlan::silence
     Refuse, ///< this and the following requests, FaultPlan::refuseCount in all
@@ -33,12 +35,16 @@ enum class Fault : std::uint8_t {
 
 inline constexpr std::size_t FaultKinds = 15;
 
+/// As FaultPlan::Set takes it.
+std::string_view NameOf(Fault fault);
+
 /// How often and how much. Without a rate above 0 nothing goes wrong by itself.
 struct FaultPlan {
     static constexpr Clock::Duration ReorderLimit = std::chrono::milliseconds(100);
 
     std::uint64_t seed = 1; ///< the same seed and the same requests give the same faults
     std::array<double, FaultKinds> rates{}; ///< by Fault: the share of requests that it hits, 0 to 1
+    std::array<std::optional<double>, FaultKinds> fileRates{}; ///< those on the file port, where they differ
     Clock::Duration delay = std::chrono::milliseconds(20);
     Clock::Duration silence = std::chrono::milliseconds(500);
     Clock::Duration bufferFull = std::chrono::milliseconds(50);
@@ -47,8 +53,14 @@ struct FaultPlan {
 
     double& Rate(Fault fault) { return rates.at(static_cast<std::size_t>(fault)); }
 
-    /// Sets one value by its name: a fault in lower case with hyphens ("flip-bits") and its rate, or "seed", "delay-ms",
-    /// "silence-ms", "buffer-full-ms", "refuse-code", "refuse-count". Returns what is wrong, empty if nothing is.
+    double RateOn(Port port, Fault fault) const {
+        auto const index = static_cast<std::size_t>(fault);
+        return port == Port::File ? fileRates.at(index).value_or(rates.at(index)) : rates.at(index);
+    }
+
+    /// Sets one value by its name: a fault in lower case with hyphens ("flip-bits") and its rate, with "file-" before it
+    /// the rate on the file port alone, or "seed", "delay-ms", "silence-ms", "buffer-full-ms", "refuse-code",
+    /// "refuse-count". Returns what is wrong, empty if nothing is.
     std::string Set(std::string_view name, double value);
 
     /// Reads "seed=7,drop=2%,delay=0.1,delay-ms=30". Returns what is wrong, empty if nothing is.

@@ -35,6 +35,7 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--faults", faults_, "What shall go wrong, such as seed=7,drop=2%,delay=10%,delay-ms=30")
         ->check(CheckFaults);
     app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers");
+    app.add_option("--report", report_, "File to write at the end: what was asked and what went wrong, as JSON");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
 }
 
@@ -42,6 +43,7 @@ Arguments ArgumentParser::Result() const {
     Arguments result;
     result.addresses = addresses_;
     result.pcap = pcap_;
+    result.report = report_;
     result.verbose = verbose_;
     if (scene_) {
         result.scene = Scene::FromFile(*scene_);

@@ -16,6 +16,7 @@ struct Arguments {
     ControllerOptions options;
     std::optional<Scene> scene;
     std::optional<std::string> pcap;
+    std::optional<std::string> report;
     bool verbose = false;
 };
 
@@ -36,6 +37,7 @@ private:
     std::optional<std::string> scene_;
     std::optional<double> timeScale_;
     std::string faults_;
+    std::optional<std::string> report_;
     std::optional<std::string> pcap_;
     bool verbose_ = false;
 };

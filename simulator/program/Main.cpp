@@ -1,5 +1,7 @@
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <optional>
 #include <string>
@@ -11,6 +13,7 @@
 
 #include "simulator/Server.h"
 #include "simulator/program/Arguments.h"
+#include "simulator/program/TrafficReport.h"
 #include "simulator/program/PcapFile.h"
 #include "simulator/scene/Scene.h"
 
@@ -50,8 +53,7 @@ void PrintExchange(VirtualController const& controller, Request const& request, 
     std::fflush(stdout);
 }
 
-bool AddController(Server& server, std::string const& address, Arguments const& arguments) {
-    auto& controller = server.Add(address, arguments.options);
+bool Prepare(VirtualController& controller, Arguments const& arguments) {
     return controller.With([&](ControllerModel& model) {
         if (!model.files.FolderError().empty()) {
             fmt::print(stderr, "harvlink-sim: {}\n", model.files.FolderError());
@@ -68,8 +70,10 @@ int Serve(Arguments const& arguments) {
     auto const signals = BlockEndSignals();
     std::optional<PcapFile> recording; // outlives the server's thread
     Server server;
+    std::vector<VirtualController*> controllers;
     for (auto const& address : arguments.addresses) {
-        if (!AddController(server, address, arguments)) {
+        controllers.push_back(&server.Add(address, arguments.options));
+        if (!Prepare(*controllers.back(), arguments)) {
             return 1;
         }
     }
@@ -87,6 +91,11 @@ int Serve(Arguments const& arguments) {
     fmt::print("harvlink-sim: ready on {}\n", fmt::join(arguments.addresses, ", "));
     std::fflush(stdout);
     AwaitEnd(signals);
+    server.Stop();
+    if (arguments.report && !WriteTrafficReport(*arguments.report, controllers)) {
+        fmt::print(stderr, "harvlink-sim: can't write {}: {}\n", *arguments.report, std::strerror(errno));
+        return 1;
+    }
     return 0;
 }
 

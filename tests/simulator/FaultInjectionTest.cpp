@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "VirtualClient.h"
+#include "simulator/scene/Scene.h"
 
 namespace harvlink::test {
 namespace {
@@ -116,6 +117,54 @@ TEST(FaultInjection, RepeatsItselfBySeed) {
     FaultPlan plan;
     for (auto const* const text : {"drop", "drop=", "drop=x", "drop=2", "nothing=1", "drop=1,,", "delay-ms=-1"}) {
         EXPECT_NE(plan.Parse(text), "") << text;
+    }
+}
+
+TEST(FaultInjection, IsSetByNameInTextAndScene) {
+    for (std::size_t i = 0; i < FaultKinds; ++i) {
+        std::string const name(NameOf(static_cast<Fault>(i)));
+        FaultPlan robotOnly;
+        EXPECT_EQ(robotOnly.Parse(name + "=1,file-" + name + "=0"), "");
+        FaultPlan fileOnly;
+        EXPECT_EQ(fileOnly.Parse("file-" + name + "=100%"), "");
+        auto const scene = Scene::FromText("[faults]\n" + name + " = 1.0\n", "cell.toml").Options().faults;
+        bool const isOfTargets = name == "buffer-full"; // which come by the robot port alone
+        struct Case {
+            FaultPlan const& plan;
+            unsigned onRobotPort, onFilePort;
+        };
+        for (auto const& [plan, onRobotPort, onFilePort] :
+             {Case{scene, 1, isOfTargets ? 0U : 1U}, Case{robotOnly, 1, 0}, Case{fileOnly, 0, isOfTargets ? 0U : 1U}}) {
+            auto const happened = [&](Bytes const& datagram, Port port) {
+                VirtualClient client({.faults = plan});
+                client.Send(datagram, port);
+                return client.controller.WithFaults(
+                    [&](FaultInjector const& faults) { return faults.Happened(static_cast<Fault>(i)); });
+            };
+            EXPECT_EQ(happened(RobotRequest(842, 0, 0, 2), Port::Robot), onRobotPort) << name;
+            EXPECT_EQ(happened(FileRequest(50, Text("*.JBI")), Port::File), onFilePort) << name;
+        }
+    }
+}
+
+TEST(FaultInjection, OtherPortReachesNoOtherClient) {
+    auto const request = RobotRequest(122, 5, 1, 14);
+    auto const listing = FileRequest(50, Text("*.JBI"));
+    Reply reply;
+    // The sockets are numbered; which belong together is known as long as there is one client.
+    for (auto const& [fileSockets, expected] :
+         {std::pair(std::vector<std::uint64_t>{7}, 7U), {{7, 8}, 1U}, {std::vector<std::uint64_t>{}, 1U}}) {
+        VirtualClient client;
+        for (auto const socket : fileSockets) {
+            client.controller.Handle(Port::File, socket, std::as_bytes(std::span(listing)), reply);
+        }
+        client.controller.TakeDeliveries();
+        Arm(client, Fault::OtherPort);
+        client.controller.Handle(Port::Robot, 1, std::as_bytes(std::span(request)), reply);
+        auto const sent = client.controller.TakeDeliveries();
+        ASSERT_EQ(sent.size(), 1U);
+        EXPECT_EQ(sent[0].peer, expected);
+        EXPECT_EQ(sent[0].source, Delivery::Source::FilePort);
     }
 }
 
