@@ -1,0 +1,214 @@
+#include "soak/FilesWorker.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <iterator>
+
+#include <fmt/format.h>
+
+namespace harvlink::soak {
+
+namespace {
+
+constexpr std::size_t BlockSize = 479;
+constexpr std::array<std::size_t, 9> Sizes{1, 200, 478, 479, 480, 958, 4000, 20000, 60000};
+constexpr int NoSuchFile = 58035;
+
+bool IsJob(std::string const& name) {
+    return name.ends_with(".JBI");
+}
+
+std::string ReadWhole(std::filesystem::path const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Whether all blocks came, in order, and some more than once: a doubled datagram is taken for the next block.
+bool HasRepeatedBlocks(std::string_view whole, std::string_view got) {
+    while (!whole.empty()) {
+        auto const block = whole.substr(0, BlockSize);
+        if (!got.starts_with(block)) {
+            return false;
+        }
+        while (got.starts_with(block)) {
+            got.remove_prefix(block.size());
+        }
+        whole.remove_prefix(block.size());
+    }
+    return got.empty();
+}
+
+std::string Difference(std::string const& wanted, std::string const& got) {
+    auto const at = std::ranges::mismatch(wanted, got).in1 - wanted.begin();
+    return fmt::format("{} bytes instead of {}, different from byte {} on", got.size(), wanted.size(), at);
+}
+
+} // namespace
+
+FilesWorker::FilesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
+                         std::vector<Session*> sessions, std::filesystem::path folder)
+    : Worker(std::move(name), options, ledger, seed), folder_(std::move(folder)) {
+    for (auto* const session : sessions) {
+        auto& store = stores_.emplace_back(Store{.session = session, .files = {}});
+        for (auto const* const file : {"SOAK0.DAT", "SOAK1.DAT", "SOAK2.DAT", "SOAK3.CND", "SOAKA.JBI", "SOAKB.JBI"}) {
+            store.files[file] = {std::nullopt};
+        }
+    }
+}
+
+void FilesWorker::Step() {
+    auto& store = stores_[Draw(0, stores_.size() - 1)];
+    auto const file = std::next(store.files.begin(), static_cast<std::ptrdiff_t>(Draw(0, store.files.size() - 1)));
+    std::scoped_lock const lock(store.session->transfers);
+    WaitForStragglers();
+    auto const action = Draw(0, 9);
+    if (action < 4) {
+        StoreFile(store, file->first);
+        WaitForStragglers();
+        Fetch(store, file->first);
+    } else if (action < 7) {
+        Fetch(store, file->first);
+    } else if (action < 8 && IsJob(file->first)) {
+        Delete(store, file->first);
+    } else {
+        List(store);
+    }
+}
+
+/// Any bytes but zero, which would end a block. A job needs its frame; the rest goes into comments.
+std::string FilesWorker::RandomContent(std::string const& name) {
+    auto const size = std::min(Sizes.at(Draw(0, Sizes.size() - 1)), options_.LargestFile());
+    std::string content;
+    if (!IsJob(name)) {
+        std::generate_n(std::back_inserter(content), size, [this] { return static_cast<char>(Draw(1, 255)); });
+        return content;
+    }
+    content = "/JOB\r\n//NAME " + name.substr(0, name.size() - 4) + "\r\n//INST\r\nNOP\r\n";
+    while (content.size() < size) {
+        content += fmt::format("'COMMENT {}\r\n", Draw(0, 1'000'000));
+    }
+    return content + "END\r\n";
+}
+
+StatusInfo FilesWorker::Load(QuorvanController& robot, std::string const& name, std::string const& content) {
+    if (Chance(0.5)) {
+        return robot.Files->LoadToControllerFromString(name, content);
+    }
+    auto const path = folder_ / name;
+    std::ofstream(path, std::ios::binary) << content;
+    return robot.Files->LoadToControllerFromPath(path);
+}
+
+StatusInfo FilesWorker::Save(QuorvanController& robot, std::string const& name, std::string& content) {
+    if (Chance(0.5)) {
+        return robot.Files->SaveFromControllerToString(name, content);
+    }
+    auto const path = folder_ / ("got-" + name);
+    auto status = robot.Files->SaveFromControllerToFile(name, path, true);
+    content = status.StatusCode == 0 ? ReadWhole(path) : std::string();
+    return status;
+}
+
+/// Whether a transfer that did not succeed broke off for want of an answer.
+bool FilesWorker::CheckTransfer(std::string const& what, StatusInfo const& status) {
+    if (status.StatusCode == 0) {
+        return true;
+    }
+    ledger_.Note(Survived::BrokenTransfer);
+    // Where requests get lost the controller may miss a block, or have dropped the transfer.
+    if (!options_.badNetwork) {
+        IsSent(what, status);
+    }
+    return false;
+}
+
+void FilesWorker::StoreFile(Store& store, std::string const& name) {
+    auto content = RandomContent(name);
+    auto const status = Done(Family::Files, Load(*store.session->robot, name, content));
+    auto& possible = store.files[name];
+    bool const isStored = CheckTransfer("store of " + name, status);
+    if (isStored && !options_.badNetwork) {
+        possible.clear();
+    }
+    possible.insert(std::move(content));
+}
+
+void FilesWorker::Fetch(Store& store, std::string const& name) {
+    auto& possible = store.files[name];
+    std::string got;
+    auto const ask = [&] {
+        WaitForStragglers();
+        auto const status = Done(Family::Files, Save(*store.session->robot, name, got));
+        return CompareContent(possible, status, got);
+    };
+    Settle("fetch of " + name, ask, [&] { return difference_; });
+}
+
+Answer FilesWorker::CompareContent(std::set<Content>& possible, StatusInfo const& status, std::string const& got) {
+    bool const isMissing = status.StatusCode == NoSuchFile;
+    auto const found = isMissing ? possible.find(std::nullopt) : possible.find(got);
+    if ((isMissing || status.StatusCode == 0) && found != possible.end()) {
+        ledger_.NoteFileBytes(got.size());
+        possible = {isMissing ? Content() : Content(got)};
+        return Answer::Right;
+    }
+    if (status.StatusCode != 0) {
+        difference_ = fmt::format("{} {}", status.StatusCode, status.Message);
+        CheckTransfer("fetch", status);
+        return isMissing ? Answer::Wrong : Answer::Missing;
+    }
+    for (auto const& content : possible) {
+        if (options_.badNetwork && content && HasRepeatedBlocks(*content, got)) {
+            ledger_.Note(Survived::RepeatedBlock);
+            return Answer::Missing;
+        }
+        difference_ = Difference(content.value_or(""), got);
+    }
+    return Answer::Wrong;
+}
+
+void FilesWorker::Delete(Store& store, std::string const& name) {
+    auto& possible = store.files[name];
+    auto const status = Done(Family::Files, store.session->robot->Files->DeleteJobFile(name));
+    if (status.StatusCode == NoSuchFile && possible.contains(std::nullopt)) {
+        return;
+    }
+    if (!options_.badNetwork) {
+        IsSent("delete of " + name, status);
+        possible.clear();
+    }
+    possible.insert(std::nullopt);
+}
+
+void FilesWorker::List(Store& store) {
+    auto const type = Chance(0.5) ? FileType::JobFile : FileType::DataFile;
+    std::vector<std::string> names;
+    std::string problem;
+    auto const ask = [&] {
+        WaitForStragglers();
+        auto const status = Done(Family::Files, store.session->robot->Files->ListFiles(type, names, true));
+        if (status.StatusCode != 0) {
+            CheckTransfer("list", status);
+            return Answer::Missing;
+        }
+        if (std::ranges::adjacent_find(names) != names.end() && options_.badNetwork) {
+            ledger_.Note(Survived::RepeatedBlock);
+            return Answer::Missing;
+        }
+        for (auto const& [name, possible] : store.files) {
+            bool const isListed = std::ranges::find(names, name) != names.end();
+            bool const isOfType = name.ends_with(type == FileType::JobFile ? ".JBI" : ".DAT");
+            bool const mayBeMissing = !isOfType || possible.contains(std::nullopt);
+            bool const mayBeThere = isOfType && *possible.rbegin() != std::nullopt;
+            if (isListed ? !mayBeThere : !mayBeMissing) {
+                problem = fmt::format("{} is {}in the list", name, isListed ? "" : "not ");
+                return Answer::Wrong;
+            }
+        }
+        return Answer::Right;
+    };
+    Settle("list", ask, [&] { return problem; });
+}
+
+} // namespace harvlink::soak

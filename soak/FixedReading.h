@@ -1,0 +1,22 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "soak/Session.h"
+#include "soak/Worker.h"
+
+namespace harvlink::soak {
+
+/// Something that a controller tells and that never changes while its arm is at rest.
+struct FixedReading {
+    std::string name;
+    Family family;
+    std::function<StatusInfo(WireImage&)> read;
+    WireImage known{}; ///< empty until it has been learnt
+};
+
+std::vector<FixedReading> FixedReadings(Session& session);
+
+} // namespace harvlink::soak

@@ -1,0 +1,430 @@
+#include "soak/MachineWorker.h"
+
+#include <array>
+#include <thread>
+
+#include <fmt/format.h>
+
+#include "soak/JobTexts.h"
+
+namespace harvlink::soak {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int AlarmIsActive = 8288;
+constexpr auto JobPatience = 20s;
+
+SignalStatus SwitchOf(bool on) {
+    return on ? SignalStatus::On : SignalStatus::Off;
+}
+
+/// How a state without any bit reads.
+constexpr ControllerStateData StateOfZeros{.cycleMode = CycleMode::Automatic};
+
+/// Whether the state's second word tells anything.
+bool HasSecondWord(ControllerStateData const& state) {
+    return state.isProgramPendantHold || state.isAlarming || state.isErroring || state.isServoOn;
+}
+
+bool IsSame(ControllerStateData const& one, ControllerStateData const& other) {
+    return one.cycleMode == other.cycleMode && one.isRunning == other.isRunning &&
+           one.controlMode == other.controlMode && one.isProgramPendantHold == other.isProgramPendantHold &&
+           one.isAlarming == other.isAlarming && one.isErroring == other.isErroring && one.isServoOn == other.isServoOn;
+}
+
+std::string ToText(ControllerStateData const& state) {
+    return fmt::format("cycle {} running {} mode {} hold {} alarm {} error {} servo {}",
+                       static_cast<int>(state.cycleMode), state.isRunning, static_cast<int>(state.controlMode),
+                       state.isProgramPendantHold, state.isAlarming, state.isErroring, state.isServoOn);
+}
+
+bool IsTimeout(StatusInfo const& status) {
+    return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
+}
+
+} // namespace
+
+MachineWorker::MachineWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
+                             Session& session)
+    : Worker(std::move(name), options, ledger, seed),
+      session_(session),
+      robot_(*session.robot),
+      readings_(FixedReadings(session)) {
+    state_.cycleMode = CycleMode::Cycle;
+    state_.controlMode = ControllerStateData::ControlMode::Remote;
+}
+
+void MachineWorker::Step() {
+    if (!hasJobs_) {
+        LoadJobs();
+        return;
+    }
+    switch (Draw(0, 24)) {
+    case 0:
+        return SwitchServo(!state_.isServoOn);
+    case 1:
+        return SwitchHold();
+    case 2:
+        return SwitchCycle();
+    case 3:
+        return ShowText();
+    case 4:
+        return ReadTimes();
+    case 5:
+    case 6:
+        return RunGoodJob();
+    case 7:
+        return RaiseAlarm();
+    case 8:
+        return CheckActiveAlarms(false);
+    case 9:
+    case 10:
+    case 11:
+        ExpectState("state");
+        return;
+    default:
+        CheckReading(readings_[Draw(0, readings_.size() - 1)]);
+    }
+}
+
+void MachineWorker::LoadJobs() {
+    LoadJob(RunJobName, RunJob);
+    LoadJob(SubJobName, SubJob);
+    LoadJob(BadJobName, BadJob);
+    hasJobs_ = true;
+}
+
+void MachineWorker::LoadJob(std::string_view name, std::string_view text) {
+    auto const fileName = std::string(name) + ".JBI";
+    std::string got;
+    auto const ask = [&] {
+        std::scoped_lock const lock(session_.transfers);
+        WaitForStragglers();
+        auto status = Done(Family::Files, robot_.Files->LoadToControllerFromString(fileName, std::string(text)));
+        if (status.StatusCode != 0) {
+            return Answer::Missing;
+        }
+        WaitForStragglers();
+        status = Done(Family::Files, robot_.Files->SaveFromControllerToString(fileName, got));
+        return status.StatusCode == 0 && got == text ? Answer::Right : Answer::Missing;
+    };
+    Settle("load of " + fileName, ask, [&] { return got; });
+}
+
+void MachineWorker::Command(std::string const& what, std::function<StatusInfo()> const& send, Family family) {
+    WaitForStragglers();
+    if (!IsSent(what, Done(family, send()))) {
+        return;
+    }
+    WaitForStragglers();
+    constexpr int repetitions = 10;
+    for (int i = 0; options_.badNetwork && i < repetitions && AskState() != Answer::Right; ++i) {
+        static_cast<void>(Done(family, send()));
+        WaitForStragglers();
+    }
+    ExpectState(what);
+}
+
+Answer MachineWorker::CompareState(ControllerStateData& got) {
+    auto const status = Done(Family::Status, robot_.Status->ReadState(got));
+    if (IsTimeout(status)) {
+        return Answer::Missing;
+    }
+    if (status.StatusCode != 0) {
+        return Answer::Wrong;
+    }
+    if (IsSame(got, state_)) {
+        return Answer::Right;
+    }
+    auto firstWord = state_;
+    firstWord.isProgramPendantHold = firstWord.isAlarming = firstWord.isErroring = firstWord.isServoOn = false;
+    bool const isCut = IsSame(got, StateOfZeros) || (HasSecondWord(state_) && IsSame(got, firstWord));
+    return isCut ? Answer::Cut : Answer::Wrong;
+}
+
+/// Until there is a whole answer.
+Answer MachineWorker::AskState() {
+    ControllerStateData got;
+    auto answer = Answer::Missing;
+    for (int i = 0; i < 30 && (answer == Answer::Missing || answer == Answer::Cut); ++i) {
+        answer = CompareState(got);
+    }
+    return answer;
+}
+
+bool MachineWorker::ExpectState(std::string const& what) {
+    ControllerStateData got;
+    return Settle(
+        what, [&] { return CompareState(got); },
+        [&] { return fmt::format("{} instead of {}", ToText(got), ToText(state_)); });
+}
+
+void MachineWorker::SwitchServo(bool on) {
+    state_.isServoOn = on;
+    Command(on ? "servo on" : "servo off", [&] { return robot_.ControlCommands->SetServos(SwitchOf(on)); });
+}
+
+void MachineWorker::SwitchHold() {
+    for (bool const on : {true, false}) {
+        state_.isProgramPendantHold = on;
+        Command(on ? "hold" : "end of hold", [&] { return robot_.ControlCommands->SetHold(SwitchOf(on)); });
+    }
+}
+
+void MachineWorker::SwitchCycle() {
+    for (auto const mode : {static_cast<CycleMode>(Draw(0, 2)), CycleMode::Cycle}) {
+        state_.cycleMode = mode;
+        Command("cycle mode", [&] { return robot_.ControlCommands->SetCycleMode(mode); });
+    }
+}
+
+void MachineWorker::ShowText() {
+    auto const text = fmt::format("soak {}", Draw(0, 999999));
+    IsSent("pendant text", Done(Family::ControlCommands, robot_.ControlCommands->DisplayStringToPendant(text)));
+}
+
+/// The playback time never runs backwards.
+void MachineWorker::ReadTimes() {
+    TimeData data;
+    std::int64_t seconds = 0;
+    auto const ask = [&] {
+        StatusInfo status;
+        try {
+            status = Done(Family::Status, robot_.Status->ReadOperatingTimes(ControlGroupId::R1, TimeType::PlaybackTotal,
+                                                                            data, ApplicationNumber::None));
+        } catch (std::exception const&) {
+            return Answer::Cut; // as documented for an answer that holds no readable time
+        }
+        auto const& elapsed = data.elapsedTime;
+        seconds = (std::int64_t{elapsed.hours} * 60 + elapsed.minutes) * 60 + elapsed.seconds;
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        return seconds >= playbackSeconds_ ? Answer::Right : Answer::Cut;
+    };
+    if (Settle("operating time", ask, [&] { return fmt::format("{} after {}", seconds, playbackSeconds_); })) {
+        playbackSeconds_ = seconds;
+    }
+}
+
+void MachineWorker::CheckReading(FixedReading& reading) {
+    auto const read = [&](WireImage& image) { return Done(reading.family, reading.read(image)); };
+    if (reading.known.empty()) {
+        reading.known = Agree(reading.name, read);
+        return;
+    }
+    WireImage got;
+    auto const ask = [&] {
+        auto const status = read(got);
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        return got == reading.known ? Answer::Right : IsCutFrom(reading.known, got) ? Answer::Cut : Answer::Wrong;
+    };
+    Settle(reading.name, ask, [&] { return ToHex(got) + " instead of " + ToHex(reading.known); });
+}
+
+void MachineWorker::RunGoodJob() {
+    if (!state_.isServoOn) {
+        SwitchServo(true);
+    }
+    ResetJobVariables();
+    if ((SelectAndStart(RunJobName) || options_.badNetwork) && AwaitJob()) {
+        CheckJobVariables();
+        CheckJobPlace();
+    }
+}
+
+bool MachineWorker::SelectAndStart(std::string_view name) {
+    auto const send = [&](char const* what, Family family, auto const& command) {
+        WaitForStragglers();
+        auto const status = Done(family, command());
+        // Where requests get lost, a job that did not start is found out by what it did not do.
+        return options_.badNetwork ? status.StatusCode == 0 : IsSent(fmt::format("{} of {}", what, name), status);
+    };
+    return send("selection", Family::Job, [&] { return robot_.Job->SetActiveJob(std::string(name), 0); }) &&
+           send("start", Family::ControlCommands, [&] { return robot_.ControlCommands->StartJob(); });
+}
+
+void MachineWorker::ResetJobVariables() {
+    auto& variables = *robot_.Variables;
+    ByteVariableData got;
+    auto const ask = [&] {
+        static_cast<void>(Done(Family::Variables, variables.integerVariable->Write({0, JobVariable})));
+        static_cast<void>(Done(Family::Variables, variables.doubleIntVariable->Write({0, JobVariable})));
+        static_cast<void>(Done(Family::Variables, variables.realVariable->Write({0.0F, JobVariable})));
+        static_cast<void>(Done(Family::Variables, variables.byteVariable->Write({1, JobVariable})));
+        WaitForStragglers();
+        auto const status = Done(Family::Variables, variables.byteVariable->Read(JobVariable, got));
+        return status.StatusCode == 0 && got.value == 1 ? Answer::Right : Answer::Missing;
+    };
+    Settle("reset of the job's variables", ask, [&] { return fmt::format("{}", got.value); });
+}
+
+/// Waits until the job has set its last variable and come back to its beginning.
+bool MachineWorker::AwaitJob() {
+    auto const deadline = SteadyClock::now() + JobPatience;
+    auto lastStart = SteadyClock::now();
+    ByteVariableData got;
+    while (SteadyClock::now() < deadline) {
+        auto const status = Done(Family::Variables, robot_.Variables->byteVariable->Read(JobVariable, got));
+        if (status.StatusCode == 0 && got.value == JobDone) {
+            std::this_thread::sleep_for(50ms); // it still has its last line to do
+            return ExpectState("end of the job");
+        }
+        if (options_.badNetwork && SteadyClock::now() - lastStart > 3s) {
+            static_cast<void>(SelectAndStart(RunJobName));
+            lastStart = SteadyClock::now();
+        }
+        std::this_thread::sleep_for(10ms);
+    }
+    Fail(fmt::format("the job did not run to its end: B{:03} is {}", JobVariable, got.value));
+    return false;
+}
+
+void MachineWorker::CheckJobVariables() {
+    auto const check = [&](auto& variables, auto wanted) {
+        ScalarVariableData<decltype(wanted)> got;
+        auto const ask = [&] {
+            auto const status = Done(Family::Variables, variables.Read(JobVariable, got));
+            if (status.StatusCode != 0) {
+                return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+            }
+            return ImageOf(got.value) == ImageOf(wanted)            ? Answer::Right
+                   : IsCutFrom(ImageOf(wanted), ImageOf(got.value)) ? Answer::Cut
+                                                                    : Answer::Wrong;
+        };
+        Settle("variable set by a job", ask, [&] { return fmt::format("{} instead of {}", got.value, wanted); });
+    };
+    check(*robot_.Variables->integerVariable, JobInteger);
+    check(*robot_.Variables->doubleIntVariable, JobDouble);
+    check(*robot_.Variables->realVariable, JobReal);
+}
+
+void MachineWorker::CheckJobPlace() {
+    JobData data;
+    auto const name = std::string(RunJobName) + std::string(32 - RunJobName.size(), '\0');
+    auto const ask = [&] {
+        auto const status = Done(Family::Job, robot_.Job->GetExecutingJobInformation(TesselTaskNumber::Master, data));
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        bool const isRight = data.name == name && data.line == 0 && data.speedOverride == 100.0;
+        WireImage wanted(name.begin(), name.end());
+        bool const isCut = IsCutFrom(wanted, WireImage(data.name.begin(), data.name.end())) && data.line == 0;
+        return isRight ? Answer::Right : isCut ? Answer::Cut : Answer::Wrong;
+    };
+    Settle("executing job", ask,
+           [&] { return fmt::format("{} line {} at {}", data.name, data.line, data.speedOverride); });
+
+    std::vector<std::string> stack;
+    auto const askStack = [&] {
+        auto const status = Done(Family::Job, robot_.Job->GetJobStack(TesselTaskNumber::Master, stack));
+        if (!session_.isExtended) {
+            bool const isTooOld = status.StatusCode == static_cast<int>(ErrorStatusCodes::UnsupportedOnThisController);
+            return isTooOld ? Answer::Right : Answer::Wrong;
+        }
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        bool const isRight = stack.size() == 1 && stack[0] == name + '\0';
+        return isRight ? Answer::Right : stack.size() <= 1 ? Answer::Cut : Answer::Wrong;
+    };
+    Settle("job stack", askStack, [&] { return fmt::format("{} names", stack.size()); });
+}
+
+void MachineWorker::RaiseAlarm() {
+    if (!state_.isServoOn) {
+        SwitchServo(true);
+    }
+    CheckActiveAlarms(false);
+    auto const start = [&] {
+        state_.isAlarming = true;
+        state_.isServoOn = false;
+        bool const isStarted = SelectAndStart(BadJobName);
+        std::this_thread::sleep_for(100ms); // for its two lines
+        return isStarted;
+    };
+    if (!start() && !options_.badNetwork) {
+        return;
+    }
+    for (int i = 0; options_.badNetwork && i < 10 && AskState() != Answer::Right; ++i) {
+        state_.isAlarming = false;
+        SwitchServo(true);
+        start();
+    }
+    if (!ExpectState("alarm of a job")) {
+        return;
+    }
+    CheckActiveAlarms(true);
+    CheckHistory();
+    auto const refused = Done(Family::ControlCommands, robot_.ControlCommands->SetServos(SignalStatus::On));
+    if (refused.StatusCode != AlarmIsActive && refused.StatusCode != 0 && !IsTimeout(refused)) {
+        Fail(fmt::format("servo on with an alarm gave {}", refused.StatusCode));
+    }
+    ExpectState("servo power with an alarm");
+    state_.isAlarming = false;
+    Command(
+        "clearing of the alarm", [&] { return robot_.Faults->ClearAllFaults(); }, Family::Faults);
+    CheckActiveAlarms(false);
+}
+
+Answer MachineWorker::CompareAlarm(AlarmData const& got, bool isExpected) const {
+    AlarmData const wanted = isExpected ? AlarmData{BadJobAlarm, BadJobLine, {}, std::string(BadJobText)} : AlarmData{};
+    auto const image = [](AlarmData const& alarm) {
+        auto bytes = ImageOf(alarm.code);
+        Append(bytes, alarm.subcode);
+        AppendText(bytes, alarm.name, 32);
+        return bytes;
+    };
+    if (image(got) == image(wanted)) {
+        return Answer::Right;
+    }
+    return IsCutFrom(image(wanted), image(got)) ? Answer::Cut : Answer::Wrong;
+}
+
+void MachineWorker::CheckActiveAlarms(bool isExpected) {
+    ActiveAlarms alarms;
+    auto const ask = [&] {
+        auto const status = Done(Family::Faults, robot_.Faults->GetActiveAlarms(alarms));
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        for (std::size_t i = 0; i < alarms.alarms.size(); ++i) {
+            auto const answer = CompareAlarm(alarms.alarms[i], isExpected && i == 0);
+            if (answer != Answer::Right) {
+                return answer;
+            }
+        }
+        return Answer::Right;
+    };
+    Settle("active alarms", ask, [&] {
+        return fmt::format("{}, the first {} {} {}", alarms.numberOfAlarms, alarms.alarms[0].code,
+                           alarms.alarms[0].subcode, alarms.alarms[0].name);
+    });
+}
+
+void MachineWorker::CheckHistory() {
+    constexpr std::uint32_t quantity = 3;
+    AlarmHistory history;
+    auto const ask = [&] {
+        auto const status =
+            Done(Family::Faults, robot_.Faults->GetAlarmHistory(AlarmCategory::Minor, quantity, history));
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        for (std::size_t i = 0; i < std::max(1U, history.numberOfAlarms); ++i) {
+            auto const answer = CompareAlarm(history.alarms[i], true);
+            if (answer != Answer::Right) {
+                return answer;
+            }
+        }
+        return Answer::Right;
+    };
+    Settle("alarm history", ask,
+           [&] { return fmt::format("{}, the first {}", history.numberOfAlarms, history.alarms[0].code); });
+}
+
+} // namespace harvlink::soak

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <vector>
+
+#include "soak/FixedReading.h"
+#include "soak/Session.h"
+#include "soak/Worker.h"
+
+namespace harvlink::soak {
+
+/// Commands one controller: servo power, hold, cycle, pendant, jobs that run and jobs that raise an alarm; and reads what
+/// it tells of itself. Nobody else changes its state.
+class MachineWorker final : public Worker {
+public:
+    MachineWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed, Session& session);
+
+private:
+    void Step() override;
+    void LoadJobs();
+    void LoadJob(std::string_view name, std::string_view text);
+
+    /// Repeats a command until the state is as wanted. Where only replies get lost once must do.
+    void Command(std::string const& what, std::function<StatusInfo()> const& send,
+                 Family family = Family::ControlCommands);
+    bool ExpectState(std::string const& what);
+    Answer AskState();
+    Answer CompareState(ControllerStateData& got);
+
+    void SwitchServo(bool on);
+    void SwitchHold();
+    void SwitchCycle();
+    void ShowText();
+    void ReadTimes();
+    void CheckReading(FixedReading& reading);
+
+    void RunGoodJob();
+    bool SelectAndStart(std::string_view name);
+    void ResetJobVariables();
+    bool AwaitJob();
+    void CheckJobVariables();
+    void CheckJobPlace();
+    void RaiseAlarm();
+    void CheckActiveAlarms(bool isExpected);
+    void CheckHistory();
+    Answer CompareAlarm(AlarmData const& got, bool isExpected) const;
+
+    Session& session_;
+    QuorvanController& robot_;
+    std::vector<FixedReading> readings_;
+    ControllerStateData state_; ///< as it must be
+    std::int64_t playbackSeconds_ = 0;
+    bool hasJobs_ = false;
+};
+
+} // namespace harvlink::soak

@@ -1,0 +1,254 @@
+#include "soak/MotionWorker.h"
+
+#include <array>
+#include <cmath>
+#include <thread>
+
+#include <fmt/format.h>
+
+#include "soak/Session.h"
+
+namespace harvlink::soak {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::uint32_t MonitorAlarm = 8015;
+constexpr auto Patience = 60s;
+constexpr auto StallTime = 3s; ///< longer than any pause between targets
+/// Where the arm of a fresh virtual controller stands, and how far from there it is sent.
+constexpr std::array<int, 6> HomePulses{0, 0, 0, 0, -122850, 0};
+constexpr int Reach = 6000;
+
+Motion RandomPoint(Random& random) {
+    Motion motion{.controlGroup = ControlGroupId::R1, .speed = 100.0, .moveType = MoveInterpolationType::Joint};
+    motion.position.coordinateType = CoordinateType::Pulse;
+    motion.position.toolNumber = 0;
+    std::uniform_int_distribution<int> offset(-Reach, Reach);
+    for (std::size_t i = 0; i < HomePulses.size(); ++i) {
+        motion.position.axes[i] = HomePulses[i] + offset(random);
+    }
+    return motion;
+}
+
+bool IsTimeout(StatusInfo const& status) {
+    return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
+}
+
+} // namespace
+
+MotionWorker::MotionWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed)
+    : Worker(std::move(name), options, ledger, seed) {}
+
+void MotionWorker::Step() {
+    if (Chance(0.3)) {
+        Visit();
+    } else {
+        Move();
+    }
+    // Opening and closing count as signs too.
+    static_cast<void>(Done(Family::Connection, StatusInfo{}));
+}
+
+void MotionWorker::Visit() {
+    auto const robot = OpenWhole(options_.addresses.olderVisited, false, options_, ledger_);
+    if (robot == nullptr) {
+        return;
+    }
+    auto const value = static_cast<std::uint8_t>(Draw(1, 255));
+    ByteVariableData got;
+    static_cast<void>(Done(Family::Variables, robot->Variables->byteVariable->Write({value, 0})));
+    auto const ask = [&] {
+        WaitForStragglers();
+        auto const status = Done(Family::Variables, robot->Variables->byteVariable->Read(0, got));
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        bool const mayBeOld = options_.badNetwork;
+        return got.value == value ? Answer::Right
+               : got.value == 0   ? Answer::Cut
+               : mayBeOld         ? Answer::LostWrite
+                                  : Answer::Wrong;
+    };
+    Settle("variable of a visit", ask, [&] { return fmt::format("{} instead of {}", got.value, value); });
+}
+
+void MotionWorker::Move() {
+    auto const robot = OpenWhole(options_.addresses.newerVisited, true, options_, ledger_);
+    if (robot == nullptr || !MakeReady(*robot)) {
+        return;
+    }
+    bool goesOn = true;
+    for (auto trajectories = Draw(1, 4); goesOn && trajectories > 0; --trajectories) {
+        goesOn = Chance(0.15) ? RunAndStop(*robot) : RunTrajectory(*robot);
+    }
+    // Closing waits until the queue is empty; a broken trajectory has emptied it.
+    static_cast<void>(Done(Family::MotionManager, robot->MotionManager->MotionStop(true)));
+}
+
+/// Clears what a broken trajectory left behind and gives servo power. False if the answers don't come.
+bool MotionWorker::MakeReady(QuorvanController& robot) {
+    for (int tries = 0; tries < 20; ++tries) {
+        static_cast<void>(Done(Family::Faults, robot.Faults->ClearAllFaults()));
+        WaitForStragglers();
+        static_cast<void>(Done(Family::ControlCommands, robot.ControlCommands->SetServos(SignalStatus::On)));
+        WaitForStragglers();
+        ControllerStateData state;
+        if (ReadState(robot, state) && state.isServoOn && !state.isAlarming) {
+            auto const status = Done(Family::MotionManager, robot.MotionManager->MotionStart());
+            if (status.StatusCode == 0) {
+                return true;
+            }
+        }
+    }
+    Fail("the controller does not get ready to move");
+    return false;
+}
+
+bool MotionWorker::ReadState(QuorvanController& robot, ControllerStateData& state) {
+    return Done(Family::Status, robot.Status->ReadState(state)).StatusCode == 0;
+}
+
+std::size_t MotionWorker::AddPoints(QuorvanController& robot, std::size_t count, PositionData& last) {
+    for (std::size_t i = 0; i < count; ++i) {
+        auto const point = RandomPoint(random_);
+        auto const status = Done(Family::MotionManager, robot.MotionManager->AddPointToTrajectory(point));
+        if (status.StatusCode != 0) {
+            Fail(fmt::format("a point was refused with {} {}", status.StatusCode, status.Message));
+            return i;
+        }
+        last = point.position;
+    }
+    return count;
+}
+
+/// False if the connection is to be left: the trajectory is broken, or the run has failed.
+bool MotionWorker::RunTrajectory(QuorvanController& robot) {
+    WaitForStragglers();
+    auto const cleared = Done(Family::MotionManager, robot.MotionManager->ClearAllTrajectory());
+    if (cleared.StatusCode != 0) {
+        return false; // without it the count of reached targets is not known
+    }
+    PositionData last;
+    auto const count = AddPoints(robot, Draw(1, options_.LongestTrajectory()), last);
+    auto const outcome = AwaitArrival(robot, count);
+    if (outcome == Outcome::Arrived) {
+        CheckPosition(robot, last);
+    }
+    return outcome == Outcome::Arrived;
+}
+
+MotionWorker::Outcome MotionWorker::Broken() {
+    ledger_.Note(Survived::BrokenTrajectory);
+    return Outcome::Broken;
+}
+
+MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::size_t count) {
+    auto const deadline = SteadyClock::now() + Patience;
+    double before = 0.0;
+    auto lastChange = SteadyClock::now();
+    for (int polls = 0; SteadyClock::now() < deadline; ++polls) {
+        StatusInfo status;
+        double const progress = robot.MotionManager->GetMotionTargetProgress(ControlGroupId::R1, status);
+        Done(Family::MotionManager, status);
+        lastChange = progress != before ? SteadyClock::now() : lastChange;
+        bool const isPlausible = status.StatusCode != 0 || CheckProgress(progress, before, count);
+        if (status.StatusCode == 0 && isPlausible && progress >= static_cast<double>(count)) {
+            return Outcome::Arrived;
+        }
+        if ((!isPlausible || polls % 5 == 4) && HasAlarm(robot)) {
+            return Broken();
+        }
+        if (SteadyClock::now() - lastChange > StallTime && LacksTargets(robot, before, count)) {
+            ledger_.Note(Survived::LostWrite);
+            return Broken();
+        }
+        std::this_thread::sleep_for(5ms);
+    }
+    Fail(fmt::format("{} points neither arrived nor failed: {} reached", count, before));
+    return Outcome::Failed;
+}
+
+/// Whether the arm stands at a target with too few reached. A refusal for want of room that is lost on id 0 reads as taken.
+/// Where requests get lost, targets and the alarm of the monitor may too.
+bool MotionWorker::LacksTargets(QuorvanController& robot, double progress, std::size_t count) {
+    constexpr double mostLost = 2.0;
+    ControllerStateData state;
+    bool const isAtTarget = progress == std::floor(progress) && progress < static_cast<double>(count);
+    bool const isNearEnd = progress + mostLost >= static_cast<double>(count);
+    return ReadState(robot, state) && !state.isRunning && (options_.badNetwork || (isAtTarget && isNearEnd));
+}
+
+/// False if the count went back, as it does when the targets are cleared, or for once in a cut answer.
+bool MotionWorker::CheckProgress(double progress, double& before, std::size_t count) {
+    bool const isDoubled = options_.badNetwork; // a target that came twice counts twice
+    if (!std::isfinite(progress) || progress < 0.0 || (progress > static_cast<double>(count) && !isDoubled)) {
+        Fail(fmt::format("progress {} of {} points", progress, count));
+    }
+    if (progress < before) {
+        return false;
+    }
+    before = progress;
+    return true;
+}
+
+bool MotionWorker::HasAlarm(QuorvanController& robot) {
+    ActiveAlarms alarms;
+    auto const status = Done(Family::Faults, robot.Faults->GetActiveAlarms(alarms));
+    if (status.StatusCode != 0 || alarms.numberOfAlarms == 0) {
+        return false;
+    }
+    for (auto const& alarm : alarms.alarms) {
+        // A cut number has bits of it, and no others.
+        if ((alarm.code & ~MonitorAlarm) != 0) {
+            Fail(fmt::format("alarm {} where only {} is raised", alarm.code, MonitorAlarm));
+        }
+    }
+    return true;
+}
+
+void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& wanted) {
+    if (options_.badNetwork) {
+        return; // a target that was doubled on its way may have been the last to arrive
+    }
+    PositionData got;
+    auto const ask = [&] {
+        auto const status =
+            Done(Family::ControlGroup,
+                 robot.ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, got));
+        if (status.StatusCode != 0) {
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+        }
+        auto const image = ImageOfPosition(got);
+        return image == ImageOfPosition(wanted)            ? Answer::Right
+               : IsCutFrom(ImageOfPosition(wanted), image) ? Answer::Cut
+                                                           : Answer::Wrong;
+    };
+    Settle("end of a trajectory", ask,
+           [&] { return ToHex(ImageOfPosition(got)) + " instead of " + ToHex(ImageOfPosition(wanted)); });
+}
+
+/// Stops on the way: the arm comes to rest and stays.
+bool MotionWorker::RunAndStop(QuorvanController& robot) {
+    PositionData last;
+    AddPoints(robot, Draw(5, 20), last);
+    std::this_thread::sleep_for(std::chrono::milliseconds(Draw(0, 40)));
+    auto const stopped = Done(Family::MotionManager, robot.MotionManager->MotionStop(true));
+    if (stopped.StatusCode != 0 || HasAlarm(robot)) {
+        return false;
+    }
+    std::this_thread::sleep_for(100ms);
+    auto const read = [&](WireImage& image) {
+        PositionData position;
+        auto status =
+            Done(Family::ControlGroup,
+                 robot.ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, position));
+        image = ImageOfPosition(position);
+        return status;
+    };
+    Agree("position after a stop", read);
+    return Done(Family::MotionManager, robot.MotionManager->MotionStart()).StatusCode == 0;
+}
+
+} // namespace harvlink::soak

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "harvlink/harvlink.h"
+#include "soak/Worker.h"
+
+namespace harvlink::soak {
+
+/// Opens a connection, works with it and closes it, over and over: with a controller of the older generation a look
+/// around, with one of the newer a few trajectories, each of which must arrive or fail as documented.
+class MotionWorker final : public Worker {
+public:
+    MotionWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed);
+
+private:
+    enum class Outcome : std::uint8_t { Arrived, Broken, Failed };
+
+    void Step() override;
+    void Visit();
+    void Move();
+    bool MakeReady(QuorvanController& robot);
+    bool RunTrajectory(QuorvanController& robot);
+    bool RunAndStop(QuorvanController& robot);
+    std::size_t AddPoints(QuorvanController& robot, std::size_t count, PositionData& last);
+    Outcome AwaitArrival(QuorvanController& robot, std::size_t count);
+    Outcome Broken();
+    bool CheckProgress(double progress, double& before, std::size_t count);
+    bool LacksTargets(QuorvanController& robot, double progress, std::size_t count);
+    bool HasAlarm(QuorvanController& robot);
+    void CheckPosition(QuorvanController& robot, PositionData const& wanted);
+    bool ReadState(QuorvanController& robot, ControllerStateData& state);
+};
+
+} // namespace harvlink::soak

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "soak/ProcessFigures.h"
+
+namespace harvlink::soak {
+
+/// A running harvlink-sim. Ends it when it goes out of scope.
+class SimulatorProcess {
+public:
+    /// Returns when it is ready. Throws std::runtime_error if it does not get there.
+    SimulatorProcess(std::string name, std::vector<std::string> const& command);
+    SimulatorProcess(SimulatorProcess const&) = delete;
+    SimulatorProcess& operator=(SimulatorProcess const&) = delete;
+    ~SimulatorProcess();
+
+    ProcessFigures Figures() const;
+
+    /// Asks it to end and waits. False if it ended in any other way than asked.
+    bool Stop();
+
+private:
+    std::string name_;
+    pid_t process_ = -1;
+};
+
+} // namespace harvlink::soak

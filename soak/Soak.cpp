@@ -1,0 +1,287 @@
+#include "soak/Soak.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <stop_token>
+#include <thread>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "soak/FilesWorker.h"
+#include "soak/KinematicsWorker.h"
+#include "soak/MachineWorker.h"
+#include "soak/MotionWorker.h"
+#include "soak/ValuesWorker.h"
+
+namespace harvlink::soak {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto HangTime = 120s;
+constexpr int HangExit = 3;
+constexpr std::size_t WarmUpRounds = 2;
+
+std::vector<ValueKind> AllKinds(Session& session, Options const& options) {
+    auto kinds = NumberKinds(*session.robot);
+    for (auto& kind : PositionKinds(*session.robot, options.HighestTool())) {
+        kinds.push_back(std::move(kind));
+    }
+    for (auto& kind : SignalKinds(*session.robot, session.isExtended)) {
+        kinds.push_back(std::move(kind));
+    }
+    return kinds;
+}
+
+nlohmann::json ToJson(std::vector<ProcessFigures> const& figures) {
+    auto list = nlohmann::json::array();
+    for (auto const& item : figures) {
+        nlohmann::json entry{{"process", item.name},
+                             {"residentKiB", item.residentKiB},
+                             {"descriptors", item.descriptors},
+                             {"threads", item.threads}};
+        if (item.heapKiB != 0) {
+            entry["heapKiB"] = item.heapKiB;
+        }
+        list.push_back(entry);
+    }
+    return list;
+}
+
+} // namespace
+
+Soak::Soak(Options const& options)
+    : options_(options), folder_(std::filesystem::absolute(options.report).parent_path() / "work") {
+    auto const& at = options_.addresses;
+    // A shortened refusal of a target would read as taken, and a point would be missing.
+    auto const forMotion = options_.faults.empty() ? "" : options_.faults + ",truncate=0,extend=0.4%";
+    controllers_ = {{"FS", at.older, options_.faults},
+                    {"FS", at.olderVisited, options_.faults},
+                    {"YA", at.newer, options_.faults},
+                    {"YA", at.newerVisited, forMotion}};
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directories(folder_);
+    options_.simulator = std::filesystem::absolute(options_.simulator);
+    // The library logs into the working directory.
+    std::filesystem::current_path(folder_);
+}
+
+bool Soak::Run() {
+    StartControllers();
+    OpenSessions();
+    MakeWorkers();
+    RunRounds();
+    workers_.clear();
+    older_.robot.reset();
+    newer_.robot.reset();
+    auto const traffic = StopControllers();
+    CheckBounds(traffic.at("faults"));
+    WriteReport(traffic);
+    return ledger_.FailureCount() == 0;
+}
+
+std::filesystem::path Soak::TrafficFile(std::size_t controller) const {
+    return folder_ / fmt::format("traffic-{}.json", controller);
+}
+
+void Soak::StartControllers() {
+    constexpr auto timeScale = "10"; // jobs and arm then get done between two looks at them
+    auto const scene = folder_ / "scene.toml";
+    std::ofstream(scene) << fmt::format("[controller]\ntools = {}\n", options_.HighestTool() + 1);
+    for (std::size_t i = 0; i < controllers_.size(); ++i) {
+        auto const& controller = controllers_[i];
+        auto command = options_.simulatorPrefix;
+        auto const words = std::to_array<std::string>(
+            {options_.simulator, "--scene", scene, "--generation", controller.generation, "--address",
+             controller.address, "--groups", "R1,B1,S1", "--time-scale", timeScale, "--report", TrafficFile(i)});
+        command.insert(command.end(), words.begin(), words.end());
+        if (!controller.faults.empty()) {
+            command.insert(command.end(),
+                           {"--faults", fmt::format("seed={},{}", options_.seed + i, controller.faults)});
+        }
+        simulators_.push_back(std::make_unique<SimulatorProcess>(
+            fmt::format("harvlink-sim {} {}", controller.generation, controller.address), command));
+    }
+}
+
+void Soak::OpenSessions() {
+    older_.address = options_.addresses.older;
+    newer_.address = options_.addresses.newer;
+    newer_.isExtended = true;
+    for (auto* const session : {&older_, &newer_}) {
+        session->robot = OpenAtLast(session->address, session->isExtended, options_, ledger_);
+    }
+}
+
+void Soak::MakeWorkers() {
+    std::uint64_t seed = 0;
+    for (auto* const session : {&older_, &newer_}) {
+        std::string const suffix = session->isExtended ? " of the newer" : " of the older";
+        workers_.push_back(
+            std::make_unique<ValuesWorker>("values" + suffix, options_, ledger_, ++seed, AllKinds(*session, options_)));
+        workers_.push_back(std::make_unique<MachineWorker>("machine" + suffix, options_, ledger_, ++seed, *session));
+    }
+    workers_.push_back(std::make_unique<KinematicsWorker>("kinematics", options_, ledger_, ++seed, newer_));
+    workers_.push_back(std::make_unique<FilesWorker>("files", options_, ledger_, ++seed,
+                                                     std::vector<Session*>{&older_, &newer_}, folder_));
+    workers_.push_back(std::make_unique<MotionWorker>("motion", options_, ledger_, ++seed));
+}
+
+void Soak::RunRounds() {
+    constexpr double most = 60.0;
+    constexpr double roundsOfShortRun = 6.0;
+    auto const total = std::chrono::duration<double>(options_.minutes * 60.0);
+    auto const rounds = std::max(roundsOfShortRun, std::ceil(total.count() / most));
+    auto const duration = std::chrono::duration_cast<SteadyClock::duration>(total / rounds);
+    start_ = SteadyClock::now();
+    nextProgress_ = start_ + 60s;
+    for (std::size_t round = 1; round <= static_cast<std::size_t>(rounds); ++round) {
+        RunRound(duration);
+        auto const figures = Measure();
+        if (round == WarmUpRounds) {
+            before_ = figures;
+        } else if (round > WarmUpRounds) {
+            CompareFigures(figures);
+        }
+    }
+    PrintProgress();
+}
+
+void Soak::RunRound(SteadyClock::duration duration) {
+    std::vector<std::jthread> threads;
+    for (auto const& worker : workers_) {
+        threads.emplace_back([&worker](std::stop_token const& stop) { worker->Run(stop); });
+    }
+    Watch(SteadyClock::now() + duration);
+    for (auto& thread : threads) {
+        thread.request_stop();
+    }
+    // Ends when all have ended, or not at all: then the watch ends the program.
+    std::jthread const watch([this](std::stop_token const& stop) {
+        for (auto const end = SteadyClock::now() + 2 * HangTime; !stop.stop_requested();) {
+            std::this_thread::sleep_for(50ms);
+            if (SteadyClock::now() > end) {
+                fmt::print(stderr, "FAILED: a worker does not end\n");
+                std::_Exit(HangExit);
+            }
+        }
+    });
+    threads.clear();
+}
+
+/// Until the end of the round: prints, and ends the program if a worker gets nothing done any more.
+void Soak::Watch(SteadyClock::time_point end) {
+    while (SteadyClock::now() < end) {
+        std::this_thread::sleep_until(std::min(end, SteadyClock::now() + 500ms));
+        for (auto const& worker : workers_) {
+            if (SteadyClock::now() - worker->LastSign() > HangTime) {
+                fmt::print(stderr, "FAILED: {} hangs\n", worker->Name());
+                std::_Exit(HangExit);
+            }
+        }
+        if (SteadyClock::now() >= nextProgress_) {
+            nextProgress_ += 60s;
+            PrintProgress();
+        }
+    }
+}
+
+void Soak::PrintProgress() {
+    auto const minutes = std::chrono::duration<double, std::ratio<60>>(SteadyClock::now() - start_).count();
+    fmt::print(
+        "{:5.1f} min: {} operations, {} without an answer, {} cut answers, {} file bytes compared, {} failures\n",
+        minutes, ledger_.Operations(), ledger_.Count(Survived::NoAnswer), ledger_.Count(Survived::CutAnswer),
+        ledger_.FileBytes(), ledger_.FailureCount());
+    std::fflush(stdout);
+}
+
+std::vector<ProcessFigures> Soak::Measure() const {
+    std::vector<ProcessFigures> figures{OwnFigures()};
+    for (auto const& simulator : simulators_) {
+        figures.push_back(simulator->Figures());
+    }
+    return figures;
+}
+
+void Soak::CompareFigures(std::vector<ProcessFigures> const& now) {
+    after_ = now;
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        if (auto const growth = Growth(before_[i], now[i]); !growth.empty()) {
+            ledger_.Fail(growth);
+        }
+    }
+}
+
+/// Ends all and adds up what they report.
+nlohmann::json Soak::StopControllers() {
+    nlohmann::json total{{"requests", 0}, {"faults", nlohmann::json::object()}};
+    for (std::size_t i = 0; i < simulators_.size(); ++i) {
+        if (!simulators_[i]->Stop()) {
+            ledger_.Fail(fmt::format("harvlink-sim on {} did not end well", controllers_[i].address));
+            continue;
+        }
+        auto const report = nlohmann::json::parse(std::ifstream(TrafficFile(i)));
+        auto const& controller = report.at("controllers").at(0);
+        total["requests"] = total["requests"].get<std::uint64_t>() + controller.at("requests").get<std::uint64_t>();
+        for (auto const& [name, count] : controller.at("faults").items()) {
+            total["faults"][name] = total["faults"].value(name, std::uint64_t{0}) + count.get<std::uint64_t>();
+        }
+    }
+    return total;
+}
+
+/// Cut answers and lost writes are told from right ones by what they look like. So that nothing else passes for one, there
+/// may not be more of them than faults that make them: shortened replies, and one in 128 of those that never came.
+void Soak::CheckBounds(nlohmann::json const& faults) {
+    if (options_.badNetwork || faults.empty()) {
+        return;
+    }
+    auto const count = [&](char const* name) { return faults.value(name, 0.0); };
+    double const onIdZero = (count("drop") + count("wrong-id") + count("stale-id") + count("truncate")) / 128.0;
+    double const likely = onIdZero + 6.0 * std::sqrt(onIdZero) + 6.0;
+    // A cut answer may be seen in up to three comparisons.
+    double const mostCut = 3.0 * (count("truncate") + likely);
+    if (static_cast<double>(ledger_.Count(Survived::CutAnswer)) > mostCut) {
+        ledger_.Fail(
+            fmt::format("{} cut answers, of which faults explain {}", ledger_.Count(Survived::CutAnswer), mostCut));
+    }
+    if (static_cast<double>(ledger_.Count(Survived::LostWrite)) > likely) {
+        ledger_.Fail(
+            fmt::format("{} lost writes, of which faults explain {}", ledger_.Count(Survived::LostWrite), likely));
+    }
+}
+
+void Soak::WriteReport(nlohmann::json const& traffic) {
+    nlohmann::json operations;
+    for (std::size_t i = 0; i < Families; ++i) {
+        auto const family = static_cast<Family>(i);
+        operations[std::string(NameOf(family))] = ledger_.Operations(family);
+    }
+    nlohmann::json survived;
+    for (std::size_t i = 0; i < SurvivedKinds; ++i) {
+        auto const kind = static_cast<Survived>(i);
+        survived[std::string(NameOf(kind))] = ledger_.Count(kind);
+    }
+    auto const minutes = std::chrono::duration<double, std::ratio<60>>(SteadyClock::now() - start_).count();
+    report_ = {{"minutes", std::round(minutes * 10.0) / 10.0},
+               {"seed", options_.seed},
+               {"workers", workers_.size()},
+               {"network", options_.badNetwork ? "bad" : "good"},
+               {"exchanges", traffic.at("requests")},
+               {"operations", ledger_.Operations()},
+               {"operationsByInterface", operations},
+               {"faultsInjected", traffic.at("faults")},
+               {"faultsSurvived", survived},
+               {"fileBytesCompared", ledger_.FileBytes()},
+               {"before", ToJson(before_)},
+               {"after", ToJson(after_)},
+               {"failures", ledger_.Failures()}};
+}
+
+} // namespace harvlink::soak

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "soak/Ledger.h"
+#include "soak/Options.h"
+#include "soak/ProcessFigures.h"
+#include "soak/Session.h"
+#include "soak/SimulatorProcess.h"
+#include "soak/Worker.h"
+
+namespace harvlink::soak {
+
+/// The whole run: controllers as processes of their own, two connections that stay open and are shared by several
+/// workers, and rounds of load. Between rounds nothing goes on, and what is in use is counted.
+class Soak {
+public:
+    explicit Soak(Options const& options);
+
+    /// Throws std::runtime_error if the load can't even begin. False if anything failed.
+    bool Run();
+
+    /// Figures of the run, once it is over.
+    nlohmann::json Report() const { return report_; }
+
+private:
+    struct Controller {
+        std::string generation;
+        std::string address;
+        std::string faults;
+    };
+
+    void StartControllers();
+    void OpenSessions();
+    void MakeWorkers();
+    void RunRounds();
+    void RunRound(SteadyClock::duration duration);
+    void Watch(SteadyClock::time_point end);
+    void PrintProgress();
+    std::vector<ProcessFigures> Measure() const;
+    void CompareFigures(std::vector<ProcessFigures> const& now);
+    nlohmann::json StopControllers();
+    void CheckBounds(nlohmann::json const& faults);
+    void WriteReport(nlohmann::json const& traffic);
+    std::filesystem::path TrafficFile(std::size_t controller) const;
+
+    Options options_;
+    Ledger ledger_;
+    std::filesystem::path folder_;
+    std::vector<Controller> controllers_;
+    std::vector<std::unique_ptr<SimulatorProcess>> simulators_;
+    Session older_;
+    Session newer_;
+    std::vector<std::unique_ptr<Worker>> workers_;
+    SteadyClock::time_point start_;
+    SteadyClock::time_point nextProgress_;
+    std::vector<ProcessFigures> before_;
+    std::vector<ProcessFigures> after_;
+    nlohmann::json report_;
+};
+
+} // namespace harvlink::soak

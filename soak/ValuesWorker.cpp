@@ -1,0 +1,111 @@
+#include "soak/ValuesWorker.h"
+
+#include <fmt/format.h>
+
+namespace harvlink::soak {
+
+namespace {
+
+/// Whether every bit is that of one or the other.
+bool IsMixture(WireImage const& one, WireImage const& other, WireImage const& got) {
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        if (((got[i] ^ one[i]) & (got[i] ^ other[i])) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Whether cut replies explain what came: of a value that is read or written in pieces, any piece may be missing.
+bool IsCut(ValueKind const& kind, WireImage const& whole, WireImage const& got) {
+    return IsCutFrom(whole, got) || (kind.isPiecewise && IsMixture(WireImage(got.size(), 0), whole, got));
+}
+
+} // namespace
+
+ValuesWorker::ValuesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
+                           std::vector<ValueKind> kinds)
+    : Worker(std::move(name), options, ledger, seed), kinds_(std::move(kinds)) {
+    for (auto const& kind : kinds_) {
+        cells_.emplace_back(kind.count, Cell{WireImage(kind.size, 0), {}});
+    }
+}
+
+void ValuesWorker::Step() {
+    auto const number = Draw(0, kinds_.size() - 1);
+    auto const& kind = kinds_[number];
+    auto const index = static_cast<unsigned>(Draw(0, kind.count - 1));
+    auto& cell = cells_[number][index];
+    bool const isSettled = SteadyClock::now() - cell.written >= options_.Settle();
+    if (isSettled && Chance(0.5)) {
+        Write(kind, index, cell);
+    } else {
+        Check(kind, index, cell);
+    }
+}
+
+void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
+    auto const wanted = kind.random(random_);
+    auto const before = cell.value;
+    auto const what = fmt::format("write of {} {}", kind.name, index);
+    auto const status = Done(kind.family, kind.write(index, wanted));
+    cell.written = SteadyClock::now();
+    if (!IsSent(what, status)) {
+        return;
+    }
+    bool const isWhole = status.StatusCode == 0 || !kind.isPiecewise;
+    auto& got = cell.value;
+    WireImage last;
+    auto const ask = [&] {
+        auto const answer = Read(kind, index, got);
+        if (answer != Answer::Right || got == wanted) {
+            return answer;
+        }
+        if (!isWhole && IsMixture(before, wanted, got)) {
+            return Answer::Right; // the status said that it failed, and it has been found out where
+        }
+        if (kind.isReadAndWritten && got == last && IsCut(kind, wanted, got)) {
+            ledger_.Note(Survived::CutAnswer);
+            return Answer::Right; // the answer that was cut is the one that the write began with
+        }
+        last = got;
+        return Compare(kind, before, wanted, got);
+    };
+    Settle(what, ask, [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(wanted)); });
+}
+
+void ValuesWorker::Check(ValueKind const& kind, unsigned index, Cell const& cell) {
+    WireImage got;
+    auto const ask = [&] {
+        auto const answer = Read(kind, index, got);
+        if (answer != Answer::Right || got == cell.value) {
+            return answer;
+        }
+        return IsCut(kind, cell.value, got) ? Answer::Cut : Answer::Wrong;
+    };
+    Settle(fmt::format("read of {} {}", kind.name, index), ask,
+           [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(cell.value)); });
+}
+
+/// Right if something was read, whatever it is.
+Answer ValuesWorker::Read(ValueKind const& kind, unsigned index, WireImage& got) {
+    auto const status = Done(kind.family, kind.read(index, got));
+    if (status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+        return Answer::Missing;
+    }
+    return status.StatusCode == 0 ? Answer::Right : Answer::Wrong;
+}
+
+/// What a successful write has come to that does not read as it was written.
+Answer ValuesWorker::Compare(ValueKind const& kind, WireImage const& before, WireImage const& wanted,
+                             WireImage const& got) const {
+    if (IsCut(kind, wanted, got)) {
+        return Answer::Cut;
+    }
+    if (options_.badNetwork && (got == before || (kind.isPiecewise && IsMixture(before, wanted, got)))) {
+        return Answer::LostWrite;
+    }
+    return options_.badNetwork && IsCut(kind, before, got) ? Answer::Cut : Answer::Wrong;
+}
+
+} // namespace harvlink::soak

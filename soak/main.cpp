@@ -1,0 +1,71 @@
+#include <cstdio>
+#include <exception>
+#include <fstream>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "soak/Soak.h"
+
+namespace {
+
+using namespace harvlink::soak;
+
+/// Addresses of the loopback network that hardly any other process uses.
+Addresses OwnAddresses() {
+    auto const process = static_cast<unsigned>(getpid());
+    auto const address = [&](unsigned last) {
+        return fmt::format("127.{}.{}.{}", 90 + process / 62500 % 100, process / 250 % 250, process % 62 * 4 + last);
+    };
+    return {address(1), address(2), address(3), address(4)};
+}
+
+void AddOptions(CLI::App& app, Options& options, std::vector<std::string>& addresses) {
+    app.add_option("--minutes", options.minutes, "How long")->check(CLI::Range(0.1, 100000.0))->capture_default_str();
+    app.add_option("--seed", options.seed, "Of load and faults")->capture_default_str();
+    app.add_option("--rate", options.rate, "Most operations per second, to leave the machine to others [no limit]")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--simulator", options.simulator, "The program harvlink-sim")->required()->check(CLI::ExistingFile);
+    app.add_option("--simulator-prefix", options.simulatorPrefix, "What starts it elsewhere: ip netns exec NAME")
+        ->delimiter(' ');
+    app.add_option("--addresses", addresses, "Four, for the controllers [of the loopback network]")->expected(4);
+    app.add_option("--faults", options.faults, "For the simulators' --faults; empty for none")->capture_default_str();
+    app.add_flag("--bad-network", options.badNetwork, "Requests too get lost, late and doubled on their way");
+    app.add_option("--report", options.report, "File for the figures")->required();
+}
+
+void PrintSummary(nlohmann::json const& report) {
+    fmt::print("{} minutes, {} operations, {} exchanges, {} file bytes compared\n", report["minutes"].dump(),
+               report["operations"].dump(), report["exchanges"].dump(), report["fileBytesCompared"].dump());
+    fmt::print("operations by interface: {}\n", report["operationsByInterface"].dump());
+    fmt::print("faults injected: {}\n", report["faultsInjected"].dump());
+    fmt::print("faults survived: {}\n", report["faultsSurvived"].dump());
+    fmt::print("before: {}\nafter:  {}\n", report["before"].dump(), report["after"].dump());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Loads virtual controllers in all ways at once and checks every value that comes back.",
+                 "harvlink_soak");
+    Options options;
+    options.faults = DefaultFaults;
+    std::vector<std::string> addresses;
+    AddOptions(app, options, addresses);
+    CLI11_PARSE(app, argc, argv);
+    options.addresses =
+        addresses.empty() ? OwnAddresses() : Addresses{addresses[0], addresses[1], addresses[2], addresses[3]};
+    try {
+        auto const reportFile = std::filesystem::absolute(options.report);
+        Soak soak(options);
+        bool const hasPassed = soak.Run();
+        PrintSummary(soak.Report());
+        std::ofstream(reportFile) << soak.Report().dump(2) << '\n';
+        fmt::print("{}\n", hasPassed ? "soak: passed" : "soak: FAILED");
+        return hasPassed ? 0 : 1;
+    } catch (std::exception const& error) {
+        fmt::print(stderr, "harvlink_soak: {}\n", error.what());
+        return 1;
+    }
+}
