@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "motion/MotionSession.h"
+#include "motion/VirtualTransport.h"
 #include "simulator/Server.h"
 #include "support/ScratchFolder.h"
 
@@ -226,25 +227,72 @@ TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
     }
 }
 
-TEST(TrajectoryMonitor, EveryLostReplyIsAFailure) {
-    ScratchFolder const folder;
-    RunningSession session;
-    session.network->SetLogging(false);
-    ShortenTimeout(*session.network);
-    auto const isLost = [](int x) { return x % 20 == 7; };
-    session.controller.AnswerRest([&](Datagram const& datagram) {
-        return CommandOf(datagram) == target && isLost(AxisOf(datagram, 0)) ? Replies{} : Replies{{}};
-    });
-    Sequence expected;
-    for (int x = 0; x < 100; ++x) {
-        session.Add(x);
-        expected.emplace_back(target, x);
-        if (isLost(x)) {
-            expected.insert(expected.end(), {{alarm, 0}, {clear, 0}});
-            session.Sent(expected.size()); // what is added while the clear is under way waits for its end
+using Exchanges = VirtualTransport::Exchanges;
+
+/// Silence on id 0 reads as an answer.
+bool Fails(VirtualTransport::Exchange const& exchange) {
+    return exchange.isLost && exchange.id != 0;
+}
+
+/// Whether a target counts as taken.
+bool IsTaken(VirtualTransport::Exchange const& exchange) {
+    return exchange.command == target && !Fails(exchange) && (!exchange.isFull || exchange.isLost);
+}
+
+/// Goes through what a queue of points from `next` on came to: all in order, or up to the first failure, which is followed
+/// by alarm and clear and nothing else. Returns the point to go on with.
+int FollowRun(Exchanges const& run, int next) {
+    for (std::size_t i = 0; i < run.size(); ++i) {
+        EXPECT_TRUE(run[i].command != target || run[i].firstAxis == next) << run[i].firstAxis << " instead of " << next;
+        next += IsTaken(run[i]) ? 1 : 0;
+        if (Fails(run[i])) {
+            EXPECT_EQ(run.size(), i + 3);
+            EXPECT_EQ(run[run.size() - 2].command, alarm);
+            EXPECT_EQ(run.back().command, clear);
+            return next;
         }
+        EXPECT_NE(run[i].command, alarm);
     }
-    EXPECT_EQ(Summary(session.Sent(expected.size())), expected);
+    return next;
+}
+
+TEST(TrajectoryMonitor, EveryLostReplyIsAFailure) {
+    constexpr int points = 1000;
+    ScratchFolder const folder;
+    simulator::ControllerOptions options;
+    options.timeScale = 0.0;
+    simulator::VirtualController controller("", options);
+    auto owned = std::make_unique<VirtualTransport>(controller);
+    auto& transport = *owned;
+    StatusInfo status;
+    NetworkManager network(std::move(owned), 1, 0, status);
+    network.SetLogging(false);
+    MotionManager manager(&network);
+    controller.WithFaults([](simulator::FaultInjector& faults) {
+        simulator::FaultPlan plan;
+        EXPECT_EQ(plan.Parse("seed=9,drop=5%"), "");
+        faults.SetPlan(plan);
+    });
+    auto const isOver = [](Exchanges const& run) {
+        return !run.empty() &&
+               (run.back().command == clear || (IsTaken(run.back()) && run.back().firstAxis == points - 1));
+    };
+    int failures = 0;
+    for (int next = 0; next < points && !HasFailure(); ++failures) {
+        controller.With([&](simulator::ControllerModel& model) {
+            EXPECT_EQ(failures == 0, !model.alarms.IsActive());
+            model.ResetAlarms();
+            model.SetServo(true);
+        });
+        while (manager.MotionStart().StatusCode != 0) {
+        }
+        transport.Hold();
+        for (int i = next; i < points; ++i) {
+            ASSERT_EQ(manager.AddPointToTrajectory(Point(i), {}, {}, {}).StatusCode, 0);
+        }
+        next = FollowRun(transport.Release(isOver), next);
+    }
+    EXPECT_GT(failures, points / 40);
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / "HarvlinkLog.txt"));
 }
 
