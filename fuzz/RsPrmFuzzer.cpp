@@ -1,0 +1,39 @@
+#include <sstream>
+
+#include "Session.h"
+
+// The reader of "RS.PRM", against the same reading by streams.
+
+using namespace harvlink;
+using namespace harvlink::fuzz;
+
+namespace {
+
+int Rs022Of(std::string const& text) {
+    std::istringstream items(text);
+    std::string item;
+    for (int i = 0; i < 5; ++i) {
+        if (!(items >> item)) {
+            return -1;
+        }
+    }
+    std::istringstream fields(item);
+    std::string field;
+    for (int i = 0; i < 3; ++i) {
+        if (!std::getline(fields, field, ',')) {
+            return -1;
+        }
+    }
+    return field == "1" ? 1 : 0;
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    static Session session(2);
+    std::string text(Input(data, size).TakeText());
+    std::ranges::replace(text, '\0', ' ');
+    session.Face(BlocksOf(text));
+    Require(session.robot.GetRS22StateFromFile() == Rs022Of(text), "the third field of the fifth item");
+    return 0;
+}

@@ -1,0 +1,133 @@
+#include "Session.h"
+
+#include <ctime>
+
+#include "harvlink/ControllerStateInterface.h"
+
+// Nothing is gained by waiting for a controller that is made up: the few pauses of the library pass at once.
+extern "C" int __wrap_nanosleep(timespec const*, timespec*);
+extern "C" int __wrap_nanosleep(timespec const*, timespec*) {
+    return 0;
+}
+
+namespace harvlink::fuzz {
+namespace {
+
+constexpr std::size_t requestIdOffset = offsetof(CommonHeader, requestId);
+
+simulator::ControllerOptions OptionsOf(std::uint8_t generation) {
+    simulator::ControllerOptions options{.generation = static_cast<ControllerVersion>(generation % 6)};
+    options.groups = {{ControlGroupId::R1, 6}, {ControlGroupId::B1, 1}, {ControlGroupId::S1, 2}};
+    options.toolCount = 2;
+    options.timeScale = 0.0;
+    return options;
+}
+
+} // namespace
+
+Answers TakeAnswers(Input& input) {
+    Answers answers;
+    while (!input.IsEmpty()) {
+        auto const kind = static_cast<Answer::Kind>(input.Take<std::uint8_t>() % 4);
+        auto const offset = input.Take<std::uint16_t>();
+        auto const bytes = input.TakeBytes(input.Take<std::uint16_t>());
+        answers.push_back({kind, offset, {bytes.begin(), bytes.end()}});
+    }
+    return answers;
+}
+
+Answer Block(std::uint32_t number, SubHeaderForReceiving subHeader, std::span<std::byte const> text) {
+    IncomingPacket<std::array<std::byte, FileBlockSize>> packet{.subHeader = subHeader};
+    packet.header.blockNumber = number;
+    auto const length = std::min(text.size(), FileBlockSize);
+    std::copy_n(text.begin(), length, packet.payload.begin());
+    auto const bytes = packet.Bytes().first(HeaderSize + length);
+    return {Answer::Kind::Raw, 0, {bytes.begin(), bytes.end()}};
+}
+
+Answers BlocksOf(std::string_view text) {
+    Answers blocks;
+    do {
+        auto const piece = text.substr(0, FileBlockSize);
+        text.remove_prefix(piece.size());
+        auto const number = static_cast<std::uint32_t>(blocks.size() + 1) | (text.empty() ? LastBlockFlag : 0);
+        blocks.push_back(Block(number, {}, std::as_bytes(std::span(piece))));
+    } while (!text.empty());
+    return blocks;
+}
+
+void Transport::Send(Division division, std::span<std::byte const> datagram) {
+    Require(datagram.size() >= HeaderSize, "a request has a header");
+    CommonHeader header;
+    std::memcpy(&header, datagram.data(), sizeof(header));
+    Require(header.magic == CommonHeader{}.magic && header.headerSize == HeaderSize, "a request is of the protocol");
+    Require(header.division == division, "a request goes to the port of its division");
+    Require(header.payloadSize + HeaderSize == datagram.size(), "a request is as long as it says");
+    lastId = datagram[requestIdOffset];
+    sent.emplace_back(datagram.begin(), datagram.end());
+    honestAnswer.clear();
+    bool const isAsked = isHonest || (!answers.empty() && answers.front().kind <= Answer::Kind::Cut);
+    auto const port = division == Division::FileControl ? simulator::Port::File : simulator::Port::Robot;
+    if (isAsked && controller.Handle(port, 1, datagram, reply) != nullptr && !reply.IsSuppressed()) {
+        if (losses % 2 == 0) {
+            honestAnswer.assign(reply.Bytes().begin(), reply.Bytes().end());
+        }
+        losses >>= 1U;
+    }
+}
+
+std::size_t Transport::Receive(std::span<std::byte> buffer, timeval) {
+    auto const answer = Next();
+    auto const length = std::min(answer.size(), buffer.size());
+    std::copy_n(answer.begin(), length, buffer.begin());
+    return length;
+}
+
+Bytes Transport::Next() {
+    if (isHonest) {
+        return std::exchange(honestAnswer, {});
+    }
+    if (answers.empty()) {
+        return {};
+    }
+    auto [kind, offset, bytes] = std::move(answers.front());
+    answers.pop_front();
+    if (kind == Answer::Kind::Raw && bytes.size() > requestIdOffset) {
+        bytes[requestIdOffset] = lastId;
+    }
+    if (kind == Answer::Kind::Cut) {
+        honestAnswer.resize(std::min<std::size_t>(offset, honestAnswer.size()));
+    }
+    for (std::size_t i = 0; kind == Answer::Kind::Bent && i < bytes.size() && offset + i < honestAnswer.size(); ++i) {
+        honestAnswer[offset + i] ^= bytes[i];
+    }
+    return kind <= Answer::Kind::Cut ? std::exchange(honestAnswer, {}) : bytes;
+}
+
+Session::Session(std::uint8_t generation, std::optional<Answers> answers)
+    : controller("127.0.0.1", OptionsOf(generation)), robot(MakeTransport(std::move(answers)), 0, 0, false, status) {}
+
+std::unique_ptr<DatagramTransport> Session::MakeTransport(std::optional<Answers> answers) {
+    auto made = std::make_unique<Transport>(controller);
+    transport = made.get();
+    if (answers) {
+        Face(std::move(*answers));
+    }
+    return made;
+}
+
+void Session::Face(Answers answers) {
+    transport->sent.clear();
+    transport->isHonest = false;
+    transport->answers = std::move(answers);
+}
+
+void Session::RequireUsable() {
+    transport->isHonest = true;
+    transport->losses = 0;
+    ControllerStateData state;
+    Require(robot.Status->ReadState(state).StatusCode == 0, "the next operation works");
+    Require(state.controlMode == ControllerStateData::ControlMode::Remote, "the next operation reads the truth");
+}
+
+} // namespace harvlink::fuzz

@@ -1,0 +1,71 @@
+#include <regex>
+#include <set>
+
+#include "Session.h"
+#include "connection/SystemFileParser.h"
+#include "harvlink/ControlGroupInterface.h"
+
+// The reader of "SYSTEM.SYS", and the control groups that a connection learns from it. What a line names is compared with
+// the regular expressions for which the reader's patterns stand.
+
+using namespace harvlink;
+using namespace harvlink::fuzz;
+
+namespace {
+
+std::optional<ControlGroupId> GroupOf(std::string const& line) {
+    static std::regex const robot("R([1-8])");
+    static std::regex const station("S([1-9])");
+    std::smatch match;
+    if (std::regex_search(line, match, robot)) {
+        return static_cast<ControlGroupId>(std::stoi(match[1]));
+    }
+    if (std::regex_search(line, match, station)) {
+        return static_cast<ControlGroupId>(20 + std::stoi(match[1]));
+    }
+    return std::nullopt;
+}
+
+std::set<ControlGroupId> GroupsOf(std::string const& text) {
+    static std::regex const base("B[1-8A-Z]");
+    SystemFileParser parser(text);
+    std::set<ControlGroupId> groups{ControlGroupId::R1, ControlGroupId::B1, ControlGroupId::S1};
+    std::vector<std::string> lines;
+    parser.GetSection("SERVO POWER", lines);
+    for (auto const& line : lines) {
+        if (auto const group = GroupOf(line)) {
+            groups.insert(*group);
+        }
+    }
+    auto const robots = std::ranges::count_if(groups, [](auto group) { return group <= ControlGroupId::R8; });
+    parser.GetSection("ROBOT NAME", lines);
+    for (std::size_t i = 0; i < lines.size() && i < static_cast<std::size_t>(robots); ++i) {
+        if (std::regex_search(lines[i], base)) {
+            groups.insert(static_cast<ControlGroupId>(11 + i));
+        }
+    }
+    return groups;
+}
+
+bool IsAttached(Session& session, int group) {
+    PositionData position;
+    auto const status = session.robot.ControlGroup->ReadPositionData(static_cast<ControlGroupId>(group),
+                                                                     CoordinateType::Pulse, 0, 0, position);
+    return status.StatusCode != static_cast<int>(ErrorStatusCodes::ControlGroupNotAttached);
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    std::string text(Input(data, size).TakeText());
+    std::ranges::replace(text, '\0', ' ');
+    Session session(3);
+    session.Face(BlocksOf(text));
+    Require(session.robot.GetAttachedControlGroups(), "a file that came whole is read");
+    auto const groups = GroupsOf(text);
+    for (int group = 0; group <= 45; ++group) {
+        bool const isExpected = groups.contains(static_cast<ControlGroupId>(group));
+        Require(IsAttached(session, group) == isExpected, "the groups that the file names, and no other");
+    }
+    return 0;
+}

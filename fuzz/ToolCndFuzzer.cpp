@@ -1,0 +1,20 @@
+#include <iterator>
+#include <sstream>
+
+#include "Session.h"
+
+// The reader of "TOOL.CND", against the same reading by streams.
+
+using namespace harvlink;
+using namespace harvlink::fuzz;
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    static Session session(3);
+    std::string text(Input(data, size).TakeText());
+    std::ranges::replace(text, '\0', ' ');
+    session.Face(BlocksOf(text));
+    std::istringstream stream(text);
+    auto const tools = std::count(std::istream_iterator<std::string>(stream), {}, "//TOOL");
+    Require(session.robot.GetNumberOfToolFiles() == tools, "as many tools as the file has sections of one");
+    return 0;
+}

@@ -1,0 +1,26 @@
+#include "Input.h"
+#include "InputError.h"
+#include "TrajectoryFile.h"
+#include "motion/MotionStep.h"
+
+// Trajectory files of the command line tool. A point that it accepts is one that the library takes.
+
+using namespace harvlink;
+using namespace harvlink::fuzz;
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    try {
+        auto const points = cli::ParseTrajectory("path.csv", Input(data, size).TakeText());
+        Require(!points.empty(), "a trajectory has a point");
+        for (auto const& point : points) {
+            cli::CheckMotion(point);
+            MotionStep step;
+            StatusInfo status;
+            Require(step.SetTarget(point, TargetControlGroup{}, status), "the library takes the point");
+            Require(step.groups.count() == 1, "a point moves its group");
+        }
+    } catch (cli::InputError const& error) {
+        Require(std::string_view(error.what()).starts_with("path.csv:"), "an error tells the file");
+    }
+    return 0;
+}

@@ -1,0 +1,46 @@
+#include "Csv.h"
+#include "Input.h"
+#include "InputError.h"
+#include "VariableFile.h"
+
+// Comma separated values, and the files of variables that are made of them: what is written is what is read.
+
+using namespace harvlink;
+using namespace harvlink::fuzz;
+using namespace harvlink::cli;
+
+namespace {
+
+constexpr char const* file = "variables.csv";
+
+std::string Format(std::vector<CsvRow> const& rows) {
+    std::string text = "#\n"; // keeps a byte order mark in the first cell from being one
+    for (auto const& row : rows) {
+        for (std::size_t i = 0; i < row.cells.size(); ++i) {
+            text += (i == 0 ? "" : ",") + CsvCell(row.cells[i]);
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+template <typename Parse, typename Write>
+void CheckRoundTrip(Parse const& parse, Write const& write, std::string_view text) {
+    std::string written;
+    try {
+        written = write(parse(file, text));
+    } catch (InputError const& error) {
+        Require(std::string_view(error.what()).starts_with("variables.csv:"), "an error tells the file");
+        return;
+    }
+    Require(write(parse(file, written)) == written, "what was written is read as it was");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    auto const text = Input(data, size).TakeText();
+    CheckRoundTrip(ParseCsv, Format, text);
+    CheckRoundTrip(ParseVariableFile, FormatVariableFile, text);
+    return 0;
+}

@@ -1,0 +1,2 @@
+[variables.S]
+4 = "hello"

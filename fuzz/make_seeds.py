@@ -1,0 +1,78 @@
+#!/usr/bin/env python3
+"""Writes the committed corpora of the fuzzers whose input is binary. Texts in fuzz/corpus are edited by hand.
+
+Usage: fuzz/make_seeds.py [CAPTURE]     requests are taken from a capture of the tests' own traffic on the loopback:
+                                        tshark -i lo -f 'udp portrange 10040-10041' -w CAPTURE, while they run
+"""
+import struct
+import subprocess
+import sys
+from pathlib import Path
+
+CORPUS = Path(__file__).resolve().parent / "corpus"
+FS, YA = 2, 3
+HONEST = struct.pack("<BHH", 0, 0, 0)
+LAST_BLOCK = 0x80000000
+
+
+def write(fuzzer, name, content):
+    (CORPUS / fuzzer).mkdir(parents=True, exist_ok=True)
+    (CORPUS / fuzzer / name).write_bytes(content)
+
+
+def replies():
+    """Each group of operations, and after them the opening of a connection, over honest answers."""
+    arguments = [(1, 0, 0, 0, 1, 3), (1, 16, 1, 1, 2, 1), (21, 4, 2, 1, 110, 500)]  # group, type, bit, tool, index, size
+    for number in range(22):
+        for generation in (FS, YA):
+            for variant, values in enumerate(arguments):
+                answers = HONEST * (40 if number == 21 else 12)
+                content = struct.pack("<BBBBBBHH", number, generation, *values) + answers
+                write("replies", f"{number:02}-{generation}-{variant}", content)
+
+
+def plain_records():
+    position = struct.pack("<14i8d", 0, *[0] * 11, 0, 0, *[100.0] * 8)
+    motion = struct.pack("<i4x3di4x", 1, 10.0, 50.0, 50.0, 1) + position + struct.pack("<8d", *[1.0] * 8)
+    for family in range(9):
+        for type_ in (0, 3, 16):
+            fixed = struct.pack("<IIii", 1, 3, 1, type_) + motion + position + b"DEMO.JBI".ljust(40, b"\0")
+            write("plain_records", f"{family}-{type_}", struct.pack("<BB", family, YA) + fixed + HONEST * 12)
+
+
+def file_blocks():
+    for size, losses in ((0, 0), (1, 0), (479, 0), (480, 0), (1200, 0), (1200, 4), (958, 32)):
+        write("file_blocks", f"load-{size}-{losses}", struct.pack("<BI", 0, losses) + b"0123456789\r\n"[:11] * (size // 11)
+              + b"." * (size % 11))
+
+    def block(number, text, status=0, added=0):
+        return struct.pack("<IBBBBHHH", number, 0x96, status, 2 if added else 0, 0, added, 0, len(text)) + text
+
+    write("file_blocks", "save-one", b"\1" + block(LAST_BLOCK | 1, b"text\r\n"))
+    write("file_blocks", "save-three", b"\1" + block(1, b"a" * 479) + block(2, b"b\0c") + block(LAST_BLOCK | 3, b""))
+    write("file_blocks", "save-refused", b"\1" + block(1, b"a" * 479) + block(2, b"", 0x1F, 0xA001))
+
+
+def requests(capture):
+    """The requests in their order, some to a seed; a seed without any new kind of request is left out."""
+    fields = ["tshark", "-r", capture, "-T", "fields", "-e", "udp.dstport", "-e", "udp.payload"]
+    lines = subprocess.run(fields, capture_output=True, text=True, check=True).stdout.split()
+    sent = [(port, bytes.fromhex(payload)) for port, payload in zip(lines[::2], lines[1::2])
+            if port in ("10040", "10041") and payload.startswith(b"TROZ".hex()) and len(payload) >= 64]
+    seen = set()
+    for start in range(0, len(sent), 5):
+        some = sent[start:start + 5]
+        kinds = {(port, datagram[24:26], datagram[29], datagram[10], len(datagram)) for port, datagram in some}
+        if not kinds <= seen:
+            seen |= kinds
+            content = b"".join(struct.pack("<BH", int(port == "10041"), len(datagram)) + datagram
+                               for port, datagram in some)
+            write("requests", f"{start:05}", struct.pack("<B", YA) + content)
+
+
+if __name__ == "__main__":
+    replies()
+    plain_records()
+    file_blocks()
+    if len(sys.argv) > 1:
+        requests(sys.argv[1])
