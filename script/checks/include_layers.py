@@ -23,7 +23,7 @@ WIRE_FORMATS = re.compile(
     r"|position/\w+\.h$"
     r"|(variables|io|controller|files|motion|kinematics)/\w+Messages\.h$"
 )
-PUBLIC_ONLY = ["cli", "examples"]
+PUBLIC_ONLY = ["cli", "examples", "soak"]
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 
 
