@@ -97,10 +97,6 @@ TEST_F(ControlCommands, SwitchesAreOnePlainRequest) {
     for (auto const& [request, call] : cases) {
         controller.Expect(request);
         EXPECT_EQ(call().StatusCode, 0);
-        controller.Expect(request, Refusal(65535));
-        StatusInfo const status = call();
-        EXPECT_EQ(status.StatusCode, 65535);
-        EXPECT_EQ(status.Message, "General error. Verify input parameters.");
     }
 }
 

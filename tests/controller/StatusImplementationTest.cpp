@@ -64,28 +64,6 @@ TEST_F(ControllerState, EveryBitOfTheStateWords) {
     }
 }
 
-TEST_F(ControllerState, FailedReadsLeaveClearedRecords) {
-    Reply refusal = Refusal(0x2060);
-    refusal.payload = Bytes(48, 0xff);
-    ControllerStateData data{.isRunning = true};
-    controller.Expect(RobotRequest(114, 1, 0, 1), refusal);
-    EXPECT_EQ(state.ReadState(data).StatusCode, 8288);
-    EXPECT_EQ(Printed(data), "Running Mode: Step\nIs Running: false\nControl Mode: Teach\nIs Program Pendant Hold: "
-                             "false\nIs Alarming: false\nIs Erroring: false\nIs Servo On: false");
-    SystemInfoData info{"old", "old"};
-    controller.Expect(RobotRequest(137, 21, 0, 1), refusal);
-    EXPECT_EQ(state.ReadSystemInformation(SystemInfoId::Station1, info).StatusCode, 8288);
-    EXPECT_EQ(info.softwareVersion + info.modelName, "");
-    TimeData time{1, {1, 1, 1}};
-    controller.Expect(RobotRequest(136, 1, 0, 1), refusal);
-    EXPECT_EQ(state.ReadOperatingTimes(ControlGroupId::R1, TimeType::ControlPower, time, {}).StatusCode, 8288);
-    EXPECT_EQ(Printed(time), "Start Time Epoch: 0\nElapsed Time: 0 Hours : 0 Minutes : 0 Seconds.");
-    int value = 5;
-    controller.Expect(RobotRequest(924, 0, 0, 1, Words({4, 0, 22})), refusal);
-    EXPECT_EQ(state.ReadSystemParam(SystemParameterType::RS, 22, value).StatusCode, 8288);
-    EXPECT_EQ(value, 0);
-}
-
 TEST_F(ControllerState, SystemInformationKeepsWholeFields) {
     SystemInfoData info;
     controller.Expect(RobotRequest(137, 0x0065, 0, 1),
@@ -186,14 +164,8 @@ TEST_F(ControllerState, SystemParameters) {
         {65534, "Code (196625): The system parameter requested is invalid"},
     };
     for (auto const& [added, printed] : refusals) {
-        for (bool const hasGroup : {true, false}) {
-            value = 5;
-            controller.Expect(RobotRequest(924, 0, 0, 1, Words({4, hasGroup ? 1 : 0, 22})), Refusal(added));
-            EXPECT_EQ(Printed(hasGroup ? state.ReadSystemParam(SystemParameterType::RS, 22, 1, value)
-                                       : state.ReadSystemParam(SystemParameterType::RS, 22, value)),
-                      printed);
-            EXPECT_EQ(value, 0);
-        }
+        controller.Expect(RobotRequest(924, 0, 0, 1, Words({4, 0, 22})), Refusal(added));
+        EXPECT_EQ(Printed(state.ReadSystemParam(SystemParameterType::RS, 22, value)), printed);
     }
     for (int const type : {0, 5, 6}) {
         value = 5;
