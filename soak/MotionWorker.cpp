@@ -32,7 +32,7 @@ Motion RandomPoint(Random& random) {
     return motion;
 }
 
-bool IsTimeout(StatusInfo const& status) {
+bool IsMotionTimeout(StatusInfo const& status) {
     return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
 }
 
@@ -63,7 +63,7 @@ void MotionWorker::Visit() {
         WaitForStragglers();
         auto const status = Done(Family::Variables, robot->Variables->byteVariable->Read(0, got));
         if (status.StatusCode != 0) {
-            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+            return IsMotionTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
         bool const mayBeOld = options_.badNetwork;
         return got.value == value ? Answer::Right
@@ -218,7 +218,7 @@ void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& w
             Done(Family::ControlGroup,
                  robot.ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, got));
         if (status.StatusCode != 0) {
-            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
+            return IsMotionTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
         auto const image = ImageOfPosition(got);
         return image == ImageOfPosition(wanted)            ? Answer::Right

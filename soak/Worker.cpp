@@ -8,7 +8,7 @@ namespace harvlink::soak {
 
 namespace {
 
-constexpr int MostTries = 30;
+constexpr int MostWorkerTries = 30;
 constexpr int MostCuts = 5;
 
 } // namespace
@@ -39,7 +39,7 @@ StatusInfo Worker::Done(Family family, StatusInfo status) {
 bool Worker::Settle(std::string const& what, std::function<Answer()> const& ask,
                     std::function<std::string()> const& describe) {
     int cuts = 0;
-    for (int tries = 0; tries < MostTries; ++tries) {
+    for (int tries = 0; tries < MostWorkerTries; ++tries) {
         switch (ask()) {
         case Answer::Right:
             return true;
@@ -59,7 +59,7 @@ bool Worker::Settle(std::string const& what, std::function<Answer()> const& ask,
             return false;
         }
     }
-    Fail(fmt::format("{}: no answer in {} tries", what, MostTries));
+    Fail(fmt::format("{}: no answer in {} tries", what, MostWorkerTries));
     return false;
 }
 
