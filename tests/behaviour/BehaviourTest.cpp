@@ -326,7 +326,7 @@ TEST_F(Behaviour, TableHoldsEveryOperation) {
     };
     for (auto const& [header, plainName, namesForEachMethod, furtherNames] : headers) {
         std::size_t const methods = Count(ContentOf(root / "include/harvlink" / header), std::regex("\\) = 0;"));
-        auto const isOfThis = [&](std::string const& name) { return std::regex_match(name, plainName); };
+        auto const isOfThis = [&form = plainName](std::string const& name) { return std::regex_match(name, form); };
         EXPECT_EQ(static_cast<std::size_t>(std::ranges::count_if(names, isOfThis)),
                   methods * namesForEachMethod + furtherNames)
             << header;
