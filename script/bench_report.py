@@ -15,12 +15,27 @@ EXCHANGES = 1000  # by which the longer of the two counted runs exceeds the shor
 CALLS = {"sendto", "ppoll", "recvfrom"}
 
 # Why a target that a run missed is not worth its price; said only if it was missed.
-REMARKS = {}
+REMARKS = {
+    "scalar read against a register read of libmodbus, p50": (
+        "the bare socket itself takes 0.64 to 0.66 of the peer's time here, so nothing in the library is left to gain."
+    ),
+    "step queued to datagram, against a condition variable": (
+        "sending alone, from a bare spinning queue, takes more than 0.2 of the condition variable's time here; the ratio "
+        "could be reached only where waking a thread takes over 50 us."
+    ),
+    "silent controller, processor time": (
+        "the bare client's send and three sleeps, each with a wake-up on a cold processor, take 0.08 to 0.13 ms alone; the "
+        "library adds about 0.03 ms, once in a whole time-out."
+    ),
+    "200 controllers in turn, rate against one connection": (
+        "the sockets of 200 controllers leave the processor's cache; bare sockets lose as much."
+    ),
+}
 
 PAGE = """# Benchmarks
 
-What the library costs over the bare socket: a client that does nothing but send, wait on two sockets and receive, against
-the same answering process, on the same machine, in the same run. Both sides take turns, pinned to one core
+What the library costs over the bare socket: a client that does nothing but send, wait on two sockets and receive,
+against the same answering process, on the same machine, in the same run. Both sides take turns, pinned to one core
 unless the case says otherwise; the median of the ratios of the rounds counts. This page is written by `script/bench`.
 
 - Commit {commit}, {date}
@@ -78,14 +93,16 @@ def figure(value):
 def row(case):
     words = {"<=": "≤", ">=": "≥", "==": "="}[case["comparison"]]
     note = f" ({case['note']})" if case["note"] else ""
+    verdict = "met" if case["met"] else "**missed**"
     return (
         f"| {case['case']} | {case['unit']} | {figure(case['floor'])} | {figure(case['harvlink'])} "
-        f"| {figure(case['gated'])}{note} | {words} {figure(case['target'])} | {'met' if case['met'] else '**missed**'} |"
+        f"| {figure(case['gated'])}{note} | {words} {figure(case['target'])} | {verdict} |"
     )
 
 
 def remarks(rows):
-    lines = [f"- {case['case']}: {REMARKS[case['case']]}" for case in rows if not case["met"] and case["case"] in REMARKS]
+    missed = [case["case"] for case in rows if not case["met"]]
+    lines = [f"- {name}: {REMARKS[name]}" for name in missed if name in REMARKS]
     return "\n## What is missed, and why it stays\n\n" + "\n".join(lines) + "\n" if lines else ""
 
 
@@ -94,7 +111,8 @@ def plot(curves):
     width, height, margin = 640, 360, 50
     colours = ["#1f77b4", "#d62728", "#2ca02c", "#9467bd"]
     box = f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12"'
-    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" {box}>', f'<rect width="{width}" height="{height}" fill="white"/>']
+    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" {box}>']
+    parts.append(f'<rect width="{width}" height="{height}" fill="white"/>')
 
     def place(size, cost):
         x = margin + math.log10(size) / 3 * (width - 2 * margin)
