@@ -132,6 +132,21 @@ struct Case {
 
 class Behaviour : public testing::Test {
 protected:
+    /// Of a long row of exchanges of one command: the first, the second and the last stand for all.
+    static bool IsInTheMiddle(Script const& script, std::size_t step) {
+        unsigned const command = script[step].command;
+        return step > 1 && script[step - 2].command == command && step + 1 < script.size() &&
+               script[step + 1].command == command;
+    }
+
+    /// In memory if it can be: files are written over and over here, and a disk may be waited for each time.
+    static ScratchFolder MakeFolder() {
+        if (std::filesystem::is_directory("/dev/shm")) {
+            ::setenv("TMPDIR", "/dev/shm", 0);
+        }
+        return {};
+    }
+
     /// Stamps a case over each exchange of each operation, and looks whether the next one works.
     void ForEachExchange(std::function<void(Case const&)> const& stamp) {
         for (Operation const& operation : table) {
@@ -140,7 +155,7 @@ protected:
             robot.machine.Play(operation.script);
             Outcome const good = operation.call(robot);
             for (std::size_t step = 0; step < operation.script.size(); ++step) {
-                if (operation.script[step].isAnswered) {
+                if (operation.script[step].isAnswered && !IsInTheMiddle(operation.script, step)) {
                     SCOPED_TRACE(testing::Message() << "exchange " << step);
                     Case const example{operation, robot, step, good};
                     stamp(example);
@@ -150,7 +165,7 @@ protected:
         }
     }
 
-    ScratchFolder folder;
+    ScratchFolder folder = MakeFolder();
     Table table = AllOperations();
 };
 
