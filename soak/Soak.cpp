@@ -163,7 +163,7 @@ void Soak::RunRound(SteadyClock::duration duration) {
         thread.request_stop();
     }
     // Ends when all have ended, or not at all: then the watch ends the program.
-    std::jthread const watch([this](std::stop_token const& stop) {
+    std::jthread const watch([](std::stop_token const& stop) {
         for (auto const end = SteadyClock::now() + 2 * HangTime; !stop.stop_requested();) {
             std::this_thread::sleep_for(50ms);
             if (SteadyClock::now() > end) {

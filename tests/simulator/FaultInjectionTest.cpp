@@ -135,8 +135,8 @@ TEST(FaultInjection, IsSetByNameInTextAndScene) {
         };
         for (auto const& [plan, onRobotPort, onFilePort] :
              {Case{scene, 1, isOfTargets ? 0U : 1U}, Case{robotOnly, 1, 0}, Case{fileOnly, 0, isOfTargets ? 0U : 1U}}) {
-            auto const happened = [&](Bytes const& datagram, Port port) {
-                VirtualClient client({.faults = plan});
+            auto const happened = [&, &faultPlan = plan](Bytes const& datagram, Port port) {
+                VirtualClient client({.faults = faultPlan});
                 client.Send(datagram, port);
                 return client.controller.WithFaults(
                     [&](FaultInjector const& faults) { return faults.Happened(static_cast<Fault>(i)); });
