@@ -65,11 +65,13 @@ void MotionWorker::Visit() {
         if (status.StatusCode != 0) {
             return IsMotionTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
-        bool const mayBeOld = options_.badNetwork;
-        return got.value == value ? Answer::Right
-               : got.value == 0   ? Answer::Cut
-               : mayBeOld         ? Answer::LostWrite
-                                  : Answer::Wrong;
+        if (got.value == value) {
+            return Answer::Right;
+        }
+        if (options_.badNetwork) {
+            return Answer::LostWrite;
+        }
+        return got.value == 0 ? Answer::Cut : Answer::Wrong;
     };
     Settle("variable of a visit", ask, [&] { return fmt::format("{} instead of {}", got.value, value); });
 }

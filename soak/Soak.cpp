@@ -135,7 +135,7 @@ void Soak::MakeWorkers() {
 
 void Soak::RunRounds() {
     constexpr double most = 60.0;
-    constexpr double roundsOfShortRun = 6.0;
+    double const roundsOfShortRun = options_.badNetwork ? 3.0 : 6.0; // each ends with its slowest step
     auto const total = std::chrono::duration<double>(options_.minutes * 60.0);
     auto const rounds = std::max(roundsOfShortRun, std::ceil(total.count() / most));
     auto const duration = std::chrono::duration_cast<SteadyClock::duration>(total / rounds);

@@ -68,8 +68,11 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
             ledger_.Note(Survived::CutAnswer);
             return Answer::Right; // the answer that was cut is the one that the write began with
         }
+        // Once, the value from before may also be an empty answer.
+        auto const reason = Compare(kind, before, wanted, got);
+        bool const isDoubtful = reason == Answer::LostWrite && got != last;
         last = got;
-        return Compare(kind, before, wanted, got);
+        return isDoubtful ? Answer::Cut : reason;
     };
     Settle(what, ask, [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(wanted)); });
 }
@@ -99,13 +102,11 @@ Answer ValuesWorker::Read(ValueKind const& kind, unsigned index, WireImage& got)
 /// What a successful write has come to that does not read as it was written.
 Answer ValuesWorker::Compare(ValueKind const& kind, WireImage const& before, WireImage const& wanted,
                              WireImage const& got) const {
-    if (IsCut(kind, wanted, got)) {
-        return Answer::Cut;
-    }
     if (options_.badNetwork && (got == before || (kind.isPiecewise && IsMixture(before, wanted, got)))) {
         return Answer::LostWrite;
     }
-    return options_.badNetwork && IsCut(kind, before, got) ? Answer::Cut : Answer::Wrong;
+    bool const isCut = IsCut(kind, wanted, got) || (options_.badNetwork && IsCut(kind, before, got));
+    return isCut ? Answer::Cut : Answer::Wrong;
 }
 
 } // namespace harvlink::soak
