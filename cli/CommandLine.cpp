@@ -35,6 +35,8 @@ void AddCommands(CLI::App& app, Session& session) {
     AddControlCommands(app, session);
     AddMotionCommands(app, session);
     AddKinematicsCommands(app, session);
+    AddWatchCommand(app, session);
+    AddSnapshotCommands(app, session);
 }
 
 int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {

@@ -20,4 +20,8 @@ void AddControlCommands(CLI::App& app, Session& session);
 void AddMotionCommands(CLI::App& app, Session& session);
 void AddKinematicsCommands(CLI::App& app, Session& session);
 
+// What several interfaces take part in.
+void AddWatchCommand(CLI::App& app, Session& session);
+void AddSnapshotCommands(CLI::App& app, Session& session);
+
 } // namespace harvlink::cli

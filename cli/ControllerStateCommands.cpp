@@ -9,22 +9,17 @@
 
 #include "Commands.h"
 #include "Help.h"
+#include "ParameterText.h"
 #include "PositionText.h"
 #include "Rows.h"
 #include "Session.h"
+#include "StateText.h"
 #include "Text.h"
 #include "harvlink/ControllerStateInterface.h"
 
 namespace harvlink::cli {
 
 namespace {
-
-constexpr std::array<Named<CycleMode>, 3> CycleNames{
-    {{"step", CycleMode::Step}, {"cycle", CycleMode::Cycle}, {"automatic", CycleMode::Automatic}}};
-
-using ControlMode = ControllerStateData::ControlMode;
-constexpr std::array<Named<ControlMode>, 3> ModeNames{
-    {{"teach", ControlMode::Teach}, {"play", ControlMode::Play}, {"remote", ControlMode::Remote}}};
 
 constexpr std::array<Named<SystemInfoId>, 19> InfoNames{{{"robot1", SystemInfoId::Robot1},
                                                          {"robot2", SystemInfoId::Robot2},
@@ -58,38 +53,10 @@ constexpr std::array<Named<TimeType>, 11> TimeNames{{{"control-power", TimeType:
                                                      {"moving-station", TimeType::MovingStation},
                                                      {"application", TimeType::Application}}};
 
-constexpr std::array<Named<SystemParameterType>, 7> ParameterNames{{{"S1C", SystemParameterType::S1C},
-                                                                    {"S2C", SystemParameterType::S2C},
-                                                                    {"S3C", SystemParameterType::S3C},
-                                                                    {"S4C", SystemParameterType::S4C},
-                                                                    {"RS", SystemParameterType::RS},
-                                                                    {"S1E", SystemParameterType::S1E},
-                                                                    {"S2E", SystemParameterType::S2E}}};
-
 SystemInfoId ParseInfoId(std::string const& text) {
     bool const isNumber = !text.empty() && text[0] >= '0' && text[0] <= '9';
     return isNumber ? static_cast<SystemInfoId>(ParseNumber<std::uint16_t>(text, "system information number"))
                     : ParseName(InfoNames, text, "system information");
-}
-
-struct Parameter {
-    std::string name;
-    SystemParameterType type{};
-    int number = 0;
-};
-
-// "S2C430", or "11:33" for a family without a name.
-Parameter ParseParameter(std::string const& text) {
-    std::size_t const colon = text.find(':');
-    if (colon != std::string::npos) {
-        int const type = ParseNumber<int>(std::string_view(text).substr(0, colon), "parameter type");
-        return {text, static_cast<SystemParameterType>(type),
-                ParseNumber<int>(std::string_view(text).substr(colon + 1), "parameter number")};
-    }
-    std::size_t const letters = text.size() > 1 && (text[1] == 's' || text[1] == 'S') ? 2 : 3;
-    std::string_view const family = std::string_view(text).substr(0, letters);
-    SystemParameterType const type = ParseName(ParameterNames, family, "family of parameters");
-    return {text, type, ParseNumber<int>(std::string_view(text).substr(family.size()), "parameter number")};
 }
 
 StatusInfo ShowInformation(QuorvanController& robot, Output& output, std::vector<SystemInfoId> const& ids) {
@@ -128,13 +95,7 @@ StatusInfo ShowState(QuorvanController& robot, Output& output) {
     ControllerStateData state;
     StatusInfo status = robot.Status->ReadState(state);
     if (status.StatusCode == 0) {
-        output.Show(Json{{"mode", NameOf(ModeNames, state.controlMode)},
-                         {"cycle", NameOf(CycleNames, state.cycleMode)},
-                         {"running", state.isRunning},
-                         {"hold", state.isProgramPendantHold},
-                         {"alarm", state.isAlarming},
-                         {"error", state.isErroring},
-                         {"servo_on", state.isServoOn}});
+        output.Show(StateJson(state));
     }
     return status;
 }

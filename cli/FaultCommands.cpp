@@ -9,6 +9,7 @@
 #include "Commands.h"
 #include "Help.h"
 #include "Session.h"
+#include "StateText.h"
 #include "Text.h"
 #include "harvlink/FaultInterface.h"
 
@@ -30,11 +31,9 @@ Json AlarmRows(std::span<AlarmData const> alarms) {
     for (std::size_t place = 0; place < alarms.size(); ++place) {
         AlarmData const& alarm = alarms[place];
         if (alarm.code != 0) {
-            rows.push_back({{"place", place + 1},
-                            {"code", alarm.code},
-                            {"subcode", alarm.subcode},
-                            {"time", TrimField(alarm.time)},
-                            {"name", TrimField(alarm.name)}});
+            Json row{{"place", place + 1}};
+            row.update(AlarmJson(alarm));
+            rows.push_back(row);
         }
     }
     return rows;

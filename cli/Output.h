@@ -43,6 +43,9 @@ public:
     /// Whether somebody watches who would like to see progress.
     bool Interactive() const;
 
+    /// Whether standard output may be coloured.
+    bool HasColour() const { return colour_; }
+
     Console& console() { return console_; }
 
 private:

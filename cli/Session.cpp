@@ -78,9 +78,14 @@ int Session::Confirm(std::string const& consequence) {
     return ExitStatus::Failure;
 }
 
+Connection Session::Open(StatusInfo& status) const {
+    CheckHost();
+    return Connect(host_, status, timeoutMilliseconds_, retries_, logging_);
+}
+
 int Session::RunConnected(ConnectedPlan const& plan) {
     StatusInfo status;
-    Connection const connection = Connect(host_, status, timeoutMilliseconds_, retries_, logging_);
+    Connection const connection = Open(status);
     if (connection) {
         status = plan(*connection, output_);
     }

@@ -36,6 +36,15 @@ public:
     /// Plans work that needs no controller. It returns the exit status.
     void Locally(LocalPlan plan) { plan_ = std::move(plan); }
 
+    /// Opens a connection as the options say, for plans that end by an exit status of their own. Empty on failure. Throws
+    /// InputError if no host is given.
+    Connection Open(StatusInfo& status) const;
+
+    /// Throws InputError if no host is given.
+    void CheckHost() const;
+
+    std::string const& host() const { return host_; }
+
     /// Whether the library writes motion failures that have no caller to its log file.
     void EnableLogging() { logging_ = true; }
 
@@ -46,7 +55,6 @@ public:
 private:
     int Confirm(std::string const& consequence);
     int RunConnected(ConnectedPlan const& plan);
-    void CheckHost() const;
 
     Output& output_;
     LocalPlan plan_;

@@ -1,0 +1,108 @@
+#include "snapshot/Capture.h"
+
+#include <algorithm>
+#include <ctime>
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include "FileNames.h"
+#include "InputError.h"
+#include "Interrupt.h"
+#include "Text.h"
+#include "VariableText.h"
+#include "harvlink/ControllerStateInterface.h"
+#include "snapshot/FileReader.h"
+#include "snapshot/ParameterRange.h"
+#include "snapshot/Source.h"
+#include "snapshot/TableReaders.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace {
+
+struct SectionReader {
+    std::string_view section;
+    void (*read)(Source&, Snapshot&);
+};
+
+// Groups come first: the parameters go by them.
+constexpr std::array<SectionReader, 5> SectionReaders{{{"groups", ReadGroups},
+                                                       {"variables", ReadVariables},
+                                                       {"signals", ReadSignals},
+                                                       {"registers", ReadRegisters},
+                                                       {"parameters", ReadParameters}}};
+
+void ReadController(Source& source, Snapshot& snapshot) {
+    SystemInfoData data;
+    StatusInfo const status = source.Ask(
+        "model and software", [&] { return source.robot.Status->ReadSystemInformation(SystemInfoId::Robot1, data); });
+    if (status.StatusCode != 0) {
+        snapshot.missing.push_back({std::string(ControllerSection), status});
+        return;
+    }
+    std::string const software = TrimField(data.softwareVersion);
+    snapshot.controller = {
+        {"model", TrimField(data.modelName)}, {"software", software}, {"generation", software.substr(0, 2)}};
+}
+
+// What was not come to at all is missing too.
+void ReadSection(Source& source, Snapshot& snapshot, SectionReader const& reader) {
+    if (!snapshot.selection.Has(reader.section)) {
+        return;
+    }
+    if (source.IsGone()) {
+        snapshot.missing.push_back({std::string(reader.section), source.Reason()});
+        return;
+    }
+    reader.read(source, snapshot);
+}
+
+} // namespace
+
+Snapshot Capture(QuorvanController& robot, std::string const& host, Selection const& selection, Output& output,
+                 std::filesystem::path const& scratch) {
+    Interrupt const interrupt;
+    Progress progress(output);
+    Source source(robot, progress, interrupt);
+    Snapshot snapshot{.host = host,
+                      .created = fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time(nullptr))),
+                      .selection = selection,
+                      .controller = {},
+                      .tables = {},
+                      .files = {},
+                      .missing = {}};
+    ReadController(source, snapshot);
+    for (SectionReader const& reader : SectionReaders) {
+        ReadSection(source, snapshot, reader);
+    }
+    if (selection.Has(FilesSection)) {
+        ReadFiles(source, snapshot, scratch);
+    }
+    return snapshot;
+}
+
+void Check(Selection const& selection) {
+    for (std::string const& section : selection.sections) {
+        bool const isTable = std::any_of(TableKinds.begin(), TableKinds.end(),
+                                         [&](TableKind const& kind) { return kind.section == section; });
+        if (!isTable && section != FilesSection) {
+            throw InputError(fmt::format("'{}' is no section; there are: groups, variables, signals, registers, "
+                                         "parameters, files",
+                                         section));
+        }
+    }
+    for (std::string const& range : selection.variables) {
+        ParseVariableRange(range);
+    }
+    for (std::string const& range : selection.parameters) {
+        ParseParameterRange(range);
+    }
+    for (std::string const& glob : selection.files) {
+        if (KindsOf(glob).empty()) {
+            throw InputError(fmt::format("'{}' is no kind of file; there are JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
+        }
+    }
+}
+
+} // namespace harvlink::cli::snapshot

@@ -1,0 +1,161 @@
+#include <filesystem>
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <fmt/color.h>
+#include <fmt/format.h>
+
+#include "Help.h"
+#include "InputError.h"
+#include "Session.h"
+#include "Text.h"
+#include "snapshot/Capture.h"
+#include "snapshot/Difference.h"
+#include "snapshot/Folder.h"
+#include "snapshot/SnapshotCommands.h"
+#include "snapshot/Staging.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace {
+
+namespace filesystem = std::filesystem;
+
+constexpr char const* Live = "live";
+
+// As diff(1) has them.
+constexpr int Same = 0;
+constexpr int Different = 1;
+constexpr int Trouble = 2;
+
+constexpr char const* DiffNotes =
+    "Each of the two is the folder of a snapshot or the word live, the controller of --host, of which the same\n"
+    "is read as the other has. A folder of that name is given as ./live.\n"
+    "Exit status: 0 the same, 1 different, 2 something could not be compared.";
+
+struct DiffArguments {
+    std::string before;
+    std::string after;
+};
+
+Json LinesJson(std::vector<LineChange> const& lines) {
+    Json rows = Json::array();
+    for (LineChange const& line : lines) {
+        rows.push_back({{"sign", std::string(1, line.sign)}, {"line", line.line}, {"text", line.text}});
+    }
+    return rows;
+}
+
+Json DifferenceJson(Difference const& difference) {
+    Json changes = Json::array();
+    for (Change const& change : difference.changes) {
+        Json row{{"section", change.section},
+                 {"name", change.name},
+                 {"before", change.before ? Json(*change.before) : Json()},
+                 {"after", change.after ? Json(*change.after) : Json()}};
+        if (change.section == FilesSection) {
+            row["lines"] = LinesJson(change.lines);
+        }
+        changes.push_back(row);
+    }
+    return {{"same", difference.IsSame()},
+            {"changes", changes},
+            {"incomplete", difference.incomplete},
+            {"only_in_one", difference.notTaken}};
+}
+
+std::string Text(LineChange const& line, bool hasColour) {
+    std::string const text = fmt::format("    {}{}  {}", line.sign, line.line, Printable(line.text));
+    fmt::terminal_color const colour = line.sign == '-' ? fmt::terminal_color::red : fmt::terminal_color::green;
+    return hasColour ? fmt::format(fmt::fg(colour), "{}", text) : text;
+}
+
+void ShowForPeople(std::ostream& out, Difference const& difference, bool hasColour) {
+    std::string section;
+    for (Change const& change : difference.changes) {
+        if (change.section != section) {
+            section = change.section;
+            out << section << '\n';
+        }
+        out << fmt::format("  {}  {} -> {}\n", Printable(change.name), Printable(change.before.value_or("(none)")),
+                           Printable(change.after.value_or("(none)")));
+        for (LineChange const& line : change.lines) {
+            out << Text(line, hasColour) << '\n';
+        }
+    }
+    out << (difference.IsSame() ? "no difference\n" : "") << std::flush;
+}
+
+void ShowNotes(Output& output, Difference const& difference) {
+    for (std::string const& section : difference.notTaken) {
+        output.console().err << fmt::format("harvlink: only one of them has {}, which were not compared\n", section);
+    }
+    for (std::string const& section : difference.incomplete) {
+        output.Problem(fmt::format("{} were not read completely; only what both have was compared", section));
+    }
+}
+
+bool ReadLive(Session const& session, Output& output, Selection const& selection, Snapshot& snapshot) {
+    StatusInfo status;
+    Connection const connection = session.Open(status);
+    if (!connection) {
+        output.Failure(status);
+        return false;
+    }
+    ScratchFolder const scratch(filesystem::temp_directory_path());
+    snapshot = Capture(*connection, session.host(), selection, output, scratch.Path() / "transfer");
+    for (Missing const& part : snapshot.missing) {
+        output.Failure(part.status, part.what);
+    }
+    return true;
+}
+
+int Diff(Session const& session, Output& output, DiffArguments const& arguments) {
+    bool const isBeforeLive = arguments.before == Live;
+    bool const isAfterLive = arguments.after == Live;
+    Snapshot before = isBeforeLive ? Snapshot{} : Read(arguments.before);
+    Snapshot after = isAfterLive ? Snapshot{} : Read(arguments.after);
+    if ((isBeforeLive && !ReadLive(session, output, after.selection, before)) ||
+        (isAfterLive && !ReadLive(session, output, before.selection, after))) {
+        return Trouble;
+    }
+    Difference const difference = Compare(before, after);
+    if (output.json) {
+        output.Show(DifferenceJson(difference));
+    } else {
+        ShowForPeople(output.console().out, difference, output.HasColour());
+    }
+    ShowNotes(output, difference);
+    return !difference.incomplete.empty() ? Trouble : difference.IsSame() ? Same : Different;
+}
+
+} // namespace
+
+void AddDiff(CLI::App& family, Session& session) {
+    auto arguments = std::make_shared<DiffArguments>();
+    CLI::App* const verb = family.add_subcommand("diff", "Tell what has changed from one snapshot to another");
+    verb->add_option("A", arguments->before, "Folder of the former snapshot, or live")->required();
+    verb->add_option("B", arguments->after, "Folder of the latter snapshot, or live")->required();
+    SetExamples(*verb, {"snapshot diff cell3 live", "snapshot diff monday tuesday --json"}, DiffNotes);
+    verb->callback([arguments, &session] {
+        bool const isLive = arguments->before == Live || arguments->after == Live;
+        if (arguments->before == Live && arguments->after == Live) {
+            throw InputError("live and live are the same controller; name the folder of a snapshot");
+        }
+        if (isLive) {
+            session.CheckHost();
+        }
+        session.Locally([arguments, &session](Output& output) {
+            try {
+                return Diff(session, output, *arguments);
+            } catch (std::exception const& error) {
+                output.Problem(error.what());
+                return Trouble;
+            }
+        });
+    });
+}
+
+} // namespace harvlink::cli::snapshot

@@ -1,0 +1,127 @@
+#include "snapshot/Folder.h"
+
+#include <algorithm>
+#include <fstream>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include "Csv.h"
+#include "InputError.h"
+#include "snapshot/Manifest.h"
+#include "snapshot/SafeName.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace {
+
+namespace filesystem = std::filesystem;
+
+constexpr char const* ManifestName = "snapshot.json";
+constexpr char const* AttributesName = ".gitattributes";
+// Jobs end their lines in CR LF, and a restored one must still do so.
+constexpr char const* Attributes = "# Keeps git from changing line ends.\n* -text\n";
+
+std::string TableFile(std::string_view section) {
+    return fmt::format("{}.csv", section);
+}
+
+void WriteFile(filesystem::path const& path, std::string const& text) {
+    std::ofstream file(path, std::ios::binary);
+    file << text << std::flush;
+    if (!file) {
+        throw std::runtime_error(fmt::format("can't write {}", path.string()));
+    }
+}
+
+std::string TableText(TableKind const& kind, Table const& table) {
+    std::string text = fmt::format("{},{}\n", kind.name, kind.value);
+    for (Entry const& entry : table) {
+        text += fmt::format("{},{}\n", CsvCell(entry.name), CsvCell(entry.value));
+    }
+    return text;
+}
+
+Table ReadTable(filesystem::path const& path) {
+    std::vector<CsvRow> rows = ParseCsv(path.string(), ReadTextFile(path.string()));
+    if (rows.empty()) {
+        throw InputError(fmt::format("{}:1: the header line is missing", path.string()));
+    }
+    rows.erase(rows.begin());
+    Table table;
+    ForEachRow(path.string(), rows, [&](CsvRow const& row) {
+        if (row.cells.size() != 2) {
+            throw InputError(fmt::format("{} cells instead of 2", row.cells.size()));
+        }
+        table.push_back({row.cells[0], row.cells[1]});
+    });
+    return table;
+}
+
+void ReadFiles(filesystem::path const& folder, Snapshot& snapshot) {
+    if (!filesystem::exists(folder)) {
+        return; // git keeps no empty folders
+    }
+    for (auto const& entry : filesystem::directory_iterator(folder)) {
+        if (entry.is_regular_file()) {
+            snapshot.files[OriginalName(entry.path().filename().string())] = ReadTextFile(entry.path().string());
+        }
+    }
+}
+
+} // namespace
+
+void Write(Snapshot const& snapshot, filesystem::path const& folder) {
+    for (TableKind const& kind : TableKinds) {
+        auto const table = snapshot.tables.find(kind.section);
+        if (table != snapshot.tables.end()) {
+            WriteFile(folder / TableFile(kind.section), TableText(kind, table->second));
+        }
+    }
+    if (snapshot.HasSection(FilesSection)) {
+        filesystem::create_directory(folder / FilesSection);
+    }
+    for (auto const& [name, contents] : snapshot.files) {
+        WriteFile(folder / FilesSection / SafeName(name), contents);
+    }
+    WriteFile(folder / AttributesName, Attributes);
+    WriteFile(folder / ManifestName, ManifestJson(snapshot).dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+Snapshot Read(filesystem::path const& folder) {
+    filesystem::path const path = folder / ManifestName;
+    if (!IsSnapshot(folder)) {
+        throw InputError(fmt::format("{} is no snapshot: it has no {}", folder.string(), ManifestName));
+    }
+    try {
+        Snapshot snapshot = ParseManifest(Json::parse(ReadTextFile(path.string())));
+        for (auto& [section, table] : snapshot.tables) {
+            table = ReadTable(folder / TableFile(section));
+        }
+        if (snapshot.HasSection(FilesSection)) {
+            ReadFiles(folder / FilesSection, snapshot);
+        }
+        return snapshot;
+    } catch (std::exception const& error) {
+        throw InputError(fmt::format("can't read the snapshot {}: {}", folder.string(), error.what()));
+    }
+}
+
+bool IsSnapshot(filesystem::path const& folder) {
+    std::error_code ignored;
+    return filesystem::is_regular_file(folder / ManifestName, ignored);
+}
+
+filesystem::path ForeignEntry(filesystem::path const& folder) {
+    for (auto const& entry : filesystem::directory_iterator(folder)) {
+        std::string const name = entry.path().filename().string();
+        bool const isTable = std::any_of(TableKinds.begin(), TableKinds.end(),
+                                         [&](TableKind const& kind) { return TableFile(kind.section) == name; });
+        if (!isTable && name != ManifestName && name != AttributesName && name != FilesSection) {
+            return entry.path();
+        }
+    }
+    return {};
+}
+
+} // namespace harvlink::cli::snapshot

@@ -1,0 +1,110 @@
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "CommandLine.h"
+#include "FileNames.h"
+#include "Help.h"
+#include "Session.h"
+#include "VariableText.h"
+#include "snapshot/Capture.h"
+#include "snapshot/Folder.h"
+#include "snapshot/Manifest.h"
+#include "snapshot/SnapshotCommands.h"
+#include "snapshot/Staging.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace {
+
+namespace filesystem = std::filesystem;
+
+constexpr char const* SaveNotes =
+    "The folder is written beside its place and moved there when all is read; on Ctrl-C it is dropped. What the\n"
+    "controller did not give is named, and the exit status is 1; if that would replace a snapshot, it goes to\n"
+    "FOLDER.incomplete instead. Variables, signals, registers and parameters are read from their first number to\n"
+    "the first that the controller refuses, parameters to 999 at most.";
+
+struct SaveArguments {
+    std::string folder;
+    Selection selection;
+    bool force = false;
+};
+
+filesystem::path IncompletePlace(filesystem::path const& place) {
+    return place.string() + ".incomplete";
+}
+
+bool WasInterrupted(Snapshot const& snapshot) {
+    return !snapshot.missing.empty() &&
+           snapshot.missing.back().status.StatusCode == static_cast<int>(ErrorStatusCodes::OperationInterrupted);
+}
+
+void ShowMissing(Output& output, Snapshot const& snapshot) {
+    for (Missing const& part : snapshot.missing) {
+        output.Failure(part.status, part.what);
+    }
+}
+
+void ShowSaved(Output& output, Snapshot const& snapshot, filesystem::path const& place) {
+    Json document{{"path", place.string()}, {"complete", snapshot.IsComplete()}};
+    document["entries"] = ManifestJson(snapshot)["entries"];
+    output.Show(document);
+}
+
+StatusInfo Save(QuorvanController& robot, std::string const& host, Output& output, SaveArguments const& arguments) {
+    filesystem::path place = CheckTarget(arguments.folder, arguments.force);
+    ScratchFolder const scratch(place.parent_path());
+    Snapshot const snapshot = Capture(robot, host, arguments.selection, output, scratch.Path() / "transfer");
+    ShowMissing(output, snapshot);
+    if (WasInterrupted(snapshot) || snapshot.IsEmpty()) {
+        output.Problem("nothing was written");
+        return {};
+    }
+    if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {
+        place = CheckTarget(IncompletePlace(place), true);
+    }
+    filesystem::path const finished = scratch.Path() / "finished";
+    filesystem::create_directory(finished);
+    Write(snapshot, finished);
+    MoveInto(finished, place, scratch);
+    ShowSaved(output, snapshot, place);
+    return {};
+}
+
+} // namespace
+
+void AddSave(CLI::App& family, Session& session) {
+    auto arguments = std::make_shared<SaveArguments>();
+    CLI::App* const verb =
+        family.add_subcommand("save", "Read all that a controller keeps into a folder of text files");
+    verb->add_option("FOLDER", arguments->folder, "Folder to write; it may be new, empty or, with --force, a snapshot")
+        ->required();
+    Selection& selection = arguments->selection;
+    verb->add_option("--only", selection.sections,
+                     "Sections: groups, variables, signals, registers, parameters, files (default: all)")
+        ->type_name("SECTION");
+    verb->add_option("--var", selection.variables, "Variables and ranges, such as B0..B99 (default: all)");
+    verb->add_option("--param", selection.parameters, "Parameters and ranges, such as RS0..RS299 (default: all)");
+    verb->add_option("--files", selection.files, "Names and globs of files (default: all)");
+    verb->add_flag("--force", arguments->force, "Replace an existing snapshot");
+    SetExamples(
+        *verb,
+        {"snapshot save cell3", "snapshot save cell3 --force", "snapshot save jobs --only files --files '*.JBI'"},
+        SaveNotes);
+    verb->callback([arguments, &session] {
+        Check(arguments->selection);
+        filesystem::path const place = CheckTarget(arguments->folder, arguments->force);
+        if (filesystem::exists(IncompletePlace(place))) {
+            CheckTarget(IncompletePlace(place), true);
+        }
+        session.OnConnection([arguments, &session](QuorvanController& robot, Output& output) {
+            return Save(robot, session.host(), output, *arguments);
+        });
+    });
+}
+
+} // namespace harvlink::cli::snapshot

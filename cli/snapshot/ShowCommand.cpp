@@ -1,0 +1,107 @@
+#include <algorithm>
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "CommandLine.h"
+#include "Help.h"
+#include "InputError.h"
+#include "Session.h"
+#include "snapshot/Folder.h"
+#include "snapshot/Manifest.h"
+#include "snapshot/SnapshotCommands.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace {
+
+struct ShowArguments {
+    std::string folder;
+    std::string section;
+};
+
+Json TableJson(Table const& table, std::string_view name, std::string_view value) {
+    Json rows = Json::array();
+    for (Entry const& entry : table) {
+        rows.push_back({{std::string(name), entry.name}, {std::string(value), entry.value}});
+    }
+    return rows;
+}
+
+Json FilesJson(Snapshot const& snapshot) {
+    Json rows = Json::array();
+    for (auto const& [name, contents] : snapshot.files) {
+        rows.push_back({{"name", name}, {"bytes", contents.size()}});
+    }
+    return rows;
+}
+
+// A manifest also says how to take it again, which is of no use for people.
+Json Summary(Snapshot const& snapshot, bool json) {
+    Json summary = ManifestJson(snapshot);
+    if (!json) {
+        for (char const* const key : {"format", "format_version", "tool", "selection"}) {
+            summary.erase(key);
+        }
+        if (snapshot.IsComplete()) {
+            summary.erase("missing");
+        }
+    }
+    return summary;
+}
+
+void ShowFile(Output& output, Snapshot const& snapshot, std::string const& name) {
+    auto const file = snapshot.files.find(name);
+    if (file == snapshot.files.end()) {
+        throw InputError(fmt::format("the snapshot has no file {}", name));
+    }
+    if (output.json) {
+        output.Show(Json{{"name", name}, {"contents", file->second}});
+    } else {
+        output.console().out << file->second << std::flush;
+    }
+}
+
+void ShowSection(Output& output, Snapshot const& snapshot, std::string const& section) {
+    auto const kind = std::find_if(TableKinds.begin(), TableKinds.end(),
+                                   [&](TableKind const& candidate) { return candidate.section == section; });
+    auto const table = snapshot.tables.find(section);
+    if (kind != TableKinds.end() && table != snapshot.tables.end()) {
+        output.Show(TableJson(table->second, kind->name, kind->value));
+    } else if (section == FilesSection && snapshot.HasSection(section)) {
+        output.Show(FilesJson(snapshot));
+    } else {
+        throw InputError(fmt::format("the snapshot has no section {}", section));
+    }
+}
+
+int Show(Output& output, ShowArguments const& arguments) {
+    constexpr std::string_view FilePrefix = "files/";
+    Snapshot const snapshot = Read(arguments.folder);
+    if (arguments.section.empty()) {
+        output.Show(Summary(snapshot, output.json));
+    } else if (arguments.section.starts_with(FilePrefix)) {
+        ShowFile(output, snapshot, arguments.section.substr(FilePrefix.size()));
+    } else {
+        ShowSection(output, snapshot, arguments.section);
+    }
+    return ExitStatus::Success;
+}
+
+} // namespace
+
+void AddShow(CLI::App& family, Session& session) {
+    auto arguments = std::make_shared<ShowArguments>();
+    CLI::App* const verb = family.add_subcommand("show", "Show a snapshot, one of its sections or one of its files");
+    verb->add_option("FOLDER", arguments->folder, "Folder of the snapshot")->required();
+    verb->add_option("SECTION", arguments->section,
+                     "groups, variables, signals, registers, parameters, files, or files/NAME");
+    SetExamples(*verb, {"snapshot show cell3", "snapshot show cell3 variables", "snapshot show cell3 files/MAIN.JBI"});
+    verb->callback(
+        [arguments, &session] { session.Locally([arguments](Output& output) { return Show(output, *arguments); }); });
+}
+
+} // namespace harvlink::cli::snapshot

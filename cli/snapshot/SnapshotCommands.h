@@ -1,0 +1,17 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace harvlink::cli {
+class Session;
+}
+
+namespace harvlink::cli::snapshot {
+
+void AddSave(CLI::App& family, Session& session);
+void AddDiff(CLI::App& family, Session& session);
+void AddShow(CLI::App& family, Session& session);
+
+} // namespace harvlink::cli::snapshot

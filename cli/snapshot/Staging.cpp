@@ -1,0 +1,77 @@
+#include "snapshot/Staging.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "InputError.h"
+#include "snapshot/Folder.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace filesystem = std::filesystem;
+
+ScratchFolder::ScratchFolder(filesystem::path const& parent) {
+    std::string name = (parent / ".harvlink-snapshot-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) {
+        throw InputError(fmt::format("can't write into {}: {}", parent.string(), std::strerror(errno)));
+    }
+    path_ = name;
+}
+
+ScratchFolder::~ScratchFolder() {
+    std::error_code ignored;
+    filesystem::remove_all(path_, ignored);
+}
+
+filesystem::path CheckTarget(filesystem::path const& target, bool force) {
+    filesystem::path place = filesystem::weakly_canonical(filesystem::absolute(target));
+    if (!place.has_filename()) {
+        place = place.parent_path();
+    }
+    std::string const name = place.string();
+    if (!filesystem::is_directory(place.parent_path())) {
+        throw InputError(fmt::format("{} does not exist", place.parent_path().string()));
+    }
+    if (!filesystem::exists(place)) {
+        return place;
+    }
+    if (!filesystem::is_directory(place)) {
+        throw InputError(fmt::format("{} exists and is no folder", name));
+    }
+    if (filesystem::is_empty(place)) {
+        return place;
+    }
+    if (!IsSnapshot(place)) {
+        throw InputError(fmt::format("{} exists and is no snapshot; it was left alone", name));
+    }
+    if (filesystem::path const foreign = ForeignEntry(place); !foreign.empty()) {
+        throw InputError(fmt::format("{} is no part of a snapshot and would be lost; save into a folder of its own",
+                                     foreign.string()));
+    }
+    if (!force) {
+        throw InputError(fmt::format("{} is a snapshot already; give --force to replace it", name));
+    }
+    return place;
+}
+
+void MoveInto(filesystem::path const& finished, filesystem::path const& target, ScratchFolder const& scratch) {
+    filesystem::path const former = scratch.Path() / "former";
+    bool const isReplaced = filesystem::exists(target);
+    if (isReplaced) {
+        filesystem::rename(target, former);
+    }
+    std::error_code error;
+    filesystem::rename(finished, target, error);
+    if (error && isReplaced) {
+        filesystem::rename(former, target);
+    }
+    if (error) {
+        throw filesystem::filesystem_error("the snapshot can't be moved to its place", target, error);
+    }
+}
+
+} // namespace harvlink::cli::snapshot

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+
+namespace harvlink::cli::snapshot {
+
+/// A folder of our own in `parent`, gone at the end of the scope with all that is still in it.
+class ScratchFolder {
+public:
+    /// Throws InputError if nothing can be written there.
+    explicit ScratchFolder(std::filesystem::path const& parent);
+    ScratchFolder(ScratchFolder const&) = delete;
+    ScratchFolder& operator=(ScratchFolder const&) = delete;
+    ~ScratchFolder();
+
+    std::filesystem::path const& Path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// The place of a snapshot, without links and closing slashes. Throws InputError if it can't be one: its parent does not
+/// exist, or it is there and is not empty, unless it is a snapshot with nothing else in it and `force` is given.
+std::filesystem::path CheckTarget(std::filesystem::path const& target, bool force);
+
+/// Moves a finished folder to its place. What was there is moved into `scratch` first, and back if the move fails.
+void MoveInto(std::filesystem::path const& finished, std::filesystem::path const& target, ScratchFolder const& scratch);
+
+} // namespace harvlink::cli::snapshot

@@ -1,0 +1,60 @@
+#include "watch/Feed.h"
+
+#include <cstdint>
+#include <stdexcept>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace harvlink::cli::watch {
+
+Feed::Feed(Reader& reader, std::chrono::milliseconds interval) : reader_(reader), interval_(interval) {
+    if (pipe2(wake_.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+        throw std::runtime_error("no pipe for the pictures");
+    }
+    thread_ = std::thread([this] { Run(); });
+}
+
+Feed::~Feed() {
+    {
+        std::lock_guard const lock(mutex_);
+        hasEnded_ = true;
+    }
+    reader_.Stop();
+    ended_.notify_one();
+    thread_.join();
+    for (int const end : wake_) {
+        close(end);
+    }
+}
+
+std::optional<Frame> Feed::Take() {
+    std::lock_guard const lock(mutex_);
+    char byte = 0;
+    [[maybe_unused]] ssize_t const taken = read(wake_[0], &byte, 1);
+    if (failure_) {
+        std::rethrow_exception(failure_);
+    }
+    return std::exchange(newest_, std::nullopt);
+}
+
+void Feed::Run() {
+    std::unique_lock lock(mutex_);
+    do {
+        lock.unlock();
+        std::optional<Frame> frame;
+        std::exception_ptr failure;
+        try {
+            frame = reader_.Look();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        lock.lock();
+        newest_ = std::move(frame);
+        failure_ = failure;
+        [[maybe_unused]] ssize_t const told = write(wake_[1], "", 1);
+    } while (!failure_ && !ended_.wait_for(lock, interval_, [this] { return hasEnded_; }));
+}
+
+} // namespace harvlink::cli::watch

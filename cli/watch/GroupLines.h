@@ -1,0 +1,12 @@
+#pragma once
+
+#include <vector>
+
+#include "watch/Layout.h"
+
+namespace harvlink::cli::watch {
+
+/// Positions and torque of a control group as a small table, an axis to a column.
+std::vector<Line> GroupLines(GroupFrame const& group, std::size_t columns);
+
+} // namespace harvlink::cli::watch

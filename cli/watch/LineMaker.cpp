@@ -1,0 +1,67 @@
+#include "watch/LineMaker.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include <fmt/format.h>
+
+namespace harvlink::cli::watch {
+
+namespace {
+
+constexpr std::size_t Gap = 3;
+
+} // namespace
+
+std::string ScreenText(std::string_view text) {
+    std::string printable(text);
+    std::replace_if(
+        printable.begin(), printable.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
+    return printable;
+}
+
+Span FailureSpan(StatusInfo const& status) {
+    std::ostringstream text;
+    text << status;
+    return {ScreenText(text.str()), Style::Bad};
+}
+
+std::size_t WidthOf(Line const& line) {
+    std::size_t width = 0;
+    for (Span const& span : line) {
+        width += span.text.size();
+    }
+    return width;
+}
+
+Line Clip(Line line, std::size_t columns) {
+    std::size_t left = columns;
+    for (Span& span : line) {
+        span.text.resize(std::min(span.text.size(), left));
+        left -= span.text.size();
+    }
+    return line;
+}
+
+std::vector<Line> Flow(std::string_view label, std::vector<Line> const& items, std::size_t columns) {
+    std::size_t width = 0;
+    for (Line const& item : items) {
+        width = std::max(width, WidthOf(item));
+    }
+    std::size_t const room = columns > LabelWidth ? columns - LabelWidth : 0;
+    std::size_t const perLine = std::max<std::size_t>(1, (room + Gap) / (width + Gap));
+    std::vector<Line> lines;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i % perLine == 0) {
+            lines.push_back({{fmt::format("{:<{}}", i == 0 ? label : "", LabelWidth), Style::Faint}});
+        }
+        Line& line = lines.back();
+        line.insert(line.end(), items[i].begin(), items[i].end());
+        if (i % perLine + 1 < perLine && i + 1 < items.size()) {
+            line.push_back({std::string(width + Gap - WidthOf(items[i]), ' ')});
+        }
+    }
+    return lines;
+}
+
+} // namespace harvlink::cli::watch

@@ -1,0 +1,112 @@
+#include "watch/Screen.h"
+
+#include <array>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+#include <curses.h>
+#include <fmt/format.h>
+
+#include "InputError.h"
+
+namespace harvlink::cli::watch {
+
+namespace {
+
+constexpr int Escape = 27;
+
+struct Look {
+    Style style;
+    attr_t attributes;
+    short colour; ///< -1 for that of the terminal
+};
+
+constexpr std::array<Look, 6> Looks{{{Style::Normal, A_NORMAL, -1},
+                                     {Style::Title, A_BOLD, -1},
+                                     {Style::Faint, A_DIM, -1},
+                                     {Style::Good, A_NORMAL, COLOR_GREEN},
+                                     {Style::Warning, A_NORMAL, COLOR_YELLOW},
+                                     {Style::Bad, A_BOLD, COLOR_RED}}};
+
+void PrepareColours() {
+    start_color();
+    use_default_colors();
+    for (std::size_t i = 0; i < Looks.size(); ++i) {
+        init_pair(static_cast<short>(i + 1), Looks.at(i).colour, -1);
+    }
+}
+
+} // namespace
+
+/// The one at which curses draws, until its end.
+struct Screen::Terminal {
+    explicit Terminal(SCREEN* opened) : screen(opened) {}
+    Terminal(Terminal const&) = delete;
+    Terminal& operator=(Terminal const&) = delete;
+    ~Terminal() {
+        endwin();
+        delscreen(screen);
+    }
+
+    SCREEN* screen;
+};
+
+Screen::Screen(bool hasColours) : hasColours_(hasColours) {
+    std::setlocale(LC_CTYPE, "");
+    SCREEN* const screen = newterm(nullptr, stdout, stdin);
+    if (screen == nullptr) {
+        char const* const type = std::getenv("TERM");
+        throw InputError(fmt::format("can't draw on a terminal of type '{}'; set TERM, or give --once for plain text",
+                                     type == nullptr ? "" : type));
+    }
+    terminal_ = std::make_unique<Terminal>(screen);
+    cbreak();
+    noecho();
+    keypad(stdscr, TRUE);
+    nodelay(stdscr, TRUE);
+    set_escdelay(25);
+    curs_set(0);
+    hasColours_ = hasColours_ && has_colors();
+    if (hasColours_) {
+        PrepareColours();
+    }
+}
+
+Screen::~Screen() = default;
+
+Size Screen::GetSize() const {
+    return {static_cast<std::size_t>(getmaxy(stdscr)), static_cast<std::size_t>(getmaxx(stdscr))};
+}
+
+void Screen::Draw(std::vector<Line> const& lines) {
+    werase(stdscr);
+    for (std::size_t row = 0; row < lines.size(); ++row) {
+        wmove(stdscr, static_cast<int>(row), 0);
+        for (Span const& span : lines[row]) {
+            auto const look = static_cast<std::size_t>(span.style);
+            wattr_set(stdscr, Looks.at(look).attributes, static_cast<short>(hasColours_ ? look + 1 : 0), nullptr);
+            waddnstr(stdscr, span.text.c_str(), static_cast<int>(span.text.size()));
+        }
+    }
+    wrefresh(stdscr);
+}
+
+Screen::Key Screen::ReadKey() {
+    while (true) {
+        switch (wgetch(stdscr)) {
+        case 'q':
+        case 'Q':
+        case Escape:
+            return Key::Quit;
+        case KEY_RESIZE:
+            return Key::Resize;
+        case ERR:
+            return Key::None;
+        default:
+            break;
+        }
+    }
+}
+
+} // namespace harvlink::cli::watch

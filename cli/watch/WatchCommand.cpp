@@ -1,0 +1,160 @@
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <poll.h>
+#include <unistd.h>
+
+#include "Commands.h"
+#include "Help.h"
+#include "InputError.h"
+#include "Interrupt.h"
+#include "PositionText.h"
+#include "Session.h"
+#include "watch/Feed.h"
+#include "watch/FrameJson.h"
+#include "watch/Layout.h"
+#include "watch/Reader.h"
+#include "watch/Screen.h"
+
+namespace harvlink::cli::watch {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::size_t PlainColumns = 80;
+
+constexpr char const* WatchNotes =
+    "Key q or Ctrl-C quits. Nothing on the controller is changed by a key, by design; but opening the\n"
+    "connection clears the motion targets of a controller from generation YA up, as every command does: do not\n"
+    "start it while another program moves the arm. When the controller stops answering, that is shown, and it is\n"
+    "asked again until it answers. With --json a line is printed for each look.";
+
+struct WatchArguments {
+    std::vector<std::string> groups{"R1"};
+    std::vector<std::string> variables;
+    std::vector<std::string> signals;
+    unsigned interval = 250;
+    bool once = false;
+};
+
+Selection ParseSelection(WatchArguments const& arguments) {
+    Selection selection;
+    for (std::string const& name : arguments.groups) {
+        selection.groups.push_back(ParseGroup(name));
+    }
+    for (std::string const& name : arguments.variables) {
+        std::vector<VariableAddress> const range = ParseVariableRange(name);
+        selection.variables.insert(selection.variables.end(), range.begin(), range.end());
+    }
+    for (std::string const& name : arguments.signals) {
+        selection.signals.push_back(ParseSignal(name));
+    }
+    return selection;
+}
+
+StatusInfo ShowOnce(Reader& reader, Output& output) {
+    Frame const& frame = reader.Look();
+    if (frame.lost) {
+        return *frame.lost;
+    }
+    if (output.json) {
+        output.ShowEvent(FrameJson(frame), "");
+    } else {
+        output.console().out << PlainText(frame, PlainColumns) << std::flush;
+    }
+    return {};
+}
+
+StatusInfo ShowLines(Reader& reader, Output& output, milliseconds interval) {
+    Interrupt const interrupt;
+    do {
+        output.ShowEvent(FrameJson(reader.Look()), "");
+    } while (output.console().out && !interrupt.Wait(interval));
+    return {};
+}
+
+// Until a key, a signal, a new picture or another size of the window; false if there is no reason to go on. A change of
+// size may come just before the wait, so that this is not longer than people wait for one.
+bool WaitForNews(Interrupt const& interrupt, Feed const& feed) {
+    constexpr int Patience = 250;
+    std::array<pollfd, 3> sources{
+        {{interrupt.Descriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}, {feed.Descriptor(), POLLIN, 0}}};
+    if (poll(sources.data(), sources.size(), Patience) < 0) {
+        return errno == EINTR;
+    }
+    bool const isTerminalGone = (sources[1].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+    return sources[0].revents == 0 && !isTerminalGone;
+}
+
+StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
+    Interrupt const interrupt;
+    Feed feed(reader, interval);
+    // Behind the feed, whose end may have to wait: the terminal comes back first.
+    Screen screen(output.HasColour());
+    Frame frame;
+    while (WaitForNews(interrupt, feed)) {
+        Screen::Key const key = screen.ReadKey();
+        if (key == Screen::Key::Quit) {
+            break;
+        }
+        std::optional<Frame> const newest = feed.Take();
+        frame = newest.value_or(frame);
+        if (frame.number > 0 && (newest || key == Screen::Key::Resize)) {
+            screen.Draw(LayOut(frame, screen.GetSize()));
+        }
+    }
+    return {};
+}
+
+void CheckTerminal(WatchArguments const& arguments, Output& output) {
+    Console const& console = output.console();
+    if (!arguments.once && !output.json && !(console.inputIsTerminal && console.outputIsTerminal)) {
+        throw InputError("watch draws on a terminal, and this is none; give --once for one picture as text, or --json "
+                         "for a line of each look");
+    }
+}
+
+} // namespace
+
+} // namespace harvlink::cli::watch
+
+namespace harvlink::cli {
+
+void AddWatchCommand(CLI::App& app, Session& session) {
+    auto arguments = std::make_shared<watch::WatchArguments>();
+    CLI::App* const verb = app.add_subcommand("watch", "Show state, positions, alarms and chosen values, live");
+    verb->add_option("--group", arguments->groups, "Control groups")->capture_default_str();
+    verb->add_option("--var", arguments->variables, "Variables and ranges, such as B5 S4 P12 B0..B9");
+    verb->add_option("--io", arguments->signals, "Signals, such as 10010 or general-output:1");
+    verb->add_option("--interval", arguments->interval, "Milliseconds between two looks")
+        ->check(CLI::Range(1U, 3'600'000U))
+        ->type_name("MS")
+        ->capture_default_str();
+    verb->add_flag("--once", arguments->once, "Print one picture as text and end; no terminal is needed");
+    SetExamples(*verb, {"watch", "watch --group R1 S1 --var B0..B9 D0 --io 10010 general-input:1", "watch --once"},
+                watch::WatchNotes);
+    verb->callback([arguments, &session] {
+        watch::Selection const selection = watch::ParseSelection(*arguments);
+        watch::CheckTerminal(*arguments, session.output());
+        session.OnConnection([arguments, selection, &session](QuorvanController& robot, Output& output) {
+            watch::Reader reader(robot, session.host(), selection);
+            StatusInfo const prepared = reader.Prepare();
+            std::chrono::milliseconds const interval(arguments->interval);
+            if (prepared.StatusCode != 0) {
+                return prepared;
+            }
+            return arguments->once ? watch::ShowOnce(reader, output)
+                   : output.json   ? watch::ShowLines(reader, output, interval)
+                                   : watch::ShowOnScreen(reader, output, interval);
+        });
+    });
+}
+
+} // namespace harvlink::cli
