@@ -1,22 +1,52 @@
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "Session.h"
 #include "harvlink/FileInterface.h"
 
-// The blocks by which files move. An even first byte loads a text to an honest controller and fetches it again while
-// answers get lost; an odd one fetches a file whose blocks say what the input wants.
+// The blocks by which files move. The first byte chooses: a text, or a file of this computer, is loaded to an honest
+// controller and fetched again while answers get lost; or a file is fetched whose blocks say what the input wants.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
 
 namespace {
 
-void LoadAndSave(Session& session, Input& input) {
+struct Folder {
+    Folder() {
+        auto name = (std::filesystem::temp_directory_path() / "harvlink-fuzz-XXXXXX").string();
+        path = ::mkdtemp(name.data());
+    }
+    Folder(Folder const&) = delete;
+    Folder& operator=(Folder const&) = delete;
+    ~Folder() { std::filesystem::remove_all(path); }
+
+    std::filesystem::path path;
+};
+
+void LoadAndSave(Session& session, Input& input, bool isOnDisk) {
+    static Folder const folder;
+    std::string const loadPath = folder.path / "FUZZ.DAT";
+    std::string const savePath = folder.path / "saved";
     session.transport->losses = input.Take<std::uint32_t>();
     std::string const text(input.TakeText());
     auto& files = *session.robot.Files;
     std::string saved;
-    bool const isLoaded = files.LoadToControllerFromString("FUZZ.DAT", text).StatusCode == 0;
-    bool const isSaved = files.SaveFromControllerToString("FUZZ.DAT", saved).StatusCode == 0;
-    if (isLoaded && isSaved && !text.empty() && text.find('\0') == std::string::npos) {
+    StatusInfo loading;
+    StatusInfo saving;
+    if (isOnDisk) {
+        std::ofstream(loadPath, std::ios::binary) << text;
+        loading = files.LoadToControllerFromPath(loadPath);
+        saving = files.SaveFromControllerToFile("FUZZ.DAT", savePath, true);
+        std::ifstream stream(savePath, std::ios::binary);
+        saved.assign(std::istreambuf_iterator<char>(stream), {});
+    } else {
+        loading = files.LoadToControllerFromString("FUZZ.DAT", text);
+        saving = files.SaveFromControllerToString("FUZZ.DAT", saved);
+    }
+    bool const isWhole = loading.StatusCode == 0 && saving.StatusCode == 0;
+    if (isWhole && !text.empty() && text.find('\0') == std::string::npos) {
         Require(saved == text, "what was loaded is what is saved");
     }
 }
@@ -38,8 +68,7 @@ Expected TakeBlocks(Input& input, Answers& answers) {
         if (isOver) {
             continue;
         }
-        bool const isGood = (subHeader.status == 0 && subHeader.addedStatusSize == 0) ||
-                            (subHeader.status == 0 && subHeader.addedStatus == 0);
+        bool const isGood = subHeader.status == 0 && (subHeader.addedStatusSize == 0 || subHeader.addedStatus == 0);
         if (isGood) {
             std::string_view const text(reinterpret_cast<char const*>(bytes.data()),
                                         std::min(bytes.size(), FileBlockSize));
@@ -73,8 +102,9 @@ void SaveHostile(Session& session, Input& input) {
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     Session session(3);
-    if (input.Take<std::uint8_t>() % 2 == 0) {
-        LoadAndSave(session, input);
+    auto const road = input.Take<std::uint8_t>() % 3;
+    if (road < 2) {
+        LoadAndSave(session, input, road == 1);
     } else {
         SaveHostile(session, input);
     }

@@ -60,6 +60,7 @@ CircularMotion MotionOf(Arguments const& with) {
     motion.controlGroup = static_cast<ControlGroupId>(with.group);
     motion.moveType = static_cast<MoveInterpolationType>(with.bit % 4);
     motion.speed = with.tool + 1.0;
+    motion.accelerationRatio = with.size % 100;
     motion.position = PositionOf(with);
     return motion;
 }

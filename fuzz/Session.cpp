@@ -110,6 +110,7 @@ Session::Session(std::uint8_t generation, std::optional<Answers> answers)
 std::unique_ptr<DatagramTransport> Session::MakeTransport(std::optional<Answers> answers) {
     auto made = std::make_unique<Transport>(controller);
     transport = made.get();
+    controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
     if (answers) {
         Face(std::move(*answers));
     }

@@ -22,7 +22,10 @@ def write(fuzzer, name, content):
 
 def replies():
     """Each group of operations, and after them the opening of a connection, over honest answers."""
-    arguments = [(1, 0, 0, 0, 1, 3), (1, 16, 1, 1, 2, 1), (21, 4, 2, 1, 110, 500)]  # group, type, bit, tool, index, size
+    arguments = [  # group, type, bit, tool, index, size
+        (1, 0, 0, 0, 1, 3), (1, 16, 1, 1, 2, 50), (21, 4, 2, 1, 110, 501), (1, 1, 3, 1, 1001, 25), (1, 3, 4, 0, 2701, 99),
+        (2, 17, 5, 1, 11, 64),
+    ]
     for number in range(22):
         for generation in (FS, YA):
             for variant, values in enumerate(arguments):
@@ -42,15 +45,16 @@ def plain_records():
 
 def file_blocks():
     for size, losses in ((0, 0), (1, 0), (479, 0), (480, 0), (1200, 0), (1200, 4), (958, 32)):
-        write("file_blocks", f"load-{size}-{losses}", struct.pack("<BI", 0, losses) + b"0123456789\r\n"[:11] * (size // 11)
-              + b"." * (size % 11))
+        for road in (0, 1):
+            content = struct.pack("<BI", road, losses) + b"0123456789\n" * (size // 11) + b"." * (size % 11)
+            write("file_blocks", f"load-{road}-{size}-{losses}", content)
 
     def block(number, text, status=0, added=0):
         return struct.pack("<IBBBBHHH", number, 0x96, status, 2 if added else 0, 0, added, 0, len(text)) + text
 
-    write("file_blocks", "save-one", b"\1" + block(LAST_BLOCK | 1, b"text\r\n"))
-    write("file_blocks", "save-three", b"\1" + block(1, b"a" * 479) + block(2, b"b\0c") + block(LAST_BLOCK | 3, b""))
-    write("file_blocks", "save-refused", b"\1" + block(1, b"a" * 479) + block(2, b"", 0x1F, 0xA001))
+    write("file_blocks", "save-one", b"\2" + block(LAST_BLOCK | 1, b"text\r\n"))
+    write("file_blocks", "save-three", b"\2" + block(1, b"a" * 479) + block(2, b"b\0c") + block(LAST_BLOCK | 3, b""))
+    write("file_blocks", "save-refused", b"\2" + block(1, b"a" * 479) + block(2, b"", 0x1F, 0xA001))
 
 
 def requests(capture):

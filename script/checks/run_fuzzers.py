@@ -18,7 +18,8 @@ PROJECT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("HARVLINK_FUZZ_BUILD", PROJECT / "build" / "fuzz"))
 PREFIX = "harvlink_fuzz_"
 LONGEST_INPUT = 8192
-GRACE = 120  # seconds beyond its time after which a fuzzer counts as hung
+PATIENCE = 100  # seconds for one input: much, because a busy machine is no fault
+GRACE = 300  # seconds beyond its time after which a fuzzer counts as hung
 ENVIRONMENT = dict(
     os.environ,
     ASAN_OPTIONS="detect_stack_use_after_return=1:strict_string_checks=1:allocator_may_return_null=0",
@@ -37,7 +38,7 @@ def command(name, seconds, corpus):
         str(corpus),
         f"-max_total_time={seconds}",
         f"-max_len={LONGEST_INPUT}",
-        "-timeout=10",
+        f"-timeout={PATIENCE}",
         "-rss_limit_mb=2048",
         "-print_final_stats=1",
         f"-artifact_prefix={BUILD}/crashes/{name}-",
