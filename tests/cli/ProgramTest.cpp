@@ -1,58 +1,22 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <future>
-#include <memory>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "CommandLine.h"
 #include "Output.h"
-#include "simulator/Server.h"
-#include "support/LoopbackAddress.h"
+#include "ToolTest.h"
 #include "support/ScratchFolder.h"
-#include "wire/CommandNumber.h"
 
 namespace harvlink::cli {
 namespace {
 
 using simulator::ControllerModel;
-using simulator::Server;
-using simulator::VirtualController;
 using test::ScratchFolder;
-
-using Arguments = std::vector<std::string>;
-
-struct Result {
-    int exit = 0;
-    std::string out;
-    std::string err;
-};
-
-Arguments Words(std::string const& line) {
-    std::istringstream stream(line);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
-Result RunTool(std::string const& line, std::string const& answer = "", bool isTerminal = false) {
-    Arguments arguments = Words(line);
-    std::vector<char const*> argv{"harvlink"};
-    for (std::string const& argument : arguments) {
-        argv.push_back(argument.c_str());
-    }
-    std::istringstream in(answer);
-    std::ostringstream out;
-    std::ostringstream err;
-    Console console{in, out, err, isTerminal, false, isTerminal};
-    int const exit = RunCommandLine(static_cast<int>(argv.size()), argv.data(), console);
-    return {exit, out.str(), err.str()};
-}
 
 /// The program itself, in a process of its own.
 class Child {
@@ -99,39 +63,7 @@ private:
     FILE* output_ = nullptr;
 };
 
-class ProgramTest : public testing::Test {
-protected:
-    ProgramTest() {
-        for (int attempt = 0; attempt < 10 && controller_ == nullptr; ++attempt) {
-            host_ = test::NextLoopbackAddress();
-            server_ = std::make_unique<Server>();
-            VirtualController& controller = server_->Add(host_);
-            server_->SetObserver([this](auto const&, simulator::Request const& request, auto const&) {
-                Observe(request.subHeader.command);
-            });
-            controller_ = server_->Start() ? &controller : nullptr;
-        }
-        ::setenv("HARVLINK_HOST", host_.c_str(), 1);
-    }
-
-    void Observe(std::uint16_t command) {
-        if (command == static_cast<std::uint16_t>(CommandNumber::MotionSendTarget) && !hasTarget_) {
-            hasTarget_ = true;
-            target_.set_value();
-        }
-    }
-
-    template <typename Function>
-    auto With(Function const& function) {
-        return controller_->With(function);
-    }
-
-    std::string host_;
-    bool hasTarget_ = false; // the server's thread only
-    std::promise<void> target_; // before the server, whose thread fulfils it
-    std::unique_ptr<Server> server_;
-    VirtualController* controller_ = nullptr;
-};
+class ProgramTest : public ToolTest {};
 
 TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
     ASSERT_NE(controller_, nullptr);

@@ -1,0 +1,219 @@
+#include <array>
+#include <csignal>
+#include <string>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "Output.h"
+#include "ToolTest.h"
+#include "watch/Layout.h"
+
+namespace harvlink::cli {
+namespace {
+
+using simulator::ControllerModel;
+using namespace watch;
+
+Frame FrameOfEverything() {
+    Frame frame;
+    frame.host = "192.168.255.1";
+    frame.model = "MODEL\x1b[2J";
+    frame.time = Frame::Time(std::chrono::seconds(1));
+    frame.alarms.value.alarms[2] = {4107, 1, "2026/01/02 03:04", "Out of range"};
+    frame.groups.push_back({"R1", "SLURBTEW", {}, Reading<GroupFrame::Axes>{}, {}});
+    frame.groups.push_back({"S1", "", {StatusInformation(40961), {}}, {}, {}});
+    for (int i = 0; i < 40; ++i) {
+        frame.variables.push_back({fmt::format("B{}", i), {{}, std::uint8_t{200}}});
+        frame.signals.push_back({fmt::format("{}", 10010 + i), {{}, true}});
+    }
+    return frame;
+}
+
+TEST(WatchLayout, FitsEveryWindow) {
+    Frame frame = FrameOfEverything();
+    for (bool const isLost : {false, true}) {
+        frame.lost =
+            isLost ? std::optional<StatusInfo>(StatusInformation(ErrorStatusCodes::ResponseTimeout)) : std::nullopt;
+        for (std::size_t rows = 0; rows < 70; rows += rows < 4 ? 1 : 13) {
+            for (std::size_t columns = 0; columns < 200; columns += columns < 12 ? 1 : 17) {
+                std::vector<Line> const lines = LayOut(frame, {rows, columns});
+                EXPECT_EQ(lines.size(), columns == 0 ? 0 : rows);
+                for (Line const& line : lines) {
+                    std::size_t width = 0;
+                    for (Span const& span : line) {
+                        width += span.text.size();
+                        EXPECT_EQ(span.text.find('\x1b'), std::string::npos);
+                    }
+                    EXPECT_LE(width, columns) << rows << " x " << columns;
+                }
+            }
+        }
+        std::string const text = PlainText(frame, 80);
+        EXPECT_EQ(text.find("NO ANSWER since") != std::string::npos, isLost);
+        EXPECT_NE(text.find("4107-1 Out of range"), std::string::npos);
+        EXPECT_NE(text.find("Code (40961)"), std::string::npos);
+        EXPECT_NE(text.find("B39 200"), std::string::npos);
+    }
+    EXPECT_NE(LayOut(frame, {10, 80}).back().front().text.find("more lines"), std::string::npos);
+}
+
+class WatchTest : public ToolTest {};
+
+TEST_F(WatchTest, ShowsOneLookAsTextAndAsJson) {
+    With([](ControllerModel& model) {
+        model.variables.bytes[5] = 12;
+        model.signals.Write(10013, true);
+    });
+    Result const text = RunTool("watch --once --group R1 S1 --var B5 B4000 --io 10013 10018");
+    EXPECT_EQ(text.exit, 0) << text.err;
+    for (char const* const part : {"mode remote", "Alarms   none", "Pulses             0", "Base         790.000",
+                                   "Pulses   Code (196629)", "B5 12", "10013 on", "B4000 Code (196616)"}) {
+        EXPECT_NE(text.out.find(part), std::string::npos) << part << '\n' << text.out;
+    }
+    Json const frame = Json::parse(RunTool("watch --once --json --group R1 S1 --var B5 --io 10013").out);
+    EXPECT_EQ(frame["variables"]["B5"], 12);
+    EXPECT_EQ(frame["signals"]["10013"], true);
+    EXPECT_EQ(frame["groups"][0]["base"].size(), 6U);
+    EXPECT_TRUE(frame["groups"][1]["pulses"].is_null());
+    EXPECT_EQ(frame["problems"][0]["what"], "S1 pulses");
+    Result const refused = RunTool("watch");
+    EXPECT_EQ(refused.exit, 2);
+    EXPECT_NE(refused.err.find("give --once"), std::string::npos);
+}
+
+/// The program on a terminal of its own.
+class OnTerminal {
+public:
+    OnTerminal(std::string const& line, char const* type) {
+        winsize const size{24, 80, 0, 0};
+        Arguments arguments = Words("harvlink " + line);
+        pid_ = ::forkpty(&master_, nullptr, nullptr, &size);
+        if (pid_ == 0) {
+            ::setenv("TERM", type, 1);
+            std::vector<char*> argv;
+            for (std::string& argument : arguments) {
+                argv.push_back(argument.data());
+            }
+            argv.push_back(nullptr);
+            ::execv(HARVLINK_PROGRAM, argv.data());
+            ::_exit(127);
+        }
+        ::tcgetattr(master_, &modes_);
+    }
+    OnTerminal(OnTerminal const&) = delete;
+    OnTerminal& operator=(OnTerminal const&) = delete;
+    ~OnTerminal() {
+        ::close(master_);
+        End();
+    }
+
+    /// Reads on until this was drawn, anew. The clock is drawn again and again, so that reading has to be bounded.
+    bool Shows(std::string const& text) {
+        constexpr int MostReads = 5000;
+        output_.clear();
+        for (int reads = 0; reads < MostReads && output_.find(text) == std::string::npos; ++reads) {
+            if (!ReadMore()) {
+                return false;
+            }
+        }
+        return output_.find(text) != std::string::npos;
+    }
+
+    void Resize(unsigned short rows, unsigned short columns) const {
+        winsize const size{rows, columns, 0, 0};
+        ::ioctl(master_, TIOCSWINSZ, &size);
+    }
+
+    void Type(char key) const { EXPECT_EQ(::write(master_, &key, 1), 1); }
+    void Signal(int number) const { ::kill(pid_, number); }
+
+    /// Reads to the end and returns the exit status, or -1 if a signal ended it.
+    int End() {
+        while (ReadMore()) {
+        }
+        int status = -1;
+        if (pid_ > 0) {
+            ::waitpid(pid_, &status, 0);
+            pid_ = -1;
+        }
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    /// Whether the former picture and the cursor were brought back, and nothing was drawn after that.
+    bool IsClean() const {
+        std::size_t const restored = output_.rfind("\x1b[?1049l");
+        return restored != std::string::npos && output_.rfind("\x1b[?25h") != std::string::npos &&
+               output_.find("\x1b[H", restored) == std::string::npos;
+    }
+
+    /// Whether lines and echo are those of before.
+    bool HasFormerModes() const {
+        termios now{};
+        return ::tcgetattr(master_, &now) == 0 && now.c_lflag == modes_.c_lflag;
+    }
+
+    std::string const& Output() const { return output_; }
+
+private:
+    bool ReadMore() {
+        pollfd waiting{master_, POLLIN, 0};
+        std::array<char, 4096> bytes{};
+        ssize_t const count = ::poll(&waiting, 1, 20'000) == 1 ? ::read(master_, bytes.data(), bytes.size()) : -1;
+        output_.append(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        return count > 0;
+    }
+
+    int master_ = -1;
+    pid_t pid_ = -1;
+    termios modes_{};
+    std::string output_;
+};
+
+TEST_F(WatchTest, FollowsTheControllerAndTheWindow) {
+    OnTerminal terminal("--timeout 90 --retries 1 watch --var B5 --interval 5", "xterm");
+    ASSERT_TRUE(terminal.Shows("Pulses")) << terminal.Output();
+    With([](ControllerModel& model) { model.variables.bytes[5] = 123; });
+    EXPECT_TRUE(terminal.Shows("123"));
+    terminal.Resize(6, 40);
+    EXPECT_TRUE(terminal.Shows("more lines"));
+    terminal.Resize(1, 1);
+    terminal.Resize(30, 100);
+    EXPECT_TRUE(terminal.Shows("reading only"));
+    server_->Stop();
+    EXPECT_TRUE(terminal.Shows("NO ANSWER"));
+    With([](ControllerModel& model) { model.variables.bytes[5] = 206; });
+    ASSERT_TRUE(server_->Start());
+    EXPECT_TRUE(terminal.Shows("206"));
+    terminal.Type('q');
+    EXPECT_EQ(terminal.End(), 0);
+    EXPECT_TRUE(terminal.IsClean());
+    EXPECT_TRUE(terminal.HasFormerModes());
+}
+
+TEST_F(WatchTest, LeavesTheTerminalCleanOnEveryWayOut) {
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+        OnTerminal terminal("watch", "xterm");
+        ASSERT_TRUE(terminal.Shows("Pulses"));
+        terminal.Signal(signal);
+        EXPECT_EQ(terminal.End(), 0) << signal;
+        EXPECT_TRUE(terminal.IsClean()) << signal;
+    }
+    OnTerminal silent("--timeout 90 --retries 0 --host 127.9.9.9 watch", "xterm");
+    EXPECT_EQ(silent.End(), 1);
+    OnTerminal strange("watch", "no-such-terminal");
+    EXPECT_EQ(strange.End(), 2);
+    for (OnTerminal const* const refused : {&silent, &strange}) {
+        EXPECT_EQ(refused->Output().find("\x1b[?"), std::string::npos) << refused->Output();
+        EXPECT_TRUE(refused->HasFormerModes());
+    }
+}
+
+} // namespace
+} // namespace harvlink::cli
