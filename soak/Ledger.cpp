@@ -26,7 +26,7 @@ std::string_view NameOf(Survived kind) {
 
 void Ledger::Note(Family family, StatusInfo const& status) {
     ++operations_.at(static_cast<std::size_t>(family));
-    if (status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+    if (IsTimeout(status)) {
         Note(Survived::NoAnswer);
     }
 }

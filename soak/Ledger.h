@@ -30,6 +30,10 @@ enum class Family : std::uint8_t {
 inline constexpr std::size_t Families = 11;
 std::string_view NameOf(Family family);
 
+inline bool IsTimeout(StatusInfo const& status) {
+    return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
+}
+
 /// What a fault can come to in a program that uses the library as it is documented. None of them is a failure; all are
 /// told from wrong values by what they look like, and are bounded by the faults that were injected.
 enum class Survived : std::uint8_t {

@@ -35,6 +35,7 @@ private:
 
     void RunGoodJob();
     bool SelectAndStart(std::string_view name);
+    bool IsSelected(std::string_view name);
     void ResetJobVariables();
     bool AwaitJob();
     void CheckJobVariables();

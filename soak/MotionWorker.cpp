@@ -32,10 +32,6 @@ Motion RandomPoint(Random& random) {
     return motion;
 }
 
-bool IsMotionTimeout(StatusInfo const& status) {
-    return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
-}
-
 } // namespace
 
 MotionWorker::MotionWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed)
@@ -63,7 +59,7 @@ void MotionWorker::Visit() {
         WaitForStragglers();
         auto const status = Done(Family::Variables, robot->Variables->byteVariable->Read(0, got));
         if (status.StatusCode != 0) {
-            return IsMotionTimeout(status) ? Answer::Missing : Answer::Wrong;
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
         if (got.value == value) {
             return Answer::Right;
@@ -154,7 +150,7 @@ MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::
         StatusInfo status;
         double const progress = robot.MotionManager->GetMotionTargetProgress(ControlGroupId::R1, status);
         Done(Family::MotionManager, status);
-        lastChange = progress != before ? SteadyClock::now() : lastChange;
+        lastChange = progress > before ? SteadyClock::now() : lastChange;
         bool const isPlausible = status.StatusCode != 0 || CheckProgress(progress, before, count);
         if (status.StatusCode == 0 && isPlausible && progress >= static_cast<double>(count)) {
             return Outcome::Arrived;
@@ -220,7 +216,7 @@ void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& w
             Done(Family::ControlGroup,
                  robot.ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, got));
         if (status.StatusCode != 0) {
-            return IsMotionTimeout(status) ? Answer::Missing : Answer::Wrong;
+            return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
         auto const image = ImageOfPosition(got);
         return image == ImageOfPosition(wanted)            ? Answer::Right

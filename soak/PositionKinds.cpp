@@ -8,7 +8,7 @@ namespace harvlink::soak {
 
 namespace {
 
-constexpr std::size_t HeadWords = 5;
+constexpr std::size_t WordsBeforeAxes = 5;
 constexpr std::size_t AxisCount = 8;
 constexpr double BaseUnits = 1000.0; ///< of all axes of a base axis, in a millimetre
 constexpr std::size_t ShortImage = sizeof(std::int32_t) * (1 + AxisCount); ///< type and axes
@@ -35,7 +35,7 @@ WireImage RandomPosition(Random& random, int highestTool) {
 ValueKind RobotPositions(RobotPositionVariableInterface& variables, int highestTool) {
     return {.name = "P",
             .count = VariableCount,
-            .size = sizeof(std::int32_t) * (HeadWords + AxisCount),
+            .size = sizeof(std::int32_t) * (WordsBeforeAxes + AxisCount),
             .random = [highestTool](Random& random) { return RandomPosition(random, highestTool); },
             .write =
                 [&variables](unsigned index, WireImage const& image) {

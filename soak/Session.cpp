@@ -8,20 +8,16 @@ namespace harvlink::soak {
 
 namespace {
 
-constexpr int MostTries = 20;
+constexpr int MostAnswerless = 20;
 constexpr int MostOpenings = 200;
 constexpr std::uint16_t OldestLastIndex = 99; ///< of byte variables of the older generation
 constexpr std::uint16_t NewestLastIndex = 511;
 constexpr std::uint16_t UnusedPosition = 100; ///< a position variable that no worker looks at
 
-bool IsTimeout(StatusInfo const& status) {
-    return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
-}
-
 /// Repeats over missing answers.
 template <typename Call>
 bool Succeeds(Ledger& ledger, Family family, Call const& call) {
-    for (int tries = 0; tries < MostTries; ++tries) {
+    for (int tries = 0; tries < MostAnswerless; ++tries) {
         auto const status = call();
         ledger.Note(family, status);
         if (!IsTimeout(status)) {

@@ -93,7 +93,7 @@ void ValuesWorker::Check(ValueKind const& kind, unsigned index, Cell const& cell
 /// Right if something was read, whatever it is.
 Answer ValuesWorker::Read(ValueKind const& kind, unsigned index, WireImage& got) {
     auto const status = Done(kind.family, kind.read(index, got));
-    if (status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+    if (IsTimeout(status)) {
         return Answer::Missing;
     }
     return status.StatusCode == 0 ? Answer::Right : Answer::Wrong;

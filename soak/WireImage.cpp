@@ -13,7 +13,7 @@ namespace {
 /// The eleven flags of a figure, the first six in one word and the others in a second one.
 using FigureFlags = std::array<std::int32_t, 11>;
 constexpr std::size_t FirstWordFlags = 6;
-constexpr std::size_t ImageHeadWords = 5;
+constexpr std::size_t HeadWords = 5;
 
 FigureFlags FlagsOf(Figure const& figure) {
     auto const number = [](auto value) { return static_cast<std::int32_t>(value); };
@@ -98,7 +98,7 @@ PositionData PositionOf(WireImage const& image) {
                           .toolNumber = word(2),
                           .userCoordinateNumber = word(3)};
     for (std::size_t i = 0; i < position.axes.size(); ++i) {
-        position.axes[i] = word(ImageHeadWords + i) / UnitsOf(position.coordinateType, i);
+        position.axes[i] = word(HeadWords + i) / UnitsOf(position.coordinateType, i);
     }
     return position;
 }

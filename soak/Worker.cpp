@@ -8,7 +8,7 @@ namespace harvlink::soak {
 
 namespace {
 
-constexpr int MostWorkerTries = 30;
+constexpr int MostTries = 30;
 constexpr int MostCuts = 5;
 
 } // namespace
@@ -39,7 +39,7 @@ StatusInfo Worker::Done(Family family, StatusInfo status) {
 bool Worker::Settle(std::string const& what, std::function<Answer()> const& ask,
                     std::function<std::string()> const& describe) {
     int cuts = 0;
-    for (int tries = 0; tries < MostWorkerTries; ++tries) {
+    for (int tries = 0; tries < MostTries; ++tries) {
         switch (ask()) {
         case Answer::Right:
             return true;
@@ -59,7 +59,7 @@ bool Worker::Settle(std::string const& what, std::function<Answer()> const& ask,
             return false;
         }
     }
-    Fail(fmt::format("{}: no answer in {} tries", what, MostWorkerTries));
+    Fail(fmt::format("{}: no answer in {} tries", what, MostTries));
     return false;
 }
 
@@ -69,7 +69,7 @@ WireImage Worker::Agree(std::string const& what, std::function<StatusInfo(WireIm
     std::string refusal;
     auto const ask = [&] {
         auto const status = read(got);
-        if (status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+        if (IsTimeout(status)) {
             return Answer::Missing;
         }
         if (status.StatusCode != 0) {
@@ -90,8 +90,7 @@ WireImage Worker::Agree(std::string const& what, std::function<StatusInfo(WireIm
 }
 
 bool Worker::IsSent(std::string const& what, StatusInfo const& status) {
-    bool const isSent =
-        status.StatusCode == 0 || status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
+    bool const isSent = status.StatusCode == 0 || IsTimeout(status);
     if (!isSent) {
         Fail(fmt::format("{}: refused with {} {}", what, status.StatusCode, status.Message));
     }

@@ -130,10 +130,12 @@ void FaultInjector::SpoilBytes(std::vector<std::byte>& bytes, Port port) {
             bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
         }
     }
-    if (Happens(Fault::Truncate, port)) {
+    bool const isCut = Happens(Fault::Truncate, port);
+    if (isCut) {
         bytes.resize(Random(0, bytes.size() - 1));
     }
-    if (Happens(Fault::Extend, port)) {
+    // Not both: random bytes in the place of those that were cut off are damage of another kind.
+    if (Happens(Fault::Extend, port) && !isCut) {
         std::generate_n(std::back_inserter(bytes), Random(1, 64),
                         [this] { return static_cast<std::byte>(Random(0, 255)); });
     }
