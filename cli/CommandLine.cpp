@@ -1,12 +1,18 @@
 #include "CommandLine.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include "Commands.h"
+#include "Help.h"
 #include "InputError.h"
 #include "Output.h"
 #include "Session.h"
@@ -16,13 +22,13 @@ namespace harvlink::cli {
 
 namespace {
 
-constexpr char const* Footer =
-    "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage.\n"
-    "Options may stand before or behind the command; on the command line they win over the environment.\n\n"
-    "Examples:\n"
-    "  harvlink --host 192.168.255.1 status\n"
-    "  harvlink --host 192.168.255.1 position R1 --coordinate base --json\n"
-    "  HARVLINK_HOST=192.168.255.1 harvlink var get B0..B9 P1";
+constexpr char const* Footer = "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage.\n"
+                               "Options may stand before or behind the command. Each wins over its environment\n"
+                               "variable, in brackets, and this over the configuration file: see harvlink config.\n\n"
+                               "Examples:\n"
+                               "  harvlink --host 192.168.255.1 status\n"
+                               "  harvlink --host 192.168.255.1 position R1 --coordinate base --json\n"
+                               "  HARVLINK_HOST=192.168.255.1 harvlink var get B0..B9 P1";
 
 void AddCommands(CLI::App& app, Session& session) {
     AddControllerStateCommands(app, session);
@@ -35,15 +41,50 @@ void AddCommands(CLI::App& app, Session& session) {
     AddControlCommands(app, session);
     AddMotionCommands(app, session);
     AddKinematicsCommands(app, session);
+    AddCompletionCommand(app, session);
+    AddConfigCommand(app, session);
+    AddDoctorCommand(app, session);
+    AddExplainCommand(app, session);
     AddWatchCommand(app, session);
     AddSnapshotCommands(app, session);
 }
 
+/// The words that lead to the command at which the parsing stopped.
+std::string CommandName(CLI::App const& app) {
+    std::string name = app.get_name();
+    for (CLI::App const* command = &app; !command->get_subcommands().empty();) {
+        command = command->get_subcommands().front();
+        name += " " + command->get_name();
+    }
+    return name;
+}
+
+/// In the order that the parser wants, the last first. A negative code behind "explain", which it would take for an
+/// option, is written as the controller's tools do, in hexadecimal.
+std::vector<std::string> Arguments(int argc, char const* const* argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    bool isExplained = false;
+    for (std::string& argument : arguments) {
+        std::int32_t code = 0;
+        char const* const end = argument.data() + argument.size();
+        auto const result = std::from_chars(argument.data(), end, code);
+        if (isExplained && code < 0 && result.ec == std::errc{} && result.ptr == end) {
+            argument = fmt::format("0x{:X}", static_cast<std::uint32_t>(code));
+        }
+        isExplained = isExplained || argument == "explain";
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
 int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {
     try {
-        app.parse(argc, argv);
+        app.parse(Arguments(argc, argv));
     } catch (CLI::ParseError const& error) {
-        return app.exit(error, console.out, console.err) == 0 ? ExitStatus::Success : ExitStatus::WrongUsage;
+        if (error.get_exit_code() == 0) {
+            return app.exit(error, console.out, console.err);
+        }
+        throw InputError(fmt::format("{}\nRun {} --help for how it is used", error.what(), CommandName(app)));
     }
     return session.Run();
 }
@@ -54,6 +95,7 @@ int RunCommandLine(int argc, char const* const* argv, Console& console) {
     Output output(console);
     Session session(output);
     CLI::App app("Reads from and commands a robot controller over Ethernet.", "harvlink");
+    UseHelpFormat(app);
     app.set_version_flag("--version", "harvlink " + std::string(HeaderVersion));
     app.require_subcommand(1);
     // Lets the global options stand behind the command too; subcommands inherit it.

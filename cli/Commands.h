@@ -24,4 +24,10 @@ void AddKinematicsCommands(CLI::App& app, Session& session);
 void AddWatchCommand(CLI::App& app, Session& session);
 void AddSnapshotCommands(CLI::App& app, Session& session);
 
+// What needs no connection.
+void AddCompletionCommand(CLI::App& app, Session& session);
+void AddConfigCommand(CLI::App& app, Session& session);
+void AddDoctorCommand(CLI::App& app, Session& session);
+void AddExplainCommand(CLI::App& app, Session& session);
+
 } // namespace harvlink::cli

@@ -18,13 +18,13 @@ constexpr std::array<Named<SignalStatus>, 2> SwitchNames{{{"on", SignalStatus::O
 
 constexpr std::array<Named<CycleMode>, 4> WantedCycleNames{{{"step", CycleMode::Step},
                                                             {"cycle", CycleMode::Cycle},
-                                                            {"auto", CycleMode::Automatic},
-                                                            {"automatic", CycleMode::Automatic}}};
+                                                            {"automatic", CycleMode::Automatic},
+                                                            {"auto", CycleMode::Automatic}}};
 
 void AddServo(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("servo", "Turn servo power on or off: POWERS THE MACHINE");
-    verb->add_option("STATE", *state, "on or off")->required();
+    verb->add_option("STATE", *state, "What it shall be")->type_name(Choices(SwitchNames))->required();
     SetExamples(*verb, {"servo on", "servo off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the servos");
@@ -41,7 +41,7 @@ void AddServo(CLI::App& app, Session& session) {
 void AddHold(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("hold", "Hold the machine, or release it: off MOVES THE MACHINE");
-    verb->add_option("STATE", *state, "on or off")->required();
+    verb->add_option("STATE", *state, "What it shall be")->type_name(Choices(SwitchNames))->required();
     SetExamples(*verb, {"hold on", "hold off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the hold");
@@ -59,8 +59,8 @@ void AddHold(CLI::App& app, Session& session) {
 void AddCycle(CLI::App& app, Session& session) {
     auto mode = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("cycle", "Set how far a start runs");
-    verb->add_option("MODE", *mode, "step, cycle or auto")->required();
-    SetExamples(*verb, {"cycle auto"});
+    verb->add_option("MODE", *mode, "How far")->type_name(Choices(WantedCycleNames))->required();
+    SetExamples(*verb, {"cycle automatic"});
     verb->callback([mode, &session] {
         CycleMode const wanted = ParseName(WantedCycleNames, *mode, "cycle mode");
         session.OnConnection([wanted](QuorvanController& robot, Output& output) {

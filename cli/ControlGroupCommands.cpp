@@ -46,10 +46,13 @@ StatusInfo ShowPosition(QuorvanController& robot, Output& output, ControlGroupId
 void AddPosition(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<PositionArguments>();
     CLI::App* const verb = app.add_subcommand("position", "Show where a control group stands");
-    verb->add_option("GROUP", arguments->group, "Control group, such as R1, B1 or S1")->required();
-    verb->add_option("--coordinate", arguments->coordinate, "pulse, base, robot or user:N")->capture_default_str();
+    verb->add_option("GROUP", arguments->group, "Control group, such as R1, B1 or S1")->type_name("GROUP")->required();
+    verb->add_option("--coordinate", arguments->coordinate, "Coordinate system")
+        ->type_name("pulse|base|robot|user:N")
+        ->capture_default_str();
     verb->add_option("--tool", arguments->tool, "Tool number; 0 is the only one that older controllers know")
         ->check(CLI::Range(0, HighestTool))
+        ->type_name("N")
         ->capture_default_str();
     SetExamples(*verb, {"position R1", "position R1 --coordinate user:2 --tool 1"});
     verb->callback([arguments, &session] {
@@ -111,7 +114,7 @@ using GroupAction = std::function<StatusInfo(QuorvanController&, Output&, Contro
 void AddGroupVerb(CLI::App& app, Session& session, char const* name, char const* description, GroupAction action) {
     auto group = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand(name, description);
-    verb->add_option("GROUP", *group, "Control group, such as R1, B1 or S1")->required();
+    verb->add_option("GROUP", *group, "Control group, such as R1, B1 or S1")->type_name("GROUP")->required();
     SetExamples(*verb, {std::string(name) + " R1"});
     verb->callback([group, action = std::move(action), &session] {
         session.OnConnection([action, id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
@@ -131,7 +134,8 @@ GroupAction AxisAction(ReadAxes read) {
 void AddControlGroupCommands(CLI::App& app, Session& session) {
     AddPosition(app, session);
     AddGroupVerb(app, session, "axes", "Show the axes that a control group has", ShowAxes);
-    AddGroupVerb(app, session, "torque", "Show the torque of each axis", AxisAction(ReadTorque));
+    AddGroupVerb(app, session, "torque", "Show the torque of each axis, in the controller's unit",
+                 AxisAction(ReadTorque));
     AddGroupVerb(app, session, "position-error", "Show how far each axis is from its command, in pulses",
                  AxisAction(ReadError));
 }

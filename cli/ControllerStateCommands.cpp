@@ -75,8 +75,7 @@ StatusInfo ShowInformation(QuorvanController& robot, Output& output, std::vector
 void AddInfo(CLI::App& app, Session& session) {
     auto names = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = app.add_subcommand("info", "Show model and software version");
-    verb->add_option("ID", *names, "robot1 to robot8, station1 to station3, application1 to application8, or a number")
-        ->default_str("robot1");
+    verb->add_option("ID", *names, "A number, or a name")->type_name(Choices(InfoNames))->default_str("robot1");
     SetExamples(*verb, {"info", "info robot1 station1"});
     verb->callback([names, &session] {
         std::vector<SystemInfoId> ids;
@@ -139,10 +138,12 @@ StatusInfo ShowTimes(QuorvanController& robot, Output& output, std::vector<TimeT
 void AddTimes(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<TimeArguments>();
     CLI::App* const verb = app.add_subcommand("times", "Show operating time counters");
-    verb->add_option("COUNTER", arguments->counters,
-                     "Which counters: " + JoinNames(TimeNames) + " (default: the four of the whole controller)");
-    verb->add_option("--group", arguments->group, "Group of a robot's or station's counter")->capture_default_str();
-    verb->add_option("--application", arguments->application, "Number of an application's counter");
+    verb->add_option("COUNTER", arguments->counters, "Which counters; without any the four of the whole controller")
+        ->type_name(Choices(TimeNames));
+    verb->add_option("--group", arguments->group, "Group of a robot's or station's counter")
+        ->type_name("GROUP")
+        ->capture_default_str();
+    verb->add_option("--application", arguments->application, "Number of an application's counter")->type_name("N");
     SetExamples(*verb, {"times", "times moving-robot --group R1", "times application --application 2"});
     verb->callback([arguments, &session] {
         std::vector<TimeType> types;
@@ -183,7 +184,8 @@ void AddParam(CLI::App& app, Session& session) {
     verb->add_option("NAME", arguments->names, "Such as S2C430 or RS22; TYPE:NUMBER for a family without a name")
         ->required();
     verb->add_option("--group", arguments->group, "Number of the group, for S1C, S1E and S2E")
-        ->check(CLI::Range(1, 1000));
+        ->check(CLI::Range(1, 1000))
+        ->type_name("N");
     SetExamples(*verb, {"param S2C430 RS22", "param S1C400 --group 1"});
     verb->callback([arguments, &session] {
         std::vector<Parameter> parameters;

@@ -66,7 +66,8 @@ void PlanHistory(Session& session, HistoryArguments const& arguments) {
 }
 
 void AddCategory(CLI::App& verb, HistoryArguments& arguments) {
-    verb.add_option("--category", arguments.category, "Category of the history: " + JoinNames(CategoryNames))
+    verb.add_option("--category", arguments.category, "Category of the history")
+        ->type_name(Choices(CategoryNames))
         ->capture_default_str();
 }
 
@@ -97,7 +98,8 @@ void AddFaultCommands(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("alarms", "Show active alarms or their history, or clear them");
     CLI::Option const* const history =
         family->add_option("--history", arguments->count, "Show so many of the history, as the command history does")
-            ->check(CLI::Range(1U, MostHistory));
+            ->check(CLI::Range(1U, MostHistory))
+            ->type_name("N");
     AddCategory(*family, *arguments);
     family->require_subcommand(0, 1);
     AddHistory(*family, session);

@@ -181,7 +181,7 @@ StatusInfo ShowList(QuorvanController& robot, Output& output, TextList const& gl
 void AddList(CLI::App& family, Session& session) {
     auto globs = std::make_shared<TextList>();
     CLI::App* const verb = family.add_subcommand("list", "List the files of the controller");
-    verb->add_option("NAME", *globs, "Names, globs, or extensions such as JBI (default: all files)");
+    verb->add_option("NAME", *globs, "Names, globs, or extensions such as JBI; without any all files");
     SetExamples(*verb, {"files list", "files list JBI", "files list 'A*.JBI'"}, FileNamesHelp);
     verb->callback([globs, &session] {
         for (std::string const& glob : *globs) {
@@ -285,7 +285,7 @@ void AddPut(CLI::App& family, Session& session) {
     auto globs = std::make_shared<TextList>();
     auto force = std::make_shared<bool>(false);
     CLI::App* const verb = family.add_subcommand("put", "Store files on the controller");
-    verb->add_option("PATH", *globs, "Paths and globs of this computer")->required();
+    verb->add_option("PATH", *globs, "Paths and globs of this computer")->type_name("FILE")->required();
     verb->add_flag("--force", *force, "Overwrite files that the controller has");
     SetExamples(*verb, {"files put MAIN.JBI", "files put backup/*.JBI --force"});
     verb->callback([globs, force, &session] {
@@ -364,6 +364,7 @@ void AddCat(CLI::App& family, Session& session) {
 void AddFileCommands(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("files", "List, fetch, store and delete files of the controller");
     family->require_subcommand(1);
+    SetExamples(*family, {"files list JBI", "files get MAIN.JBI", "files put MAIN.JBI --force"}, FileNamesHelp);
     AddList(*family, session);
     AddGet(*family, session);
     AddPut(*family, session);

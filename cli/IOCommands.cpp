@@ -311,6 +311,7 @@ void AddRegisterSet(CLI::App& family, Session& session) {
 void AddIOCommands(CLI::App& app, Session& session) {
     CLI::App* const signals = app.add_subcommand("io", "Read, switch and watch signals");
     signals->require_subcommand(1);
+    SetExamples(*signals, {"io get 10010", "io set 10010=on", "io watch general-input:1"}, SignalHelp);
     AddGetSignal(*signals, session);
     AddSetSignal(*signals, session);
     AddGroupVerb<unsigned char>(*signals, session, "byte", "Show groups of eight signals, or write them");
@@ -319,6 +320,7 @@ void AddIOCommands(CLI::App& app, Session& session) {
     AddWatch(*signals, session);
     CLI::App* const registers = app.add_subcommand("register", "Read and write registers");
     registers->require_subcommand(1);
+    SetExamples(*registers, {"register get 0..9", "register set 5=12"});
     AddRegisterGet(*registers, session);
     AddRegisterSet(*registers, session);
 }

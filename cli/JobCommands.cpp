@@ -25,7 +25,7 @@ void AddSelect(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<SelectArguments>();
     CLI::App* const verb = family.add_subcommand("select", "Choose the job that a start will run");
     verb->add_option("NAME", arguments->name, "Name of the job, with or without .JBI")->required();
-    verb->add_option("--line", arguments->line, "Line to start from")->capture_default_str();
+    verb->add_option("--line", arguments->line, "Line to start from")->type_name("N")->capture_default_str();
     SetExamples(*verb, {"job select MAIN", "job select MAIN --line 12"});
     verb->callback([arguments, &session] {
         session.OnConnection([arguments](QuorvanController& robot, Output& output) {
@@ -75,7 +75,10 @@ using ShowTask = StatusInfo (*)(QuorvanController&, Output&, TesselTaskNumber);
 CLI::App* AddTaskVerb(CLI::App& family, Session& session, char const* name, char const* description, ShowTask show) {
     auto task = std::make_shared<int>(0);
     CLI::App* const verb = family.add_subcommand(name, description);
-    verb->add_option("--task", *task, "Task: 0 is the master task")->check(CLI::Range(0, 255))->capture_default_str();
+    verb->add_option("--task", *task, "Task; 0 is the master task")
+        ->check(CLI::Range(0, 255))
+        ->type_name("N")
+        ->capture_default_str();
     SetExamples(*verb, {fmt::format("job {}", name), fmt::format("job {} --task 1", name)});
     verb->callback([task, show, &session] {
         session.OnConnection([task, show](QuorvanController& robot, Output& output) {
@@ -90,6 +93,7 @@ CLI::App* AddTaskVerb(CLI::App& family, Session& session, char const* name, char
 void AddJobCommands(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("job", "Select, start and follow jobs");
     family->require_subcommand(1);
+    SetExamples(*family, {"job select MAIN", "job start", "job status"});
     AddSelect(*family, session);
     AddStart(*family, session, "Start the selected job: MOVES THE MACHINE");
     AddTaskVerb(*family, session, "status", "Show name, line, step and speed of the job that a task executes", ShowJob)

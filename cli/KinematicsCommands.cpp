@@ -109,11 +109,11 @@ StatusInfo Convert(QuorvanController& robot, Output& output, Conversion conversi
 void AddKinematicsCommands(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<ConvertArguments>();
     CLI::App* const verb = app.add_subcommand("convert", "Let the controller convert a position; nothing moves");
-    verb->add_option("GROUP", arguments->group, "Control group, such as R1")->required();
+    verb->add_option("GROUP", arguments->group, "Control group, such as R1")->type_name("GROUP")->required();
     verb->add_option("POSITION", arguments->position, "The position to convert")->required();
-    verb->add_option("--to", arguments->to, "Form to convert to: " + JoinNames(FormNames))->required();
-    verb->add_option("--type", arguments->type,
-                     "What resolves the arm configuration of a Cartesian position: " + JoinNames(TypeNames))
+    verb->add_option("--to", arguments->to, "Form to convert to")->type_name(Choices(FormNames))->required();
+    verb->add_option("--type", arguments->type, "What resolves the arm configuration of a Cartesian position")
+        ->type_name(Choices(TypeNames))
         ->capture_default_str();
     verb->add_option("--previous", arguments->previous, "Previous angles of a Delta robot, in the controller's unit")
         ->type_name("A,B,...");

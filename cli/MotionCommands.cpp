@@ -53,15 +53,15 @@ CircularMotion MakeMotion(MoveArguments const& arguments) {
 void AddMove(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<MoveArguments>();
     CLI::App* const verb = app.add_subcommand("move", "Move a control group to a position: MOVES THE MACHINE");
-    verb->add_option("GROUP", arguments->group, "Control group, such as R1")->required();
+    verb->add_option("GROUP", arguments->group, "Control group, such as R1")->type_name("GROUP")->required();
     CLI::Option_group* const kind = verb->add_option_group("Kind of move");
     kind->add_flag("--joint", arguments->joint, "Each axis on its own; the speed is in per cent");
     kind->add_flag("--line", arguments->line, "In a straight line; the speed is in mm/s");
     kind->require_option(1);
     verb->add_option("--to", arguments->to, "The position")->required()->type_name("POSITION");
-    verb->add_option("--speed", arguments->speed, "Per cent (joint) or mm/s (line)")->required();
-    verb->add_option("--acceleration", arguments->acceleration, "Per cent, 20 to 100");
-    verb->add_option("--deceleration", arguments->deceleration, "Per cent, 20 to 100");
+    verb->add_option("--speed", arguments->speed, "Per cent (joint) or mm/s (line)")->required()->type_name("SPEED");
+    verb->add_option("--acceleration", arguments->acceleration, "20 to 100 per cent")->type_name("PERCENT");
+    verb->add_option("--deceleration", arguments->deceleration, "20 to 100 per cent")->type_name("PERCENT");
     SetExamples(*verb,
                 {"move R1 --line --to base:480,0,600,180,0,0 --speed 100",
                  "move R1 --joint --to pulse:0,0,0,0,-90000,0 --speed 10 --yes"},
@@ -72,14 +72,15 @@ void AddMove(CLI::App& app, Session& session) {
 void AddTrajectory(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("trajectory", "Run or check a trajectory of a CSV file");
     family->require_subcommand(1);
+    SetExamples(*family, {"trajectory check square.csv", "trajectory run square.csv"}, TrajectoryHelp);
     auto path = std::make_shared<std::string>();
     CLI::App* const run = family->add_subcommand("run", "Move through all points of a file: MOVES THE MACHINE. Ctrl-C "
                                                         "stops the motion and clears the queue, a second one quits");
-    run->add_option("FILE", *path, "The trajectory")->required();
+    run->add_option("FILE", *path, "The trajectory")->type_name("FILE")->required();
     SetExamples(*run, {"trajectory run square.csv", "trajectory run square.csv --yes --json"}, TrajectoryHelp);
     run->callback([path, &session] { PlanTrajectory(session, ParseTrajectory(*path, ReadTextFile(*path))); });
     CLI::App* const check = family->add_subcommand("check", "Check a file without a robot");
-    check->add_option("FILE", *path, "The trajectory")->required();
+    check->add_option("FILE", *path, "The trajectory")->type_name("FILE")->required();
     SetExamples(*check, {"trajectory check square.csv"}, TrajectoryHelp);
     check->callback([path, &session] {
         session.Locally([count = ParseTrajectory(*path, ReadTextFile(*path)).size()](Output& output) {
@@ -102,7 +103,7 @@ void AddProgress(CLI::App& app, Session& session) {
     auto group = std::make_shared<std::string>("R1");
     CLI::App* const verb =
         app.add_subcommand("progress", "Show the controller's number for how far a group is with its target");
-    verb->add_option("GROUP", *group, "Control group")->capture_default_str();
+    verb->add_option("GROUP", *group, "Control group")->type_name("GROUP")->capture_default_str();
     SetExamples(*verb, {"progress R1"});
     verb->callback([group, &session] {
         session.OnConnection([id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
@@ -152,6 +153,7 @@ void AddMotionCommands(CLI::App& app, Session& session) {
     AddProgress(app, session);
     CLI::App* const family = app.add_subcommand("motion", "Start, stop and clear motion (newer controllers)");
     family->require_subcommand(1);
+    SetExamples(*family, {"motion stop", "motion clear", "motion start --yes"});
     AddStart(*family, session);
     AddStop(*family, session, "Stop the motion and clear its targets");
     AddClear(*family, session, "Clear the controller's targets");

@@ -54,6 +54,9 @@ void Output::Failure(StatusInfo const& status, std::string_view subject) {
     line << subject << (subject.empty() ? "" : ": ") << status;
     std::string const text = Printable(line.str());
     console_.err << (errorColour_ ? fmt::format(fmt::fg(fmt::terminal_color::red), "{}", text) : text) << std::endl;
+    if (console_.errorIsTerminal) {
+        console_.err << fmt::format("What it means: harvlink explain {}", status.StatusCode) << std::endl;
+    }
 }
 
 void Output::Problem(std::string_view message) {

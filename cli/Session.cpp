@@ -2,6 +2,7 @@
 
 #include <istream>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -10,31 +11,26 @@
 
 #include "CommandLine.h"
 #include "InputError.h"
+#include "Text.h"
+#include "harvlink/ControllerStateInterface.h"
 
 namespace harvlink::cli {
 
 namespace {
 
-constexpr unsigned LongestTimeout = 600'000;
-constexpr unsigned MostRetries = 1'000;
+void CheckGeneration(QuorvanController& robot, std::string const& wanted) {
+    SystemInfoData data;
+    StatusInfo const status = robot.Status->ReadSystemInformation(SystemInfoId::Robot1, data);
+    if (status.StatusCode != 0 || !data.softwareVersion.starts_with(wanted)) {
+        throw std::runtime_error(fmt::format("the controller is no {} but says '{}'; nothing was asked of it", wanted,
+                                             Printable(TrimField(data.softwareVersion))));
+    }
+}
 
 } // namespace
 
 void Session::AddOptions(CLI::App& app) {
-    app.add_option("--host", host_, "IPv4 address of the controller")
-        ->envname("HARVLINK_HOST")
-        ->check(CLI::ValidIPV4)
-        ->type_name("ADDRESS");
-    app.add_option("--timeout", timeoutMilliseconds_, "Milliseconds for which an exchange listens for its answer")
-        ->envname("HARVLINK_TIMEOUT")
-        ->check(CLI::Range(0U, LongestTimeout))
-        ->type_name("MS")
-        ->capture_default_str();
-    app.add_option("--retries", retries_, "How many further such periods it listens")
-        ->envname("HARVLINK_RETRIES")
-        ->check(CLI::Range(0U, MostRetries))
-        ->type_name("N")
-        ->capture_default_str();
+    settings_.AddOptions(app);
     app.add_flag("--json", output_.json, "Print JSON for programs instead of tables for people");
     app.add_flag("-y,--yes", confirmed_, "Do not ask before the machine moves or its power changes");
 }
@@ -55,8 +51,8 @@ void Session::OnConnectionConfirmed(std::string const& consequence, ConnectedPla
 }
 
 void Session::CheckHost() const {
-    if (host_.empty()) {
-        throw InputError("which controller? Give --host or set HARVLINK_HOST");
+    if (host().empty()) {
+        throw InputError("which controller? Give --host, set HARVLINK_HOST or write host into the configuration file");
     }
 }
 
@@ -80,7 +76,12 @@ int Session::Confirm(std::string const& consequence) {
 
 Connection Session::Open(StatusInfo& status) const {
     CheckHost();
-    return Connect(host_, status, timeoutMilliseconds_, retries_, logging_);
+    Settings::Connection const wanted = settings_.ForConnection();
+    Connection connection = Connect(wanted.host, status, wanted.timeoutMilliseconds, wanted.retries, logging_);
+    if (connection && !wanted.generation.empty()) {
+        CheckGeneration(*connection, wanted.generation);
+    }
+    return connection;
 }
 
 int Session::RunConnected(ConnectedPlan const& plan) {

@@ -6,6 +6,7 @@
 #include "Output.h"
 #include "harvlink/QuorvanController.h"
 #include "harvlink/StatusInfo.h"
+#include "settings/Settings.h"
 
 namespace CLI {
 class App;
@@ -43,7 +44,9 @@ public:
     /// Throws InputError if no host is given.
     void CheckHost() const;
 
-    std::string const& host() const { return host_; }
+    std::string host() const { return settings_.ForConnection().host; }
+
+    Settings const& settings() const { return settings_; }
 
     /// Whether the library writes motion failures that have no caller to its log file.
     void EnableLogging() { logging_ = true; }
@@ -58,9 +61,7 @@ private:
 
     Output& output_;
     LocalPlan plan_;
-    std::string host_;
-    unsigned timeoutMilliseconds_ = 500;
-    unsigned retries_ = 3;
+    Settings settings_;
     bool confirmed_ = false;
     bool logging_ = false;
 };

@@ -71,13 +71,19 @@ struct Named {
 };
 
 template <typename Value, std::size_t Count>
-std::string JoinNames(std::array<Named<Value>, Count> const& names) {
+std::string JoinNames(std::array<Named<Value>, Count> const& names, std::string_view separator = ", ") {
     std::string joined;
     for (Named<Value> const& named : names) {
-        joined += joined.empty() ? "" : ", ";
+        joined += joined.empty() ? "" : separator;
         joined += named.name;
     }
     return joined;
+}
+
+/// As the type name of an argument that takes one of the names, see UseHelpFormat.
+template <typename Value, std::size_t Count>
+std::string Choices(std::array<Named<Value>, Count> const& names) {
+    return JoinNames(names, "|");
 }
 
 /// The value that a name stands for, in any case.

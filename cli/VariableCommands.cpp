@@ -148,8 +148,9 @@ std::vector<VariableKind> ParseKinds(std::vector<std::string> const& names) {
 void AddDump(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<DumpArguments>();
     CLI::App* const verb = family.add_subcommand("dump", "Write all variables to a CSV file that load reads");
-    verb->add_option("--kind", arguments->kinds, "Kinds: " + JoinNames(VariableKindNames) + " (default: all)");
-    verb->add_option("--out", arguments->path, "File to write (default: standard output)")->type_name("FILE");
+    verb->add_option("--kind", arguments->kinds, "Kinds of variables; without any all")
+        ->type_name(Choices(VariableKindNames));
+    verb->add_option("--out", arguments->path, "File to write; without it standard output")->type_name("FILE");
     verb->add_flag("--force", arguments->force, "Overwrite an existing file");
     SetExamples(*verb, {"var dump --kind B --out vars.csv", "var dump > all.csv"});
     verb->callback([arguments, &session] {
@@ -167,7 +168,7 @@ void AddLoad(CLI::App& family, Session& session) {
     auto path = std::make_shared<std::string>();
     CLI::App* const verb =
         family.add_subcommand("load", "Write the variables of a CSV file; nothing is written if a line is wrong");
-    verb->add_option("FILE", *path, "CSV with the header line variable,value")->required();
+    verb->add_option("FILE", *path, "CSV with the header line variable,value")->type_name("FILE")->required();
     SetExamples(*verb, {"var load vars.csv"}, VariableHelp);
     verb->callback([path, &session] {
         session.OnConnection(
@@ -182,6 +183,7 @@ void AddLoad(CLI::App& family, Session& session) {
 void AddVariableCommands(CLI::App& app, Session& session) {
     CLI::App* const family = app.add_subcommand("var", "Read and write variables");
     family->require_subcommand(1);
+    SetExamples(*family, {"var get B5 P12", "var set B5=12", "var dump --out vars.csv"}, VariableHelp);
     AddGetVariable(*family, session);
     AddSetVariable(*family, session);
     AddDump(*family, session);

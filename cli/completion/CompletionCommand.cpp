@@ -1,0 +1,36 @@
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Help.h"
+#include "InputError.h"
+#include "Session.h"
+#include "completion/Completion.h"
+
+namespace harvlink::cli {
+
+void AddCompletionCommand(CLI::App& app, Session& session) {
+    auto shell = std::make_shared<std::string>();
+    CLI::App* const verb = app.add_subcommand("completion", "Print a script that lets a shell complete this program");
+    verb->add_option("SHELL", *shell, "For which shell")->type_name("bash|zsh")->required();
+    SetExamples(*verb,
+                {"completion bash > ~/.local/share/bash-completion/completions/harvlink",
+                 "completion zsh > ~/.zfunc/_harvlink"},
+                "For the shell that runs: eval \"$(harvlink completion bash)\". For zsh the folder must be in fpath\n"
+                "before compinit.");
+    verb->callback([shell, &app, &session] {
+        if (*shell != "bash" && *shell != "zsh") {
+            throw InputError("'" + *shell + "' is no shell that is known; there are: bash, zsh");
+        }
+        session.Locally([shell, &app](Output& output) {
+            output.console().out << (*shell == "bash" ? BashCompletion(app) : ZshCompletion(app)) << std::flush;
+            return ExitStatus::Success;
+        });
+    });
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,110 @@
+#include "doctor/ProbeSocket.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#ifdef IP_RECVERR
+#include <linux/errqueue.h>
+#endif
+
+namespace harvlink::cli {
+
+namespace {
+
+ProbeSocket::Event EventOf(int error) {
+    return error == ECONNREFUSED ? ProbeSocket::Event::PortClosed : ProbeSocket::Event::Unreachable;
+}
+
+} // namespace
+
+ProbeSocket::ProbeSocket(std::string const& host) : descriptor_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    if (descriptor_ < 0) {
+        throw std::system_error(errno, std::generic_category(), "can't open a socket");
+    }
+    host_.sin_family = AF_INET;
+    ::inet_pton(AF_INET, host.c_str(), &host_.sin_addr);
+#ifdef IP_RECVERR
+    // A socket without a fixed peer, which alone sees answers from a wrong port, learns of ICMP errors only by this.
+    int const on = 1;
+    ::setsockopt(descriptor_, IPPROTO_IP, IP_RECVERR, &on, sizeof(on));
+#endif
+}
+
+ProbeSocket::~ProbeSocket() {
+    ::close(descriptor_);
+}
+
+int ProbeSocket::Send(std::uint16_t port, std::span<std::byte const> datagram) const {
+    sockaddr_in target = host_;
+    target.sin_port = htons(port);
+    // An error of an earlier datagram is reported by the next call, which then does nothing.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        if (::sendto(descriptor_, datagram.data(), datagram.size(), MSG_NOSIGNAL,
+                     reinterpret_cast<sockaddr const*>(&target), sizeof(target)) >= 0) {
+            return 0;
+        }
+        if (errno != ECONNREFUSED) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+ProbeSocket::Received ProbeSocket::Receive(std::span<std::byte> buffer, std::chrono::microseconds time) const {
+    pollfd waiting{descriptor_, POLLIN, 0};
+    long const microseconds = std::max<long>(0, time.count());
+    timespec const period{microseconds / 1'000'000, microseconds % 1'000'000 * 1'000};
+    if (::ppoll(&waiting, 1, &period, nullptr) <= 0) {
+        return {};
+    }
+    if ((waiting.revents & POLLERR) != 0) {
+        return ReadError();
+    }
+    sockaddr_in source{};
+    socklen_t size = sizeof(source);
+    ssize_t const length = ::recvfrom(descriptor_, buffer.data(), buffer.size(), MSG_DONTWAIT,
+                                      reinterpret_cast<sockaddr*>(&source), &size);
+    if (length < 0) {
+        return {};
+    }
+    return {Event::Datagram, static_cast<std::size_t>(length), source.sin_addr.s_addr == host_.sin_addr.s_addr,
+            ntohs(source.sin_port), 0};
+}
+
+ProbeSocket::Received ProbeSocket::ReadError() const {
+    Received received;
+    socklen_t size = sizeof(received.error);
+    ::getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &received.error, &size);
+#ifdef IP_RECVERR
+    // The name that comes with a queued error is that of the datagram's target.
+    sockaddr_in target{};
+    alignas(cmsghdr) std::array<std::byte, 256> control{};
+    msghdr message{};
+    message.msg_name = &target;
+    message.msg_namelen = sizeof(target);
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    if (::recvmsg(descriptor_, &message, MSG_ERRQUEUE | MSG_DONTWAIT) >= 0) {
+        received.port = ntohs(target.sin_port);
+        for (cmsghdr* header = CMSG_FIRSTHDR(&message); header != nullptr; header = CMSG_NXTHDR(&message, header)) {
+            if (header->cmsg_level == IPPROTO_IP && header->cmsg_type == IP_RECVERR) {
+                sock_extended_err error{};
+                std::memcpy(&error, CMSG_DATA(header), sizeof(error));
+                received.error = static_cast<int>(error.ee_errno);
+            }
+        }
+    }
+#endif
+    received.event = received.error == 0 ? Event::Nothing : EventOf(received.error);
+    return received;
+}
+
+} // namespace harvlink::cli
