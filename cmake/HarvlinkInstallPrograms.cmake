@@ -38,6 +38,10 @@ endfunction()
 
 if(HARVLINK_BUILD_CLI)
     harvlink_install_program(harvlink_cli harvlink)
+    harvlink_install_output(harvlink_cli "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" harvlink
+                            $<TARGET_FILE:harvlink_cli> completion bash)
+    harvlink_install_output(harvlink_cli "${zsh_folder}" _harvlink
+                            $<TARGET_FILE:harvlink_cli> completion zsh)
 endif()
 if(TARGET harvlink-sim)
     harvlink_install_program(harvlink-sim harvlink-sim)
