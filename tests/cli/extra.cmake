@@ -3,4 +3,5 @@ if(NOT TARGET harvlink_cli_core)
 endif()
 target_link_libraries(${target} PRIVATE harvlink_cli_core)
 add_dependencies(${target} harvlink_cli)
-target_compile_definitions(${target} PRIVATE HARVLINK_PROGRAM="$<TARGET_FILE:harvlink_cli>")
+target_compile_definitions(${target} PRIVATE HARVLINK_PROGRAM="$<TARGET_FILE:harvlink_cli>"
+                                             HARVLINK_DOCUMENTS="${PROJECT_SOURCE_DIR}/docs")

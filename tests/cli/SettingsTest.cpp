@@ -1,0 +1,146 @@
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "Output.h"
+#include "ToolTest.h"
+#include "support/ScratchFolder.h"
+
+namespace harvlink::cli {
+namespace {
+
+/// Runs bash or zsh, and returns what it printed.
+std::string RunShell(std::string const& command) {
+    FILE* const pipe = ::popen(command.c_str(), "r");
+    std::string text;
+    for (int next = ::fgetc(pipe); next != EOF; next = ::fgetc(pipe)) {
+        text += static_cast<char>(next);
+    }
+    ::pclose(pipe);
+    return text;
+}
+
+class SettingsTest : public testing::Test {
+protected:
+    SettingsTest() {
+        for (char const* const name : {"HARVLINK_HOST", "HARVLINK_TIMEOUT", "HARVLINK_RETRIES", "HARVLINK_CONFIG"}) {
+            ::unsetenv(name);
+        }
+        ::setenv("XDG_CONFIG_HOME", folder_.Path().c_str(), 1);
+        std::filesystem::create_directory("harvlink");
+    }
+
+    test::ScratchFolder const folder_;
+};
+
+TEST_F(SettingsTest, ComeFromOptionThenEnvironmentThenFile) {
+    std::string const file = (folder_.Path() / "harvlink/config.toml").string();
+    test::WriteFile(file, "# the cell\nhost = \"10.0.0.3\"\ntimeout = 300\nretries = 5\n");
+    ::setenv("HARVLINK_HOST", "10.0.0.2", 1);
+    ::setenv("HARVLINK_RETRIES", "", 1);
+    Json const config = Json::parse(RunTool("config --json --timeout 100").out);
+    EXPECT_EQ(config["file"], file);
+    std::array<std::array<std::string, 3>, 4> const expected{{{"host", "\"10.0.0.2\"", "HARVLINK_HOST"},
+                                                              {"timeout", "\"100\"", "--timeout"},
+                                                              {"retries", "\"5\"", file + ":4"},
+                                                              {"generation", "null", "built-in"}}};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        Json const& setting = config["settings"][i];
+        EXPECT_EQ(setting["setting"], expected.at(i)[0]);
+        EXPECT_EQ(setting["value"].dump(), expected.at(i)[1]);
+        EXPECT_EQ(setting["source"], expected.at(i)[2]);
+    }
+}
+
+TEST_F(SettingsTest, NameTheSourceOfABadValue) {
+    struct Case {
+        char const* file;
+        char const* variable; ///< of HARVLINK_TIMEOUT
+        char const* options;
+        char const* problem;
+    };
+    std::array<Case, 8> const cases{{
+        {"host = \"1.2.3\"\n", "", "", "config.toml:1: '1.2.3' is no IPv4 address"},
+        {"\nhost = 5\n", "", "", "config.toml:2: host must be a text in quotes"},
+        {"timeout = \"5\"\n", "", "", "config.toml:1: timeout must be a whole number"},
+        {"timeout = 5\nhots = \"1.2.3.4\"\n", "", "", "config.toml:2: there is no setting 'hots'; there are: host, "},
+        {"timeout = \n", "", "", "config.toml:1: "},
+        {"timeout = 5\n", "-1", "", "HARVLINK_TIMEOUT: '-1' is no number of milliseconds"},
+        {"", "", "--retries 1001", "--retries: number of retries 1001 is out of range"},
+        {"", "", "--config nowhere.toml", "can't read nowhere.toml"},
+    }};
+    for (Case const& each : cases) {
+        test::WriteFile("harvlink/config.toml", each.file);
+        ::setenv("HARVLINK_TIMEOUT", each.variable, 1);
+        Result const result = RunTool(fmt::format("config {}", each.options));
+        EXPECT_EQ(result.exit, 2) << each.problem;
+        EXPECT_NE(result.err.find(each.problem), std::string::npos) << result.err;
+    }
+}
+
+TEST_F(SettingsTest, RefuseAControllerOfAnotherGeneration) {
+    simulator::Server server;
+    std::string const host = test::NextLoopbackAddress();
+    server.Add(host);
+    ASSERT_TRUE(server.Start()) << server.Error();
+    EXPECT_EQ(RunTool("status --generation YA --host " + host).exit, 0);
+    Result const result = RunTool("status --generation FS --host " + host);
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_NE(result.err.find("the controller is no FS"), std::string::npos) << result.err;
+}
+
+TEST_F(SettingsTest, CompleteInBashAndZsh) {
+    test::WriteFile("bash", RunTool("completion bash").out + R"(
+COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _harvlink 2>/dev/null; printf '%s ' "${COMPREPLY[@]}")");
+    test::WriteFile("zsh", "compdef() {}\ncompadd() { for w in ${@:#--}; do [[ $w == ${words[CURRENT]}* ]] && printf "
+                           "'%s ' $w; done }\n_files() { printf 'square.csv ' }\n" +
+                               RunTool("completion zsh").out + "words=(\"$@\") CURRENT=$#; _harvlink");
+    test::WriteFile("square.csv", "");
+    struct Case {
+        char const* words;
+        char const* completed;
+    };
+    std::array<Case, 9> const cases{{
+        {"sta", "status start "},
+        {"position R", "R1 R2 R3 R4 R5 R6 R7 R8 "},
+        {"position --coordinate u", "user: "},
+        {"--timeout 5 position --coo", "--coordinate "},
+        {"alarms history --category sys", "system-user "},
+        {"hold o", "on off "},
+        {"trajectory run squ", "square.csv "},
+        {"files get --for", "--force "},
+        {"status --ho", "--host "},
+    }};
+    for (char const* const shell : {"bash", "zsh"}) {
+        if (RunShell(fmt::format("command -v {}", shell)).empty()) {
+            continue;
+        }
+        for (Case const& each : cases) {
+            EXPECT_EQ(RunShell(fmt::format("{0} ./{0} harvlink {1}", shell, each.words)), each.completed)
+                << shell << ": " << each.words;
+        }
+    }
+}
+
+TEST_F(SettingsTest, DoNotKeepAnyCommandFromShowingExamples) {
+    std::string const script = RunTool("completion bash").out;
+    std::string const start = " command=\"harvlink ";
+    std::size_t commands = 0;
+    for (std::size_t at = script.find(start); at != std::string::npos; at = script.find(start, at + 1)) {
+        std::string command = script.substr(at + start.size());
+        command.resize(command.find('"'));
+        Result const help = RunTool(command + " --help");
+        EXPECT_EQ(help.exit, 0) << command;
+        EXPECT_NE(help.out.find("Example"), std::string::npos) << command;
+        ++commands;
+    }
+    EXPECT_GT(commands, 50U);
+}
+
+} // namespace
+} // namespace harvlink::cli
