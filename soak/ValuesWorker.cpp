@@ -58,11 +58,14 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
     WireImage last;
     auto const ask = [&] {
         auto const answer = Read(kind, index, got);
-        if (answer != Answer::Right || got == wanted) {
+        if (answer != Answer::Right || (isWhole && got == wanted)) {
             return answer;
         }
         if (!isWhole && IsMixture(before, wanted, got)) {
-            return Answer::Right; // the status said that it failed, and it has been found out where
+            // The status said that it failed, and where is known when two reads agree: a cut one looks like a mixture too.
+            bool const isAgreed = got == last;
+            last = got;
+            return isAgreed ? Answer::Right : Answer::Missing;
         }
         if (kind.isReadAndWritten && got == last && IsCut(kind, wanted, got)) {
             ledger_.Note(Survived::CutAnswer);
