@@ -54,6 +54,7 @@ void CheckReply(Request const& request, simulator::Reply const& reply) {
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     VirtualController controller("127.0.0.1", OptionsOf(input.Take<std::uint8_t>()));
+    controller.With([](ControllerModel& model) { model.SetServo(true); });
     simulator::Reply reply;
     while (!input.IsEmpty()) {
         auto const control = input.Take<std::uint8_t>();
