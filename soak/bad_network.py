@@ -4,13 +4,14 @@ packet between them what it is told, each way.
 
     bad_network.py --join NAMESPACE ADDRESS/BITS... --join NAMESPACE ADDRESS/BITS... [--loss 5] [--delay 5 3] ...
 
-Prints "ready" when packets pass, and how many it lost, delayed and so on when it is ended by SIGTERM. A flipped bit is left
+Prints "ready" when packets pass, and when it is ended by SIGTERM how many it lost and so on, as JSON. A flipped bit is left
 to the receiving kernel, which has to find it by the checksum: tunnel interfaces are handed no packet without one.
 """
 
 import argparse
 import fcntl
 import heapq
+import json
 import os
 import random
 import select
@@ -116,7 +117,7 @@ def main():
         relay(tunnels, links)
     except SystemExit:
         total = {name: sum(link.counts[name] for link in links) for name in links[0].counts}
-        print("; ".join(f"{name} {count}" for name, count in total.items()), flush=True)
+        print(json.dumps(total), flush=True)
         raise
 
 
