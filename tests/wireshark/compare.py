@@ -12,6 +12,14 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 HEADER = struct.Struct("<4sHHBBBBI8s")
 REQUEST = struct.Struct("<HHBB")
 REPLY = struct.Struct("<BBBxH")
+# Where the axes stand in what carries some, by direction and command.
+AXES = {
+    **{("request", command): f"<4x{'8x8i32x' * 4}4x" for command in (842,)},
+    **{("request", command): "<24x8i" for command in (866, 868, 869)},
+    **{("reply", command): "<16x8i" for command in (829, 866, 868, 869)},
+    **{("reply", command): "<8i" for command in (118, 119)},
+    ("reply", 117): "<20x8i",
+}
 FIELDS = (
     *("udp.payload", "udp.dstport", "harvlink.payload_size", "harvlink.request_id", "harvlink.block"),
     *("harvlink.command", "harvlink.instance", "harvlink.attribute", "harvlink.service", "harvlink.file_service"),
@@ -54,6 +62,9 @@ def expected(frame):
     else:
         _, status, _, added = REPLY.unpack_from(datagram, 24)
         fields.update({"harvlink.status": status, "harvlink.added_status": added})
+    axes = AXES.get(("request" if to_controller else "reply", int(frame["harvlink.command"] or 0)))
+    if axes and size == struct.calcsize(axes):
+        fields["harvlink.data.axis"] = "|".join(map(str, struct.unpack_from(axes, datagram, 32)))
     if division == 2:
         fields["harvlink.file_data" if ack or not to_controller else "harvlink.file_name"] = text
     return fields
