@@ -30,10 +30,10 @@ constexpr int Same = 0;
 constexpr int Different = 1;
 constexpr int Trouble = 2;
 
-constexpr char const* DiffNotes =
-    "Each of the two is the folder of a snapshot or the word live, the controller of --host, of which the same\n"
-    "is read as the other has. A folder of that name is given as ./live.\n"
-    "Exit status: 0 the same, 1 different, 2 something could not be compared.";
+constexpr char const* DiffNotes = "Each of the two is the folder of a snapshot or the word live: the controller of\n"
+                                  "--host, of which the same is read as the other has. A folder of that name is\n"
+                                  "given as ./live.\n"
+                                  "Exit status: 0 the same, 1 different, 2 something could not be compared.";
 
 struct DiffArguments {
     std::string before;

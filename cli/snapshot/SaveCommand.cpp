@@ -22,11 +22,11 @@ namespace {
 
 namespace filesystem = std::filesystem;
 
-constexpr char const* SaveNotes =
-    "The folder is written beside its place and moved there when all is read; on Ctrl-C it is dropped. What the\n"
-    "controller did not give is named, and the exit status is 1; if that would replace a snapshot, it goes to\n"
-    "FOLDER.incomplete instead. Variables, signals, registers and parameters are read from their first number to\n"
-    "the first that the controller refuses, parameters to 999 at most.";
+constexpr char const* SaveNotes = "The folder is written beside its place and moved there when all is read; on\n"
+                                  "Ctrl-C it is dropped. What the controller did not give is named, and the exit\n"
+                                  "status is 1; if that would replace a snapshot, it goes to FOLDER.incomplete\n"
+                                  "instead. Variables, signals, registers and parameters are read from their first\n"
+                                  "number to the first that the controller refuses, parameters to 999 at most.";
 
 struct SaveArguments {
     std::string folder;
@@ -87,9 +87,11 @@ void AddSave(CLI::App& family, Session& session) {
     verb->add_option("--only", selection.sections,
                      "Sections: groups, variables, signals, registers, parameters, files (default: all)")
         ->type_name("SECTION");
-    verb->add_option("--var", selection.variables, "Variables and ranges, such as B0..B99 (default: all)");
-    verb->add_option("--param", selection.parameters, "Parameters and ranges, such as RS0..RS299 (default: all)");
-    verb->add_option("--files", selection.files, "Names and globs of files (default: all)");
+    verb->add_option("--var", selection.variables, "Variables and ranges, such as B0..B99 (default: all)")
+        ->type_name("VARIABLE");
+    verb->add_option("--param", selection.parameters, "Parameters and ranges, such as RS0..RS299 (default: all)")
+        ->type_name("PARAMETER");
+    verb->add_option("--files", selection.files, "Names and globs of files (default: all)")->type_name("NAME");
     verb->add_flag("--force", arguments->force, "Replace an existing snapshot");
     SetExamples(
         *verb,

@@ -31,10 +31,11 @@ using std::chrono::milliseconds;
 constexpr std::size_t PlainColumns = 80;
 
 constexpr char const* WatchNotes =
-    "Key q or Ctrl-C quits. Nothing on the controller is changed by a key, by design; but opening the\n"
-    "connection clears the motion targets of a controller from generation YA up, as every command does: do not\n"
-    "start it while another program moves the arm. When the controller stops answering, that is shown, and it is\n"
-    "asked again until it answers. With --json a line is printed for each look.";
+    "Key q or Ctrl-C quits. No key changes anything on the controller, by design. But\n"
+    "opening the connection clears the motion targets of a controller from generation\n"
+    "YA up, as every command does: do not start it while another program moves the arm.\n"
+    "A controller that stops answering is shown as such and asked until it answers\n"
+    "again. With --json a line is printed for each look.";
 
 struct WatchArguments {
     std::vector<std::string> groups{"R1"};
@@ -130,9 +131,10 @@ namespace harvlink::cli {
 void AddWatchCommand(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<watch::WatchArguments>();
     CLI::App* const verb = app.add_subcommand("watch", "Show state, positions, alarms and chosen values, live");
-    verb->add_option("--group", arguments->groups, "Control groups")->capture_default_str();
-    verb->add_option("--var", arguments->variables, "Variables and ranges, such as B5 S4 P12 B0..B9");
-    verb->add_option("--io", arguments->signals, "Signals, such as 10010 or general-output:1");
+    verb->add_option("--group", arguments->groups, "Control groups")->type_name("GROUP")->default_str("R1");
+    verb->add_option("--var", arguments->variables, "Variables and ranges, such as B5 S4 P12 B0..B9")
+        ->type_name("VARIABLE");
+    verb->add_option("--io", arguments->signals, "Signals, such as 10010 or general-output:1")->type_name("SIGNAL");
     verb->add_option("--interval", arguments->interval, "Milliseconds between two looks")
         ->check(CLI::Range(1U, 3'600'000U))
         ->type_name("MS")
