@@ -17,6 +17,7 @@ from pathlib import Path
 PROJECT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("HARVLINK_FUZZ_BUILD", PROJECT / "build" / "fuzz"))
 PREFIX = "harvlink_fuzz_"
+JOBS = int(os.environ.get("HARVLINK_FUZZ_JOBS", os.cpu_count() or 1))
 LONGEST_INPUT = 8192
 PATIENCE = 100  # seconds for one input: much, because a busy machine is no fault
 GRACE = 300  # seconds beyond its time after which a fuzzer counts as hung
@@ -123,7 +124,7 @@ def main(arguments):
     names = arguments[1:] or names
     for folder in ("logs", "crashes"):
         (BUILD / folder).mkdir(parents=True, exist_ok=True)
-    with ThreadPoolExecutor(os.cpu_count()) as pool:
+    with ThreadPoolExecutor(JOBS) as pool:
         rows = list(pool.map(lambda name: run(name, seconds), names))
     if failed.is_set():
         return 1
