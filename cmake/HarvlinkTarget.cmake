@@ -22,7 +22,7 @@ function(harvlink_merge_folders target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
     # A name of one source may hide that of another, and what is unnamed in one is so in the merged source too.
     target_compile_options(${target} PRIVATE
-                           -Wno-shadow "$<$<CXX_COMPILER_ID:GNU>:-Wshadow=local;-Wno-subobject-linkage>")
+                           -Wno-shadow "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wshadow=local;-Wno-subobject-linkage>")
     get_target_property(sources ${target} SOURCES)
     list(FILTER sources INCLUDE REGEX "\\.cpp$")
     foreach(source IN LISTS sources)
