@@ -60,12 +60,12 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
         auto const control = input.Take<std::uint8_t>();
         auto const port = (control & toFilePort) != 0 ? Port::File : Port::Robot;
         auto const datagram = TakeDatagram(input, control);
-        if (auto const* const request = controller.Handle(port, control >> 5U & 3U, datagram, reply)) {
+        if (auto const* const request = controller.Handle(port, control >> 4U & 7U, datagram, reply)) {
             if (!reply.IsSuppressed()) {
                 CheckReply(*request, reply);
             }
         }
-        controller.Advance(std::chrono::milliseconds(control >> 1U & 15U));
+        controller.Advance(std::chrono::milliseconds((1U << (control >> 1U & 7U)) - 1U));
         static_cast<void>(controller.TakeDeliveries());
     }
     return 0;

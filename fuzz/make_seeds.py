@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Writes the committed corpora of the fuzzers whose input is binary. Texts in fuzz/corpus are edited by hand.
 
-Usage: fuzz/make_seeds.py [CAPTURE]     requests are taken from a capture of the tests' own traffic on the loopback:
-                                        tshark -i lo -f 'udp portrange 10040-10041' -w CAPTURE, while they run
+Usage: fuzz/make_seeds.py [CAPTURE [LENGTH]]
+
+Requests, LENGTH to a seed, are taken from a capture of the tests' own traffic on the loopback:
+tshark -i lo -f 'udp portrange 10040-10041' -w CAPTURE, while they run.
 """
 import struct
 import subprocess
@@ -57,21 +59,23 @@ def file_blocks():
     write("file_blocks", "save-refused", b"\2" + block(1, b"a" * 479) + block(2, b"", 0x1F, 0xA001))
 
 
-def requests(capture):
-    """The requests in their order, some to a seed; a seed without any new kind of request is left out."""
+def requests(capture, length):
+    """The requests in their order, without repetitions; a seed without any new kind of request is left out."""
     fields = ["tshark", "-r", capture, "-T", "fields", "-e", "udp.dstport", "-e", "udp.payload"]
     lines = subprocess.run(fields, capture_output=True, text=True, check=True).stdout.split()
     sent = [(port, bytes.fromhex(payload)) for port, payload in zip(lines[::2], lines[1::2])
             if port in ("10040", "10041") and payload.startswith(b"TROZ".hex()) and len(payload) >= 64]
+    sent = [now for before, now in zip([None, *sent], sent) if not before or before[1][12:] != now[1][12:]]
     seen = set()
-    for start in range(0, len(sent), 5):
-        some = sent[start:start + 5]
+    for start in range(0, len(sent), length):
+        some = sent[start:start + length]
         kinds = {(port, datagram[24:26], datagram[29], datagram[10], len(datagram)) for port, datagram in some}
         if not kinds <= seen:
             seen |= kinds
-            content = b"".join(struct.pack("<BH", int(port == "10041"), len(datagram)) + datagram
+            time = 6 << 1  # some milliseconds after each datagram
+            content = b"".join(struct.pack("<BH", time | int(port == "10041"), len(datagram)) + datagram
                                for port, datagram in some)
-            write("requests", f"{start:05}", struct.pack("<B", YA) + content)
+            write("requests", f"{length}-{start:05}", struct.pack("<B", YA) + content)
 
 
 if __name__ == "__main__":
@@ -79,4 +83,4 @@ if __name__ == "__main__":
     plain_records()
     file_blocks()
     if len(sys.argv) > 1:
-        requests(sys.argv[1])
+        requests(sys.argv[1], int(sys.argv[2]) if len(sys.argv) > 2 else 5)
