@@ -6,10 +6,12 @@ checkout's build folders.
 
 import base64
 import hashlib
+import os
 import pathlib
 import re
 import sys
 import sysconfig
+import time
 import zipfile
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -63,6 +65,14 @@ def _stem():
     return f"{project['name']}-{project['version']}"
 
 
+def _entry(path):
+    """A file of a wheel, as old as SOURCE_DATE_EPOCH says: the same sources make the same wheel."""
+    entry = zipfile.ZipInfo(path, time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time())))[:6])
+    entry.compress_type = zipfile.ZIP_DEFLATED
+    entry.external_attr = 0o644 << 16
+    return entry
+
+
 def _write_wheel(folder, files, platform):
     stem = _stem()
     tag = f"py3-none-{platform}"
@@ -79,8 +89,8 @@ def _write_wheel(folder, files, platform):
         for path, content in files.items():
             digest = base64.urlsafe_b64encode(hashlib.sha256(content).digest()).rstrip(b"=").decode()
             rows.append(f"{path},sha256={digest},{len(content)}\n")
-            wheel.writestr(path, content)
-        wheel.writestr(record, "".join(rows) + f"{record},,\n")
+            wheel.writestr(_entry(path), content)
+        wheel.writestr(_entry(record), "".join(rows) + f"{record},,\n")
     return name
 
 

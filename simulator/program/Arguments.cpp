@@ -34,16 +34,16 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
         ->check(CLI::Range(0.001, 10000.0));
     app.add_option("--faults", faults_, "What shall go wrong, such as seed=7,drop=2%,delay=10%,delay-ms=30")
         ->check(CheckFaults);
-    app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers");
     app.add_option("--report", report_, "File to write at the end: what was asked and what went wrong, as JSON");
+    app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
 }
 
 Arguments ArgumentParser::Result() const {
     Arguments result;
     result.addresses = addresses_;
-    result.pcap = pcap_;
     result.report = report_;
+    result.pcap = pcap_;
     result.verbose = verbose_;
     if (scene_) {
         result.scene = Scene::FromFile(*scene_);

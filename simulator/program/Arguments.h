@@ -15,8 +15,8 @@ struct Arguments {
     std::vector<std::string> addresses;
     ControllerOptions options;
     std::optional<Scene> scene;
-    std::optional<std::string> pcap;
     std::optional<std::string> report;
+    std::optional<std::string> pcap;
     bool verbose = false;
 };
 

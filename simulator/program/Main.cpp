@@ -13,8 +13,8 @@
 
 #include "simulator/Server.h"
 #include "simulator/program/Arguments.h"
-#include "simulator/program/TrafficReport.h"
 #include "simulator/program/PcapFile.h"
+#include "simulator/program/TrafficReport.h"
 #include "simulator/scene/Scene.h"
 
 namespace {
