@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Takes the code blocks out of Markdown pages, so that the build can compile and the tests can run them.
 
-    snippets.py cpp OUTPUT-FOLDER PAGE...    one .cpp per block that has a main; the others become one file of functions
-    snippets.py sh OUTPUT-FOLDER PAGE...     one .sh per page, of its blocks marked "sh run"
+    snippets.py cpp OUTPUT-FOLDER PAGE...      one .cpp per block that has a main; the others become one file of functions
+    snippets.py c OUTPUT-FOLDER PAGE...        one .c per block
+    snippets.py python OUTPUT-FOLDER PAGE...   one .py per block
+    snippets.py sh OUTPUT-FOLDER PAGE...       one .sh per page, of its blocks marked "sh run"
 """
 
 import pathlib
@@ -32,6 +34,11 @@ def write_if_changed(path, text):
         path.write_text(text, encoding="utf-8")
 
 
+def remove_stale(folder, suffix, written):
+    for stale in set(folder.glob(f"*{suffix}")) - written:
+        stale.unlink()
+
+
 def write_programs(folder, pages):
     folder.mkdir(parents=True, exist_ok=True)
     fragments = "#include <iostream>\n#include <string>\n#include <vector>\n\n#include \"harvlink/harvlink.h\"\n"
@@ -47,8 +54,27 @@ def write_programs(folder, pages):
             else:
                 fragments += FRAGMENT.format(name=name, line=line, page=page, code=code)
     write_if_changed(folder / "fragments.cpp", fragments)
-    for stale in set(folder.glob("*.cpp")) - written:
-        stale.unlink()
+    remove_stale(folder, ".cpp", written)
+
+
+def write_blocks(folder, pages, kind, suffix, head, host):
+    folder.mkdir(parents=True, exist_ok=True)
+    written = set()
+    for page in pages:
+        for number, (_, code) in enumerate(blocks(page, [kind])):
+            name = re.sub(r"\W", "_", f"{page.parent.name}_{page.stem}").strip("_")
+            path = folder / f"{name}_{number}{suffix}"
+            write_if_changed(path, head + code.replace(f'"{ADDRESS}"', host))
+            written.add(path)
+    remove_stale(folder, suffix, written)
+
+
+def write_c(folder, pages):
+    write_blocks(folder, pages, "c", ".c", "#include <stdlib.h>\n", 'getenv("HARVLINK_HOST")')
+
+
+def write_python(folder, pages):
+    write_blocks(folder, pages, "python", ".py", "import os\n", 'os.environ["HARVLINK_HOST"]')
 
 
 def write_scripts(folder, pages):
@@ -60,12 +86,11 @@ def write_scripts(folder, pages):
             path = folder / (re.sub(r"\W", "_", page.stem) + ".sh")
             write_if_changed(path, commands.replace(ADDRESS, '"$HARVLINK_HOST"'))
             written.add(path)
-    for stale in set(folder.glob("*.sh")) - written:
-        stale.unlink()
+    remove_stale(folder, ".sh", written)
 
 
 def main(arguments):
-    writers = {"cpp": write_programs, "sh": write_scripts}
+    writers = {"cpp": write_programs, "c": write_c, "python": write_python, "sh": write_scripts}
     if len(arguments) < 3 or arguments[0] not in writers:
         print(__doc__, file=sys.stderr)
         return 2
