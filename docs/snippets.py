@@ -12,6 +12,7 @@ import re
 import sys
 
 BLOCK = re.compile(r"^```(?P<info>[^\n]*)\n(?P<code>.*?)^```$", re.MULTILINE | re.DOTALL)
+PROJECT = pathlib.Path(__file__).resolve().parents[1]
 # A program of a page talks to the usual address; in a test it gets one of its own.
 ADDRESS = "127.0.0.1"
 FRAGMENT = """
@@ -62,7 +63,7 @@ def write_blocks(folder, pages, kind, suffix, head, host):
     written = set()
     for page in pages:
         for number, (_, code) in enumerate(blocks(page, [kind])):
-            name = re.sub(r"\W", "_", f"{page.parent.name}_{page.stem}").strip("_")
+            name = re.sub(r"\W", "_", str(page.resolve().relative_to(PROJECT).with_suffix("")))
             path = folder / f"{name}_{number}{suffix}"
             write_if_changed(path, head + code.replace(f'"{ADDRESS}"', host))
             written.add(path)
