@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "harvlink/ControllerStateInterface.h"
+#include "controller/StatusMessages.h"
 
 // Nothing is gained by waiting for a controller that is made up: the few pauses of the library pass at once.
 extern "C" int __wrap_nanosleep(timespec const*, timespec*);
@@ -15,12 +15,29 @@ namespace {
 
 constexpr std::size_t requestIdOffset = offsetof(CommonHeader, requestId);
 
-simulator::ControllerOptions OptionsOf(std::uint8_t generation) {
-    simulator::ControllerOptions options{.generation = static_cast<ControllerVersion>(generation % 6)};
+constexpr std::size_t generations = 6;
+
+std::unique_ptr<simulator::VirtualController> MakeController(std::uint8_t generation) {
+    simulator::ControllerOptions options{.generation = static_cast<ControllerVersion>(generation % generations)};
     options.groups = {{ControlGroupId::R1, 6}, {ControlGroupId::B1, 1}, {ControlGroupId::S1, 2}};
     options.toolCount = 2;
     options.timeScale = 0.0;
-    return options;
+    auto controller = std::make_unique<simulator::VirtualController>("127.0.0.1", options);
+    controller->With([](simulator::ControllerModel& model) { model.SetServo(true); });
+    return controller;
+}
+
+/// What a controller of this generation answers while a connection to it opens: always the same.
+Answers& StartUpOf(std::uint8_t generation) {
+    static std::array<Answers, generations> startUps;
+    return startUps.at(generation % generations);
+}
+
+Transport* MakeTransport(std::uint8_t generation, std::optional<Answers> const& answers) {
+    auto* const transport = new Transport(generation);
+    transport->answers = answers.value_or(StartUpOf(generation));
+    transport->isHonest = !answers && transport->answers.empty();
+    return transport;
 }
 
 } // namespace
@@ -66,14 +83,23 @@ void Transport::Send(Division division, std::span<std::byte const> datagram) {
     lastId = datagram[requestIdOffset];
     sent.emplace_back(datagram.begin(), datagram.end());
     honestAnswer.clear();
-    bool const isAsked = isHonest || (!answers.empty() && answers.front().kind <= Answer::Kind::Cut);
-    auto const port = division == Division::FileControl ? simulator::Port::File : simulator::Port::Robot;
-    if (isAsked && controller.Handle(port, 1, datagram, reply) != nullptr && !reply.IsSuppressed()) {
-        if (losses % 2 == 0) {
-            honestAnswer.assign(reply.Bytes().begin(), reply.Bytes().end());
-        }
-        losses >>= 1U;
+    if (isHonest || (!answers.empty() && answers.front().kind <= Answer::Kind::Cut)) {
+        Ask(division, datagram);
     }
+}
+
+void Transport::Ask(Division division, std::span<std::byte const> datagram) {
+    if (controller == nullptr) {
+        controller = MakeController(generation);
+    }
+    auto const port = division == Division::FileControl ? simulator::Port::File : simulator::Port::Robot;
+    if (controller->Handle(port, 1, datagram, reply) == nullptr || reply.IsSuppressed()) {
+        return;
+    }
+    if (losses % 2 == 0) {
+        honestAnswer.assign(reply.Bytes().begin(), reply.Bytes().end());
+    }
+    losses >>= 1U;
 }
 
 std::size_t Transport::Receive(std::span<std::byte> buffer, timeval) {
@@ -85,6 +111,7 @@ std::size_t Transport::Receive(std::span<std::byte> buffer, timeval) {
 
 Bytes Transport::Next() {
     if (isHonest) {
+        given.push_back({Answer::Kind::Raw, 0, honestAnswer});
         return std::exchange(honestAnswer, {});
     }
     if (answers.empty()) {
@@ -105,16 +132,12 @@ Bytes Transport::Next() {
 }
 
 Session::Session(std::uint8_t generation, std::optional<Answers> answers)
-    : controller("127.0.0.1", OptionsOf(generation)), robot(MakeTransport(std::move(answers)), 0, 0, false, status) {}
-
-std::unique_ptr<DatagramTransport> Session::MakeTransport(std::optional<Answers> answers) {
-    auto made = std::make_unique<Transport>(controller);
-    transport = made.get();
-    controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
-    if (answers) {
-        Face(std::move(*answers));
+    : transport(MakeTransport(generation, answers)),
+      robot(std::unique_ptr<DatagramTransport>(transport), 0, 0, false, status) {
+    if (transport->isHonest) {
+        StartUpOf(generation) = std::move(transport->given);
     }
-    return made;
+    transport->isHonest = !answers;
 }
 
 void Session::Face(Answers answers) {
@@ -124,11 +147,13 @@ void Session::Face(Answers answers) {
 }
 
 void Session::RequireUsable() {
-    transport->isHonest = true;
-    transport->losses = 0;
+    IncomingPacket<StatusInformationReturnData> packet{.payload = {.first = 0x80, .second = 0x40}};
+    auto const bytes = packet.Bytes();
+    Face({{Answer::Kind::Raw, 0, {bytes.begin(), bytes.end()}}});
     ControllerStateData state;
     Require(robot.Status->ReadState(state).StatusCode == 0, "the next operation works");
-    Require(state.controlMode == ControllerStateData::ControlMode::Remote, "the next operation reads the truth");
+    Require(state.controlMode == ControllerStateData::ControlMode::Remote && state.isServoOn && !state.isAlarming,
+            "the next operation reads what it is answered");
 }
 
 } // namespace harvlink::fuzz

@@ -38,10 +38,11 @@ Answer Block(std::uint32_t number, SubHeaderForReceiving subHeader, std::span<st
 /// A whole file, as an honest controller sends it.
 Answers BlocksOf(std::string_view text);
 
-/// Stands in for the sockets, in front of a virtual controller. Nothing ever waits.
+/// Stands in for the sockets, in front of a virtual controller of one of the six generations, with servo power, whose time
+/// stands still. Nothing ever waits.
 class Transport final : public DatagramTransport {
 public:
-    explicit Transport(simulator::VirtualController& honestController) : controller(honestController) {}
+    explicit Transport(std::uint8_t controllerGeneration) : generation(controllerGeneration) {}
 
     /// Every request must be a datagram that a controller can take apart.
     void Send(Division division, std::span<std::byte const> datagram) override;
@@ -51,17 +52,20 @@ public:
     Answers answers;
     std::uint32_t losses = 0; ///< bit n: the honest controller's n-th answer from now on is lost
     std::vector<Bytes> sent; ///< since answers were last given
+    Answers given; ///< honest ones
 
 private:
+    void Ask(Division division, std::span<std::byte const> datagram);
     Bytes Next();
 
-    simulator::VirtualController& controller;
+    std::uint8_t generation;
+    std::unique_ptr<simulator::VirtualController> controller; ///< made when it is asked
     simulator::Reply reply;
     Bytes honestAnswer; ///< to the last request; empty if there is none
     std::byte lastId{};
 };
 
-/// A connection to a virtual controller of one of the six generations, whose time stands still.
+/// A connection over a Transport.
 class Session {
 public:
     /// Opens the connection over honest answers, unless others are given.
@@ -73,13 +77,7 @@ public:
     /// Whatever came before, the next operation works.
     void RequireUsable();
 
-private:
-    std::unique_ptr<DatagramTransport> MakeTransport(std::optional<Answers> answers);
-
-    simulator::VirtualController controller;
-
-public:
-    Transport* transport = nullptr;
+    Transport* transport;
     StatusInfo status;
     QuorvanControllerImplementation robot;
 };

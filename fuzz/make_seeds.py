@@ -14,6 +14,7 @@ from pathlib import Path
 CORPUS = Path(__file__).resolve().parent / "corpus"
 FS, YA = 2, 3
 HONEST = struct.pack("<BHH", 0, 0, 0)
+BENT = struct.pack("<BHH", 0, 12, 36) + bytes(36)  # by nothing yet: from the block number on into the payload
 LAST_BLOCK = 0x80000000
 
 
@@ -29,10 +30,9 @@ def replies():
         (2, 17, 5, 1, 11, 64),
     ]
     for number in range(22):
-        for generation in (FS, YA):
-            for variant, values in enumerate(arguments):
-                answers = HONEST * (40 if number == 21 else 12)
-                content = struct.pack("<BBBBBBHH", number, generation, *values) + answers
+        for variant, values in enumerate(arguments):
+            for generation, answer in ((YA, BENT), (FS, HONEST))[:2 if variant == 0 else 1]:
+                content = struct.pack("<BBBBBBHH", number, generation, *values) + answer * (40 if number == 21 else 8)
                 write("replies", f"{number:02}-{generation}-{variant}", content)
 
 

@@ -23,7 +23,7 @@ PATIENCE = 100  # seconds for one input: much, because a busy machine is no faul
 GRACE = 300  # seconds beyond its time after which a fuzzer counts as hung
 ENVIRONMENT = dict(
     os.environ,
-    ASAN_OPTIONS="detect_stack_use_after_return=1:strict_string_checks=1:allocator_may_return_null=0",
+    ASAN_OPTIONS="detect_stack_use_after_return=1:strict_string_checks=1:malloc_context_size=10:quarantine_size_mb=32",
     UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1",
 )
 
