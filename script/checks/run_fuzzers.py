@@ -108,11 +108,12 @@ def report_failure(name, log, log_file):
 
 def print_table(rows):
     columns = ["name", "executions", "seconds", "coverage", "corpus", "seeds"]
-    widths = [max(len(f"{row[column]:,}" if isinstance(row[column], int) else str(row[column]))
-                  for row in [*rows, dict.fromkeys(columns, column)]) for column, column in zip(columns, columns)]
-    for row in [dict(zip(columns, ["fuzzer", *columns[1:]])), *rows]:
-        cells = [f"{row[column]:,}" if isinstance(row[column], int) else str(row[column]) for column in columns]
-        print(cells[0].ljust(widths[0]), *(cell.rjust(width) for cell, width in zip(cells[1:], widths[1:])), sep="  ")
+    lines = [["fuzzer", *columns[1:]]]
+    for row in rows:
+        lines.append([f"{row[column]:,}" if isinstance(row[column], int) else str(row[column]) for column in columns])
+    widths = [max(map(len, cells)) for cells in zip(*lines)]
+    for first, *others in lines:
+        print(first.ljust(widths[0]), *(cell.rjust(width) for cell, width in zip(others, widths[1:])), sep="  ")
 
 
 def main(arguments):
@@ -124,6 +125,8 @@ def main(arguments):
     names = arguments[1:] or names
     for folder in ("logs", "crashes"):
         (BUILD / folder).mkdir(parents=True, exist_ok=True)
+    report_file = BUILD / "report.json"
+    report_file.unlink(missing_ok=True)  # there are figures only of a run without a fault
     with ThreadPoolExecutor(JOBS) as pool:
         rows = list(pool.map(lambda name: run(name, seconds), names))
     if failed.is_set():
@@ -131,7 +134,7 @@ def main(arguments):
     total = {"executions": sum(row["executions"] for row in rows),
              "seconds": round(sum(row["seconds"] for row in rows), 1)}
     report = {"date": time.strftime("%Y-%m-%d"), "secondsEach": seconds, "fuzzers": rows, "total": total}
-    (BUILD / "report.json").write_text(json.dumps(report, indent=2) + "\n", encoding="utf-8")
+    report_file.write_text(json.dumps(report, indent=2) + "\n", encoding="utf-8")
     print_table(rows)
     print(f"script/fuzz: {total['executions']:,} executions in {total['seconds']:,} s, no fault")
     return 0
