@@ -211,4 +211,16 @@ void FilesWorker::List(Store& store) {
     Settle("list", ask, [&] { return problem; });
 }
 
+std::size_t FilesWorker::KeptBytes() const {
+    std::size_t bytes = difference_.capacity();
+    for (auto const& store : stores_) {
+        for (auto const& [name, contents] : store.files) {
+            for (auto const& content : contents) {
+                bytes += content ? content->capacity() : 0;
+            }
+        }
+    }
+    return bytes;
+}
+
 } // namespace harvlink::soak

@@ -18,6 +18,8 @@ public:
     FilesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
                 std::vector<Session*> sessions, std::filesystem::path folder);
 
+    std::size_t KeptBytes() const override;
+
 private:
     using Content = std::optional<std::string>; ///< nothing: there is no such file
 

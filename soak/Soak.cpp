@@ -202,7 +202,11 @@ void Soak::PrintProgress() {
 }
 
 std::vector<ProcessFigures> Soak::Measure() const {
-    std::vector<ProcessFigures> figures{OwnFigures()};
+    auto own = OwnFigures();
+    for (auto const& worker : workers_) {
+        own.heapKiB -= std::min(own.heapKiB, worker->KeptBytes() / 1024);
+    }
+    std::vector<ProcessFigures> figures{own};
     for (auto const& simulator : simulators_) {
         figures.push_back(simulator->Figures());
     }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <random>
@@ -33,6 +34,9 @@ public:
 
     /// Steps until it is asked to stop.
     void Run(std::stop_token const& stop);
+
+    /// What it has to remember of the controllers' contents, and may grow with them. Asked between rounds.
+    virtual std::size_t KeptBytes() const { return 0; }
 
     /// When it last got an operation done.
     SteadyClock::time_point LastSign() const { return lastSign_; }
