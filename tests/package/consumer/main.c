@@ -1,7 +1,6 @@
+#include <harvlink/harvlink_c.h>
 #include <stdio.h>
 #include <stdlib.h>
-
-#include <harvlink/harvlink_c.h>
 
 int main(int count, char** arguments) {
     IStatusInfo status;
