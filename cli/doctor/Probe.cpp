@@ -31,7 +31,8 @@ Datagram Request(std::uint8_t division, std::uint8_t id, std::string_view payloa
                  std::array<std::uint8_t, 6> const& tail) {
     Datagram bytes(HeaderSize);
     auto const put = [&](std::size_t offset, std::string_view text) {
-        std::ranges::transform(text, bytes.begin() + static_cast<std::ptrdiff_t>(offset), [](char c) { return static_cast<std::byte>(c); });
+        std::ranges::transform(text, bytes.begin() + static_cast<std::ptrdiff_t>(offset),
+                               [](char c) { return static_cast<std::byte>(c); });
     };
     put(0, "TROZ");
     bytes[4] = std::byte{HeaderSize};
