@@ -23,7 +23,8 @@ struct Family {
 };
 
 constexpr Family families[] = {{"exchange", ExchangeCases}, {"peer", PeerCase},      {"file", FileCases},
-                               {"motion", MotionCases},     {"thread", ThreadCases}, {"connection", ConnectionCases}, {"simulator", SimulatorCase}};
+                               {"motion", MotionCases},     {"thread", ThreadCases}, {"connection", ConnectionCases},
+                               {"simulator", SimulatorCase}};
 
 int RunFamilies(std::vector<std::string> const& wanted, std::string const& jsonPath) {
     Report report;
