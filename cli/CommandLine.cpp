@@ -77,6 +77,15 @@ std::vector<std::string> Arguments(int argc, char const* const* argv) {
     return arguments;
 }
 
+/// The parser misses what is required before it looks at the word in its place that it does not know.
+std::string Complaint(CLI::App const& app, CLI::ParseError const& error) {
+    auto const unknown = app.remaining(true);
+    if (error.get_name() == "RequiredError" && !unknown.empty()) {
+        return fmt::format("there is no command or option '{}'", unknown.front());
+    }
+    return error.what();
+}
+
 int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {
     try {
         app.parse(Arguments(argc, argv));
@@ -84,7 +93,7 @@ int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* ar
         if (error.get_exit_code() == 0) {
             return app.exit(error, console.out, console.err);
         }
-        throw InputError(fmt::format("{}\nRun {} --help for how it is used", error.what(), CommandName(app)));
+        throw InputError(fmt::format("{}\nRun {} --help for how it is used", Complaint(app, error), CommandName(app)));
     }
     return session.Run();
 }

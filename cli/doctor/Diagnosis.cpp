@@ -27,6 +27,15 @@ std::string Count(unsigned count, unsigned sent) {
     return fmt::format("{} of {} ({:.1f} %)", count, sent, 100.0 * count / std::max(1U, sent));
 }
 
+/// Without the full stop, as all next steps.
+std::string NextStepFor(std::int32_t code) {
+    std::string step(Explain(std::to_string(code)).front().advice.check);
+    if (step.ends_with('.')) {
+        step.pop_back();
+    }
+    return step;
+}
+
 Finding Unreachable(PortReport const& port, Expectation const& expected) {
     return {"no-route", fmt::format("this computer can't send to {}: {}", expected.host, std::strerror(port.error)),
             fmt::format("Give this computer an address in the controller's network, or a route to it: ip route get {}",
@@ -65,7 +74,7 @@ std::vector<Finding> DiagnosePorts(ControllerReport const& report, Expectation c
     if (commands == State::Refuses) {
         return {{"refusing",
                  fmt::format("the controller refuses to tell what it is, with code {}", report.commands.code),
-                 std::string(Explain(std::to_string(report.commands.code)).front().advice.check)}};
+                 NextStepFor(report.commands.code)}};
     }
     if (!filesAnswer) {
         bool const isClosed = report.files.state == State::Closed;
@@ -97,7 +106,7 @@ void DiagnoseAnswers(LinkReport const& link, std::vector<Finding>& findings) {
         findings.push_back({"refusing",
                             fmt::format("{} requests were refused, last with code {}", Count(link.refused, link.sent),
                                         link.refusalCode),
-                            std::string(Explain(std::to_string(link.refusalCode)).front().advice.check)});
+                            NextStepFor(link.refusalCode)});
     }
     if (link.damaged > 0 || link.wrongIds > 0) {
         findings.push_back(

@@ -157,7 +157,9 @@ Explanation ExplainAlarm(std::int32_t number, std::optional<std::int32_t> subcod
     if (number == MotionAlarm) {
         explanation.text = "Raised by a program with this library when the controller refused a target.";
         explanation.advice = {"The subnumber tells which refusal it was; the targets that waited were dropped.",
-                              "harvlink explain 8015-SUBNUMBER, and the program's HarvlinkLog.txt.", Retry::AfterFix};
+                              subcode ? "The code in the program's HarvlinkLog.txt, and harvlink explain of it."
+                                      : "harvlink explain 8015-SUBNUMBER, and the program's HarvlinkLog.txt.",
+                              Retry::AfterFix};
     }
     // The subnumber is the low byte of the code by which the library saw the refusal.
     CodeContext const& motion = CodeContexts().front();

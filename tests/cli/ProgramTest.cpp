@@ -112,6 +112,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"files list X", 2, "", "no kind of file"},
         {"files get *.LST", 1, "", "Code (131078): No files found with this extension.\n"},
         {"", 2, "", "A subcommand is required"},
+        {"statsu", 2, "", "there is no command or option 'statsu'"},
         {"status extra", 2, "", "extra"},
         {"--version", 0, "harvlink 1.1.3\n", ""},
     }};
