@@ -32,7 +32,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     VirtualController controller("127.0.0.1", {.timeScale = 0.0});
     controller.With([&](ControllerModel& model) { StartJob(model, static_cast<CycleMode>(first % 3), text); });
     for (int i = 0; i < 10; ++i) {
-        controller.Advance(std::chrono::milliseconds(50));
+        controller.Advance(std::chrono::milliseconds(150));
         controller.With([&](ControllerModel& model) {
             auto const lines = static_cast<std::uint32_t>(std::ranges::count(text, '\n') + 1);
             bool const isOwn = model.jobs.Current().name == "FUZZ";
