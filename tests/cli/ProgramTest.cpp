@@ -73,7 +73,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         char const* out; ///< a part of it
         char const* err;
     };
-    std::array<Case, 40> const cases{{
+    std::array<Case, 41> const cases{{
         {"status", 0, "Servo on  no\n", ""},
         {"--json status", 0, "\"servo_on\": false", ""},
         {"info robot7", 1, "", "Code (45063): The system ID requested is invalid\n"},
