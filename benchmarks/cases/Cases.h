@@ -142,4 +142,32 @@ inline void ReadByteVariable(QuorvanController& controller, std::uint8_t index =
     }
 }
 
+/// Adds a row that is gated by the ratio of a paired measurement.
+inline void AddRatio(Report& report, Row row, Paired const& figures) {
+    row.floor = figures.floor;
+    row.harvlink = figures.harvlink;
+    row.gated = figures.ratio;
+    report.Add(std::move(row));
+}
+
+/// Seconds that `count` take, shown as microseconds of one.
+inline void AddTime(Report& report, std::string name, Paired const& seconds, double atMost, std::string note = "ratio",
+                    double count = 1.0) {
+    AddRatio(report,
+             {.name = std::move(name), .unit = "us", .comparison = "<=", .target = atMost, .note = std::move(note)},
+             {seconds.floor / count * 1e6, seconds.harvlink / count * 1e6, seconds.ratio});
+}
+
+/// Seconds that `count` units take, shown as units in a second.
+inline void AddRate(Report& report, std::string name, std::string unit, double count, Paired const& seconds,
+                    double atLeast, std::string note = "ratio") {
+    AddRatio(report,
+             {.name = std::move(name),
+              .unit = std::move(unit),
+              .comparison = ">=",
+              .target = atLeast,
+              .note = std::move(note)},
+             {count / seconds.floor, count / seconds.harvlink, 1.0 / seconds.ratio});
+}
+
 } // namespace harvlink::bench

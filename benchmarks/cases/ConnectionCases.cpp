@@ -56,14 +56,7 @@ void Opening(Report& report) {
                 }
             });
         });
-    report.Add({.name = "opening a connection, time against as many bare exchanges",
-                .unit = "us",
-                .floor = seconds.floor / repetitions * 1e6,
-                .harvlink = seconds.harvlink / repetitions * 1e6,
-                .gated = seconds.ratio,
-                .comparison = "<=",
-                .target = 1.25,
-                .note = "ratio"});
+    AddTime(report, "opening a connection, time against as many bare exchanges", seconds, 1.25, "ratio", repetitions);
 }
 
 void Idle(Report& report) {
@@ -209,14 +202,8 @@ void ManyConnections(Report& report) {
         });
     };
     double const bareRatio = 1.0 / Pair([&] { return bareRate(1); }, [&] { return bareRate(controllers); }).ratio;
-    report.Add({.name = "200 controllers in turn, rate against one connection",
-                .unit = "1/s",
-                .floor = turns * controllers / seconds.floor,
-                .harvlink = turns * controllers / seconds.harvlink,
-                .gated = 1.0 / seconds.ratio,
-                .comparison = ">=",
-                .target = 0.92,
-                .note = "ratio; with bare sockets " + std::to_string(bareRatio).substr(0, 5)});
+    AddRate(report, "200 controllers in turn, rate against one connection", "1/s", turns * controllers, seconds, 0.92,
+            "ratio; with bare sockets " + std::to_string(bareRatio).substr(0, 5));
 }
 
 void LibrarySize(Report& report) {

@@ -79,14 +79,7 @@ HeapCost CostOf(std::size_t size, auto transfer) {
 
 void AddThroughput(Report& report, std::string const& name, Paired const& seconds) {
     double const megabytes = static_cast<double>(mebibyte) * 1e-6;
-    report.Add({.name = name,
-                .unit = "MB/s",
-                .floor = megabytes / seconds.floor,
-                .harvlink = megabytes / seconds.harvlink,
-                .gated = 1.0 / seconds.ratio,
-                .comparison = ">=",
-                .target = 0.93,
-                .note = "ratio"});
+    AddRate(report, name, "MB/s", megabytes, seconds, 0.93);
 }
 
 } // namespace

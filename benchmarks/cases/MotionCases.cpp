@@ -91,14 +91,7 @@ void Draining(Report& report) {
             drained = DrainQueue(address, responder, steps);
             return drained.seconds;
         });
-    report.Add({.name = "draining 10,000 steps, rate",
-                .unit = "1/s",
-                .floor = steps / seconds.floor,
-                .harvlink = steps / seconds.harvlink,
-                .gated = 1.0 / seconds.ratio,
-                .comparison = ">=",
-                .target = 0.92,
-                .note = "ratio"});
+    AddRate(report, "draining 10,000 steps, rate", "1/s", steps, seconds, 0.92);
     report.Add({.name = "draining, allocations to send a step",
                 .unit = "",
                 .harvlink = drained.allocations / steps,
@@ -266,22 +259,8 @@ void QueueToWire(Report& report) {
                                  [&] { return MonitorLatency(address, responder); });
     Paired const condition = Pair([&] { return BareLatency(address, responder, &BareQueue::SleepFor); },
                                   [&] { return MonitorLatency(address, responder); });
-    report.Add({.name = "step queued to datagram, against a spinning queue",
-                .unit = "us",
-                .floor = spinning.floor * 1e6,
-                .harvlink = spinning.harvlink * 1e6,
-                .gated = spinning.ratio,
-                .comparison = "<=",
-                .target = 1.3,
-                .note = "ratio, two cores"});
-    report.Add({.name = "step queued to datagram, against a condition variable",
-                .unit = "us",
-                .floor = condition.floor * 1e6,
-                .harvlink = condition.harvlink * 1e6,
-                .gated = condition.ratio,
-                .comparison = "<=",
-                .target = 0.08,
-                .note = "ratio, two cores"});
+    AddTime(report, "step queued to datagram, against a spinning queue", spinning, 1.3, "ratio, two cores");
+    AddTime(report, "step queued to datagram, against a condition variable", condition, 0.08, "ratio, two cores");
 }
 
 void BesideIdleManagers(Report& report) {
@@ -302,14 +281,7 @@ void BesideIdleManagers(Report& report) {
         }
         return p99();
     });
-    report.Add({.name = "exchange p99 beside 8 idle, started managers",
-                .unit = "us",
-                .floor = beside.floor * 1e6,
-                .harvlink = beside.harvlink * 1e6,
-                .gated = beside.ratio,
-                .comparison = "<=",
-                .target = 1.5,
-                .note = "ratio to the same without them"});
+    AddTime(report, "exchange p99 beside 8 idle, started managers", beside, 1.5, "ratio to the same without them");
 }
 
 } // namespace

@@ -53,14 +53,8 @@ void PeerCase(Report& report) {
     std::uint16_t value = 0;
     Paired const p50 = Pair([&] { return Run(4000, [&] { modbus_read_registers(peer, 0, 1, &value); }).p50; },
                             [&] { return Run(4000, [&] { ReadByteVariable(*connection); }).p50; });
-    report.Add({.name = "scalar read against a register read of libmodbus, p50",
-                .unit = "us",
-                .floor = p50.floor * 1e6,
-                .harvlink = p50.harvlink * 1e6,
-                .gated = p50.ratio,
-                .comparison = "<=",
-                .target = 0.65,
-                .note = "ratio to libmodbus, not to the floor"});
+    AddTime(report, "scalar read against a register read of libmodbus, p50", p50, 0.65,
+            "ratio to libmodbus, not to the floor");
     modbus_close(peer);
     modbus_free(peer);
     ::close(listening);

@@ -73,14 +73,7 @@ void SimulatorCase(Report& report) {
     Flood simulated(addresses);
     Paired const seconds = Pair([&] { return bare.Run(); }, [&] { return simulated.Run(); });
     constexpr double replies = 1.0 * Flood::turns * controllers;
-    report.Add({.name = "200 virtual controllers by one thread, rate",
-                .unit = "1/s",
-                .floor = replies / seconds.floor,
-                .harvlink = replies / seconds.harvlink,
-                .gated = 1.0 / seconds.ratio,
-                .comparison = ">=",
-                .target = 0.6,
-                .note = "ratio"});
+    AddRate(report, "200 virtual controllers by one thread, rate", "1/s", replies, seconds, 0.6);
 }
 
 } // namespace harvlink::bench
