@@ -52,20 +52,20 @@ HARVLINK_EXPORT void InvertFrame(EulerMatrix const* in, EulerMatrix* out);
 /// The axis is not normalised: one that is not of unit length gives no rotation.
 HARVLINK_EXPORT void RotateFrame(EulerMatrix const* frame, XyzVector const* axis, EulerMatrix* out, double angle);
 
-/// first x second.
+/// The matrix product, first x second.
 HARVLINK_EXPORT void MultiplyFrames(EulerMatrix const* first, EulerMatrix const* second, EulerMatrix* out);
 
-/// first x second.
+/// The vector product, first x second.
 HARVLINK_EXPORT void CrossProduct(XyzVector const* first, XyzVector const* second, XyzVector* out);
-/// The sum of the products of the components.
+/// The scalar product: the sum of the products of the components.
 HARVLINK_EXPORT void InnerProduct(XyzVector const* first, XyzVector const* second, double* out);
 
 /// rx and rz from -180 to 180 degrees, ry from -90 to 90. In the gimbal position rz is 0 if nx and ny are exactly 0.
 HARVLINK_EXPORT void FrameToZYXeuler(EulerMatrix const* in, ZyxEulerPose* out);
-/// The way back, for any angles.
+/// The frame of a pose, the way back of FrameToZYXeuler. The angles, in degrees, may be of any size.
 HARVLINK_EXPORT void ZYXeulerToFrame(ZyxEulerPose const* in, EulerMatrix* out);
 
-/// No turn and no shift.
+/// Makes `out` the identity: no turn and no shift.
 HARVLINK_EXPORT void SetIdentityMatrixInFrame(EulerMatrix* out);
 
 } // extern "C"
