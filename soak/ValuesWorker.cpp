@@ -1,5 +1,8 @@
 #include "soak/ValuesWorker.h"
 
+#include <algorithm>
+#include <functional>
+
 #include <fmt/format.h>
 
 namespace harvlink::soak {
@@ -14,6 +17,13 @@ bool IsMixture(WireImage const& one, WireImage const& other, WireImage const& go
         }
     }
     return true;
+}
+
+/// Every bit that one or the other has.
+WireImage Union(WireImage const& one, WireImage const& other) {
+    auto both = one;
+    std::transform(one.begin(), one.end(), other.begin(), both.begin(), std::bit_or<>());
+    return both;
 }
 
 /// Whether cut replies explain what came: of a value that is read or written in pieces, any piece may be missing.
@@ -54,6 +64,8 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
         return;
     }
     bool const isWhole = status.StatusCode == 0 || !kind.isPiecewise;
+    // Of a write that failed on its way, bits of before are there too: a cut read then lacks some of both.
+    auto const possible = isWhole ? wanted : Union(before, wanted);
     auto& got = cell.value;
     WireImage last;
     auto const ask = [&] {
@@ -67,12 +79,12 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
             last = got;
             return isAgreed ? Answer::Right : Answer::Missing;
         }
-        if (kind.isReadAndWritten && got == last && IsCut(kind, wanted, got)) {
+        if (kind.isReadAndWritten && got == last && IsCut(kind, possible, got)) {
             ledger_.Note(Survived::CutAnswer);
             return Answer::Right; // the answer that was cut is the one that the write began with
         }
         // Once, the value from before may also be an empty answer.
-        auto const reason = Compare(kind, before, wanted, got);
+        auto const reason = Compare(kind, before, possible, got);
         bool const isDoubtful = reason == Answer::LostWrite && got != last;
         last = got;
         return isDoubtful ? Answer::Cut : reason;
