@@ -3,84 +3,164 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace harvlink::simulator {
 
 namespace {
 
 /// In the order of Fault.
-constexpr std::array<std::string_view, FaultKinds> Names{
-    "drop",     "delay",      "duplicate",    "reorder", "truncate", "extend",      "flip-bits", "wrong-id",
-    "stale-id", "other-port", "other-source", "silence", "refuse",   "buffer-full", "restart",
+constexpr std::array<FaultName, FaultKinds> Faults{{
+    {"drop", "the answer is lost"},
+    {"delay", "it comes delay-ms later"},
+    {"duplicate", "it comes twice"},
+    {"reorder", "it comes after the next one"},
+    {"truncate", "its end is missing"},
+    {"extend", "up to 64 bytes more than it has"},
+    {"flip-bits", "up to 8 bits of it are wrong"},
+    {"wrong-id", "it has another number than the request"},
+    {"stale-id", "it has the number of the request before"},
+    {"other-port", "it comes from the controller's other port"},
+    {"other-source", "it comes from a port that is none of its two"},
+    {"silence", "nothing is answered for silence-ms"},
+    {"refuse", "refuse-count requests are refused, with refuse-code"},
+    {"buffer-full", "targets are refused for buffer-full-ms"},
+    {"restart", "servo power is lost, open transfers are forgotten"},
+}};
+
+struct Setting {
+    FaultName name;
+    double lowest;
+    double highest;
+    void (*assign)(FaultPlan&, double);
 };
 
-constexpr std::string_view FilePortPrefix = "file-";
 constexpr double LongestMilliseconds = 3'600'000;
-
-std::string CheckRange(std::string_view name, double value, double lowest, double highest) {
-    if (value >= lowest && value <= highest) {
-        return {};
-    }
-    return fmt::format("{} must be from {} to {}", name, lowest, highest);
-}
 
 Clock::Duration Milliseconds(double value) {
     return std::chrono::duration_cast<Clock::Duration>(std::chrono::duration<double, std::milli>(value));
 }
 
-/// A number, with "%" behind it a hundredth of it.
-std::optional<double> ParseNumber(std::string const& text) {
+constexpr std::array<Setting, 6> Settings{{
+    {{"seed", "the same one gives the same faults [1]"},
+     0,
+     9e15,
+     [](FaultPlan& plan, double value) { plan.seed = static_cast<std::uint64_t>(value); }},
+    {{"delay-ms", "milliseconds of a delay [20]"},
+     0,
+     LongestMilliseconds,
+     [](FaultPlan& plan, double value) { plan.delay = Milliseconds(value); }},
+    {{"silence-ms", "milliseconds of a silence [500]"},
+     0,
+     LongestMilliseconds,
+     [](FaultPlan& plan, double value) { plan.silence = Milliseconds(value); }},
+    {{"buffer-full-ms", "milliseconds of a full buffer [50]"},
+     0,
+     LongestMilliseconds,
+     [](FaultPlan& plan, double value) { plan.bufferFull = Milliseconds(value); }},
+    {{"refuse-code", "the code of a refusal [8288]"},
+     1,
+     65535,
+     [](FaultPlan& plan, double value) { plan.refuseCode = static_cast<Refusal>(std::lround(value)); }},
+    {{"refuse-count", "how many requests are refused in a row [1]"},
+     1,
+     1e9,
+     [](FaultPlan& plan, double value) { plan.refuseCount = static_cast<std::uint32_t>(value); }},
+}};
+
+constexpr std::string_view FilePortPrefix = "file-";
+
+/// As it was written: with "%" behind it the value is a hundredth of the number.
+struct Amount {
+    double number = 0;
+    bool isPercent = false;
+};
+
+std::string_view TrimBlanks(std::string_view text) {
+    auto const first = std::min(text.find_first_not_of(" \t"), text.size());
+    text.remove_prefix(first);
+    return text.substr(0, text.find_last_not_of(" \t") + 1);
+}
+
+std::optional<Amount> ParseAmount(std::string_view text) {
+    std::string const digits(text);
     char* end = nullptr;
-    double const value = std::strtod(text.c_str(), &end);
-    std::string_view const rest(end);
-    if (end == text.c_str() || (!rest.empty() && rest != "%")) {
+    double const number = std::strtod(digits.c_str(), &end);
+    auto const rest = TrimBlanks(end);
+    if (end == digits.c_str() || (!rest.empty() && rest != "%")) {
         return std::nullopt;
     }
-    return rest.empty() ? value : value / 100.0;
+    return Amount{number, !rest.empty()};
+}
+
+std::string SetRate(double& rate, std::string_view name, Amount amount) {
+    double const whole = amount.isPercent ? 100.0 : 1.0;
+    if (!(amount.number >= 0 && amount.number <= whole)) {
+        return amount.isPercent ? fmt::format("{} must be from 0 to 100 %, not {} %", name, amount.number)
+                                : fmt::format("{} must be from 0 to 1, which is 100 %, not {}", name, amount.number);
+    }
+    rate = amount.number / whole;
+    return {};
+}
+
+std::string Apply(FaultPlan& plan, Setting const& setting, Amount amount) {
+    auto const& name = setting.name.name;
+    if (amount.isPercent) {
+        return fmt::format("{} is a number, not a share in %", name);
+    }
+    if (!(amount.number >= setting.lowest && amount.number <= setting.highest)) {
+        return fmt::format("{} must be from {} to {}, not {}", name, setting.lowest, setting.highest, amount.number);
+    }
+    setting.assign(plan, amount.number);
+    return {};
+}
+
+std::string UnknownName(std::string_view name) {
+    std::vector<std::string_view> names;
+    std::ranges::transform(Faults, std::back_inserter(names), &FaultName::name);
+    std::ranges::transform(Settings, std::back_inserter(names), [](Setting const& each) { return each.name.name; });
+    return fmt::format("there is no fault or setting '{}'; there are: {}", name, fmt::join(names, ", "));
+}
+
+std::string SetAmount(FaultPlan& plan, std::string_view name, Amount amount) {
+    bool const isOfFilePort = name.starts_with(FilePortPrefix);
+    auto const bare = name.substr(isOfFilePort ? FilePortPrefix.size() : 0);
+    auto const* const fault = std::ranges::find(Faults, bare, &FaultName::name);
+    if (fault != Faults.end()) {
+        auto const index = static_cast<std::size_t>(fault - Faults.begin());
+        double rate = 0;
+        auto problem = SetRate(rate, name, amount);
+        if (problem.empty()) {
+            isOfFilePort ? plan.fileRates.at(index).emplace(rate) : plan.rates.at(index) = rate;
+        }
+        return problem;
+    }
+    auto const* const setting = std::ranges::find(Settings, name, [](Setting const& each) { return each.name.name; });
+    return setting == Settings.end() ? UnknownName(name) : Apply(plan, *setting, amount);
 }
 
 } // namespace
 
 std::string_view NameOf(Fault fault) {
-    return Names.at(static_cast<std::size_t>(fault));
+    return Faults.at(static_cast<std::size_t>(fault)).name;
+}
+
+std::vector<FaultName> FaultNames() {
+    return {Faults.begin(), Faults.end()};
+}
+
+std::vector<FaultName> FaultSettingNames() {
+    std::vector<FaultName> names;
+    std::ranges::transform(Settings, std::back_inserter(names), &Setting::name);
+    return names;
 }
 
 std::string FaultPlan::Set(std::string_view name, double value) {
-    auto const set = [&](double lowest, double highest, auto&& assign) {
-        auto problem = CheckRange(name, value, lowest, highest);
-        if (problem.empty()) {
-            assign();
-        }
-        return problem;
-    };
-    bool const isOfFilePort = name.starts_with(FilePortPrefix);
-    auto const* const fault = std::ranges::find(Names, name.substr(isOfFilePort ? FilePortPrefix.size() : 0));
-    if (fault != Names.end()) {
-        auto const index = static_cast<std::size_t>(fault - Names.begin());
-        return set(0, 1, [&] { isOfFilePort ? fileRates.at(index).emplace(value) : rates.at(index) = value; });
-    }
-    if (name == "seed") {
-        return set(0, 9e15, [&] { seed = static_cast<std::uint64_t>(value); });
-    }
-    if (name == "delay-ms") {
-        return set(0, LongestMilliseconds, [&] { delay = Milliseconds(value); });
-    }
-    if (name == "silence-ms") {
-        return set(0, LongestMilliseconds, [&] { silence = Milliseconds(value); });
-    }
-    if (name == "buffer-full-ms") {
-        return set(0, LongestMilliseconds, [&] { bufferFull = Milliseconds(value); });
-    }
-    if (name == "refuse-code") {
-        return set(1, 65535, [&] { refuseCode = static_cast<Refusal>(std::lround(value)); });
-    }
-    if (name == "refuse-count") {
-        return set(1, 1e9, [&] { refuseCount = static_cast<std::uint32_t>(value); });
-    }
-    return fmt::format("there is no fault or setting '{}'", name);
+    return SetAmount(*this, name, {.number = value});
 }
 
 std::string FaultPlan::Parse(std::string_view text) {
@@ -88,12 +168,11 @@ std::string FaultPlan::Parse(std::string_view text) {
         auto const item = text.substr(0, text.find(','));
         text.remove_prefix(std::min(item.size() + 1, text.size()));
         auto const equals = item.find('=');
-        auto const value =
-            equals == std::string_view::npos ? std::nullopt : ParseNumber(std::string(item.substr(equals + 1)));
-        if (!value) {
-            return fmt::format("'{}' is not of the form name=number", item);
+        auto const amount = equals == std::string_view::npos ? std::nullopt : ParseAmount(item.substr(equals + 1));
+        if (!amount) {
+            return fmt::format("'{}' is not of the form name=number, such as drop=2%", TrimBlanks(item));
         }
-        if (auto problem = Set(item.substr(0, equals), *value); !problem.empty()) {
+        if (auto problem = SetAmount(*this, TrimBlanks(item.substr(0, equals)), *amount); !problem.empty()) {
             return problem;
         }
     }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/Clock.h"
 #include "simulator/Refusal.h"
@@ -63,8 +64,18 @@ struct FaultPlan {
     /// "refuse-count". Returns what is wrong, empty if nothing is.
     std::string Set(std::string_view name, double value);
 
-    /// Reads "seed=7,drop=2%,delay=0.1,delay-ms=30". Returns what is wrong, empty if nothing is.
+    /// Reads "seed=7, drop=2%, delay=0.1, delay-ms=30". Returns what is wrong, empty if nothing is.
     std::string Parse(std::string_view text);
 };
+
+/// A name that FaultPlan::Set takes, and what it means in a few words.
+struct FaultName {
+    std::string_view name;
+    std::string_view meaning;
+};
+
+/// The faults, and the settings of faults.
+std::vector<FaultName> FaultNames();
+std::vector<FaultName> FaultSettingNames();
 
 } // namespace harvlink::simulator

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 
 namespace harvlink::simulator {
@@ -25,7 +26,9 @@ GenerationTexts const& TextsOf(ControllerVersion generation) {
 }
 
 std::optional<ControllerVersion> GenerationFromName(std::string_view name) {
-    auto const found = std::ranges::find(Texts, name, &GenerationTexts::name);
+    auto const found = std::ranges::find_if(Texts, [&](GenerationTexts const& texts) {
+        return std::ranges::equal(texts.name, name, {}, {}, [](unsigned char letter) { return std::toupper(letter); });
+    });
     if (found == Texts.end()) {
         return std::nullopt;
     }

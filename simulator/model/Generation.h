@@ -18,7 +18,7 @@ struct GenerationTexts {
 /// Of a known generation, not of VersionUnknown.
 GenerationTexts const& TextsOf(ControllerVersion generation);
 
-/// From "YA" and the like, upper case.
+/// From "YA" and the like, in any case.
 std::optional<ControllerVersion> GenerationFromName(std::string_view name);
 
 } // namespace harvlink::simulator

@@ -1,5 +1,7 @@
 #include "simulator/program/Arguments.h"
 
+#include <fmt/format.h>
+
 #include "simulator/model/ControlGroups.h"
 #include "simulator/model/Generation.h"
 
@@ -12,31 +14,85 @@ std::string CheckFaults(std::string const& text) {
 }
 
 std::string CheckGroup(std::string const& text) {
-    return ControlGroups::FromText(text) ? "" : text + " is no control group such as R1, B1, S12 or R1:7";
+    return ControlGroups::FromText(text) ? "" : "'" + text + "' is no control group such as R1, B1, S12 or R1:7";
+}
+
+std::string CheckGeneration(std::string const& text) {
+    return GenerationFromName(text) ? "" : "'" + text + "' is no generation; there are: DS, DN, FS, YA, YB, YN";
+}
+
+std::string CheckAddress(std::string const& text) {
+    return CLI::ValidIPV4(text).empty() ? "" : "'" + text + "' is no IPv4 address such as 127.0.0.1";
+}
+
+std::string CheckTimeScale(std::string const& text) {
+    constexpr double Slowest = 0.001;
+    constexpr double Fastest = 10'000;
+    double factor = 0;
+    bool const isNumber = CLI::detail::lexical_cast(text, factor);
+    return isNumber && factor >= Slowest && factor <= Fastest
+               ? ""
+               : fmt::format("'{}' is no number from {} to {}", text, Slowest, Fastest);
+}
+
+std::string NameLines(std::vector<FaultName> const& names) {
+    std::string lines;
+    for (auto const& [name, meaning] : names) {
+        lines += fmt::format("  {:26}{}\n", name, meaning);
+    }
+    return lines;
+}
+
+std::string Footer() {
+    return fmt::format(
+        "With --faults each named fault hits a share of the requests, from 0 to 1 or 0 to 100 %. With file-\n"
+        "before its name, such as file-drop=5%, the share is that of the file port, and the one without\n"
+        "that of the robot port.\n\n"
+        "Faults:\n{}\nSettings of faults:\n{}\n"
+        "Examples:\n"
+        "  harvlink-sim\n"
+        "  harvlink-sim --address 127.0.0.1 --address 127.0.0.2 --generation FS --groups R1,B1,S1:2\n"
+        "  harvlink-sim --faults drop=2%,file-drop=5%\n"
+        "  harvlink-sim --faults \"seed=7, drop=2%, delay=10%, delay-ms=30\"",
+        NameLines(FaultNames()), NameLines(FaultSettingNames()));
 }
 
 } // namespace
 
 ArgumentParser::ArgumentParser(CLI::App& app) {
-    app.add_option("--address", addresses_, "Address to serve, repeatable: one controller on each")
-        ->capture_default_str();
-    app.add_option("--generation", generation_, "Generation of the controller [YA]")
-        ->check(CLI::IsMember({"DS", "DN", "FS", "YA", "YB", "YN"}));
+    app.add_option("--address", addresses_, "Address to serve, repeatable: one controller on each [127.0.0.1]")
+        ->check(CheckAddress)
+        ->type_name("ADDRESS");
+    app.add_option("--generation", generation_, "Generation of the controller: DS, DN, FS, YA, YB, YN [YA]")
+        ->check(CheckGeneration)
+        ->type_name("NAME");
     app.add_option("--rs022", rs022_, "1: variable instances equal the index, 0: they are one higher [1]")
-        ->check(CLI::IsMember({0, 1}));
+        ->check(CLI::IsMember({0, 1}).description(""))
+        ->type_name("0|1");
     app.add_option("--groups", groups_, "Control groups, such as R1,B1,S1 or with axes R1:7 [R1]")
         ->delimiter(',')
-        ->check(CheckGroup);
+        ->check(CheckGroup)
+        ->type_name("GROUP");
     app.add_option("--files", files_, "Folder to serve and to store files in, instead of generated ones")
-        ->check(CLI::ExistingDirectory);
-    app.add_option("--scene", scene_, "TOML file with the state to start from")->check(CLI::ExistingFile);
-    app.add_option("--time-scale", timeScale_, "How much faster than real time jobs and motion run [1]")
-        ->check(CLI::Range(0.001, 10000.0));
-    app.add_option("--faults", faults_, "What shall go wrong, such as seed=7,drop=2%,delay=10%,delay-ms=30")
-        ->check(CheckFaults);
-    app.add_option("--report", report_, "File to write at the end: what was asked and what went wrong, as JSON");
-    app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers");
+        ->check(CLI::ExistingDirectory.description(""))
+        ->type_name("FOLDER");
+    app.add_option("--scene", scene_, "TOML file with the state to start from")
+        ->check(CLI::ExistingFile.description(""))
+        ->type_name("FILE");
+    app.add_option("--time-scale", timeScale_, "How much faster than real time all goes, 0.001 to 10000 [1]")
+        ->check(CheckTimeScale)
+        ->type_name("FACTOR");
+    app.add_option("--faults", faults_, "What shall go wrong, such as drop=2%,delay=10%; all faults see below")
+        ->check(CheckFaults)
+        ->type_name("LIST");
+    app.add_option("--report", report_, "File to write at the end: what was asked and what went wrong, as JSON")
+        ->type_name("FILE");
+    app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers")->type_name("FILE");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
+    app.footer(Footer());
+    app.failure_message([](CLI::App const*, CLI::Error const& error) {
+        return fmt::format("harvlink-sim: {}\nRun harvlink-sim --help for how it is used\n", error.what());
+    });
 }
 
 Arguments ArgumentParser::Result() const {

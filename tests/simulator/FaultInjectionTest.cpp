@@ -114,9 +114,26 @@ TEST(FaultInjection, RepeatsItselfBySeed) {
     };
     EXPECT_EQ(run(3), run(3));
     EXPECT_NE(run(3), run(4));
-    FaultPlan plan;
-    for (auto const* const text : {"drop", "drop=", "drop=x", "drop=2", "nothing=1", "drop=1,,", "delay-ms=-1"}) {
-        EXPECT_NE(plan.Parse(text), "") << text;
+}
+
+TEST(FaultInjection, SaysWhatIsWrongWithAPlan) {
+    struct Case {
+        char const* text;
+        char const* problem; ///< its beginning
+    };
+    for (auto const& [text, problem] : {
+             Case{"drop", "'drop' is not of the form name=number"},
+             Case{"drop=", "'drop=' is not"},
+             Case{"drop= x", "'drop= x' is not"},
+             Case{"drop=1,,", "'' is not"},
+             Case{"delay=3%, drop=200%", "drop must be from 0 to 100 %, not 200 %"},
+             Case{"file-drop=2", "file-drop must be from 0 to 1, which is 100 %, not 2"},
+             Case{"drop=nan", "drop must be from 0 to 1"},
+             Case{"delay-ms=-1", "delay-ms must be from 0 to 3600000, not -1"},
+             Case{"seed=7%", "seed is a number, not a share in %"},
+             Case{"nothing=1", "there is no fault or setting 'nothing'; there are: drop, delay, "},
+         }) {
+        EXPECT_TRUE(FaultPlan{}.Parse(text).starts_with(problem)) << text << ": " << FaultPlan{}.Parse(text);
     }
 }
 
@@ -124,7 +141,7 @@ TEST(FaultInjection, IsSetByNameInTextAndScene) {
     for (std::size_t i = 0; i < FaultKinds; ++i) {
         std::string const name(NameOf(static_cast<Fault>(i)));
         FaultPlan robotOnly;
-        EXPECT_EQ(robotOnly.Parse(name + "=1,file-" + name + "=0"), "");
+        EXPECT_EQ(robotOnly.Parse(" " + name + " = 1 , file-" + name + "=0 %"), "");
         FaultPlan fileOnly;
         EXPECT_EQ(fileOnly.Parse("file-" + name + "=100%"), "");
         auto const scene = Scene::FromText("[faults]\n" + name + " = 1.0\n", "cell.toml").Options().faults;
