@@ -68,26 +68,26 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
     auto const possible = isWhole ? wanted : Union(before, wanted);
     auto& got = cell.value;
     WireImage last;
+    int alike = 0;
     auto const ask = [&] {
         auto const answer = Read(kind, index, got);
         if (answer != Answer::Right || (isWhole && got == wanted)) {
             return answer;
         }
+        alike = got == last ? alike + 1 : 1;
+        last = got;
+        bool const isAgreed = alike >= EnoughAlike;
         if (!isWhole && IsMixture(before, wanted, got)) {
-            // The status said that it failed, and where is known when two reads agree: a cut one looks like a mixture too.
-            bool const isAgreed = got == last;
-            last = got;
+            // The status said that it failed, and where is known when reads agree: a cut one looks like a mixture too.
             return isAgreed ? Answer::Right : Answer::Missing;
         }
-        if (kind.isReadAndWritten && got == last && IsCut(kind, possible, got)) {
+        if (kind.isReadAndWritten && isAgreed && IsCut(kind, possible, got)) {
             ledger_.Note(Survived::CutAnswer);
             return Answer::Right; // the answer that was cut is the one that the write began with
         }
         // Once, the value from before may also be an empty answer.
         auto const reason = Compare(kind, before, possible, got);
-        bool const isDoubtful = reason == Answer::LostWrite && got != last;
-        last = got;
-        return isDoubtful ? Answer::Cut : reason;
+        return reason == Answer::LostWrite && alike == 1 ? Answer::Cut : reason;
     };
     Settle(what, ask, [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(wanted)); });
 }

@@ -67,6 +67,7 @@ WireImage Worker::Agree(std::string const& what, std::function<StatusInfo(WireIm
     WireImage last;
     WireImage got;
     std::string refusal;
+    int alike = 0;
     auto const ask = [&] {
         auto const status = read(got);
         if (IsTimeout(status)) {
@@ -77,12 +78,10 @@ WireImage Worker::Agree(std::string const& what, std::function<StatusInfo(WireIm
             return isComputed ? Answer::Cut : Answer::Wrong;
         }
         std::swap(last, got);
-        if (got.empty()) {
-            return Answer::Missing;
+        if (got.empty() || got == last) {
+            return ++alike >= EnoughAlike ? Answer::Right : Answer::Missing;
         }
-        if (got == last) {
-            return Answer::Right;
-        }
+        alike = 1;
         return isComputed || IsCutFrom(last, got) || IsCutFrom(got, last) ? Answer::Cut : Answer::Wrong;
     };
     bool const isAgreed = Settle(what, ask, [&] { return ToHex(got) + " and then " + ToHex(last) + refusal; });

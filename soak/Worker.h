@@ -52,13 +52,17 @@ protected:
     bool Settle(std::string const& what, std::function<Answer()> const& ask,
                 std::function<std::string()> const& describe);
 
-    /// Asks until two answers in a row agree. Nothing is known of the right one beforehand, so one of two different
-    /// answers must be a cut form of the other, unless `isComputed` from an answer in between. Empty on failure.
+    /// Asks until as many answers in a row agree as chance hardly cuts alike. Nothing is known of the right one beforehand,
+    /// so one of two different answers must be a cut form of the other, unless `isComputed` from an answer in between.
+    /// Empty on failure.
     WireImage Agree(std::string const& what, std::function<StatusInfo(WireImage&)> const& read,
                     bool isComputed = false);
 
     /// Whether a command got through, as far as its status tells: done, or without an answer.
     bool IsSent(std::string const& what, StatusInfo const& status);
+
+    /// Two answers that were cut at the same place come about once an hour.
+    static constexpr int EnoughAlike = 3;
 
     void Fail(std::string const& what);
     void WaitForStragglers() const;
