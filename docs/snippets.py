@@ -4,6 +4,7 @@
     snippets.py cpp OUTPUT-FOLDER PAGE...      one .cpp per block that has a main; the others become one file of functions
     snippets.py c OUTPUT-FOLDER PAGE...        one .c per block
     snippets.py python OUTPUT-FOLDER PAGE...   one .py per block
+    snippets.py toml OUTPUT-FOLDER PAGE...     one .toml per page, of its blocks marked "toml scene"
     snippets.py sh OUTPUT-FOLDER PAGE...       one .sh per page, of its blocks marked "sh run"
 """
 
@@ -78,20 +79,29 @@ def write_python(folder, pages):
     write_blocks(folder, pages, "python", ".py", "import os\n", 'os.environ["HARVLINK_HOST"]')
 
 
-def write_scripts(folder, pages):
+def write_joined(folder, pages, kind, suffix, host):
     folder.mkdir(parents=True, exist_ok=True)
     written = set()
     for page in pages:
-        commands = "".join(code for _, code in blocks(page, ["sh run"]))
-        if commands:
-            path = folder / (re.sub(r"\W", "_", page.stem) + ".sh")
-            write_if_changed(path, commands.replace(ADDRESS, '"$HARVLINK_HOST"'))
+        text = "".join(code for _, code in blocks(page, [kind]))
+        if text:
+            path = folder / (re.sub(r"\W", "_", page.stem) + suffix)
+            write_if_changed(path, text.replace(ADDRESS, host))
             written.add(path)
-    remove_stale(folder, ".sh", written)
+    remove_stale(folder, suffix, written)
+
+
+def write_scripts(folder, pages):
+    write_joined(folder, pages, "sh run", ".sh", '"$HARVLINK_HOST"')
+
+
+def write_scenes(folder, pages):
+    write_joined(folder, pages, "toml scene", ".toml", ADDRESS)
 
 
 def main(arguments):
-    writers = {"cpp": write_programs, "c": write_c, "python": write_python, "sh": write_scripts}
+    writers = {"cpp": write_programs, "c": write_c, "python": write_python, "sh": write_scripts,
+               "toml": write_scenes}
     if len(arguments) < 3 or arguments[0] not in writers:
         print(__doc__, file=sys.stderr)
         return 2

@@ -15,6 +15,10 @@ struct ControlGroup {
     std::uint32_t axes = 0; ///< 1 to 8
 };
 
+/// How much faster than real time a controller that somebody starts may run.
+inline constexpr double SlowestTimeScale = 0.001;
+inline constexpr double FastestTimeScale = 10'000.0;
+
 /// What a virtual controller is built as; it can't be changed afterwards.
 struct ControllerOptions {
     ControllerVersion generation = ControllerVersion::VersionYA;

@@ -26,13 +26,11 @@ std::string CheckAddress(std::string const& text) {
 }
 
 std::string CheckTimeScale(std::string const& text) {
-    constexpr double Slowest = 0.001;
-    constexpr double Fastest = 10'000;
     double factor = 0;
     bool const isNumber = CLI::detail::lexical_cast(text, factor);
-    return isNumber && factor >= Slowest && factor <= Fastest
+    return isNumber && factor >= SlowestTimeScale && factor <= FastestTimeScale
                ? ""
-               : fmt::format("'{}' is no number from {} to {}", text, Slowest, Fastest);
+               : fmt::format("'{}' is no number from {} to {}", text, SlowestTimeScale, FastestTimeScale);
 }
 
 std::string NameLines(std::vector<FaultName> const& names) {

@@ -48,7 +48,7 @@ ControllerOptions ReadControllerOptions(SceneNode const& controller, std::filesy
         options.toolCount = static_cast<std::uint32_t>(node->Integer(1, 64));
     }
     if (auto const node = controller.Find("time_scale")) {
-        options.timeScale = node->Number();
+        options.timeScale = node->Number(SlowestTimeScale, FastestTimeScale);
     }
     return options;
 }

@@ -29,6 +29,14 @@ double SceneNode::Number() const {
     return *value;
 }
 
+double SceneNode::Number(double lowest, double highest) const {
+    auto const value = Number();
+    if (!(value >= lowest && value <= highest)) {
+        Fail(fmt::format("must be a number from {} to {}", lowest, highest));
+    }
+    return value;
+}
+
 bool SceneNode::Flag() const {
     auto const* const value = node_->as_boolean();
     if (value == nullptr) {

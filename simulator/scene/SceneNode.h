@@ -27,6 +27,7 @@ public:
 
     std::int64_t Integer(std::int64_t lowest, std::int64_t highest) const;
     double Number() const;
+    double Number(double lowest, double highest) const;
     bool Flag() const;
     std::string const& Text(std::size_t maxLength = std::numeric_limits<std::size_t>::max()) const;
 

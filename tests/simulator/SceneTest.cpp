@@ -40,6 +40,8 @@ TEST(Scene, NamesFileLineAndKeyOfAnError) {
              {"[controller]\ngroups = [\"R1\", \"R9\"]", "cell.toml:2: controller.groups[1]: "},
              {"[controller]\nmode = \"teach\"\nservo = true", "cell.toml:3: controller.servo: "},
              {"[controller]\ngeneration = \"fs\"\n[variables.B]\n100 = 1", "cell.toml:4: variables.B.100: "},
+             {"[controller]\ntime_scale = nan",
+              "cell.toml:2: controller.time_scale: must be a number from 0.001 to 10000"},
              {"[variables.B]\n1 = 256", "cell.toml:2: variables.B.1: must be a whole number from 0 to 255"},
              {"[variables.I]\n1 = 2.5", "cell.toml:2: variables.I.1: "},
              {"[variables.S]\n1 = \"012345678901234567890123456789012\"", "cell.toml:2: variables.S.1: "},
