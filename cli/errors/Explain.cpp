@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <limits>
 
 #include <fmt/format.h>
@@ -19,6 +20,7 @@ constexpr std::int32_t HighestLibraryCode = 0x3FFFF;
 constexpr std::int32_t LocalFileCode = 0x40000001; ///< stands for all of its family
 constexpr std::int32_t HighestAlarm = 9999;
 constexpr std::int32_t MotionAlarm = 8015; ///< what the library raises for a refused target
+constexpr std::int32_t NoAnswer = 0x30006;
 
 struct RetryWords {
     Retry retry;
@@ -125,6 +127,7 @@ std::optional<Explanation> ExplainGeneral(std::int32_t code) {
         explanation.text = UnknownText();
         explanation.subsystem = UnknownFamily.name;
         explanation.advice = UnknownFamily.advice;
+        explanation.match = NoMatch;
     }
     if (card != nullptr && !card->advice.cause.empty()) {
         explanation.advice = card->advice;
@@ -141,6 +144,55 @@ Explanation ExplainInContext(CodeContext const& context, CodeCard const& card) {
         explanation.controllerCode = card.code;
     }
     return explanation;
+}
+
+std::vector<Explanation> ExplainAllCodes() {
+    std::vector<Explanation> all;
+    for (std::int32_t code = 1; code <= HighestLibraryCode; ++code) {
+        if (!LibraryText(code).empty() || FindCard(GeneralCards(), code) != nullptr) {
+            all.push_back(*ExplainGeneral(code));
+        }
+    }
+    all.push_back(*ExplainGeneral(LocalFileCode));
+    // The two forms of a number stand together.
+    std::stable_sort(all.begin(), all.end(), [](Explanation const& left, Explanation const& right) {
+        return SpelledNumber(left.code) < SpelledNumber(right.code);
+    });
+    for (CodeContext const& context : CodeContexts()) {
+        for (CodeCard const& card : context.cards) {
+            all.push_back(ExplainInContext(context, card));
+        }
+    }
+    return all;
+}
+
+/// In which way a number is a part of a code that somebody may have read off; empty if in none.
+std::string_view PartialMatch(std::int32_t code, std::int32_t part) {
+    bool const isLong = code < 0 || code > HighestControllerCode;
+    if (part <= 0xFF && (code & 0xFF) == part) {
+        return "low-byte";
+    }
+    if (part > 0xFF && isLong && (code & 0xFFFF) == part) {
+        return "low-word";
+    }
+    return isLong && fmt::format("{:x}", code) == std::to_string(part) ? "hex-digits" : "";
+}
+
+/// Those of one subsystem, or of all. The refusals of motion go first, then what the library finds
+/// wrong with an answer: these are what an alarm shows by their last byte.
+std::vector<Explanation> ExplainPart(std::int32_t part, std::string_view subsystem = {}) {
+    std::vector<Explanation> found;
+    for (Explanation& each : ExplainAllCodes()) {
+        each.match = PartialMatch(each.code, part);
+        if (!each.match.empty() && (subsystem.empty() || each.subsystem == subsystem)) {
+            found.push_back(std::move(each));
+        }
+    }
+    std::ranges::stable_sort(found, {}, [](Explanation const& each) {
+        bool const isMotion = each.subsystem == CodeContexts().front().name;
+        return isMotion ? 0 : each.subsystem == FamilyOf(NoAnswer).name ? 1 : 2;
+    });
+    return found;
 }
 
 Explanation ExplainAlarm(std::int32_t number, std::optional<std::int32_t> subcode) {
@@ -171,6 +223,17 @@ Explanation ExplainAlarm(std::int32_t number, std::optional<std::int32_t> subcod
         }
     }
     return explanation;
+}
+
+/// A target may have been refused by a code that is none of motion's; its last byte is all that the alarm shows of it.
+std::vector<Explanation> ExplainAlarmOf(std::string_view number, std::string_view subnumber) {
+    auto const subcode = ParseNumber<std::int32_t>(subnumber, "subnumber of an alarm");
+    std::vector<Explanation> all{ExplainAlarm(ParseNumber<std::int32_t>(number, "alarm number"), subcode)};
+    if (all.front().code == MotionAlarm && !all.front().controllerCode && subcode > 0 && subcode <= 0xFF) {
+        auto alike = ExplainPart(subcode);
+        std::move(alike.begin(), alike.end(), std::back_inserter(all));
+    }
+    return all;
 }
 
 std::int32_t ParseCode(std::string_view text) {
@@ -208,6 +271,8 @@ std::vector<Explanation> ExplainNumber(std::int32_t code) {
         if (code <= HighestAlarm) {
             all.push_back(ExplainAlarm(code, {}));
         }
+        auto alike = ExplainPart(code);
+        std::move(alike.begin(), alike.end(), std::back_inserter(all));
     }
     if (all.empty()) {
         throw InputError(fmt::format("there is no code {}", code));
@@ -218,8 +283,12 @@ std::vector<Explanation> ExplainNumber(std::int32_t code) {
 std::vector<Explanation> ExplainNamed(std::string_view name, std::string_view number) {
     for (CodeContext const& context : CodeContexts()) {
         if (context.name == name) {
-            CodeCard const* const card = FindCard(context.cards, ParseCode(number));
-            return card != nullptr ? std::vector{ExplainInContext(context, *card)} : ExplainNumber(ParseCode(number));
+            std::int32_t const code = ParseCode(number);
+            if (CodeCard const* const card = FindCard(context.cards, code)) {
+                return {ExplainInContext(context, *card)};
+            }
+            auto alike = ExplainPart(code, name);
+            return alike.empty() ? ExplainNumber(code) : alike;
         }
     }
     throw InputError(
@@ -234,8 +303,7 @@ std::vector<Explanation> Explain(std::string_view text) {
     std::string_view const number = text.substr(name.empty() ? 0 : colon + 1);
     std::size_t const dash = number.find('-', 1);
     if (dash != std::string_view::npos) {
-        return {ExplainAlarm(ParseNumber<std::int32_t>(number.substr(0, dash), "alarm number"),
-                             ParseNumber<std::int32_t>(number.substr(dash + 1), "subnumber of an alarm"))};
+        return ExplainAlarmOf(number.substr(0, dash), number.substr(dash + 1));
     }
     if (name == "alarm") {
         return {ExplainAlarm(ParseNumber<std::int32_t>(number, "alarm number"), {})};
@@ -244,22 +312,7 @@ std::vector<Explanation> Explain(std::string_view text) {
 }
 
 std::vector<Explanation> ExplainAll() {
-    std::vector<Explanation> all;
-    for (std::int32_t code = 1; code <= HighestLibraryCode; ++code) {
-        if (!LibraryText(code).empty() || FindCard(GeneralCards(), code) != nullptr) {
-            all.push_back(*ExplainGeneral(code));
-        }
-    }
-    all.push_back(*ExplainGeneral(LocalFileCode));
-    // The two forms of a number stand together.
-    std::stable_sort(all.begin(), all.end(), [](Explanation const& left, Explanation const& right) {
-        return SpelledNumber(left.code) < SpelledNumber(right.code);
-    });
-    for (CodeContext const& context : CodeContexts()) {
-        for (CodeCard const& card : context.cards) {
-            all.push_back(ExplainInContext(context, card));
-        }
-    }
+    std::vector<Explanation> all = ExplainAllCodes();
     all.push_back(ExplainAlarm(MotionAlarm, {}));
     for (AlarmBlock const& block : AlarmBlocks) {
         all.push_back(ExplainAlarm(block.last, {}));
@@ -280,6 +333,7 @@ Json ExplanationJson(Explanation const& explanation) {
     Advice const& advice = explanation.advice;
     auto const number = [](std::optional<std::int32_t> const& value) { return value ? Json(*value) : Json(); };
     return {{"code", explanation.code},
+            {"match", explanation.match},
             {"hex", fmt::format("0x{:X}", static_cast<std::uint32_t>(explanation.code))},
             {"subcode", number(explanation.subcode)},
             {"controller_code", number(explanation.controllerCode)},

@@ -1,6 +1,8 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -17,30 +19,64 @@ namespace harvlink::cli {
 
 namespace {
 
+/// For each code that was given all that it may mean.
+using Meanings = std::vector<std::vector<Explanation>>;
+
 struct ExplainArguments {
     std::vector<std::string> codes;
     bool all = false;
     bool markdown = false;
 };
 
-int Show(Output& output, std::vector<Explanation> const& explanations) {
-    Json rows = Json::array();
+void ShowCard(Output& output, Json const& explanation) {
+    Json card;
+    for (auto const& [key, value] : explanation.items()) {
+        if (!value.is_null() && key != "match") {
+            card[key] = value;
+        }
+    }
+    output.Show(card);
+}
+
+bool IsSimilar(Explanation const& explanation) {
+    return explanation.match != ExactMatch && explanation.match != NoMatch;
+}
+
+/// What is known of one code: a card for each of its meanings, and a table of the codes that it is only a part of.
+void ShowMeanings(Output& output, std::vector<Explanation> const& explanations) {
+    bool const hasSimilar = IsSimilar(explanations.back());
+    std::string_view gap;
+    Json similar = Json::array();
     for (Explanation const& explanation : explanations) {
-        rows.push_back(ExplanationJson(explanation));
+        Json const row = ExplanationJson(explanation);
+        if (IsSimilar(explanation)) {
+            similar.push_back(
+                {{"code", row["code"]}, {"hex", row["hex"]}, {"subsystem", row["subsystem"]}, {"text", row["text"]}});
+        } else if (explanation.match == ExactMatch || !hasSimilar) {
+            output.console().out << std::exchange(gap, "\n");
+            ShowCard(output, row);
+        }
+    }
+    if (hasSimilar) {
+        output.console().out << gap << "Codes of which this may be a part, the likeliest first:\n\n";
+        output.Show(similar);
+    }
+}
+
+int Show(Output& output, Meanings const& codes) {
+    Json rows = Json::array();
+    for (std::vector<Explanation> const& explanations : codes) {
+        if (!output.json) {
+            output.console().out << (&explanations == &codes.front() ? "" : "\n");
+            ShowMeanings(output, explanations);
+            continue;
+        }
+        for (Explanation const& explanation : explanations) {
+            rows.push_back(ExplanationJson(explanation));
+        }
     }
     if (output.json) {
         output.Show(rows);
-        return ExitStatus::Success;
-    }
-    for (Json const& row : rows) {
-        Json card;
-        for (auto const& [key, value] : row.items()) {
-            if (!value.is_null()) {
-                card[key] = value;
-            }
-        }
-        output.console().out << (&row == &rows.front() ? "" : "\n");
-        output.Show(card);
     }
     return ExitStatus::Success;
 }
@@ -55,13 +91,13 @@ void AddExplainCommand(CLI::App& app, Session& session) {
         ->type_name("CODE");
     verb->add_flag("--all", arguments->all, "Every code that has a text");
     verb->add_flag("--markdown", arguments->markdown, "With --all: as one page of Markdown");
-    SetExamples(*verb, {"explain 0x30006", "explain -49934480", "explain job:65535 --json", "explain 8015-112"},
+    SetExamples(*verb,
+                {"explain 0x30006", "explain -49934480", "explain job:65535 --json", "explain 8015-112", "explain 112"},
                 CodeHelp);
     verb->callback([arguments, &session] {
-        std::vector<Explanation> explanations;
+        Meanings explanations;
         for (std::string const& code : arguments->codes) {
-            std::vector<Explanation> const found = Explain(code);
-            explanations.insert(explanations.end(), found.begin(), found.end());
+            explanations.push_back(Explain(code));
         }
         if (arguments->codes.empty() != arguments->all || (arguments->markdown && !arguments->all)) {
             throw InputError("give codes, or --all with or without --markdown");
@@ -71,7 +107,7 @@ void AddExplainCommand(CLI::App& app, Session& session) {
                 output.console().out << ErrorPage() << std::flush;
                 return ExitStatus::Success;
             }
-            return Show(output, arguments->all ? ExplainAll() : explanations);
+            return Show(output, arguments->all ? Meanings{ExplainAll()} : explanations);
         });
     });
 }

@@ -1,5 +1,6 @@
 #include "errors/Explain.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -19,11 +20,12 @@ TEST(Explain, UnderstandsEveryFormOfACode) {
     struct Case {
         char const* code;
         std::size_t meanings;
-        char const* subsystem; ///< of the first
+        char const* subsystem; ///< of the first of this match
         char const* text;
         char const* retry;
+        char const* match = "exact";
     };
-    std::array<Case, 20> const cases{{
+    std::array<Case, 26> const cases{{
         {"0", 1, "Success", "OK", "yes"},
         {"2060", 1, "State of the controller", "There is an active Error or Alarm.", "after-fix"},
         {"0x2060", 1, "State of the controller", "There is an active Error or Alarm.", "after-fix"},
@@ -40,20 +42,30 @@ TEST(Explain, UnderstandsEveryFormOfACode) {
         {"0x30013", 1, "Library: arguments and answers", "The header version and the library", "after-fix"},
         {"0x40000002", 1, "Library: a file of this computer", "Open file error on your computer.", "after-fix"},
         {"8015-112", 1, "Alarm, system user", "Timeout", "yes"},
-        {"8015", 2, "A number of the controller", "Could not find", "after-fix"},
+        {"8015", 2, "A number of the controller", "Could not find", "after-fix", "none"},
         {"alarm:4107", 1, "Alarm, minor", "The controller has the text", "after-fix"},
         {"5120", 1, "Contents of a file", "Position data error", "after-fix"},
-        {"54321", 1, "A number of the controller", "Could not find", "after-fix"},
+        {"54321", 1, "A number of the controller", "Could not find", "after-fix", "none"},
+        {"motion:112", 1, "motion", "Timeout", "yes", "low-byte"},
+        {"112", 10, "motion", "Timeout", "yes", "low-byte"},
+        {"0xF70", 3, "motion", "Timeout", "yes", "low-word"},
+        {"30006", 2, "Library: arguments and answers", "Controller response timed out", "read-back-first",
+         "hex-digits"},
+        {"8015-6", 4, "Library: arguments and answers", "Controller response timed", "read-back-first", "low-byte"},
+        {"9", 1, "Status byte of the controller", "", "no"},
     }};
     for (Case const& expected : cases) {
         Result const result = RunTool(std::string("explain --json ") + expected.code);
         ASSERT_EQ(result.exit, 0) << expected.code << result.err;
         Json const cards = Json::parse(result.out);
         EXPECT_EQ(cards.size(), expected.meanings) << expected.code << result.out;
-        EXPECT_EQ(cards[0]["subsystem"], expected.subsystem) << expected.code;
-        EXPECT_EQ(cards[0]["text"].get<std::string>().rfind(expected.text, 0), 0U) << expected.code << result.out;
-        EXPECT_EQ(cards[0]["retry"], expected.retry) << expected.code;
-        EXPECT_NE(cards[0]["cause"], "") << expected.code;
+        auto const card =
+            std::find_if(cards.begin(), cards.end(), [&](Json const& each) { return each["match"] == expected.match; });
+        ASSERT_NE(card, cards.end()) << expected.code << result.out;
+        EXPECT_EQ((*card)["subsystem"], expected.subsystem) << expected.code;
+        EXPECT_EQ((*card)["text"].get<std::string>().rfind(expected.text, 0), 0U) << expected.code << result.out;
+        EXPECT_EQ((*card)["retry"], expected.retry) << expected.code;
+        EXPECT_NE((*card)["cause"], "") << expected.code;
     }
     for (char const* const wrong : {"", "x", "0x", "12 --all", "-12", "0x50000", "99999999999", "motor:1", "8015-x",
                                     "--markdown", "alarm:12345"}) {
