@@ -4,6 +4,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,7 @@
 
 #include "CommandLine.h"
 #include "InputError.h"
+#include "LibraryLog.h"
 #include "Text.h"
 #include "harvlink/ControllerStateInterface.h"
 
@@ -84,12 +86,23 @@ Connection Session::Open(StatusInfo& status) const {
     return connection;
 }
 
+void Session::ShowLog(LibraryLog const& log) {
+    std::string const added = logging_ ? log.Added() : "";
+    for (std::string_view const line : Split(added, '\n')) {
+        if (!line.empty()) {
+            output_.Problem(fmt::format("logged in {}: {}", log.Path().string(), Printable(line)));
+        }
+    }
+}
+
 int Session::RunConnected(ConnectedPlan const& plan) {
     StatusInfo status;
-    Connection const connection = Open(status);
-    if (connection) {
+    LibraryLog const log;
+    if (Connection const connection = Open(status)) {
         status = plan(*connection, output_);
     }
+    // Behind the connection, whose end is also that of the thread that logs.
+    ShowLog(log);
     if (status.StatusCode != 0) {
         output_.Failure(status);
     }

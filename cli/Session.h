@@ -14,6 +14,8 @@ class App;
 
 namespace harvlink::cli {
 
+class LibraryLog;
+
 /// The options that all commands share, and the one thing that the command line asked for.
 ///
 /// A command's callback only checks its arguments and plans; the plan runs when the whole line was understood. So wrong
@@ -48,7 +50,8 @@ public:
 
     Settings const& settings() const { return settings_; }
 
-    /// Whether the library writes motion failures that have no caller to its log file.
+    /// Lets the library write motion failures that have no caller to its log file. What it wrote is shown, with the
+    /// place.
     void EnableLogging() { logging_ = true; }
 
     int Run() { return plan_ ? plan_(output_) : 0; }
@@ -58,6 +61,7 @@ public:
 private:
     int Confirm(std::string const& consequence);
     int RunConnected(ConnectedPlan const& plan);
+    void ShowLog(LibraryLog const& log);
 
     Output& output_;
     LocalPlan plan_;

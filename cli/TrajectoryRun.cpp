@@ -147,13 +147,16 @@ private:
         EndBar();
         ActiveAlarms alarms;
         status = robot_.Faults->GetActiveAlarms(alarms);
+        bool hasAlarm = false;
         for (AlarmData const& alarm : alarms.alarms) {
             if (alarm.code != 0) {
+                hasAlarm = true;
                 output_.Problem(
                     fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(TrimField(alarm.name))));
             }
         }
-        if (!state.isServoOn) {
+        // An alarm takes servo power with it.
+        if (!state.isServoOn && !hasAlarm) {
             output_.Problem("servo power is off");
         }
         return StatusInformation(ErrorStatusCodes::OperationInterrupted);
