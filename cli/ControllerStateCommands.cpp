@@ -112,14 +112,19 @@ struct TimeArguments {
     int application = 0;
 };
 
-Json TimeJson(TimeType type, TimeData const& data) {
+/// Programs also get the seconds since 1970, which say nothing to people.
+Json TimeJson(TimeType type, TimeData const& data, bool forPeople) {
     std::time_t const start = data.startTimeEpoch;
     std::tm local{};
     localtime_r(&start, &local);
     ElapsedTime const& elapsed = data.elapsedTime;
-    return {{"counter", NameOf(TimeNames, type)}, {"start", fmt::format("{:%Y-%m-%d %H:%M}", local)},
-            {"start_epoch", data.startTimeEpoch}, {"hours", elapsed.hours},
-            {"minutes", elapsed.minutes},         {"seconds", elapsed.seconds}};
+    Json row{{"counter", NameOf(TimeNames, type)},
+             {forPeople ? "start (local time)" : "start", fmt::format("{:%Y-%m-%d %H:%M}", local)}};
+    if (!forPeople) {
+        row["start_epoch"] = data.startTimeEpoch;
+    }
+    row.update(Json{{"hours", elapsed.hours}, {"minutes", elapsed.minutes}, {"seconds", elapsed.seconds}});
+    return row;
 }
 
 StatusInfo ShowTimes(QuorvanController& robot, Output& output, std::vector<TimeType> const& types,
@@ -129,7 +134,7 @@ StatusInfo ShowTimes(QuorvanController& robot, Output& output, std::vector<TimeT
         TimeData data;
         StatusInfo status = robot.Status->ReadOperatingTimes(ParseGroup(arguments.group), type, data, application);
         if (status.StatusCode == 0) {
-            rows.push_back(TimeJson(type, data));
+            rows.push_back(TimeJson(type, data, !output.json));
         }
         return status;
     });

@@ -135,7 +135,7 @@ StatusInfo Dump(QuorvanController& robot, Output& output, std::vector<VariableKi
 std::vector<VariableKind> ParseKinds(std::vector<std::string> const& names) {
     std::vector<VariableKind> kinds;
     for (std::string const& name : names) {
-        kinds.push_back(ParseName(VariableKindNames, name, "kind of variable"));
+        kinds.push_back(ParseVariableKind(name));
     }
     if (kinds.empty()) {
         for (auto const& named : VariableKindNames) {

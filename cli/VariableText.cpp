@@ -39,9 +39,13 @@ double ShortestDouble(float value) {
 
 } // namespace
 
+VariableKind ParseVariableKind(std::string_view text) {
+    return ParseName(VariableKindNames, LowerCase(text) == "ex" ? "SP" : text, "kind of variable");
+}
+
 VariableAddress ParseVariable(std::string_view text) {
     std::size_t const letters = LetterCount(text);
-    VariableKind const kind = ParseName(VariableKindNames, text.substr(0, letters), "kind of variable");
+    VariableKind const kind = ParseVariableKind(text.substr(0, letters));
     return {kind, ParseIndex(text.substr(letters))};
 }
 
@@ -76,7 +80,7 @@ VariableValue ParseVariableValue(VariableKind kind, std::string_view text) {
     case VariableKind::DoubleInteger:
         return ParseNumber<std::int32_t>(text, "double integer");
     case VariableKind::Real:
-        return ParseNumber<float>(text, "real");
+        return ParseNumber<float>(text, "real number");
     case VariableKind::String:
         return ParseString(text);
     case VariableKind::RobotPosition:

@@ -28,7 +28,7 @@ inline constexpr std::array<Named<VariableKind>, 8> VariableKindNames{{{"B", Var
 inline constexpr char const* VariableHelp =
     "Variables are named by kind and number, such as B5; a range is written B0..B9. Kinds:\n"
     "B byte, I integer, D double integer, R real, S string, P robot position,\n"
-    "BP base position, SP station position.";
+    "BP base position, SP (or EX) station position.";
 
 using VariableValue = std::variant<std::uint8_t, std::int16_t, std::int32_t, float, std::string, PositionData>;
 
@@ -43,6 +43,9 @@ struct VariableAssignment {
     VariableAddress address;
     VariableValue value;
 };
+
+/// In any case. "EX", as the controller's own programs say, is the same as "SP".
+VariableKind ParseVariableKind(std::string_view text);
 
 VariableAddress ParseVariable(std::string_view text);
 std::string VariableName(VariableAddress address);

@@ -2,9 +2,12 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "CommandLine.h"
 #include "Help.h"
@@ -56,13 +59,27 @@ Json Summary(Snapshot const& snapshot, bool json) {
 void ShowFile(Output& output, Snapshot const& snapshot, std::string const& name) {
     auto const file = snapshot.files.find(name);
     if (file == snapshot.files.end()) {
-        throw InputError(fmt::format("the snapshot has no file {}", name));
+        throw InputError(fmt::format("the snapshot has no file '{}'; its section files lists what it has", name));
     }
     if (output.json) {
         output.Show(Json{{"name", name}, {"contents", file->second}});
     } else {
         output.console().out << file->second << std::flush;
     }
+}
+
+/// Those that can be shown, in the order in which the help names them.
+std::vector<std::string_view> SectionsOf(Snapshot const& snapshot) {
+    std::vector<std::string_view> sections;
+    for (TableKind const& kind : TableKinds) {
+        if (snapshot.tables.contains(kind.section)) {
+            sections.push_back(kind.section);
+        }
+    }
+    if (snapshot.HasSection(FilesSection)) {
+        sections.push_back(FilesSection);
+    }
+    return sections;
 }
 
 void ShowSection(Output& output, Snapshot const& snapshot, std::string const& section) {
@@ -74,7 +91,8 @@ void ShowSection(Output& output, Snapshot const& snapshot, std::string const& se
     } else if (section == FilesSection && snapshot.HasSection(section)) {
         output.Show(FilesJson(snapshot));
     } else {
-        throw InputError(fmt::format("the snapshot has no section {}", section));
+        throw InputError(fmt::format("the snapshot has no section '{}'; it has: {}", section,
+                                     fmt::join(SectionsOf(snapshot), ", ")));
     }
 }
 

@@ -83,7 +83,7 @@ void ApplyKind(SceneNode const& variables, std::string_view key, std::vector<Val
 } // namespace
 
 void ApplyVariables(SceneNode const& variables, ControllerModel& model) {
-    variables.AllowOnly({"B", "I", "D", "R", "S", "P", "BP", "EX"});
+    variables.AllowOnly({"B", "I", "D", "R", "S", "P", "BP", "EX", "SP"});
     auto& store = model.variables;
     ApplyKind(variables, "B", store.bytes);
     ApplyKind(variables, "I", store.integers);
@@ -92,7 +92,9 @@ void ApplyVariables(SceneNode const& variables, ControllerModel& model) {
     ApplyKind(variables, "S", store.strings);
     ApplyKind(variables, "P", store.robotPositions);
     ApplyKind(variables, "BP", store.basePositions);
-    ApplyKind(variables, "EX", store.stationPositions);
+    for (char const* const name : {"EX", "SP"}) {
+        ApplyKind(variables, name, store.stationPositions);
+    }
 }
 
 } // namespace harvlink::simulator

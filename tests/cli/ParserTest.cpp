@@ -127,6 +127,7 @@ TEST(Parser, UnderstandsAndRefuses) {
         {"unknown figure", Position, eight + ",figure=sideways", "error"},
         {"unknown part", Position, eight + ",colour=1", "error"},
         {"one variable", Range, "bp7", "BP7"},
+        {"station by its other name", Range, "ex1..SP2", "SP1|SP2"},
         {"range", Range, "B8..B10", "B8|B9|B10"},
         {"short range", Range, "S0..1", "S0|S1"},
         {"backward range", Range, "B2..B1", "error"},

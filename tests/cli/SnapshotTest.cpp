@@ -115,6 +115,7 @@ TEST_F(SnapshotTest, SavesWhatTheControllerHasAndTellsWhatChanged) {
     EXPECT_EQ(document["same"], true);
     EXPECT_EQ(document["changes"], Json::array());
     EXPECT_NE(RunTool("snapshot show cell variables").out.find("B5"), std::string::npos);
+    EXPECT_NE(RunTool("snapshot show cell nope").err.find("'nope'; it has: groups, variables, "), std::string::npos);
     EXPECT_EQ(RunTool("snapshot show cell files/DEMO.JBI").out, ContentOf("cell/files/DEMO.JBI"));
 }
 
