@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
+#include "Complaint.h"
 #include "Help.h"
 #include "InputError.h"
 #include "Output.h"
@@ -75,15 +76,6 @@ std::vector<std::string> Arguments(int argc, char const* const* argv) {
     }
     std::reverse(arguments.begin(), arguments.end());
     return arguments;
-}
-
-/// The parser misses what is required before it looks at the word in its place that it does not know.
-std::string Complaint(CLI::App const& app, CLI::ParseError const& error) {
-    auto const unknown = app.remaining(true);
-    if (error.get_name() == "RequiredError" && !unknown.empty()) {
-        return fmt::format("there is no command or option '{}'", unknown.front());
-    }
-    return error.what();
 }
 
 int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {

@@ -1,11 +1,14 @@
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <string>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include "Commands.h"
 #include "Help.h"
+#include "InputError.h"
 #include "Session.h"
 #include "Text.h"
 #include "harvlink/ControlCommandsInterface.h"
@@ -13,6 +16,8 @@
 namespace harvlink::cli {
 
 namespace {
+
+constexpr std::size_t LongestLine = 30;
 
 constexpr std::array<Named<SignalStatus>, 2> SwitchNames{{{"on", SignalStatus::On}, {"off", SignalStatus::Off}}};
 
@@ -75,6 +80,10 @@ void AddPendant(CLI::App& app, Session& session) {
     verb->add_option("TEXT", *text, "The line")->required();
     SetExamples(*verb, {"pendant \"Door open\""});
     verb->callback([text, &session] {
+        // The library would cut it without a word.
+        if (text->size() > LongestLine) {
+            throw InputError(fmt::format("the line has {} bytes, and the pendant shows {}", text->size(), LongestLine));
+        }
         session.OnConnection([text](QuorvanController& robot, Output& output) {
             return output.Done(robot.ControlCommands->DisplayStringToPendant(*text));
         });

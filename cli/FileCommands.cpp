@@ -184,10 +184,11 @@ void AddList(CLI::App& family, Session& session) {
     verb->add_option("NAME", *globs, "Names, globs, or extensions such as JBI; without any all files");
     SetExamples(*verb, {"files list", "files list JBI", "files list 'A*.JBI'"}, FileNamesHelp);
     verb->callback([globs, &session] {
-        for (std::string const& glob : *globs) {
+        for (std::string& glob : *globs) {
+            glob.erase(0, glob.starts_with('.') ? 1 : 0);
             if (KindsOf(glob).empty()) {
                 throw InputError(
-                    fmt::format("'{}' is no kind of file; there are JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
+                    fmt::format("'{}' is no kind of file; there are: JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
             }
         }
         session.OnConnection([names = globs->empty() ? TextList{"*.*"} : *globs](
@@ -326,6 +327,11 @@ void AddDelete(CLI::App& family, Session& session) {
     verb->callback([globs, &session] {
         for (std::string& glob : *globs) {
             bool const hasExtension = LowerCase(glob).ends_with(".jbi");
+            std::vector<FileType> const kinds =
+                glob.find('.') == std::string::npos ? std::vector<FileType>{} : KindsOf(glob);
+            if (!kinds.empty() && std::ranges::find(kinds, FileType::JobFile) == kinds.end()) {
+                throw InputError(fmt::format("only jobs can be deleted, and '{}' is none", glob));
+            }
             glob += hasExtension ? "" : ".JBI";
         }
         session.OnConnection(

@@ -1,6 +1,5 @@
 #include "Help.h"
 
-#include <cctype>
 #include <memory>
 #include <string>
 
@@ -29,13 +28,6 @@ std::string Wrap(std::string_view text) {
         width = (isFull || width == 0 ? 0 : width + 1) + word.size();
     }
     return wrapped;
-}
-
-std::string UpperCase(std::string text) {
-    for (char& character : text) {
-        character = static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
-    }
-    return text;
 }
 
 /// What a check of a range adds to a type name, "UINT in [1 - 100]", as words.

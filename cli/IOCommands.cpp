@@ -244,6 +244,9 @@ std::vector<unsigned short> ParseRegisters(std::vector<std::string> const& texts
         auto const last = dots == std::string_view::npos
                               ? first
                               : ParseNumber<unsigned short>(text.substr(dots + 2), "register number");
+        if (last < first) {
+            throw InputError(fmt::format("'{}' is no range of registers", text));
+        }
         for (unsigned index = first; index <= last; ++index) {
             registers.push_back(static_cast<unsigned short>(index));
         }

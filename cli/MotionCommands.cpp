@@ -39,6 +39,9 @@ void PlanTrajectory(Session& session, Trajectory trajectory) {
 }
 
 CircularMotion MakeMotion(MoveArguments const& arguments) {
+    if (arguments.joint == arguments.line) {
+        throw InputError("give --joint or --line, the kind of move");
+    }
     CircularMotion motion;
     motion.controlGroup = ParseGroup(arguments.group);
     motion.speed = arguments.speed;
@@ -54,14 +57,17 @@ void AddMove(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<MoveArguments>();
     CLI::App* const verb = app.add_subcommand("move", "Move a control group to a position: MOVES THE MACHINE");
     verb->add_option("GROUP", arguments->group, "Control group, such as R1")->type_name("GROUP")->required();
-    CLI::Option_group* const kind = verb->add_option_group("Kind of move");
-    kind->add_flag("--joint", arguments->joint, "Each axis on its own; the speed is in per cent");
-    kind->add_flag("--line", arguments->line, "In a straight line; the speed is in mm/s");
-    kind->require_option(1);
-    verb->add_option("--to", arguments->to, "The position")->required()->type_name("POSITION");
-    verb->add_option("--speed", arguments->speed, "Per cent (joint) or mm/s (line)")->required()->type_name("SPEED");
-    verb->add_option("--acceleration", arguments->acceleration, "20 to 100 per cent")->type_name("PERCENT");
-    verb->add_option("--deceleration", arguments->deceleration, "20 to 100 per cent")->type_name("PERCENT");
+    CLI::Option* const joint =
+        verb->add_flag("--joint", arguments->joint, "Move each axis on its own; either this or --line is required");
+    verb->add_flag("--line", arguments->line, "Move in a straight line")->excludes(joint);
+    verb->add_option("--to", arguments->to, "The position to move to")->required()->type_name("POSITION");
+    verb->add_option("--speed", arguments->speed, "Speed in per cent (joint) or mm/s (line)")
+        ->required()
+        ->type_name("SPEED");
+    verb->add_option("--acceleration", arguments->acceleration, "20 to 100 per cent; else what the controller has")
+        ->type_name("PERCENT");
+    verb->add_option("--deceleration", arguments->deceleration, "20 to 100 per cent; else what the controller has")
+        ->type_name("PERCENT");
     SetExamples(*verb,
                 {"move R1 --line --to base:480,0,600,180,0,0 --speed 100",
                  "move R1 --joint --to pulse:0,0,0,0,-90000,0 --speed 10 --yes"},
@@ -103,7 +109,7 @@ void AddProgress(CLI::App& app, Session& session) {
     auto group = std::make_shared<std::string>("R1");
     CLI::App* const verb =
         app.add_subcommand("progress", "Show the controller's number for how far a group is with its target");
-    verb->add_option("GROUP", *group, "Control group")->type_name("GROUP")->capture_default_str();
+    verb->add_option("GROUP", *group, "Control group, such as R1")->type_name("GROUP")->capture_default_str();
     SetExamples(*verb, {"progress R1"});
     verb->callback([group, &session] {
         session.OnConnection([id = ParseGroup(*group)](QuorvanController& robot, Output& output) {

@@ -1,5 +1,6 @@
 #include "PositionText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <sstream>
@@ -64,7 +65,9 @@ void SetFigureWord(Figure& figure, std::string_view word) {
     } else if (word == "flip" || word == "noflip") {
         figure.flipOrNoFlip = word == "flip" ? FlipOrNoFlip::Flip : FlipOrNoFlip::NoFlip;
     } else if (!SetAngleFlag(figure, word)) {
-        throw InputError(fmt::format("'{}' is no word of a figure", word));
+        throw InputError(fmt::format("'{}' is no word of a figure; there are: front, back, upper, lower, flip, noflip, "
+                                     "s180, l180, u180, r180, b180, t180, e180, w180",
+                                     word));
     }
 }
 
@@ -116,10 +119,14 @@ std::size_t LeastAxes(ControlGroupId group) {
 
 Coordinate ParseCoordinate(std::string_view text) {
     std::size_t const colon = text.find(':');
-    CoordinateType const type = ParseName(CoordinateNames, text.substr(0, colon), "coordinate system");
+    std::string const name = LowerCase(text.substr(0, colon));
+    auto const* const named = std::find_if(CoordinateNames.begin(), CoordinateNames.end(),
+                                           [&](auto const& each) { return each.name == name; });
+    CoordinateType const type = named == CoordinateNames.end() ? CoordinateType::Undefined : named->value;
     bool const isUser = type == CoordinateType::UserCoordinate;
     if (type == CoordinateType::Undefined || isUser != (colon != std::string_view::npos)) {
-        throw InputError(fmt::format("'{}' is no coordinate system; user coordinates are written user:N", text));
+        throw InputError(fmt::format(
+            "'{}' is no coordinate system; there are: pulse, joint, base, robot, tool, user:N, master-tool", text));
     }
     return {type, isUser ? ParseNumber<int>(text.substr(colon + 1), "user coordinate number") : 0};
 }

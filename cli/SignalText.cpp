@@ -1,6 +1,7 @@
 #include "SignalText.h"
 
 #include <array>
+#include <cctype>
 
 #include <fmt/format.h>
 
@@ -34,6 +35,9 @@ SignalName ParseSignal(std::string_view text) {
     SignalName name{.text = std::string(text), .address = {}, .bit = {}};
     std::size_t const colon = text.find(':');
     if (colon == std::string_view::npos) {
+        if (text.empty() || std::isdigit(static_cast<unsigned char>(text[0])) == 0) {
+            throw InputError(fmt::format("'{}' is no signal such as 10010 or general-output:1.0", text));
+        }
         name.address = ParseNumber<unsigned>(text, "address of a signal");
         return name;
     }

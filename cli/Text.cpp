@@ -40,6 +40,14 @@ std::string LowerCase(std::string_view text) {
     return lower;
 }
 
+std::string UpperCase(std::string_view text) {
+    std::string upper(text);
+    for (char& character : upper) {
+        character = static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
+    }
+    return upper;
+}
+
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> pieces;
     while (true) {
@@ -55,7 +63,7 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
 std::pair<std::string, std::string> SplitAssignment(std::string_view text) {
     std::size_t const equals = text.find('=');
     if (equals == std::string_view::npos) {
-        throw InputError(fmt::format("'{}' is no assignment; write NAME=VALUE", text));
+        throw InputError(fmt::format("'{0}' is no assignment; write {0}=VALUE, without blanks", text));
     }
     return {std::string(text.substr(0, equals)), std::string(text.substr(equals + 1))};
 }

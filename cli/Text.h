@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 #include <concepts>
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -27,6 +29,7 @@ double RoundToMilli(double value);
 
 std::string_view TrimBlanks(std::string_view text);
 std::string LowerCase(std::string_view text);
+std::string UpperCase(std::string_view text);
 std::vector<std::string_view> Split(std::string_view text, char separator);
 
 /// Cuts "name=value" at its first equals sign.
@@ -35,6 +38,9 @@ std::pair<std::string, std::string> SplitAssignment(std::string_view text);
 /// A number that takes up the whole text. Integers may be hexadecimal (0x1F) or binary (0b101).
 template <typename Number>
 Number ParseNumber(std::string_view text, std::string_view what) {
+    if (text.empty()) {
+        throw InputError(fmt::format("{} is missing", what));
+    }
     Number number{};
     std::string_view digits = text;
     auto parse = [&](auto... format) {
@@ -51,7 +57,11 @@ Number ParseNumber(std::string_view text, std::string_view what) {
     }
     bool const whole = result.ptr == digits.data() + digits.size();
     if (result.ec == std::errc::result_out_of_range && whole) {
-        throw InputError(fmt::format("{} {} is out of range", what, text));
+        using Limits = std::numeric_limits<Number>;
+        throw InputError(
+            std::integral<Number> && sizeof(Number) <= sizeof(std::int32_t)
+                ? fmt::format("{} {} is out of range, from {} to {}", what, text, Limits::min(), Limits::max())
+                : fmt::format("{} {} is out of range", what, text));
     }
     if (result.ec != std::errc{} || !whole) {
         throw InputError(fmt::format("'{}' is no {}", text, what));

@@ -152,8 +152,10 @@ private:
 void CheckMotion(Motion const& motion) {
     PositionData const& position = motion.position;
     Require(position.coordinateType != CoordinateType::JointAngle, ErrorStatusCodes::InvalidCoordinateType);
-    Require(IsRatio(motion.accelerationRatio), ErrorStatusCodes::AccelerationOutOfRange);
-    Require(IsRatio(motion.decelerationRatio), ErrorStatusCodes::DecelerationOutOfRange);
+    // The library has no text for these two.
+    if (!IsRatio(motion.accelerationRatio) || !IsRatio(motion.decelerationRatio)) {
+        throw InputError("acceleration and deceleration must be from 20 to 100 per cent");
+    }
     if (motion.moveType == MoveInterpolationType::Joint) {
         Require(motion.speed >= 0.01 && motion.speed <= 100.0, ErrorStatusCodes::JointSpeedOutOfRange);
     } else {

@@ -43,7 +43,7 @@ void CheckRetries(std::string const& text) {
 }
 
 void CheckGeneration(std::string const& text) {
-    if (std::find(Generations.begin(), Generations.end(), text) == Generations.end()) {
+    if (std::find(Generations.begin(), Generations.end(), UpperCase(text)) == Generations.end()) {
         throw InputError(fmt::format("'{}' is no generation; there are: {}", text, fmt::join(Generations, ", ")));
     }
 }
@@ -54,17 +54,19 @@ struct Setting {
     char const* variable;
     char const* builtIn;
     bool isNumber;
+    char const* example; ///< of a text as the file has it
     char const* type;
     char const* help;
     void (*check)(std::string const& text); ///< throws InputError
 };
 
 constexpr std::array<Setting, Settings::Count> All{{
-    {"host", "HARVLINK_HOST", "", false, "ADDRESS", "IPv4 address of the controller", CheckHost},
-    {"timeout", "HARVLINK_TIMEOUT", "500", true, "MS", "Milliseconds for which an exchange listens for its answer",
+    {"host", "HARVLINK_HOST", "", false, "host = \"192.168.255.1\"", "ADDRESS", "IPv4 address of the controller",
+     CheckHost},
+    {"timeout", "HARVLINK_TIMEOUT", "500", true, "", "MS", "Milliseconds for which an exchange listens for its answer",
      CheckTimeout},
-    {"retries", "HARVLINK_RETRIES", "3", true, "N", "How many further such periods it listens", CheckRetries},
-    {"generation", "HARVLINK_GENERATION", "", false, "DS|DN|FS|YA|YB|YN",
+    {"retries", "HARVLINK_RETRIES", "3", true, "", "N", "How many further such periods it listens", CheckRetries},
+    {"generation", "HARVLINK_GENERATION", "", false, "generation = \"YA\"", "DS|DN|FS|YA|YB|YN",
      "Refuse to work with a controller of another generation", CheckGeneration},
 }};
 
@@ -90,14 +92,36 @@ std::string TextOf(toml::node const& node, Setting const& setting, std::string c
         return node.as_string()->get();
     }
     throw InputError(fmt::format("{}: {} must be {}", source, setting.name,
-                                 setting.isNumber ? "a whole number" : "a text in quotes"));
+                                 setting.isNumber ? "a whole number, without quotes"
+                                                  : fmt::format("a text in quotes, such as {}", setting.example)));
+}
+
+/// The parser takes an address without quotes for a number and says so; what is missing are the quotes.
+Setting const* FindUnquoted(std::string_view line) {
+    std::size_t const equals = std::min(line.find('='), line.size());
+    std::string_view const name = TrimBlanks(line.substr(0, equals));
+    std::string_view const value = TrimBlanks(line.substr(std::min(equals + 1, line.size())));
+    auto const* const setting =
+        std::find_if(All.begin(), All.end(), [&](Setting const& each) { return name == each.name && !each.isNumber; });
+    bool const isQuoted = value.starts_with('"') || value.starts_with('\'');
+    return setting == All.end() || value.empty() || isQuoted ? nullptr : setting;
+}
+
+[[noreturn]] void FailToParse(std::string const& path, std::string_view text, toml::parse_error const& error) {
+    std::size_t const line = error.source().begin.line;
+    std::vector<std::string_view> const lines = Split(text, '\n');
+    Setting const* const unquoted = line >= 1 && line <= lines.size() ? FindUnquoted(lines[line - 1]) : nullptr;
+    throw InputError(unquoted != nullptr ? fmt::format("{}:{}: {} must be a text in quotes, such as {}", path, line,
+                                                       unquoted->name, unquoted->example)
+                                         : fmt::format("{}:{}: {}", path, line, error.description()));
 }
 
 toml::table ParseFile(std::string const& path) {
+    std::string const text = ReadTextFile(path);
     try {
-        return toml::parse(ReadTextFile(path));
+        return toml::parse(text);
     } catch (toml::parse_error const& error) {
-        throw InputError(fmt::format("{}:{}: {}", path, error.source().begin.line, error.description()));
+        FailToParse(path, text, error);
     }
 }
 
@@ -189,7 +213,7 @@ std::vector<Settings::Effective> Settings::Resolve() const {
 Settings::Connection Settings::ForConnection() const {
     std::vector<Effective> const settings = Resolve();
     return {settings[0].value, ParseNumber<unsigned>(settings[1].value, "time-out"),
-            ParseNumber<unsigned>(settings[2].value, "number of retries"), settings[3].value};
+            ParseNumber<unsigned>(settings[2].value, "number of retries"), UpperCase(settings[3].value)};
 }
 
 } // namespace harvlink::cli

@@ -1,6 +1,7 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <string>
 
 #include <fmt/format.h>
@@ -73,10 +74,11 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         char const* out; ///< a part of it
         char const* err;
     };
-    std::array<Case, 41> const cases{{
+    std::array<Case, 55> const cases{{
         {"status", 0, "Servo on  no\n", ""},
         {"--json status", 0, "\"servo_on\": false", ""},
         {"info robot7", 1, "", "Code (45063): The system ID requested is invalid\n"},
+        {"times", 0, "Start (local time)  Hours", ""},
         {"times moving-station", 1, "", "Code (40961): "},
         {"param S1C3", 1, "", "Code (196626): "},
         {"position R1 --coordinate base", 0, "Units       mm, degrees\n", ""},
@@ -86,7 +88,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"var get B5 R1", 0, "B5           12\nR1          0.1\n", ""},
         {"var get P3", 0, "base:480,0,600.5,180,0,0,0,0,tool=1,figure=front+upper+flip", ""},
         {"var get B5 B2047 --json", 1, "\"value\": 12", "Code (196616): The requested variable index is invalid.\n"},
-        {"var set B1=1 B2=256", 2, "", "harvlink: byte 256 is out of range\n"},
+        {"var set B1=1 B2=256", 2, "", "harvlink: byte 256 is out of range, from 0 to 255\n"},
         {"io set general-output:1.3=on", 0, "Written  1\n", ""},
         {"io byte 10010", 0, "00001000", ""},
         {"io get general-input:1", 0, "general-input:1.7       17  no\n", ""},
@@ -111,9 +113,22 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"stop --json", 0, "{\n  \"code\": 0,\n  \"message\": \"OK\"\n}\n", ""},
         {"files list X", 2, "", "no kind of file"},
         {"files get *.LST", 1, "", "Code (131078): No files found with this extension.\n"},
-        {"", 2, "", "A subcommand is required"},
-        {"statsu", 2, "", "there is no command or option 'statsu'"},
-        {"status extra", 2, "", "extra"},
+        {"", 2, "", "harvlink: a command is missing\n"},
+        {"statsu", 2, "", "there is no command 'statsu'; is status meant?"},
+        {"status extra", 2, "", "'extra' is one argument too many"},
+        {"var", 2, "", "a command is missing; there are: get, set, dump, load\nRun harvlink var --help"},
+        {"alarms newest", 2, "", "there is no command 'newest'; there are: history, clear"},
+        {"position R1 --tol 1", 2, "", "there is no option '--tol'; is --tool meant?"},
+        {"position R1 --tool 64", 2, "", "--tool: '64' is no number from 0 to 63"},
+        {"position --tool", 2, "", "--tool needs a value: N"},
+        {"position R1 --coordinate world", 2, "", "robot, tool, user:N, master-tool"},
+        {"job select A --line x", 2, "", "--line: 'x' is no number"},
+        {"move R1 --to base:1,2,3,4,5,6 --speed 9", 2, "", "give --joint or --line"},
+        {"move R1 --joint --line --to base:1,2,3,4,5,6 --speed 9", 2, "", "not both"},
+        {"move R1 --joint --to base:1,2,3,4,5,6 --speed 9 --acceleration 19", 2, "", "from 20 to 100 per cent"},
+        {"register get 5..1", 2, "", "'5..1' is no range of registers"},
+        {"files delete A.DAT", 2, "", "only jobs can be deleted"},
+        {"pendant 1234567890123456789012345678901", 2, "", "the line has 31 bytes"},
         {"--version", 0, "harvlink 1.1.3\n", ""},
     }};
     for (Case const& expected : cases) {
@@ -224,6 +239,9 @@ TEST_F(ProgramTest, TellsWhyATrajectoryWasRefused) {
     Result const result = RunTool("trajectory run far.csv --yes");
     EXPECT_EQ(result.exit, 1);
     EXPECT_NE(result.err.find("alarm 8015-"), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find("servo power"), std::string::npos) << "the alarm took it";
+    std::string const log = (std::filesystem::current_path() / "HarvlinkLog.txt").string();
+    EXPECT_NE(result.err.find("logged in " + log + ": "), std::string::npos) << result.err;
 }
 
 } // namespace

@@ -64,9 +64,11 @@ TEST_F(SettingsTest, NameTheSourceOfABadValue) {
         char const* options;
         char const* problem;
     };
-    std::array<Case, 8> const cases{{
+    std::array<Case, 10> const cases{{
         {"host = \"1.2.3\"\n", "", "", "config.toml:1: '1.2.3' is no IPv4 address"},
         {"\nhost = 5\n", "", "", "config.toml:2: host must be a text in quotes"},
+        {"\nhost = 192.168.0.1\n", "", "", "config.toml:2: host must be a text in quotes, such as host = \"192"},
+        {"generation = ya\n", "", "", "config.toml:1: generation must be a text in quotes"},
         {"timeout = \"5\"\n", "", "", "config.toml:1: timeout must be a whole number"},
         {"timeout = 5\nhots = \"1.2.3.4\"\n", "", "", "config.toml:2: there is no setting 'hots'; there are: host, "},
         {"timeout = \n", "", "", "config.toml:1: "},
@@ -88,7 +90,7 @@ TEST_F(SettingsTest, RefuseAControllerOfAnotherGeneration) {
     std::string const host = test::NextLoopbackAddress();
     server.Add(host);
     ASSERT_TRUE(server.Start()) << server.Error();
-    EXPECT_EQ(RunTool("status --generation YA --host " + host).exit, 0);
+    EXPECT_EQ(RunTool("status --generation ya --host " + host).exit, 0);
     Result const result = RunTool("status --generation FS --host " + host);
     EXPECT_EQ(result.exit, 1);
     EXPECT_NE(result.err.find("the controller is no FS"), std::string::npos) << result.err;
