@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t BlockSize = 479;
 constexpr std::array<std::size_t, 9> Sizes{1, 200, 478, 479, 480, 958, 4000, 20000, 60000};
 constexpr int NoSuchFile = 58035;
+constexpr int BlockNumberError = 58529;
 
 bool IsJob(std::string const& name) {
     return name.ends_with(".JBI");
@@ -116,8 +117,10 @@ bool FilesWorker::CheckTransfer(std::string const& what, StatusInfo const& statu
         return true;
     }
     ledger_.Note(Survived::BrokenTransfer);
+    // Silence on id 0 passes for a block with the number 0, and acknowledging that one is refused.
+    bool const isOutOfStep = status.StatusCode == BlockNumberError;
     // Where requests get lost the controller may miss a block, or have dropped the transfer.
-    if (!options_.badNetwork) {
+    if (!isOutOfStep && !options_.badNetwork) {
         IsSent(what, status);
     }
     return false;
