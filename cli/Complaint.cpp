@@ -48,8 +48,9 @@ Names CommandNames(CLI::App const& app) {
 void AddOptionNames(Names& names, CLI::App const& app) {
     for (CLI::Option const* const option : app.get_options()) {
         for (std::string const& name : option->get_lnames()) {
-            bool const isKnown = std::find(names.begin(), names.end(), "--" + name) != names.end();
-            names.resize(names.size() + (isKnown ? 0 : 1), "--" + name);
+            if (std::find(names.begin(), names.end(), "--" + name) == names.end()) {
+                names.push_back("--" + name);
+            }
         }
     }
 }
