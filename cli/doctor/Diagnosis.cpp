@@ -1,7 +1,7 @@
 #include "doctor/Diagnosis.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cerrno>
 #include <cstring>
 
 #include <fmt/format.h>
@@ -15,138 +15,150 @@ namespace harvlink::cli {
 namespace {
 
 using State = PortReport::State;
+using Garble = PortReport::Garble;
 
-/// Above it a control loop over the network, or a transfer of thousands of blocks, is felt to be slow.
-constexpr double SlowMilliseconds = 15.0;
-
-constexpr char const* AddressHint = "Ping {0}. If it answers, the controller's Ethernet function is off or a firewall "
-                                    "drops UDP 10040: check its network "
-                                    "settings. If it doesn't: power, cable, address and net mask on both sides";
-
-std::string Count(unsigned count, unsigned sent) {
-    return fmt::format("{} of {} ({:.1f} %)", count, sent, 100.0 * count / std::max(1U, sent));
-}
-
-/// Without the full stop, as all next steps.
-std::string NextStepFor(std::int32_t code) {
-    std::string step(Explain(std::to_string(code)).front().advice.check);
-    if (step.ends_with('.')) {
-        step.pop_back();
-    }
-    return step;
+/// Somebody on the way says that he does not let it through, or can't.
+Finding Rejected(PortReport const& port, Expectation const& expected) {
+    return {"rejected",
+            fmt::format("The device {} on the way to {} turns UDP {} back: {}", port.reporter, expected.host, port.port,
+                        std::strerror(port.error)),
+            fmt::format("Check that {} is the controller's address; if it is, let UDP 10040 and 10041 through at {}, "
+                        "which is a firewall or router",
+                        expected.host, port.reporter)};
 }
 
 Finding Unreachable(PortReport const& port, Expectation const& expected) {
-    return {"no-route", fmt::format("this computer can't send to {}: {}", expected.host, std::strerror(port.error)),
-            fmt::format("Give this computer an address in the controller's network, or a route to it: ip route get {}",
-                        expected.host)};
+    std::string const& host = expected.host;
+    switch (port.error) {
+    case EHOSTUNREACH:
+        return {"no-route", fmt::format("No device in this computer's network has the address {}", host),
+                fmt::format("Check that the controller is on, that its cable is plugged in, and that {} is the address "
+                            "set on it",
+                            host)};
+    case ENETUNREACH:
+        return {"no-route", fmt::format("This computer knows no way to {}", host),
+                fmt::format("Give this computer an address in the controller's network, or a route to it, until ip "
+                            "route get {} shows one",
+                            host)};
+    case EACCES:
+    case EPERM:
+        return {"no-route",
+                fmt::format("This computer does not let a program send to {}: {}", host, std::strerror(port.error)),
+                fmt::format("Check that {} is no broadcast address, then this computer's own firewall for outgoing UDP",
+                            host)};
+    default:
+        return {"no-route", fmt::format("This computer can't send to {}: {}", host, std::strerror(port.error)),
+                fmt::format("Check this computer's network settings: ip route get {}", host)};
+    }
 }
 
 Finding Closed(Expectation const& expected) {
-    return {"port-closed",
-            fmt::format("{} is there, but nothing listens on UDP 10040 (ICMP port unreachable)", expected.host),
-            "Check that this is the controller's address and not another device's; then that its Ethernet server "
-            "function is enabled and it has finished starting"};
+    return {"port-closed", fmt::format("{} is there, but nothing listens on its port UDP 10040", expected.host),
+            "Check that this is the controller's address and not another device's; if it is, enable the controller's "
+            "Ethernet server function, and wait until it has started"};
+}
+
+Finding Silent(Expectation const& expected) {
+    return {
+        "no-answer", fmt::format("Nothing comes back from {}, neither an answer nor an error", expected.host),
+        fmt::format("Try ping -c 3 {}. If that is answered, the controller's Ethernet function is off or a firewall "
+                    "drops UDP 10040; if not, look at power, cable, address and net mask on both sides",
+                    expected.host)};
+}
+
+Finding Garbled(PortReport const& port, Expectation const& expected) {
+    switch (port.garble) {
+    case Garble::Damaged:
+        return {"damaged", fmt::format("Every answer from {} comes damaged", expected.host), DamageStep()};
+    case Garble::WrongId:
+        return {"wrong-answers", fmt::format("{} answers on UDP 10040, but never to what was asked", expected.host),
+                "Stop every other program and gateway that talks to this controller and run harvlink doctor again: "
+                "their answers may come here"};
+    default:
+        return {"wrong-answers",
+                fmt::format("Something answers at {} on UDP 10040, but it is no robot controller", expected.host),
+                fmt::format("Check the address: {} is another device, or another program there uses the port",
+                            expected.host)};
+    }
+}
+
+Finding FilesOnly(PortReport const& commands) {
+    if (commands.state == State::Closed) {
+        return {"files-only", "UDP 10041 (files) answers, but nothing listens on UDP 10040 (commands)",
+                "Enable the controller's Ethernet server function for commands, and wait until it has started"};
+    }
+    return {"files-only", "UDP 10041 (files) answers, UDP 10040 (commands) does not",
+            "Let UDP 10040 through the firewall between here and the controller, in both directions"};
+}
+
+Finding CommandsOnly(PortReport const& files, Expectation const& expected) {
+    std::string const subject = "UDP 10040 (commands) answers, ";
+    if (!files.reporter.empty()) {
+        return {"commands-only", fmt::format("{}UDP 10041 (files) is turned back by {}", subject, files.reporter),
+                fmt::format("Let UDP 10041 through at {}, which is a firewall or router", files.reporter)};
+    }
+    switch (files.state) {
+    case State::Closed:
+        return {"commands-only", subject + "but nothing listens on UDP 10041 (files)",
+                "Enable file transfer on the controller; controllers of the generations DS, DN and FS need it even to "
+                "connect"};
+    case State::Garbled:
+        return {"commands-only",
+                subject + (files.garble == Garble::Damaged ? "but every answer of UDP 10041 (files) comes damaged"
+                                                           : "but UDP 10041 (files) never answers what it was asked"),
+                files.garble == Garble::Damaged
+                    ? DamageStep()
+                    : fmt::format("Look for another program that uses UDP 10041 of {}", expected.host)};
+    default:
+        return {"commands-only", subject + "UDP 10041 (files) does not",
+                "Let UDP 10041 through the firewall between here and the controller, in both directions"};
+    }
 }
 
 std::vector<Finding> DiagnosePorts(ControllerReport const& report, Expectation const& expected) {
-    State const commands = report.commands.state;
+    PortReport const& commands = report.commands;
     bool const filesAnswer = report.files.state == State::Answers;
-    if (commands == State::Unreachable) {
-        return {Unreachable(report.commands, expected)};
+    if (!commands.reporter.empty()) {
+        return {Rejected(commands, expected)};
     }
-    if (filesAnswer && (commands == State::Silent || commands == State::Closed)) {
-        return {{"files-only", "UDP 10041 (files) answers, UDP 10040 (commands) does not",
-                 "Let UDP 10040 through the firewall between here and the controller, in both directions"}};
+    if (filesAnswer && (commands.state == State::Silent || commands.state == State::Closed)) {
+        return {FilesOnly(commands)};
     }
-    if (commands == State::Closed) {
+    switch (commands.state) {
+    case State::Unreachable:
+        return {Unreachable(commands, expected)};
+    case State::Closed:
         return {Closed(expected)};
+    case State::Silent:
+        return {Silent(expected)};
+    case State::Garbled:
+        return {Garbled(commands, expected)};
+    case State::Refuses:
+        return {Refusing("to tell what it is", commands.code)};
+    case State::Answers:
+        break;
     }
-    if (commands == State::Silent) {
-        return {{"no-answer",
-                 fmt::format("no answer from {} on UDP 10040 or 10041, and no error either", expected.host),
-                 fmt::format(AddressHint, expected.host)}};
-    }
-    if (commands == State::Garbled) {
-        return {{"wrong-answers", "something answers on UDP 10040, but not to what was asked",
-                 "Check that the address is the controller's, and that no other program there uses the port"}};
-    }
-    if (commands == State::Refuses) {
-        return {{"refusing",
-                 fmt::format("the controller refuses to tell what it is, with code {}", report.commands.code),
-                 NextStepFor(report.commands.code)}};
-    }
-    if (!filesAnswer) {
-        bool const isClosed = report.files.state == State::Closed;
-        return {{"commands-only",
-                 fmt::format("UDP 10040 (commands) answers, UDP 10041 (files) {}", isClosed ? "is closed" : "does not"),
-                 isClosed ? "Enable file transfer on the controller; connecting needs it with DS, DN and FS"
-                          : "Let UDP 10041 through the firewall between here and the controller, in both directions"}};
-    }
-    return {};
+    return filesAnswer ? std::vector<Finding>{} : std::vector<Finding>{CommandsOnly(report.files, expected)};
 }
 
 void DiagnoseIdentity(ControllerReport const& report, Expectation const& expected, std::vector<Finding>& findings) {
     std::string const generation = GenerationOf(report.software);
     if (generation.empty()) {
-        findings.push_back(
-            {"unknown-generation",
-             fmt::format("the software version '{}' names no generation that this library knows",
-                         Printable(report.software)),
-             "Use only what all generations have, such as harvlink status; ask for support of this one"});
+        findings.push_back({"unknown-generation",
+                            report.software.empty()
+                                ? "The controller names no software version, so its generation is unknown"
+                                : fmt::format("The controller's software version '{}' names no generation that is "
+                                              "known here",
+                                              Printable(report.software)),
+                            "Ask for support of this generation; until then use only what all generations have, such "
+                            "as harvlink status"});
     } else if (!expected.generation.empty() && expected.generation != generation) {
-        findings.push_back({"other-generation",
-                            fmt::format("the controller is a {}, expected was a {}", generation, expected.generation),
-                            "Check that the address is that of the controller meant: harvlink config"});
-    }
-}
-
-void DiagnoseAnswers(LinkReport const& link, std::vector<Finding>& findings) {
-    if (link.refused > 0) {
-        findings.push_back({"refusing",
-                            fmt::format("{} requests were refused, last with code {}", Count(link.refused, link.sent),
-                                        link.refusalCode),
-                            NextStepFor(link.refusalCode)});
-    }
-    if (link.damaged > 0 || link.wrongIds > 0) {
         findings.push_back(
-            {"damaged",
-             fmt::format("{} damaged datagrams, {} answers to what was not asked", link.damaged, link.wrongIds),
-             "Look for a device between here and the controller that changes datagrams: NAT, VPN, "
-             "gateway; connect directly to compare"});
-    }
-    if (link.otherSources > 0) {
-        findings.push_back({"other-source",
-                            fmt::format("{} answers came from another port or address than the one asked",
-                                        Count(link.otherSources, link.sent)),
-                            "Look for address translation or two devices with this address: ip neigh"});
-    }
-    if (link.duplicates > 0) {
-        findings.push_back({"duplicates", fmt::format("{} answers came twice", Count(link.duplicates, link.sent)),
-                            "Look for a loop between switches or two network paths to the controller"});
-    }
-}
-
-void DiagnoseTiming(LinkReport const& link, Expectation const& expected, std::vector<Finding>& findings) {
-    if (link.lost > 0) {
-        findings.push_back(
-            {"lossy", fmt::format("{} probes had no answer", Count(link.lost, link.sent)),
-             "Compare with a direct cable; then look at cable, switch and duplex settings, and for other "
-             "programs that load the controller. The library never sends a request twice"});
-    }
-    double const median = Quantile(link.milliseconds, 0.5);
-    double const slowest = link.milliseconds.empty() ? 0.0 : link.milliseconds.back();
-    double const timeout = static_cast<double>(expected.timeout.count());
-    if (link.late > 0 || median > SlowMilliseconds || slowest > timeout / 2) {
-        double const wanted = std::max(4 * slowest, link.late > 0 ? 2 * timeout : 0.0);
-        findings.push_back(
-            {"slow",
-             fmt::format("half of the answers take longer than {:.1f} ms, the slowest {:.1f} ms; {} came "
-                         "after the time-out of {} ms",
-                         median, slowest, link.late, expected.timeout.count()),
-             fmt::format("Use a time-out of at least {:.0f} ms, and look for what delays: Wi-Fi, VPN, a "
-                         "busy controller",
-                         std::ceil(wanted / 10) * 10)});
+            {"other-generation",
+             fmt::format("The controller's generation is {}, and {} was expected", generation, expected.generation),
+             fmt::format("Check that {} is the controller that you mean; if it is, expect {}: "
+                         "--generation {}",
+                         expected.host, generation, generation)});
     }
 }
 
@@ -155,19 +167,33 @@ void DiagnoseTiming(LinkReport const& link, Expectation const& expected, std::ve
 std::vector<Finding> Diagnose(ControllerReport const& report, Expectation const& expected) {
     std::vector<Finding> findings = DiagnosePorts(report, expected);
     if (report.commands.state == State::Answers) {
+        DiagnoseDamage(report.link, findings);
         DiagnoseIdentity(report, expected, findings);
-        DiagnoseAnswers(report.link, findings);
-        DiagnoseTiming(report.link, expected, findings);
+        DiagnoseLink(report.link, expected, findings);
     }
     return findings;
 }
 
-double Quantile(std::vector<double> const& sorted, double share) {
-    if (sorted.empty()) {
-        return 0.0;
+std::optional<Explanation> ExplainRefusal(int code) {
+    for (Explanation& each : Explain(std::to_string(code))) {
+        // Others are alarms of the same number, or codes of which it is a part.
+        if (each.match == ExactMatch && each.controllerCode) {
+            return std::move(each);
+        }
     }
-    auto const last = static_cast<double>(sorted.size() - 1);
-    return sorted.at(static_cast<std::size_t>(std::lround(share * last)));
+    return std::nullopt;
+}
+
+Finding Refusing(std::string const& subject, int code) {
+    auto const withoutStop = [](std::string_view text) { return text.substr(0, text.find_last_not_of('.') + 1); };
+    auto const explanation = ExplainRefusal(code);
+    if (!explanation) {
+        return {"refusing", fmt::format("The controller refuses {}, with the unknown code {}", subject, code),
+                fmt::format("Look the code {} (0x{:X}) up in the manual of the controller", code, code)};
+    }
+    return {"refusing",
+            fmt::format("The controller refuses {}, with code {}: {}", subject, code, withoutStop(explanation->text)),
+            fmt::format("{}. More: harvlink explain {}", withoutStop(explanation->advice.check), code)};
 }
 
 std::string GenerationOf(std::string const& software) {

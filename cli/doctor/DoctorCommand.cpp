@@ -1,17 +1,22 @@
+#include <cstdint>
 #include <memory>
 #include <ostream>
 #include <string>
 
 #include <CLI/CLI.hpp>
+#include <arpa/inet.h>
 #include <fmt/format.h>
+#include <netinet/in.h>
 
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Help.h"
+#include "InputError.h"
 #include "Interrupt.h"
 #include "Session.h"
 #include "Text.h"
 #include "doctor/Diagnosis.h"
+#include "doctor/ReportText.h"
 
 namespace harvlink::cli {
 
@@ -20,9 +25,10 @@ namespace {
 constexpr char const* DoctorHelp =
     "It only reads, and asks for a file that does not exist; it opens no connection, because\n"
     "that would clear the motion targets of a controller from YA up. Don't use it while\n"
-    "files are transferred. What it can find: no-route, no-answer, port-closed,\n"
-    "wrong-answers, files-only, commands-only, refusing, unknown-generation,\n"
-    "other-generation, damaged, other-source, duplicates, lossy, slow.";
+    "files are transferred. What it can find: no-route, rejected, no-answer, port-closed,\n"
+    "wrong-answers, files-only, commands-only, refusing, damaged, unknown-generation,\n"
+    "other-generation, other-source, duplicates, stopped, lossy, slow.\n"
+    "Exit status: 0 if all is well, 1 if it found something, 2 for wrong usage.";
 
 struct DoctorArguments {
     std::string host;
@@ -48,7 +54,11 @@ char const* Text(PortReport::State state) {
 }
 
 Json PortJson(PortReport const& port, char const* purpose) {
-    return {{"port", port.port}, {"purpose", purpose}, {"state", Text(port.state)}, {"code", port.code}};
+    return {{"port", port.port},
+            {"purpose", purpose},
+            {"state", Text(port.state)},
+            {"code", port.code},
+            {"reported_by", port.reporter.empty() ? Json() : Json(port.reporter)}};
 }
 
 Json LinkJson(LinkReport const& link) {
@@ -62,6 +72,7 @@ Json LinkJson(LinkReport const& link) {
             {"lost", link.lost},
             {"lost_percent", RoundToMilli(lost)},
             {"late", link.late},
+            {"spoilt", link.spoilt},
             {"refused", link.refused},
             {"duplicates", link.duplicates},
             {"damaged", link.damaged},
@@ -70,7 +81,8 @@ Json LinkJson(LinkReport const& link) {
             {"round_trip_ms_least", quantile(0.0)},
             {"round_trip_ms_median", quantile(0.5)},
             {"round_trip_ms_95_percent", quantile(0.95)},
-            {"round_trip_ms_most", quantile(1.0)}};
+            {"round_trip_ms_most", quantile(1.0)},
+            {"late_ms_most", link.late == 0 ? Json() : Json(RoundToMilli(link.latestMilliseconds))}};
 }
 
 Json FindingsJson(std::vector<Finding> const& findings) {
@@ -81,35 +93,36 @@ Json FindingsJson(std::vector<Finding> const& findings) {
     return rows;
 }
 
-void ShowFindings(Output& output, std::vector<Finding> const& findings) {
-    std::ostream& out = output.console().out;
-    for (Finding const& finding : findings) {
-        out << fmt::format("\n{}: {}\n  Next: {}.\n", finding.name, finding.detail, finding.nextStep);
-    }
-    if (findings.empty()) {
-        out << "\nok: nothing is wrong with the way to the controller\n";
-    }
-    out << std::flush;
+Json ReportJson(ControllerReport const& report, Expectation const& expected, std::vector<Finding> const& findings) {
+    std::string const generation = GenerationOf(report.software);
+    return {{"host", expected.host},
+            {"diagnosis", findings.empty() ? "ok" : findings.front().name},
+            {"generation", generation.empty() ? Json() : Json(generation)},
+            {"software", report.software},
+            {"model", report.model},
+            {"link", LinkJson(report.link)},
+            {"ports", Json::array({PortJson(report.commands, "commands"), PortJson(report.files, "files")})},
+            {"findings", FindingsJson(findings)}};
 }
 
 int Show(Output& output, ControllerReport const& report, Expectation const& expected) {
     std::vector<Finding> const findings = Diagnose(report, expected);
-    std::string const generation = GenerationOf(report.software);
-    Json document{{"host", expected.host},
-                  {"diagnosis", findings.empty() ? "ok" : findings.front().name},
-                  {"generation", generation.empty() ? Json() : Json(generation)},
-                  {"software", report.software},
-                  {"model", report.model},
-                  {"link", LinkJson(report.link)},
-                  {"ports", Json::array({PortJson(report.commands, "commands"), PortJson(report.files, "files")})}};
-    if (output.json) {
-        document["findings"] = FindingsJson(findings);
-    }
-    output.Show(document);
     if (!output.json) {
-        ShowFindings(output, findings);
+        output.console().out << FormatReport(report, expected, findings, output.HasColour()) << std::flush;
+    } else {
+        output.Show(ReportJson(report, expected, findings));
     }
     return findings.empty() ? ExitStatus::Success : ExitStatus::Failure;
+}
+
+/// Throws InputError for addresses that are none of one device: of this network, of groups, of all.
+void CheckAddress(std::string const& host) {
+    in_addr address{};
+    bool const isAddress = ::inet_pton(AF_INET, host.c_str(), &address) == 1;
+    std::uint32_t const value = ntohl(address.s_addr);
+    if (isAddress && (value >> 24 == 0 || IN_MULTICAST(value) || value == INADDR_BROADCAST)) {
+        throw InputError(fmt::format("{} is the address of no single device", host));
+    }
 }
 
 int Run(Output& output, Expectation const& expected, unsigned probes) {
@@ -117,10 +130,13 @@ int Run(Output& output, Expectation const& expected, unsigned probes) {
     bool const isShown = output.Interactive();
     auto const progress = [&](unsigned done) {
         if (isShown) {
-            output.console().err << fmt::format("\rprobe {} of {}", done + 1, probes) << std::flush;
+            output.console().err << fmt::format("\r\x1b[Kprobe {} of {}", done + 1, probes) << std::flush;
         }
         return !interrupt.Wait(std::chrono::milliseconds(0));
     };
+    if (isShown) {
+        output.console().err << "asking " << expected.host << std::flush;
+    }
     ControllerReport const report = Examine(expected.host, expected.timeout, probes, progress);
     if (isShown) {
         output.console().err << "\r\x1b[K" << std::flush;
@@ -149,6 +165,7 @@ void AddDoctorCommand(CLI::App& app, Session& session) {
             } else {
                 session.CheckHost();
             }
+            CheckAddress(expected.host);
             return Run(output, expected, arguments->probes);
         });
     });

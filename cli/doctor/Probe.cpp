@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <span>
-#include <string_view>
 
-#include "Text.h"
+#include "doctor/ProbeDatagrams.h"
 #include "doctor/ProbeSocket.h"
 
 namespace harvlink::cli {
@@ -16,94 +14,48 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Event = ProbeSocket::Event;
 using State = PortReport::State;
+using Garble = PortReport::Garble;
 
-constexpr std::size_t HeaderSize = 32;
 constexpr std::size_t LargestDatagram = 2048;
-constexpr std::uint8_t HighestId = 127;
 /// With the usual time-out long enough for this computer to find out that nobody has the address.
 constexpr unsigned DiscoveryTries = 7;
 /// Nobody waits for a controller that has gone in the middle.
 constexpr unsigned MostSilentProbes = 20;
-
-using Datagram = std::vector<std::byte>;
-
-Datagram Request(std::uint8_t division, std::uint8_t id, std::string_view payload,
-                 std::array<std::uint8_t, 6> const& tail) {
-    Datagram bytes(HeaderSize);
-    auto const put = [&](std::size_t offset, std::string_view text) {
-        std::ranges::transform(text, bytes.begin() + static_cast<std::ptrdiff_t>(offset),
-                               [](char c) { return static_cast<std::byte>(c); });
-    };
-    put(0, "TROZ");
-    bytes[4] = std::byte{HeaderSize};
-    bytes[6] = static_cast<std::byte>(payload.size());
-    bytes[8] = std::byte{3};
-    bytes[9] = std::byte{division};
-    bytes[11] = std::byte{id};
-    put(16, "99999999");
-    std::memcpy(bytes.data() + 24, tail.data(), tail.size());
-    bytes.resize(HeaderSize + payload.size());
-    put(HeaderSize, payload);
-    return bytes;
-}
-
-// Command, instance, attribute and service of each.
-Datagram SystemInformation(std::uint8_t id) {
-    return Request(1, id, {}, {137, 0, 11, 0, 0, 1});
-}
-
-Datagram ControllerState(std::uint8_t id) {
-    return Request(1, id, {}, {114, 0, 1, 0, 0, 1});
-}
-
-Datagram MissingFile(std::uint8_t id) {
-    return Request(2, id, "HARVLINK.PROBE", {0, 0, 0, 0, 0, 22});
-}
-
-std::uint8_t Byte(std::span<std::byte const> datagram, std::size_t offset) {
-    return std::to_integer<std::uint8_t>(datagram[offset]);
-}
-
-std::uint16_t Word(std::span<std::byte const> datagram, std::size_t offset) {
-    return static_cast<std::uint16_t>(Byte(datagram, offset) | Byte(datagram, offset + 1) << 8);
-}
-
-bool IsWhole(std::span<std::byte const> datagram) {
-    return datagram.size() >= HeaderSize && std::memcmp(datagram.data(), "TROZ", 4) == 0 &&
-           Word(datagram, 4) == HeaderSize && datagram.size() == HeaderSize + Word(datagram, 6);
-}
-
-/// The code that the library would return.
-int CodeOf(std::span<std::byte const> datagram) {
-    if (Byte(datagram, 25) == 0 && Byte(datagram, 26) == 0) {
-        return 0;
-    }
-    int const added = Word(datagram, 28);
-    return added != 0 ? added : Byte(datagram, 25);
-}
-
-std::string Field(std::span<std::byte const> payload, std::size_t offset, std::size_t size) {
-    if (offset >= payload.size()) {
-        return {};
-    }
-    auto const field = payload.subspan(offset, std::min(size, payload.size() - offset));
-    return TrimField({reinterpret_cast<char const*>(field.data()), field.size()});
-}
+/// For how long an answer may still come, if the time-out is shorter.
+constexpr std::chrono::seconds Patience{1};
 
 class Examination {
-    enum class Asked : std::uint8_t { Nothing, Command, File };
+    enum class Asked : std::uint8_t { Nothing, Identity, File, Probe };
     enum class Fate : std::uint8_t { Unused, Awaited, Overdue, Done };
+
+    struct Question {
+        Asked asked = Asked::Nothing;
+        Fate fate = Fate::Unused;
+        Clock::time_point sent{};
+        bool isDoubtful = false; ///< see Strays::IsDoubtful
+    };
+
+    /// What came while a probe waited and is no answer to it.
+    struct Strays {
+        unsigned spoilt = 0;
+        unsigned repeated = 0; ///< carry the id of a probe before the last, which had its answer
+        unsigned previous = 0; ///< carry the id of the last probe, which had its answer
+        unsigned early = 0; ///< carry the id of a question before the probes
+        /// A second answer of the usual kind, or the probe's own with a damaged id.
+        bool IsDoubtful() const { return previous + early > 0; }
+    };
 
 public:
     Examination(std::string const& host, std::chrono::milliseconds timeout) : socket_(host), timeout_(timeout) {}
 
     void Discover() {
-        for (unsigned attempt = 0; attempt < DiscoveryTries && !IsKnown(); ++attempt) {
+        while (report_.attempts < DiscoveryTries && !IsKnown()) {
+            ++report_.attempts;
             if (IsOpen(report_.commands)) {
-                Send(report_.commands, SystemInformation(NextId()), Asked::Command);
+                Ask(report_.commands, Asked::Identity, SystemInformation);
             }
             if (IsOpen(report_.files)) {
-                Send(report_.files, MissingFile(NextId()), Asked::File);
+                Ask(report_.files, Asked::File, MissingFile);
             }
             auto const end = Clock::now() + timeout_;
             while (Clock::now() < end && !IsKnown()) {
@@ -115,15 +67,15 @@ public:
     void Measure(unsigned probes, std::function<bool(unsigned)> const& progress) {
         LinkReport& link = report_.link;
         unsigned silent = 0;
+        unsigned heardBefore = 0;
         while (link.sent < probes && silent < MostSilentProbes && progress(link.sent)) {
+            heardBefore = silent == 0 ? heard_ : heardBefore;
             silent = ProbeOnce() ? 0 : silent + 1;
         }
-        // What is on the way may still come.
-        auto const end = Clock::now() + (link.answered == link.sent ? Clock::duration{} : timeout_);
-        while (Clock::now() < end) {
-            Judge(Receive(end), 0, {});
-        }
-        link.lost = link.sent - std::min(link.sent, link.answered + link.late);
+        AwaitLateOnes();
+        SettleDoubts();
+        link.silentAtEnd = silent == MostSilentProbes && heard_ == heardBefore ? silent : 0;
+        link.lost = link.sent - std::min(link.sent, link.answered + link.late + link.spoilt);
         std::sort(link.milliseconds.begin(), link.milliseconds.end());
     }
 
@@ -134,108 +86,193 @@ private:
 
     bool IsKnown() const { return !IsOpen(report_.commands) && !IsOpen(report_.files); }
 
+    /// Whether the answer may still come. If its id were given again, it would pass for the answer to that.
+    static bool IsOutstanding(Question const& question) {
+        return question.fate == Fate::Awaited ||
+               (question.fate == Fate::Overdue && Clock::now() - question.sent < 2 * Patience);
+    }
+
     /// Odd ones only, so that an answer with the id before it is seen to be wrong.
     std::uint8_t NextId() {
-        lastId_ = static_cast<std::uint8_t>((lastId_ + 2) % (HighestId + 1));
+        auto const after = [](std::uint8_t id) { return static_cast<std::uint8_t>((id + 2) % (HighestId + 1)); };
+        std::uint8_t id = after(lastId_);
+        while (id != lastId_ && IsOutstanding(questions_.at(id))) {
+            id = after(id);
+        }
+        lastId_ = id == lastId_ ? after(lastId_) : id;
         return lastId_;
     }
 
-    void Send(PortReport& port, Datagram const& request, Asked asked) {
-        asked_.at(lastId_) = asked;
-        int const error = socket_.Send(port.port, request);
-        if (error != 0) {
+    std::uint8_t Ask(PortReport& port, Asked asked, ProbeDatagram (*request)(std::uint8_t)) {
+        std::uint8_t const id = NextId();
+        questions_.at(id) = {asked, Fate::Awaited, Clock::now()};
+        int const error = socket_.Send(port.port, request(id));
+        // What answered once is not unreachable; the probe is lost.
+        if (error != 0 && IsOpen(port)) {
             port.state = State::Unreachable;
             port.error = error;
         }
+        return id;
     }
 
     ProbeSocket::Received Receive(Clock::time_point end) {
         return socket_.Receive(buffer_, std::chrono::ceil<std::chrono::microseconds>(end - Clock::now()));
     }
 
+    std::span<std::byte const> BytesOf(ProbeSocket::Received const& received) const {
+        return std::span<std::byte const>(buffer_).first(received.length);
+    }
+
     void Note(ProbeSocket::Received const& received) {
-        if (received.event == Event::PortClosed || received.event == Event::Unreachable) {
+        if (received.event == Event::Datagram) {
+            NoteDatagram(BytesOf(received), received.port);
+        } else if (received.event != Event::Nothing) {
             for (PortReport* const port : {&report_.commands, &report_.files}) {
                 if (IsOpen(*port) && (received.port == 0 || received.port == port->port)) {
-                    port->state = received.event == Event::PortClosed ? State::Closed : State::Unreachable;
-                    port->error = received.error;
+                    NoteError(*port, received);
                 }
             }
-        } else if (received.event == Event::Datagram) {
-            NoteDatagram(std::span(buffer_).first(received.length), received.port);
         }
+    }
+
+    static void NoteError(PortReport& port, ProbeSocket::Received const& received) {
+        bool const isKnown = received.isFromHost || received.sender.s_addr == 0 || ProbeSocket::IsOwn(received.sender);
+        port.state = received.event == Event::PortClosed ? State::Closed : State::Unreachable;
+        port.error = received.error;
+        port.reporter = isKnown ? "" : Text(received.sender);
     }
 
     void NoteDatagram(std::span<std::byte const> datagram, std::uint16_t source) {
         bool const isWhole = IsWhole(datagram);
-        Asked const asked = isWhole ? asked_.at(Byte(datagram, 11) & HighestId) : Asked::Nothing;
-        if (asked == Asked::Command) {
+        Question* const question = isWhole ? &questions_.at(IdOf(datagram)) : nullptr;
+        Asked const asked = question == nullptr ? Asked::Nothing : question->asked;
+        bool const isEcho =
+            isWhole && std::ranges::equal(datagram, asked == Asked::File ? MissingFile(IdOf(datagram))
+                                                                         : SystemInformation(IdOf(datagram)));
+        if (isEcho) {
+            NoteGarble(source == report_.files.port ? report_.files : report_.commands, Garble::Foreign);
+        } else if (asked == Asked::Identity && IsConsistent(datagram, SystemInformationSize)) {
             int const code = CodeOf(datagram);
             report_.commands.state = code == 0 ? State::Answers : State::Refuses;
             report_.commands.code = code;
-            report_.software = Field(datagram.subspan(HeaderSize), 0, 24);
-            report_.model = Field(datagram.subspan(HeaderSize), 24, 16);
+            report_.software = TextOf(datagram, 0, 24);
+            report_.model = TextOf(datagram, 24, 16);
+            question->fate = Fate::Done;
         } else if (asked == Asked::File) {
             // That there is no such file is the answer that was expected.
             report_.files.state = State::Answers;
+            question->fate = Fate::Done;
         } else {
-            PortReport& port = source == report_.files.port ? report_.files : report_.commands;
-            port.state = IsOpen(port) ? State::Garbled : port.state;
+            NoteGarble(source == report_.files.port ? report_.files : report_.commands,
+                       isWhole && asked == Asked::Nothing ? Garble::WrongId
+                       : HasSignature(datagram)           ? Garble::Damaged
+                                                          : Garble::Foreign);
         }
     }
 
+    static void NoteGarble(PortReport& port, Garble garble) {
+        port.garble = std::max(port.garble, garble);
+        port.state = IsOpen(port) ? State::Garbled : port.state;
+    }
+
+    /// Returns whether something came back for it.
     bool ProbeOnce() {
-        std::uint8_t const id = NextId();
-        fate_.at(id) = Fate::Awaited;
-        ++report_.link.sent;
-        auto const start = Clock::now();
-        socket_.Send(report_.commands.port, ControllerState(id));
-        auto const end = start + timeout_;
-        while (Clock::now() < end) {
-            if (Judge(Receive(end), id, start)) {
-                return true;
-            }
+        std::uint8_t const previous = lastId_;
+        std::uint8_t const id = Ask(report_.commands, Asked::Probe, ControllerState);
+        LinkReport& link = report_.link;
+        ++link.sent;
+        Question& question = questions_.at(id);
+        Strays strays;
+        auto const end = question.sent + timeout_;
+        while (question.fate == Fate::Awaited && Clock::now() < end) {
+            Judge(Receive(end), id, previous, strays);
         }
-        fate_.at(id) = Fate::Overdue;
-        return false;
+        if (question.fate == Fate::Done) {
+            link.duplicates += strays.repeated + strays.previous;
+            return true;
+        }
+        link.wrongIds += strays.repeated;
+        bool const isSpoilt = strays.spoilt + strays.repeated > 0;
+        link.spoilt += isSpoilt ? 1 : 0;
+        question.fate = isSpoilt ? Fate::Done : Fate::Overdue;
+        question.isDoubtful = !isSpoilt && strays.IsDoubtful();
+        doubtful_ += question.isDoubtful ? 1 : 0;
+        doubtfulRepeats_ += strays.previous;
+        return isSpoilt;
     }
 
-    /// Returns whether it is the answer to probe `id`; 0 awaits none.
-    bool Judge(ProbeSocket::Received const& received, std::uint8_t id, Clock::time_point start) {
+    /// On a link that damages ids, those that may be damaged are.
+    void SettleDoubts() {
         LinkReport& link = report_.link;
-        if (received.event != Event::Datagram) {
-            return false;
-        }
-        auto const datagram = std::span<std::byte const>(buffer_).first(received.length);
-        if (!IsWhole(datagram)) {
-            ++link.damaged;
-            return false;
-        }
-        std::uint8_t const answeredId = Byte(datagram, 11) & HighestId;
-        Fate& fate = fate_.at(answeredId);
-        if (fate == Fate::Unused && asked_.at(answeredId) != Asked::Nothing) {
-            return false; // what the discovery did not wait for
-        }
-        link.otherSources += received.isFromHost && received.port == report_.commands.port ? 0 : 1;
-        bool const isAnswer = id != 0 && answeredId == id && fate == Fate::Awaited;
-        if (isAnswer) {
-            Answered(datagram, Clock::now() - start);
+        if (link.wrongIds > 0) {
+            link.spoilt += doubtful_;
+            link.wrongIds += doubtful_;
         } else {
-            link.late += fate == Fate::Overdue ? 1 : 0;
-            link.duplicates += fate == Fate::Done ? 1 : 0;
-            link.wrongIds += fate == Fate::Unused ? 1 : 0;
+            link.duplicates += doubtfulRepeats_;
         }
-        fate = fate == Fate::Unused ? Fate::Unused : Fate::Done;
-        return isAnswer;
     }
 
-    void Answered(std::span<std::byte const> datagram, Clock::duration time) {
+    void AwaitLateOnes() {
+        LinkReport const& link = report_.link;
+        auto const end = Clock::now() + std::max<Clock::duration>(timeout_, Patience);
+        Strays strays;
+        while (link.answered + link.late + link.spoilt < link.sent && Clock::now() < end) {
+            Judge(Receive(end), lastId_, lastId_, strays);
+        }
+    }
+
+    /// What a datagram means while the probe `id` waits for its answer, or after all of them.
+    void Judge(ProbeSocket::Received const& received, std::uint8_t id, std::uint8_t previous, Strays& strays) {
+        if (received.event != Event::Datagram) {
+            return;
+        }
+        ++heard_;
         LinkReport& link = report_.link;
-        ++link.answered;
-        link.milliseconds.push_back(std::chrono::duration<double, std::milli>(time).count());
-        if (int const code = CodeOf(datagram); code != 0) {
-            ++link.refused;
-            link.refusalCode = code;
+        auto const datagram = BytesOf(received);
+        Question* const question = IsWhole(datagram) ? &questions_.at(IdOf(datagram)) : nullptr;
+        bool const isDamaged =
+            question == nullptr || (question->asked == Asked::Probe && !IsConsistent(datagram, ControllerStateSize));
+        if (isDamaged || question->fate == Fate::Unused) {
+            (isDamaged ? link.damaged : link.wrongIds) += 1;
+            ++strays.spoilt;
+            return;
+        }
+        if (question->asked == Asked::Probe) {
+            NoteSource(received);
+        }
+        if (question->fate != Fate::Done) {
+            strays.early += question->asked == Asked::Probe ? 0 : 1;
+            NoteAnswer(*question, IdOf(datagram) == id, CodeOf(datagram));
+        } else if (IdOf(datagram) == previous) {
+            ++strays.previous;
+        } else {
+            ++strays.repeated;
+        }
+    }
+
+    void NoteAnswer(Question& question, bool isAwaited, int code) {
+        LinkReport& link = report_.link;
+        double const time = std::chrono::duration<double, std::milli>(Clock::now() - question.sent).count();
+        if (question.asked == Asked::Probe && isAwaited && question.fate == Fate::Awaited) {
+            ++link.answered;
+            link.milliseconds.push_back(time);
+            link.refused += code != 0 ? 1 : 0;
+            link.refusalCode = code != 0 ? code : link.refusalCode;
+        } else if (question.asked == Asked::Probe) {
+            ++link.late;
+            doubtful_ -= question.isDoubtful ? 1 : 0;
+            link.latestMilliseconds = std::max(link.latestMilliseconds, time);
+        }
+        question.fate = Fate::Done;
+    }
+
+    void NoteSource(ProbeSocket::Received const& received) {
+        LinkReport& link = report_.link;
+        bool const isExpected = received.isFromHost && received.port == report_.commands.port;
+        if (!isExpected) {
+            ++link.otherSources;
+            link.otherHost = received.isFromHost ? "" : Text(received.sender);
+            link.otherPort = received.port;
         }
     }
 
@@ -243,9 +280,11 @@ private:
     std::chrono::milliseconds timeout_;
     ControllerReport report_;
     std::array<std::byte, LargestDatagram> buffer_{};
-    std::array<Fate, HighestId + 1> fate_{};
-    std::array<Asked, HighestId + 1> asked_{};
+    std::array<Question, 256> questions_{};
     std::uint8_t lastId_ = HighestId;
+    unsigned heard_ = 0;
+    unsigned doubtful_ = 0; ///< probes
+    unsigned doubtfulRepeats_ = 0;
 };
 
 } // namespace

@@ -25,6 +25,12 @@ ProbeSocket::Event EventOf(int error) {
 
 } // namespace
 
+std::string Text(in_addr address) {
+    std::array<char, INET_ADDRSTRLEN> text{};
+    ::inet_ntop(AF_INET, &address, text.data(), text.size());
+    return text.data();
+}
+
 ProbeSocket::ProbeSocket(std::string const& host) : descriptor_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
     if (descriptor_ < 0) {
         throw std::system_error(errno, std::generic_category(), "can't open a socket");
@@ -75,8 +81,21 @@ ProbeSocket::Received ProbeSocket::Receive(std::span<std::byte> buffer, std::chr
     if (length < 0) {
         return {};
     }
-    return {Event::Datagram, static_cast<std::size_t>(length), source.sin_addr.s_addr == host_.sin_addr.s_addr,
-            ntohs(source.sin_port), 0};
+    return {.event = Event::Datagram,
+            .length = static_cast<std::size_t>(length),
+            .sender = source.sin_addr,
+            .isFromHost = source.sin_addr.s_addr == host_.sin_addr.s_addr,
+            .port = ntohs(source.sin_port)};
+}
+
+bool ProbeSocket::IsOwn(in_addr address) {
+    int const descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in local{};
+    local.sin_family = AF_INET;
+    local.sin_addr = address;
+    bool const isOwn = ::bind(descriptor, reinterpret_cast<sockaddr const*>(&local), sizeof(local)) == 0;
+    ::close(descriptor);
+    return isOwn;
 }
 
 ProbeSocket::Received ProbeSocket::ReadError() const {
@@ -99,6 +118,12 @@ ProbeSocket::Received ProbeSocket::ReadError() const {
                 sock_extended_err error{};
                 std::memcpy(&error, CMSG_DATA(header), sizeof(error));
                 received.error = static_cast<int>(error.ee_errno);
+                sockaddr_in sender{};
+                // The sender's address follows the error in the same message.
+                std::memcpy(&sender, SO_EE_OFFENDER(reinterpret_cast<sock_extended_err*>(CMSG_DATA(header))),
+                            sizeof(sender));
+                received.sender = sender.sin_addr;
+                received.isFromHost = sender.sin_addr.s_addr == host_.sin_addr.s_addr;
             }
         }
     }

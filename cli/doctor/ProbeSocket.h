@@ -10,6 +10,9 @@
 
 namespace harvlink::cli {
 
+/// "192.168.255.1"
+std::string Text(in_addr address);
+
 /// A socket of its own for questions that the library does not answer: who sent a datagram, and what came back by ICMP.
 class ProbeSocket {
 public:
@@ -23,6 +26,7 @@ public:
     struct Received {
         Event event = Event::Nothing;
         std::size_t length = 0;
+        in_addr sender{}; ///< of the datagram, or of the ICMP message
         bool isFromHost = true;
         std::uint16_t port = 0; ///< whence the datagram came, or where the one was sent that an error is about
         int error = 0; ///< of the operating system
@@ -39,6 +43,9 @@ public:
 
     /// Waits for the next thing that comes. Returns early if a signal interrupts it.
     Received Receive(std::span<std::byte> buffer, std::chrono::microseconds time) const;
+
+    /// Whether this computer itself has the address, as that of messages about hosts which it does not find.
+    static bool IsOwn(in_addr address);
 
 private:
     Received ReadError() const;

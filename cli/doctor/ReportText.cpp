@@ -1,0 +1,116 @@
+#include "doctor/ReportText.h"
+
+#include <string_view>
+
+#include <fmt/color.h>
+#include <fmt/format.h>
+
+#include "Text.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+using State = PortReport::State;
+
+std::string Line(std::string_view label, std::string_view text) {
+    return fmt::format("  {:<12}{}\n", label, text);
+}
+
+std::string FormatFinding(Finding const& finding, fmt::terminal_color colour, bool isColoured) {
+    auto const style = isColoured ? fmt::emphasis::bold | fmt::fg(colour) : fmt::text_style{};
+    return fmt::format(style, "{}.", finding.detail) +
+           fmt::format(" [{}]\nNext: {}.\n\n", finding.name, finding.nextStep);
+}
+
+std::string ControllerText(ControllerReport const& report) {
+    std::string const generation = GenerationOf(report.software);
+    return fmt::format("software {}, model {}{}", Printable(report.software), Printable(report.model),
+                       generation.empty() ? "" : ", generation " + generation);
+}
+
+std::string PortText(PortReport const& port, std::string_view purpose, std::string_view waited) {
+    std::string const by = port.reporter.empty() ? "" : " by " + port.reporter;
+    auto const state = [&]() -> std::string {
+        switch (port.state) {
+        case State::Answers:
+            return "answers";
+        case State::Refuses:
+            return fmt::format("refuses with code {}", port.code);
+        case State::Closed:
+            return port.reporter.empty() ? "closed, as the host says" : "turned back" + by;
+        case State::Unreachable:
+            return port.reporter.empty() ? "not reached" : "turned back" + by;
+        case State::Garbled:
+            return "answers nothing of use";
+        case State::Silent:
+            break;
+        }
+        return fmt::format("silent in {}", waited);
+    };
+    return fmt::format("UDP {} ({}) {}", port.port, purpose, state());
+}
+
+std::string LinkText(LinkReport const& link) {
+    std::string text = fmt::format("{} probe{}", link.sent, link.sent == 1 ? "" : "s");
+    auto const add = [&](unsigned count, std::string_view what) {
+        text += count == 0 ? "" : fmt::format(", {} {} ({:.1f} %)", count, what, 100.0 * count / link.sent);
+    };
+    if (link.answered == link.sent) {
+        text += ", all answered";
+    }
+    add(link.lost, "lost");
+    add(link.late, "late");
+    add(link.spoilt, link.wrongIds == 0  ? "answered, but damaged"
+                     : link.damaged == 0 ? "answered, but not what was asked"
+                                         : "answered, but damaged or not what was asked");
+    add(link.refused, "refused");
+    add(link.otherSources, "from another place");
+    add(link.duplicates, "twice");
+    return text;
+}
+
+std::string RoundTripText(std::vector<double> const& times) {
+    return fmt::format("{} median, {} at 95 %, {} longest", Milliseconds(Quantile(times, 0.5)),
+                       Milliseconds(Quantile(times, 0.95)), Milliseconds(times.back()));
+}
+
+std::string FormatEvidence(ControllerReport const& report, Expectation const& expected) {
+    std::string const waited = fmt::format("{} attempts of {} ms", report.attempts, expected.timeout.count());
+    std::string text = "Evidence\n";
+    if (!report.software.empty()) {
+        text += Line("Controller", ControllerText(report));
+    }
+    text += Line("Ports", PortText(report.commands, "commands", waited));
+    text += Line("", PortText(report.files, "files", waited));
+    int const code = report.commands.code != 0 ? report.commands.code : report.link.refusalCode;
+    if (auto const refusal = code == 0 ? std::nullopt : ExplainRefusal(code)) {
+        text += Line(fmt::format("Code {}", code), refusal->advice.cause);
+    }
+    if (report.link.sent > 0) {
+        text += Line("Link", LinkText(report.link));
+    }
+    if (!report.link.milliseconds.empty()) {
+        text += Line("Round trip", RoundTripText(report.link.milliseconds));
+    }
+    return text;
+}
+
+} // namespace
+
+std::string FormatReport(ControllerReport const& report, Expectation const& expected,
+                         std::vector<Finding> const& findings, bool isColoured) {
+    std::string text;
+    for (Finding const& finding : findings) {
+        text += FormatFinding(finding, fmt::terminal_color::red, isColoured);
+    }
+    if (findings.empty()) {
+        text += FormatFinding({"ok", fmt::format("Nothing is wrong with the way to {}", expected.host),
+                               "Nothing to mend here. If a program still fails, look its status code up with harvlink "
+                               "explain CODE"},
+                              fmt::terminal_color::green, isColoured);
+    }
+    return text + FormatEvidence(report, expected);
+}
+
+} // namespace harvlink::cli

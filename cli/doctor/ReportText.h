@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "doctor/Diagnosis.h"
+
+namespace harvlink::cli {
+
+/// For people: each finding with its next step, then the evidence, which has only what was measured.
+std::string FormatReport(ControllerReport const& report, Expectation const& expected,
+                         std::vector<Finding> const& findings, bool isColoured);
+
+} // namespace harvlink::cli
