@@ -17,7 +17,7 @@ namespace harvlink::cli {
 
 namespace {
 
-constexpr std::size_t LongestLine = 30;
+constexpr std::size_t LongestPendantLine = 30;
 
 constexpr std::array<Named<SignalStatus>, 2> SwitchNames{{{"on", SignalStatus::On}, {"off", SignalStatus::Off}}};
 
@@ -81,8 +81,9 @@ void AddPendant(CLI::App& app, Session& session) {
     SetExamples(*verb, {"pendant \"Door open\""});
     verb->callback([text, &session] {
         // The library would cut it without a word.
-        if (text->size() > LongestLine) {
-            throw InputError(fmt::format("the line has {} bytes, and the pendant shows {}", text->size(), LongestLine));
+        if (text->size() > LongestPendantLine) {
+            throw InputError(
+                fmt::format("the line has {} bytes, and the pendant shows {}", text->size(), LongestPendantLine));
         }
         session.OnConnection([text](QuorvanController& robot, Output& output) {
             return output.Done(robot.ControlCommands->DisplayStringToPendant(*text));
