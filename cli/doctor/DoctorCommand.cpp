@@ -35,7 +35,7 @@ struct DoctorArguments {
     unsigned probes = 200;
 };
 
-char const* Text(PortReport::State state) {
+char const* StateName(PortReport::State state) {
     switch (state) {
     case PortReport::State::Answers:
         return "answers";
@@ -56,7 +56,7 @@ char const* Text(PortReport::State state) {
 Json PortJson(PortReport const& port, char const* purpose) {
     return {{"port", port.port},
             {"purpose", purpose},
-            {"state", Text(port.state)},
+            {"state", StateName(port.state)},
             {"code", port.code},
             {"reported_by", port.reporter.empty() ? Json() : Json(port.reporter)}};
 }

@@ -139,7 +139,7 @@ private:
         bool const isKnown = received.isFromHost || received.sender.s_addr == 0 || ProbeSocket::IsOwn(received.sender);
         port.state = received.event == Event::PortClosed ? State::Closed : State::Unreachable;
         port.error = received.error;
-        port.reporter = isKnown ? "" : Text(received.sender);
+        port.reporter = isKnown ? "" : AddressText(received.sender);
     }
 
     void NoteDatagram(std::span<std::byte const> datagram, std::uint16_t source) {
@@ -271,7 +271,7 @@ private:
         bool const isExpected = received.isFromHost && received.port == report_.commands.port;
         if (!isExpected) {
             ++link.otherSources;
-            link.otherHost = received.isFromHost ? "" : Text(received.sender);
+            link.otherHost = received.isFromHost ? "" : AddressText(received.sender);
             link.otherPort = received.port;
         }
     }

@@ -25,7 +25,7 @@ ProbeSocket::Event EventOf(int error) {
 
 } // namespace
 
-std::string Text(in_addr address) {
+std::string AddressText(in_addr address) {
     std::array<char, INET_ADDRSTRLEN> text{};
     ::inet_ntop(AF_INET, &address, text.data(), text.size());
     return text.data();

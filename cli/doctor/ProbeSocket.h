@@ -11,7 +11,7 @@
 namespace harvlink::cli {
 
 /// "192.168.255.1"
-std::string Text(in_addr address);
+std::string AddressText(in_addr address);
 
 /// A socket of its own for questions that the library does not answer: who sent a datagram, and what came back by ICMP.
 class ProbeSocket {
