@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "simulator/model/ControllerModel.h"
 #include "simulator/model/Generation.h"
 #include "simulator/scene/SceneSections.h"
@@ -21,7 +23,13 @@ std::vector<ControlGroup> ReadGroups(SceneNode const& node) {
         if (!group) {
             item.Fail("must be a control group such as R1, B1 or S12, or with a number of axes R1:7");
         }
+        if (std::ranges::find(groups, group->id, &ControlGroup::id) != groups.end()) {
+            item.Fail("is in the list already");
+        }
         groups.push_back(*group);
+    }
+    if (groups.empty()) {
+        node.Fail("must name one control group at least");
     }
     return groups;
 }

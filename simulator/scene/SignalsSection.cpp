@@ -6,7 +6,7 @@
 namespace harvlink::simulator {
 
 void ApplySignals(SceneNode const& signals, ControllerModel& model) {
-    for (auto const& [address, node] : signals.NumberedEntries(10, 99999)) {
+    for (auto const& [address, node] : signals.NumberedEntries(0, 99999)) {
         if (!model.signals.Write(static_cast<std::uint32_t>(address), node.Flag())) {
             node.Fail("there is no signal with this address");
         }
@@ -14,7 +14,7 @@ void ApplySignals(SceneNode const& signals, ControllerModel& model) {
 }
 
 void ApplySignalGroups(SceneNode const& groups, ControllerModel& model) {
-    for (auto const& [group, node] : groups.NumberedEntries(1, 9999)) {
+    for (auto const& [group, node] : groups.NumberedEntries(0, 9999)) {
         auto const value = node.Integer(0, std::numeric_limits<std::uint8_t>::max());
         if (!model.signals.WriteGroup(static_cast<std::uint32_t>(group), static_cast<std::uint8_t>(value))) {
             node.Fail("there is no signal group with this number");

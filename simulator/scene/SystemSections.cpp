@@ -33,7 +33,11 @@ void ApplyParameters(SceneNode const& parameters, ControllerModel& model) {
     for (auto const& item : parameters.Items()) {
         item.AllowOnly({"type", "group", "number", "value"});
         auto const type = item.Require("type").Choice({"S1C", "S2C", "S3C", "S4C", "RS", "S1E", "S2E"});
+        bool const isOfGroup = Parameters::BelongsToGroup(static_cast<SystemParameterType>(type));
         auto const group = item.Find("group");
+        if (group.has_value() != isOfGroup) {
+            item.Fail(isOfGroup ? "needs the key 'group'" : "belongs to no group");
+        }
         auto const refusal = model.parameters.Set(
             static_cast<SystemParameterType>(type),
             group ? static_cast<std::uint32_t>(group->Integer(0, Limits::max())) : 0U,

@@ -38,6 +38,9 @@ WireAxes ReadAxes(SceneNode const& node, bool isPulse, std::size_t linearAxes) {
     for (std::size_t i = 0; i < items.size(); ++i) {
         auto const factor = isPulse ? 1.0 : i < linearAxes ? 1000.0 : 10000.0;
         auto const value = std::round(items[i].Number() * factor);
+        if (isPulse && value != items[i].Number()) {
+            items[i].Fail("must be a whole number of pulses");
+        }
         if (!(std::abs(value) <= std::numeric_limits<std::int32_t>::max())) {
             items[i].Fail("is too large for an axis");
         }

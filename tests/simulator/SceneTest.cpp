@@ -49,7 +49,12 @@ TEST(Scene, NamesFileLineAndKeyOfAnError) {
              {"[variables.P]\n1 = { type = \"base\", axes = [0, 3e6] }", "cell.toml:2: variables.P.1.axes[1]: "},
              {"[signals]\n10018 = true", "cell.toml:2: signals.10018: "},
              {"[signal_groups]\n513 = 1", "cell.toml:2: signal_groups.513: "},
-             {"[[parameters]]\ntype = \"S1C\"\nnumber = 1\nvalue = 1", "cell.toml:1: parameters[0]: "},
+             {"[[parameters]]\ntype = \"S1C\"\nnumber = 1\nvalue = 1",
+              "cell.toml:1: parameters[0]: needs the key 'group'"},
+             {"[variables.P]\n1 = { type = \"pulse\", axes = [1.5] }",
+              "cell.toml:2: variables.P.1.axes[0]: must be a whole"},
+             {"[controller]\ngroups = [\"R1\", \"R1:6\"]", "cell.toml:2: controller.groups[1]: is in the list already"},
+             {"[controller]\ngroups = []", "cell.toml:2: controller.groups: must name one"},
              {"[tools]\n64 = { pose = [0, 0, 0, 0, 0, 0] }", "cell.toml:2: tools.64: "},
              {"[faults]\ndrop = 1.5", "cell.toml:2: faults.drop: drop must be from 0 to 1"}}) {
         try {
