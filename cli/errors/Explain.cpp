@@ -181,8 +181,10 @@ std::string_view PartialMatch(std::int32_t code, std::int32_t part) {
 /// Those of one subsystem, or of all. The refusals of motion go first, then what the library finds
 /// wrong with an answer: these are what an alarm shows by their last byte.
 std::vector<Explanation> ExplainPart(std::int32_t part, std::string_view subsystem = {}) {
+    // The library has no list of its codes: to ask for each takes a while without optimisation.
+    static std::vector<Explanation> const all = ExplainAllCodes();
     std::vector<Explanation> found;
-    for (Explanation& each : ExplainAllCodes()) {
+    for (Explanation each : all) {
         each.match = PartialMatch(each.code, part);
         if (!each.match.empty() && (subsystem.empty() || each.subsystem == subsystem)) {
             found.push_back(std::move(each));
