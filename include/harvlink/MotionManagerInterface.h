@@ -30,8 +30,8 @@ struct Motion {
 };
 
 /// A `Circle` motion: the arc to `position` passes through `auxiliaryAxes`, given in the units of
-/// `position.coordinateType`. A motion with move type Circle must be one of these: the eight values are read from behind
-/// the fields of Motion, and there is no way to tell whether they are there.
+/// `position.coordinateType`. A motion with move type Circle must be one of these: the eight values are read from
+/// behind the fields of Motion, and there is no way to tell whether they are there.
 struct CircularMotion : Motion {
     std::array<double, 8> auxiliaryAxes{};
 };
@@ -40,18 +40,21 @@ static_assert(sizeof(CircularMotion) == sizeof(Motion) + 8 * sizeof(double),
               "callers of other languages lay the eight values directly behind the motion");
 static_assert(std::is_trivially_copyable_v<Motion>);
 
-/// Moves up to four control groups through a queue of points. **It moves a real machine.** From `VersionYA` up; on older
-/// controllers every operation gives UnsupportedOnThisController and sends nothing.
+/// Moves up to four control groups through a queue of points. **It moves a real machine.** From `VersionYA` up; on
+/// older controllers every operation gives UnsupportedOnThisController and sends nothing.
 ///
-/// AddPointToTrajectory checks and queues a point without any network work: it waits at most for a clear of queued points
-/// that is under way. A thread of the library, started by the
-/// first successful MotionStart and ended by CloseConnection, sends the points in order as fast as the controller takes
-/// them. If the controller refuses one, the thread raises alarm 8015 on the pendant, writes the log file, empties the
-/// queue and clears the controller's targets; nobody is called back. After dealing with the alarm, adding points is enough
-/// to go on.
+/// AddPointToTrajectory checks and queues a point without any network work: it waits at most for a clear of queued
+/// points that is under way. A thread of the library, started by the first successful MotionStart and ended by
+/// CloseConnection, sends the points in order as fast as the controller takes them. If the controller refuses one, the
+/// thread raises alarm 8015 on the pendant, writes the log file, empties the queue and clears the controller's targets;
+/// nobody is called back.
 ///
-/// All operations may be called from several threads at once. The controller's motion codes come with 50000000 subtracted,
-/// such as -49934466 "Servo Off". No answer gives ResponseTimeout.
+/// To go on after that, on the same connection: ClearAllFaults, SetServos(On), MotionStart, and add points anew from
+/// where the robot stands. The alarm drops the servo power: without turning it on, the next point raises 8015 again.
+/// MotionStart is needed if the robot was moving when the alarm came, and does no harm if it stood.
+///
+/// All operations may be called from several threads at once. The controller's motion codes come with 50000000
+/// subtracted, such as -49934466 "Servo Off". No answer gives ResponseTimeout.
 ///
 /// CloseConnection sends no stop: stop first. It waits until the queue is empty or a failure has emptied it, without a
 /// bound while the controller answers that its buffer is full: MotionStop(true) ends that.
@@ -63,23 +66,23 @@ public:
     virtual ~MotionManagerInterface() = default;
 
     /// Queues one step: the groups of all given motions start together. Motions with move type NoMove take no part.
-    /// Returns "Point added to trajectory." with code 0, or, with the queue unchanged: 3370 for a group that is none of the
-    /// controller's four motion slots, InvalidCoordinateType for a JointAngle position, AccelerationOutOfRange,
-    /// DecelerationOutOfRange, JointSpeedOutOfRange, SpeedOutOfRange. Only `first` can be a CircularMotion; a circle among
-    /// the others gets a mid-point of zeros.
+    /// Returns "Point added to trajectory." with code 0, or, with the queue unchanged: 3370 for a group that is none of
+    /// the controller's four motion slots, InvalidCoordinateType for a JointAngle position, AccelerationOutOfRange,
+    /// DecelerationOutOfRange, JointSpeedOutOfRange, SpeedOutOfRange. Only `first` can be a CircularMotion; a circle
+    /// among the others gets a mid-point of zeros.
     virtual StatusInfo AddPointToTrajectory(Motion const& first, std::optional<Motion> second = std::nullopt,
                                             std::optional<Motion> third = std::nullopt,
                                             std::optional<Motion> fourth = std::nullopt) = 0;
 
-    /// Asks how far the group has come; the controller's number, unchanged. 0.0 on failure; code 65504 for a group that is
-    /// none of the four motion slots. One exchange.
+    /// Asks how far the group has come; the controller's number, unchanged. 0.0 on failure; code 65504 for a group that
+    /// is none of the four motion slots. One exchange.
     virtual double GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) = 0;
 
     /// Lets the controller move to its targets, and starts feeding the queue. One exchange.
     virtual StatusInfo MotionStart() = 0;
 
-    /// Stops the motion; with `clearTrajectory` a stop that succeeded also empties the queue and the controller's targets.
-    /// Without it, the queue goes on being fed. One or two exchanges.
+    /// Stops the motion; with `clearTrajectory` a stop that succeeded also empties the queue and the controller's
+    /// targets. Without it, the queue goes on being fed. One or two exchanges.
     virtual StatusInfo MotionStop(bool clearTrajectory) = 0;
 
     /// Empties the queue and the controller's targets. A point that is being sent at this moment still goes out.
