@@ -18,9 +18,18 @@ _INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctyp
 
 def exact(integer: Any, value: int) -> int:
     """`value`, which must fit the C type: left to itself, the conversion would cut off its high bits."""
+    if isinstance(value, slice):
+        raise TypeError("an index, not a slice: an exchange carries one value")
     value = operator.index(value)
     if integer(value).value != value:
         raise OverflowError(f"{value} does not fit {8 * ctypes.sizeof(integer)} bits")
+    return value
+
+
+def switch(name: str, value: bool) -> bool:
+    """`value`, which must be a truth value: a text such as "off" would count as true."""
+    if not isinstance(value, bool):
+        raise TypeError(f"{name} takes True or False, not {value!r}")
     return value
 
 

@@ -1,11 +1,13 @@
 """Opening a connection, and the object from which everything else is reached."""
 
+import ipaddress
 import warnings
 from types import TracebackType
 from typing import Optional, Type
 
 from ._library import load
 from ._link import Link
+from ._target_count import TargetCount
 from .control_commands import ControlCommands
 from .control_group import ControlGroups
 from .controller_state import ControllerState, State
@@ -24,9 +26,20 @@ def connect(address: str, timeout: float = 0.5, retries: int = 3) -> "Robot":
     """Opens a connection to the controller at an IPv4 address in dotted form.
 
     An exchange waits at most (1 + retries) x timeout (seconds) for its answer; a request is never sent twice. Nothing
-    on the controller changes, except that newer ones drop motion targets that were not yet played.
+    on the controller changes, except that newer ones drop motion targets that were not yet played. ValueError for a
+    host name: names are not looked up.
     """
+    _check_address(address)
     return Robot(Link(load(), address, timeout, retries))
+
+
+def _check_address(address: str) -> None:
+    if not isinstance(address, str):
+        raise TypeError(f"address takes a text such as '192.168.255.1', not {address!r}")
+    try:
+        ipaddress.IPv4Address(address)
+    except ValueError:
+        raise ValueError(f"{address!r} is not an IPv4 address such as 192.168.255.1; names are not looked up") from None
 
 
 class Robot:
@@ -38,15 +51,16 @@ class Robot:
 
     def __init__(self, link: Link) -> None:
         self._link = link
+        targets = TargetCount()
         self.controller = ControllerState(link)
         self.groups = ControlGroups(link)
         self.variables = Variables(link)
-        self.alarms = Alarms(link)
+        self.alarms = Alarms(link, targets)
         self.jobs = Jobs(link)
         self.files = Files(link)
         self.io = IO(link)
         self.control = ControlCommands(link)
-        self.motion = MotionManager(link)
+        self.motion = MotionManager(link, targets)
         self.kinematics = Kinematics(link)
 
     def state(self) -> State:

@@ -1,6 +1,6 @@
 """Switches of the controller. They act on a real machine, and need remote mode."""
 
-from ._library import text_bytes
+from ._library import switch, text_bytes
 from ._link import Link
 from .enums import CycleMode
 
@@ -17,11 +17,11 @@ class ControlCommands:
 
     def servos(self, on: bool) -> None:
         """Turns servo power on or off. Waits up to four times the time-out."""
-        self._link.do("control_commands_interface_SetServos", _ON if on else _OFF)
+        self._link.do("control_commands_interface_SetServos", _ON if switch("servos", on) else _OFF)
 
     def hold(self, on: bool) -> None:
         """Holds what runs, or releases the hold."""
-        self._link.do("control_commands_interface_SetHold", _ON if on else _OFF)
+        self._link.do("control_commands_interface_SetHold", _ON if switch("hold", on) else _OFF)
 
     def cycle(self, mode: CycleMode) -> None:
         self._link.do("control_commands_interface_SetCycleMode", mode)

@@ -12,7 +12,7 @@ PLAIN_SUCCESS = ("", "OK", "Point added to trajectory.")
 class Error(Exception):
     """An operation failed. `code` says where from:
 
-    1 to 0xFFFF        the controller refused
+    1 to 0xFFFF        the controller refused, or the alarm that ended motion.wait
     0x10000 and up     the library refused or nobody answered, see ErrorCode
     0x40000000 and up  a file on this computer failed, plus its error value
     large negative     the controller refused: add 50000000 (motion), 60000000 (control group), 80000000 (job) or

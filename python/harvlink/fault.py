@@ -6,6 +6,7 @@ from typing import Any, List
 
 from . import _records
 from ._link import Link
+from ._target_count import TargetCount
 from .enums import AlarmCategory
 from .errors import settle
 
@@ -29,8 +30,9 @@ def _take(places: Any) -> List[Alarm]:
 class Alarms:
     """Each alarm is an exchange of its own, so a list is no atomic view of the controller."""
 
-    def __init__(self, link: Link) -> None:
+    def __init__(self, link: Link, targets: TargetCount) -> None:
         self._link = link
+        self._targets = targets
 
     def active(self) -> List[Alarm]:
         """The alarms that are active, at most four."""
@@ -50,4 +52,6 @@ class Alarms:
 
     def clear(self) -> None:
         """Cancels the error and resets the alarms."""
+        # The alarm may have been that of a refused point, with which the library clears the controller's targets.
+        self._targets.forget()
         self._link.do("fault_interface_clear_all_faults")

@@ -4,7 +4,7 @@ import ctypes
 from typing import List, Union
 
 from . import _records
-from ._library import Path, path_bytes, text_bytes
+from ._library import Path, path_bytes, switch, text_bytes
 from ._link import Link
 from .enums import FileType
 from .errors import settle
@@ -28,6 +28,7 @@ class Files:
 
     def list(self, kind: Kind, in_order: bool = True) -> List[str]:
         """The names of the files of a kind, in byte order if `in_order`."""
+        in_order = switch("in_order", in_order)
         status = _records.IStatusInfo()
         names: str = self._link.call(
             "file_interface_ListFiles", _kind_number(kind), ctypes.byref(status), in_order
@@ -55,7 +56,8 @@ class Files:
 
     def download(self, name: str, path: Path, overwrite: bool = False) -> None:
         """Fetches a file and writes it to a path of this computer."""
-        self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), path_bytes(path), bool(overwrite))
+        overwrite = switch("overwrite", overwrite)
+        self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), path_bytes(path), overwrite)
 
     def upload(self, path: Path) -> None:
         """Stores a file of this computer under its own name. Warns if a job does not show in the controller's list."""

@@ -8,6 +8,7 @@ import ctypes
 from typing import Any, Tuple, Union
 
 from . import _records
+from ._library import switch
 from ._link import Link
 from .enums import IOType
 from .errors import settle
@@ -76,7 +77,9 @@ class IO(_Places):
         return self._read(place) != 0
 
     def __setitem__(self, place: BitPlace, value: bool) -> None:
-        self._call("Write", place, bool(value))
+        # The numbers of a bit are none to be mistaken.
+        on = value == 1 if isinstance(value, int) and value in (0, 1) else switch("a signal", value)
+        self._call("Write", place, on)
 
     def address(self, kind: IOType, group: int, bit: int) -> int:
         """The address of a signal. Sends nothing."""

@@ -4,13 +4,17 @@ import ctypes
 import dataclasses
 import sys
 import time
-from typing import Optional, Sequence
+from typing import NoReturn, Optional, Sequence
 
 from . import _records
+from ._library import switch
 from ._link import Link
+from ._target_count import TargetCount
 from .control_group import ControlGroups
-from .enums import Group, MoveType, group_number
-from .errors import settle
+from .controller_state import ControllerState, State
+from .enums import ErrorCode, Group, MoveType, group_number
+from .errors import Error, settle
+from .fault import Alarms
 from .position import AXES, Position, eight, to_record
 
 _ADDERS = (
@@ -65,12 +69,15 @@ class MotionManager:
     """Points are queued by `add` and sent in order by a thread of the library once `start` was called.
 
     If the controller refuses one, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the
-    queue.
+    queue; `wait` then raises harvlink.Error.
     """
 
-    def __init__(self, link: Link) -> None:
+    def __init__(self, link: Link, targets: TargetCount) -> None:
         self._link = link
+        self._targets = targets
         self._groups = ControlGroups(link)
+        self._controller = ControllerState(link)
+        self._alarms = Alarms(link, targets)
 
     def add(self, first: Motion, *others: Motion) -> None:
         """Queues a step of one to four groups, which start together. Only the first can be a circle. Does not wait."""
@@ -78,8 +85,11 @@ class MotionManager:
             raise ValueError(f"a step has at most {len(_ADDERS)} motions")
         if any(motion.kind == MoveType.CIRCLE for motion in others):
             raise ValueError("only the first motion of a step can be a circle")
-        records = [_record(motion) for motion in (first, *others)]
-        self._link.do(_ADDERS[len(others)], *(ctypes.byref(record.motion) for record in records))
+        motions = (first, *others)
+        records = [_record(motion) for motion in motions]
+        with self._targets.lock:
+            self._link.do(_ADDERS[len(others)], *(ctypes.byref(record.motion) for record in records))
+            self._targets.add((group_number(m.group), m) for m in motions if m.kind != MoveType.NO_MOVE)
 
     def start(self) -> None:
         """Lets the controller move to its targets, and starts sending the queue."""
@@ -87,11 +97,15 @@ class MotionManager:
 
     def stop(self, clear: bool = True) -> None:
         """Stops; with `clear` the queue and the controller's targets are dropped, otherwise sending goes on."""
-        self._link.do("motion_manager_MotionStop", bool(clear))
+        self._link.do("motion_manager_MotionStop", switch("clear", clear))
+        if clear:
+            self._targets.clear()
 
     def clear(self) -> None:
         """Drops the queue and the controller's targets."""
+        self._targets.forget()
         self._link.do("motion_manager_ClearAllTrajectory")
+        self._targets.clear()
 
     def progress(self, group: Group = "R1") -> float:
         """How far a group has come, as the controller counts it."""
@@ -103,19 +117,52 @@ class MotionManager:
         return progress
 
     def wait(self, motion: Motion, timeout: float = 60.0, tolerance: float = 1.0) -> Position:
-        """Looks until the group is within `tolerance` (pulses or millimetres) of where the motion leads.
+        """Looks until the group has come to where the motion leads, and returns its position then.
 
-        Returns its position. Cartesian targets are compared by X, Y and Z. TimeoutError after `timeout` seconds.
+        It has when the controller counts the point as reached and the group is within `tolerance` (pulses or
+        millimetres; X, Y and Z of a Cartesian target) of it, or has gone on to points that were queued behind it. What
+        `add` was not given since the last clear (or 1024 points before), and what was queued before an alarm, can't be
+        counted for sure: then the position alone decides, also where the group merely passes or stands already. After
+        others have cleared the controller's targets, call `clear` before you add points.
+
+        harvlink.Error with the alarm's code as soon as the controller has an alarm, such as 8015 for a point that it
+        refused, or is in error. TimeoutError after `timeout` seconds, which a stop, a hold or a missing `start` bring.
         """
-        target = motion.position
-        compared = 3 if target.kind else AXES
         end = time.monotonic() + timeout
         while True:
-            now = self._groups.position(
-                motion.group, target.kind, user_coordinate=target.user_coordinate, tool=target.tool
-            )
-            if all(abs(a - b) <= tolerance for a, b in zip(now.axes[:compared], target.axes)):
-                return now
+            position = self._arrival(motion, tolerance)
+            if position is not None:
+                return position
+            state = self._controller.state()
+            if state.is_alarming or state.is_erroring:
+                self._fail(motion, state)
             if time.monotonic() > end:
-                raise TimeoutError(f"{motion.group} did not arrive within {timeout} s")
+                raise TimeoutError(f"{motion.group} did not arrive within {timeout} s: {state}")
             time.sleep(_LOOK_PERIOD)
+
+    def _arrival(self, motion: Motion, tolerance: float) -> Optional[Position]:
+        """Where the group stands if it has arrived."""
+        is_gone_on = False
+        number = self._targets.number(motion)
+        if number is not None:
+            progress = self.progress(motion.group)
+            self._targets.see(group_number(motion.group), progress)
+            if progress < number:
+                return None
+            is_gone_on = self._targets.is_followed(group_number(motion.group), number)
+        target = motion.position
+        compared = 3 if target.kind else AXES
+        now = self._groups.position(
+            motion.group, target.kind, user_coordinate=target.user_coordinate, tool=target.tool
+        )
+        is_there = all(abs(a - b) <= tolerance for a, b in zip(now.axes[:compared], target.axes))
+        return now if is_there or is_gone_on else None
+
+    def _fail(self, motion: Motion, state: State) -> NoReturn:
+        # A refused point has cleared the controller's targets.
+        self._targets.forget()
+        alarms = self._alarms.active()
+        if not alarms:
+            raise Error(ErrorCode.GENERAL_ERROR, f"{motion.group} did not arrive: {state}")
+        texts = ", ".join(f"alarm {alarm.code}-{alarm.subcode} {alarm.name}" for alarm in alarms)
+        raise Error(alarms[0].code, f"{motion.group} did not arrive: {texts}")

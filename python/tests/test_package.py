@@ -92,10 +92,26 @@ class ConnectedTest(SimulatorTest):
             variables.b[2**16]
         with self.assertRaises(TypeError):
             variables.i[0] = 1.5
+        with self.assertRaisesRegex(TypeError, "an index, not a slice"):
+            variables.b[0:3]
         with self.assertRaises(ValueError):
             self.robot.files.upload("OWN.JBI\0.txt")
         with self.assertRaises(ValueError):
             Position(axes=range(9))
+
+    def test_a_switch_is_a_truth_value(self):
+        robot = self.robot
+        robot.close()  # what is sent after all, raises ValueError
+        for name, operation in [
+            *(("servos", robot.control.servos), ("hold", robot.control.hold), ("clear", robot.motion.stop)),
+            ("a signal", lambda value: robot.io.__setitem__(10010, value)),
+            ("in_order", lambda value: robot.files.list("JBI", value)),
+            ("overwrite", lambda value: robot.files.download("OWN.JBI", "OWN.JBI", value)),
+        ]:
+            for value in ("off", None, 2, 0.0):
+                with self.subTest(name, value=value), self.assertRaises(TypeError) as caught:
+                    operation(value)
+                self.assertEqual(str(caught.exception), f"{name} takes True or False, not {value!r}")
 
     def test_failures(self):
         robot = self.robot
@@ -115,8 +131,11 @@ class ConnectedTest(SimulatorTest):
                 operation()
             self.assertEqual(caught.exception.code, code)
             self.assertIn(text, caught.exception.text)
-        for operation in (lambda: robot.position("X1"), lambda: robot.files.list("TXT")):
-            with self.assertRaises(ValueError):
+        for operation, error in [
+            *((lambda: robot.position("X1"), ValueError), (lambda: robot.files.list("TXT"), ValueError)),
+            *((lambda: harvlink.connect("nohost"), ValueError), (lambda: harvlink.connect(5), TypeError)),
+        ]:
+            with self.assertRaises(error):
                 operation()
 
     def test_alarms_come_with_their_texts(self):
@@ -168,6 +187,40 @@ class ConnectedTest(SimulatorTest):
         robot.motion.stop()
         with self.assertRaises(TimeoutError):
             robot.motion.wait(turn, timeout=0)
+
+    def test_what_is_waited_for(self):
+        robot, motion = self.robot, self.robot.motion
+        robot.alarms.clear()
+        robot.control.servos(True)
+        self.addCleanup(robot.control.servos, False)
+        start = robot.position("R1")
+        path = [Motion("R1", start.shifted(offset), 50) for offset in (20000, 40000, 0)]
+        for rounds in (1, 2):  # a target that was reached before is none of the second round
+            for point in path:
+                motion.add(point)
+            with self.assertRaises(TimeoutError):
+                motion.wait(path[-1], timeout=0)
+            motion.start()
+            self.assertAlmostEqual(motion.wait(path[-1], timeout=20).axes[0], start.axes[0], delta=1)
+            self.assertEqual(motion.progress(), 3 * rounds)
+            motion.stop(clear=False)
+        motion.wait(path[0], timeout=0)  # passed
+        refused = Motion("R1", start.shifted(2000000), 50)
+        motion.start()
+        for unsure in (False, True):
+            motion.add(refused)
+            with self.subTest(unsure), self.assertRaisesRegex(harvlink.Error, "R1 did .*: alarm 8015-") as caught:
+                motion.wait(refused, timeout=20)
+            self.assertEqual(caught.exception.code, 8015)
+            robot.alarms.clear()
+            robot.control.servos(True)
+        motion.wait(Motion("R1", start, 50), timeout=0)  # counted by nobody
+        motion.clear()
+        motion.add(path[0], Motion("B1", robot.position("B1"), 50, MoveType.NO_MOVE))
+        motion.start()
+        motion.wait(path[0], timeout=20)
+        self.assertEqual(motion.progress(), 1)
+        motion.stop()
 
     def test_the_session_of_the_readme(self):
         text = (ROOT / "python/README.md").read_text()
