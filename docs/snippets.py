@@ -43,7 +43,8 @@ def remove_stale(folder, suffix, written):
 
 def write_programs(folder, pages):
     folder.mkdir(parents=True, exist_ok=True)
-    fragments = "#include <iostream>\n#include <string>\n#include <vector>\n\n#include \"harvlink/harvlink.h\"\n"
+    headers = "".join(f"#include <{name}>\n" for name in ("chrono", "iostream", "string", "thread", "vector"))
+    fragments = headers + '\n#include "harvlink/harvlink.h"\n'
     written = {folder / "fragments.cpp"}
     for page in pages:
         for number, (line, code) in enumerate(blocks(page, ["cpp"])):

@@ -74,8 +74,11 @@ public:
                                             std::optional<Motion> third = std::nullopt,
                                             std::optional<Motion> fourth = std::nullopt) = 0;
 
-    /// Asks how far the group has come; the controller's number, unchanged. 0.0 on failure; code 65504 for a group that
-    /// is none of the four motion slots. One exchange.
+    /// Asks how far the group has come; the controller's number, unchanged. Take it as the count of targets that the
+    /// group has reached since its targets were last cleared, and the part of the way to the next: 2.5 is halfway from
+    /// the second to the third. The virtual controller counts so; no other has been seen, so look at it once on yours.
+    /// Opening a connection, MotionStop(true), ClearAllTrajectory and a refused point clear the targets. 0.0 on failure;
+    /// code 65504 for a group that is none of the four motion slots. One exchange.
     virtual double GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) = 0;
 
     /// Lets the controller move to its targets, and starts feeding the queue. One exchange.
