@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "harvlink/Version.h"
 #include "simulator/Server.h"
 #include "simulator/program/Arguments.h"
 #include "simulator/program/PcapFile.h"
@@ -103,6 +104,7 @@ int Serve(Arguments const& arguments) {
 
 int main(int argc, char** argv) {
     CLI::App app("A virtual robot controller: answers on UDP ports 10040 and 10041 like a real one.", "harvlink-sim");
+    app.set_version_flag("--version", "harvlink-sim " + std::string(harvlink::HeaderVersion));
     ArgumentParser parser(app);
     try {
         app.parse(argc, argv);
