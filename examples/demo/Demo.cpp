@@ -65,17 +65,20 @@ void Run(std::string const& address) {
     ShowAlarms(*robot);
     ConvertPositions(*robot);
     DriveArm(*robot);
+    std::cout << "\nAll sections done.\n";
 }
 
 } // namespace
 } // namespace demo
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::cerr
+    std::string_view const argument = argc == 2 ? argv[1] : "";
+    bool const isHelp = argument == "--help" || argument == "-h";
+    if (isHelp || argument.empty() || argument.starts_with('-')) {
+        (isHelp ? std::cout : std::cerr)
             << "Usage: " << argv[0] << " ADDRESS\n"
             << "Moves the robot, overwrites variables and deletes a job: use it with the virtual controller only.\n";
-        return 2;
+        return isHelp ? 0 : 2;
     }
     try {
         demo::Run(argv[1]);

@@ -132,6 +132,7 @@ std::string LastLogLine() {
 
 /// A point that the library can't know to be out of reach: the controller refuses it.
 void ProvokeRefusal(harvlink::QuorvanController& robot) {
+    std::cout << "\nnow on purpose: a point out of reach\n";
     auto const farAway = Shifted(Position(robot), 5000, 0);
     auto const logBefore = LastLogLine();
     auto const motion = MoveTo<harvlink::Motion>(farAway, harvlink::MoveInterpolationType::Line);
