@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <regex>
 
 #include <fmt/format.h>
 
@@ -162,6 +163,12 @@ void DiagnoseIdentity(ControllerReport const& report, Expectation const& expecte
     }
 }
 
+/// The same text with the host in every command that needs it, so that it runs as it is written.
+std::string WithHost(std::string const& text, std::string const& host) {
+    static std::regex const command("harvlink (?=--timeout|[a-z])(?!explain)");
+    return std::regex_replace(text, command, "harvlink --host " + host + " ");
+}
+
 } // namespace
 
 std::vector<Finding> Diagnose(ControllerReport const& report, Expectation const& expected) {
@@ -170,6 +177,9 @@ std::vector<Finding> Diagnose(ControllerReport const& report, Expectation const&
         DiagnoseDamage(report.link, findings);
         DiagnoseIdentity(report, expected, findings);
         DiagnoseLink(report.link, expected, findings);
+    }
+    for (Finding& finding : findings) {
+        finding.nextStep = WithHost(finding.nextStep, expected.host);
     }
     return findings;
 }

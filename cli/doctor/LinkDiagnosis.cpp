@@ -56,7 +56,7 @@ void DiagnoseLoss(LinkReport const& link, std::vector<Finding>& findings) {
 
 std::string LongerTimeout(double milliseconds) {
     double const rounded = std::ceil(milliseconds / 10) * 10;
-    return fmt::format("Use a time-out of at least {:.0f} ms: harvlink --timeout {:.0f}", rounded, rounded);
+    return fmt::format("Use a time-out of at least {:.0f} ms: harvlink --timeout {:.0f} status", rounded, rounded);
 }
 
 void DiagnoseTime(LinkReport const& link, Expectation const& expected, std::vector<Finding>& findings) {

@@ -71,6 +71,7 @@ TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
         Result const result = RunTool("doctor " + hosts.at(i) + " --json " + expected.options);
         Json const report = Json::parse(result.out);
         EXPECT_EQ(NamesOf(report["findings"], expected.findings), expected.findings) << expected.faults << result.out;
+        EXPECT_EQ(result.out.find("harvlink --timeout"), std::string::npos) << "can't run without the host";
         Json const& link = report["link"];
         EXPECT_EQ(link["probes"].get<int>(), link["answered"].get<int>() + link["late"].get<int>() +
                                                  link["spoilt"].get<int>() + link["lost"].get<int>());
