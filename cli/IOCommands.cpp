@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -48,7 +49,10 @@ StatusInfo ShowSignals(QuorvanController& robot, Output& output, std::vector<Sig
         bool value = false;
         StatusInfo status = robot.IO->ReadBit(signal.address, value);
         if (status.StatusCode == 0) {
-            rows.push_back({{"signal", signal.name}, {"address", signal.address}, {"on", value}});
+            Json row{{"signal", signal.name}, {"address", signal.address}};
+            // People read the words that io set takes.
+            row.update(output.json ? Json{{"on", value}} : Json{{"state", value ? "on" : "off"}});
+            rows.push_back(std::move(row));
         }
         return status;
     });

@@ -91,7 +91,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"var set B1=1 B2=256", 2, "", "harvlink: byte 256 is out of range, from 0 to 255\n"},
         {"io set general-output:1.3=on", 0, "Written  1\n", ""},
         {"io byte 10010", 0, "00001000", ""},
-        {"io get general-input:1", 0, "general-input:1.7       17  no\n", ""},
+        {"io get general-input:1", 0, "general-input:1.7       17  off\n", ""},
         {"io set general-output:1=1", 2, "", "name a bit"},
         {"io set 20010=1", 1, "", "20010: Code (196615): This IO address cannot be written to.\n"},
         {"register set 5=0xFF", 0, "Written  1\n", ""},
