@@ -72,7 +72,7 @@ void AddMove(CLI::App& app, Session& session) {
                 {"move R1 --line --to base:480,0,600,180,0,0 --speed 100",
                  "move R1 --joint --to pulse:0,0,0,0,-90000,0 --speed 10 --yes"},
                 PositionHelp);
-    verb->callback([arguments, &session] { PlanTrajectory(session, {MakeMotion(*arguments)}); });
+    verb->callback([arguments, &session] { PlanTrajectory(session, {{MakeMotion(*arguments), {}}}); });
 }
 
 void AddTrajectory(CLI::App& app, Session& session) {

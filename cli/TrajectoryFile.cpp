@@ -183,7 +183,9 @@ Trajectory ParseTrajectory(std::string const& file, std::string_view text) {
     }
     Trajectory trajectory;
     trajectory.reserve(rows.size());
-    ForEachRow(file, rows, [&](CsvRow const& row) { trajectory.push_back(columns.ReadMotion(row)); });
+    ForEachRow(file, rows, [&](CsvRow const& row) {
+        trajectory.push_back({columns.ReadMotion(row), fmt::format("{}:{}", file, row.line)});
+    });
     return trajectory;
 }
 

@@ -20,7 +20,11 @@ inline constexpr char const* TrajectoryHelp =
     "Lines that begin with # are left out.";
 
 /// Every point is a circular motion: only for one with move type Circle is the auxiliary point looked at.
-using Trajectory = std::vector<CircularMotion>;
+struct TrajectoryPoint : CircularMotion {
+    std::string place{}; ///< "square.csv:3"; empty if it comes from no file
+};
+
+using Trajectory = std::vector<TrajectoryPoint>;
 
 /// Reads a trajectory and checks each point as far as that can be done without a controller. Throws one InputError that
 /// names every wrong line.

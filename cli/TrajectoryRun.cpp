@@ -70,6 +70,7 @@ public:
             status = Follow(interrupt, progress);
         }
         if (status.StatusCode != 0) {
+            TellPlace();
             Abandon();
         }
         return status;
@@ -116,6 +117,7 @@ private:
             }
             StatusInfo status = LookForTrouble();
             if (status.StatusCode == 0) {
+                ReadReached();
                 status = ReadPosition();
             }
             if (status.StatusCode != 0) {
@@ -160,6 +162,29 @@ private:
             output_.Problem("servo power is off");
         }
         return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+    }
+
+    // A refused point clears the targets, and with them the count: the highest that was seen is kept.
+    void ReadReached() {
+        StatusInfo status;
+        double const reached = robot_.MotionManager->GetMotionTargetProgress(path_.last.controlGroup, status);
+        if (status.StatusCode == 0 && reached >= 0.0) {
+            reached_ = std::max(reached_, std::min(reached, static_cast<double>(trajectory_.size())));
+        }
+    }
+
+    // The controller counts each group's own points, so that with several groups the count is that of no one point. It
+    // may have gone on since it was read, and points are refused ahead of the machine.
+    void TellPlace() {
+        bool const isOneGroup = std::ranges::all_of(
+            trajectory_, [&](Motion const& point) { return point.controlGroup == path_.last.controlGroup; });
+        auto const point = static_cast<std::size_t>(reached_);
+        if (!isStarted_ || !isOneGroup || point >= trajectory_.size() || trajectory_[point].place.empty()) {
+            return;
+        }
+        std::size_t const count = trajectory_.size();
+        output_.Problem(fmt::format("stopped on the way to {} (point {} of {}){}", trajectory_[point].place, point + 1,
+                                    count, point + 1 < count ? " or to a later point" : ""));
     }
 
     // Clearing empties the library's queue even if the controller no longer answers.
@@ -207,6 +232,7 @@ private:
     FollowedPath path_;
     PositionData position_;
     Clock::time_point start_;
+    double reached_ = 0.0; // points, with the part of the way to the next
     bool isStarted_ = false;
     bool isHeld_ = false;
     bool isBarShown_ = false;

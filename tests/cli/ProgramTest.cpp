@@ -234,12 +234,13 @@ TEST_F(ProgramTest, StopsTheMachineOnCtrlC) {
 
 TEST_F(ProgramTest, TellsWhyATrajectoryWasRefused) {
     ScratchFolder const folder;
-    test::WriteFile("far.csv", "speed,x,y,z,rx,ry,rz\n100,9000,0,1050,180,0,0\n");
+    test::WriteFile("far.csv", "speed,x,y,z,rx,ry,rz\n100,9000,0,1050,180,0,0\n100,0,0,1050,180,0,0\n");
     ASSERT_EQ(RunTool("servo on --yes").exit, 0);
     Result const result = RunTool("trajectory run far.csv --yes");
     EXPECT_EQ(result.exit, 1);
     EXPECT_NE(result.err.find("alarm 8015-"), std::string::npos) << result.err;
     EXPECT_EQ(result.err.find("servo power"), std::string::npos) << "the alarm took it";
+    EXPECT_NE(result.err.find("on the way to far.csv:2 (point 1 of 2) or to a later"), std::string::npos) << result.err;
     std::string const log = (std::filesystem::current_path() / "HarvlinkLog.txt").string();
     EXPECT_NE(result.err.find("logged in " + log + ": "), std::string::npos) << result.err;
 }
