@@ -22,6 +22,12 @@ constexpr std::int32_t HighestAlarm = 9999;
 constexpr std::int32_t MotionAlarm = 8015; ///< what the library raises for a refused target
 constexpr std::int32_t NoAnswer = 0x30006;
 
+// One of each family that a refused target may come from.
+constexpr std::int32_t WrongTarget = 5120;
+constexpr std::int32_t WrongValue = 45056;
+constexpr std::int32_t NotNow = 2010;
+constexpr std::int32_t NotSetUp = 3000;
+
 struct RetryWords {
     Retry retry;
     std::string_view name;
@@ -178,8 +184,23 @@ std::string_view PartialMatch(std::int32_t code, std::int32_t part) {
     return isLong && fmt::format("{:x}", code) == std::to_string(part) ? "hex-digits" : "";
 }
 
-/// Those of one subsystem, or of all. The refusals of motion go first, then what the library finds
-/// wrong with an answer: these are what an alarm shows by their last byte.
+/// From 0 for what a program's alarm most likely shows by its last byte: a refusal of motion, then what the library
+/// finds wrong with an answer, what the controller finds wrong with a target, and what keeps it from moving.
+int Unlikeliness(Explanation const& explanation) {
+    if (explanation.subsystem == CodeContexts().front().name) {
+        return 0;
+    }
+    if (explanation.subsystem == FamilyOf(NoAnswer).name) {
+        return 1;
+    }
+    bool const isTarget =
+        explanation.subsystem == FamilyOf(WrongTarget).name || explanation.subsystem == FamilyOf(WrongValue).name;
+    bool const isState =
+        explanation.subsystem == FamilyOf(NotNow).name || explanation.subsystem == FamilyOf(NotSetUp).name;
+    return isTarget ? 2 : isState ? 3 : 4;
+}
+
+/// Those of one subsystem, or of all, the likeliest first.
 std::vector<Explanation> ExplainPart(std::int32_t part, std::string_view subsystem = {}) {
     // The library has no list of its codes: to ask for each takes a while without optimisation.
     static std::vector<Explanation> const all = ExplainAllCodes();
@@ -190,10 +211,7 @@ std::vector<Explanation> ExplainPart(std::int32_t part, std::string_view subsyst
             found.push_back(std::move(each));
         }
     }
-    std::ranges::stable_sort(found, {}, [](Explanation const& each) {
-        bool const isMotion = each.subsystem == CodeContexts().front().name;
-        return isMotion ? 0 : each.subsystem == FamilyOf(NoAnswer).name ? 1 : 2;
-    });
+    std::ranges::stable_sort(found, {}, Unlikeliness);
     return found;
 }
 

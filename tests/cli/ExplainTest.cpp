@@ -25,7 +25,7 @@ TEST(Explain, UnderstandsEveryFormOfACode) {
         char const* retry;
         char const* match = "exact";
     };
-    std::array<Case, 26> const cases{{
+    std::array<Case, 27> const cases{{
         {"0", 1, "Success", "OK", "yes"},
         {"2060", 1, "State of the controller", "There is an active Error or Alarm.", "after-fix"},
         {"0x2060", 1, "State of the controller", "There is an active Error or Alarm.", "after-fix"},
@@ -51,6 +51,7 @@ TEST(Explain, UnderstandsEveryFormOfACode) {
         {"0xF70", 3, "motion", "Timeout", "yes", "low-word"},
         {"30006", 2, "Library: arguments and answers", "Controller response timed out", "read-back-first",
          "hex-digits"},
+        {"8015-32", 14, "Contents of a file", "Position data error", "after-fix", "low-byte"},
         {"8015-6", 4, "Library: arguments and answers", "Controller response timed", "read-back-first", "low-byte"},
         {"9", 1, "Status byte of the controller", "", "no"},
     }};
