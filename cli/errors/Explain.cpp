@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::int32_t HighestControllerCode = 0xFFFF;
 constexpr std::int32_t HighestLibraryCode = 0x3FFFF;
+constexpr std::int32_t HighestOfItsKind = 0xFF; ///< in the low half of a library's code
 constexpr std::int32_t LocalFileCode = 0x40000001; ///< stands for all of its family
 constexpr std::int32_t HighestAlarm = 9999;
 constexpr std::int32_t MotionAlarm = 8015; ///< what the library raises for a refused target
@@ -155,7 +156,8 @@ Explanation ExplainInContext(CodeContext const& context, CodeCard const& card) {
 std::vector<Explanation> ExplainAllCodes() {
     std::vector<Explanation> all;
     for (std::int32_t code = 1; code <= HighestLibraryCode; ++code) {
-        if (!LibraryText(code).empty() || FindCard(GeneralCards(), code) != nullptr) {
+        bool const mayBe = code <= HighestControllerCode || (code & 0xFFFF) <= HighestOfItsKind;
+        if (mayBe && (!LibraryText(code).empty() || FindCard(GeneralCards(), code) != nullptr)) {
             all.push_back(*ExplainGeneral(code));
         }
     }
