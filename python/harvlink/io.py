@@ -77,7 +77,7 @@ class IO(_Places):
         return self._read(place) != 0
 
     def __setitem__(self, place: BitPlace, value: bool) -> None:
-        # The numbers of a bit are none to be mistaken.
+        # A bit is written 0 and 1 as often as False and True; any other number is a mistake.
         on = value == 1 if isinstance(value, int) and value in (0, 1) else switch("a signal", value)
         self._call("Write", place, on)
 

@@ -97,7 +97,9 @@ class MotionManager:
 
     def stop(self, clear: bool = True) -> None:
         """Stops; with `clear` the queue and the controller's targets are dropped, otherwise sending goes on."""
-        self._link.do("motion_manager_MotionStop", switch("clear", clear))
+        if switch("clear", clear):
+            self._targets.forget()
+        self._link.do("motion_manager_MotionStop", clear)
         if clear:
             self._targets.clear()
 

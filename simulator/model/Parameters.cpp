@@ -13,10 +13,6 @@ constexpr std::uint32_t Number(SystemParameterType type) {
     return static_cast<std::uint32_t>(type);
 }
 
-bool BelongsToGroupByNumber(std::uint32_t type) {
-    return Parameters::BelongsToGroup(static_cast<SystemParameterType>(type));
-}
-
 } // namespace
 
 Parameters::Parameters(ControlGroups const& groups, int rs022) : groups_(groups) {
@@ -24,8 +20,9 @@ Parameters::Parameters(ControlGroups const& groups, int rs022) : groups_(groups)
     values_[Key{Number(SystemParameterType::S2C), 0, 430}] = 0; // the figure of a position resolves the arm
 }
 
-bool Parameters::BelongsToGroup(SystemParameterType type) {
-    return type == SystemParameterType::S1C || type == SystemParameterType::S1E || type == SystemParameterType::S2E;
+bool Parameters::BelongsToGroup(std::uint32_t type) {
+    return type == Number(SystemParameterType::S1C) || type == Number(SystemParameterType::S1E) ||
+           type == Number(SystemParameterType::S2E);
 }
 
 Refusal Parameters::Check(std::uint32_t type, std::uint32_t group, std::uint32_t number) const {
@@ -37,11 +34,11 @@ Refusal Parameters::Check(std::uint32_t type, std::uint32_t group, std::uint32_t
         return Refusal::InvalidParameter;
     }
     auto const isGroupKnown =
-        BelongsToGroupByNumber(type)
-            ? std::ranges::any_of(
-                  groups_.All(),
-                  [&](ControlGroup const& candidate) { return ControlGroups::ContinuousNumber(candidate.id) == group; })
-            : group <= 1;
+        BelongsToGroup(type) ? std::ranges::any_of(groups_.All(),
+                                                   [&](ControlGroup const& candidate) {
+                                                       return ControlGroups::ContinuousNumber(candidate.id) == group;
+                                                   })
+                             : group <= 1;
     return isGroupKnown ? Refusal::None : Refusal::InvalidParameterGroup;
 }
 
@@ -59,7 +56,7 @@ Refusal Parameters::Read(std::uint32_t type, std::uint32_t group, std::uint32_t 
         value = MotionSlot(number);
         return Refusal::None;
     }
-    auto const found = values_.find(Key{type, BelongsToGroupByNumber(type) ? group : 0, number});
+    auto const found = values_.find(Key{type, BelongsToGroup(type) ? group : 0, number});
     value = found == values_.end() ? 0 : found->second;
     return Refusal::None;
 }
@@ -69,7 +66,7 @@ Refusal Parameters::Set(SystemParameterType type, std::uint32_t group, std::uint
     if (refusal != Refusal::None || type == SystemParameterType::MotionSlot) {
         return refusal == Refusal::None ? Refusal::InvalidParameter : refusal;
     }
-    values_[Key{Number(type), BelongsToGroup(type) ? group : 0, number}] = value;
+    values_[Key{Number(type), BelongsToGroup(Number(type)) ? group : 0, number}] = value;
     return Refusal::None;
 }
 

@@ -16,7 +16,7 @@ public:
     Parameters(ControlGroups const& groups, int rs022);
 
     /// Whether each group has parameters of this family to itself.
-    static bool BelongsToGroup(SystemParameterType type);
+    static bool BelongsToGroup(std::uint32_t type);
 
     /// `group` is a number of the continuous kind, for the families that belong to a group; 0 or 1 for the others.
     Refusal Read(std::uint32_t type, std::uint32_t group, std::uint32_t number, std::int32_t& value) const;

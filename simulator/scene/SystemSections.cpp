@@ -32,8 +32,9 @@ void ApplyParameters(SceneNode const& parameters, ControllerModel& model) {
     using Limits = std::numeric_limits<std::int32_t>;
     for (auto const& item : parameters.Items()) {
         item.AllowOnly({"type", "group", "number", "value"});
-        auto const type = item.Require("type").Choice({"S1C", "S2C", "S3C", "S4C", "RS", "S1E", "S2E"});
-        bool const isOfGroup = Parameters::BelongsToGroup(static_cast<SystemParameterType>(type));
+        auto const type =
+            static_cast<std::uint32_t>(item.Require("type").Choice({"S1C", "S2C", "S3C", "S4C", "RS", "S1E", "S2E"}));
+        bool const isOfGroup = Parameters::BelongsToGroup(type);
         auto const group = item.Find("group");
         if (group.has_value() != isOfGroup) {
             item.Fail(isOfGroup ? "needs the key 'group'" : "belongs to no group");
