@@ -1,3 +1,21 @@
+# Programs of others that load the library, such as the interpreter of Python, need the runtime of the sanitizer as a shared
+# object. All of ours must then use that one too, which g++ does unasked. Fuzzers meet no such program.
+set(HARVLINK_SANITIZER_RUNTIME)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND HARVLINK_SANITIZE MATCHES "address|thread")
+    set(HARVLINK_SANITIZER_RUNTIME libasan.so)
+    if(HARVLINK_SANITIZE MATCHES "thread")
+        set(HARVLINK_SANITIZER_RUNTIME libtsan.so)
+    endif()
+elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND HARVLINK_SANITIZE MATCHES "address" AND NOT HARVLINK_SANITIZE MATCHES "fuzzer")
+    set(HARVLINK_SANITIZER_RUNTIME libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
+    set(HARVLINK_SANITIZER_IS_STATIC_BY_DEFAULT ON)
+endif()
+if(HARVLINK_SANITIZER_RUNTIME)
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${HARVLINK_SANITIZER_RUNTIME}
+                    OUTPUT_VARIABLE HARVLINK_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    cmake_path(GET HARVLINK_SANITIZER_RUNTIME PARENT_PATH HARVLINK_SANITIZER_FOLDER)
+endif()
+
 # harvlink_target(<target>): the language level, warnings and sanitizers that every target of the project has.
 function(harvlink_target target)
     target_compile_features(${target} PUBLIC cxx_std_20)
@@ -10,6 +28,9 @@ function(harvlink_target target)
         target_compile_options(${target} PRIVATE -fsanitize=${HARVLINK_SANITIZE} -fno-sanitize-recover=all
                                                  -fno-omit-frame-pointer)
         target_link_options(${target} PRIVATE -fsanitize=${HARVLINK_SANITIZE})
+        if(HARVLINK_SANITIZER_IS_STATIC_BY_DEFAULT)
+            target_link_options(${target} PRIVATE -shared-libasan "-Wl,-rpath,${HARVLINK_SANITIZER_FOLDER}")
+        endif()
     endif()
     if(CMAKE_UNITY_BUILD)
         harvlink_merge_folders(${target})

@@ -21,8 +21,8 @@ FIGURES = ROOT / "docs" / "reliability.json"
 PAGE = ROOT / "docs" / "reliability.md"
 TABLE = re.compile(r"(?<=<!-- figures -->\n).*(?=<!-- end of figures -->)", re.DOTALL)
 LINES_WANTED = 95.0
-BUILDS = {"release": "optimised, g++", "asan": "address and undefined-behaviour sanitizers, g++",
-          "tsan": "thread sanitizer, clang"}
+BUILDS = {"release": "optimised, g++", "asan": "address and undefined-behaviour sanitizers, clang",
+          "tsan": "thread sanitizer, g++"}
 
 
 def tests_of(report):

@@ -194,11 +194,11 @@ TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
     for (auto const& example : cases) {
         SCOPED_TRACE(example.logged);
         ScratchFolder const folder;
+        std::atomic<bool> isBroken = true;
         RunningSession session;
         if (example.replies.empty()) {
             ShortenTimeout(*session.network);
         }
-        std::atomic<bool> isBroken = true;
         session.controller.AnswerRest([&](Datagram const& datagram) {
             unsigned const command = CommandOf(datagram);
             bool const fails = isBroken && command == example.refusedCommand;
