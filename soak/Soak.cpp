@@ -273,7 +273,8 @@ void Soak::WriteReport(nlohmann::json const& traffic) {
         survived[std::string(NameOf(kind))] = ledger_.Count(kind);
     }
     auto const minutes = std::chrono::duration<double, std::ratio<60>>(SteadyClock::now() - start_).count();
-    report_ = {{"minutes", std::round(minutes * 10.0) / 10.0},
+    report_ = {{"minutesAsked", options_.minutes},
+               {"minutes", std::round(minutes * 10.0) / 10.0},
                {"seed", options_.seed},
                {"workers", workers_.size()},
                {"network", options_.badNetwork ? "bad" : "good"},
