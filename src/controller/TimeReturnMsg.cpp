@@ -13,27 +13,22 @@ std::int64_t EpochOf(std::string const& startTime) {
     return std::mktime(&calendar);
 }
 
-/// The number in `text` from `first` up to `last`.
-std::uint32_t NumberBetween(std::string const& text, std::size_t first, std::size_t last) {
-    return static_cast<std::uint32_t>(std::stoi(text.substr(first, last - first)));
-}
-
-std::size_t Find(std::string const& text, char mark, std::size_t from) {
-    std::size_t const position = text.find(mark, from);
-    if (position == std::string::npos) {
+/// Takes the whole number in front of the first `mark` off `text`, and the mark with it.
+std::uint32_t TakeNumber(std::string& text, char mark) {
+    std::size_t const end = text.find(mark);
+    int const number = std::stoi(text.substr(0, end));
+    if (end == std::string::npos) {
         throw std::invalid_argument("elapsed time");
     }
-    return position;
+    text.erase(0, end + 1);
+    return static_cast<std::uint32_t>(number);
 }
 
-ElapsedTime ParseElapsedTime(std::string const& text) {
-    std::size_t const colon = Find(text, ':', 0);
-    std::size_t const apostrophe = Find(text, '\'', colon);
-    return {
-        .seconds = NumberBetween(text, apostrophe + 1, text.size()),
-        .minutes = NumberBetween(text, colon + 1, apostrophe),
-        .hours = NumberBetween(text, 0, colon),
-    };
+/// The first field that can't be read decides which exception it is.
+ElapsedTime ParseElapsedTime(std::string text) {
+    std::uint32_t const hours = TakeNumber(text, ':');
+    std::uint32_t const minutes = TakeNumber(text, '\'');
+    return {.seconds = static_cast<std::uint32_t>(std::stoi(text)), .minutes = minutes, .hours = hours};
 }
 
 } // namespace

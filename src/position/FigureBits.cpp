@@ -4,11 +4,11 @@
 
 namespace harvlink {
 
+// On purpose not FigureToBitsets: here a field goes out with all of its value, not as one bit.
 std::uint32_t FigureWord(Figure const& figure) {
-    std::bitset<8> bits;
-    std::bitset<8> dropped;
-    HelperFunction::FigureToBitsets(figure, bits, dropped);
-    return static_cast<std::uint32_t>(bits.to_ulong());
+    auto const shifted = [](auto field, unsigned bit) { return static_cast<std::uint32_t>(field) << bit; };
+    return shifted(figure.frontOrBack, 0) | shifted(figure.upperOrLower, 1) | shifted(figure.flipOrNoFlip, 2) |
+           shifted(figure.rAngle, 3) | shifted(figure.tAngle, 4) | shifted(figure.sAngle, 5);
 }
 
 namespace HelperFunction {

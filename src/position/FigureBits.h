@@ -8,7 +8,7 @@
 namespace harvlink {
 
 /// Bits 0 to 5 of the wire's figure word. The order of bits differs from the order of fields, on purpose: R, T and S sit
-/// in the old six bits, the other axes in the extended figure.
+/// in the old six bits, the other axes in the extended figure. A field that is neither 0 nor 1 goes out as it is, shifted.
 std::uint32_t FigureWord(Figure const& figure);
 
 namespace HelperFunction {

@@ -35,7 +35,8 @@ void StatusInformation::GetError(std::string& message, int code) const {
 }
 
 std::ostream& operator<<(std::ostream& stream, StatusInfo const& status) {
-    return stream << "Code (" << status.StatusCode << "): " << status.Message;
+    // In plain decimal, whatever the program has set for its own numbers: lines of the log are made here too.
+    return stream << "Code (" << std::to_string(status.StatusCode) << "): " << status.Message;
 }
 
 } // namespace harvlink

@@ -71,11 +71,13 @@ ControlGroupId ControlGroupFromString(std::string const& text, bool& valid) {
     constexpr int firstNumberOfKind[] = {0, 10, 20};
 
     std::size_t const kind = text.empty() ? kinds.npos : kinds.find(text.front());
-    valid = kind != kinds.npos;
-    if (!valid) {
+    valid = false;
+    if (kind == kinds.npos) {
         return ControlGroupId::R1;
     }
+    valid = text.front() != 'R'; // on purpose: only of a robot the number must have been read
     std::int64_t const number = std::stoi(text.substr(1));
+    valid = true;
     return static_cast<ControlGroupId>(static_cast<std::int32_t>(number + firstNumberOfKind[kind]));
 }
 

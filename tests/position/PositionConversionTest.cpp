@@ -155,6 +155,10 @@ TEST(PositionConversion, ExtendedRecordLosesTheExtendedFigure) {
     EXPECT_EQ(ToRobotPositionMsg(back).extendedFigure, 0U);
     EXPECT_EQ(back.toolNumber, 0x2345);
     EXPECT_EQ(back.userCoordinateNumber, -2);
+    PositionData odd;
+    odd.figure.upperOrLower = UpperOrLower{3};
+    EXPECT_EQ(UAPIPositionData(odd, false).figure, 0b110U);
+    EXPECT_EQ(ToRobotPositionMsg(odd).figure, 0b10U) << "there a field is one bit";
     UAPIPositionData wire(sample, false);
     wire.toolNumber = -1;
     wire.figure = 0xffffffc1;

@@ -37,6 +37,9 @@ TEST(StatusInfo, AssignedCodeReplacesWordsToo) {
     EXPECT_EQ(Printed(status), "Code (12345): Could not find an error description with that code.");
     status = 834;
     EXPECT_EQ(Printed(status), "Code (834): This file is set to read only");
+    std::ostringstream hexadecimal;
+    hexadecimal << std::hex << StatusInfo{-59959039, "words"};
+    EXPECT_EQ(hexadecimal.str(), "Code (-59959039): words");
 
     std::string message;
     status.GetError(message, 0);

@@ -136,10 +136,13 @@ TEST(ControlGroupId, FromTextAndBack) {
         EXPECT_EQ(valid, isKind) << text;
         EXPECT_EQ(static_cast<int>(group), isKind ? id : 1) << text;
     }
-    bool valid = true;
+    bool valid = false;
     EXPECT_THROW(ControlGroupFromString("Bx", valid), std::invalid_argument);
-    EXPECT_THROW(ControlGroupFromString("S", valid), std::invalid_argument);
+    EXPECT_TRUE(valid);
     EXPECT_THROW(ControlGroupFromString("R99999999999", valid), std::out_of_range);
+    EXPECT_FALSE(valid);
+    EXPECT_THROW(ControlGroupFromString("S", valid), std::invalid_argument);
+    EXPECT_TRUE(valid);
 }
 
 } // namespace
