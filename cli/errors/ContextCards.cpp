@@ -73,7 +73,7 @@ constexpr auto Job = std::to_array<CodeCard>({
     {20992, "Invalid line number.", {"The job has no such line.", "harvlink files cat NAME.JBI; lines 0 to 9999.",
                                      Retry::No}},
     {16448, "Invalid job name.", {"There is no job of this name.",
-                                  "harvlink files list JBI; names count in their case.", Retry::No}},
+                                  "harvlink files list JBI; names in any case.", Retry::No}},
     {65535, "Invalid task number.", {"The controller has no such task.", "0 is the master task.", Retry::No}},
 });
 

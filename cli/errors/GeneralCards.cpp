@@ -61,7 +61,7 @@ constexpr auto Cards = std::to_array<CodeCard>({
     {4012, "", {"The memory for taught positions is full.", "Delete jobs with many positions.", Retry::AfterFix}},
     {4020, "", {"The job is protected against changes.", "The edit lock in the job header.", Retry::AfterFix}},
     {4030, "", {"There is a job of this name.", "Delete it first, or store under another name.", Retry::AfterFix}},
-    {4040, "", {"There is no job of this name.", "harvlink files list JBI; names count in their case.", Retry::No}},
+    {4040, "", {"There is no job of this name.", "harvlink files list JBI; names in any case.", Retry::No}},
     {4060, "", {"No job is selected.", "harvlink job select NAME.", Retry::AfterFix}},
     {4190, "", {"The job name has a character that the controller does not take.",
                 "Upper case letters, digits and '-' always do.", Retry::AfterFix}},

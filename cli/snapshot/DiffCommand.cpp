@@ -33,7 +33,9 @@ constexpr int Trouble = 2;
 constexpr char const* DiffNotes = "Each of the two is the folder of a snapshot or the word live: the controller of\n"
                                   "--host, of which the same is read as the other has. A folder of that name is\n"
                                   "given as ./live.\n"
-                                  "Exit status: 0 the same, 1 different, 2 something could not be compared.";
+                                  "Exit status: 0 the same, 1 different, 2 something could not be compared.\n"
+                                  "With live, opening the connection clears the motion targets of a controller from\n"
+                                  "generation YA up: do not do it while another program moves the arm.";
 
 struct DiffArguments {
     std::string before;

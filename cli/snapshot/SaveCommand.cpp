@@ -26,7 +26,9 @@ constexpr char const* SaveNotes = "The folder is written beside its place and mo
                                   "Ctrl-C it is dropped. What the controller did not give is named, and the exit\n"
                                   "status is 1; if that would replace a snapshot, it goes to FOLDER.incomplete\n"
                                   "instead. Variables, signals, registers and parameters are read from their first\n"
-                                  "number to the first that the controller refuses, parameters to 999 at most.";
+                                  "number to the first that the controller refuses, parameters to 999 at most.\n"
+                                  "Opening the connection clears the motion targets of a controller from generation\n"
+                                  "YA up: do not save while another program moves the arm.";
 
 struct SaveArguments {
     std::string folder;

@@ -1,4 +1,4 @@
-"""Saves all jobs and data files of a controller into a folder. Changes nothing. Usage: back_up.py ADDRESS FOLDER"""
+"""Saves all jobs and data files of a controller into a folder. Asks for no change; connecting clears motion targets. Usage: back_up.py ADDRESS FOLDER"""
 
 import pathlib
 import sys
