@@ -13,8 +13,6 @@ namespace harvlink::fuzz {
 
 using Bytes = std::vector<std::byte>;
 
-inline constexpr std::uint32_t LastBlockFlag = 0x80000000;
-
 /// What comes back for one request: bytes of the input, or what an honest controller says, bent by them.
 struct Answer {
     enum class Kind : std::uint8_t {

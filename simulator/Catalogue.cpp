@@ -91,8 +91,6 @@ constexpr std::size_t Number(Row const& row) {
 
 static_assert(std::ranges::is_sorted(Rows, {}, Number));
 
-constexpr std::size_t CommandLimit = 1024;
-
 /// By command, its first row; the number of rows for a command that isn't there.
 constexpr auto FirstRows = [] {
     std::array<std::uint8_t, CommandLimit> first{};

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "simulator/Refusal.h"
 #include "simulator/Request.h"
 
 namespace harvlink::simulator {
+
+/// Above all numbers of commands.
+inline constexpr std::size_t CommandLimit = 1024;
 
 /// Checks a request of the robot control port against the catalogue of commands: is the command known, do attribute and
 /// service go with it, is the instance in the command's range, has the payload a size that the command can have.

@@ -17,7 +17,7 @@ class ControllerModel;
 /// with the command, a payload of a wrong size. What depends on the model (a group that isn't there, a variable beyond
 /// the last, a wrong mode) is the handler's.
 ///
-/// Handlers run on the server's thread with the controller locked. They don't block and don't allocate per datagram.
+/// Handlers run on the server's thread with the controller locked. They don't block.
 class CommandHandler {
 public:
     CommandHandler() = default;

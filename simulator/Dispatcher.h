@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "simulator/Catalogue.h"
 #include "simulator/CommandHandler.h"
 #include "simulator/model/ControllerModel.h"
 
@@ -21,8 +22,6 @@ public:
     void ForgetTransfers();
 
 private:
-    static constexpr std::size_t CommandLimit = 1024;
-
     void Add(std::unique_ptr<CommandHandler> handler);
     void HandleRobotPort(Request const& request, Reply& reply);
     void HandleFilePort(Request const& request, Reply& reply);

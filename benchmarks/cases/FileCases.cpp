@@ -11,7 +11,6 @@ namespace harvlink::bench {
 namespace {
 
 constexpr std::size_t mebibyte = 1 << 20;
-constexpr std::uint32_t lastBlockFlag = 0x80000000;
 
 using BlockReply = IncomingPacket<std::array<char, FileBlockSize>>;
 
@@ -35,7 +34,7 @@ void BareSave(BareClient& client, std::size_t size, std::string& text) {
     for (;;) {
         text.append(reply.payload.data(), reply.header.payloadSize);
         request.header.blockNumber = reply.header.blockNumber;
-        if ((reply.header.blockNumber & lastBlockFlag) != 0) {
+        if ((reply.header.blockNumber & LastBlockFlag) != 0) {
             client.Send(request.Bytes().first(HeaderSize), Division::FileControl);
             return;
         }

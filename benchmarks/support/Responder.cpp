@@ -24,7 +24,6 @@ namespace {
 
 constexpr std::uint16_t robotPort = 10040;
 constexpr std::uint16_t filePort = 10041;
-constexpr std::uint32_t lastBlockFlag = 0x80000000;
 
 using RequestPacket = OutgoingPacket<std::array<char, FileBlockSize>>;
 using ReplyPacket = IncomingPacket<std::array<char, FileBlockSize>>;
@@ -76,7 +75,7 @@ public:
         std::size_t const length = std::min(FileBlockSize, text.size() - std::min(first, text.size()));
         std::memcpy(reply.payload.data(), text.data() + first, length);
         reply.header.payloadSize = static_cast<std::uint16_t>(length);
-        reply.header.blockNumber = block + (first + length >= text.size() ? lastBlockFlag : 0);
+        reply.header.blockNumber = block + (first + length >= text.size() ? LastBlockFlag : 0);
     }
 
 private:
@@ -131,7 +130,7 @@ private:
         }
         Count(request, descriptor);
         bool const isLastAcknowledgement = request.header.ack == 1 && request.header.payloadSize == 0 &&
-                                           (request.header.blockNumber & lastBlockFlag) != 0;
+                                           (request.header.blockNumber & LastBlockFlag) != 0;
         if (isLastAcknowledgement) {
             return;
         }

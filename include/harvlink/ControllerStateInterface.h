@@ -82,7 +82,7 @@ enum class TimeType : std::int32_t {
     PlaybackStation = 120,
     MovingTotal = 210,
     MovingRobot = 211,
-    MovingStation = 221,
+    MovingStation = 221, ///< not 220, as one would expect
     Application = 300, ///< of the application given by number
 };
 

@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "simulator/Text.h"
+
 namespace harvlink::simulator {
 
 namespace {
@@ -79,12 +81,6 @@ struct Amount {
     double number = 0;
     bool isPercent = false;
 };
-
-std::string_view TrimBlanks(std::string_view text) {
-    auto const first = std::min(text.find_first_not_of(" \t"), text.size());
-    text.remove_prefix(first);
-    return text.substr(0, text.find_last_not_of(" \t") + 1);
-}
 
 std::optional<Amount> ParseAmount(std::string_view text) {
     std::string const digits(text);

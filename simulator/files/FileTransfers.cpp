@@ -9,8 +9,6 @@ namespace harvlink::simulator {
 
 namespace {
 
-constexpr std::uint32_t LastBlockFlag = 0x80000000;
-
 std::string_view TextOf(std::span<std::byte const> bytes) {
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
 }

@@ -4,6 +4,7 @@
 #include "controller/JobMessages.h"
 #include "simulator/CommandHandler.h"
 #include "simulator/files/FileName.h"
+#include "simulator/handlers/Acknowledgement.h"
 #include "simulator/model/ControllerModel.h"
 #include "simulator/model/FixedText.h"
 
@@ -61,7 +62,7 @@ private:
         if (!IsJobName(UpperCase(name))) {
             reply.Refuse(Refusal::NoSuchJob);
         } else if (!reply.RefuseIf(model_.jobs.Select(name, message.line))) {
-            reply.Set(std::uint8_t{0});
+            reply.Set(Written);
         }
     }
 

@@ -2,6 +2,7 @@
 
 #include "motion/MotionMessages.h"
 #include "simulator/CommandHandler.h"
+#include "simulator/handlers/Acknowledgement.h"
 #include "simulator/model/ControllerModel.h"
 #include "simulator/motion/MotionRefusal.h"
 
@@ -21,7 +22,7 @@ public:
         if (request.Command() == MotionTargetProgress) {
             ReadProgress(request.As<TargetControlGroup>(), reply);
         } else if (!reply.RefuseIf(Write(request))) {
-            reply.Set(std::uint8_t{0});
+            reply.Set(Written);
         }
     }
 

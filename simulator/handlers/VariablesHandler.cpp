@@ -10,8 +10,6 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// What a write is answered with: a byte that says nothing.
-
 bool IsCoordinateType(std::uint32_t type) {
     return type == static_cast<std::uint32_t>(CoordinateType::Pulse) ||
            (type >= static_cast<std::uint32_t>(CoordinateType::BaseCoordinate) &&

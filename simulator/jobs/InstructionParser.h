@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "simulator/Refusal.h"
 #include "simulator/jobs/JobProgram.h"

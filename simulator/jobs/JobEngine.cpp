@@ -230,7 +230,7 @@ void JobEngine::ExecuteAssignment(Instruction const& instruction) {
     } else if (instruction.opcode == Opcode::Decrement) {
         value = *old - 1.0;
     }
-    static_cast<void>(WriteOperand(model_, instruction.operand, value));
+    WriteOperand(model_, instruction.operand, value);
     GoOn();
 }
 

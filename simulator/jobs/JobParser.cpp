@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/Text.h"
 #include "simulator/files/FileName.h"
 #include "simulator/jobs/InstructionParser.h"
 
@@ -14,13 +15,6 @@ namespace {
 
 constexpr std::string_view LineEnd = "\r\n";
 constexpr std::string_view NamePrefix = "//NAME ";
-
-std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view Blanks = " \t";
-    auto const start = std::min(text.find_first_not_of(Blanks), text.size());
-    text.remove_prefix(start);
-    return text.substr(0, text.find_last_not_of(Blanks) + 1);
-}
 
 /// Takes the lines of a job one by one.
 class Parser {
@@ -48,7 +42,7 @@ private:
         if (end == std::string_view::npos) {
             return false;
         }
-        line_ = Trimmed(rest_.substr(0, end));
+        line_ = TrimBlanks(rest_.substr(0, end));
         rest_.remove_prefix(end + LineEnd.size());
         ++result_.fileLine;
         return true;
@@ -74,7 +68,7 @@ private:
         if (!line_.starts_with('/')) {
             return JobRefusal::NoNopOrEnd;
         }
-        return line_.starts_with(NamePrefix) ? TakeName(Trimmed(line_.substr(NamePrefix.size()))) : Refusal::None;
+        return line_.starts_with(NamePrefix) ? TakeName(TrimBlanks(line_.substr(NamePrefix.size()))) : Refusal::None;
     }
 
     Refusal TakeName(std::string_view name) {
@@ -138,7 +132,7 @@ private:
     }
 
     Refusal Finish() {
-        if (section_ != Section::Closed || !Trimmed(rest_).empty()) {
+        if (section_ != Section::Closed || !TrimBlanks(rest_).empty()) {
             result_.fileLine = 0;
             return JobRefusal::NoNopOrEnd;
         }

@@ -29,16 +29,15 @@ std::optional<double> ReadVariable(std::vector<Number> const& variables, std::ui
 }
 
 template <typename Number>
-bool WriteVariable(std::vector<Number>& variables, std::uint32_t index, double value) {
+void WriteVariable(std::vector<Number>& variables, std::uint32_t index, double value) {
     if (index >= variables.size()) {
-        return false;
+        return;
     }
     if constexpr (std::is_integral_v<Number>) {
         variables[index] = static_cast<Number>(static_cast<std::int64_t>(value));
     } else {
         variables[index] = static_cast<Number>(value);
     }
-    return true;
 }
 
 } // namespace
@@ -64,7 +63,7 @@ std::optional<double> ReadOperand(ControllerModel const& model, Operand const& o
     return state ? std::optional(*state ? 1.0 : 0.0) : std::nullopt;
 }
 
-bool WriteOperand(ControllerModel& model, Operand const& operand, double value) {
+void WriteOperand(ControllerModel& model, Operand const& operand, double value) {
     switch (operand.kind) {
     case OperandKind::Byte:
         return WriteVariable(model.variables.bytes, operand.number, value);
@@ -78,10 +77,11 @@ bool WriteOperand(ControllerModel& model, Operand const& operand, double value) 
     case OperandKind::Output:
         break;
     case OperandKind::None:
-        return false;
+        return;
     }
-    auto const address = SignalAddress(model.signals, operand);
-    return address && model.signals.Write(*address, value != 0.0);
+    if (auto const address = SignalAddress(model.signals, operand)) {
+        model.signals.Write(*address, value != 0.0);
+    }
 }
 
 } // namespace harvlink::simulator

@@ -1,7 +1,5 @@
 #include "simulator/model/Alarms.h"
 
-#include <algorithm>
-
 #include "simulator/model/FixedText.h"
 
 namespace harvlink::simulator {

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
 
 #include "simulator/Clock.h"
 #include "simulator/Refusal.h"

@@ -14,7 +14,6 @@ public:
 
     double Length() const { return length_; }
     double Duration() const { return rampUp_ + cruise_ + rampDown_; }
-    double PeakSpeed() const { return peak_; }
 
     /// From 0 to Length, which it is exactly at Duration and later.
     double DistanceAt(double seconds) const;

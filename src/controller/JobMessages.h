@@ -36,6 +36,7 @@ struct JobStackReturnData {
     std::array<std::array<char, 33>, 12> jobNames{};
 };
 static_assert(sizeof(JobStackReturnData) == 400);
+static_assert(offsetof(JobStackReturnData, padding) == 1);
 static_assert(offsetof(JobStackReturnData, jobNames) == 4);
 
 } // namespace JobStructs

@@ -1,6 +1,7 @@
 #include "controller/StatusImplementation.h"
 
 #include "controller/StatusMessages.h"
+#include "wire/HelperFunction.h"
 #include "wire/SystemInfoMessage.h"
 #include "wire/SystemParameterMessage.h"
 
@@ -37,7 +38,6 @@ struct TimeCounter {
     std::uint16_t base;
 };
 
-// The station counter of the moving time is 221 where 220 would be expected: the number is intended.
 constexpr TimeCounter timeCounters[] = {
     {TimeType::ControlPower, TimeCounter::Of::Everything, 1},
     {TimeType::ServoPowerTotal, TimeCounter::Of::Everything, 10},
@@ -163,9 +163,7 @@ StatusInfo StatusImplementation::ReadOperatingTimes(ControlGroupId group, TimeTy
 
 StatusInfo StatusImplementation::ReadSystemParam(SystemParameterType type, int number, int group, int& value) {
     value = 0;
-    // Compared unsigned, on purpose: an unknown generation counts as new here.
-    if (static_cast<std::uint32_t>(networkManager->controllerVersion) <=
-        static_cast<std::uint32_t>(ControllerVersion::VersionFS)) {
+    if (!HelperFunction::CheckUAPICompatible(networkManager->controllerVersion)) {
         return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
     }
     SytemParamMsgOut const request{static_cast<std::uint32_t>(type), static_cast<std::uint32_t>(group),

@@ -75,7 +75,6 @@ private:
     NetworkManager* networkManager;
     HSEContextualStatusInfoHandler<FileErrorHandling::FileErrors> errorHandler{&FileErrorTable};
 
-    static constexpr std::uint32_t lastBlockFlag = 0x80000000;
     static constexpr std::uint32_t streamErrorBase = 0x40000000;
     static constexpr std::uint32_t jobCheckAttempts = 5;
 };

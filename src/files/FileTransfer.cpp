@@ -41,7 +41,7 @@ StatusInfo FileHandler::ReceiveBlocks(FileRequest& request, FileReply& reply, Te
     request.header.ack = 1;
     request.header.payloadSize = 0;
     StatusInfo status;
-    while (status.StatusCode == 0 && (reply.header.blockNumber & lastBlockFlag) == 0) {
+    while (status.StatusCode == 0 && (reply.header.blockNumber & LastBlockFlag) == 0) {
         request.header.blockNumber = reply.header.blockNumber;
         reply.payload = {};
         status = networkManager->SendAndReceive(request, reply, reply.header.requestId, true);
@@ -63,7 +63,7 @@ StatusInfo FileHandler::SendTheBuffer(std::string const& fileName, std::vector<F
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         bool const isLast = i + 1 == blocks.size();
         blocks[i].header.ack = 1;
-        blocks[i].header.blockNumber = static_cast<std::uint32_t>(i + 1) + (isLast ? lastBlockFlag : 0);
+        blocks[i].header.blockNumber = static_cast<std::uint32_t>(i + 1) + (isLast ? LastBlockFlag : 0);
         status = networkManager->SendAndReceive(blocks[i], reply, reply.header.requestId, true);
         if (status.StatusCode != 0) {
             if (status.StatusCode == fileNotWritable) {

@@ -2,6 +2,7 @@
 
 #include "io/IOImplementation.h"
 #include "status/ErrorTables.h"
+#include "wire/HelperFunction.h"
 
 // Which addresses exist, and by which road they are written.
 
@@ -54,9 +55,7 @@ WriteRoad IOImplementation::CheckAddressWriteable(unsigned int address, StatusIn
         status = StatusInformation(ErrorStatusCodes::Ok);
         return WriteRoad::Older;
     }
-    // Compared unsigned: an unknown generation counts as new here.
-    if (static_cast<std::uint32_t>(networkManager->controllerVersion) <=
-        static_cast<std::uint32_t>(ControllerVersion::VersionFS)) {
+    if (!HelperFunction::CheckUAPICompatible(networkManager->controllerVersion)) {
         status = Failed(IOError::InvalidAddress);
         return WriteRoad::Refused;
     }

@@ -31,6 +31,8 @@ struct SpeedStruct {
     std::int32_t angularSpeed = 0;
 };
 static_assert(sizeof(SpeedStruct) == 12);
+static_assert(offsetof(SpeedStruct, linearSpeed) == 4);
+static_assert(offsetof(SpeedStruct, angularSpeed) == 8);
 
 /// Destination of one group; also the form in which the queue holds it.
 struct Target {

@@ -16,7 +16,7 @@ bool IsSameConfiguration(Figure const& a, Figure const& b) {
 }
 
 bool IsRatioInRange(double ratio) {
-    return !(ratio < 20.0 || ratio > 100.0);
+    return !(ratio < TargetProfile::minimumRatio || ratio > TargetProfile::maximumRatio);
 }
 
 SpeedStruct WireSpeed(double speed, MoveInterpolationType type) {

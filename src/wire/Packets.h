@@ -20,6 +20,9 @@ static_assert(std::endian::native == std::endian::little,
 
 enum class Division : std::uint8_t { RobotControl = 1, FileControl = 2 };
 
+/// Goes with the number of the block that ends a file.
+inline constexpr std::uint32_t LastBlockFlag = 0x80000000;
+
 /// Bytes 0 to 23 of every datagram, both ways.
 struct CommonHeader {
     std::array<char, 4> magic{'T', 'R', 'O', 'Z'};
@@ -78,7 +81,9 @@ struct SubHeaderForReceiving {
 static_assert(sizeof(SubHeaderForReceiving) == 8);
 static_assert(offsetof(SubHeaderForReceiving, status) == 1);
 static_assert(offsetof(SubHeaderForReceiving, addedStatusSize) == 2);
+static_assert(offsetof(SubHeaderForReceiving, padding) == 3);
 static_assert(offsetof(SubHeaderForReceiving, addedStatus) == 4);
+static_assert(offsetof(SubHeaderForReceiving, padding2) == 6);
 
 inline constexpr std::size_t HeaderSize = sizeof(CommonHeader) + sizeof(SubHeaderForSending);
 inline constexpr std::size_t FileBlockSize = 479;

@@ -1,7 +1,5 @@
 #include "connection/SystemFileParser.h"
 
-#include <ctime>
-
 #include <gtest/gtest.h>
 
 namespace harvlink::test {
