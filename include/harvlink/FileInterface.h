@@ -38,10 +38,11 @@ public:
     /// a name above 32 characters InvalidJobNameLength. Not atomic: a failed load may leave a part on the controller.
     virtual StatusInfo LoadToControllerFromString(std::string const& fileName, std::string const& contents) = 0;
 
-    /// The same with a file of this computer, named on the controller as it is named here. FileNotFoundOnPc if there is no
-    /// such file, 0x40000000 + error value if it can't be read. The job name must lie in the first 151 characters. After
-    /// a job the controller's list is looked at up to 5 times, 100 ms apart; if the job is not in it the code stays 0 and
-    /// the message says "Check for loaded job timed out. Job might not be on the controller.".
+    /// The same with a file of this computer, named on the controller as it is named here. FileNotFoundOnPc if there is
+    /// no such file, 0x40000000 + error value if it can't be read or is a pipe or device. The job name must lie in the
+    /// first 151 characters. After a job the controller's list is looked at up to 5 times, 100 ms apart; if the job is
+    /// not in it the code stays 0 and the message says "Check for loaded job timed out. Job might not be on the
+    /// controller.".
     virtual StatusInfo LoadToControllerFromPath(std::string const& path) = 0;
 
     /// Fetches a file and writes it to `path`. Without `overwrite` an existing path gives FileExistsNoOverwrite. Nothing is

@@ -90,15 +90,17 @@ StatusInfo FileHandler::LoadToControllerFromPath(std::string const& path) {
 
 StatusInfo FileHandler::ReadDiskFile(std::string const& path, std::vector<FileBlock>& blocks) const {
     std::error_code ignored;
-    std::uintmax_t const size = std::filesystem::file_size(path, ignored);
-    if (!ignored) {
-        blocks.reserve(size / FileBlockSize + 1);
+    std::ifstream stream;
+    // A pipe or a device may keep its reader waiting for ever, or never end.
+    if (std::filesystem::is_regular_file(path, ignored)) {
+        stream.open(path, std::ios::binary);
     }
-    std::ifstream stream(path, std::ios::binary);
-    if (stream) {
+    if (stream.is_open()) {
+        std::uintmax_t const size = std::filesystem::file_size(path, ignored);
+        blocks.reserve(ignored ? 0 : size / FileBlockSize + 1);
         ReadFileIntoBuffer(stream, blocks);
     }
-    // End of file is how a stream that was read whole ends. A folder opens, and fails to be read.
+    // End of file is how a stream that was read whole ends.
     return stream.eof() ? Ok() : GetIfStreamError(std::ios_base::failure("read"));
 }
 

@@ -1,5 +1,7 @@
 #include <chrono>
 
+#include <sys/stat.h>
+
 #include "files/FileSession.h"
 
 namespace harvlink::test {
@@ -72,6 +74,8 @@ TEST_F(FileOperations, LoadsAreCheckedBeforeAnythingIsSent) {
         EXPECT_EQ(files.LoadToControllerFromPath("./" + example.name).StatusCode, example.fromPath) << example.name;
     }
     EXPECT_EQ(files.LoadToControllerFromString("abc.sys", "").Message, "This API is unable to write .SYS files.");
+    ASSERT_EQ(::mkfifo("PIPE.DAT", 0600), 0);
+    EXPECT_EQ(files.LoadToControllerFromPath("PIPE.DAT").StatusCode, 0x40000001) << "nobody waits for its writer";
     EXPECT_EQ(files.LoadToControllerFromPath("./none/A.DAT").Message, "Unable to find file on pc.");
     StatusInfo const folderRead = files.LoadToControllerFromPath("FOLDER.DAT");
     EXPECT_EQ(folderRead.StatusCode, 0x40000001);
