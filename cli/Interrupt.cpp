@@ -48,6 +48,16 @@ Interrupt::~Interrupt() {
     }
 }
 
+BrokenPipesIgnored::BrokenPipesIgnored() {
+    struct sigaction ignored {};
+    ignored.sa_handler = SIG_IGN;
+    sigaction(SIGPIPE, &ignored, &previous_);
+}
+
+BrokenPipesIgnored::~BrokenPipesIgnored() {
+    sigaction(SIGPIPE, &previous_, nullptr);
+}
+
 int Interrupt::Descriptor() const {
     return wakePipe[0];
 }

@@ -6,8 +6,8 @@
 
 namespace harvlink::cli {
 
-/// While it lives, the first Ctrl-C, SIGTERM or hang-up is kept for the program to act on, and a second one ends the process.
-/// One at a time.
+/// While it lives, the first Ctrl-C, Ctrl-\, SIGTERM or hang-up is kept for the program to act on, and a second one ends the
+/// process. One at a time.
 class Interrupt {
 public:
     Interrupt();
@@ -22,8 +22,20 @@ public:
     int Descriptor() const;
 
 private:
-    static constexpr std::array<int, 3> Signals{SIGINT, SIGTERM, SIGHUP};
+    static constexpr std::array<int, 4> Signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
     std::array<struct sigaction, Signals.size()> previous_{};
+};
+
+/// While it lives, output that nobody reads any more does not end the process.
+class BrokenPipesIgnored {
+public:
+    BrokenPipesIgnored();
+    BrokenPipesIgnored(BrokenPipesIgnored const&) = delete;
+    BrokenPipesIgnored& operator=(BrokenPipesIgnored const&) = delete;
+    ~BrokenPipesIgnored();
+
+private:
+    struct sigaction previous_ {};
 };
 
 } // namespace harvlink::cli

@@ -125,7 +125,7 @@ void AddStop(CLI::App& parent, Session& session, char const* description) {
     SetExamples(*verb, {"motion stop", "stop"});
     verb->callback([keep, &session] {
         session.OnConnection([keep](QuorvanController& robot, Output& output) {
-            return output.Done(robot.MotionManager->MotionStop(!*keep));
+            return output.Done(StopMotion(*robot.MotionManager, !*keep));
         });
     });
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -22,6 +23,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds PollInterval{50};
+constexpr int MostStops = 3;
 constexpr int BarWidth = 20;
 constexpr std::size_t LongestLine = 79;
 constexpr char const* EraseProgress = "\r\x1b[K";
@@ -60,18 +62,25 @@ public:
 
     StatusInfo Run() {
         Interrupt const interrupt;
+        BrokenPipesIgnored const outputMayBeGone;
         StatusInfo status = ReadPosition();
         start_ = Clock::now();
         PathProgress progress(path_.readType, position_.axes, path_.points, path_.isEndComparable, start_);
         if (status.StatusCode == 0) {
-            status = QueueAndStart();
+            status = QueueAndStart(interrupt);
         }
         if (status.StatusCode == 0) {
             status = Follow(interrupt, progress);
         }
         if (status.StatusCode != 0) {
-            TellPlace();
-            Abandon();
+            // The machine first: who reads what is told may be slow, or gone.
+            StatusInfo const stopped = Abandon();
+            TellTrouble();
+            if (stopped.StatusCode != 0) {
+                output_.Failure(stopped, "the machine may still move, its stop failed");
+            }
+        } else {
+            EndBar();
         }
         return status;
     }
@@ -95,13 +104,17 @@ private:
             static_cast<unsigned char>(path_.isEndComparable ? wanted.toolNumber : 0), position_);
     }
 
-    StatusInfo QueueAndStart() {
+    StatusInfo QueueAndStart(Interrupt const& interrupt) {
         for (std::size_t i = 0; i < trajectory_.size(); ++i) {
             StatusInfo status = robot_.MotionManager->AddPointToTrajectory(trajectory_[i]);
             if (status.StatusCode != 0) {
-                output_.Problem(fmt::format("point {} was refused, nothing was moved", i + 1));
+                troubles_.push_back(fmt::format("point {} was refused, nothing was moved", i + 1));
                 return status;
             }
+        }
+        if (interrupt.Wait(std::chrono::milliseconds(0))) {
+            troubles_.emplace_back("interrupted before the start, nothing was moved");
+            return StatusInformation(ErrorStatusCodes::OperationInterrupted);
         }
         StatusInfo status = robot_.MotionManager->MotionStart();
         isStarted_ = status.StatusCode == 0;
@@ -111,8 +124,7 @@ private:
     StatusInfo Follow(Interrupt const& interrupt, PathProgress& progress) {
         while (true) {
             if (interrupt.Wait(PollInterval)) {
-                EndBar();
-                output_.Problem("interrupted: stopping the motion and clearing the queue");
+                troubles_.emplace_back("interrupted: stopping the motion and clearing the queue");
                 return StatusInformation(ErrorStatusCodes::OperationInterrupted);
             }
             StatusInfo status = LookForTrouble();
@@ -121,18 +133,15 @@ private:
                 status = ReadPosition();
             }
             if (status.StatusCode != 0) {
-                EndBar();
                 return status;
             }
             PathProgress::State const state = progress.Sample(position_.axes, Clock::now());
             ShowBar(progress.Fraction());
             if (state == PathProgress::State::Arrived) {
-                EndBar();
                 return {};
             }
             if (state == PathProgress::State::Stopped && !isHeld_) {
-                EndBar();
-                output_.Problem("the machine stands still before the last point");
+                troubles_.emplace_back("the machine stands still before the last point");
                 return StatusInformation(ErrorStatusCodes::OperationInterrupted);
             }
         }
@@ -146,20 +155,19 @@ private:
         if (status.StatusCode != 0 || (!state.isAlarming && !state.isErroring && state.isServoOn)) {
             return status;
         }
-        EndBar();
         ActiveAlarms alarms;
         status = robot_.Faults->GetActiveAlarms(alarms);
         bool hasAlarm = false;
         for (AlarmData const& alarm : alarms.alarms) {
             if (alarm.code != 0) {
                 hasAlarm = true;
-                output_.Problem(
+                troubles_.push_back(
                     fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(TrimField(alarm.name))));
             }
         }
         // An alarm takes servo power with it.
         if (!state.isServoOn && !hasAlarm) {
-            output_.Problem("servo power is off");
+            troubles_.emplace_back("servo power is off");
         }
         return StatusInformation(ErrorStatusCodes::OperationInterrupted);
     }
@@ -171,6 +179,14 @@ private:
         if (status.StatusCode == 0 && reached >= 0.0) {
             reached_ = std::max(reached_, std::min(reached, static_cast<double>(trajectory_.size())));
         }
+    }
+
+    void TellTrouble() {
+        EndBar();
+        for (std::string const& trouble : troubles_) {
+            output_.Problem(trouble);
+        }
+        TellPlace();
     }
 
     // The controller counts each group's own points, so that with several groups the count is that of no one point. It
@@ -188,14 +204,12 @@ private:
     }
 
     // Clearing empties the library's queue even if the controller no longer answers.
-    void Abandon() {
-        StatusInfo const stopped = isStarted_ ? robot_.MotionManager->MotionStop(true) : StatusInfo{};
-        if (stopped.StatusCode != 0) {
-            output_.Failure(stopped, "the machine may still move, its stop failed");
-        }
+    StatusInfo Abandon() {
+        StatusInfo stopped = isStarted_ ? StopMotion(*robot_.MotionManager, true) : StatusInfo{};
         if (!isStarted_ || stopped.StatusCode != 0) {
             robot_.MotionManager->ClearAllTrajectory();
         }
+        return stopped;
     }
 
     void ShowBar(double fraction) {
@@ -232,6 +246,7 @@ private:
     FollowedPath path_;
     PositionData position_;
     Clock::time_point start_;
+    std::vector<std::string> troubles_;
     double reached_ = 0.0; // points, with the part of the way to the next
     bool isStarted_ = false;
     bool isHeld_ = false;
@@ -245,6 +260,17 @@ StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory co
     StatusInfo status = runner.Run();
     if (status.StatusCode == 0) {
         runner.ShowResult();
+    }
+    return status;
+}
+
+StatusInfo StopMotion(MotionManagerInterface& manager, bool clears) {
+    StatusInfo status;
+    for (int i = 0; i < MostStops; ++i) {
+        status = manager.MotionStop(clears);
+        if (status.StatusCode != static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+            break;
+        }
     }
     return status;
 }

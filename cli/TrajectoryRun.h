@@ -2,6 +2,7 @@
 
 #include "Output.h"
 #include "TrajectoryFile.h"
+#include "harvlink/MotionManagerInterface.h"
 #include "harvlink/QuorvanController.h"
 #include "harvlink/StatusInfo.h"
 
@@ -11,5 +12,8 @@ namespace harvlink::cli {
 /// However it ends, the queue is empty afterwards, so that closing the connection does not wait. On Ctrl-C the motion is
 /// stopped and the queue cleared; a second Ctrl-C ends the process.
 StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory const& trajectory);
+
+/// Stops the motion, and asks again for it while nothing is answered: a stop that gets lost must not be the end of it.
+StatusInfo StopMotion(MotionManagerInterface& manager, bool clears);
 
 } // namespace harvlink::cli
