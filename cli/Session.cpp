@@ -9,6 +9,8 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <termios.h>
+#include <unistd.h>
 
 #include "CommandLine.h"
 #include "InputError.h"
@@ -24,8 +26,9 @@ void CheckGeneration(QuorvanController& robot, std::string const& wanted) {
     SystemInfoData data;
     StatusInfo const status = robot.Status->ReadSystemInformation(SystemInfoId::Robot1, data);
     if (status.StatusCode != 0 || !data.softwareVersion.starts_with(wanted)) {
-        throw std::runtime_error(fmt::format("the controller is no {} but says '{}'; nothing was asked of it", wanted,
-                                             Printable(TrimField(data.softwareVersion))));
+        throw std::runtime_error(
+            fmt::format("the controller is no {} but says '{}'; beyond the connection nothing was asked of it", wanted,
+                        Printable(TrimField(data.softwareVersion))));
     }
 }
 
@@ -66,6 +69,8 @@ int Session::Confirm(std::string const& consequence) {
     if (!console.inputIsTerminal || !console.errorIsTerminal) {
         throw InputError(fmt::format("{}; give --yes to confirm it", consequence));
     }
+    // An answer is one only to a question that was read.
+    tcflush(STDIN_FILENO, TCIFLUSH);
     console.err << fmt::format("{}. Go on? [y/N] ", consequence) << std::flush;
     std::string answer;
     std::getline(console.in, answer);
