@@ -59,19 +59,21 @@ void ShowSaved(Output& output, Snapshot const& snapshot, filesystem::path const&
 
 StatusInfo Save(QuorvanController& robot, std::string const& host, Output& output, SaveArguments const& arguments) {
     filesystem::path place = CheckTarget(arguments.folder, arguments.force);
-    ScratchFolder const scratch(place.parent_path());
+    ScratchFolder scratch(place.parent_path());
     Snapshot const snapshot = Capture(robot, host, arguments.selection, output, scratch.Path() / "transfer");
     ShowMissing(output, snapshot);
     if (WasInterrupted(snapshot) || snapshot.IsEmpty()) {
         output.Problem("nothing was written");
         return {};
     }
-    if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {
-        place = CheckTarget(IncompletePlace(place), true);
-    }
     filesystem::path const finished = scratch.Path() / "finished";
     filesystem::create_directory(finished);
     Write(snapshot, finished);
+    // Something may have come there meanwhile.
+    place = CheckTarget(place, arguments.force);
+    if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {
+        place = CheckTarget(IncompletePlace(place), true);
+    }
     MoveInto(finished, place, scratch);
     ShowSaved(output, snapshot, place);
     return {};

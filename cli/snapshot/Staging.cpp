@@ -23,8 +23,10 @@ ScratchFolder::ScratchFolder(filesystem::path const& parent) {
 }
 
 ScratchFolder::~ScratchFolder() {
-    std::error_code ignored;
-    filesystem::remove_all(path_, ignored);
+    if (!isKept_) {
+        std::error_code ignored;
+        filesystem::remove_all(path_, ignored);
+    }
 }
 
 filesystem::path CheckTarget(filesystem::path const& target, bool force) {
@@ -58,7 +60,7 @@ filesystem::path CheckTarget(filesystem::path const& target, bool force) {
     return place;
 }
 
-void MoveInto(filesystem::path const& finished, filesystem::path const& target, ScratchFolder const& scratch) {
+void MoveInto(filesystem::path const& finished, filesystem::path const& target, ScratchFolder& scratch) {
     filesystem::path const former = scratch.Path() / "former";
     bool const isReplaced = filesystem::exists(target);
     if (isReplaced) {
@@ -66,8 +68,13 @@ void MoveInto(filesystem::path const& finished, filesystem::path const& target, 
     }
     std::error_code error;
     filesystem::rename(finished, target, error);
+    std::error_code kept;
     if (error && isReplaced) {
-        filesystem::rename(former, target);
+        filesystem::rename(former, target, kept);
+    }
+    if (kept) {
+        scratch.Keep();
+        throw filesystem::filesystem_error("the former snapshot is kept beside its place", former, kept);
     }
     if (error) {
         throw filesystem::filesystem_error("the snapshot can't be moved to its place", target, error);
