@@ -1,5 +1,6 @@
 #include "simulator/program/Arguments.h"
 
+#include <arpa/inet.h>
 #include <fmt/format.h>
 
 #include "simulator/model/ControlGroups.h"
@@ -22,7 +23,8 @@ std::string CheckGeneration(std::string const& text) {
 }
 
 std::string CheckAddress(std::string const& text) {
-    return CLI::ValidIPV4(text).empty() ? "" : "'" + text + "' is no IPv4 address such as 127.0.0.1";
+    in_addr address{};
+    return inet_pton(AF_INET, text.c_str(), &address) == 1 ? "" : "'" + text + "' is no IPv4 address such as 127.0.0.1";
 }
 
 std::string CheckTimeScale(std::string const& text) {

@@ -8,8 +8,10 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <unistd.h>
 
 #include "harvlink/Version.h"
 #include "simulator/Server.h"
@@ -23,6 +25,15 @@ namespace {
 using namespace harvlink::simulator;
 
 constexpr int WrongUsage = 2;
+
+/// What is opened later must not take the place of a closed standard stream, or output would go into it.
+void OccupyStandardStreams() {
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            open("/dev/null", O_RDONLY); // the lowest free number, where writing fails as before
+        }
+    }
+}
 
 /// Blocks the signals that end the program. Before the server's thread starts, so that it inherits the mask and the
 /// signal comes to AwaitEnd.
@@ -93,6 +104,10 @@ int Serve(Arguments const& arguments) {
     std::fflush(stdout);
     AwaitEnd(signals);
     server.Stop();
+    if (recording && !recording->IsWhole()) {
+        fmt::print(stderr, "harvlink-sim: not all could be written to {}\n", *arguments.pcap);
+        return 1;
+    }
     if (arguments.report && !WriteTrafficReport(*arguments.report, controllers)) {
         fmt::print(stderr, "harvlink-sim: can't write {}: {}\n", *arguments.report, std::strerror(errno));
         return 1;
@@ -103,6 +118,7 @@ int Serve(Arguments const& arguments) {
 } // namespace
 
 int main(int argc, char** argv) {
+    OccupyStandardStreams();
     CLI::App app("A virtual robot controller: answers on UDP ports 10040 and 10041 like a real one.", "harvlink-sim");
     app.set_version_flag("--version", "harvlink-sim " + std::string(harvlink::HeaderVersion));
     ArgumentParser parser(app);

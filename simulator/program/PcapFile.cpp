@@ -70,7 +70,9 @@ PcapFile::PcapFile(std::string const& path) : file_(path, std::ios::binary) {
         throw std::system_error(errno, std::generic_category(), path);
     }
     Put(file_, FileHeader{});
-    file_.flush();
+    if (!file_.flush()) {
+        throw std::system_error(errno, std::generic_category(), path);
+    }
 }
 
 void PcapFile::Write(sockaddr_in const& from, sockaddr_in const& to, std::span<std::byte const> datagram) {

@@ -18,6 +18,9 @@ public:
 
     void Write(sockaddr_in const& from, sockaddr_in const& to, std::span<std::byte const> datagram);
 
+    /// Whether all could be written so far.
+    bool IsWhole() const { return file_.good(); }
+
 private:
     std::ofstream file_;
 };
