@@ -2,6 +2,7 @@
 
 import ctypes
 import dataclasses
+import math
 import sys
 import time
 from typing import NoReturn, Optional, Sequence
@@ -54,6 +55,9 @@ def _ratio(value: Optional[float]) -> float:
 
 def _record(motion: Motion) -> _records.CircularMotion:
     """Always with the place of a mid-point: the library reads it there for a circle, whether it exists or not."""
+    numbers = (motion.speed, motion.acceleration or 0, motion.deceleration or 0, *motion.position.axes, *(motion.via or ()))
+    if not all(map(math.isfinite, numbers)):
+        raise ValueError("speed, ratios and axes of a motion must be finite numbers")
     plain = _records.Motion(
         group_number(motion.group),
         motion.speed,
