@@ -90,10 +90,7 @@ int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* ar
     return session.Run();
 }
 
-} // namespace
-
-int RunCommandLine(int argc, char const* const* argv, Console& console) {
-    Output output(console);
+int Run(int argc, char const* const* argv, Console& console, Output& output) {
     Session session(output);
     CLI::App app("Reads from and commands a robot controller over Ethernet.", "harvlink");
     UseHelpFormat(app);
@@ -114,6 +111,18 @@ int RunCommandLine(int argc, char const* const* argv, Console& console) {
         output.Problem(error.what());
         return ExitStatus::Failure;
     }
+}
+
+} // namespace
+
+int RunCommandLine(int argc, char const* const* argv, Console& console) {
+    Output output(console);
+    int const exit = Run(argc, argv, console, output);
+    if (!console.out.flush()) {
+        output.Problem("the output can't be written");
+        return exit == ExitStatus::Success ? ExitStatus::Failure : exit;
+    }
+    return exit;
 }
 
 } // namespace harvlink::cli

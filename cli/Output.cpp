@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <ostream>
 #include <sstream>
+#include <stdexcept>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
@@ -39,6 +40,10 @@ void Output::Show(Json const& document) {
 
 void Output::ShowEvent(Json const& event, std::string_view text) {
     console_.out << (json ? Dump(event, -1) : std::string(text)) << '\n' << std::flush;
+    // Events go on until somebody ends them, for whom this is the end.
+    if (!console_.out) {
+        throw std::runtime_error("nobody takes the output any more");
+    }
 }
 
 StatusInfo Output::Done(StatusInfo status) {

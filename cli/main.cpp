@@ -1,10 +1,25 @@
 #include <iostream>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "CommandLine.h"
 
+namespace {
+
+/// What is opened later must not take the place of a closed standard stream, or output would go into it.
+void OccupyStandardStreams() {
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            open("/dev/null", O_RDONLY); // the lowest free number, where writing fails as before
+        }
+    }
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
+    OccupyStandardStreams();
     harvlink::cli::Console console{.in = std::cin,
                                    .out = std::cout,
                                    .err = std::cerr,

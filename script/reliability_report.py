@@ -72,8 +72,9 @@ def update(figures):
             figures[kind] = measured(report, read)
         else:
             print(f"{kind}: not run, its figures stay as they are", file=sys.stderr)
+    page = TABLE.sub(lambda _: render(figures), PAGE.read_text())
     FIGURES.write_text(json.dumps(figures, indent=2) + "\n")
-    PAGE.write_text(TABLE.sub(lambda _: render(figures), PAGE.read_text()))
+    PAGE.write_text(page)
 
 
 def share(part):

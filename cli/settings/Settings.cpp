@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <CLI/CLI.hpp>
+#include <arpa/inet.h>
 #include <fmt/format.h>
 #include <toml++/toml.h>
 
@@ -23,7 +24,8 @@ constexpr unsigned MostRetries = 1'000;
 constexpr char const* FileVariable = "HARVLINK_CONFIG";
 
 void CheckHost(std::string const& text) {
-    if (!CLI::ValidIPV4(text).empty()) {
+    in_addr address{};
+    if (inet_pton(AF_INET, text.c_str(), &address) != 1) {
         throw InputError(fmt::format("'{}' is no IPv4 address such as 192.168.255.1", text));
     }
 }

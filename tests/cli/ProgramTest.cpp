@@ -2,6 +2,8 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <ostream>
+#include <sstream>
 #include <string>
 
 #include <fmt/format.h>
@@ -9,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "CommandLine.h"
 #include "Output.h"
 #include "ToolTest.h"
 #include "support/ScratchFolder.h"
@@ -22,12 +25,20 @@ using test::ScratchFolder;
 /// The program itself, in a process of its own.
 class Child {
 public:
-    explicit Child(std::string const& line) {
+    enum class Errors : std::uint8_t { Shown, Unread };
+
+    explicit Child(std::string const& line, Errors errors = Errors::Shown) {
         std::array<int, 2> ends{};
         EXPECT_EQ(::pipe(ends.data()), 0);
         pid_ = ::fork();
         if (pid_ == 0) {
             ::dup2(ends[1], STDOUT_FILENO);
+            std::array<int, 2> nobody{};
+            if (errors == Errors::Unread && ::pipe(nobody.data()) == 0) {
+                ::dup2(nobody[1], STDERR_FILENO);
+                ::close(nobody[0]);
+                ::close(nobody[1]);
+            }
             ::close(ends[0]);
             ::close(ends[1]);
             Arguments arguments = Words("harvlink " + line);
@@ -222,14 +233,26 @@ TEST_F(ProgramTest, RunsATrajectoryToItsEnd) {
     EXPECT_NEAR(document["axes"]["z"].get<double>(), 1050.0, 0.01);
 }
 
-TEST_F(ProgramTest, StopsTheMachineOnCtrlC) {
+TEST_F(ProgramTest, StopsTheMachineOnCtrlCThoughNobodyReadsWhatItSays) {
     ScratchFolder const folder;
     test::WriteFile("slow.csv", fmt::format(Square, 1));
     ASSERT_EQ(RunTool("servo on --yes").exit, 0);
-    Child const child("trajectory run slow.csv --yes");
+    Child const child("trajectory run slow.csv --yes", Child::Errors::Unread);
     ASSERT_EQ(target_.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
     EXPECT_EQ(child.EndBy(SIGINT), 1);
     EXPECT_FALSE(With([](ControllerModel& model) { return model.motion.IsRunning(); }));
+}
+
+TEST(Program, FailsIfItsOutputIsLost) {
+    for (char const* const line : {"config", "--help"}) {
+        std::array<char const*, 2> const argv{"harvlink", line};
+        std::istringstream in;
+        std::ostream lost(nullptr);
+        std::ostringstream err;
+        Console console{in, lost, err, false, false, false};
+        EXPECT_EQ(RunCommandLine(2, argv.data(), console), 1) << line;
+        EXPECT_NE(err.str().find("the output can't be written"), std::string::npos) << err.str();
+    }
 }
 
 TEST_F(ProgramTest, TellsWhyATrajectoryWasRefused) {

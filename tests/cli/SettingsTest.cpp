@@ -64,8 +64,9 @@ TEST_F(SettingsTest, NameTheSourceOfABadValue) {
         char const* options;
         char const* problem;
     };
-    std::array<Case, 10> const cases{{
+    std::array<Case, 11> const cases{{
         {"host = \"1.2.3\"\n", "", "", "config.toml:1: '1.2.3' is no IPv4 address"},
+        {"host = \"127.1.2.010\"\n", "", "", "config.toml:1: '127.1.2.010' is no IPv4 address"},
         {"\nhost = 5\n", "", "", "config.toml:2: host must be a text in quotes"},
         {"\nhost = 192.168.0.1\n", "", "", "config.toml:2: host must be a text in quotes, such as host = \"192"},
         {"generation = ya\n", "", "", "config.toml:1: generation must be a text in quotes"},
