@@ -73,7 +73,7 @@ public:
             status = Follow(interrupt, progress);
         }
         if (status.StatusCode != 0) {
-            // The machine first: who reads what is told may be slow, or gone.
+            // Before anything is told: who reads it may be slow, or gone.
             StatusInfo const stopped = Abandon();
             TellTrouble();
             if (stopped.StatusCode != 0) {
@@ -203,7 +203,8 @@ private:
                                     count, point + 1 < count ? " or to a later point" : ""));
     }
 
-    // Clearing empties the library's queue even if the controller no longer answers.
+    // How the stop went; a success if nothing was started. Clearing empties the library's queue even if the controller no
+    // longer answers.
     StatusInfo Abandon() {
         StatusInfo stopped = isStarted_ ? StopMotion(*robot_.MotionManager, true) : StatusInfo{};
         if (!isStarted_ || stopped.StatusCode != 0) {
@@ -264,10 +265,10 @@ StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory co
     return status;
 }
 
-StatusInfo StopMotion(MotionManagerInterface& manager, bool clears) {
+StatusInfo StopMotion(MotionManagerInterface& manager, bool clearsTargets) {
     StatusInfo status;
     for (int i = 0; i < MostStops; ++i) {
-        status = manager.MotionStop(clears);
+        status = manager.MotionStop(clearsTargets);
         if (status.StatusCode != static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
             break;
         }

@@ -13,7 +13,8 @@ namespace harvlink::cli {
 /// stopped and the queue cleared; a second Ctrl-C ends the process.
 StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory const& trajectory);
 
-/// Stops the motion, and asks again for it while nothing is answered: a stop that gets lost must not be the end of it.
-StatusInfo StopMotion(MotionManagerInterface& manager, bool clears);
+/// Stops the motion, and with `clearsTargets` clears the controller's targets and the queue. A stop may get lost: while
+/// nobody answers it is asked for up to three times, each of which waits for all of the connection's time-outs.
+StatusInfo StopMotion(MotionManagerInterface& manager, bool clearsTargets);
 
 } // namespace harvlink::cli

@@ -1,17 +1,17 @@
 # Programs of others that load the library, such as the interpreter of Python, need the runtime of the sanitizer as a shared
 # object. All of ours must then use that one too, which g++ does unasked. Fuzzers meet no such program.
-set(HARVLINK_SANITIZER_RUNTIME)
+unset(runtime)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND HARVLINK_SANITIZE MATCHES "address|thread")
-    set(HARVLINK_SANITIZER_RUNTIME libasan.so)
+    set(runtime libasan.so)
     if(HARVLINK_SANITIZE MATCHES "thread")
-        set(HARVLINK_SANITIZER_RUNTIME libtsan.so)
+        set(runtime libtsan.so)
     endif()
 elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND HARVLINK_SANITIZE MATCHES "address" AND NOT HARVLINK_SANITIZE MATCHES "fuzzer")
-    set(HARVLINK_SANITIZER_RUNTIME libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
+    set(runtime libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
     set(HARVLINK_SANITIZER_IS_STATIC_BY_DEFAULT ON)
 endif()
-if(HARVLINK_SANITIZER_RUNTIME)
-    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${HARVLINK_SANITIZER_RUNTIME}
+if(DEFINED runtime)
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${runtime}
                     OUTPUT_VARIABLE HARVLINK_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
     cmake_path(GET HARVLINK_SANITIZER_RUNTIME PARENT_PATH HARVLINK_SANITIZER_FOLDER)
 endif()

@@ -47,8 +47,8 @@ def fuzzing_of(report):
 
 def soak_of(report):
     soak = json.loads(report.read_text())
-    wanted = ("minutesAsked", "minutes", "operations", "exchanges", "fileBytesCompared", "faultsInjected", "faultsSurvived", "before",
-              "after")
+    wanted = ("minutesAsked", "minutes", "operations", "exchanges", "fileBytesCompared", "faultsInjected",
+              "faultsSurvived", "before", "after")
     return {**{name: soak[name] for name in wanted}, "failed": len(soak["failures"])}
 
 

@@ -8,7 +8,7 @@
 
 namespace harvlink::simulator {
 
-/// Above all numbers of commands.
+/// All numbers of commands are below it.
 inline constexpr std::size_t CommandLimit = 1024;
 
 /// Checks a request of the robot control port against the catalogue of commands: is the command known, do attribute and

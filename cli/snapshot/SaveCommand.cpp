@@ -69,7 +69,7 @@ StatusInfo Save(QuorvanController& robot, std::string const& host, Output& outpu
     filesystem::path const finished = scratch.Path() / "finished";
     filesystem::create_directory(finished);
     Write(snapshot, finished);
-    // Something may have come there meanwhile.
+    // Something may have come there since the first look, which was only to save the user a long wait for a refusal.
     place = CheckTarget(place, arguments.force);
     if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {
         place = CheckTarget(IncompletePlace(place), true);

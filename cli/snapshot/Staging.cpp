@@ -68,13 +68,13 @@ void MoveInto(filesystem::path const& finished, filesystem::path const& target, 
     }
     std::error_code error;
     filesystem::rename(finished, target, error);
-    std::error_code kept;
     if (error && isReplaced) {
-        filesystem::rename(former, target, kept);
-    }
-    if (kept) {
-        scratch.Keep();
-        throw filesystem::filesystem_error("the former snapshot is kept beside its place", former, kept);
+        std::error_code lost;
+        filesystem::rename(former, target, lost);
+        if (lost) {
+            scratch.Keep();
+            throw filesystem::filesystem_error("the former snapshot is kept beside its place", former, lost);
+        }
     }
     if (error) {
         throw filesystem::filesystem_error("the snapshot can't be moved to its place", target, error);

@@ -4,7 +4,7 @@
 
 namespace harvlink::cli::snapshot {
 
-/// A folder of our own in `parent`, gone at the end of the scope with all that is still in it.
+/// A folder of our own in `parent`, gone at the end of the scope with all that is still in it, unless it is to be kept.
 class ScratchFolder {
 public:
     /// Throws InputError if nothing can be written there.
@@ -15,7 +15,7 @@ public:
 
     std::filesystem::path const& Path() const { return path_; }
 
-    /// Leaves the folder where it is.
+    /// At the end of the scope, leaves the folder where it is.
     void Keep() { isKept_ = true; }
 
 private:
@@ -28,7 +28,7 @@ private:
 std::filesystem::path CheckTarget(std::filesystem::path const& target, bool force);
 
 /// Moves a finished folder to its place. What was there is moved into `scratch` first, and back if the move fails;
-/// where that fails too, it stays there.
+/// where that fails too, it stays in `scratch`, which is kept. Throws std::filesystem::filesystem_error.
 void MoveInto(std::filesystem::path const& finished, std::filesystem::path const& target, ScratchFolder& scratch);
 
 } // namespace harvlink::cli::snapshot

@@ -1,4 +1,7 @@
-"""Saves all jobs and data files of a controller into a folder. Asks for no change; connecting clears motion targets. Usage: back_up.py ADDRESS FOLDER"""
+"""Saves all jobs and data files of a controller into a folder.
+
+Asks for no change, but connecting clears the controller's motion targets. Usage: back_up.py ADDRESS FOLDER
+"""
 
 import pathlib
 import sys

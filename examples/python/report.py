@@ -1,4 +1,7 @@
-"""Prints what a controller is, how it is and what it has been through. Asks for no change; connecting clears motion targets. Usage: report.py ADDRESS"""
+"""Prints what a controller is, how it is and what it has been through.
+
+Asks for no change, but connecting clears the controller's motion targets. Usage: report.py ADDRESS
+"""
 
 import sys
 

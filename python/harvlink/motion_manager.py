@@ -47,6 +47,9 @@ class Motion:
     def __post_init__(self) -> None:
         if (self.kind == MoveType.CIRCLE) != (self.via is not None):
             raise ValueError("`via` is for a circle, and a circle needs it")
+        ratios = (self.acceleration or 0, self.deceleration or 0)
+        if not all(map(math.isfinite, (self.speed, *ratios, *self.position.axes, *(self.via or ())))):
+            raise ValueError("speed, ratios and axes of a motion must be finite numbers")
 
 
 def _ratio(value: Optional[float]) -> float:
@@ -55,9 +58,6 @@ def _ratio(value: Optional[float]) -> float:
 
 def _record(motion: Motion) -> _records.CircularMotion:
     """Always with the place of a mid-point: the library reads it there for a circle, whether it exists or not."""
-    numbers = (motion.speed, motion.acceleration or 0, motion.deceleration or 0, *motion.position.axes, *(motion.via or ()))
-    if not all(map(math.isfinite, numbers)):
-        raise ValueError("speed, ratios and axes of a motion must be finite numbers")
     plain = _records.Motion(
         group_number(motion.group),
         motion.speed,

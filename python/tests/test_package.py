@@ -239,7 +239,7 @@ class ConnectedTest(SimulatorTest):
             lambda: Motion("R1", DOWN, 100, MoveType.CIRCLE),
             lambda: Motion("R1", DOWN, 100, MoveType.LINE, via=(1, 2, 3)),
             lambda: self.robot.motion.add(Motion("B1", Position(), 10), arc),
-            lambda: self.robot.motion.add(Motion("R1", DOWN, float("nan"))),
+            lambda: Motion("R1", DOWN, float("nan")),
             lambda: self.robot.motion.add(*[arc] * 5),
         ):
             with self.assertRaises(ValueError):

@@ -20,7 +20,7 @@ static_assert(std::endian::native == std::endian::little,
 
 enum class Division : std::uint8_t { RobotControl = 1, FileControl = 2 };
 
-/// Goes with the number of the block that ends a file.
+/// Set in the number of the block that ends a file.
 inline constexpr std::uint32_t LastBlockFlag = 0x80000000;
 
 /// Bytes 0 to 23 of every datagram, both ways.
