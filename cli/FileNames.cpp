@@ -1,25 +1,11 @@
 #include "FileNames.h"
 
-#include <array>
-
 #include <fnmatch.h>
 #include <glob.h>
 
 #include "Text.h"
 
 namespace harvlink::cli {
-
-namespace {
-
-constexpr std::array<Named<FileType>, 7> Extensions{{{"JBI", FileType::JobFile},
-                                                     {"DAT", FileType::DataFile},
-                                                     {"CND", FileType::ConditionFile},
-                                                     {"PRM", FileType::ParameterFile},
-                                                     {"SYS", FileType::SystemFile},
-                                                     {"LST", FileType::ListingFile},
-                                                     {"LOG", FileType::LogFile}}};
-
-} // namespace
 
 bool IsGlob(std::string_view name) {
     return name.find_first_of("*?[") != std::string_view::npos;
@@ -33,16 +19,16 @@ std::vector<FileType> KindsOf(std::string_view name) {
     std::size_t const dot = name.rfind('.');
     std::string const extension = LowerCase(dot == std::string_view::npos ? name : name.substr(dot + 1));
     std::vector<FileType> kinds;
-    for (auto const& named : Extensions) {
-        if (FitsGlob(extension, std::string(named.name))) {
-            kinds.push_back(named.value);
+    for (FileKind const& kind : FileKinds) {
+        if (FitsGlob(extension, ExtensionOf(kind.type))) {
+            kinds.push_back(kind.type);
         }
     }
     return kinds;
 }
 
 std::string ExtensionOf(FileType type) {
-    return NameOf(Extensions, type);
+    return std::string(FileKinds.at(static_cast<std::size_t>(type)).Extension().substr(1));
 }
 
 std::vector<std::string> LocalFiles(std::string const& glob) {

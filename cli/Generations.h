@@ -1,11 +1,19 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string_view>
+
+#include "harvlink/ControllerVersion.h"
 
 namespace harvlink::cli {
 
 /// The controllers that the library knows, by the first letters of their software version. The oldest first.
-inline constexpr std::array<std::string_view, 6> Generations{"DS", "DN", "FS", "YA", "YB", "YN"};
+inline constexpr auto Generations = [] {
+    std::array<std::string_view, ControllerGenerations.size()> names{};
+    std::transform(ControllerGenerations.begin(), ControllerGenerations.end(), names.begin(),
+                   [](ControllerGeneration const& generation) { return generation.letters; });
+    return names;
+}();
 
 } // namespace harvlink::cli

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace harvlink {
 
@@ -16,5 +18,21 @@ enum class ControllerVersion : std::int32_t {
     VersionYB = 4,
     VersionYN = 5,
 };
+
+/// A generation and the two letters that its software version begins with, which are also its name.
+struct ControllerGeneration {
+    ControllerVersion version;
+    std::string_view letters;
+};
+
+/// Every generation that the library knows, the oldest first.
+inline constexpr std::array<ControllerGeneration, 6> ControllerGenerations{{
+    {ControllerVersion::VersionDS, "DS"},
+    {ControllerVersion::VersionDN, "DN"},
+    {ControllerVersion::VersionFS, "FS"},
+    {ControllerVersion::VersionYA, "YA"},
+    {ControllerVersion::VersionYB, "YB"},
+    {ControllerVersion::VersionYN, "YN"},
+}};
 
 } // namespace harvlink

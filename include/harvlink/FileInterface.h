@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "harvlink/StatusInfo.h"
@@ -18,6 +20,27 @@ enum class FileType : std::int32_t {
     ListingFile = 5, ///< .LST
     LogFile = 6, ///< .LOG, can't be written
 };
+
+/// What the controller's file store knows of a kind of files.
+struct FileKind {
+    FileType type;
+    std::string_view pattern; ///< lists the files of this kind
+    bool writable;
+
+    /// With its dot, in upper case.
+    constexpr std::string_view Extension() const { return pattern.substr(1); }
+};
+
+/// All kinds, in the order of FileType.
+inline constexpr std::array<FileKind, 7> FileKinds{{
+    {FileType::JobFile, "*.JBI", true},
+    {FileType::DataFile, "*.DAT", true},
+    {FileType::ConditionFile, "*.CND", true},
+    {FileType::ParameterFile, "*.PRM", false},
+    {FileType::SystemFile, "*.SYS", false},
+    {FileType::ListingFile, "*.LST", true},
+    {FileType::LogFile, "*.LOG", false},
+}};
 
 /// The controller's file store. A transfer is one exchange per block of 479 bytes and blocks the caller until it is done;
 /// each exchange takes at most (1 + retries) x time-out, and silence in the middle ends the transfer with ResponseTimeout.

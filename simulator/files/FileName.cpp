@@ -1,7 +1,6 @@
 #include "simulator/files/FileName.h"
 
 #include <algorithm>
-#include <array>
 
 #include "wire/Packets.h"
 
@@ -10,20 +9,6 @@ namespace harvlink::simulator {
 namespace {
 
 constexpr std::size_t ExtensionLength = 4;
-
-struct Extension {
-    std::string_view text;
-    bool isWritable;
-};
-
-/// In the order of FileType.
-constexpr std::array<Extension, 7> Extensions{{{".JBI", true},
-                                               {".DAT", true},
-                                               {".CND", true},
-                                               {".PRM", false},
-                                               {".SYS", false},
-                                               {".LST", true},
-                                               {".LOG", false}}};
 
 constexpr bool IsLetterOrDigit(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= '0' && character <= '9');
@@ -64,15 +49,15 @@ std::optional<std::string> FileNameFrom(std::string_view text) {
 std::optional<FileType> FileTypeOf(std::string_view name) {
     auto const length = std::min(name.size(), ExtensionLength);
     auto const extension = UpperCase(name.substr(name.size() - length));
-    auto const found = std::ranges::find(Extensions, extension, &Extension::text);
-    if (found == Extensions.end()) {
+    auto const found = std::ranges::find(FileKinds, extension, &FileKind::Extension);
+    if (found == FileKinds.end()) {
         return std::nullopt;
     }
-    return static_cast<FileType>(found - Extensions.begin());
+    return found->type;
 }
 
 bool IsWritable(FileType type) {
-    return Extensions.at(static_cast<std::size_t>(type)).isWritable;
+    return FileKinds.at(static_cast<std::size_t>(type)).writable;
 }
 
 bool IsFilePattern(std::string_view pattern) {

@@ -9,14 +9,14 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// In the order of ControllerVersion.
-constexpr std::array<GenerationTexts, 6> Texts{{
-    {"DS", "DS3.53.01A(EN/JP)-00", "3.53", "VRK6000"},
-    {"DN", "DN2.41.00A(EN/JP)-00", "2.41", "VRK7000"},
-    {"FS", "FS1.30.00B(EN/JP)-00", "1.30", "VRK8000"},
-    {"YA", "YAS4.10.00A(EN/JP)-00", "4.10", "VRK9000"},
-    {"YB", "YBS2.30.00A(EN/JP)-00", "2.30", "VRK9500"},
-    {"YN", "YNS1.12.00A(EN/JP)-00", "1.12", "VRK9800"},
+/// In the order of ControllerGenerations.
+constexpr std::array<GenerationTexts, ControllerGenerations.size()> Texts{{
+    {"DS3.53.01A(EN/JP)-00", "3.53", "VRK6000"},
+    {"DN2.41.00A(EN/JP)-00", "2.41", "VRK7000"},
+    {"FS1.30.00B(EN/JP)-00", "1.30", "VRK8000"},
+    {"YAS4.10.00A(EN/JP)-00", "4.10", "VRK9000"},
+    {"YBS2.30.00A(EN/JP)-00", "2.30", "VRK9500"},
+    {"YNS1.12.00A(EN/JP)-00", "1.12", "VRK9800"},
 }};
 
 } // namespace
@@ -26,13 +26,14 @@ GenerationTexts const& TextsOf(ControllerVersion generation) {
 }
 
 std::optional<ControllerVersion> GenerationFromName(std::string_view name) {
-    auto const found = std::ranges::find_if(Texts, [&](GenerationTexts const& texts) {
-        return std::ranges::equal(texts.name, name, {}, {}, [](unsigned char letter) { return std::toupper(letter); });
+    auto const found = std::ranges::find_if(ControllerGenerations, [&](ControllerGeneration const& generation) {
+        return std::ranges::equal(generation.letters, name, {}, {},
+                                  [](unsigned char letter) { return std::toupper(letter); });
     });
-    if (found == Texts.end()) {
+    if (found == ControllerGenerations.end()) {
         return std::nullopt;
     }
-    return static_cast<ControllerVersion>(found - Texts.begin());
+    return found->version;
 }
 
 } // namespace harvlink::simulator

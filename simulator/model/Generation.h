@@ -9,7 +9,6 @@ namespace harvlink::simulator {
 
 /// What a controller says of itself. Its software version is what a client tells the generation by.
 struct GenerationTexts {
-    std::string_view name; ///< two letters
     std::string_view softwareVersion;
     std::string_view parameterVersion;
     std::string_view controllerModel;

@@ -1,13 +1,22 @@
 #include <algorithm>
 
 #include "files/FileHandler.h"
-#include "files/FileKinds.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
 namespace {
 
 constexpr std::size_t extensionLength = 4;
+
+constexpr bool AreInOrderOfFileType() {
+    for (std::size_t i = 0; i < FileKinds.size(); ++i) {
+        if (static_cast<std::size_t>(FileKinds[i].type) != i) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(AreInOrderOfFileType()); // they are looked up by number too
 
 FileKind const* FindKind(std::string_view extension) {
     auto const kind = std::ranges::find(FileKinds, extension, &FileKind::Extension);

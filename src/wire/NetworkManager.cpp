@@ -23,16 +23,9 @@ StatusInfo StatusOf(std::system_error const& error) {
 }
 
 ControllerVersion GenerationOf(std::string_view softwareVersion) {
-    using enum ControllerVersion;
-    struct Prefix {
-        std::string_view text;
-        ControllerVersion version;
-    };
-    constexpr Prefix prefixes[] = {{"DS", VersionDS}, {"DN", VersionDN}, {"FS", VersionFS},
-                                   {"YA", VersionYA}, {"YB", VersionYB}, {"YN", VersionYN}};
-    auto const prefix =
-        std::ranges::find_if(prefixes, [&](Prefix const& p) { return softwareVersion.starts_with(p.text); });
-    return prefix == std::end(prefixes) ? VersionUnknown : prefix->version;
+    auto const generation =
+        std::ranges::find(ControllerGenerations, softwareVersion.substr(0, 2), &ControllerGeneration::letters);
+    return generation == ControllerGenerations.end() ? ControllerVersion::VersionUnknown : generation->version;
 }
 
 } // namespace
