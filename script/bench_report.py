@@ -11,21 +11,21 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-EXCHANGES = 1000  # by which the longer of the two counted runs exceeds the shorter
+EXCHANGES = 1000  # the longer of the two counted runs has this many more than the shorter
 CALLS = {"sendto", "ppoll", "recvfrom"}
 
-# Why a target that a run missed is not worth its price; said only if it was missed.
+# Why a missed target is not worth its price. The page shows a remark only if the run missed the target.
 REMARKS = {
     "scalar read against a register read of libmodbus, p50": (
-        "the bare socket itself takes 0.64 to 0.66 of the peer's time here, so nothing in the library is left to gain."
+        "the bare socket itself takes 0.64 to 0.66 of the peer's time here, so the library has nothing left to gain."
     ),
     "step queued to datagram, against a condition variable": (
-        "sending alone, from a bare spinning queue, takes more than 0.2 of the condition variable's time here; the ratio "
-        "could be reached only where waking a thread takes over 50 us."
+        "sending alone, from a bare spinning queue, takes more than 0.2 of the condition variable's time here; only where "
+        "waking a thread takes over 50 us could the ratio be met."
     ),
     "silent controller, processor time": (
-        "the bare client's send and three sleeps, each with a wake-up on a cold processor, take 0.08 to 0.13 ms alone; the "
-        "library adds about 0.03 ms, once in a whole time-out."
+        "one send and three sleeps of the bare client, each with a wake-up on a cold processor, already take 0.08 to 0.13 ms; "
+        "the library adds about 0.03 ms, once in a whole time-out."
     ),
     "200 controllers in turn, rate against one connection": (
         "the sockets of 200 controllers leave the processor's cache; bare sockets lose as much."
@@ -34,9 +34,9 @@ REMARKS = {
 
 PAGE = """# Benchmarks
 
-What the library costs over the bare socket: a client that does nothing but send, wait on two sockets and receive,
-against the same answering process, on the same machine, in the same run. Both sides take turns, pinned to one core
-unless the case says otherwise; the median of the ratios of the rounds counts. This page is written by `script/bench`.
+This page compares the library with the bare socket: a client that only sends, waits on two sockets and receives. Both talk
+to the same answering process, on the same machine, in the same run. They take turns and are pinned to one core unless the
+case says otherwise. The figure is the median of the ratios of all rounds. `script/bench` writes this page.
 
 - Commit {commit}, {date}
 - {machine}
@@ -72,7 +72,7 @@ def calls_per_exchange(folder):
 def calls_row(folder):
     calls = calls_per_exchange(folder)
     return {
-        "case": "system calls per exchange, no look at the clock",
+        "case": "system calls per exchange, without reading the clock",
         "unit": "",
         "floor": 3,
         "harvlink": sum(calls.values()),
@@ -103,11 +103,11 @@ def row(case):
 def remarks(rows):
     missed = [case["case"] for case in rows if not case["met"]]
     lines = [f"- {name}: {REMARKS[name]}" for name in missed if name in REMARKS]
-    return "\n## What is missed, and why it stays\n\n" + "\n".join(lines) + "\n" if lines else ""
+    return "\n## Missed targets, and why they stay\n\n" + "\n".join(lines) + "\n" if lines else ""
 
 
 def plot(curves):
-    """Each curve by its own first point, on logarithmic axes: a slope of one is linear growth."""
+    """Draws each curve relative to its first point, on logarithmic axes: a slope of one is linear growth."""
     width, height, margin = 640, 360, 50
     colours = ["#1f77b4", "#d62728", "#2ca02c", "#9467bd"]
     box = f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12"'

@@ -96,8 +96,8 @@ def growth(soak):
 def soak_rows(name, command, soak):
     yield name, (f"{soak['minutes']:g} minutes, {soak['operations']:,} operations in {soak['exchanges']:,} exchanges, "
                  f"{soak['fileBytesCompared']:,} file bytes compared, {soak['failed']} failed"), command, soak
-    yield f"{name}: faults put in", listing(soak["faultsInjected"]), command, soak
-    yield f"{name}: what operations bore or told", listing(soak["faultsSurvived"]), command, soak
+    yield f"{name}: faults injected", listing(soak["faultsInjected"]), command, soak
+    yield f"{name}: faults that operations survived or reported", listing(soak["faultsSurvived"]), command, soak
     yield f"{name}: growth", growth(soak), command, soak
 
 

@@ -116,7 +116,7 @@ void Draining(Report& report) {
                 .gated = beyond - settingDatagrams,
                 .comparison = "==",
                 .target = 0,
-                .note = "and those of the first step, which tells the settings"});
+                .note = "not counting those of the first step, which sends the settings"});
     AddGrowth(report, "queued steps", growth);
 }
 
