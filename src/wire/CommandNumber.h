@@ -4,8 +4,8 @@
 
 namespace harvlink {
 
-/// Command numbers of the robot control port. Those up to 140 are the older road, which every controller understands;
-/// those from 829 up the extended road of `VersionYA` and newer.
+/// Command numbers of the robot control port. Every controller understands those up to 140; those from 829 up are the
+/// extended commands of `VersionYA` and newer.
 enum class CommandNumber : std::uint16_t {
     AlarmDataRead = 112,
     AlarmHistoryRead = 113,
@@ -63,6 +63,19 @@ inline constexpr std::uint8_t ServiceReadAll = 1;
 inline constexpr std::uint8_t ServiceWriteAll = 2;
 inline constexpr std::uint8_t ServiceReadOne = 14;
 inline constexpr std::uint8_t ServiceWriteOne = 16;
+
+/// The same as a type. Which attribute goes with a service is fixed: `FieldOf`.
+enum class Service : std::uint8_t {
+    ReadAll = ServiceReadAll,
+    WriteAll = ServiceWriteAll,
+    ReadOne = ServiceReadOne,
+    WriteOne = ServiceWriteOne,
+};
+
+constexpr FixedField FieldOf(Service service) {
+    bool const isWhole = service == Service::ReadAll || service == Service::WriteAll;
+    return isWhole ? FixedField::WholeRecord : FixedField::FirstAttribute;
+}
 
 /// Value of the service byte on the file control port.
 enum class FileServices : std::uint8_t {

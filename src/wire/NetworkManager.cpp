@@ -74,7 +74,7 @@ void NetworkManager::ProbeGeneration(StatusInfo& status) {
     }
 }
 
-StatusInfo NetworkManager::Exchange(Request request, Reply reply, std::optional<unsigned char> requestId,
+StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, std::optional<unsigned char> requestId,
                                     bool waitForReply) {
     ExchangeLock const lock(firstExchangeMutex, secondExchangeMutex);
     std::uint8_t const newId = GetNewRequestId();
@@ -99,7 +99,7 @@ StatusInfo NetworkManager::Exchange(Request request, Reply reply, std::optional<
 
 /// Listens for 1 + retries periods. Of a datagram with another id only the id stays in the reply: nothing else that it
 /// says, such as a last block, may be taken for the answer.
-bool NetworkManager::ListenFor(std::uint8_t id, Reply const& reply) {
+bool NetworkManager::ListenFor(std::uint8_t id, IncomingView const& reply) {
     timeval const period{0, timeoutMicroseconds};
     for (std::uint64_t listenings = 0; listenings <= retries; ++listenings) {
         bool const received = transport->Receive(reply.bytes, period) > 0;

@@ -45,9 +45,12 @@ public:
     template <typename Out, typename In>
     StatusInfo SendAndReceive(OutgoingPacket<Out>& outgoing, IncomingPacket<In>& incoming,
                               std::optional<unsigned char> requestId, bool waitForReply) {
-        return Exchange({outgoing.header, outgoing.Bytes()}, {incoming.header, incoming.subHeader, incoming.Bytes()},
-                        requestId, waitForReply);
+        return Exchange(outgoing.View(), incoming.View(), requestId, waitForReply);
     }
+
+    /// What SendAndReceive does, whatever the payloads.
+    StatusInfo Exchange(OutgoingView request, IncomingView reply, std::optional<unsigned char> requestId,
+                        bool waitForReply);
 
     /// A request without payload. Returns the reply whatever the status, which goes to `status`.
     template <typename In>
@@ -99,22 +102,12 @@ public:
     ControllerVersion controllerVersion = ControllerVersion::VersionUnknown;
 
 private:
-    struct Request {
-        CommonHeader& header;
-        std::span<std::byte> bytes;
-    };
-    struct Reply {
-        CommonHeader& header;
-        SubHeaderForReceiving& subHeader;
-        std::span<std::byte> bytes;
-    };
     using FirstMutex = RankedMutex<LockRank::FirstExchange>;
     using SecondMutex = RankedMutex<LockRank::SecondExchange>;
     class ExchangeLock;
 
     void ProbeGeneration(StatusInfo& status);
-    StatusInfo Exchange(Request request, Reply reply, std::optional<unsigned char> requestId, bool waitForReply);
-    bool ListenFor(std::uint8_t id, Reply const& reply);
+    bool ListenFor(std::uint8_t id, IncomingView const& reply);
     StatusInfo NoResponse() const;
     AttachedControlGroup const* FindGroup(ControlGroupId group) const;
 

@@ -60,6 +60,9 @@ struct SubHeaderForSending {
           instance(itemInstance),
           attribute(static_cast<std::uint8_t>(field)),
           service(serviceCode) {}
+    constexpr SubHeaderForSending(CommandNumber commandNumber, std::uint16_t itemInstance, Service commandService)
+        : SubHeaderForSending(commandNumber, itemInstance, FieldOf(commandService),
+                              static_cast<std::uint8_t>(commandService)) {}
     constexpr explicit SubHeaderForSending(FileServices fileService)
         : service(static_cast<std::uint8_t>(fileService)) {}
 };
@@ -92,6 +95,17 @@ inline constexpr std::size_t FileNameSize = 32;
 /// What the payload of a request that carries none is declared as. It is never sent.
 using NoPayload = std::uint32_t;
 
+/// A packet as the exchange sees it, whatever its payload.
+struct OutgoingView {
+    CommonHeader& header;
+    std::span<std::byte> bytes; ///< the whole datagram, header included
+};
+struct IncomingView {
+    CommonHeader& header;
+    SubHeaderForReceiving& subHeader;
+    std::span<std::byte> bytes; ///< the whole datagram, header included
+};
+
 template <typename Payload>
 struct OutgoingPacket {
     static_assert(std::is_trivially_copyable_v<Payload>);
@@ -101,6 +115,7 @@ struct OutgoingPacket {
     Payload payload{};
 
     std::span<std::byte> Bytes() { return std::as_writable_bytes(std::span(this, 1)); }
+    OutgoingView View() { return {header, Bytes()}; }
 };
 
 /// Constructed as the image of a request without payload and with a zero sub-header, so that a reply that never arrives
@@ -114,6 +129,7 @@ struct IncomingPacket {
     Payload payload{};
 
     std::span<std::byte> Bytes() { return std::as_writable_bytes(std::span(this, 1)); }
+    IncomingView View() { return {header, subHeader, Bytes()}; }
 };
 
 static_assert(offsetof(OutgoingPacket<NoPayload>, payload) == HeaderSize);
