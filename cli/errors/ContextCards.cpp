@@ -23,20 +23,22 @@ constexpr auto Motion = std::to_array<CodeCard>({
                                       Retry::AfterFix}},
     {65530, "Home Position Not Checked", {"The home position was not confirmed since power came back.",
                                           "The second home position on the pendant.", Retry::AfterFix}},
-    {65529, "Not In Play Mode", {"The controller is not in the mode in which it moves.", "harvlink status.",
+    {65529, "Not In Play Mode", {"The controller is not in a mode in which it moves.", "harvlink status.",
                                  Retry::AfterFix}},
     {65528, "Job Currently Running. End job before starting motion remotely.",
      {"A job runs.", "harvlink job status; wait for its end or harvlink hold on.", Retry::Later}},
-    {65527, "Duplicate Playback Group", {"One step moves a group twice, or the group is moved by a job.",
-                                         "The groups of the step; harvlink job status.", Retry::AfterFix}},
-    {65520, "Timeout", {"The controller's buffer of targets is full. While it moves this is how it sets the pace: the "
-                        "library sends the same target again every millisecond.",
-                        "Nothing while the arm moves. If it stands: hold, alarm, missing start.", Retry::Yes}},
+    {65527, "Duplicate Playback Group", {"The group is moved twice at once: a job moves it too, or two motion slots "
+                                         "name it.",
+                                         "harvlink job status; harvlink param 11:33 11:34 11:35 11:36.",
+                                         Retry::AfterFix}},
+    {65520, "Timeout", {"The controller's buffer of targets is full. The controller sets the pace by this answer: "
+                        "the library sends the same target again every millisecond.",
+                        "Nothing while the robot moves. If it stands still: hold, alarm, missing start.", Retry::Yes}},
     {65519, "Playback Interrupted", {"The motion was stopped: hold, alarm, loss of servo power, another mode.",
-                                     "harvlink status, harvlink alarms; where it stands: harvlink position R1.",
+                                     "harvlink status, harvlink alarms; where the robot is: harvlink position R1.",
                                      Retry::ReadBackFirst}},
-    {65504, "Group Does Not Exist", {"The controller has no such group, or motion does not know it.",
-                                     "The groups: harvlink position R1, B1, S1.", Retry::No}},
+    {65504, "Group Does Not Exist", {"The group has none of the four motion slots.",
+                                     "The groups of the slots: harvlink param 11:33 11:34 11:35 11:36.", Retry::No}},
     {65503, "This robot is attached to a base group but no base group movement was provided.",
      {"A robot on a base axis moves only together with it.", "Add a target of the base group to the step.", Retry::No}},
     {65502, "Interpolation Out Of Range", {FieldOutOfRange, "The kind of move: joint, line, circle.", Retry::No}},
@@ -52,7 +54,7 @@ constexpr auto Motion = std::to_array<CodeCard>({
     {65493, "Coordinated Motion Task And Group Unmatched", {Coordinated, CheckTarget, Retry::No}},
     {65492, "Coordinated Motion Multiple Master Or Slave", {Coordinated, CheckTarget, Retry::No}},
     {65491, "Tool Number Out Of Range", {FieldOutOfRange, "The tool number: 0 to 63, with a tool file.", Retry::No}},
-    {65490, "Tool Set Inhibited", {"The controller does not let the tool change here.",
+    {65490, "Tool Set Inhibited", {"The controller does not allow a change of tool here.",
                                    "Use the active tool, or allow it by the controller's parameter.", Retry::AfterFix}},
     {65489, "Acceleration Value Out Of Range", {"The acceleration ratio is not 20 to 100 per cent.", "The value.",
                                                 Retry::No}},
@@ -70,15 +72,16 @@ constexpr auto ControlGroup = std::to_array<CodeCard>({
 });
 
 constexpr auto Job = std::to_array<CodeCard>({
-    {20992, "Invalid line number.", {"The job has no such line.", "harvlink files cat NAME.JBI; lines 0 to 9999.",
+    {20992, "Invalid line number.", {"The job has no such line, or it is above 9999.",
+                                     "harvlink files cat NAME.JBI; lines count from 0.",
                                      Retry::No}},
     {16448, "Invalid job name.", {"There is no job of this name.",
-                                  "harvlink files list JBI; names in any case.", Retry::No}},
+                                  "harvlink files list JBI; upper and lower case are the same.", Retry::No}},
     {65535, "Invalid task number.", {"The controller has no such task.", "0 is the master task.", Retry::No}},
 });
 
 constexpr auto Conversion = std::to_array<CodeCard>({
-    {65535, "Failed in conversion.", {"The controller could not convert it and does not say why.",
+    {65535, "Failed in conversion.", {"The controller could not convert the position and gives no reason.",
                                       "Group, tool and kinematic type; whether the position can be reached.",
                                       Retry::No}},
     {65534, "Conversion impossible.", {"The group has no such conversion.", "Only robots have Cartesian positions.",
@@ -87,23 +90,26 @@ constexpr auto Conversion = std::to_array<CodeCard>({
                                        "The groups: harvlink position R1, B1, S1.", Retry::No}},
     {65531, "Inverse kinematics wrong.", {"No posture of the arm reaches the position in this figure.",
                                           "Another figure or --type; the reach of the arm.", Retry::No}},
-    {65530, "Invalid cartesian position.", {"The position is out of reach, or its numbers are no position.",
+    {65530, "Invalid cartesian position.", {"The position is out of reach, or its values are not a position.",
                                             "X, Y, Z in mm, Rx, Ry, Rz in degrees, coordinate system, tool.",
                                             Retry::No}},
 });
 
 constexpr auto Signals = std::to_array<CodeCard>({
-    {40961, "The address is invalid.", {"The controller has no signal of this address.", "harvlink io get --help.",
+    {40961, "The address is invalid.", {"No signal has this address, or a byte or word does not begin at it, or DS, "
+                                        "DN and FS do not write it.",
+                                         "A byte or word begins at a multiple of ten. harvlink io get --help.",
                                         Retry::No}},
     {65535, "Writing to this address requires REMOTE mode.", {"The controller is not in remote mode.",
                                                               "harvlink status; the key switch.", Retry::AfterFix}},
-    {0x30007, "This IO address cannot be written to.", {"The signal is an input of the controller or its own state.",
-                                                        "Network inputs; from YA up also general outputs and "
-                                                        "interface panel inputs.", Retry::No}},
+    {0x30007, "This IO address cannot be written to.", {"Programs do not write signals of this class.",
+                                                        "Written are network inputs, general outputs and interface "
+                                                        "panel inputs; on DS, DN and FS network inputs only.",
+                                                        Retry::No}},
 });
 
 constexpr auto Files = std::to_array<CodeCard>({
-    {58014, "File is not writable.", {"The controller does not let this file be written, or not in this mode.",
+    {58014, "File is not writable.", {"The controller does not allow this file to be written, or not in this mode.",
                                       "Remote mode, the security level and the edit lock of the job.",
                                       Retry::AfterFix}},
 });

@@ -43,11 +43,11 @@ constexpr std::array<RetryWords, 5> RetryTable{{
     {Retry::No, "no", "No: it would fail the same way."},
 }};
 
-constexpr CodeFamily UnknownFamily{1,
-                                   HighestControllerCode,
-                                   "A number of the controller",
-                                   {"The controller refused with a number that nothing is known of here.",
-                                    "The manual of the controller.", Retry::AfterFix}};
+constexpr CodeFamily UnknownFamily{
+    1,
+    HighestControllerCode,
+    "A number of the controller",
+    {"The controller refused with a number that is not known here.", "The manual of the controller.", Retry::AfterFix}};
 
 struct AlarmBlock {
     std::int32_t last;
@@ -67,13 +67,13 @@ constexpr std::array<AlarmBlock, 5> AlarmBlocks{{
     {8499,
      "Alarm, system user",
      {"Raised by an application of the controller or through its network.",
-      "harvlink alarms shows its text, and who raises it; then harvlink alarms clear.", Retry::AfterFix}},
+      "harvlink alarms shows its text; find what raises it, then harvlink alarms clear.", Retry::AfterFix}},
     {8999,
      "Alarm, user",
      {"Raised by a job or a signal of this installation.", "The job or program that raises it.", Retry::AfterFix}},
     {HighestAlarm,
      "Alarm, offline",
-     {"Raised while the controller was not at work.", "harvlink alarms history --category offline.", Retry::AfterFix}},
+     {"Raised while the controller was offline.", "harvlink alarms history --category offline.", Retry::AfterFix}},
 }};
 
 // The library's table has words for every code; these are the ones for a code that it does not know.
@@ -229,8 +229,9 @@ Explanation ExplainAlarm(std::int32_t number, std::optional<std::int32_t> subcod
                             .text = "The controller has the text, see harvlink alarms.",
                             .advice = block->advice};
     if (number == MotionAlarm) {
-        explanation.text = "Raised by a program with this library when the controller refused a target.";
-        explanation.advice = {"The subnumber tells which refusal it was; the targets that waited were dropped.",
+        explanation.text =
+            "Raised by a program with this library when a target could not be sent: refused, or without an answer.";
+        explanation.advice = {"The subnumber is the last byte of the code; the targets that waited were dropped.",
                               subcode ? "The code in the program's HarvlinkLog.txt, and harvlink explain of it."
                                       : "harvlink explain 8015-SUBNUMBER, and the program's HarvlinkLog.txt.",
                               Retry::AfterFix};

@@ -30,7 +30,8 @@ inline constexpr char const* CodeHelp =
     "A code is decimal or hexadecimal, negative or not, such as 8288, 0x2060, -49934480 or 0xFD060F70.\n"
     "An alarm is NUMBER-SUBNUMBER, such as 8015-112, or alarm:NUMBER. A number of the controller that a\n"
     "subsystem reads in its own way may be given with it: motion, group, job, conversion, io, file.\n"
-    "Of a number that is no whole code, such as the subnumber of alarm 8015, the codes that end in it are listed.";
+    "For a number that is only part of a code, such as the subnumber of alarm 8015, the codes that end in it are "
+    "listed.";
 
 /// What a code may mean, the likeliest first: the controller's numbers mean several things. If nothing has just this
 /// code, those of which an alarm or a log may show it as a part follow. Throws InputError if `text` is no code, or none

@@ -1,0 +1,539 @@
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "ToolTest.h"
+#include "errors/Explain.h"
+#include "files/FileHandler.h"
+#include "harvlink/harvlink.h"
+#include "kinematics/Kinematics.h"
+#include "motion/MotionManager.h"
+#include "status/MainStatusTable.h"
+#include "support/ScratchFolder.h"
+
+// What the cards say, held against the code that raises the status: each statement stands beside an operation that is
+// refused with the card's code and, where it names a limit, one beside the limit that is not.
+
+namespace harvlink::cli {
+namespace {
+
+using simulator::ControllerModel;
+using enum ControllerVersion;
+
+constexpr char const* Job = "/JOB\r\n//NAME A\r\n//POS\r\n///NPOS 0,0,0,0,0,0\r\n//INST\r\nNOP\r\nEND\r\n";
+
+std::string JobWith(std::string const& instruction) {
+    std::string const text(Job);
+    return text.substr(0, text.find("END")) + instruction + "\r\nEND\r\n";
+}
+
+/// A controller whose fifth group has no motion slot, and a connection to it.
+class Rig {
+public:
+    explicit Rig(ControllerVersion generation) {
+        simulator::ControllerOptions options{.generation = generation};
+        using enum ControlGroupId;
+        options.groups = {{R1, 6}, {B1, 1}, {S1, 1}, {S2, 1}, {S3, 1}};
+        StatusInfo status;
+        for (int attempt = 0; attempt < 10 && !robot_; ++attempt) {
+            server_ = std::make_unique<simulator::Server>();
+            auto const host = test::NextLoopbackAddress();
+            controller_ = &server_->Add(host, options);
+            if (server_->Start()) {
+                robot_ = Connect(host, status, 2000, 0, false);
+            }
+        }
+        if (!robot_) {
+            throw std::runtime_error(status.Message);
+        }
+    }
+
+    QuorvanController* operator->() { return robot_.get(); }
+    MotionManager& Motion() { return dynamic_cast<MotionManager&>(*robot_->MotionManager); }
+    FileHandler& Files() { return dynamic_cast<FileHandler&>(*robot_->Files); }
+    harvlink::Kinematics& Conversion() { return dynamic_cast<harvlink::Kinematics&>(*robot_->Kinematics); }
+
+    template <typename Function>
+    void Set(Function const& function) {
+        controller_->With([&](ControllerModel& model) { function(model); });
+    }
+
+    /// Loads a job of these instructions and starts it, with servo power.
+    StatusInfo Run(std::string const& instructions) {
+        Set([&](ControllerModel& model) {
+            model.files.Put("A.JBI", JobWith(instructions));
+            model.SetServo(true);
+        });
+        robot_->Job->SetActiveJob("A", 0);
+        return robot_->ControlCommands->StartJob();
+    }
+
+private:
+    std::unique_ptr<simulator::Server> server_;
+    simulator::VirtualController* controller_ = nullptr;
+    Connection robot_;
+};
+
+using Operation = std::function<StatusInfo(Rig&)>;
+
+struct Case {
+    char const* card; ///< as `harvlink explain` takes it
+    char const* says; ///< part of its cause or check
+    Operation refused;
+    Operation accepted = nullptr; ///< beside the limit
+    ControllerVersion generation = VersionYA;
+};
+
+Operation InMode(simulator::Mode mode, Operation operation) {
+    return [mode, operation](Rig& rig) {
+        rig.Set([&](ControllerModel& model) { model.SetMode(mode); });
+        return operation(rig);
+    };
+}
+
+Operation WithServo(bool on, std::function<void(ControllerModel&)> change, Operation operation) {
+    return [on, change, operation](Rig& rig) {
+        rig.Set([&](ControllerModel& model) {
+            model.SetServo(on);
+            change(model);
+        });
+        return operation(rig);
+    };
+}
+
+void Nothing(ControllerModel& /*model*/) {}
+
+StatusInfo StartJob(Rig& rig) {
+    return rig->ControlCommands->StartJob();
+}
+
+StatusInfo StartMotion(Rig& rig) {
+    return rig->MotionManager->MotionStart();
+}
+
+Operation Load(std::string name, std::string text) {
+    return [name, text](Rig& rig) { return rig->Files->LoadToControllerFromString(name, text); };
+}
+
+/// A job whose file name is so long, its extension included.
+Operation LoadNameOf(std::size_t length) {
+    std::string const name = std::string(length - 4, 'A');
+    return Load(name + ".JBI", "/JOB\r\n//NAME " + name + "\r\n//POS\r\n//INST\r\nNOP\r\nEND\r\n");
+}
+
+Operation LoadPath(std::string const& name, std::string const& text) {
+    return [name, text](Rig& rig) {
+        test::ScratchFolder const folder;
+        test::WriteFile(folder.Path() / name, text);
+        return rig->Files->LoadToControllerFromPath((folder.Path() / name).string());
+    };
+}
+
+Operation ReadPosition(ControlGroupId group, CoordinateType type, int user, int tool) {
+    return [=](Rig& rig) {
+        PositionData position;
+        return rig->ControlGroup->ReadPositionData(group, type, static_cast<unsigned char>(user),
+                                                   static_cast<unsigned char>(tool), position);
+    };
+}
+
+Operation WritePosition(CoordinateType type, int user, int tool) {
+    return [=](Rig& rig) {
+        RobotPositionVariableData variable;
+        variable.positionData.coordinateType = type;
+        variable.positionData.userCoordinateNumber = user;
+        variable.positionData.toolNumber = tool;
+        return rig->Variables->robotPositionVariable->Write(variable);
+    };
+}
+
+Operation AddPoint(harvlink::Motion motion, std::optional<harvlink::Motion> second = std::nullopt) {
+    return [=](Rig& rig) { return rig->MotionManager->AddPointToTrajectory(motion, second); };
+}
+
+harvlink::Motion Point(ControlGroupId group, double speed, MoveInterpolationType type = MoveInterpolationType::Joint) {
+    harvlink::Motion motion;
+    motion.controlGroup = group;
+    motion.speed = speed;
+    motion.moveType = type;
+    return motion;
+}
+
+harvlink::Motion PointOfRatios(double acceleration, double deceleration) {
+    harvlink::Motion motion = Point(ControlGroupId::R1, 10.0);
+    motion.accelerationRatio = acceleration;
+    motion.decelerationRatio = deceleration;
+    return motion;
+}
+
+harvlink::Motion PointIn(CoordinateType type) {
+    harvlink::Motion motion = Point(ControlGroupId::R1, 10.0);
+    motion.position.coordinateType = type;
+    return motion;
+}
+
+Operation ReadBit(unsigned address) {
+    return [=](Rig& rig) {
+        bool value = false;
+        return rig->IO->ReadBit(address, value);
+    };
+}
+
+Operation WriteByte(unsigned address) {
+    return [=](Rig& rig) {
+        unsigned char value = 0;
+        return rig->IO->WriteByte(address, value);
+    };
+}
+
+Operation WriteWord(IOType type, unsigned short group) {
+    return [=](Rig& rig) {
+        unsigned short value = 0;
+        return rig->IO->WriteWord(type, group, value);
+    };
+}
+
+Operation ReadByteVariable(unsigned short index) {
+    return [=](Rig& rig) {
+        ByteVariableData variable;
+        return rig->Variables->byteVariable->Read(index, variable);
+    };
+}
+
+Operation ReadTimes(ControlGroupId group, TimeType type) {
+    return [=](Rig& rig) {
+        TimeData data;
+        return rig->Status->ReadOperatingTimes(group, type, data, ApplicationNumber::None);
+    };
+}
+
+Operation ReadParameter(SystemParameterType type, int number, std::optional<int> group = std::nullopt) {
+    return [=](Rig& rig) {
+        int value = 0;
+        return group ? rig->Status->ReadSystemParam(type, number, *group, value)
+                     : rig->Status->ReadSystemParam(type, number, value);
+    };
+}
+
+Operation Convert(PositionData position, KinematicConversions conversion,
+                  KinematicType type = KinematicType::KinematicFigure, ControlGroupId group = ControlGroupId::R1) {
+    return [=](Rig& rig) {
+        PositionData source = position;
+        PositionData result;
+        return conversion >= KinematicConversions::CartesianPosToJointAngle
+                   ? rig->Kinematics->ConvertPositionFromCartesian(group, source, conversion, type, {}, result)
+                   : rig->Kinematics->ConvertPosition(group, source, conversion, result);
+    };
+}
+
+Operation CheckKinematics(int parameter, bool hasAngles) {
+    return [=](Rig& rig) {
+        rig.Set([&](ControllerModel& model) { model.parameters.Set(SystemParameterType::S2C, 0, 430, parameter); });
+        return rig.Conversion().CheckInputCartPosParams(KinematicType::KinematicFromSystem, hasAngles);
+    };
+}
+
+PositionData Pose(CoordinateType type, double x) {
+    PositionData position;
+    position.coordinateType = type;
+    position.axes = {x, 0.0, 500.0, 180.0, 0.0, 0.0, 0.0, 0.0};
+    return position;
+}
+
+void Check(std::span<Case const> cases) {
+    for (Case const& each : cases) {
+        SCOPED_TRACE(each.card);
+        Explanation const card = Explain(each.card).front();
+        std::string const text = fmt::format("{} {}", card.advice.cause, card.advice.check);
+        EXPECT_NE(text.find(each.says), std::string::npos) << text;
+        Rig rig(each.generation);
+        StatusInfo const status = each.refused(rig);
+        EXPECT_EQ(status.StatusCode, card.code) << status;
+        if (each.accepted != nullptr) {
+            Rig other(each.generation);
+            StatusInfo const beside = each.accepted(other);
+            EXPECT_NE(beside.StatusCode, card.code) << beside;
+        }
+    }
+}
+
+/// Codes that no operation of a connection gives. Those of the first row are raised by the tool or by nothing, those of
+/// the second while connecting.
+constexpr std::array NotOfAnOperation{0x10000, 0x10001, 0x10002, 0x20000, 0x20004, 0x20005, 0x20006, 0x20010, //
+                                      0x10003, 0x10007};
+
+TEST(Cards, SayWhatTheLibraryRefuses) {
+    using enum CoordinateType;
+    using enum ControlGroupId;
+    std::array const cases = std::to_array<Case>({
+        {"0x10004", "below 10", ReadBit(9), ReadBit(10)},
+        {"0x10004", "ends in 8 or 9", ReadBit(18), ReadBit(17)},
+        {"0x20001", ".JBI, .DAT, .CND, .PRM, .SYS, .LST, .LOG.", Load("A.TXT", "")},
+        {"0x20002", "exists already",
+         [](Rig& rig) {
+             test::ScratchFolder const folder;
+             test::WriteFile("A.CND", "");
+             return rig->Files->SaveFromControllerToFile("TOOL.CND", "A.CND", false);
+         }},
+        {"0x20003", "no such file on this computer",
+         [](Rig& rig) { return rig->Files->LoadToControllerFromPath("/no/such/A.DAT"); }},
+        {"0x20007", "longer than 32 characters, its extension included", LoadNameOf(33), LoadNameOf(32)},
+        {"0x20007", "longer than 32 characters, its extension included",
+         [](Rig& rig) { return rig->Job->SetActiveJob(std::string(29, 'A') + ".JBI", 0); },
+         [](Rig& rig) { return rig->Job->SetActiveJob("", 0); }},
+        {"0x20009", "no such group in this generation",
+         [](Rig& rig) {
+             unsigned char value = 0;
+             return rig->IO->ReadByte(IOType::GeneralOutput, 513, value);
+         },
+         [](Rig& rig) {
+             unsigned char value = 0;
+             return rig->IO->ReadByte(IOType::GeneralOutput, 512, value);
+         }},
+        {"0x20009", "A word needs a second group to be written", WriteWord(IOType::GeneralOutput, 512),
+         WriteWord(IOType::GeneralOutput, 511)},
+        {"0x20011", "needs the previous angles", CheckKinematics(1, false), CheckKinematics(1, true)},
+        {"0x20012", "neither 0 (figure) nor 1 (Delta)", CheckKinematics(2, true), CheckKinematics(0, false)},
+        {"0x20013", "before the request was sent",
+         [](Rig& rig) {
+             PositionData position;
+             PositionData result;
+             return rig->Kinematics->ConvertPositionFromCartesian(
+                 R1, position, KinematicConversions::PulseToJointAngle, KinematicType::Delta, {}, result);
+         }},
+        {"0x20014", "before the request was sent",
+         [](Rig& rig) {
+             PositionData position;
+             PositionData result;
+             return rig->Kinematics->ConvertPosition(R1, position, KinematicConversions::CartesianPosToPulse, result);
+         }},
+        {"0x20015", "from YA up, robot and user", ReadPosition(R1, ToolCoordinate, 1, 0),
+         ReadPosition(R1, RobotCoordinate, 1, 0)},
+        {"0x20015", "from YA up, robot and user", ReadPosition(R1, RobotCoordinate, 1, 0),
+         ReadPosition(R1, BaseCoordinate, 1, 0), VersionFS},
+        {"0x20015", "not given in joint angles", AddPoint(PointIn(JointAngle)), AddPoint(PointIn(BaseCoordinate))},
+        {"0x20015", "not given in joint angles", WritePosition(JointAngle, 1, 0), WritePosition(Pulse, 1, 0)},
+        {"0x20016", "Use tool 0", ReadPosition(R1, Pulse, 1, 1), ReadPosition(R1, Pulse, 1, 0), VersionFS},
+        {"0x30001", "", AddPoint(Point(R1, 100.01)), AddPoint(Point(R1, 100.0))},
+        {"0x30002", "", AddPoint(Point(R1, 0.09, MoveInterpolationType::Line)),
+         AddPoint(Point(R1, 0.1, MoveInterpolationType::Line))},
+        {"0x30005", "no motion, conversion, job stack or parameters", StartMotion, nullptr, VersionFS},
+        {"0x30005", "no motion, conversion, job stack or parameters", ReadParameter(SystemParameterType::RS, 22),
+         nullptr, VersionDN},
+        {"0x30006", "wrong address",
+         [](Rig&) {
+             StatusInfo status;
+             static_cast<void>(Connect(test::NextLoopbackAddress(), status, 1, 0, false));
+             return status;
+         }},
+        {"0x30007", "network inputs, general outputs and interface panel inputs", WriteByte(30010), WriteByte(60010)},
+        {"0x30007", "network inputs, general outputs and interface panel inputs", WriteByte(10), WriteByte(10010)},
+        {"io:40961", "DS, DN and FS do not write it", WriteByte(10010), WriteByte(25010), VersionFS},
+        {"io:40961", "begins at a multiple of ten", WriteByte(27011), WriteByte(27010)},
+        {"0x30008", "above 2048",
+         [](Rig& rig) { return rig->IO->WriteRegister(2049, static_cast<unsigned short>(0)); }, ReadByteVariable(0)},
+        {"0x30008", "fewer variables of this kind", ReadByteVariable(2048)},
+        {"0x30009", "20 to 100 per cent", AddPoint(PointOfRatios(19.99, 20)), AddPoint(PointOfRatios(20, 100))},
+        {"0x30010", "20 to 100 per cent", AddPoint(PointOfRatios(20, 100.01)), AddPoint(PointOfRatios(20, 100))},
+        {"0x30011", "no such parameter", ReadParameter(SystemParameterType{7}, 1)},
+        {"0x30012", "S1C, S1E and S2E", ReadParameter(SystemParameterType::S2E, 1),
+         ReadParameter(SystemParameterType::S3C, 1)},
+        {"0x30013", "headers of another version",
+         [](Rig&) {
+             StatusInfo status;
+             OpenConnection("127.0.0.1", status, 1, 0, false, "1.1.4");
+             return status;
+         }},
+        {"0x30014", "name of the file", Load("B.JBI", Job), Load("A.JBI", Job)},
+        {"0x30014", "in upper case", Load("A.JBI", "//NAME a")},
+        {"0x30014", "Of a path only the beginning is searched, normally 479 characters",
+         LoadPath("A.JBI", std::string(479, ' ') + "//NAME A"), LoadPath("A.JBI", std::string(471, ' ') + "//NAME A")},
+        {"0x30015", "no such group", ReadPosition(R2, Pulse, 1, 0), ReadPosition(S3, Pulse, 1, 0)},
+        {"0x30016", "The parameter has no such group", ReadParameter(SystemParameterType::S1C, 1, 0),
+         ReadParameter(SystemParameterType::S1C, 1, 1)},
+        {"0x30017", "no such category",
+         [](Rig& rig) {
+             AlarmHistory history;
+             return rig->Faults->GetAlarmHistory(AlarmCategory{500}, 1, history);
+         }},
+        {"0x40000001", "a folder, a pipe or a device",
+         [](Rig& rig) {
+             test::ScratchFolder const folder;
+             std::filesystem::create_directory(folder.Path() / "A.DAT");
+             return rig->Files->LoadToControllerFromPath((folder.Path() / "A.DAT").string());
+         }},
+        {"3370", "none of the controller's four motion slots", AddPoint(Point(S3, 10.0)), AddPoint(Point(S2, 10.0))},
+        {"3370", "the second replaces the first", AddPoint(Point(R2, 10.0)),
+         AddPoint(Point(R1, 10.0), Point(R1, 20.0))},
+        {"3460", "the type is Undefined", WritePosition(Undefined, 1, 0), WritePosition(MasterTool, 1, 0)},
+        {"45069", "64 where there are 64", WritePosition(Pulse, 1, 65), nullptr},
+        {"45069", "64 where there are 64", ReadPosition(R1, UserCoordinate, 1, 65)},
+        {"45070", "it is 1 to 63", WritePosition(UserCoordinate, 64, 0), WritePosition(UserCoordinate, 63, 0)},
+        {"45070", "it is 1 to 63", ReadPosition(R1, UserCoordinate, 0, 0), ReadPosition(R1, UserCoordinate, 1, 0)},
+        {"job:20992", "above 9999", [](Rig& rig) { return rig->Job->SetActiveJob("A", 10000); }},
+        {"motion:65504", "none of the four motion slots",
+         [](Rig& rig) {
+             // The library's own check leaves the number as it is.
+             StatusInfo status;
+             rig->MotionManager->GetMotionTargetProgress(S3, status);
+             return StatusInformation(status.StatusCode - 50'000'000);
+         }},
+    });
+    Check(cases);
+    std::set<std::int32_t> held(NotOfAnOperation.begin(), NotOfAnOperation.end());
+    held.insert(0x20008); // below
+    for (Case const& each : cases) {
+        held.insert(Explain(each.card).front().code);
+    }
+    for (Explanation const& card : ExplainAll()) {
+        EXPECT_TRUE(card.code < 0x10000 || held.contains(card.code)) << std::hex << card.code;
+    }
+}
+
+TEST(Cards, SayWhatTheControllerRefuses) {
+    using simulator::HoldSource;
+    using simulator::Mode;
+    using enum CoordinateType;
+    using enum ControlGroupId;
+    using enum KinematicConversions;
+    auto const servos = [](Rig& rig) { return rig->ControlCommands->SetServos(SignalStatus::On); };
+    auto const alarm = [](ControllerModel& model) { model.RaiseAlarm(4107, 1, "Alarm"); };
+    auto const hold = [](HoldSource source) {
+        return [source](ControllerModel& model) { model.SetHold(source, true); };
+    };
+    std::array const cases = std::to_array<Case>({
+        {"0x2010", "A job runs.", [](Rig& rig) { return rig.Run("TIMER T=9.00"), rig->Job->SetActiveJob("A", 0); }},
+        {"0x2020", "hold key of the pendant", WithServo(true, hold(HoldSource::Pendant), StartJob)},
+        {"0x2040", "PLC, HMI or safety circuit", WithServo(true, hold(HoldSource::External), StartJob)},
+        {"0x2050", "harvlink hold off", WithServo(true, hold(HoldSource::Command), StartJob)},
+        {"0x2060", "nothing moves before it is cleared", WithServo(true, alarm, StartJob)},
+        {"0x2070", "Servo power is off", WithServo(false, Nothing, StartJob)},
+        {"0x2080", "need remote mode", InMode(Mode::Teach, servos)},
+        {"0x2100", "not in remote mode", InMode(Mode::Play, servos)},
+        {"0x3350", "never taught", ReadPosition(R1, UserCoordinate, 1, 0)},
+        {"0x4060", "No job is selected", WithServo(true, Nothing, StartJob)},
+        {"0x4190", "Upper case letters, digits and '-' always do", Load("A/B.JBI", "//NAME A/B"), Load("A-1.JBI", "//NAME A-1")},
+        {"0x4230", "instruction of an option", Load("A.JBI", JobWith("WELD"))},
+        {"0x5130", "no NOP or END", Load("A.JBI", "/JOB\r\n//NAME A\r\n//INST\r\n")},
+        {"0x5200", "the line that was selected: the job has become shorter",
+         [](Rig& rig) {
+             rig.Run("TIMER T=9.00");
+             rig->ControlCommands->SetHold(SignalStatus::On);
+             rig->Job->SetActiveJob("A", 2);
+             rig->ControlCommands->SetHold(SignalStatus::Off);
+             rig.Set([](ControllerModel& model) { model.files.Put("A.JBI", Job); });
+             return StartJob(rig);
+         }},
+        {"40961", "a task",
+         [](Rig& rig) {
+             JobData data;
+             return rig->Job->GetExecutingJobInformation(TesselTaskNumber{8}, data);
+         }},
+        {"40961", "operating time", ReadTimes(R1, TimeType{220}), ReadTimes(S1, TimeType::MovingStation)},
+        {"40961", "a signal", ReadBit(90010)},
+        {"-59959039", "no such group",
+         [](Rig& rig) {
+             TorqueData data;
+             return rig->ControlGroup->ReadTorqueData(R2, data);
+         }},
+        {"45063", "no such robot, station or application",
+         [](Rig& rig) {
+             SystemInfoData data;
+             return rig->Status->ReadSystemInformation(SystemInfoId::Robot5, data);
+         }},
+        {"45067", "Pulse always", [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, MasterTool, 0); },
+         [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, ToolCoordinate, 0); }},
+        {"45069", "numbered 0 to 63", WritePosition(Pulse, 1, 64), WritePosition(Pulse, 1, 63)},
+        {"51200", "the group does not exist", ReadTimes(R2, TimeType::ServoPowerRobot)},
+        {"57996", "RS214",
+         [](Rig& rig) {
+             rig.Set([](ControllerModel& model) { model.parameters.Set(SystemParameterType::RS, 0, 214, 0); });
+             rig->Files->LoadToControllerFromString("A.DAT", "1");
+             return rig->Files->LoadToControllerFromString("A.DAT", "2");
+         }},
+        {"58034", "needs remote mode", InMode(Mode::Play, Load("A.JBI", Job)),
+         InMode(Mode::Play,
+                [](Rig& rig) {
+                    std::string text;
+                    return rig->Files->SaveFromControllerToString("TOOL.CND", text);
+                })},
+        {"58035", "no such file", [](Rig& rig) { return rig->Files->DeleteJobFile("NONE"); }},
+        {"file:58014", "does not allow this file to be written",
+         [](Rig& rig) {
+             std::vector<FileBlock> none;
+             return rig.Files().SendTheBuffer("ALL.PRM", none);
+         }},
+        {"0xFFFF", "no such register",
+         [](Rig& rig) {
+             unsigned short value = 0;
+             return rig->IO->ReadRegister(3000, value);
+         }},
+        {"io:65535", "not in remote mode", InMode(Mode::Play, WriteByte(27010))},
+        {"motion:65535", "not in remote mode", InMode(Mode::Play, StartMotion)},
+        {"motion:65534", "Servo power is off", StartMotion},
+        {"motion:65533", "A hold is active", WithServo(true, hold(HoldSource::External), StartMotion)},
+        {"motion:65532", "An alarm or error is active", WithServo(true, alarm, StartMotion)},
+        {"motion:65529", "not in a mode", InMode(Mode::Teach, StartMotion)},
+        {"motion:65528", "A job runs", [](Rig& rig) { return rig.Run("TIMER T=9.00"), StartMotion(rig); }},
+        {"motion:65501", "1 to 63",
+         [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, UserCoordinate, 64); },
+         [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, UserCoordinate, 63); }},
+        {"motion:65446", "never taught",
+         [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, UserCoordinate, 63); }},
+        {"motion:65491", "0 to 63", [](Rig& rig) { return rig.Motion().SetTool(TargetControlGroup::GroupOne, 64); },
+         [](Rig& rig) { return rig.Motion().SetTool(TargetControlGroup::GroupOne, 63); }},
+        {"motion:65489", "20 to 100",
+         [](Rig& rig) { return rig.Motion().SetAccelRatio(TargetControlGroup::GroupOne, 1999); },
+         [](Rig& rig) { return rig.Motion().SetAccelRatio(TargetControlGroup::GroupOne, 2000); }},
+        {"motion:65488", "20 to 100",
+         [](Rig& rig) { return rig.Motion().SetDecelRatio(TargetControlGroup::GroupOne, 10001); },
+         [](Rig& rig) { return rig.Motion().SetDecelRatio(TargetControlGroup::GroupOne, 10000); }},
+        {"job:20992", "no such line",
+         [](Rig& rig) { return rig.Run("TIMER T=0.01"), rig->ControlCommands->SetHold(SignalStatus::On), rig->Job->SetActiveJob("A", 9999); }},
+        {"job:16448", "upper and lower case are the same", [](Rig& rig) { return rig->Job->SetActiveJob("B", 0); },
+         [](Rig& rig) {
+             rig.Set([](ControllerModel& model) { model.files.Put("A.JBI", Job); });
+             return rig->Job->SetActiveJob("a", 0);
+         }},
+        {"job:65535", "no such task",
+         [](Rig& rig) {
+             std::vector<std::string> jobs;
+             return rig->Job->GetJobStack(TesselTaskNumber{8}, jobs);
+         }},
+        {"conversion:65535", "kinematic type", Convert(Pose(BaseCoordinate, 600), CartesianPosToPulse, KinematicType{9})},
+        {"conversion:65534", "Only robots have Cartesian positions", Convert({}, PulseToCartesianPos, {}, S1)},
+        {"conversion:65533", "no such group", Convert({}, PulseToJointAngle, {}, R2)},
+        {"conversion:65531", "No posture of the arm reaches the position", Convert(Pose(BaseCoordinate, 9000), CartesianPosToJointAngle)},
+        {"conversion:65530", "not a position", Convert(Pose(MasterTool, 600), CartesianPosToJointAngle)},
+    });
+    Check(cases);
+}
+
+TEST(Cards, NameTheKindsOfFilesThatAreWritten) {
+    Explanation const card = Explain("0x20008").front();
+    std::string const cause(card.advice.cause);
+    Rig rig(VersionYA);
+    for (FileKind const& kind : FileKinds) {
+        std::string const extension(kind.Extension());
+        std::size_t const place = cause.find(extension.substr(1));
+        ASSERT_NE(place, std::string::npos) << extension;
+        int const code = rig->Files->LoadToControllerFromString("A" + extension, Job).StatusCode;
+        EXPECT_EQ(code == card.code, place > cause.find(" not ")) << extension << ' ' << code;
+    }
+}
+
+/// 64 tool files are numbered 0 to 63, yet the library lets 64 pass to the controller, which refuses it.
+TEST(Cards, SayWhoRefusesTheToolBehindTheLast) {
+    Rig rig(VersionYA);
+    EXPECT_EQ(WritePosition(CoordinateType::Pulse, 1, 65)(rig).Message, "Tool File does not exist. Check tool number.");
+    EXPECT_EQ(WritePosition(CoordinateType::Pulse, 1, 64)(rig).Message, "Tool No. setting error");
+}
+
+} // namespace
+} // namespace harvlink::cli
