@@ -1,7 +1,7 @@
-"""Builds the wheel: the package, and beside it the shared object of a build of the library.
+"""Builds the wheel: the package with the shared object of a build of the library.
 
-Nothing has to be compiled, so the standard library does. The shared object comes from HARVLINK_LIBRARY or from the
-checkout's build folders.
+It compiles nothing, so Python's standard library is enough. The shared object comes from HARVLINK_LIBRARY or from the
+build folders of the checkout.
 """
 
 import base64
@@ -26,7 +26,7 @@ Tag: {tag}
 
 
 def _project():
-    """The strings of the project's table. Python before 3.11 has no parser for the rest."""
+    """The strings of the table [project]. Python before 3.11 has no TOML parser."""
     table = (HERE / "pyproject.toml").read_text(encoding="utf-8").split("[project]")[1]
     project = dict(re.findall(r'^([\w-]+) = "(.*)"$', table, re.MULTILINE))
     source = (PACKAGE / "__init__.py").read_text(encoding="utf-8")
@@ -66,7 +66,7 @@ def _stem():
 
 
 def _entry(path):
-    """A file of a wheel, as old as SOURCE_DATE_EPOCH says: the same sources make the same wheel."""
+    """A file of a wheel, dated by SOURCE_DATE_EPOCH, so that the same sources make the same wheel."""
     entry = zipfile.ZipInfo(path, time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time())))[:6])
     entry.compress_type = zipfile.ZIP_DEFLATED
     entry.external_attr = 0o644 << 16
@@ -113,5 +113,5 @@ def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
 
 
 def build_editable(wheel_directory, config_settings=None, metadata_directory=None):
-    """`pip install -e`: the checkout's own files, and the library where the package finds it there."""
+    """`pip install -e`: uses the files of the checkout, and the library in its build folders."""
     return _write_wheel(wheel_directory, {"harvlink.pth": f"{HERE}\n".encode()}, "any")

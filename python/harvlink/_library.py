@@ -17,35 +17,35 @@ _INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctyp
 
 
 def exact(integer: Any, value: int) -> int:
-    """`value`, which must fit the C type: left to itself, the conversion would cut off its high bits."""
+    """Returns `value` if it fits the C type. ctypes alone would silently cut off the high bits."""
     if isinstance(value, slice):
-        raise TypeError("an index, not a slice: an exchange carries one value")
+        raise TypeError("use an index, not a slice: an exchange carries one value")
     value = operator.index(value)
     if integer(value).value != value:
-        raise OverflowError(f"{value} does not fit {8 * ctypes.sizeof(integer)} bits")
+        raise OverflowError(f"{value} does not fit into {8 * ctypes.sizeof(integer)} bits")
     return value
 
 
 def switch(name: str, value: bool) -> bool:
-    """`value`, which must be a truth value: a text such as "off" would count as true."""
+    """Returns `value` if it is a bool. Python would otherwise take a text such as "off" as true."""
     if not isinstance(value, bool):
         raise TypeError(f"{name} takes True or False, not {value!r}")
     return value
 
 
 def text_bytes(text: str) -> bytes:
-    """A text as it goes to the controller, one byte per character."""
+    """A text in the encoding of the controller, one byte per character."""
     return _without_zero(text.encode("latin-1"))
 
 
 def path_bytes(path: Path) -> bytes:
-    """A path as this computer's file system spells it."""
+    """A path in the encoding of this computer's file system."""
     return _without_zero(os.fsencode(path))
 
 
 def _without_zero(text: bytes) -> bytes:
     if b"\0" in text:
-        raise ValueError("a text must not hold zero bytes: it would end there")
+        raise ValueError("a text must not contain a zero byte: it would end there")
     return text
 
 
@@ -71,9 +71,9 @@ def _checked(types: Sequence[Any], arguments: Sequence[Any]) -> Iterator[Any]:
 
 
 def candidates() -> Iterator[pathlib.Path]:
-    """Where the shared object may be: as told, beside the package, in the build folders of a checkout."""
+    """Paths where the shared object may be: HARVLINK_LIBRARY, beside the package, the build folders of a checkout."""
     if "HARVLINK_LIBRARY" in os.environ:
-        # Whoever names a library wants that one or none.
+        # A user who sets it must not get another library by accident.
         yield pathlib.Path(os.environ["HARVLINK_LIBRARY"])
         return
     package = pathlib.Path(__file__).resolve().parent
@@ -84,9 +84,9 @@ def candidates() -> Iterator[pathlib.Path]:
 
 @functools.lru_cache(maxsize=None)
 def load() -> Library:
-    """The library, loaded once. A missing one is an OSError."""
+    """Loads the library once. Raises OSError if it is missing."""
     found = next((path for path in candidates() if path.is_file()), None)
     if found is None and "HARVLINK_LIBRARY" in os.environ:
-        raise OSError(f"HARVLINK_LIBRARY names no file: {os.environ['HARVLINK_LIBRARY']}")
-    # The last resort is what the system's loader knows.
+        raise OSError(f"HARVLINK_LIBRARY does not name a file: {os.environ['HARVLINK_LIBRARY']}")
+    # Otherwise the system's loader looks for an installed one.
     return Library(str(found or "libharvlink.so.1"))

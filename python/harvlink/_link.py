@@ -1,4 +1,4 @@
-"""One open connection, guarded: it can be used by several threads and is closed once."""
+"""One open connection. Several threads can use it, and it is closed once."""
 
 import contextlib
 import ctypes
@@ -40,12 +40,12 @@ class Link:
             self._library.call("close_connection", handle)
 
     def call(self, name: str, *arguments: Any) -> Any:
-        """What the function returns, as it is: a status still has to be settled."""
+        """Returns what the function returns. The caller still has to settle a status."""
         with self._use() as handle:
             return self._library.call(name, handle, *arguments)
 
     def do(self, name: str, *arguments: Any) -> None:
-        """Calls a function that hands out no text but its status."""
+        """Calls a function that returns a status and no other text, and settles the status."""
         settle(self.call(name, *arguments))
 
     @contextlib.contextmanager

@@ -1,4 +1,4 @@
-"""The plain functions: result and arguments by name, and nothing else."""
+"""The plain functions: result and argument types by name."""
 
 import ctypes
 from ctypes import c_bool, c_char_p, c_double, c_int, c_int32, c_ubyte, c_uint, c_uint32, c_ushort

@@ -1,4 +1,4 @@
-"""The records of harvlink_c.h, field by field in its order and under its names."""
+"""The records of harvlink_c.h, with the same fields in the same order."""
 
 import ctypes
 from ctypes import c_bool, c_char_p, c_double, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32
@@ -12,7 +12,7 @@ class OwnedText(ctypes.c_void_p):
     """A text that the library allocated for us."""
 
     def take(self) -> str:
-        """The text, after which its memory is released. Once only."""
+        """Returns the text and releases its memory. Call it only once."""
         address, self.value = self.value, None
         if address is None:
             raise MemoryError("the library could not allocate a text")
@@ -101,7 +101,7 @@ class RealVariableData(ctypes.Structure):
 
 
 class IStringVariableData(ctypes.Structure):
-    """As a read fills it; a write takes StringToWrite, which has the same layout and owns nothing."""
+    """The record that a read fills. A write takes StringToWrite, which has the same layout and owns no memory."""
 
     _fields_ = [("value", OwnedText), ("variableIndex", c_uint16)]
 

@@ -1,15 +1,15 @@
-"""Which number, in the controller's count of reached targets, a queued motion has."""
+"""The number that a queued motion has in the controller's count of reached targets."""
 
 import collections
 import threading
 from typing import Any, Deque, Dict, Iterable, Optional, Tuple
 
-# Motions further back than this are no longer told from those that were never queued.
+# Older motions than these count as never queued.
 _REMEMBERED = 1024
 
 
 class TargetCount:
-    """Counts the targets of each group since the controller last cleared them, as it does when a connection opens."""
+    """Counts the targets of each group since the controller last cleared them. Opening a connection clears them too."""
 
     def __init__(self) -> None:
         self.lock = threading.Lock()
@@ -22,35 +22,35 @@ class TargetCount:
         self._motions: Deque[Tuple[Any, int]] = collections.deque(maxlen=_REMEMBERED)
 
     def add(self, targets: Iterable[Tuple[int, Any]]) -> None:
-        """Targets of one step, by group. The caller holds the lock, so that the order is that of the queue."""
+        """Adds the targets of one step, by group. The caller holds the lock, so that the order is that of the queue."""
         for group, motion in dict(targets).items():
             self._queued[group] += 1
             self._motions.append((motion, self._queued[group]))
 
     def clear(self) -> None:
-        """The controller has cleared its targets."""
+        """Starts again after the controller has cleared its targets."""
         with self.lock:
             self._restart(True)
 
     def forget(self) -> None:
-        """The controller may have cleared its targets: nothing is known until it surely does."""
+        """The controller may have cleared its targets: the count is unknown until `clear`."""
         with self.lock:
             if self._queued:
                 self._restart(False)
 
     def number(self, motion: Any) -> Optional[int]:
-        """The number of a motion when it was last queued. None if that isn't known for sure."""
+        """The number of a motion when it was last queued. None if it is not known for sure."""
         with self.lock:
             numbers = (number for queued, number in reversed(self._motions) if queued is motion)
             return next(numbers, None) if self._is_known else None
 
     def is_followed(self, group: int, number: int) -> bool:
-        """Whether the group does not stay at this target, since another one was queued behind it."""
+        """Whether another target of the group was queued after this one, so that the group does not stay there."""
         with self.lock:
             return number < self._queued[group]
 
     def see(self, group: int, progress: float) -> None:
-        """A progress that the controller told. One that went back shows that the targets were cleared by others."""
+        """Takes a progress that the controller reported. If it went back, another program has cleared the targets."""
         with self.lock:
             if progress >= self._reached[group]:
                 self._reached[group] = progress

@@ -1,4 +1,4 @@
-"""Opening a connection, and the object from which everything else is reached."""
+"""Opens a connection. Its object gives access to everything else."""
 
 import ipaddress
 import warnings
@@ -25,9 +25,9 @@ from .variables import Variables
 def connect(address: str, timeout: float = 0.5, retries: int = 3) -> "Robot":
     """Opens a connection to the controller at an IPv4 address in dotted form.
 
-    An exchange waits at most (1 + retries) x timeout (seconds) for its answer; a request is never sent twice. Nothing
-    on the controller changes, except that newer ones drop motion targets that were not yet played. ValueError for a
-    host name: names are not looked up.
+    An exchange waits at most (1 + retries) x timeout (seconds) for its answer; a request is never sent twice. Opening a
+    connection changes nothing on the controller, except that newer controllers drop motion targets that they have not
+    played yet. Raises ValueError for a host name: names are not looked up.
     """
     _check_address(address)
     return Robot(Link(load(), address, timeout, retries))
@@ -45,8 +45,8 @@ def _check_address(address: str) -> None:
 class Robot:
     """A connection to one controller, closed at the end of a `with` block. May be used by several threads at once.
 
-    Failed operations raise harvlink.Error; those that succeed with a reservation warn with harvlink.Note. After `close`
-    everything raises ValueError.
+    A failed operation raises harvlink.Error. An operation that succeeds only in part, for example by cutting a text,
+    warns with harvlink.Note. After `close` every operation raises ValueError.
     """
 
     def __init__(self, link: Link) -> None:
@@ -75,14 +75,14 @@ class Robot:
         user_coordinate: int = 0,
         tool: int = 0,
     ) -> Position:
-        """Where a group stands now; see ControlGroups.position."""
+        """The current position of a group; see ControlGroups.position."""
         return self.groups.position(group, kind, user_coordinate=user_coordinate, tool=tool)
 
     def close(self) -> None:
-        """Ends the connection; a second time does nothing. Sends nothing: a robot in motion is not stopped.
+        """Closes the connection; a second call does nothing. It sends nothing, so a moving robot does not stop.
 
-        Waits until queued points were sent, without a bound while the controller has no room for them:
-        `motion.stop(clear=True)` ends that.
+        Waits until all queued points are sent, without limit while the controller's buffer is full.
+        `motion.stop(clear=True)` ends this wait.
         """
         self._link.close()
 

@@ -1,16 +1,16 @@
-"""Switches of the controller. They act on a real machine, and need remote mode."""
+"""Servo power, hold, cycle, pendant and job start. They act on a real machine and need remote mode."""
 
 from ._library import switch, text_bytes
 from ._link import Link
 from .enums import CycleMode
 
-# As the controller counts them.
+# The values of the controller's protocol.
 _ON = 1
 _OFF = 2
 
 
 class ControlCommands:
-    """After ErrorCode.RESPONSE_TIMEOUT it is not known whether a command took effect: read the state first."""
+    """After ErrorCode.RESPONSE_TIMEOUT a command may or may not have taken effect: read the state first."""
 
     def __init__(self, link: Link) -> None:
         self._link = link
@@ -20,7 +20,7 @@ class ControlCommands:
         self._link.do("control_commands_interface_SetServos", _ON if switch("servos", on) else _OFF)
 
     def hold(self, on: bool) -> None:
-        """Holds what runs, or releases the hold."""
+        """Holds the running job and motion, or releases the hold."""
         self._link.do("control_commands_interface_SetHold", _ON if switch("hold", on) else _OFF)
 
     def cycle(self, mode: CycleMode) -> None:

@@ -16,7 +16,7 @@ class ControlGroups:
     def position(
         self, group: Group, kind: CoordinateType = CoordinateType.PULSE, *, user_coordinate: int = 0, tool: int = 0
     ) -> Position:
-        """Where a group stands. Kinds are PULSE, BASE and, on newer controllers, ROBOT and USER; `tool` and
+        """The position of a group. Kinds are PULSE, BASE and, on newer controllers, ROBOT and USER; `tool` and
         `user_coordinate` (1 to 63) are ignored for PULSE. With BASE and ROBOT a tool that does not exist gives zeros.
         """
         record = _records.PositionData()
@@ -24,13 +24,13 @@ class ControlGroups:
         return from_record(record)
 
     def axis_letters(self, group: Group) -> str:
-        """The letters of the axes that the group has, such as "SLURBT"."""
+        """The letters of the group's axes, such as "SLURBT"."""
         letters = ctypes.create_string_buffer(AXES)
         self._read("axis_configuration", group, letters)
         return letters.raw.replace(b"\0", b"").decode("latin-1")
 
     def position_error(self, group: Group) -> Tuple[int, ...]:
-        """Commanded less reached position of the eight axes, in pulses."""
+        """Commanded minus actual position of the eight axes, in pulses."""
         record = _records.PositionErrorData()
         self._read("position_error", group, ctypes.byref(record))
         return tuple(record.axes)

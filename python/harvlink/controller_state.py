@@ -1,4 +1,4 @@
-"""The controller as a whole: its state, what it is, how long it has run."""
+"""The controller as a whole: state, model and version, operating times, system parameters."""
 
 import ctypes
 import dataclasses
@@ -13,7 +13,7 @@ from .errors import settle
 
 @dataclasses.dataclass(frozen=True)
 class State:
-    """The state at the moment of the read. `is_hold` covers hold by the pendant, from outside and by command."""
+    """The state at the moment of the read. `is_hold` covers holds by the pendant, an external signal and a command."""
 
     cycle_mode: CycleMode
     is_running: bool
@@ -32,7 +32,7 @@ class SystemInformation:
 
 @dataclasses.dataclass(frozen=True)
 class OperatingTime:
-    """`start` is when the counter began, by the controller's own clock; `elapsed` counts whole seconds."""
+    """`start` is the time at which the counter began, by the controller's clock; `elapsed` is in whole seconds."""
 
     start: datetime.datetime
     elapsed: datetime.timedelta
@@ -64,7 +64,7 @@ class ControllerState:
         return information
 
     def operating_time(self, counter: TimeType, group: Group = "R1", application: int = 0) -> OperatingTime:
-        """One counter. `group` matters to counters of a robot or station, `application` (1 to 8) to APPLICATION."""
+        """One counter. Counters of a robot or station use `group`, APPLICATION uses `application` (1 to 8)."""
         record = _records.TimeData()
         self._link.do(
             "controller_state_interface_read_operating_times",
@@ -80,7 +80,7 @@ class ControllerState:
         )
 
     def system_parameter(self, family: SystemParameterType, number: int, group: Optional[int] = None) -> int:
-        """A system parameter. Families S1C, S1E and S2E need the number of a group: robots count from 1, bases from 9,
+        """A system parameter. Families S1C, S1E and S2E need the number of a group: robots from 1, bases from 9,
         stations from 17."""
         value = ctypes.c_int()
         if group is None:

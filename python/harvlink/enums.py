@@ -6,7 +6,7 @@ from typing import Optional, Union
 
 
 class OpenEnum(enum.IntEnum):
-    """Takes any number: one without a name here keeps its value, since a newer controller may know more of them."""
+    """Takes any number. A number without a name keeps its value, because a newer controller may have more of them."""
 
     @classmethod
     def _missing_(cls, value: object) -> Optional["OpenEnum"]:
@@ -32,17 +32,17 @@ Group = Union[ControlGroupId, int, str]
 
 
 def group_number(group: Group) -> int:
-    """The number of a group; ValueError for a name that no group has."""
+    """The number of a group. Raises ValueError if no group has this name."""
     if not isinstance(group, str):
         return operator.index(group)
     try:
         return int(ControlGroupId[group.upper()])
     except KeyError:
-        raise ValueError(f"{group!r} is no control group such as R1, B1 or S12") from None
+        raise ValueError(f"{group!r} is not a control group such as R1, B1 or S12") from None
 
 
 class CoordinateType(OpenEnum):
-    """How the eight axes of a position are to be read."""
+    """The meaning of the eight axes of a position."""
 
     PULSE = 0
     BASE = 16
@@ -87,7 +87,7 @@ class ControlMode(OpenEnum):
 
 
 class SystemInfoId(OpenEnum):
-    """What system information tells about."""
+    """The subject of system information."""
 
     ROBOT1, ROBOT2, ROBOT3, ROBOT4, ROBOT5, ROBOT6, ROBOT7, ROBOT8 = range(11, 19)
     STATION1, STATION2, STATION3 = range(21, 24)
@@ -96,7 +96,7 @@ class SystemInfoId(OpenEnum):
 
 
 class SystemParameterType(OpenEnum):
-    """Family of a system parameter; S1C, S1E and S2E belong to a control group."""
+    """The family of a system parameter; S1C, S1E and S2E belong to a control group."""
 
     S1C = 0
     S2C = 1
@@ -109,7 +109,7 @@ class SystemParameterType(OpenEnum):
 
 
 class TimeType(OpenEnum):
-    """An operating time counter; ..._ROBOT needs a robot group, ..._STATION a station, the others none."""
+    """An operating time counter; ..._ROBOT needs a robot group, ..._STATION a station, the others need no group."""
 
     CONTROL_POWER = 1
     SERVO_POWER = 10
@@ -133,7 +133,7 @@ class AlarmCategory(OpenEnum):
 
 
 class FileType(OpenEnum):
-    """Kinds of controller files, by extension. PRM, SYS and LOG can't be written."""
+    """Kinds of controller files, by extension. PRM, SYS and LOG files cannot be written."""
 
     JBI = 0
     DAT = 1
@@ -145,7 +145,7 @@ class FileType(OpenEnum):
 
 
 class IOType(OpenEnum):
-    """A class of signals. Network inputs can be written; on newer controllers general outputs and panel inputs too."""
+    """A class of signals. Network inputs can be written; on newer controllers also general outputs and panel inputs."""
 
     GENERAL_INPUT = 0
     GENERAL_OUTPUT = 1
@@ -169,7 +169,7 @@ class MoveType(OpenEnum):
 
 
 class Conversion(OpenEnum):
-    """What a position is turned from and into."""
+    """The forms between which a position is converted."""
 
     JOINT_ANGLE_TO_CARTESIAN = 0
     PULSE_TO_JOINT_ANGLE = 1
@@ -180,7 +180,7 @@ class Conversion(OpenEnum):
 
 
 class KinematicType(OpenEnum):
-    """What decides between the arm configurations that reach a Cartesian position."""
+    """How to choose between the arm configurations that reach a Cartesian position."""
 
     FROM_SYSTEM = 0
     DELTA = 1
@@ -188,7 +188,7 @@ class KinematicType(OpenEnum):
 
 
 class ErrorCode(OpenEnum):
-    """Codes that the library itself raises; others come from the controller."""
+    """Codes that the library itself raises. All others come from the controller."""
 
     OPERATION_INTERRUPTED = 0xFFEF
     GENERAL_ERROR = 0xFFFF

@@ -1,20 +1,20 @@
-"""How operations fail, and how they tell of what a success left out."""
+"""The exception of a failed operation and the warning of a partial success."""
 
 import sys
 import warnings
 
 from ._records import IStatusInfo
 
-# What a success without a note says.
+# The messages of a success without a note.
 PLAIN_SUCCESS = ("", "OK", "Point added to trajectory.")
 
 
 class Error(Exception):
-    """An operation failed. `code` says where from:
+    """An operation failed. `code` shows the origin:
 
-    1 to 0xFFFF        the controller refused, or the alarm that ended motion.wait
-    0x10000 and up     the library refused or nobody answered, see ErrorCode
-    0x40000000 and up  a file on this computer failed, plus its error value
+    1 to 0xFFFF        the controller refused, or the number of the alarm that ended motion.wait
+    0x10000 and up     the library refused or no answer came, see ErrorCode
+    0x40000000 and up  a file on this computer failed: 0x40000000 plus an error value
     large negative     the controller refused: add 50000000 (motion), 60000000 (control group), 80000000 (job) or
                        0x70000000 (conversion) to get its own number
     """
@@ -29,11 +29,11 @@ class Error(Exception):
 
 
 class Note(UserWarning):
-    """An operation succeeded with a reservation, such as a text that was cut."""
+    """An operation succeeded, but not completely: a text was cut, for example."""
 
 
 def settle(status: IStatusInfo) -> None:
-    """Takes over a status: raises if it tells of a failure, warns if it tells of more than a success."""
+    """Releases the text of a status. Raises if the status is a failure, warns if a success has a note."""
     text = status.Message.take()
     if status.StatusCode != 0:
         raise Error(status.StatusCode, text)
@@ -42,7 +42,7 @@ def settle(status: IStatusInfo) -> None:
 
 
 def _frames_in_package() -> int:
-    """How far up the caller's own line is, so that a warning points there."""
+    """How many frames up the user's own line is, so that a warning points to it."""
     frame, level = sys._getframe(1), 1
     while frame is not None and str(frame.f_globals.get("__name__")).split(".")[0] == __package__:
         frame, level = frame.f_back, level + 1  # type: ignore[assignment]

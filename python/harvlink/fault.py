@@ -1,4 +1,4 @@
-"""Alarms: what is wrong now, and what was."""
+"""Active alarms and their history."""
 
 import ctypes
 import dataclasses
@@ -13,7 +13,7 @@ from .errors import settle
 
 @dataclasses.dataclass(frozen=True)
 class Alarm:
-    """`time` is as the controller writes it, by its own clock."""
+    """`time` is the controller's text, by the controller's clock."""
 
     code: int
     subcode: int
@@ -22,20 +22,20 @@ class Alarm:
 
 
 def _take(places: Any) -> List[Alarm]:
-    """Every place has texts to take over; those without an alarm have code 0."""
+    """Releases the texts of all places and returns the alarms. A place without an alarm has code 0."""
     alarms = [Alarm(place.code, place.subcode, place.time.take(), place.name.take()) for place in places]
     return [alarm for alarm in alarms if alarm.code != 0]
 
 
 class Alarms:
-    """Each alarm is an exchange of its own, so a list is no atomic view of the controller."""
+    """Each alarm is read by an exchange of its own: alarms can come and go while a list is read."""
 
     def __init__(self, link: Link, targets: TargetCount) -> None:
         self._link = link
         self._targets = targets
 
     def active(self) -> List[Alarm]:
-        """The alarms that are active, at most four."""
+        """The active alarms, at most four."""
         record = _records.IActiveAlarms()
         status = self._link.call("fault_interface_get_active_alarms", ctypes.byref(record))
         alarms = _take(record.alarms)
@@ -52,6 +52,6 @@ class Alarms:
 
     def clear(self) -> None:
         """Cancels the error and resets the alarms."""
-        # The alarm may have been that of a refused point, with which the library clears the controller's targets.
+        # If the alarm came from a refused point, the library has cleared the controller's targets.
         self._targets.forget()
         self._link.do("fault_interface_clear_all_faults")

@@ -1,4 +1,4 @@
-"""The controller's file store. A transfer blocks until it is done; do one at a time."""
+"""The files of the controller. A transfer blocks until it ends; run only one at a time."""
 
 import ctypes
 from typing import List, Union
@@ -42,7 +42,7 @@ class Files:
         return count.value
 
     def get(self, name: str) -> str:
-        """A text file, with the controller's line ends. For files that hold zero bytes take `download`."""
+        """A text file, with the controller's line ends. Use `download` for files that contain zero bytes."""
         status = _records.IStatusInfo()
         text: str = self._link.call(
             "file_interface_SaveFromControllerToString", text_bytes(name), ctypes.byref(status)
@@ -51,7 +51,7 @@ class Files:
         return text
 
     def put(self, name: str, text: str) -> None:
-        """Stores a text as a file; a job's "//NAME" line must name the file. The controller wants CR and LF."""
+        """Stores a text as a file, with CR LF line ends. The "//NAME" line of a job must match the file name."""
         self._link.do("file_interface_LoadToControllerFromString", text_bytes(name), text_bytes(text))
 
     def download(self, name: str, path: Path, overwrite: bool = False) -> None:
@@ -60,7 +60,7 @@ class Files:
         self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), path_bytes(path), overwrite)
 
     def upload(self, path: Path) -> None:
-        """Stores a file of this computer under its own name. Warns if a job does not show in the controller's list."""
+        """Stores a file of this computer under its own name. Warns if the controller does not list a stored job."""
         self._link.do("file_interface_LoadToControllerFromPath", path_bytes(path))
 
     def delete(self, name: str) -> None:

@@ -1,4 +1,4 @@
-"""Arithmetic on frames and vectors, without a connection. Lengths have whatever unit they come in."""
+"""Arithmetic on frames and vectors, without a connection. Lengths keep the unit of the inputs."""
 
 import ctypes
 import dataclasses
@@ -9,7 +9,7 @@ from ._library import load
 
 
 def _result(function: str, record: Any, *inputs: Any, after: Any = ()) -> Any:
-    """Calls a function whose result stands behind its inputs, and before what comes `after`."""
+    """Calls a function whose arguments are its inputs, then the result, then the values in `after`."""
     out = record()
     load().call(function, *(ctypes.byref(value) for value in inputs), ctypes.byref(out), *after)
     return out
@@ -50,7 +50,7 @@ class Pose:
 
 @dataclasses.dataclass(frozen=True)
 class Frame:
-    """A homogeneous frame: the rotation's columns n, o and a, then the position p. Starts as the identity."""
+    """A homogeneous frame: the columns n, o and a of the rotation, then the position p. The default is the identity."""
 
     n: Vector = Vector(1.0, 0.0, 0.0)
     o: Vector = Vector(0.0, 1.0, 0.0)
@@ -62,7 +62,7 @@ class Frame:
         return Frame._from(_result("frame_math_set_identity_matrix_in_frame", _records.EulerMatrix))
 
     def __matmul__(self, other: "Frame") -> "Frame":
-        """This frame times another one."""
+        """The product of this frame and another one."""
         return self._through("frame_math_multiply_frames", other._record())
 
     def inverse(self) -> "Frame":
@@ -70,7 +70,7 @@ class Frame:
         return self._through("frame_math_invert_frame")
 
     def rotated(self, axis: Vector, angle: float) -> "Frame":
-        """Turned by `angle` degrees, right-handed, about an axis of unit length through its own origin."""
+        """The frame turned by `angle` degrees, right-handed, about an axis of unit length through its own origin."""
         return self._through("frame_math_rotate_frame", axis._record(), after=(angle,))
 
     def pose(self) -> Pose:

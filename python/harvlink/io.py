@@ -1,7 +1,7 @@
 """Signals and registers.
 
-Eight signals form a group of one byte. A signal's address is the number of its group times ten plus its bit, 0 to 7; a
-byte or word is addressed by its first signal. By class, groups count from 1.
+Eight signals form a group of one byte. The address of a signal is the number of its group times ten plus its bit, 0 to
+7. The address of a byte or word is that of its first signal. Within a class, groups count from 1.
 """
 
 import ctypes
@@ -14,10 +14,10 @@ from .enums import IOType
 from .errors import settle
 
 BitPlace = Union[int, Tuple[IOType, int, int]]
-"""A signal: its address, or class, group and bit."""
+"""A signal: its address, or its class, group and bit."""
 
 GroupPlace = Union[int, Tuple[IOType, int]]
-"""A byte or word: the address of its first signal, or class and group."""
+"""A byte or word: the address of its first signal, or its class and group."""
 
 
 class _Places:
@@ -62,13 +62,13 @@ class Registers:
 
 
 class IO(_Places):
-    """Signals as booleans: `io[10010]` or `io[IOType.GENERAL_OUTPUT, 1, 0]`; more of them by `bytes`, `words` and
-    `registers`. Which ones can be written tells IOType. A write of several signals is not atomic."""
+    """Signals as booleans: `io[10010]` or `io[IOType.GENERAL_OUTPUT, 1, 0]`. `bytes` and `words` access several signals
+    at once, `registers` the registers. IOType says which signals can be written. A write of several is not atomic."""
 
     def __init__(self, link: Link) -> None:
         super().__init__(link, "io_interface_{}_ReadBit", "io_interface_{}_WriteBit", ctypes.c_int)
-        # Read by the wide forms, which count the groups of all classes alike; written by the narrow ones, which refuse
-        # what a group can't hold.
+        # Reads use the wide forms, which count the groups of all classes in the same way. Writes use the narrow forms,
+        # which refuse a value that does not fit.
         self.bytes = Groups(link, "io_interface_{}_ReadByte", "io_interface_uint8_{}_WriteByte", ctypes.c_uint)
         self.words = Groups(link, "io_interface_{}_ReadWord", "io_interface_uint16_{}_WriteWord", ctypes.c_uint)
         self.registers = Registers(link)
@@ -77,7 +77,7 @@ class IO(_Places):
         return self._read(place) != 0
 
     def __setitem__(self, place: BitPlace, value: bool) -> None:
-        # A bit is written 0 and 1 as often as False and True; any other number is a mistake.
+        # Programs write bits as 0 and 1 as often as False and True; any other number is a mistake.
         on = value == 1 if isinstance(value, int) and value in (0, 1) else switch("a signal", value)
         self._call("Write", place, on)
 

@@ -1,4 +1,4 @@
-"""Which job runs, and which one a start will run."""
+"""The running job, and the job that a start runs."""
 
 import ctypes
 import dataclasses
@@ -14,7 +14,7 @@ NO_JOB = "none"
 
 @dataclasses.dataclass(frozen=True)
 class Job:
-    """A job under way; `speed_override` in per cent. Without one the name is empty."""
+    """A running job; `speed_override` is in per cent. The name is empty if no job runs."""
 
     name: str
     line: int
@@ -27,11 +27,12 @@ class Jobs:
         self._link = link
 
     def select(self, name: str, line: int = 0) -> None:
-        """Makes a job the one that `control.start_job` runs, from a line (0 to 9999) on. Any case, ".JBI" or not."""
+        """Selects the job that `control.start_job` runs, from a line (0 to 9999) on. The name may be in any case, and
+        may end in ".JBI"."""
         self._link.do("job_interface_set_active_job", text_bytes(name), line)
 
     def executing(self, task: int = 0) -> Job:
-        """The job that a task executes; task 0 is the master."""
+        """The job that a task executes; task 0 is the master task."""
         record = _records.IJobData()
         status = self._link.call("job_interface_get_executing_job_information", task, ctypes.byref(record))
         job = Job(record.name.take(), record.line, record.stepNumber, record.speedOverride)

@@ -1,4 +1,4 @@
-"""Conversion of positions by the controller. Nothing moves. Newer controllers only."""
+"""The controller converts positions. Nothing moves. Newer controllers only."""
 
 import ctypes
 from typing import Sequence
@@ -23,8 +23,8 @@ class Kinematics:
         kinematics: KinematicType = KinematicType.FROM_SYSTEM,
         previous_angles: Sequence[float] = (),
     ) -> Position:
-        """The same place in another form; joint angles are degrees. From a Cartesian position `kinematics` decides
-        between arm configurations; DELTA needs `previous_angles`, in the controller's unit."""
+        """The same position in another form; joint angles are in degrees. For a Cartesian position, `kinematics`
+        chooses the arm configuration; DELTA needs `previous_angles`, in the controller's unit."""
         source, result = to_record(position), _records.PositionData()
         number = group_number(group)
         if conversion in _FROM_CARTESIAN:

@@ -1,4 +1,4 @@
-"""Moving control groups through a queue of points. It moves a real machine. Newer controllers only."""
+"""Moves control groups through a queue of points. This moves a real machine. Newer controllers only."""
 
 import ctypes
 import dataclasses
@@ -32,8 +32,8 @@ class Motion:
     """One point of a trajectory for one group.
 
     `speed`: per cent (0.01 to 100) for a JOINT move, mm/s (0.1 to 1500) for LINE and CIRCLE. `acceleration` and
-    `deceleration`: per cent (20 to 100), None leaves what the controller has. `via`: the point, in the units of
-    `position`, that a CIRCLE passes through.
+    `deceleration`: per cent (20 to 100), None keeps the controller's value. `via`: the point that a CIRCLE passes
+    through, in the units of `position`.
     """
 
     group: Group
@@ -46,7 +46,7 @@ class Motion:
 
     def __post_init__(self) -> None:
         if (self.kind == MoveType.CIRCLE) != (self.via is not None):
-            raise ValueError("`via` is for a circle, and a circle needs it")
+            raise ValueError("a circle needs `via`, and no other kind of move takes it")
         ratios = (self.acceleration or 0, self.deceleration or 0)
         if not all(map(math.isfinite, (self.speed, *ratios, *self.position.axes, *(self.via or ())))):
             raise ValueError("speed, ratios and axes of a motion must be finite numbers")
@@ -57,7 +57,7 @@ def _ratio(value: Optional[float]) -> float:
 
 
 def _record(motion: Motion) -> _records.CircularMotion:
-    """Always with the place of a mid-point: the library reads it there for a circle, whether it exists or not."""
+    """Always has room for a mid-point: the library reads it after the motion of a circle, without a check."""
     plain = _records.Motion(
         group_number(motion.group),
         motion.speed,
@@ -70,9 +70,9 @@ def _record(motion: Motion) -> _records.CircularMotion:
 
 
 class MotionManager:
-    """Points are queued by `add` and sent in order by a thread of the library once `start` was called.
+    """`add` queues points. After `start`, a thread of the library sends them in order.
 
-    If the controller refuses one, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the
+    If the controller refuses a point, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the
     queue; `wait` then raises harvlink.Error.
     """
 
@@ -84,7 +84,7 @@ class MotionManager:
         self._alarms = Alarms(link, targets)
 
     def add(self, first: Motion, *others: Motion) -> None:
-        """Queues a step of one to four groups, which start together. Only the first can be a circle. Does not wait."""
+        """Queues a step of one to four groups that start together. Only the first can be a circle. Does not wait."""
         if len(others) >= len(_ADDERS):
             raise ValueError(f"a step has at most {len(_ADDERS)} motions")
         if any(motion.kind == MoveType.CIRCLE for motion in others):
@@ -96,11 +96,11 @@ class MotionManager:
             self._targets.add((group_number(m.group), m) for m in motions if m.kind != MoveType.NO_MOVE)
 
     def start(self) -> None:
-        """Lets the controller move to its targets, and starts sending the queue."""
+        """Starts to send the queue, and lets the controller move to its targets."""
         self._link.do("motion_manager_MotionStart")
 
     def stop(self, clear: bool = True) -> None:
-        """Stops; with `clear` the queue and the controller's targets are dropped, otherwise sending goes on."""
+        """Stops the motion. `clear` also drops the queue and the controller's targets; without it, sending goes on."""
         if switch("clear", clear):
             self._targets.forget()
         self._link.do("motion_manager_MotionStop", clear)
@@ -114,7 +114,7 @@ class MotionManager:
         self._targets.clear()
 
     def progress(self, group: Group = "R1") -> float:
-        """How far a group has come, as the controller counts it."""
+        """The number of targets that a group has reached, as the controller counts them, plus the part of the next."""
         status = _records.IStatusInfo()
         progress: float = self._link.call(
             "motion_manager_GetMotionTargetProgress", group_number(group), ctypes.byref(status)
@@ -123,16 +123,19 @@ class MotionManager:
         return progress
 
     def wait(self, motion: Motion, timeout: float = 60.0, tolerance: float = 1.0) -> Position:
-        """Looks until the group has come to where the motion leads, and returns its position then.
+        """Waits until the group has arrived at the target of the motion, and returns its position then.
 
-        It has when the controller counts the point as reached and the group is within `tolerance` (pulses or
-        millimetres; X, Y and Z of a Cartesian target) of it, or has gone on to points that were queued behind it. What
-        `add` was not given since the last clear (or 1024 points before), and what was queued before an alarm, can't be
-        counted for sure: then the position alone decides, also where the group merely passes or stands already. After
-        others have cleared the controller's targets, call `clear` before you add points.
+        The group has arrived when the controller counts the point as reached, and the group is within `tolerance` of it
+        (pulses or millimetres; X, Y and Z of a Cartesian target) or has gone on to points that were queued after it.
 
-        harvlink.Error with the alarm's code as soon as the controller has an alarm, such as 8015 for a point that it
-        refused, or is in error. TimeoutError after `timeout` seconds, which a stop, a hold or a missing `start` bring.
+        The count is unknown for a motion that was not added since the last clear, that lies more than 1024 points back,
+        or that was queued before an alarm. Then only the position decides: a group that passes the target, or already
+        stands there, has arrived. If another program has cleared the controller's targets, call `clear` before you add
+        points.
+
+        Raises harvlink.Error as soon as the controller has an alarm or error, with the code of the alarm, such as 8015
+        for a refused point. Raises TimeoutError after `timeout` seconds, for example after a stop, during a hold or
+        without a `start`.
         """
         end = time.monotonic() + timeout
         while True:
@@ -147,7 +150,7 @@ class MotionManager:
             time.sleep(_LOOK_PERIOD)
 
     def _arrival(self, motion: Motion, tolerance: float) -> Optional[Position]:
-        """Where the group stands if it has arrived."""
+        """The position of the group if it has arrived."""
         is_gone_on = False
         number = self._targets.number(motion)
         if number is not None:

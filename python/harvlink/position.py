@@ -13,9 +13,9 @@ AXES = 8
 
 @dataclasses.dataclass(frozen=True)
 class Figure:
-    """Arm configuration that tells apart the joint positions with the same Cartesian pose.
+    """The arm configuration. It selects one of the joint positions that have the same Cartesian pose.
 
-    Newer controllers leave out `l_angle`, `u_angle`, `b_angle`, `e_angle` and `w_angle` of live positions.
+    Newer controllers do not report `l_angle`, `u_angle`, `b_angle`, `e_angle` and `w_angle` of live positions.
     """
 
     front_or_back: FrontOrBack = FrontOrBack.FRONT
@@ -33,9 +33,9 @@ class Figure:
 
 @dataclasses.dataclass(frozen=True)
 class Position:
-    """A position of a control group, always of eight axes; those that are not given are 0.
+    """A position of a control group. It always has eight axes; missing ones are 0.
 
-    PULSE: pulses, cut to whole ones. JOINT_ANGLE: degrees. Any other type: millimetres on the first three axes (X, Y,
+    PULSE: pulses, cut to whole pulses. JOINT_ANGLE: degrees. Any other type: millimetres on the first three axes (X, Y,
     Z), degrees on the others (Rx, Ry, Rz, Re, Rw), rounded to 0.001 mm and 0.0001 degrees.
     `user_coordinate` is used with type USER.
     """
@@ -53,15 +53,15 @@ class Position:
         return f"{self.kind.name} " + " ".join(f"{axis:.10g}" for axis in self.axes)
 
     def shifted(self, *offsets: float) -> "Position":
-        """The position with an offset added to each axis, from the first on."""
+        """The position with the offsets added to its axes, beginning with the first axis."""
         axes = tuple(axis + offset for axis, offset in zip(self.axes, eight(offsets)))
         return dataclasses.replace(self, axes=axes)
 
 
 def eight(axes: Sequence[float]) -> Tuple[float, ...]:
-    """The values as eight, the missing ones 0."""
+    """The values, filled up with 0 to eight."""
     if len(axes) > AXES:
-        raise ValueError(f"{len(axes)} axes, a position has at most {AXES}")
+        raise ValueError(f"a position has at most {AXES} axes, not {len(axes)}")
     return tuple(float(axis) for axis in axes) + (0.0,) * (AXES - len(axes))
 
 

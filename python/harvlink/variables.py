@@ -11,7 +11,7 @@ from .position import Position, from_record, to_record
 
 
 class _Kind:
-    """The variables of one kind. Reading `kind[5]` and setting it is one exchange each; indexes go from 0 to 2048."""
+    """The variables of one kind. Each read or write of `kind[5]` is one exchange; indexes go from 0 to 2048."""
 
     def __init__(self, link: Link, name: str, record: Any) -> None:
         self._link = link
@@ -28,7 +28,7 @@ class _Kind:
 
 
 class Integers(_Kind):
-    """Whole numbers; one that the kind can't hold raises OverflowError."""
+    """Whole numbers. A number that does not fit into the kind raises OverflowError."""
 
     def __getitem__(self, index: int) -> int:
         return int(self._read(index).value)
@@ -39,7 +39,7 @@ class Integers(_Kind):
 
 
 class Reals(_Kind):
-    """Numbers of single precision."""
+    """Numbers in single precision."""
 
     def __getitem__(self, index: int) -> float:
         return float(self._read(index).value)
@@ -74,11 +74,11 @@ class Positions(_Kind):
 
 
 class Variables:
-    """The kinds by the letters of the controller.
+    """The kinds, by the letters of the controller.
 
-    b: 0 to 255. i: 16 bits with sign. d: 32 bits with sign. r: single precision. s: texts of 32 bytes.
-    p: positions of a robot. bp: positions of a base axis, written in millimetres whatever their type. ex: positions of
-    a station, written in pulses.
+    b: 0 to 255. i: 16 bits, signed. d: 32 bits, signed. r: single precision. s: texts of at most 32 bytes.
+    p: positions of a robot. bp: positions of a base axis, always written in millimetres, even for type PULSE.
+    ex: positions of a station, always written in pulses.
     """
 
     def __init__(self, link: Link) -> None:

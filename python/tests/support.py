@@ -1,4 +1,4 @@
-"""Runs the virtual controller, and calls the plain functions as they are."""
+"""Runs the virtual controller, and calls the plain functions directly."""
 
 import ctypes
 import os
@@ -22,7 +22,7 @@ class Simulator:
         for _ in range(20):
             self.address = ".".join(["127", *(str(random.randint(2, 254)) for _ in range(3))])
             command = [os.environ["HARVLINK_SIMULATOR"], "--address", self.address, *options]
-            if shutil.which("setpriv"):  # so that it ends even if the tests are killed
+            if shutil.which("setpriv"):  # it ends even if the tests are killed
                 command = ["setpriv", "--pdeathsig", "TERM", *command]
             own = {key: value for key, value in os.environ.items() if key != "LD_PRELOAD"}
             self.process = subprocess.Popen(command, stdout=subprocess.PIPE, env=own)
@@ -39,7 +39,7 @@ class Simulator:
 
 
 class SimulatorTest(unittest.TestCase):
-    """Every class of tests has a virtual controller of its own and stands in a folder of its own."""
+    """Gives every class of tests its own virtual controller and its own working directory."""
 
     options = ()
 
@@ -54,7 +54,7 @@ class SimulatorTest(unittest.TestCase):
 
 
 def take_texts(value):
-    """Every text inside a record or array, taken over; so the caller sees that each was allocated."""
+    """Takes every text inside a record or array. Fails if the library has not allocated one of them."""
     if isinstance(value, _records.OwnedText):
         return [value.take()]
     if isinstance(value, ctypes.Structure):
@@ -65,7 +65,7 @@ def take_texts(value):
 
 
 class Plain:
-    """A connection by the plain functions alone."""
+    """A connection that uses only the plain functions."""
 
     def __init__(self, address, timeout=500, retries=3):
         self.library = _library.load()
@@ -73,9 +73,9 @@ class Plain:
         self.handle = self.library.open_connection(address.encode(), ctypes.byref(self.status), timeout, retries)
 
     def call(self, name, *arguments):
-        """Returns code, message, the value returned beside a status, and all texts that were handed out.
+        """Returns the code, the message, the value beside the status, and all texts that the function returned.
 
-        An argument that is a type becomes a record of it to fill, and "status" the record for the status."""
+        An argument that is a type becomes an output record of that type; "status" becomes the output for the status."""
         records = [argument() if isinstance(argument, type) else argument for argument in arguments]
         status = _records.IStatusInfo()
         records = [status if record == "status" else record for record in records]

@@ -1,4 +1,4 @@
-"""The package's tables say what the C and C++ headers say: records, functions, enumeration numbers, version."""
+"""The tables of the package match the C and C++ headers: records, functions, enumeration numbers, version."""
 
 import ctypes
 import re
@@ -42,7 +42,7 @@ def c_type(text, count=None):
 
 
 def same(ours, theirs):
-    """Texts that the library hands out are plain pointers in C; a pointer to one character points to more of them."""
+    """In C, a text that the library allocates is a plain pointer, and an array of characters is a pointer to one."""
     if ours is _records.OwnedText:
         ours = ctypes.c_char_p
     if ours == ctypes.POINTER(ctypes.c_char):
@@ -85,7 +85,7 @@ class ContractTest(unittest.TestCase):
         }
         for name, ours in vars(enums).items():
             if isinstance(ours, type) and issubclass(ours, enums.OpenEnum) and len(ours):
-                theirs = numbers[TWINS.get(name, name)] - {0 if name == "ErrorCode" else None}  # success is no error
+                theirs = numbers[TWINS.get(name, name)] - {0 if name == "ErrorCode" else None}  # 0 is success
                 with self.subTest(name):
                     self.assertEqual({int(member) for member in ours}, theirs)
 

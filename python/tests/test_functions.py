@@ -35,9 +35,9 @@ def position_variable(record, index=1):
     return record(pulses(1, 2, 3), index)
 
 
-# What works, in this order: function, arguments, expected message, value or texts (None: whatever they are), then the
-# arguments that the function itself or the controller refuses, and the code of that. Where these are missing, the
-# controller's silence is the failure.
+# A case is a function, arguments with which it succeeds, the expected message, and the expected value or texts (None:
+# any). Then follow arguments that the function or the controller refuses, and the code. Without these, only the silence
+# of the controller makes the function fail.
 CASES = [
     ("control_commands_interface_SetServos", (1,), OK, None),
     ("control_commands_interface_SetHold", (1,), OK, None),
@@ -89,7 +89,7 @@ CASES = [
         *("string_variable_interface_read", (3, r.IStringVariableData), OK, ["\xe4cut"]),
         *((2049, r.IStringVariableData), 0x30008),
     ),
-    # Any value but 0 writes a 1.
+    # Every value other than 0 writes a 1.
     ("io_interface_address_WriteBit", (NETWORK_ADDRESS, 2), OK, None, (10001, 1), 40961),
     ("io_interface_address_ReadBit", (NETWORK_ADDRESS, c_int), OK, 1, (NO_SIGNAL, c_int), 0x10004),
     ("io_interface_type_WriteBit", (NETWORK_INPUT, 1, 1, 256), OK, None, (NETWORK_INPUT, 1, 8, 1), 0x10004),
@@ -138,7 +138,7 @@ CASES = [
         (b"OWN", "status"),
         0x20001,
     ),
-    # Of the number only the low byte counts.
+    # Only the low byte of the overwrite argument counts.
     (
         *("file_interface_SaveFromControllerToFile", (b"OWN.JBI", b"OWN.JBI", 257), OK, None),
         *((b"OWN.JBI", b"OWN.JBI", 256), 0x20002),
@@ -207,7 +207,7 @@ ARITHMETIC = [
 
 
 class CxxString(ctypes.Structure):
-    """A std::string of at most 15 bytes, which it holds itself."""
+    """A std::string of at most 15 bytes, which are stored in the object itself."""
 
     _fields_ = [("data", ctypes.c_void_p), ("size", ctypes.c_size_t), ("own", ctypes.c_char * 16)]
 
@@ -243,14 +243,14 @@ class FunctionsTest(SimulatorTest):
                 if refusal:
                     code, message, value, texts = robot.call(name, *refusal[0])
                     self.assertEqual(code, refusal[1], message)
-                    self.assertIn(value, (None, 0), "a value that is left after a failure")
-                    self.assertFalse("".join(texts).replace("none", ""), "a text that is left after a failure")
+                    self.assertIn(value, (None, 0), "a value is left after a failure")
+                    self.assertFalse("".join(texts).replace("none", ""), "a text is left after a failure")
         robot.close()
 
     def test_silence(self):
         simulator = Simulator(*self.options)
         self.addCleanup(simulator.stop)
-        for _ in range(100):  # the time-out is short for a busy machine
+        for _ in range(100):  # on a busy machine the short time-out can expire
             robot = Plain(simulator.address, timeout=20, retries=1)
             robot.status.Message.take()
             if robot.status.StatusCode == 0:

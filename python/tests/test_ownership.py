@@ -1,4 +1,4 @@
-"""What the library hands out is released: the C library's heap stays as it is over many calls."""
+"""The package releases what the library allocates: the heap does not grow over many calls."""
 
 import ctypes
 import gc
@@ -12,7 +12,7 @@ from .support import SimulatorTest
 
 CALLS = 200
 SMALLEST_BLOCK = 32
-HANDLE_CELL = 32  # with its header; that of a connection is never released
+HANDLE_CELL = 32  # with its heap header; the handle cell of a connection is never released
 
 
 class Mallinfo(ctypes.Structure):
@@ -48,7 +48,7 @@ def quietly(operation):
 
 
 @unittest.skipIf("LD_PRELOAD" in os.environ, "a sanitizer's heap is not the C library's")
-@unittest.skipUnless(hasattr(ctypes.CDLL(None), "mallinfo2"), "this C library does not tell what is in use")
+@unittest.skipUnless(hasattr(ctypes.CDLL(None), "mallinfo2"), "this C library has no mallinfo2")
 class OwnershipTest(SimulatorTest):
     def test_nothing_stays_allocated(self):
         robot = harvlink.connect(self.simulator.address)

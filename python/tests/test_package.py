@@ -92,7 +92,7 @@ class ConnectedTest(SimulatorTest):
             variables.b[2**16]
         with self.assertRaises(TypeError):
             variables.i[0] = 1.5
-        with self.assertRaisesRegex(TypeError, "an index, not a slice"):
+        with self.assertRaisesRegex(TypeError, "use an index, not a slice"):
             variables.b[0:3]
         with self.assertRaises(ValueError):
             self.robot.files.upload("OWN.JBI\0.txt")
@@ -101,7 +101,7 @@ class ConnectedTest(SimulatorTest):
 
     def test_a_switch_is_a_truth_value(self):
         robot = self.robot
-        robot.close()  # what is sent after all, raises ValueError
+        robot.close()  # an operation that sends in spite of the wrong value raises ValueError
         for name, operation in [
             *(("servos", robot.control.servos), ("hold", robot.control.hold), ("clear", robot.motion.stop)),
             ("a signal", lambda value: robot.io.__setitem__(10010, value)),
@@ -195,7 +195,7 @@ class ConnectedTest(SimulatorTest):
         self.addCleanup(robot.control.servos, False)
         start = robot.position("R1")
         path = [Motion("R1", start.shifted(offset), 50) for offset in (20000, 40000, 0)]
-        for rounds in (1, 2):  # a target that was reached before is none of the second round
+        for rounds in (1, 2):  # targets reached in the first round must not count in the second
             for point in path:
                 motion.add(point)
             with self.assertRaises(TimeoutError):
@@ -214,8 +214,8 @@ class ConnectedTest(SimulatorTest):
             self.assertEqual(caught.exception.code, 8015)
             robot.alarms.clear()
             robot.control.servos(True)
-        motion.wait(Motion("R1", start, 50), timeout=0)  # counted by nobody
-        for drop in (lambda: None, motion.clear):  # the refusal has dropped the targets too
+        motion.wait(Motion("R1", start, 50), timeout=0)  # never added, so the position decides
+        for drop in (lambda: None, motion.clear):  # the refusal has cleared the targets too
             drop()
             motion.add(path[0])
             motion.start()
@@ -288,7 +288,7 @@ class ConnectedTest(SimulatorTest):
             CoordinateType("PULSE")
 
 
-@unittest.skipIf("LD_PRELOAD" in os.environ, "a library under a sanitizer is not for others")
+@unittest.skipIf("LD_PRELOAD" in os.environ, "an installed package does not use a library with a sanitizer")
 class InstallTest(unittest.TestCase):
     def test_an_installed_package_brings_its_library(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -307,7 +307,7 @@ class InstallTest(unittest.TestCase):
         environment = {**os.environ, "HARVLINK_LIBRARY": "/nowhere/libharvlink.so", "PYTHONPATH": str(ROOT / "python")}
         program = "import harvlink; harvlink.connect('127.0.0.1')"
         ended = subprocess.run([sys.executable, "-c", program], env=environment, capture_output=True, text=True)
-        self.assertIn("OSError: HARVLINK_LIBRARY names no file: /nowhere/libharvlink.so", ended.stderr)
+        self.assertIn("OSError: HARVLINK_LIBRARY does not name a file: /nowhere/libharvlink.so", ended.stderr)
 
 
 if __name__ == "__main__":
