@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv) {
     if (argc != 3 || std::string_view(argv[2]) != "--yes") {
-        std::cerr << "This gives a robot its servo power.\n"
+        std::cerr << "This turns on the servo power of a robot.\n"
                   << "Make sure that nobody is near, then run: " << argv[0] << " ADDRESS --yes\n";
         return 2;
     }

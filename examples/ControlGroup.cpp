@@ -1,4 +1,4 @@
-// Reads where the first robot stands, in pulses and in millimetres and degrees.
+// Reads the position of the first robot, in pulses and in millimetres and degrees.
 #include <iostream>
 
 #include "harvlink/harvlink.h"

@@ -1,4 +1,4 @@
-// Reads the state of a controller and what it is.
+// Reads the state, model and software version of a controller.
 #include <iostream>
 
 #include "harvlink/harvlink.h"

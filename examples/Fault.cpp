@@ -1,4 +1,4 @@
-// Shows the active alarms and the last five of the major ones.
+// Shows the active alarms and the last five major alarms.
 #include <iostream>
 
 #include "harvlink/harvlink.h"

@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
         std::cerr << status << '\n';
         return 1;
     }
-    std::cout << "general inputs 1 to 8, last first: " << inputs << '\n';
+    std::cout << "general inputs 8 to 1: " << inputs << '\n';
 
     auto const address = robot->IO->ConvertIOGroupToBitAddress(harvlink::IOType::NetworkInput, 1, 0, status);
     for (bool const value : {true, false}) {

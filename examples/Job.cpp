@@ -1,4 +1,4 @@
-// Makes the first job of the controller the one that a start will run, and shows what is executed.
+// Selects the first job of the controller, and shows which job is executed.
 #include <iostream>
 #include <string>
 #include <vector>

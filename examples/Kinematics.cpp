@@ -1,4 +1,4 @@
-// Asks the controller for the pose that belongs to joint pulses. From generation YA up.
+// Asks the controller to convert joint pulses to a pose. From generation YA up.
 #include <iostream>
 
 #include "harvlink/harvlink.h"

@@ -48,7 +48,7 @@ StatusInfo MoveUpBy(harvlink::QuorvanController& robot, double millimetres) {
     if (status.StatusCode == 0) {
         status = robot.MotionManager->MotionStart();
     }
-    // The robot moves by itself now.
+    // From here on the library sends the points by itself.
     return status.StatusCode == 0 ? AwaitHeight(robot, motion.position.axes[2]) : status;
 }
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Prints the manual page of a program: what its --help and that of each of its commands say, and sections of our own.
+"""Prints the manual page of a program, made of its --help, the --help of each command, and a file with further sections.
 
     man_page.py PROGRAM SECTIONS-FILE VERSION
 
-In the file a heading in capital letters begins a section, of paragraphs or of a list like those of a help text. NAME and
-DESCRIPTION come before what the program says of itself, the others behind it.
+In the file, a heading in capital letters begins a section. A section has paragraphs or a list like those of a help text.
+NAME and DESCRIPTION come before the text of --help, all other sections after it.
 """
 
 import itertools
@@ -16,7 +16,7 @@ import sys
 
 HEADING = re.compile(r"^([A-Z][A-Za-z ]*):$")
 ENTRY = re.compile(r"^ {2}(\S.*?)(?: {2,}(\S.*))?$")
-# Stands below each command, and once is enough.
+# Every command's help has this line; the manual page needs it only once.
 POINTER_TO_COMMON_OPTIONS = "Options of all commands"
 
 
@@ -26,7 +26,7 @@ def escape(text):
 
 
 class Help:
-    """A help text, taken apart: its summary, usage, and sections of lines by heading. Loose paragraphs are notes."""
+    """A parsed help text: its usage, its sections of lines by heading, and the paragraphs outside of them (notes)."""
 
     def __init__(self, text):
         self.notes, self.sections = [], {}
@@ -40,13 +40,13 @@ class Help:
             elif line.startswith(POINTER_TO_COMMON_OPTIONS):
                 continue
             else:
-                # Text that begins in the first column belongs to no list.
+                # Text that begins in the first column ends a list.
                 lines = self.notes if line[:1].strip() else lines
                 lines.append(line)
 
     def commands(self):
         lists = (lines for title, lines in self.sections.items() if "command" in title.lower())
-        # Where a command has several names, the first is the one that its own help goes by.
+        # If a command has several names, its own help uses the first.
         return [match[1].split(",")[0] for lines in lists for match in map(ENTRY.match, lines) if match]
 
 
@@ -56,14 +56,14 @@ def own_sections(text):
 
 
 def paragraphs(lines):
-    """Filled text, parted by blank lines; what is indented stays as it is."""
+    """Paragraphs of filled text, separated by blank lines. Indented lines stay as they are."""
     for indented, group in itertools.groupby(lines, lambda line: line.startswith("  ") if line.strip() else None):
         if indented is not None:
             yield from literal(group) if indented else (".PP", *map(escape, group))
 
 
 def entries(lines):
-    """A list of terms and what they mean; what is indented further goes on with the meaning."""
+    """A list of terms and their meanings. A line that is indented further continues the meaning."""
     for line in filter(str.strip, lines):
         match = ENTRY.match(line)
         if match is None:
@@ -86,17 +86,17 @@ def section(title, lines):
 
 
 def ask(program, words):
-    # What a user has set changes what is shown as default.
+    # The user's settings would change the defaults in the help.
     environment = {name: value for name, value in os.environ.items() if not name.startswith("HARVLINK_")}
     shown = subprocess.run([program, *words, "--help"], env=environment, check=True, capture_output=True, text=True)
     return Help(shown.stdout.replace(program, pathlib.Path(program).name))
 
 
 def command_pages(program, name, words, inherited):
-    """One subsection for each command that does something, with the options that only it has."""
+    """One subsection for each command without subcommands, with its own options."""
     page = ask(program, words)
     if not page.usage.startswith(" ".join([name, *words])):
-        raise SystemExit(f"man_page.py: the help of '{' '.join([name, *words])}' is another one's: {page.usage}")
+        raise SystemExit(f"man_page.py: the help of '{' '.join([name, *words])}' belongs to another command: {page.usage}")
     if words and not page.commands():
         yield f'.SS "{escape(page.usage.replace(f"{name} ", "", 1))}"'
         yield from paragraphs(page.notes)

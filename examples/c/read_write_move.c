@@ -16,10 +16,10 @@
 
 enum { TIMEOUT_MS = 500, RETRIES = 3, VARIABLE = 5, TURN_PULSES = 2000, MOST_LOOKS = 500 };
 
-/* The cell behind a handle is never released; kept here, it stays in sight of leak checkers. */
+/* The memory behind a handle is never released. This pointer keeps it reachable for leak checkers. */
 static ControllerHandle controller;
 
-/* Every status brings a message that is ours to free, whether it tells of a success or a failure. */
+/* The caller frees the message of every status, after a success too. */
 static bool succeeded(char const* operation, IStatusInfo status) {
     bool const ok = status.StatusCode == 0;
     if (!ok) {
@@ -35,7 +35,7 @@ static bool show_state(void) {
     if (!succeeded("read state", controller_state_interface_read_state(controller, &state))) {
         return false;
     }
-    /* The texts are filled after a failure too. */
+    /* The texts are allocated after a failure too. */
     bool const ok =
         succeeded("read system information",
                   controller_state_interface_read_system_information(controller, HARVLINK_INFO_ROBOT(1), &robot));
@@ -95,7 +95,7 @@ static bool turn_first_axis(void) {
                        succeeded("add point", motion_manager_AddPointToTrajectory(controller, &motion)) &&
                        succeeded("start motion", motion_manager_MotionStart(controller)) &&
                        wait_until_there(motion.position.axes[0]);
-    /* Closing a connection stops nothing: leave no robot in motion behind. */
+    /* Closing the connection does not stop the robot, so stop it here. */
     bool const stopped = succeeded("stop motion", motion_manager_MotionStop(controller, true));
     return succeeded("servo off", control_commands_interface_SetServos(controller, HARVLINK_OFF)) && there && stopped;
 }
@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
     }
     IStatusInfo status;
     controller = open_connection(argv[1], &status, TIMEOUT_MS, RETRIES);
-    /* A failed connection has a handle too, which only close_connection takes. */
+    /* A failed connection returns a handle too, which only close_connection accepts. */
     bool const ok = succeeded("connect", status) && show_state() && change_variable() && turn_first_axis();
     close_connection(controller);
     return ok ? 0 : 1;

@@ -6,7 +6,7 @@
 namespace demo {
 namespace {
 
-/// Calls a job that isn't there, which raises an alarm when it runs.
+/// Calls a job that does not exist, which raises an alarm when it runs.
 std::string const failingJob = "/JOB\r\n//NAME DEMOFAIL\r\n//INST\r\nNOP\r\nCALL JOB:NOWHERE\r\nEND\r\n";
 
 harvlink::ActiveAlarms ActiveAlarms(harvlink::QuorvanController& robot) {

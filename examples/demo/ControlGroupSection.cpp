@@ -11,7 +11,7 @@ using harvlink::ControlGroupId;
 
 constexpr int unknownGroup = -59959039;
 
-/// Asks for every group there can be: the controller knows the ones it has.
+/// Asks for every possible group: the controller refuses the groups that it does not have.
 void ListGroups(harvlink::QuorvanController& robot) {
     int known = 0;
     for (int number = 1; number <= 44; ++number) {

@@ -9,7 +9,7 @@
 
 namespace demo {
 
-/// Ends the demo: a step did not do what it should.
+/// Thrown when a step fails. It ends the demo.
 class Failure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -21,15 +21,15 @@ void Require(harvlink::StatusInfo const& status, std::string_view step);
 /// Ends the demo unless `condition` holds.
 void Require(bool condition, std::string_view step);
 
-/// Whether the controller's generation has the operation that returned `status`. Says so if it does not.
+/// Whether the controller's generation has the operation that returned `status`. Prints a line if it does not.
 bool IsSupported(harvlink::StatusInfo const& status, std::string_view step);
 
 void Title(std::string_view text);
 
-/// A text field of the wire, without the zero bytes and blanks that fill it up.
+/// A text field from the wire, without the zero bytes and blanks at its end.
 std::string Trimmed(std::string text);
 
-/// Asks again, every 20 ms and for at most 10 seconds, until `condition` holds.
+/// Checks `condition` every 20 ms until it holds, for at most 10 seconds.
 bool Await(std::function<bool()> const& condition);
 
 // The sections, in the order in which they run.

@@ -22,10 +22,10 @@ bool HasCopy(harvlink::QuorvanController& robot) {
     return std::ranges::find(jobs, copyName + ".JBI") != jobs.end();
 }
 
-/// A job tells its own name in its second line, and the controller takes it under no other.
+/// The second line of a job has its name. The controller refuses the job under any other name.
 std::string Renamed(std::string job) {
     auto const mark = job.find(nameMark);
-    Require(mark != std::string::npos, "the job does not tell its name");
+    Require(mark != std::string::npos, "the job does not contain its name");
     auto const begin = mark + nameMark.size();
     return job.replace(begin, job.find_first_of("\r\n", begin) - begin, copyName);
 }
@@ -47,7 +47,7 @@ void ExchangeFiles(harvlink::QuorvanController& robot) {
 
     Require(robot.Files->LoadToControllerFromString(copyName + ".JBI", Renamed(job)), "load the copy");
     Require(HasCopy(robot), "the copy is not in the list");
-    std::cout << "loaded it back as " << copyName << ".JBI\n";
+    std::cout << "stored it as " << copyName << ".JBI\n";
 
     Require(robot.Files->DeleteJobFile(copyName), "delete the copy");
     Require(!HasCopy(robot), "the copy is still in the list");

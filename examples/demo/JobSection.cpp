@@ -12,7 +12,7 @@ using harvlink::TesselTaskNumber;
 constexpr unsigned short counterIndex = 20;
 constexpr int rounds = 5;
 
-/// Counts variable B020 up, a fifth of a second each.
+/// Increments variable B020 every 0.2 seconds.
 std::string const countingJob = "/JOB\r\n//NAME DEMOJOB\r\n//INST\r\nNOP\r\nSET B020 0\r\n*AGAIN\r\nINC B020\r\n"
                                 "TIMER T=0.20\r\nJUMP *AGAIN IF B020<5\r\nEND\r\n";
 
@@ -28,7 +28,7 @@ bool IsRunning(harvlink::QuorvanController& robot) {
     return state.isRunning;
 }
 
-/// Shows the line and the counter whenever one of them is new.
+/// Shows the line and the counter whenever one of them changes.
 void Watch(harvlink::QuorvanController& robot) {
     int lines = 0;
     int counter = -1;

@@ -10,7 +10,7 @@ namespace {
 using harvlink::ControlGroupId;
 using harvlink::KinematicConversions;
 
-/// Rounding to the wire's 0.001 mm and 0.0001 degrees is worth less than this many pulses.
+/// Pulses. The protocol rounds to 0.001 mm and 0.0001 degrees, which is less than this.
 constexpr double tolerance = 3.0;
 
 } // namespace
@@ -39,7 +39,7 @@ void ConvertPositions(harvlink::QuorvanController& robot) {
     for (std::size_t axis = 0; axis < pulses.axes.size(); ++axis) {
         difference = std::max(difference, std::abs(back.axes[axis] - pulses.axes[axis]));
     }
-    std::cout << back << "\n\nlargest difference there and back: " << difference << " pulses\n";
+    std::cout << back << "\n\nlargest difference after converting there and back: " << difference << " pulses\n";
     Require(difference <= tolerance, "the position came back as another");
 }
 

@@ -86,7 +86,7 @@ double Progress(harvlink::QuorvanController& robot) {
     return progress;
 }
 
-/// Redraws its line on a terminal; elsewhere only the full bar is written.
+/// Redraws its line on a terminal. Elsewhere it prints only the full bar.
 void ShowProgress(double part) {
     constexpr int width = 40;
     bool const isTerminal = isatty(STDOUT_FILENO) == 1;
@@ -130,7 +130,7 @@ std::string LastLogLine() {
     return last;
 }
 
-/// A point that the library can't know to be out of reach: the controller refuses it.
+/// Adds a point out of reach. The library cannot know that, so the controller refuses the point.
 void ProvokeRefusal(harvlink::QuorvanController& robot) {
     std::cout << "\nnow on purpose: a point out of reach\n";
     auto const farAway = Shifted(Position(robot), 5000, 0);
@@ -144,7 +144,7 @@ void ProvokeRefusal(harvlink::QuorvanController& robot) {
                 return alarms.numberOfAlarms > 0;
             }),
             "no alarm shows that the point was refused");
-    // The controller counts from 0 again once its targets are cleared, which is the last that happens to a refused point.
+    // A refused point ends with clearing the controller's targets. After that the controller counts from 0 again.
     Require(Await([&] { return Progress(robot) == 0.0; }), "the refused point's trajectory is not cleared");
     std::cout << "\nrefused a point 5 m away:\n" << alarms << "\nlog: " << LastLogLine() << '\n';
     Require(LastLogLine() != logBefore, "the refusal is not in the log");
@@ -159,7 +159,7 @@ void Recover(harvlink::QuorvanController& robot) {
     Require(robot.MotionManager->AddPointToTrajectory(motion), "queue a point after the alarm");
     AwaitEnd(robot, 1);
     Require(Distance(next, Position(robot)) < allowedDeviation, "the robot did not recover");
-    std::cout << "recovered, and moved on\n";
+    std::cout << "recovered, and continued the motion\n";
 }
 
 } // namespace

@@ -8,7 +8,7 @@ namespace {
 
 using harvlink::IOType;
 
-/// What an older controller says of any signal but a network input.
+/// The code with which an older controller refuses to write any signal other than a network input.
 constexpr int notWritable = 40961;
 
 void Toggle(harvlink::QuorvanController& robot, std::string_view name, IOType type) {
@@ -24,7 +24,7 @@ void Toggle(harvlink::QuorvanController& robot, std::string_view name, IOType ty
         Require(status, "write a signal");
         bool read = !value;
         Require(robot.IO->ReadBit(address, read), "read a signal");
-        Require(read == value, "a signal is not what was written");
+        Require(read == value, "a signal differs from the value that was written");
         std::cout << name << ' ' << address << ": " << (read ? "on" : "off") << '\n';
     }
 }
@@ -38,7 +38,7 @@ void ExchangeSignals(harvlink::QuorvanController& robot) {
 
     std::bitset<8> group;
     Require(robot.IO->ReadByte(IOType::GeneralOutput, 1, group), "read a group of signals");
-    std::cout << "general outputs 1 to 8, last first: " << group << '\n';
+    std::cout << "general outputs 8 to 1: " << group << '\n';
 }
 
 } // namespace demo

@@ -33,8 +33,8 @@ void ExchangePosition(harvlink::VariableInterface<Record>& variables, harvlink::
 
     Record read;
     Require(variables.Read(variableIndex, read), "read a position variable");
-    Require(read.positionData.axes == axes, "a position variable is not what was written");
-    // Base and station variables come back without their number.
+    Require(read.positionData.axes == axes, "a position variable differs from the value that was written");
+    // A read of base and station variables does not set their number.
     read.variableIndex = variableIndex;
     std::cout << read << '\n';
 }
@@ -53,7 +53,7 @@ void ExchangeVariables(harvlink::QuorvanController& robot) {
     ExchangePosition(*variables.robotPositionVariable, CoordinateType::Pulse, {1000, -2000, 3000, 0, -122850, 600});
     ExchangePosition(*variables.basePositionVariable, CoordinateType::BaseCoordinate, {125.5, -20.25, 300});
     ExchangePosition(*variables.stationPositionVariable, CoordinateType::Pulse, {4000, 5000});
-    std::cout.fill(' '); // the text forms leave it at '0'
+    std::cout.fill(' '); // the output operators leave it at '0'
 }
 
 } // namespace demo

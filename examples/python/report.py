@@ -1,4 +1,4 @@
-"""Prints what a controller is, how it is and what it has been through.
+"""Prints model, state, job, alarms and alarm history of a controller.
 
 Asks for no change, but connecting clears the controller's motion targets. Usage: report.py ADDRESS
 """

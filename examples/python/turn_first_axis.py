@@ -27,7 +27,7 @@ def main(address: str) -> None:
                 robot.motion.wait(move)
                 show(robot)
         finally:
-            # Closing a connection stops nothing.
+            # Closing the connection does not stop the robot.
             robot.motion.stop()
             robot.control.servos(False)
 

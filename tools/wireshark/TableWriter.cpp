@@ -1,6 +1,6 @@
-// harvlink_dissector_tables COMMAND-NUMBERS DISSECTOR: prints the dissector with its tables as the library has them. The
-// header of command numbers is read, because a program can't ask an enumeration for its names; texts come out of the tables
-// themselves.
+// harvlink_dissector_tables COMMAND-NUMBERS DISSECTOR: prints the dissector with the current tables of the library. It
+// parses the header of command numbers, because C++ cannot list the names of an enumeration. The texts come from the
+// tables of the library.
 
 #include <array>
 #include <cstdint>
@@ -35,7 +35,7 @@ std::string Quoted(std::string_view text) {
     return result + "\"";
 }
 
-/// The rows `NAME = NUMBER` of an enumeration, or of constants whose names begin alike.
+/// Prints the rows `NAME = NUMBER` of an enumeration, or of constants with the same beginning.
 void PrintNames(std::string_view table, std::string const& text, std::string const& row) {
     std::cout << "local " << table << " = {\n";
     std::regex const pattern(row);
@@ -50,7 +50,7 @@ std::string BodyOf(std::string const& header, std::string const& enumeration) {
     return start == std::string::npos ? "" : header.substr(start, header.find("};", start) - start);
 }
 
-/// The codes that fit a reply.
+/// Prints the codes that fit into a reply.
 template <typename Code>
 void PrintTexts(std::string_view name, StatusTable<Code> const& table) {
     std::cout << "    " << name << " = {\n";
@@ -90,7 +90,7 @@ int main(int argc, char** argv) {
     auto const from = dissector.find('\n', dissector.find(begin));
     auto const to = dissector.find(end);
     if (from == std::string::npos || to == std::string::npos) {
-        std::cerr << argv[2] << ": has no lines \"" << begin << "\" and \"" << end << "\"\n";
+        std::cerr << argv[2] << ": does not contain the lines \"" << begin << "\" and \"" << end << "\"\n";
         return 1;
     }
     std::cout << dissector.substr(0, from + 1);

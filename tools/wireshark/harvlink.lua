@@ -1,6 +1,6 @@
 -- Shows the exchanges between a PC and a robot controller in Wireshark and tshark. See README.md beside this file.
 
--- BEGIN tables: written by the build of the library from its own, don't edit
+-- BEGIN tables: the build of the library writes them, do not edit
 local COMMANDS = {
     [112] = "AlarmDataRead",
     [113] = "AlarmHistoryRead",
@@ -369,9 +369,9 @@ local GROUP_KINDS = { [0] = "robot", "base", "station" }
 local WIRE_COORDINATES = { [0] = "pulse", [16] = "base", [17] = "robot", [18] = "tool", [19] = "user", [20] = "master tool" }
 local SHORT_COORDINATES = { [0] = "pulse", "joint angle", "base", "robot", "user", [6] = "tool", [7] = "master tool" }
 
--- What follows the header. A layout is a list of NAME:TYPE, with *COUNT behind it for several of a kind. Types: u unsigned,
--- x the same in hexadecimal, i signed, f floating, each with its number of bits; s text with its number of bytes. A number
--- ends where the datagram ends: a command of one attribute carries only the first.
+-- The payload of a command. A layout is a list of NAME:TYPE, followed by *COUNT for an array. Types: u unsigned, x unsigned
+-- in hexadecimal, i signed, f floating point, each with its number of bits; s text with its number of bytes. The layout
+-- ends where the datagram ends: a command of one attribute has only the first field.
 local ROBOT_POSITION = "coordinate_type:u32 figure:x32 tool:u32 user_coordinate:u32 extended_figure:x32 axis:i32*8"
 local AXES_POSITION = "coordinate_type:u32 axis:i32*8"
 local EXTENDED_POSITION = "extended_coordinate_type:i32 user_coordinate:i16 tool:i16 figure:x32 reserved:u32 axis:i32*8"
@@ -407,7 +407,7 @@ local REPLIES = {
     ConvertJointAngleToPulse = EXTENDED_POSITION, ConvertCartesianToJointAngle = EXTENDED_POSITION,
     JobStackRead = "job_count:i8 padding:s3 job:s33*12",
 }
--- What is read by one and written by the other datagram of an exchange.
+-- The reply has these fields when the command reads, the request when it writes.
 for name, layout in pairs({
     IOData = "value:x8 filler:s7", RegisterData = "value:u16", ByteVariable = "value:u8", IntegerVariable = "value:i16",
     DoubleIntVariable = "value:i32", RealVariable = "real:f32", StringVariable = "text:s32",
@@ -416,7 +416,7 @@ for name, layout in pairs({
     REQUESTS[name], REPLIES[name] = layout, layout
 end
 
--- Whose words for a code come first.
+-- The subsystem whose texts for codes come first.
 local CONTEXTS = {
     IOData = "io", UAPIWriteIO = "io", JobSelect = "job", ExecutingJobRead = "job", JobStackRead = "job",
     UAPIPositionRead = "control_group",
@@ -470,7 +470,7 @@ local MAKERS = {
     f = function(name, title) return ProtoField.double(name, title) end,
     s = function(name, title) return ProtoField.string(name, title) end,
 }
--- A text ends at its first zero byte, or fills its place without one.
+-- A text ends at its first zero byte, or fills its whole field.
 local function text_of(range)
     return (range:string(ENC_ISO_8859_1):gsub("%z.*", ""))
 end
@@ -518,8 +518,8 @@ local extra_data = ProtoExpert.new("harvlink.extra_data", "More than the command
     expert.severity.NOTE)
 harvlink.experts = { wrong_size, refused, extra_data }
 
--- Replies don't say what they answer: the request of the same number between the same ports does. Numbers are used again
--- after 127, so what a frame belongs to is settled when it is seen first.
+-- A reply does not contain its command. It belongs to the last request with the same number between the same ports. Numbers
+-- repeat after 127, so the dissector decides this when it sees a frame for the first time.
 local last_requests, exchanges = {}, {}
 function harvlink.init()
     last_requests, exchanges = {}, {}
@@ -533,7 +533,7 @@ local function note_request(buffer, pinfo)
     local key = exchange_key(pinfo.src, pinfo.src_port, pinfo.dst, pinfo.dst_port, buffer(11, 1):uint())
     local exchange = { request_in = pinfo.number, at = pinfo.rel_ts }
     exchange.command = buffer(24, 2):le_uint()
-    -- Blocks of a transfer repeat the number of the request that opened it, and mean its service.
+    -- The blocks of a transfer have the number of its opening request, and its service.
     local before = last_requests[key]
     local goes_on = buffer(10, 1):uint() == 1 and before
     exchange.service = goes_on and before.service or buffer(29, 1):uint()
@@ -642,7 +642,7 @@ local function status_text(code, command, is_file)
     return context[code] or STATUS_TEXTS.main[code] or "no text for this code"
 end
 
--- The added status tells more than the status, if it is there.
+-- The added status, if present, is more specific than the status.
 local function add_status(buffer, tree, command, is_file)
     local status = tree:add(fields.status, buffer(25, 1))
     tree:add(fields.added_status_size, buffer(26, 1))
@@ -659,7 +659,7 @@ local function add_status(buffer, tree, command, is_file)
     return string.format("refused with %d, %s", code, text)
 end
 
--- What comes back from a write means nothing.
+-- The payload of the reply to a write has no meaning.
 local function add_reply_payload(buffer, tree, exchange, command, is_file)
     if not is_file then
         local is_read = exchange and name_of(SERVICES, exchange.service):match("^Read")
