@@ -3,7 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "CommandLine.h"
+#include "cli/program/CommandLine.h"
+#include "cli/verbs/AllCommands.h"
 
 namespace {
 
@@ -26,5 +27,5 @@ int main(int argc, char** argv) {
                                    .inputIsTerminal = isatty(STDIN_FILENO) == 1,
                                    .outputIsTerminal = isatty(STDOUT_FILENO) == 1,
                                    .errorIsTerminal = isatty(STDERR_FILENO) == 1};
-    return harvlink::cli::RunCommandLine(argc, argv, console);
+    return harvlink::cli::RunCommandLine(argc, argv, console, harvlink::cli::AllCommands());
 }

@@ -1,7 +1,7 @@
 #include "Input.h"
-#include "InputError.h"
-#include "TrajectoryFile.h"
+#include "cli/trajectory/TrajectoryFile.h"
 #include "motion/MotionStep.h"
+#include "words/text/InputError.h"
 
 // Trajectory files of the command line tool. A point that it accepts is one that the library takes.
 
@@ -19,7 +19,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
             Require(step.SetTarget(point, TargetControlGroup{}, status), "the library takes the point");
             Require(step.groups.count() == 1, "a point moves its group");
         }
-    } catch (cli::InputError const& error) {
+    } catch (words::InputError const& error) {
         Require(std::string_view(error.what()).starts_with("path.csv:"), "an error tells the file");
     }
     return 0;

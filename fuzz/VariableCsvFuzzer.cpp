@@ -1,13 +1,13 @@
-#include "Csv.h"
 #include "Input.h"
-#include "InputError.h"
-#include "VariableFile.h"
+#include "words/text/Csv.h"
+#include "words/text/InputError.h"
+#include "words/values/VariableFile.h"
 
 // Comma separated values, and the files of variables that are made of them: what is written is what is read.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
-using namespace harvlink::cli;
+using namespace harvlink::words;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "completion/Completion.h"
+#include "cli/completion/Completion.h"
 
 #include <string_view>
 #include <vector>
@@ -6,9 +6,10 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include "InputError.h"
-#include "PositionText.h"
-#include "Text.h"
+#include "cli/output/Words.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
+#include "words/values/PositionText.h"
 
 namespace harvlink::cli {
 

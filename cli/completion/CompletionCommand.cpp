@@ -1,15 +1,16 @@
+#include "cli/completion/CompletionCommand.h"
+
 #include <memory>
 #include <ostream>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
-#include "CommandLine.h"
-#include "Commands.h"
-#include "Help.h"
-#include "InputError.h"
-#include "Session.h"
-#include "completion/Completion.h"
+#include "cli/completion/Completion.h"
+#include "cli/program/CommandLine.h"
+#include "cli/program/Help.h"
+#include "cli/program/Session.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::cli {
 

@@ -1,4 +1,4 @@
-#include "doctor/Diagnosis.h"
+#include "cli/doctor/Diagnosis.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,9 +7,10 @@
 
 #include <fmt/format.h>
 
-#include "Generations.h"
-#include "Text.h"
-#include "errors/Explain.h"
+#include "cli/output/Words.h"
+#include "words/cards/Explain.h"
+#include "words/text/Text.h"
+#include "words/values/Generations.h"
 
 namespace harvlink::cli {
 

@@ -6,8 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "doctor/Probe.h"
-#include "errors/Explain.h"
+#include "cli/doctor/Probe.h"
+#include "cli/output/Words.h"
+#include "words/cards/Explain.h"
 
 namespace harvlink::cli {
 

@@ -1,3 +1,5 @@
+#include "cli/doctor/DoctorCommand.h"
+
 #include <cstdint>
 #include <memory>
 #include <ostream>
@@ -8,15 +10,14 @@
 #include <fmt/format.h>
 #include <netinet/in.h>
 
-#include "CommandLine.h"
-#include "Commands.h"
-#include "Help.h"
-#include "InputError.h"
-#include "Interrupt.h"
-#include "Session.h"
-#include "Text.h"
-#include "doctor/Diagnosis.h"
-#include "doctor/ReportText.h"
+#include "cli/doctor/Diagnosis.h"
+#include "cli/doctor/ReportText.h"
+#include "cli/program/CommandLine.h"
+#include "cli/program/Help.h"
+#include "cli/program/Interrupt.h"
+#include "cli/program/Session.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli {
 

@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include "doctor/Diagnosis.h"
+#include "cli/doctor/Diagnosis.h"
 
 namespace harvlink::cli {
 

@@ -1,11 +1,11 @@
-#include "doctor/Probe.h"
+#include "cli/doctor/Probe.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <span>
 
-#include "doctor/ProbeDatagrams.h"
-#include "doctor/ProbeSocket.h"
+#include "cli/doctor/ProbeDatagrams.h"
+#include "cli/doctor/ProbeSocket.h"
 
 namespace harvlink::cli {
 

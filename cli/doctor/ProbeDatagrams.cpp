@@ -1,11 +1,12 @@
-#include "doctor/ProbeDatagrams.h"
+#include "cli/doctor/ProbeDatagrams.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <string_view>
 
-#include "Text.h"
+#include "cli/output/Words.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli {
 

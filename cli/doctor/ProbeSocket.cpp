@@ -1,4 +1,4 @@
-#include "doctor/ProbeSocket.h"
+#include "cli/doctor/ProbeSocket.h"
 
 #include <algorithm>
 #include <array>

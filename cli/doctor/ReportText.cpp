@@ -1,11 +1,12 @@
-#include "doctor/ReportText.h"
+#include "cli/doctor/ReportText.h"
 
 #include <string_view>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
 
-#include "Text.h"
+#include "cli/output/Words.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli {
 

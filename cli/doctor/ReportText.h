@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "doctor/Diagnosis.h"
+#include "cli/doctor/Diagnosis.h"
 
 namespace harvlink::cli {
 

@@ -1,4 +1,4 @@
-#include "snapshot/Capture.h"
+#include "cli/snapshot/Capture.h"
 
 #include <algorithm>
 #include <ctime>
@@ -6,16 +6,17 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include "FileNames.h"
-#include "InputError.h"
-#include "Interrupt.h"
-#include "Text.h"
-#include "VariableText.h"
+#include "cli/output/Words.h"
+#include "cli/program/Interrupt.h"
+#include "cli/snapshot/FileReader.h"
+#include "cli/snapshot/ParameterRange.h"
+#include "cli/snapshot/Source.h"
+#include "cli/snapshot/TableReaders.h"
 #include "harvlink/ControllerStateInterface.h"
-#include "snapshot/FileReader.h"
-#include "snapshot/ParameterRange.h"
-#include "snapshot/Source.h"
-#include "snapshot/TableReaders.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
+#include "words/values/FileNames.h"
+#include "words/values/VariableText.h"
 
 namespace harvlink::cli::snapshot {
 

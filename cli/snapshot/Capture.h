@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <string>
 
-#include "Output.h"
+#include "cli/output/Output.h"
+#include "cli/snapshot/Snapshot.h"
 #include "harvlink/QuorvanController.h"
-#include "snapshot/Snapshot.h"
 
 namespace harvlink::cli::snapshot {
 

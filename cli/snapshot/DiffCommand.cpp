@@ -7,15 +7,15 @@
 #include <fmt/color.h>
 #include <fmt/format.h>
 
-#include "Help.h"
-#include "InputError.h"
-#include "Session.h"
-#include "Text.h"
-#include "snapshot/Capture.h"
-#include "snapshot/Difference.h"
-#include "snapshot/Folder.h"
-#include "snapshot/SnapshotCommands.h"
-#include "snapshot/Staging.h"
+#include "cli/program/Help.h"
+#include "cli/program/Session.h"
+#include "cli/snapshot/Capture.h"
+#include "cli/snapshot/Difference.h"
+#include "cli/snapshot/Folder.h"
+#include "cli/snapshot/SnapshotCommands.h"
+#include "cli/snapshot/Staging.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli::snapshot {
 

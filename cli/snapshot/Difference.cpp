@@ -1,4 +1,4 @@
-#include "snapshot/Difference.h"
+#include "cli/snapshot/Difference.h"
 
 #include <algorithm>
 #include <charconv>

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "snapshot/LineDifference.h"
-#include "snapshot/Snapshot.h"
+#include "cli/snapshot/LineDifference.h"
+#include "cli/snapshot/Snapshot.h"
 
 namespace harvlink::cli::snapshot {
 

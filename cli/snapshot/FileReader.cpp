@@ -1,12 +1,13 @@
-#include "snapshot/FileReader.h"
+#include "cli/snapshot/FileReader.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "Csv.h"
-#include "FileNames.h"
+#include "cli/output/Words.h"
 #include "harvlink/FileInterface.h"
+#include "words/text/Csv.h"
+#include "words/values/FileNames.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "snapshot/Snapshot.h"
-#include "snapshot/Source.h"
+#include "cli/snapshot/Snapshot.h"
+#include "cli/snapshot/Source.h"
 
 namespace harvlink::cli::snapshot {
 

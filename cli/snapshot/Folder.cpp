@@ -1,4 +1,4 @@
-#include "snapshot/Folder.h"
+#include "cli/snapshot/Folder.h"
 
 #include <algorithm>
 #include <fstream>
@@ -6,10 +6,11 @@
 
 #include <fmt/format.h>
 
-#include "Csv.h"
-#include "InputError.h"
-#include "snapshot/Manifest.h"
-#include "snapshot/SafeName.h"
+#include "cli/output/Words.h"
+#include "cli/snapshot/Manifest.h"
+#include "cli/snapshot/SafeName.h"
+#include "words/text/Csv.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "snapshot/Snapshot.h"
+#include "cli/snapshot/Snapshot.h"
 
 namespace harvlink::cli::snapshot {
 

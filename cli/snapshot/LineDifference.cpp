@@ -1,10 +1,11 @@
-#include "snapshot/LineDifference.h"
+#include "cli/snapshot/LineDifference.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <span>
 
-#include "Text.h"
+#include "cli/output/Words.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli::snapshot {
 

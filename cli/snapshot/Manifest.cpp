@@ -1,9 +1,10 @@
-#include "snapshot/Manifest.h"
+#include "cli/snapshot/Manifest.h"
 
 #include <fmt/format.h>
 
-#include "InputError.h"
+#include "cli/output/Words.h"
 #include "harvlink/Version.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::cli::snapshot {
 

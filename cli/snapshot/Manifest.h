@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Output.h"
-#include "snapshot/Snapshot.h"
+#include "cli/output/Output.h"
+#include "cli/snapshot/Snapshot.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -1,8 +1,9 @@
-#include "snapshot/ParameterRange.h"
+#include "cli/snapshot/ParameterRange.h"
 
 #include <cctype>
 
-#include "ParameterText.h"
+#include "cli/output/Words.h"
+#include "words/values/ParameterText.h"
 
 namespace harvlink::cli::snapshot {
 

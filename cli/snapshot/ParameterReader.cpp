@@ -1,10 +1,11 @@
 #include <fmt/format.h>
 
-#include "ParameterText.h"
-#include "PositionText.h"
+#include "cli/output/Words.h"
+#include "cli/snapshot/ParameterRange.h"
+#include "cli/snapshot/TableReaders.h"
 #include "harvlink/ControlGroupInterface.h"
-#include "snapshot/ParameterRange.h"
-#include "snapshot/TableReaders.h"
+#include "words/values/ParameterText.h"
+#include "words/values/PositionText.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -1,8 +1,9 @@
-#include "snapshot/Progress.h"
+#include "cli/snapshot/Progress.h"
 
 #include <ostream>
 
-#include "Text.h"
+#include "cli/output/Words.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string_view>
 
-#include "Output.h"
+#include "cli/output/Output.h"
 
 namespace harvlink::cli::snapshot {
 

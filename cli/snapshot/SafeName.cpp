@@ -1,4 +1,4 @@
-#include "snapshot/SafeName.h"
+#include "cli/snapshot/SafeName.h"
 
 #include <algorithm>
 #include <charconv>

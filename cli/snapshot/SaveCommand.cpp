@@ -5,16 +5,16 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include "CommandLine.h"
-#include "FileNames.h"
-#include "Help.h"
-#include "Session.h"
-#include "VariableText.h"
-#include "snapshot/Capture.h"
-#include "snapshot/Folder.h"
-#include "snapshot/Manifest.h"
-#include "snapshot/SnapshotCommands.h"
-#include "snapshot/Staging.h"
+#include "cli/program/CommandLine.h"
+#include "cli/program/Help.h"
+#include "cli/program/Session.h"
+#include "cli/snapshot/Capture.h"
+#include "cli/snapshot/Folder.h"
+#include "cli/snapshot/Manifest.h"
+#include "cli/snapshot/SnapshotCommands.h"
+#include "cli/snapshot/Staging.h"
+#include "words/values/FileNames.h"
+#include "words/values/VariableText.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -9,13 +9,13 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "CommandLine.h"
-#include "Help.h"
-#include "InputError.h"
-#include "Session.h"
-#include "snapshot/Folder.h"
-#include "snapshot/Manifest.h"
-#include "snapshot/SnapshotCommands.h"
+#include "cli/program/CommandLine.h"
+#include "cli/program/Help.h"
+#include "cli/program/Session.h"
+#include "cli/snapshot/Folder.h"
+#include "cli/snapshot/Manifest.h"
+#include "cli/snapshot/SnapshotCommands.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::cli::snapshot {
 

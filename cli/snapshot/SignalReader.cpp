@@ -3,8 +3,8 @@
 
 #include <fmt/format.h>
 
+#include "cli/snapshot/TableReaders.h"
 #include "harvlink/IOInterface.h"
-#include "snapshot/TableReaders.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -1,4 +1,4 @@
-#include "snapshot/Snapshot.h"
+#include "cli/snapshot/Snapshot.h"
 
 #include <algorithm>
 

@@ -1,9 +1,8 @@
-#include "snapshot/SnapshotCommands.h"
+#include "cli/snapshot/SnapshotCommands.h"
 
 #include <CLI/CLI.hpp>
 
-#include "Commands.h"
-#include "Help.h"
+#include "cli/program/Help.h"
 
 namespace harvlink::cli {
 

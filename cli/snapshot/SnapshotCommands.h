@@ -6,7 +6,9 @@ class App;
 
 namespace harvlink::cli {
 class Session;
-}
+
+void AddSnapshotCommands(CLI::App& app, Session& session);
+} // namespace harvlink::cli
 
 namespace harvlink::cli::snapshot {
 

@@ -4,10 +4,10 @@
 #include <string_view>
 #include <utility>
 
-#include "Interrupt.h"
+#include "cli/program/Interrupt.h"
+#include "cli/snapshot/Progress.h"
+#include "cli/snapshot/Snapshot.h"
 #include "harvlink/QuorvanController.h"
-#include "snapshot/Progress.h"
-#include "snapshot/Snapshot.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -1,4 +1,4 @@
-#include "snapshot/Staging.h"
+#include "cli/snapshot/Staging.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -7,8 +7,9 @@
 
 #include <fmt/format.h>
 
-#include "InputError.h"
-#include "snapshot/Folder.h"
+#include "cli/output/Words.h"
+#include "cli/snapshot/Folder.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "snapshot/Snapshot.h"
-#include "snapshot/Source.h"
+#include "cli/snapshot/Snapshot.h"
+#include "cli/snapshot/Source.h"
 
 namespace harvlink::cli::snapshot {
 

@@ -1,8 +1,9 @@
 #include <optional>
 
-#include "VariableAccess.h"
-#include "VariableText.h"
-#include "snapshot/TableReaders.h"
+#include "cli/output/Words.h"
+#include "cli/program/VariableAccess.h"
+#include "cli/snapshot/TableReaders.h"
+#include "words/values/VariableText.h"
 
 namespace harvlink::cli::snapshot {
 

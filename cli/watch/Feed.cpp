@@ -1,4 +1,4 @@
-#include "watch/Feed.h"
+#include "cli/watch/Feed.h"
 
 #include <cstdint>
 #include <stdexcept>

@@ -8,8 +8,8 @@
 #include <optional>
 #include <thread>
 
-#include "watch/Frame.h"
-#include "watch/Reader.h"
+#include "cli/watch/Frame.h"
+#include "cli/watch/Reader.h"
 
 namespace harvlink::cli::watch {
 

@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "VariableText.h"
+#include "cli/output/Words.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "harvlink/FaultInterface.h"
 #include "harvlink/JobInterface.h"
 #include "harvlink/StatusInfo.h"
+#include "words/values/VariableText.h"
 
 namespace harvlink::cli::watch {
 

@@ -1,9 +1,10 @@
-#include "watch/FrameJson.h"
+#include "cli/watch/FrameJson.h"
 
 #include <fmt/chrono.h>
 
-#include "StateText.h"
-#include "Text.h"
+#include "cli/output/Words.h"
+#include "words/text/Text.h"
+#include "words/values/StateText.h"
 
 namespace harvlink::cli::watch {
 

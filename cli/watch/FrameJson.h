@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Output.h"
-#include "watch/Frame.h"
+#include "cli/output/Output.h"
+#include "cli/watch/Frame.h"
 
 namespace harvlink::cli::watch {
 

@@ -1,11 +1,11 @@
-#include "watch/GroupLines.h"
+#include "cli/watch/GroupLines.h"
 
 #include <algorithm>
 #include <string_view>
 
 #include <fmt/format.h>
 
-#include "watch/LineMaker.h"
+#include "cli/watch/LineMaker.h"
 
 namespace harvlink::cli::watch {
 

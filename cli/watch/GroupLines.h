@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "watch/Layout.h"
+#include "cli/watch/Layout.h"
 
 namespace harvlink::cli::watch {
 

@@ -1,14 +1,15 @@
-#include "watch/Layout.h"
+#include "cli/watch/Layout.h"
 
 #include <algorithm>
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include "StateText.h"
-#include "Text.h"
-#include "watch/GroupLines.h"
-#include "watch/LineMaker.h"
+#include "cli/output/Words.h"
+#include "cli/watch/GroupLines.h"
+#include "cli/watch/LineMaker.h"
+#include "words/text/Text.h"
+#include "words/values/StateText.h"
 
 namespace harvlink::cli::watch {
 

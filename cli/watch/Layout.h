@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "watch/Frame.h"
+#include "cli/watch/Frame.h"
 
 namespace harvlink::cli::watch {
 

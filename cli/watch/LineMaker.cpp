@@ -1,4 +1,4 @@
-#include "watch/LineMaker.h"
+#include "cli/watch/LineMaker.h"
 
 #include <algorithm>
 #include <sstream>

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/watch/Layout.h"
 #include "harvlink/StatusInfo.h"
-#include "watch/Layout.h"
 
 namespace harvlink::cli::watch {
 

@@ -1,4 +1,4 @@
-#include "watch/Reader.h"
+#include "cli/watch/Reader.h"
 
 #include <algorithm>
 #include <bitset>
@@ -6,10 +6,11 @@
 #include <map>
 #include <utility>
 
-#include "PositionText.h"
-#include "VariableAccess.h"
+#include "cli/output/Words.h"
+#include "cli/program/VariableAccess.h"
 #include "harvlink/ControlGroupInterface.h"
 #include "harvlink/IOInterface.h"
+#include "words/values/PositionText.h"
 
 namespace harvlink::cli::watch {
 

@@ -4,10 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "SignalText.h"
-#include "VariableText.h"
+#include "cli/output/Words.h"
+#include "cli/watch/Frame.h"
 #include "harvlink/QuorvanController.h"
-#include "watch/Frame.h"
+#include "words/values/SignalText.h"
+#include "words/values/VariableText.h"
 
 namespace harvlink::cli::watch {
 

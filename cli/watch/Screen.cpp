@@ -1,4 +1,4 @@
-#include "watch/Screen.h"
+#include "cli/watch/Screen.h"
 
 #include <array>
 #include <clocale>
@@ -8,7 +8,8 @@
 #include <curses.h>
 #include <fmt/format.h>
 
-#include "InputError.h"
+#include "cli/output/Words.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::cli::watch {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "watch/Layout.h"
+#include "cli/watch/Layout.h"
 
 namespace harvlink::cli::watch {
 

@@ -1,3 +1,5 @@
+#include "cli/watch/WatchCommand.h"
+
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -10,17 +12,16 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include "Commands.h"
-#include "Help.h"
-#include "InputError.h"
-#include "Interrupt.h"
-#include "PositionText.h"
-#include "Session.h"
-#include "watch/Feed.h"
-#include "watch/FrameJson.h"
-#include "watch/Layout.h"
-#include "watch/Reader.h"
-#include "watch/Screen.h"
+#include "cli/program/Help.h"
+#include "cli/program/Interrupt.h"
+#include "cli/program/Session.h"
+#include "cli/watch/Feed.h"
+#include "cli/watch/FrameJson.h"
+#include "cli/watch/Layout.h"
+#include "cli/watch/Reader.h"
+#include "cli/watch/Screen.h"
+#include "words/text/InputError.h"
+#include "words/values/PositionText.h"
 
 namespace harvlink::cli::watch {
 

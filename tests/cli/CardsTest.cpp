@@ -9,13 +9,13 @@
 #include <gtest/gtest.h>
 
 #include "ToolTest.h"
-#include "errors/Explain.h"
 #include "files/FileHandler.h"
 #include "harvlink/harvlink.h"
 #include "kinematics/Kinematics.h"
 #include "motion/MotionManager.h"
 #include "status/MainStatusTable.h"
 #include "support/ScratchFolder.h"
+#include "words/cards/Explain.h"
 
 // What the cards say, held against the code that raises the status: each statement stands beside an operation that is
 // refused with the card's code and, where it names a limit, one beside the limit that is not.

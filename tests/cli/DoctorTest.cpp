@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Output.h"
 #include "ToolTest.h"
-#include "doctor/Diagnosis.h"
+#include "cli/doctor/Diagnosis.h"
+#include "cli/output/Output.h"
 
 namespace harvlink::cli {
 namespace {

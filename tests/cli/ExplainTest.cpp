@@ -1,4 +1,4 @@
-#include "errors/Explain.h"
+#include "words/cards/Explain.h"
 
 #include <algorithm>
 #include <array>
@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Output.h"
 #include "ToolTest.h"
-#include "errors/ErrorPage.h"
+#include "cli/explain/ErrorPage.h"
+#include "cli/output/Output.h"
 #include "status/ErrorTables.h"
 #include "status/MainStatusTable.h"
 #include "support/ScratchFolder.h"

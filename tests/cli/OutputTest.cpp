@@ -1,4 +1,4 @@
-#include "Output.h"
+#include "cli/output/Output.h"
 
 #include <cstdlib>
 #include <sstream>
@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Interrupt.h"
-#include "PathProgress.h"
-#include "Text.h"
+#include "cli/program/Interrupt.h"
+#include "cli/trajectory/PathProgress.h"
+#include "words/text/Text.h"
 
 namespace harvlink::cli {
 namespace {

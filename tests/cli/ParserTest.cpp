@@ -4,15 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include "Csv.h"
-#include "FileNames.h"
-#include "InputError.h"
-#include "PositionText.h"
-#include "SignalText.h"
-#include "Text.h"
-#include "TrajectoryFile.h"
-#include "VariableFile.h"
-#include "VariableText.h"
+#include "cli/trajectory/TrajectoryFile.h"
+#include "words/text/Csv.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
+#include "words/values/FileNames.h"
+#include "words/values/PositionText.h"
+#include "words/values/SignalText.h"
+#include "words/values/VariableFile.h"
+#include "words/values/VariableText.h"
 
 namespace harvlink::cli {
 namespace {

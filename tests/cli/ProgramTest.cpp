@@ -11,9 +11,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "CommandLine.h"
-#include "Output.h"
 #include "ToolTest.h"
+#include "cli/output/Output.h"
+#include "cli/program/CommandLine.h"
+#include "cli/verbs/AllCommands.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::cli {
@@ -250,7 +251,7 @@ TEST(Program, FailsIfItsOutputIsLost) {
         std::ostream lost(nullptr);
         std::ostringstream err;
         Console console{in, lost, err, false, false, false};
-        EXPECT_EQ(RunCommandLine(2, argv.data(), console), 1) << line;
+        EXPECT_EQ(RunCommandLine(2, argv.data(), console, AllCommands()), 1) << line;
         EXPECT_NE(err.str().find("the output can't be written"), std::string::npos) << err.str();
     }
 }

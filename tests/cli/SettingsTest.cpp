@@ -7,8 +7,8 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "Output.h"
 #include "ToolTest.h"
+#include "cli/output/Output.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::cli {

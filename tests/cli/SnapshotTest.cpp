@@ -4,11 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include "Output.h"
 #include "ToolTest.h"
-#include "snapshot/Folder.h"
-#include "snapshot/LineDifference.h"
-#include "snapshot/SafeName.h"
+#include "cli/output/Output.h"
+#include "cli/snapshot/Folder.h"
+#include "cli/snapshot/LineDifference.h"
+#include "cli/snapshot/SafeName.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::cli {

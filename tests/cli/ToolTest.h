@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "CommandLine.h"
+#include "cli/output/Words.h"
+#include "cli/program/CommandLine.h"
+#include "cli/verbs/AllCommands.h"
 #include "simulator/Server.h"
 #include "support/LoopbackAddress.h"
 #include "wire/CommandNumber.h"
@@ -39,7 +41,7 @@ inline Result RunTool(std::string const& line, std::string const& answer = "", b
     std::ostringstream out;
     std::ostringstream err;
     Console console{in, out, err, isTerminal, false, isTerminal};
-    int const exit = RunCommandLine(static_cast<int>(argv.size()), argv.data(), console);
+    int const exit = RunCommandLine(static_cast<int>(argv.size()), argv.data(), console, AllCommands());
     return {exit, out.str(), err.str()};
 }
 

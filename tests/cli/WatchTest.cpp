@@ -11,9 +11,9 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "Output.h"
 #include "ToolTest.h"
-#include "watch/Layout.h"
+#include "cli/output/Output.h"
+#include "cli/watch/Layout.h"
 
 namespace harvlink::cli {
 namespace {

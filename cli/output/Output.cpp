@@ -1,0 +1,76 @@
+#include "cli/output/Output.h"
+
+#include <cstdlib>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+
+#include <fmt/color.h>
+#include <fmt/format.h>
+
+#include "cli/output/Table.h"
+#include "words/text/Text.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+bool ColourAllowed() {
+    char const* const noColour = std::getenv("NO_COLOR");
+    char const* const terminal = std::getenv("TERM");
+    bool const refused = noColour != nullptr && *noColour != '\0';
+    return !refused && (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
+// Texts of a controller may hold any bytes; what is no UTF-8 is replaced, so that every document can be read.
+std::string Dump(Json const& document, int indent) {
+    return document.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+} // namespace
+
+Output::Output(Console& console)
+    : console_(console),
+      colour_(console.outputIsTerminal && ColourAllowed()),
+      errorColour_(console.errorIsTerminal && ColourAllowed()) {}
+
+void Output::Show(Json const& document) {
+    console_.out << (json ? Dump(document, 2) + "\n" : FormatTable(document, colour_)) << std::flush;
+}
+
+void Output::ShowEvent(Json const& event, std::string_view text) {
+    console_.out << (json ? Dump(event, -1) : std::string(text)) << '\n' << std::flush;
+    // Events go on until somebody ends them, for whom this is the end.
+    if (!console_.out) {
+        throw std::runtime_error("nobody takes the output any more");
+    }
+}
+
+StatusInfo Output::Done(StatusInfo status) {
+    if (status.StatusCode == 0) {
+        Show(json ? Json{{"code", status.StatusCode}, {"message", status.Message}} : Json(status.Message));
+    }
+    return status;
+}
+
+void Output::Failure(StatusInfo const& status, std::string_view subject) {
+    hasFailed_ = true;
+    std::ostringstream line;
+    line << subject << (subject.empty() ? "" : ": ") << status;
+    std::string const text = Printable(line.str());
+    console_.err << (errorColour_ ? fmt::format(fmt::fg(fmt::terminal_color::red), "{}", text) : text) << std::endl;
+    if (console_.errorIsTerminal) {
+        console_.err << fmt::format("What it means: harvlink explain {}", status.StatusCode) << std::endl;
+    }
+}
+
+void Output::Problem(std::string_view message) {
+    hasFailed_ = true;
+    console_.err << "harvlink: " << message << std::endl;
+}
+
+bool Output::Interactive() const {
+    return !json && console_.outputIsTerminal && console_.errorIsTerminal;
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace harvlink::words {}
+
+namespace harvlink::cli {
+
+// The text forms are this program's own vocabulary; they are used without a prefix.
+using namespace words;
+
+} // namespace harvlink::cli

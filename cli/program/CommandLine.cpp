@@ -1,0 +1,110 @@
+#include "cli/program/CommandLine.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "cli/output/Output.h"
+#include "cli/program/Complaint.h"
+#include "cli/program/Help.h"
+#include "cli/program/Session.h"
+#include "harvlink/Version.h"
+#include "words/text/InputError.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+constexpr char const* Footer = "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage.\n"
+                               "Options may stand before or behind the command. Each wins over its environment\n"
+                               "variable, in brackets, and this over the configuration file: see harvlink config.\n\n"
+                               "Examples:\n"
+                               "  harvlink --host 192.168.255.1 status\n"
+                               "  harvlink --host 192.168.255.1 position R1 --coordinate base --json\n"
+                               "  HARVLINK_HOST=192.168.255.1 harvlink var get B0..B9 P1";
+
+/// The words that lead to the command at which the parsing stopped.
+std::string CommandName(CLI::App const& app) {
+    std::string name = app.get_name();
+    for (CLI::App const* command = &app; !command->get_subcommands().empty();) {
+        command = command->get_subcommands().front();
+        name += " " + command->get_name();
+    }
+    return name;
+}
+
+/// In the order that the parser wants, the last first. A negative code behind "explain", which it would take for an
+/// option, is written as the controller's tools do, in hexadecimal.
+std::vector<std::string> Arguments(int argc, char const* const* argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    bool isExplained = false;
+    for (std::string& argument : arguments) {
+        std::int32_t code = 0;
+        char const* const end = argument.data() + argument.size();
+        auto const result = std::from_chars(argument.data(), end, code);
+        if (isExplained && code < 0 && result.ec == std::errc{} && result.ptr == end) {
+            argument = fmt::format("0x{:X}", static_cast<std::uint32_t>(code));
+        }
+        isExplained = isExplained || argument == "explain";
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
+int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {
+    try {
+        app.parse(Arguments(argc, argv));
+    } catch (CLI::ParseError const& error) {
+        if (error.get_exit_code() == 0) {
+            return app.exit(error, console.out, console.err);
+        }
+        throw InputError(fmt::format("{}\nRun {} --help for how it is used", Complaint(app, error), CommandName(app)));
+    }
+    return session.Run();
+}
+
+int Run(int argc, char const* const* argv, Console& console, std::span<AddCommands const> commands, Output& output) {
+    Session session(output);
+    CLI::App app("Reads from and commands a robot controller over Ethernet.", "harvlink");
+    UseHelpFormat(app);
+    app.set_version_flag("--version", "harvlink " + std::string(HeaderVersion));
+    app.require_subcommand(1);
+    // Lets the global options stand behind the command too; subcommands inherit it.
+    app.fallthrough();
+    session.AddOptions(app);
+    for (AddCommands const add : commands) {
+        add(app, session);
+    }
+    // Behind the commands, which would inherit it.
+    app.footer(Footer);
+    try {
+        return ParseAndRun(app, session, argc, argv, console);
+    } catch (InputError const& error) {
+        output.Problem(error.what());
+        return ExitStatus::WrongUsage;
+    } catch (std::exception const& error) {
+        output.Problem(error.what());
+        return ExitStatus::Failure;
+    }
+}
+
+} // namespace
+
+int RunCommandLine(int argc, char const* const* argv, Console& console, std::span<AddCommands const> commands) {
+    Output output(console);
+    int const exit = Run(argc, argv, console, commands, output);
+    if (!console.out.flush()) {
+        output.Problem("the output can't be written");
+        return exit == ExitStatus::Success ? ExitStatus::Failure : exit;
+    }
+    return exit;
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,153 @@
+#include "cli/program/Complaint.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <numeric>
+#include <regex>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace harvlink::cli {
+
+namespace {
+
+constexpr std::size_t MostListed = 10;
+
+struct Wording {
+    char const* pattern;
+    char const* words;
+};
+
+/// What the parser says, and how it is said here.
+constexpr std::array<Wording, 7> Wordings{{
+    {"(\\S+): Value (.*) not in range (\\S+) to (\\S+)", "$1: '$2' is no number from $3 to $4"},
+    {"Could not convert: (\\S+) = (.*)", "$1: '$2' is no number"},
+    {"(\\S+): 1 required ([^ :]+).* missing", "$1 needs a value: $2"},
+    {"(\\S+): Directory does not exist: (.*)", "$1: there is no folder '$2'"},
+    {"(\\S+): Invalid IPV4 address.*\\((.*)\\)", "$1: '$2' is no IPv4 address such as 192.168.255.1"},
+    {"(\\S+) excludes (\\S+)", "give $1 or $2, not both"},
+    {"(\\S+) is required", "$1 is missing"},
+}};
+
+using Names = std::vector<std::string>;
+
+Names CommandNames(CLI::App const& app) {
+    Names names;
+    for (CLI::App const* const command : app.get_subcommands([](CLI::App const*) { return true; })) {
+        names.push_back(command->get_name());
+    }
+    return names;
+}
+
+void AddOptionNames(Names& names, CLI::App const& app) {
+    for (CLI::Option const* const option : app.get_options()) {
+        for (std::string const& name : option->get_lnames()) {
+            if (std::find(names.begin(), names.end(), "--" + name) == names.end()) {
+                names.push_back("--" + name);
+            }
+        }
+    }
+}
+
+/// How many letters have to be put in, left out or changed to make one word of the other.
+std::size_t EditDistance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), 0U);
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            std::size_t const changed = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+/// The name that is nearest to a mistyped word, or all of them if they are few and none is near.
+std::string Suggestion(std::string_view word, Names const& names) {
+    auto const distance = [&](std::string const& name) {
+        return name.starts_with(word) ? 0 : EditDistance(word, name);
+    };
+    auto const nearest = std::min_element(names.begin(), names.end(), [&](auto const& left, auto const& right) {
+        return distance(left) < distance(right);
+    });
+    if (nearest != names.end() && distance(*nearest) <= 2 && distance(*nearest) < word.size() - 1) {
+        return fmt::format("; is {} meant?", *nearest);
+    }
+    return names.size() > MostListed ? "" : fmt::format("; there are: {}", fmt::join(names, ", "));
+}
+
+std::string UnknownWord(CLI::App const& app, Names const& unknown) {
+    CLI::App const& reached = ReachedCommand(app);
+    auto const option = std::find_if(unknown.begin(), unknown.end(), [](auto const& word) { return word[0] == '-'; });
+    if (option != unknown.end()) {
+        Names names;
+        AddOptionNames(names, reached);
+        AddOptionNames(names, app);
+        return fmt::format("there is no option '{}'{}", *option, Suggestion(*option, names));
+    }
+    Names const commands = CommandNames(reached);
+    return commands.empty()
+               ? fmt::format("'{}' is one argument too many", unknown.front())
+               : fmt::format("there is no command '{}'{}", unknown.front(), Suggestion(unknown.front(), commands));
+}
+
+/// Words that nothing takes: those that are left over, or, once the parser has given up, those in its words, the last
+/// first.
+Names UnknownWords(CLI::App const& app, CLI::ParseError const& error) {
+    constexpr std::string_view Start = "not expected: ";
+    std::string const text = error.what();
+    std::size_t const start = text.find(Start);
+    if (start == std::string::npos) {
+        return app.remaining(true);
+    }
+    std::istringstream list(text.substr(start + Start.size()));
+    Names words(std::istream_iterator<std::string>(list), {});
+    std::reverse(words.begin(), words.end());
+    return words;
+}
+
+std::string MissingCommand(Names const& commands) {
+    return commands.size() > MostListed ? "a command is missing"
+                                        : fmt::format("a command is missing; there are: {}", fmt::join(commands, ", "));
+}
+
+} // namespace
+
+CLI::App const& ReachedCommand(CLI::App const& app) {
+    CLI::App const* command = &app;
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+    }
+    return *command;
+}
+
+std::string Complaint(CLI::App const& app, CLI::ParseError const& error) {
+    // The parser misses what is required before it looks at the word in its place that it does not know.
+    bool const isIncomplete = error.get_name() == "RequiredError";
+    Names unknown = UnknownWords(app, error);
+    unknown.erase(std::remove(unknown.begin(), unknown.end(), ""), unknown.end());
+    if (!unknown.empty() && (isIncomplete || error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError))) {
+        return UnknownWord(app, unknown);
+    }
+    std::string const text = error.what();
+    if (isIncomplete && text == "A subcommand is required") {
+        return MissingCommand(CommandNames(ReachedCommand(app)));
+    }
+    for (Wording const& wording : Wordings) {
+        std::regex const pattern(wording.pattern);
+        if (std::regex_match(text, pattern)) {
+            return std::regex_replace(text, pattern, wording.words);
+        }
+    }
+    return text;
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,117 @@
+#include "cli/program/Session.h"
+
+#include <istream>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "cli/program/CommandLine.h"
+#include "cli/program/LibraryLog.h"
+#include "harvlink/ControllerStateInterface.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+void CheckGeneration(QuorvanController& robot, std::string const& wanted) {
+    SystemInfoData data;
+    StatusInfo const status = robot.Status->ReadSystemInformation(SystemInfoId::Robot1, data);
+    if (status.StatusCode != 0 || !data.softwareVersion.starts_with(wanted)) {
+        throw std::runtime_error(
+            fmt::format("the controller is no {} but says '{}'; beyond the connection nothing was asked of it", wanted,
+                        Printable(TrimField(data.softwareVersion))));
+    }
+}
+
+} // namespace
+
+void Session::AddOptions(CLI::App& app) {
+    settings_.AddOptions(app);
+    app.add_flag("--json", output_.json, "Print JSON for programs instead of tables for people");
+    app.add_flag("-y,--yes", confirmed_, "Do not ask before the machine moves or its power changes");
+}
+
+void Session::OnConnection(ConnectedPlan plan) {
+    plan_ = [this, plan = std::move(plan)](Output&) {
+        CheckHost();
+        return RunConnected(plan);
+    };
+}
+
+void Session::OnConnectionConfirmed(std::string const& consequence, ConnectedPlan plan) {
+    plan_ = [this, consequence, plan = std::move(plan)](Output&) {
+        CheckHost();
+        int const refusal = Confirm(consequence);
+        return refusal == ExitStatus::Success ? RunConnected(plan) : refusal;
+    };
+}
+
+void Session::CheckHost() const {
+    if (host().empty()) {
+        throw InputError("which controller? Give --host, set HARVLINK_HOST or write host into the configuration file");
+    }
+}
+
+int Session::Confirm(std::string const& consequence) {
+    Console& console = output_.console();
+    if (confirmed_) {
+        return ExitStatus::Success;
+    }
+    if (!console.inputIsTerminal || !console.errorIsTerminal) {
+        throw InputError(fmt::format("{}; give --yes to confirm it", consequence));
+    }
+    // An answer is one only to a question that was read.
+    tcflush(STDIN_FILENO, TCIFLUSH);
+    console.err << fmt::format("{}. Go on? [y/N] ", consequence) << std::flush;
+    std::string answer;
+    std::getline(console.in, answer);
+    if (answer == "y" || answer == "Y" || answer == "yes") {
+        return ExitStatus::Success;
+    }
+    output_.Problem("not confirmed, nothing was done");
+    return ExitStatus::Failure;
+}
+
+Connection Session::Open(StatusInfo& status) const {
+    CheckHost();
+    Settings::Connection const wanted = settings_.ForConnection();
+    Connection connection = Connect(wanted.host, status, wanted.timeoutMilliseconds, wanted.retries, logging_);
+    if (connection && !wanted.generation.empty()) {
+        CheckGeneration(*connection, wanted.generation);
+    }
+    return connection;
+}
+
+void Session::ShowLog(LibraryLog const& log) {
+    std::string const added = logging_ ? log.Added() : "";
+    for (std::string_view const line : Split(added, '\n')) {
+        if (!line.empty()) {
+            output_.Problem(fmt::format("logged in {}: {}", log.Path().string(), Printable(line)));
+        }
+    }
+}
+
+int Session::RunConnected(ConnectedPlan const& plan) {
+    StatusInfo status;
+    LibraryLog const log;
+    if (Connection const connection = Open(status)) {
+        status = plan(*connection, output_);
+    }
+    // Behind the connection, whose end is also that of the thread that logs.
+    ShowLog(log);
+    if (status.StatusCode != 0) {
+        output_.Failure(status);
+    }
+    return output_.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;
+}
+
+} // namespace harvlink::cli

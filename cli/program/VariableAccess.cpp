@@ -1,0 +1,64 @@
+#include "cli/program/VariableAccess.h"
+
+#include <utility>
+
+namespace harvlink::cli {
+
+namespace {
+
+// The member of a record that holds its value has one of two names.
+template <typename Record>
+auto& ValueOf(Record& record) {
+    if constexpr (requires { record.positionData; }) {
+        return record.positionData;
+    } else {
+        return record.value;
+    }
+}
+
+/// Calls `visit` with the interface of a kind.
+template <typename Visitor>
+StatusInfo VisitKind(VariablesInterface& variables, VariableKind kind, Visitor const& visit) {
+    switch (kind) {
+    case VariableKind::Byte:
+        return visit(*variables.byteVariable);
+    case VariableKind::Integer:
+        return visit(*variables.integerVariable);
+    case VariableKind::DoubleInteger:
+        return visit(*variables.doubleIntVariable);
+    case VariableKind::Real:
+        return visit(*variables.realVariable);
+    case VariableKind::String:
+        return visit(*variables.stringVariable);
+    case VariableKind::RobotPosition:
+        return visit(*variables.robotPositionVariable);
+    case VariableKind::BasePosition:
+        return visit(*variables.basePositionVariable);
+    case VariableKind::StationPosition:
+        break;
+    }
+    return visit(*variables.stationPositionVariable);
+}
+
+} // namespace
+
+StatusInfo ReadVariable(VariablesInterface& variables, VariableAddress address, VariableValue& value) {
+    return VisitKind(variables, address.kind, [&]<typename Record>(VariableInterface<Record>& variable) {
+        Record record;
+        StatusInfo status = variable.Read(address.index, record);
+        value = std::move(ValueOf(record));
+        return status;
+    });
+}
+
+StatusInfo WriteVariable(VariablesInterface& variables, VariableAssignment const& assignment) {
+    return VisitKind(variables, assignment.address.kind, [&]<typename Record>(VariableInterface<Record>& variable) {
+        Record record;
+        record.variableIndex = assignment.address.index;
+        auto& held = ValueOf(record);
+        held = std::get<std::remove_reference_t<decltype(held)>>(assignment.value);
+        return variable.Write(record);
+    });
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,280 @@
+#include "cli/trajectory/TrajectoryRun.h"
+
+#include <algorithm>
+#include <chrono>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "cli/output/Words.h"
+#include "cli/program/Interrupt.h"
+#include "cli/trajectory/PathProgress.h"
+#include "harvlink/ControlGroupInterface.h"
+#include "harvlink/ControllerStateInterface.h"
+#include "harvlink/FaultInterface.h"
+#include "words/text/Text.h"
+#include "words/values/PositionText.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds PollInterval{50};
+constexpr int MostStops = 3;
+constexpr int BarWidth = 20;
+constexpr std::size_t LongestLine = 79;
+constexpr char const* EraseProgress = "\r\x1b[K";
+
+/// The way of the group that the last point moves, as far as it is told in that point's coordinates.
+struct FollowedPath {
+    Motion const& last;
+    CoordinateType readType;
+    bool isEndComparable;
+    std::vector<PathProgress::Axes> points;
+};
+
+bool CanBeRead(CoordinateType type) {
+    return type == CoordinateType::Pulse || type == CoordinateType::BaseCoordinate ||
+           type == CoordinateType::RobotCoordinate || type == CoordinateType::UserCoordinate;
+}
+
+FollowedPath FollowPath(Trajectory const& trajectory) {
+    Motion const& last = trajectory.back();
+    bool const comparable = CanBeRead(last.position.coordinateType);
+    FollowedPath path{last, comparable ? last.position.coordinateType : CoordinateType::Pulse, comparable, {}};
+    for (Motion const& motion : trajectory) {
+        if (comparable && motion.controlGroup == last.controlGroup &&
+            motion.position.coordinateType == last.position.coordinateType &&
+            motion.position.userCoordinateNumber == last.position.userCoordinateNumber) {
+            path.points.push_back(motion.position.axes);
+        }
+    }
+    return path;
+}
+
+class TrajectoryRunner {
+public:
+    TrajectoryRunner(QuorvanController& robot, Output& output, Trajectory const& trajectory)
+        : robot_(robot), output_(output), trajectory_(trajectory), path_(FollowPath(trajectory)) {}
+
+    StatusInfo Run() {
+        Interrupt const interrupt;
+        BrokenPipesIgnored const outputMayBeGone;
+        StatusInfo status = ReadPosition();
+        start_ = Clock::now();
+        PathProgress progress(path_.readType, position_.axes, path_.points, path_.isEndComparable, start_);
+        if (status.StatusCode == 0) {
+            status = QueueAndStart(interrupt);
+        }
+        if (status.StatusCode == 0) {
+            status = Follow(interrupt, progress);
+        }
+        if (status.StatusCode != 0) {
+            // Before anything is told: who reads it may be slow, or gone.
+            StatusInfo const stopped = Abandon();
+            TellTrouble();
+            if (stopped.StatusCode != 0) {
+                output_.Failure(stopped, "the machine may still move, its stop failed");
+            }
+        } else {
+            EndBar();
+        }
+        return status;
+    }
+
+    void ShowResult() {
+        std::chrono::duration<double> const elapsed = Clock::now() - start_;
+        Json document{{"points", trajectory_.size()},
+                      {"seconds", RoundToMilli(elapsed.count())},
+                      {"group", GroupName(path_.last.controlGroup)}};
+        document.update(PositionJson(position_));
+        output_.Show(document);
+    }
+
+private:
+    StatusInfo ReadPosition() {
+        PositionData const& wanted = path_.last.position;
+        bool const isUser = path_.readType == CoordinateType::UserCoordinate;
+        return robot_.ControlGroup->ReadPositionData(
+            path_.last.controlGroup, path_.readType,
+            static_cast<unsigned char>(isUser ? wanted.userCoordinateNumber : 0),
+            static_cast<unsigned char>(path_.isEndComparable ? wanted.toolNumber : 0), position_);
+    }
+
+    StatusInfo QueueAndStart(Interrupt const& interrupt) {
+        for (std::size_t i = 0; i < trajectory_.size(); ++i) {
+            StatusInfo status = robot_.MotionManager->AddPointToTrajectory(trajectory_[i]);
+            if (status.StatusCode != 0) {
+                troubles_.push_back(fmt::format("point {} was refused, nothing was moved", i + 1));
+                return status;
+            }
+        }
+        if (interrupt.Wait(std::chrono::milliseconds(0))) {
+            troubles_.emplace_back("interrupted before the start, nothing was moved");
+            return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+        }
+        StatusInfo status = robot_.MotionManager->MotionStart();
+        isStarted_ = status.StatusCode == 0;
+        return status;
+    }
+
+    StatusInfo Follow(Interrupt const& interrupt, PathProgress& progress) {
+        while (true) {
+            if (interrupt.Wait(PollInterval)) {
+                troubles_.emplace_back("interrupted: stopping the motion and clearing the queue");
+                return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+            }
+            StatusInfo status = LookForTrouble();
+            if (status.StatusCode == 0) {
+                ReadReached();
+                status = ReadPosition();
+            }
+            if (status.StatusCode != 0) {
+                return status;
+            }
+            PathProgress::State const state = progress.Sample(position_.axes, Clock::now());
+            ShowBar(progress.Fraction());
+            if (state == PathProgress::State::Arrived) {
+                return {};
+            }
+            if (state == PathProgress::State::Stopped && !isHeld_) {
+                troubles_.emplace_back("the machine stands still before the last point");
+                return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+            }
+        }
+    }
+
+    // The library calls nobody back when the controller refuses a point: it raises an alarm and empties its queue.
+    StatusInfo LookForTrouble() {
+        ControllerStateData state;
+        StatusInfo status = robot_.Status->ReadState(state);
+        isHeld_ = state.isProgramPendantHold;
+        if (status.StatusCode != 0 || (!state.isAlarming && !state.isErroring && state.isServoOn)) {
+            return status;
+        }
+        ActiveAlarms alarms;
+        status = robot_.Faults->GetActiveAlarms(alarms);
+        bool hasAlarm = false;
+        for (AlarmData const& alarm : alarms.alarms) {
+            if (alarm.code != 0) {
+                hasAlarm = true;
+                troubles_.push_back(
+                    fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(TrimField(alarm.name))));
+            }
+        }
+        // An alarm takes servo power with it.
+        if (!state.isServoOn && !hasAlarm) {
+            troubles_.emplace_back("servo power is off");
+        }
+        return StatusInformation(ErrorStatusCodes::OperationInterrupted);
+    }
+
+    // A refused point clears the targets, and with them the count: the highest that was seen is kept.
+    void ReadReached() {
+        StatusInfo status;
+        double const reached = robot_.MotionManager->GetMotionTargetProgress(path_.last.controlGroup, status);
+        if (status.StatusCode == 0 && reached >= 0.0) {
+            reached_ = std::max(reached_, std::min(reached, static_cast<double>(trajectory_.size())));
+        }
+    }
+
+    void TellTrouble() {
+        EndBar();
+        for (std::string const& trouble : troubles_) {
+            output_.Problem(trouble);
+        }
+        TellPlace();
+    }
+
+    // The controller counts each group's own points, so that with several groups the count is that of no one point. It
+    // may have gone on since it was read, and points are refused ahead of the machine.
+    void TellPlace() {
+        bool const isOneGroup = std::ranges::all_of(
+            trajectory_, [&](Motion const& point) { return point.controlGroup == path_.last.controlGroup; });
+        auto const point = static_cast<std::size_t>(reached_);
+        if (!isStarted_ || !isOneGroup || point >= trajectory_.size() || trajectory_[point].place.empty()) {
+            return;
+        }
+        std::size_t const count = trajectory_.size();
+        output_.Problem(fmt::format("stopped on the way to {} (point {} of {}){}", trajectory_[point].place, point + 1,
+                                    count, point + 1 < count ? " or to a later point" : ""));
+    }
+
+    // How the stop went; a success if nothing was started. Clearing empties the library's queue even if the controller no
+    // longer answers.
+    StatusInfo Abandon() {
+        StatusInfo stopped = isStarted_ ? StopMotion(*robot_.MotionManager, true) : StatusInfo{};
+        if (!isStarted_ || stopped.StatusCode != 0) {
+            robot_.MotionManager->ClearAllTrajectory();
+        }
+        return stopped;
+    }
+
+    void ShowBar(double fraction) {
+        if (!output_.Interactive()) {
+            return;
+        }
+        int const filled = static_cast<int>(fraction * BarWidth);
+        std::chrono::duration<double> const elapsed = Clock::now() - start_;
+        std::string const left =
+            fraction > 0.02 ? fmt::format("{:.0f}", elapsed.count() / fraction - elapsed.count()) : "?";
+        std::string line = fmt::format("[{:#<{}}{:-<{}}] {:3.0f} %  {} s left{}  {}", "", filled, "", BarWidth - filled,
+                                       fraction * 100.0, left, isHeld_ ? "  held" : "", Axes());
+        // A line that wraps could not be erased.
+        line.resize(std::min(line.size(), LongestLine));
+        output_.console().err << EraseProgress << line << std::flush;
+        isBarShown_ = true;
+    }
+
+    std::string Axes() const {
+        std::string const position = FormatPosition(position_);
+        return position.substr(0, position.find(",tool=")).substr(0, position.find(",figure="));
+    }
+
+    void EndBar() {
+        if (isBarShown_) {
+            output_.console().err << std::endl;
+            isBarShown_ = false;
+        }
+    }
+
+    QuorvanController& robot_;
+    Output& output_;
+    Trajectory const& trajectory_;
+    FollowedPath path_;
+    PositionData position_;
+    Clock::time_point start_;
+    std::vector<std::string> troubles_;
+    double reached_ = 0.0; // points, with the part of the way to the next
+    bool isStarted_ = false;
+    bool isHeld_ = false;
+    bool isBarShown_ = false;
+};
+
+} // namespace
+
+StatusInfo RunTrajectory(QuorvanController& robot, Output& output, Trajectory const& trajectory) {
+    TrajectoryRunner runner(robot, output, trajectory);
+    StatusInfo status = runner.Run();
+    if (status.StatusCode == 0) {
+        runner.ShowResult();
+    }
+    return status;
+}
+
+StatusInfo StopMotion(MotionManagerInterface& manager, bool clearsTargets) {
+    StatusInfo status;
+    for (int i = 0; i < MostStops; ++i) {
+        status = manager.MotionStop(clearsTargets);
+        if (status.StatusCode != static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+            break;
+        }
+    }
+    return status;
+}
+
+} // namespace harvlink::cli

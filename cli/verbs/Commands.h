@@ -1,0 +1,23 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace harvlink::cli {
+
+class Session;
+
+// One family of commands each, named as the interface of the library that it uses.
+void AddControllerStateCommands(CLI::App& app, Session& session);
+void AddControlGroupCommands(CLI::App& app, Session& session);
+void AddVariableCommands(CLI::App& app, Session& session);
+void AddIOCommands(CLI::App& app, Session& session);
+void AddFileCommands(CLI::App& app, Session& session);
+void AddFaultCommands(CLI::App& app, Session& session);
+void AddJobCommands(CLI::App& app, Session& session);
+void AddControlCommands(CLI::App& app, Session& session);
+void AddMotionCommands(CLI::App& app, Session& session);
+void AddKinematicsCommands(CLI::App& app, Session& session);
+
+} // namespace harvlink::cli

@@ -1,0 +1,120 @@
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/program/Help.h"
+#include "cli/program/Session.h"
+#include "cli/verbs/Commands.h"
+#include "harvlink/FaultInterface.h"
+#include "words/text/Text.h"
+#include "words/values/StateText.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+constexpr std::uint32_t MostHistory = 100;
+
+constexpr std::array<Named<AlarmCategory>, 5> CategoryNames{{{"major", AlarmCategory::Major},
+                                                             {"minor", AlarmCategory::Minor},
+                                                             {"system-user", AlarmCategory::SystemUser},
+                                                             {"user", AlarmCategory::User},
+                                                             {"offline", AlarmCategory::Offline}}};
+
+// The filled places, which need not be the first ones.
+Json AlarmRows(std::span<AlarmData const> alarms) {
+    Json rows = Json::array();
+    for (std::size_t place = 0; place < alarms.size(); ++place) {
+        AlarmData const& alarm = alarms[place];
+        if (alarm.code != 0) {
+            Json row{{"place", place + 1}};
+            row.update(AlarmJson(alarm));
+            rows.push_back(row);
+        }
+    }
+    return rows;
+}
+
+StatusInfo ShowActive(QuorvanController& robot, Output& output) {
+    ActiveAlarms alarms;
+    StatusInfo status = robot.Faults->GetActiveAlarms(alarms);
+    if (status.StatusCode == 0) {
+        output.Show(AlarmRows(alarms.alarms));
+    }
+    return status;
+}
+
+struct HistoryArguments {
+    std::uint32_t count = 10;
+    std::string category = "major";
+};
+
+void PlanHistory(Session& session, HistoryArguments const& arguments) {
+    AlarmCategory const category = ParseName(CategoryNames, arguments.category, "category of alarms");
+    session.OnConnection([category, count = arguments.count](QuorvanController& robot, Output& output) {
+        auto history = std::make_unique<AlarmHistory>();
+        StatusInfo status = robot.Faults->GetAlarmHistory(category, count, *history);
+        if (status.StatusCode == 0) {
+            output.Show(AlarmRows(history->alarms));
+        }
+        return status;
+    });
+}
+
+void AddCategory(CLI::App& verb, HistoryArguments& arguments) {
+    verb.add_option("--category", arguments.category, "Category of the history")
+        ->type_name(Choices(CategoryNames))
+        ->capture_default_str();
+}
+
+void AddHistory(CLI::App& family, Session& session) {
+    auto arguments = std::make_shared<HistoryArguments>();
+    CLI::App* const verb = family.add_subcommand("history", "Show the newest alarms of a category, newest first");
+    verb->add_option("COUNT", arguments->count, "How many at most")
+        ->check(CLI::Range(1U, MostHistory))
+        ->capture_default_str();
+    AddCategory(*verb, *arguments);
+    SetExamples(*verb, {"alarms history", "alarms history 50 --category minor"});
+    verb->callback([arguments, &session] { PlanHistory(session, *arguments); });
+}
+
+void AddClear(CLI::App& family, Session& session) {
+    CLI::App* const verb = family.add_subcommand("clear", "Cancel the error and reset the alarms");
+    SetExamples(*verb, {"alarms clear"});
+    verb->callback([&session] {
+        session.OnConnection(
+            [](QuorvanController& robot, Output& output) { return output.Done(robot.Faults->ClearAllFaults()); });
+    });
+}
+
+} // namespace
+
+void AddFaultCommands(CLI::App& app, Session& session) {
+    auto arguments = std::make_shared<HistoryArguments>();
+    CLI::App* const family = app.add_subcommand("alarms", "Show active alarms or their history, or clear them");
+    CLI::Option const* const history =
+        family->add_option("--history", arguments->count, "Show so many of the history, as the command history does")
+            ->check(CLI::Range(1U, MostHistory))
+            ->type_name("N");
+    AddCategory(*family, *arguments);
+    family->require_subcommand(0, 1);
+    AddHistory(*family, session);
+    AddClear(*family, session);
+    SetExamples(*family, {"alarms", "alarms --history 20 --category minor", "alarms clear"});
+    family->callback([arguments, family, history, &session] {
+        if (!family->get_subcommands().empty()) {
+            return;
+        }
+        if (history->count() > 0) {
+            PlanHistory(session, *arguments);
+        } else {
+            session.OnConnection(ShowActive);
+        }
+    });
+}
+
+} // namespace harvlink::cli

@@ -1,0 +1,37 @@
+#include "words/values/FileNames.h"
+
+#include <fnmatch.h>
+
+#include "words/text/Text.h"
+
+namespace harvlink::words {
+
+bool IsGlob(std::string_view name) {
+    return name.find_first_of("*?[") != std::string_view::npos;
+}
+
+bool FitsGlob(std::string const& glob, std::string const& name) {
+    return fnmatch(LowerCase(glob).c_str(), LowerCase(name).c_str(), 0) == 0;
+}
+
+std::vector<FileType> KindsOf(std::string_view name) {
+    std::size_t const dot = name.rfind('.');
+    std::string const extension = LowerCase(dot == std::string_view::npos ? name : name.substr(dot + 1));
+    std::vector<FileType> kinds;
+    for (FileKind const& kind : FileKinds) {
+        if (FitsGlob(extension, ExtensionOf(kind.type))) {
+            kinds.push_back(kind.type);
+        }
+    }
+    return kinds;
+}
+
+std::string ExtensionOf(FileType type) {
+    return std::string(FileKinds.at(static_cast<std::size_t>(type)).Extension().substr(1));
+}
+
+bool IsSafeLocalName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string_view("/\0", 2)) == name.npos;
+}
+
+} // namespace harvlink::words

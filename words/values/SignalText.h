@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "harvlink/IOInterface.h"
+#include "harvlink/StatusInfo.h"
+
+namespace harvlink::words {
+
+inline constexpr char const* SignalHelp =
+    "A signal is named by its address, such as 10010, or by class, group and bit, such as\n"
+    "general-output:1.0; a byte or word by the address of its first signal or by class and\n"
+    "group, such as general-output:1. Classes: general-input, general-output, external-input,\n"
+    "external-output, network-input, network-output, specific-input, specific-output,\n"
+    "interface-panel-input, auxiliary-relay, robot-control-status, pseudo-input.";
+
+/// Where a signal is, as the user named it. A class becomes an address only with a controller, whose generation decides.
+struct SignalName {
+    std::string text;
+    std::optional<unsigned> address;
+    IOType type{};
+    std::uint16_t group = 0;
+    std::optional<std::uint8_t> bit;
+};
+
+SignalName ParseSignal(std::string_view text);
+
+struct Signal {
+    std::string name; ///< as the user named it, with its bit
+    unsigned address = 0;
+};
+
+/// The signals that a name stands for: one, or all eight if it is a group without a bit.
+StatusInfo ResolveSignals(IOInterface& io, SignalName const& name, std::vector<Signal>& signals);
+
+/// The address of a byte or word.
+StatusInfo ResolveGroup(IOInterface& io, SignalName const& name, unsigned& address);
+
+bool ParseOnOff(std::string_view text);
+
+} // namespace harvlink::words
