@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Takes the code blocks out of Markdown pages, so that the build can compile and the tests can run them.
+"""Extracts the code blocks of Markdown pages, so that the build can compile them and the tests can run them.
 
-    snippets.py cpp OUTPUT-FOLDER PAGE...      one .cpp per block that has a main; the others become one file of functions
+    snippets.py cpp OUTPUT-FOLDER PAGE...      one .cpp per block with a main; one file of functions for all other blocks
     snippets.py c OUTPUT-FOLDER PAGE...        one .c per block
     snippets.py python OUTPUT-FOLDER PAGE...   one .py per block
     snippets.py toml OUTPUT-FOLDER PAGE...     one .toml per page, of its blocks marked "toml scene"
@@ -14,7 +14,7 @@ import sys
 
 BLOCK = re.compile(r"^```(?P<info>[^\n]*)\n(?P<code>.*?)^```$", re.MULTILINE | re.DOTALL)
 PROJECT = pathlib.Path(__file__).resolve().parents[1]
-# A program of a page talks to the usual address; in a test it gets one of its own.
+# The programs of the pages use this address; each test replaces it by an address of its own.
 ADDRESS = "127.0.0.1"
 FRAGMENT = """
 [[maybe_unused]] static void {name}([[maybe_unused]] harvlink::QuorvanController* robot,

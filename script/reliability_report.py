@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Brings the figures of the last runs into docs/reliability.md.
+"""Copies the figures of the last runs into docs/reliability.md.
 
-    reliability_report.py            takes what runs left behind in build/; a kind that was not run keeps its figures
-    reliability_report.py --check    fails if the page's figures were not made by this script, or say that something failed
+    reliability_report.py            takes the reports of the runs from build/; figures without a new report stay
+    reliability_report.py --check    fails if the table was not made by this script, or shows a failure
 
-The figures stand in docs/reliability.json, and the table between the two marks of the page is made of them.
+docs/reliability.json has the figures. The script makes the table between the two marks of the page from it.
 """
 
 import datetime
@@ -26,7 +26,7 @@ BUILDS = {"release": "optimised, g++", "asan": "address and undefined-behaviour 
 
 
 def tests_of(report):
-    """Cases and failures of a ctest run."""
+    """The numbers of tests and failures of a ctest run."""
     suite = xml.etree.ElementTree.parse(report).getroot()
     ran = int(suite.get("tests")) - int(suite.get("skipped", 0)) - int(suite.get("disabled", 0))
     return {"cases": ran, "failed": int(suite.get("failures"))}
@@ -71,7 +71,7 @@ def update(figures):
         if report.exists():
             figures[kind] = measured(report, read)
         else:
-            print(f"{kind}: not run, its figures stay as they are", file=sys.stderr)
+            print(f"{kind}: no report in build/, its figures stay", file=sys.stderr)
     page = TABLE.sub(lambda _: render(figures), PAGE.read_text())
     FIGURES.write_text(json.dumps(figures, indent=2) + "\n")
     PAGE.write_text(page)
@@ -86,7 +86,7 @@ def listing(counts):
 
 
 def growth(soak):
-    """What each process had before and after, such as "client 9000 → 9100 KiB"."""
+    """Memory, descriptors and threads of each process before and after, such as "client 9000 → 9100 KiB"."""
     pairs = zip(soak["before"], soak["after"])
     return "; ".join(f"{old['process']} {old['residentKiB']:,} → {new['residentKiB']:,} KiB, {old['descriptors']} → "
                      f"{new['descriptors']} descriptors, {old['threads']} → {new['threads']} threads"
@@ -131,17 +131,17 @@ def render(figures):
 def faults(figures):
     page = TABLE.search(PAGE.read_text())
     if page is None or page.group() != render(figures):
-        yield "the table is not the one that the figures give: run script/reliability_report.py, don't type"
+        yield "the table does not match docs/reliability.json: run script/reliability_report.py, do not edit the table"
     for kind, figure in figures.items():
         if kind not in SOURCES:
-            yield f"{kind}: no such kind of figure"
+            yield f"{kind}: unknown kind of figure"
         elif figure.get("failed"):
             yield f"{kind}: {figure['failed']} failed"
     if "coverage" in figures and share(figures["coverage"]["line"]) < LINES_WANTED:
-        yield f"coverage: less than {LINES_WANTED:g} % of the lines"
+        yield f"coverage: less than {LINES_WANTED:g} % of the lines are tested"
     for command in {row[2] for row in rows(figures)}:
         if not (ROOT / command.split()[0]).exists():
-            yield f"{command}: there is no such script"
+            yield f"{command}: the script does not exist"
 
 
 def main(arguments):
