@@ -54,6 +54,20 @@ enum class ErrorStatusCodes : std::int32_t {
     ControlGroupNotAttached = 0x30015,
     InvalidSystemParameterGroup = 0x30016,
     InvalidAlarmCategory = 0x30017,
+
+    // Of connections that were opened with options, see ConnectOptions.h.
+    InvalidConnectOptions = 0x50000,
+    AccessDenied = 0x50001, ///< the connection's access does not allow it; nothing was sent
+    ControllerNotListening = 0x50002, ///< the host is there, and nobody listens on the port that was asked
+    AnswerTooShort = 0x50003, ///< shorter than the record that was asked for
+    FileBlockMissing = 0x50004, ///< a block of a file was left out
+    FileTooLarge = 0x50005, ///< more than `largestFile`
+    OutOfMemory = 0x50006,
+    SystemFailure = 0x50007, ///< this computer failed: a thread, a lock or the like could not be had
+    UnreadableTime = 0x50008, ///< the controller's operating time is not one
+    StepWithdrawn = 0x50009, ///< a queued step was dropped by a stop, a clear, a failure or the end of the connection
+    WaitTimedOut = 0x50010, ///< what was waited for did not happen in the given time
+    UnknownStep = 0x50011, ///< no step of this number was queued
 };
 
 /// The result of every operation. Compare `StatusCode`, show `Message`.

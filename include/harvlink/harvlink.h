@@ -3,6 +3,8 @@
 /// @file
 /// The whole C++ interface of Harvlink.
 
+#include "harvlink/ConnectOptions.h"
+#include "harvlink/ConnectionStatistics.h"
 #include "harvlink/ControlCommandsInterface.h"
 #include "harvlink/ControlGroupId.h"
 #include "harvlink/ControlGroupInterface.h"

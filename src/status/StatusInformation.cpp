@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "harvlink/StatusInfo.h"
+#include "status/AddedStatusTable.h"
 #include "status/MainStatusTable.h"
 
 namespace harvlink {
@@ -10,7 +11,8 @@ std::string_view TextOf(int code) {
     if (code == 0) {
         return "OK";
     }
-    return MainStatusTable.Find(code).value_or("Could not find an error description with that code.");
+    constexpr std::string_view unknown = "Could not find an error description with that code.";
+    return MainStatusTable.Find(code).value_or(AddedStatusTable.Find(code).value_or(unknown));
 }
 
 } // namespace

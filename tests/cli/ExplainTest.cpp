@@ -68,7 +68,7 @@ TEST(Explain, UnderstandsEveryFormOfACode) {
         EXPECT_EQ((*card)["retry"], expected.retry) << expected.code;
         EXPECT_NE((*card)["cause"], "") << expected.code;
     }
-    for (char const* const wrong : {"", "x", "0x", "12 --all", "-12", "0x50000", "99999999999", "motor:1", "8015-x",
+    for (char const* const wrong : {"", "x", "0x", "12 --all", "-12", "0x60000", "99999999999", "motor:1", "8015-x",
                                     "--markdown", "alarm:12345"}) {
         EXPECT_EQ(RunTool(std::string("explain ") + wrong).exit, 2) << wrong;
     }

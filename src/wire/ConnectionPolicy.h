@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "harvlink/ConnectOptions.h"
+
+namespace harvlink {
+
+/// The few places where a connection differs from the designed behaviour ask this record: the engine, the file transfer and
+/// the trajectory monitor. As constructed it is the designed behaviour itself.
+struct ConnectionPolicy {
+    Access access = Access::Full;
+    Rules enforced = NoRules;
+    Rules audited = NoRules; ///< only counted
+    std::uint64_t largestFile = std::numeric_limits<std::uint64_t>::max();
+
+    constexpr bool Enforces(Rule rule) const { return enforced.Has(rule); }
+
+    /// Whether a breach of the rule counts, enforced or not.
+    constexpr bool Watches(Rule rule) const { return enforced.Has(rule) || audited.Has(rule); }
+};
+
+} // namespace harvlink
