@@ -160,7 +160,7 @@ void ManyConnections(Report& report) {
     std::vector<std::unique_ptr<BareClient>> bareClients;
     Points growth;
     Points bareGrowth;
-    for (std::size_t count : {1, 10, 100, 1000}) {
+    for (std::size_t const count : {1U, 10U, 100U, 1000U}) {
         while (connections.size() < count) {
             std::string const& address = addresses[connections.size() % addresses.size()];
             bareClients.push_back(std::make_unique<BareClient>(address));

@@ -180,8 +180,8 @@ ResponderCounters* MapCounters() {
 
 } // namespace
 
-void Responder::Unmap::operator()(ResponderCounters* counters) const {
-    ::munmap(counters, sizeof(ResponderCounters));
+void Responder::Unmap::operator()(ResponderCounters* mapped) const {
+    ::munmap(mapped, sizeof(ResponderCounters));
 }
 
 Responder::Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime)

@@ -32,7 +32,7 @@ public:
 
 private:
     struct Unmap {
-        void operator()(ResponderCounters* counters) const;
+        void operator()(ResponderCounters* mapped) const;
     };
     std::unique_ptr<ResponderCounters, Unmap> counters; ///< shared with the process
     ChildProcess process;

@@ -29,8 +29,8 @@ public:
 
     void Send(Division division, std::span<std::byte const> datagram) override { controller.Serve(division, datagram); }
 
-    std::size_t Receive(std::span<std::byte> buffer, timeval period) override {
-        controller.period = period.tv_sec * 1000000 + period.tv_usec;
+    std::size_t Receive(std::span<std::byte> buffer, timeval waits) override {
+        controller.period = waits.tv_sec * 1000000 + waits.tv_usec;
         if (controller.pending.empty()) {
             return 0;
         }
