@@ -1,5 +1,5 @@
 #include "Input.h"
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 
 // Jobs that a client loads to the virtual controller, and their execution. Input: cycle mode and whether the head of a
 // job is put in front, then the text.
@@ -12,13 +12,13 @@ namespace {
 
 constexpr std::uint8_t bringsHead = 0x80;
 
-void StartJob(ControllerModel& model, CycleMode cycle, std::string const& text) {
-    model.SetServo(true);
-    model.SetCycle(cycle);
-    if (model.files.Load("FUZZ.JBI", text) == Refusal::None) {
-        Require(*model.files.Read("FUZZ.JBI") == text, "a job is kept as it came");
-        Require(model.jobs.Select("FUZZ", 0) == Refusal::None, "a job that was taken can be selected");
-        Require(model.CommandStartJob() == Refusal::None, "a job that was selected can be started");
+void StartJob(ControllerParts& parts, CycleMode cycle, std::string const& text) {
+    parts.model.SetServo(true);
+    parts.model.SetCycle(cycle);
+    if (parts.files.Load("FUZZ.JBI", text) == Refusal::None) {
+        Require(*parts.files.Read("FUZZ.JBI") == text, "a job is kept as it came");
+        Require(parts.jobs.Select("FUZZ", 0) == Refusal::None, "a job that was taken can be selected");
+        Require(parts.jobs.Start() == Refusal::None, "a job that was selected can be started");
     }
 }
 
@@ -30,15 +30,15 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::string text = (first & bringsHead) != 0 ? "" : "/JOB\r\n//NAME FUZZ\r\n//INST\r\nNOP\r\n";
     text += input.TakeText();
     VirtualController controller("127.0.0.1", {.timeScale = 0.0});
-    controller.With([&](ControllerModel& model) { StartJob(model, static_cast<CycleMode>(first % 3), text); });
+    controller.WithParts([&](ControllerParts& parts) { StartJob(parts, static_cast<CycleMode>(first % 3), text); });
     for (int i = 0; i < 10; ++i) {
         controller.Advance(std::chrono::milliseconds(150));
-        controller.With([&](ControllerModel& model) {
+        controller.WithParts([&](ControllerParts& parts) {
             auto const lines = static_cast<std::uint32_t>(std::ranges::count(text, '\n') + 1);
-            bool const isOwn = model.jobs.Current().name == "FUZZ";
-            Require(model.jobs.Depth() <= JobEngine::MaxDepth, "calls do not nest without end");
-            Require(!isOwn || model.jobs.Current().line <= lines, "a job stands in one of its lines");
-            model.CommandStartJob();
+            bool const isOwn = parts.jobs.Current().name == "FUZZ";
+            Require(parts.jobs.Depth() <= JobEngine::MaxDepth, "calls do not nest without end");
+            Require(!isOwn || parts.jobs.Current().line <= lines, "a job stands in one of its lines");
+            parts.jobs.Start();
         });
     }
     return 0;

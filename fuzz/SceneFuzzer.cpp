@@ -1,5 +1,5 @@
 #include "Input.h"
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 #include "simulator/scene/Scene.h"
 
 // Scene files, and the text of --faults. A scene that is accepted can be applied to the controller that it asks for.
@@ -26,9 +26,9 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     try {
         auto const scene = Scene::FromText(text, "scene.toml");
         VirtualController controller("127.0.0.1", scene.Options());
-        controller.With([&](ControllerModel& model) {
-            scene.ApplyTo(model);
-            Require(model.options.generation == scene.Options().generation, "the controller that was asked for");
+        controller.WithParts([&](ControllerParts& parts) {
+            scene.ApplyTo(parts);
+            Require(parts.model.state.generation == scene.Options().generation, "the controller that was asked for");
         });
         controller.Tick();
     } catch (SceneError const& error) {

@@ -6,7 +6,7 @@
 
 #include "Input.h"
 #include "connection/QuorvanControllerImplementation.h"
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 #include "wire/DatagramTransport.h"
 
 namespace harvlink::fuzz {

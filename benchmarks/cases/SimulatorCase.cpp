@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "cases/Cases.h"
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 #include "support/BareClient.h"
 #include "support/ChildProcess.h"
 #include "support/Responder.h"

@@ -4,8 +4,8 @@
 #include <cstddef>
 
 #include "position/AxisScaling.h"
-#include "simulator/ControllerOptions.h"
 #include "simulator/arm/ArmGeometry.h"
+#include "simulator/model/ControlGroups.h"
 
 namespace harvlink::simulator {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "simulator/Clock.h"
-#include "simulator/Request.h"
+#include "simulator/base/Clock.h"
+#include "simulator/protocol/Request.h"
 
 namespace harvlink::simulator {
 

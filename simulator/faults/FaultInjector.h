@@ -5,11 +5,11 @@
 #include <random>
 #include <vector>
 
-#include "simulator/Clock.h"
-#include "simulator/Reply.h"
-#include "simulator/Request.h"
+#include "simulator/base/Clock.h"
 #include "simulator/faults/Delivery.h"
 #include "simulator/faults/FaultPlan.h"
+#include "simulator/protocol/Reply.h"
+#include "simulator/protocol/Request.h"
 
 namespace harvlink::simulator {
 

@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "simulator/Text.h"
+#include "simulator/base/Text.h"
 
 namespace harvlink::simulator {
 

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/Clock.h"
-#include "simulator/Refusal.h"
-#include "simulator/Request.h"
+#include "simulator/base/Clock.h"
+#include "simulator/protocol/Refusal.h"
+#include "simulator/protocol/Request.h"
 
 namespace harvlink::simulator {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/Refusal.h"
-#include "simulator/Socket.h"
+#include "simulator/base/Descriptor.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 

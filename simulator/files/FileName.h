@@ -12,11 +12,6 @@ namespace harvlink::simulator {
 /// "-_#$.+&%" only, not starting with a dot. So no name leads out of a folder. Nothing if the text can't be such a name.
 std::optional<std::string> FileNameFrom(std::string_view text);
 
-/// Whether the characters may stand in a job's name, without its extension.
-bool IsJobName(std::string_view text);
-
-std::string UpperCase(std::string_view text);
-
 /// By extension, in any case; nothing if the controller has no such files.
 std::optional<FileType> FileTypeOf(std::string_view name);
 

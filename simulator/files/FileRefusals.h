@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/Refusal.h"
+#include "simulator/protocol/Refusal.h"
 
 /// @file
 /// The codes that only the file port uses.

@@ -6,7 +6,6 @@
 #include "simulator/files/FileName.h"
 #include "simulator/files/FileRefusals.h"
 #include "simulator/files/GeneratedFiles.h"
-#include "simulator/jobs/JobParser.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
@@ -40,7 +39,8 @@ std::string WithFullLineEnds(std::string_view text) {
 
 } // namespace
 
-FileStore::FileStore(ControllerModel& model) : model_(model), folder_(model.options.filesFolder) {
+FileStore::FileStore(ControllerModel& model, std::filesystem::path const& folder, JobTextCheck checkJob)
+    : model_(model), checkJob_(checkJob), folder_(folder) {
     static_cast<void>(model_.parameters.Set(SystemParameterType::RS, 0, OverwriteNumber, OverwriteAllowed));
     if (!folder_.IsOpen()) {
         for (auto const& job : SampleJobs()) {
@@ -91,6 +91,11 @@ FileText FileStore::Read(std::string_view name) const {
     return std::make_shared<std::string const>(generated->text(model_));
 }
 
+FileText FileStore::JobText(std::string_view name) const {
+    auto const fileName = FileNameFrom(std::string(name) + ".JBI");
+    return fileName ? Read(*fileName) : nullptr;
+}
+
 bool FileStore::Contains(std::string_view name) const {
     auto const* const generated = FindGenerated(name);
     return kept_.contains(name) || (folder_.IsOpen() && folder_.Contains(name)) ||
@@ -114,7 +119,7 @@ std::vector<std::string> FileStore::Names(std::string_view pattern) const {
 }
 
 bool FileStore::IsExecuted(std::string_view name) const {
-    return IsJob(name) && model_.jobs.IsExecuting(name.substr(0, name.rfind('.')));
+    return IsJob(name) && model_.IsExecuting(name.substr(0, name.rfind('.')));
 }
 
 std::int32_t FileStore::OverwriteParameter() const {
@@ -140,7 +145,7 @@ Refusal FileStore::CheckLoad(std::string_view name) const {
 Refusal FileStore::Load(std::string const& name, std::string content) {
     auto refusal = CheckLoad(name);
     if (refusal == Refusal::None && IsJob(name)) {
-        refusal = CheckJobText(std::string_view(name).substr(0, name.rfind('.')), content);
+        refusal = checkJob_(std::string_view(name).substr(0, name.rfind('.')), content);
     }
     if (refusal != Refusal::None) {
         return refusal;

@@ -2,21 +2,22 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "simulator/Refusal.h"
 #include "simulator/files/FileFolder.h"
+#include "simulator/model/JobSource.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 
 class ControllerModel;
 
-/// The content of a file as it was when it was read, whatever becomes of the file.
-using FileText = std::shared_ptr<std::string const>;
+/// Says whether a text is the job of this name, which is a file's name without its extension.
+using JobTextCheck = Refusal (*)(std::string_view name, std::string_view text);
 
 /// The files on the controller, by upper-case name (FileNameFrom).
 ///
@@ -24,14 +25,14 @@ using FileText = std::shared_ptr<std::string const>;
 /// (ControllerOptions::filesFolder) its files are served and updated instead; of the generated ones only the three that
 /// describe the controller remain, each until the folder has a file of its name. A file that was Put or written stands in
 /// front of a generated one.
-class FileStore {
+class FileStore final : public JobSource {
 public:
     static constexpr std::size_t MaxFileSize = std::size_t{16} << 20U;
     static constexpr std::size_t MaxMemory = std::size_t{64} << 20U; ///< of all files that are kept in memory
     static constexpr std::size_t MaxFiles = 1024; ///< kept in memory
 
-    /// Groups, frames and parameters of `model` stand already. Allows overwriting: sets RS214 to 2.
-    explicit FileStore(ControllerModel& model);
+    /// An empty folder is none. Allows overwriting: sets RS214 to 2.
+    FileStore(ControllerModel& model, std::filesystem::path const& folder, JobTextCheck checkJob);
 
     /// Why the folder can't be served; empty if all is well.
     std::string const& FolderError() const { return folder_.Error(); }
@@ -56,8 +57,8 @@ public:
     /// Deletes for a client: jobs only, in remote mode only, and none that is being executed.
     Refusal Delete(std::string_view name);
 
-    /// Grows with every change that is made through the store.
-    std::uint64_t Revision() const { return revision_; }
+    FileText JobText(std::string_view name) const override;
+    std::uint64_t Revision() const override { return revision_; }
 
 private:
     bool Contains(std::string_view name) const;
@@ -68,6 +69,7 @@ private:
     void Forget(std::string_view name);
 
     ControllerModel& model_;
+    JobTextCheck checkJob_;
     FileFolder folder_;
     std::map<std::string, FileText, std::less<>> kept_;
     std::size_t keptSize_ = 0;

@@ -4,6 +4,7 @@
 
 #include "simulator/files/FileName.h"
 #include "simulator/files/FileRefusals.h"
+#include "simulator/model/JobName.h"
 
 namespace harvlink::simulator {
 

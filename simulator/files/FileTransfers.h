@@ -9,9 +9,9 @@
 #include <utility>
 #include <variant>
 
-#include "simulator/Reply.h"
-#include "simulator/Request.h"
 #include "simulator/files/FileStore.h"
+#include "simulator/protocol/Reply.h"
+#include "simulator/protocol/Request.h"
 
 namespace harvlink::simulator {
 

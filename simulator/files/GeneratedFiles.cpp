@@ -77,7 +77,7 @@ std::string RobotNames(ControlGroups const& groups) {
 }
 
 std::string SystemText(ControllerModel const& model) {
-    auto const& generation = TextsOf(model.options.generation);
+    auto const& generation = TextsOf(model.state.generation);
     std::string text = fmt::format("//SYSTEM VERSION\r\n{}\r\n//CONTROLLER\r\n{}\r\n//PARAMETER VERSION\r\n{}\r\n",
                                    generation.softwareVersion, generation.controllerModel, generation.parameterVersion);
     text += "//SERVO POWER\r\n";

@@ -1,8 +1,9 @@
 #include <array>
 
 #include "harvlink/ControlCommandsInterface.h"
-#include "simulator/CommandHandler.h"
 #include "simulator/handlers/Acknowledgement.h"
+#include "simulator/handlers/Handlers.h"
+#include "simulator/jobs/JobEngine.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
@@ -13,7 +14,7 @@ constexpr std::uint16_t HoldInstance = 1;
 
 class ControlCommandsHandler final : public CommandHandler {
 public:
-    explicit ControlCommandsHandler(ControllerModel& model) : model_(model) {}
+    ControlCommandsHandler(ControllerModel& model, JobEngine& jobs) : model_(model), jobs_(jobs) {}
 
     std::span<CommandNumber const> Commands() const override {
         using enum CommandNumber;
@@ -38,7 +39,7 @@ private:
             model_.pendantText.assign(reinterpret_cast<char const*>(request.payload.data()), request.payload.size());
             return Refusal::None;
         default:
-            return request.As<std::uint32_t>() == 1 ? model_.CommandStartJob() : Refusal::DataOutOfRange;
+            return request.As<std::uint32_t>() == 1 ? jobs_.Start() : Refusal::DataOutOfRange;
         }
     }
 
@@ -59,12 +60,13 @@ private:
     }
 
     ControllerModel& model_;
+    JobEngine& jobs_;
 };
 
 } // namespace
 
-std::unique_ptr<CommandHandler> MakeControlCommandsHandler(ControllerModel& model) {
-    return std::make_unique<ControlCommandsHandler>(model);
+std::unique_ptr<CommandHandler> MakeControlCommandsHandler(ControllerModel& model, JobEngine& jobs) {
+    return std::make_unique<ControlCommandsHandler>(model, jobs);
 }
 
 } // namespace harvlink::simulator

@@ -3,8 +3,9 @@
 
 #include "controller/ControlGroupMessages.h"
 #include "position/AxisScaling.h"
-#include "simulator/CommandHandler.h"
+#include "simulator/handlers/Handlers.h"
 #include "simulator/model/ControllerModel.h"
+#include "simulator/motion/MotionEngine.h"
 
 namespace harvlink::simulator {
 
@@ -19,7 +20,7 @@ constexpr Refusal UserCoordinateNotTaught{0x3350};
 
 class ControlGroupHandler final : public CommandHandler {
 public:
-    explicit ControlGroupHandler(ControllerModel& model) : model_(model) {}
+    ControlGroupHandler(ControllerModel const& model, MotionEngine const& motion) : model_(model), motion_(motion) {}
 
     std::span<CommandNumber const> Commands() const override { return commands_; }
 
@@ -49,10 +50,10 @@ private:
             reply.Set(AxisLetters(group));
             break;
         case PositionErrorRead:
-            reply.Set(model_.motion.PositionError(group));
+            reply.Set(motion_.PositionError(group));
             break;
         case TorqueRead:
-            reply.Set(model_.motion.Torque(group));
+            reply.Set(motion_.Torque(group));
             break;
         default:
             reply.Set(inBaseCoordinates ? BasePosition(group) : PulsePosition(group));
@@ -61,7 +62,7 @@ private:
 
     AxisConfigurationDataMsg AxisLetters(ControlGroup const& group) const {
         AxisConfigurationDataMsg message;
-        auto const& letters = model_.motion.Cell().Axes(group).letters;
+        auto const& letters = motion_.Cell().Axes(group).letters;
         for (std::size_t i = 0; i < letters.size(); ++i) {
             message.axisNames[i] = static_cast<std::uint8_t>(letters[i]);
         }
@@ -70,21 +71,21 @@ private:
 
     RobotPositionMsg PulsePosition(ControlGroup const& group) const {
         RobotPositionMsg message;
-        message.toolNumber = static_cast<std::uint32_t>(model_.motion.ActiveTool(group));
-        message.axes = model_.motion.Cell().Axes(group).ToPulses(model_.motion.PositionOf(group));
+        message.toolNumber = static_cast<std::uint32_t>(motion_.ActiveTool(group));
+        message.axes = motion_.Cell().Axes(group).ToPulses(motion_.PositionOf(group));
         return message;
     }
 
     /// A group that has no pose answers in pulses, whatever is asked; base axes in the millimetres of their travel.
     RobotPositionMsg BasePosition(ControlGroup const& group) const {
         RobotPositionMsg message = PulsePosition(group);
-        auto const& axes = model_.motion.Cell().Axes(group);
+        auto const& axes = motion_.Cell().Axes(group);
         if (axes.isArm) {
-            auto const position = CartesianOf(group, {}, model_.motion.ActiveTool(group));
+            auto const position = CartesianOf(group, {}, motion_.ActiveTool(group));
             message.figure = position.figure.Word();
             message.axes = position.ToWire();
         } else if (axes.isLinear) {
-            message.axes = CartesianScaling.ToWire(model_.motion.PositionOf(group));
+            message.axes = CartesianScaling.ToWire(motion_.PositionOf(group));
         } else {
             return message;
         }
@@ -102,26 +103,25 @@ private:
     }
 
     Refusal CheckSelection(UAPIGetPositionSendData const& request) const {
-        if (!model_.motion.Cell().HasTool(request.toolNumber)) {
+        if (!motion_.Cell().HasTool(request.toolNumber)) {
             return Refusal::ToolNumberError;
         }
         if (request.coordinateSelector > HighestUserSelector) {
             return Refusal::UserNumberError;
         }
         bool const isUser = request.coordinateSelector > 1;
-        return isUser && !model_.motion.Cell().HasUser(request.coordinateSelector - 1) ? UserCoordinateNotTaught
-                                                                                       : Refusal::None;
+        return isUser && !motion_.Cell().HasUser(request.coordinateSelector - 1) ? UserCoordinateNotTaught
+                                                                                 : Refusal::None;
     }
 
     UAPIPositionData SelectedPosition(ControlGroup const& group, std::uint16_t selector, std::uint16_t tool) const {
         UAPIPositionData position;
         position.toolNumber = static_cast<std::int16_t>(tool);
-        auto const& axes = model_.motion.Cell().Axes(group);
+        auto const& axes = motion_.Cell().Axes(group);
         if (!axes.isArm) {
             bool const isTravel = axes.isLinear && selector <= 1;
             position.coordinateType = isTravel ? TypeOf(selector) : UAPICoordType::UAPIPulse;
-            position.axes =
-                isTravel ? CartesianScaling.ToWire(model_.motion.PositionOf(group)) : PulsePosition(group).axes;
+            position.axes = isTravel ? CartesianScaling.ToWire(motion_.PositionOf(group)) : PulsePosition(group).axes;
             return position;
         }
         auto const cartesian = CartesianOf(group, SystemOf(selector), tool);
@@ -148,17 +148,17 @@ private:
     }
 
     CartesianPosition CartesianOf(ControlGroup const& group, CoordinateSystem const& system, std::int64_t tool) const {
-        auto const& motion = model_.motion;
-        return motion.Cell().PositionOf(group, motion.PositionOf(group), system, tool, motion.Positions());
+        return motion_.Cell().PositionOf(group, motion_.PositionOf(group), system, tool, motion_.Positions());
     }
 
-    ControllerModel& model_;
+    ControllerModel const& model_;
+    MotionEngine const& motion_;
 };
 
 } // namespace
 
-std::unique_ptr<CommandHandler> MakeControlGroupHandler(ControllerModel& model) {
-    return std::make_unique<ControlGroupHandler>(model);
+std::unique_ptr<CommandHandler> MakeControlGroupHandler(ControllerModel const& model, MotionEngine const& motion) {
+    return std::make_unique<ControlGroupHandler>(model, motion);
 }
 
 } // namespace harvlink::simulator

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "controller/StatusMessages.h"
-#include "simulator/CommandHandler.h"
+#include "simulator/handlers/Handlers.h"
 #include "simulator/model/ControllerModel.h"
 #include "simulator/model/FixedText.h"
 #include "simulator/model/Generation.h"

@@ -1,8 +1,8 @@
 #include <array>
 
 #include "motion/MotionMessages.h"
-#include "simulator/CommandHandler.h"
 #include "simulator/handlers/Acknowledgement.h"
+#include "simulator/handlers/Handlers.h"
 #include "simulator/model/ControllerModel.h"
 #include "simulator/model/FixedText.h"
 

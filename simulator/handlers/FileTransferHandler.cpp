@@ -1,8 +1,7 @@
 #include <chrono>
 
-#include "simulator/CommandHandler.h"
 #include "simulator/files/FileTransfers.h"
-#include "simulator/model/ControllerModel.h"
+#include "simulator/handlers/Handlers.h"
 
 namespace harvlink::simulator {
 
@@ -11,7 +10,7 @@ namespace {
 /// Answers all that arrives on the file port.
 class FileTransferHandler final : public CommandHandler {
 public:
-    explicit FileTransferHandler(ControllerModel& model) : transfers_(model.files) {}
+    explicit FileTransferHandler(FileStore& files) : transfers_(files) {}
 
     std::span<CommandNumber const> Commands() const override { return {}; }
 
@@ -26,8 +25,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<CommandHandler> MakeFileHandler(ControllerModel& model) {
-    return std::make_unique<FileTransferHandler>(model);
+std::unique_ptr<CommandHandler> MakeFileHandler(FileStore& files) {
+    return std::make_unique<FileTransferHandler>(files);
 }
 
 } // namespace harvlink::simulator

@@ -2,11 +2,11 @@
 #include <array>
 
 #include "controller/JobMessages.h"
-#include "simulator/CommandHandler.h"
-#include "simulator/files/FileName.h"
 #include "simulator/handlers/Acknowledgement.h"
-#include "simulator/model/ControllerModel.h"
+#include "simulator/handlers/Handlers.h"
+#include "simulator/jobs/JobEngine.h"
 #include "simulator/model/FixedText.h"
+#include "simulator/model/JobName.h"
 
 namespace harvlink::simulator {
 
@@ -19,7 +19,7 @@ constexpr Refusal NoSuchTask{65535};
 
 class JobHandler final : public CommandHandler {
 public:
-    explicit JobHandler(ControllerModel& model) : model_(model) {}
+    explicit JobHandler(JobEngine& jobs) : jobs_(jobs) {}
 
     std::span<CommandNumber const> Commands() const override {
         static constexpr std::array Own{CommandNumber::ExecutingJobRead, CommandNumber::JobSelect,
@@ -48,7 +48,7 @@ private:
         }
         JobMsg message;
         if (instance == 1) {
-            auto const place = model_.jobs.Current();
+            auto const place = jobs_.Current();
             FillText(message.jobName, place.name);
             message.line = place.line;
             message.stepNumber = place.step;
@@ -61,7 +61,7 @@ private:
         auto const name = FieldText(message.jobName);
         if (!IsJobName(UpperCase(name))) {
             reply.Refuse(Refusal::NoSuchJob);
-        } else if (!reply.RefuseIf(model_.jobs.Select(name, message.line))) {
+        } else if (!reply.RefuseIf(jobs_.Select(name, message.line))) {
             reply.Set(Written);
         }
     }
@@ -72,21 +72,21 @@ private:
             return;
         }
         JobStructs::JobStackReturnData stack;
-        auto const count = task == 0 ? std::min(model_.jobs.Depth(), stack.jobNames.size()) : 0;
+        auto const count = task == 0 ? std::min(jobs_.Depth(), stack.jobNames.size()) : 0;
         for (std::size_t i = 0; i < count; ++i) {
-            FillText(stack.jobNames[i], model_.jobs.NameAt(i));
+            FillText(stack.jobNames[i], jobs_.NameAt(i));
         }
         stack.jobCount = static_cast<std::int8_t>(count);
         reply.Set(stack);
     }
 
-    ControllerModel& model_;
+    JobEngine& jobs_;
 };
 
 } // namespace
 
-std::unique_ptr<CommandHandler> MakeJobHandler(ControllerModel& model) {
-    return std::make_unique<JobHandler>(model);
+std::unique_ptr<CommandHandler> MakeJobHandler(JobEngine& jobs) {
+    return std::make_unique<JobHandler>(jobs);
 }
 
 } // namespace harvlink::simulator

@@ -5,9 +5,10 @@
 
 #include "kinematics/KinematicsMessages.h"
 #include "position/AxisScaling.h"
-#include "simulator/CommandHandler.h"
 #include "simulator/arm/InverseKinematics.h"
+#include "simulator/handlers/Handlers.h"
 #include "simulator/model/ControllerModel.h"
+#include "simulator/motion/MotionEngine.h"
 
 namespace harvlink::simulator {
 
@@ -31,7 +32,7 @@ constexpr Refusal InvalidCartesianPosition{65530};
 /// - A pose that can't be reached in its figure, within the joint limits: InverseKinematicsWrong.
 class KinematicsHandler final : public CommandHandler {
 public:
-    explicit KinematicsHandler(ControllerModel& model) : model_(model) {}
+    KinematicsHandler(ControllerModel const& model, MotionEngine const& motion) : model_(model), motion_(motion) {}
 
     std::span<CommandNumber const> Commands() const override { return commands_; }
 
@@ -81,7 +82,7 @@ private:
             return ConversionImpossible;
         }
         auto const cartesian = Cell().PositionOf(group, Axes(group).FromWire(position.axes, JointAngleScaling), {},
-                                                 position.toolNumber, model_.motion.Positions());
+                                                 position.toolNumber, motion_.Positions());
         result.coordinateType = UAPICoordType::UAPIBase;
         result.userCoordinateNumber = 0;
         result.figure = cartesian.figure.Word();
@@ -103,7 +104,7 @@ private:
             return InvalidCartesianPosition;
         }
         AxisValues const wanted = Axes(group).FromWire(message.position.axes, CartesianScaling);
-        Frame const tip = Cell().SystemFromRobot(group, *system, model_.motion.Positions()) *
+        Frame const tip = Cell().SystemFromRobot(group, *system, motion_.Positions()) *
                           FrameOfPose({wanted[0], wanted[1], wanted[2], wanted[3], wanted[4], wanted[5]});
         AxisValues const previous = JointAngleScaling.FromWire(message.previousAngles);
         auto const angles = AnglesOf(StandardArm, tip * Cell().Tool(message.position.toolNumber).Inverse(),
@@ -136,16 +137,17 @@ private:
         return std::ranges::find(axes, std::numeric_limits<std::int32_t>::min()) == axes.end();
     }
 
-    Workcell const& Cell() const { return model_.motion.Cell(); }
+    Workcell const& Cell() const { return motion_.Cell(); }
     GroupAxes const& Axes(ControlGroup const& group) const { return Cell().Axes(group); }
 
-    ControllerModel& model_;
+    ControllerModel const& model_;
+    MotionEngine const& motion_;
 };
 
 } // namespace
 
-std::unique_ptr<CommandHandler> MakeKinematicsHandler(ControllerModel& model) {
-    return std::make_unique<KinematicsHandler>(model);
+std::unique_ptr<CommandHandler> MakeKinematicsHandler(ControllerModel const& model, MotionEngine const& motion) {
+    return std::make_unique<KinematicsHandler>(model, motion);
 }
 
 } // namespace harvlink::simulator

@@ -1,9 +1,9 @@
 #include <array>
 
 #include "motion/MotionMessages.h"
-#include "simulator/CommandHandler.h"
 #include "simulator/handlers/Acknowledgement.h"
-#include "simulator/model/ControllerModel.h"
+#include "simulator/handlers/Handlers.h"
+#include "simulator/motion/MotionEngine.h"
 #include "simulator/motion/MotionRefusal.h"
 
 namespace harvlink::simulator {
@@ -14,7 +14,7 @@ using enum CommandNumber;
 
 class MotionManagerHandler final : public CommandHandler {
 public:
-    explicit MotionManagerHandler(ControllerModel& model) : model_(model) {}
+    explicit MotionManagerHandler(MotionEngine& motion) : motion_(motion) {}
 
     std::span<CommandNumber const> Commands() const override { return commands_; }
 
@@ -33,24 +33,24 @@ private:
                                           MotionSetDecelRatio, MotionSetConfig};
 
     void ReadProgress(TargetControlGroup slot, Reply& reply) {
-        if (model_.motion.Settings(slot) == nullptr) {
+        if (motion_.Settings(slot) == nullptr) {
             reply.Refuse(MotionRefusal::NoSuchGroup);
         } else {
-            reply.Set(model_.motion.Progress(slot));
+            reply.Set(motion_.Progress(slot));
         }
     }
 
     Refusal Write(Request const& request) {
         switch (request.Command()) {
         case MotionStart:
-            return model_.motion.Start();
+            return motion_.Start();
         case MotionStop:
-            model_.motion.Stop();
+            motion_.Stop();
             return Refusal::None;
         case MotionClearTargets:
-            return model_.motion.Clear(request.As<MotionClearGroupTargets>().group);
+            return motion_.Clear(request.As<MotionClearGroupTargets>().group);
         case MotionSendTarget:
-            return model_.motion.SendTargets(request.As<MotionTargetSend>());
+            return motion_.SendTargets(request.As<MotionTargetSend>());
         default:
             return WriteSetting(request);
         }
@@ -58,15 +58,15 @@ private:
 
     /// Every setting begins with the motion slot that it is for.
     Refusal WriteSetting(Request const& request) {
-        TargetSettings* const settings = model_.motion.Settings(request.As<TargetControlGroup>());
+        TargetSettings* const settings = motion_.Settings(request.As<TargetControlGroup>());
         if (settings == nullptr) {
             return MotionRefusal::NoSuchGroup;
         }
         switch (request.Command()) {
         case CommandNumber::MotionSetCoord:
-            return settings->SetCoordinates(request.As<harvlink::MotionSetCoord>(), model_.motion.Cell());
+            return settings->SetCoordinates(request.As<harvlink::MotionSetCoord>(), motion_.Cell());
         case MotionSetTool:
-            return settings->SetTool(request.As<SetToolMsg>().toolNumber, model_.motion.Cell());
+            return settings->SetTool(request.As<SetToolMsg>().toolNumber, motion_.Cell());
         case MotionSetSpeed:
             return settings->SetSpeed(request.As<SetSpeedMsg>().speed);
         case MotionSetAccelRatio:
@@ -79,13 +79,13 @@ private:
         }
     }
 
-    ControllerModel& model_;
+    MotionEngine& motion_;
 };
 
 } // namespace
 
-std::unique_ptr<CommandHandler> MakeMotionManagerHandler(ControllerModel& model) {
-    return std::make_unique<MotionManagerHandler>(model);
+std::unique_ptr<CommandHandler> MakeMotionManagerHandler(MotionEngine& motion) {
+    return std::make_unique<MotionManagerHandler>(motion);
 }
 
 } // namespace harvlink::simulator

@@ -2,8 +2,8 @@
 #include <optional>
 
 #include "harvlink/PositionData.h"
-#include "simulator/CommandHandler.h"
 #include "simulator/handlers/Acknowledgement.h"
+#include "simulator/handlers/Handlers.h"
 #include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {

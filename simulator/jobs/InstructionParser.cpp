@@ -8,8 +8,8 @@
 #include <optional>
 #include <span>
 
-#include "simulator/files/FileName.h"
 #include "simulator/jobs/JobParser.h"
+#include "simulator/model/JobName.h"
 
 namespace harvlink::simulator {
 

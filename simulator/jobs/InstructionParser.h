@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/Refusal.h"
 #include "simulator/jobs/JobProgram.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 

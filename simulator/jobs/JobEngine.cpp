@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "simulator/files/FileName.h"
 #include "simulator/jobs/JobParser.h"
 #include "simulator/jobs/OperandAccess.h"
 #include "simulator/model/ControllerModel.h"
+#include "simulator/model/JobName.h"
 
 namespace harvlink::simulator {
 
@@ -50,8 +50,12 @@ bool IsSignal(Operand const& operand) {
 
 } // namespace
 
+JobEngine::JobEngine(ControllerModel& model, JobSource const& source) : model_(model), source_(source) {
+    model_.SetJobActivity(*this);
+}
+
 Refusal JobEngine::Load(std::string const& name, Program& program) {
-    auto const revision = model_.files.Revision();
+    auto const revision = source_.Revision();
     if (programsRevision_ != revision || programs_.size() >= MaxPrograms) {
         programs_.clear();
         programsRevision_ = revision;
@@ -60,8 +64,7 @@ Refusal JobEngine::Load(std::string const& name, Program& program) {
         program = known->second;
         return Refusal::None;
     }
-    auto const fileName = FileNameFrom(name + ".JBI");
-    auto const text = fileName ? model_.files.Read(*fileName) : nullptr;
+    auto const text = source_.JobText(name);
     if (text == nullptr) {
         return Refusal::NoSuchJob;
     }
@@ -112,10 +115,17 @@ Refusal JobEngine::Reload() {
 }
 
 Refusal JobEngine::Start() {
+    if (model_.IsRunning()) {
+        return Refusal::RobotIsOperating;
+    }
+    auto refusal = model_.CheckReadyToMove();
+    if (refusal != Refusal::None) {
+        return refusal;
+    }
     if (stack_.empty()) {
         return Refusal::NoExecutionJob;
     }
-    auto const refusal = Reload();
+    refusal = Reload();
     if (refusal == Refusal::None) {
         isRunning_ = true;
         due_ = model_.clock.Now() + remaining_;
@@ -123,8 +133,8 @@ Refusal JobEngine::Start() {
     return refusal;
 }
 
-bool JobEngine::IsExecuting(std::string_view name) const {
-    return isRunning_ && std::ranges::find(stack_, name, &Frame::name) != stack_.end();
+bool JobEngine::IsExecuting(std::string_view job) const {
+    return isRunning_ && std::ranges::find(stack_, job, &Frame::name) != stack_.end();
 }
 
 JobEngine::Place JobEngine::Current() const {

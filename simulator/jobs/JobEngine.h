@@ -9,9 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/Clock.h"
-#include "simulator/Refusal.h"
+#include "simulator/base/Clock.h"
 #include "simulator/jobs/JobProgram.h"
+#include "simulator/model/Activity.h"
+#include "simulator/model/JobSource.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 
@@ -32,13 +34,14 @@ enum class JobAlarm : std::uint32_t {
 /// the next start goes on within the line where it stood. After END of the selected job the next line is its first: the
 /// job stops there in cycle mode, and goes on in automatic mode. In step mode each start carries out one line, labels and
 /// comments before it included.
-class JobEngine {
+class JobEngine final : public JobActivity {
 public:
     static constexpr Clock::Duration InstructionTime = std::chrono::milliseconds(20);
     static constexpr std::size_t MaxDepth = 12; ///< of calls, the selected job included: as many as a stack reply names
     static constexpr std::size_t MaxPerTick = 1000; ///< lines; a clock that runs faster than this is not followed
 
-    explicit JobEngine(ControllerModel& model) : model_(model) {}
+    /// Becomes the job activity of the model. Both outlive it.
+    JobEngine(ControllerModel& model, JobSource const& source);
 
     /// Where the innermost job stands: the line that it carries out or would start with.
     struct Place {
@@ -50,13 +53,12 @@ public:
     /// Makes a job of the store the one that a start runs, from `line` on.
     Refusal Select(std::string_view name, std::uint32_t line);
 
-    /// Starts or continues the selected job. The model has checked mode, alarms, hold, servo power and that nothing runs.
+    /// Starts or continues the selected job, in remote mode with servo power, without alarm and hold, if nothing runs.
     Refusal Start();
 
-    bool IsRunning() const { return isRunning_; }
+    bool IsRunning() const override { return isRunning_; }
 
-    /// Whether the job is on the call stack of a running job.
-    bool IsExecuting(std::string_view name) const;
+    bool IsExecuting(std::string_view job) const override;
 
     Place Current() const;
 
@@ -64,8 +66,7 @@ public:
     std::size_t Depth() const { return stack_.size(); }
     std::string_view NameAt(std::size_t depth) const { return stack_.at(depth).name; }
 
-    /// Called after every change of mode, servo power, hold or alarms.
-    void OnStateChange();
+    void OnStateChange() override;
 
     /// Whether Tick has anything to do.
     bool NeedsTicks() const { return isRunning_; }
@@ -100,6 +101,7 @@ private:
     void RaiseMissing(Operand const& operand);
 
     ControllerModel& model_;
+    JobSource const& source_;
     std::vector<Frame> stack_;
     std::map<std::string, Program> programs_; ///< those met since the last start or change of the store
     std::uint64_t programsRevision_ = 0; ///< of the store, when they were parsed

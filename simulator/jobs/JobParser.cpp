@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/Text.h"
-#include "simulator/files/FileName.h"
+#include "simulator/base/Text.h"
 #include "simulator/jobs/InstructionParser.h"
+#include "simulator/model/JobName.h"
 
 namespace harvlink::simulator {
 

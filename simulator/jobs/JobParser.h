@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/Refusal.h"
 #include "simulator/jobs/JobProgram.h"
+#include "simulator/protocol/Refusal.h"
 
 /// @file
 /// The language of job files.

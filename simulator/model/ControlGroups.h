@@ -7,10 +7,15 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/ControllerOptions.h"
+#include "harvlink/ControlGroupId.h"
 #include "wire/GroupAddress.h"
 
 namespace harvlink::simulator {
+
+struct ControlGroup {
+    ControlGroupId id{};
+    std::uint32_t axes = 0; ///< 1 to 8
+};
 
 /// The control groups that the controller has.
 class ControlGroups {

@@ -1,19 +1,18 @@
 #include "simulator/model/ControllerModel.h"
 
+#include <utility>
+
 namespace harvlink::simulator {
 
-ControllerModel::ControllerModel(ControllerOptions const& controllerOptions, Clock const& controllerClock)
-    : options(controllerOptions),
-      clock(controllerClock),
-      state{.generation = controllerOptions.generation},
-      groups(controllerOptions.groups),
-      parameters(groups, controllerOptions.rs022),
-      variables(controllerOptions.generation),
-      signals(controllerOptions.generation),
-      frames(controllerOptions.toolCount),
-      files(*this),
-      jobs(*this),
-      motion(*this) {}
+ControllerModel::ControllerModel(ControllerVersion generation, int rs022, std::vector<ControlGroup> controlGroups,
+                                 std::size_t toolCount, Clock const& controllerClock)
+    : clock(controllerClock),
+      state{.generation = generation},
+      groups(std::move(controlGroups)),
+      parameters(groups, rs022),
+      variables(generation),
+      signals(generation),
+      frames(toolCount) {}
 
 void ControllerModel::SetMode(Mode mode) {
     state.mode = mode;
@@ -81,14 +80,6 @@ Refusal ControllerModel::CommandCycle(CycleMode cycle) {
     return Refusal::None;
 }
 
-Refusal ControllerModel::CommandStartJob() {
-    if (IsRunning()) {
-        return Refusal::RobotIsOperating;
-    }
-    auto const refusal = CheckReadyToMove();
-    return refusal == Refusal::None ? jobs.Start() : refusal;
-}
-
 Refusal ControllerModel::CheckReadyToMove() const {
     if (state.mode != Mode::Remote) {
         return Refusal::RemoteModeNeeded;
@@ -120,21 +111,19 @@ void ControllerModel::ResetAlarms() {
     StateChanged();
 }
 
-void ControllerModel::Tick() {
-    auto const now = clock.Now();
-    jobs.Tick(now);
-    motion.Tick(now);
-    UpdateTimes();
-}
-
 void ControllerModel::UpdateTimes() {
-    times.Update(clock.Now(), {.servo = state.servoOn, .playback = jobs.IsRunning(), .moving = motion.IsRunning()});
+    times.Update(clock.Now(), {.servo = state.servoOn, .playback = IsJobRunning(), .moving = IsMotionRunning()});
 }
 
 void ControllerModel::StateChanged() {
     UpdateTimes();
-    jobs.OnStateChange();
-    motion.OnStateChange();
+    // The job first: motion is refused while a job runs.
+    if (job_ != nullptr) {
+        job_->OnStateChange();
+    }
+    if (motion_ != nullptr) {
+        motion_->OnStateChange();
+    }
     UpdateTimes();
 }
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simulator/Clock.h"
+#include "simulator/base/Clock.h"
 
 namespace harvlink::simulator {
 

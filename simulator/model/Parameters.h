@@ -5,8 +5,8 @@
 #include <tuple>
 
 #include "harvlink/ControllerStateInterface.h"
-#include "simulator/Refusal.h"
 #include "simulator/model/ControlGroups.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 

@@ -10,7 +10,9 @@ MotionEngine::MotionEngine(ControllerModel& model)
       cell_(model.groups, model.frames),
       player_(cell_, model.groups),
       servos_(cell_),
-      planned_(player_.Planned()) {}
+      planned_(player_.Planned()) {
+    model_.SetMotionActivity(*this);
+}
 
 Refusal MotionEngine::CheckState() const {
     ControllerState const& state = model_.state;
@@ -23,7 +25,7 @@ Refusal MotionEngine::CheckState() const {
     if (!state.servoOn) {
         return MotionRefusal::ServoOff;
     }
-    if (model_.jobs.IsRunning()) {
+    if (model_.IsJobRunning()) {
         return MotionRefusal::JobIsRunning;
     }
     return state.IsHeld() ? MotionRefusal::HoldIsOn : Refusal::None;

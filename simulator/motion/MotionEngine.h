@@ -3,12 +3,13 @@
 #include <array>
 #include <cstdint>
 
-#include "simulator/Clock.h"
-#include "simulator/Refusal.h"
 #include "simulator/arm/Workcell.h"
+#include "simulator/base/Clock.h"
+#include "simulator/model/Activity.h"
 #include "simulator/motion/MotionPlayer.h"
 #include "simulator/motion/ServoMonitor.h"
 #include "simulator/motion/TargetSettings.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 
@@ -25,15 +26,15 @@ class ControllerModel;
 /// - An alarm, loss of servo power or of remote mode, or a job that starts interrupts a trajectory: it goes on only with a
 ///   new Start, and until then, or until the targets are cleared, more targets are refused, with the reason while it
 ///   lasts and then with PlaybackInterrupted. When nothing was left to play, nothing is interrupted.
-class MotionEngine {
+class MotionEngine final : public Activity {
 public:
+    /// Becomes the motion activity of the model, which outlives it.
     explicit MotionEngine(ControllerModel& model);
 
     /// Whether a trajectory is being played, also while it is held.
-    bool IsRunning() const { return isStarted_ && !isInterrupted_ && player_.HasSteps(); }
+    bool IsRunning() const override { return isStarted_ && !isInterrupted_ && player_.HasSteps(); }
 
-    /// Called after every change of mode, servo power, hold or alarms; read the new state from the model.
-    void OnStateChange();
+    void OnStateChange() override;
 
     /// Whether Tick has anything to do.
     bool NeedsTicks() const { return player_.IsMoving() || !servos_.IsAtRest(); }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/Refusal.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator::MotionRefusal {
 

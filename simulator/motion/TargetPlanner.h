@@ -1,11 +1,11 @@
 #pragma once
 
 #include "motion/MotionMessages.h"
-#include "simulator/Refusal.h"
 #include "simulator/arm/Workcell.h"
 #include "simulator/motion/MovePath.h"
 #include "simulator/motion/SpeedProfile.h"
 #include "simulator/motion/TargetSettings.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 

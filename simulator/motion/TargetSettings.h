@@ -5,8 +5,8 @@
 
 #include "motion/MotionMessages.h"
 #include "position/PositionMessages.h"
-#include "simulator/Refusal.h"
 #include "simulator/arm/Workcell.h"
+#include "simulator/protocol/Refusal.h"
 
 namespace harvlink::simulator {
 

@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "simulator/ControllerOptions.h"
+#include "simulator/controller/ControllerOptions.h"
 #include "simulator/scene/Scene.h"
 
 namespace harvlink::simulator {

@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 #include "harvlink/Version.h"
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 #include "simulator/program/Arguments.h"
 #include "simulator/program/PcapFile.h"
 #include "simulator/program/TrafficReport.h"
@@ -66,13 +66,13 @@ void PrintExchange(VirtualController const& controller, Request const& request, 
 }
 
 bool Prepare(VirtualController& controller, Arguments const& arguments) {
-    return controller.With([&](ControllerModel& model) {
-        if (!model.files.FolderError().empty()) {
-            fmt::print(stderr, "harvlink-sim: {}\n", model.files.FolderError());
+    return controller.WithParts([&](ControllerParts& parts) {
+        if (!parts.files.FolderError().empty()) {
+            fmt::print(stderr, "harvlink-sim: {}\n", parts.files.FolderError());
             return false;
         }
         if (arguments.scene) {
-            arguments.scene->ApplyTo(model);
+            arguments.scene->ApplyTo(parts);
         }
         return true;
     });

@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 
 namespace harvlink::simulator {
 

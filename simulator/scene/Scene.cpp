@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "simulator/model/ControllerModel.h"
+#include "simulator/controller/ControllerParts.h"
 #include "simulator/scene/SceneSections.h"
 
 namespace harvlink::simulator {
@@ -21,23 +21,32 @@ struct Scene::Document {
 
 namespace {
 
+template <void (*Apply)(SceneNode const&, ControllerModel&)>
+void OnModel(SceneNode const& node, ControllerParts& parts) {
+    Apply(node, parts.model);
+}
+
+void OnFiles(SceneNode const& node, ControllerParts& parts) {
+    ApplyFiles(node, parts.files);
+}
+
 struct Section {
     std::string_view key;
-    void (*apply)(SceneNode const&, ControllerModel&);
+    void (*apply)(SceneNode const&, ControllerParts&);
 };
 
 /// In the order in which they are applied: files may depend on the parameters, and an alarm drops servo power.
 constexpr std::array Sections{
-    Section{"parameters", ApplyParameters},
-    Section{"variables", ApplyVariables},
-    Section{"signals", ApplySignals},
-    Section{"signal_groups", ApplySignalGroups},
-    Section{"registers", ApplyRegisters},
-    Section{"tools", ApplyTools},
-    Section{"user_frames", ApplyUserFrames},
-    Section{"files", ApplyFiles},
-    Section{"controller", ApplyControllerState},
-    Section{"alarms", ApplyAlarms},
+    Section{"parameters", OnModel<ApplyParameters>},
+    Section{"variables", OnModel<ApplyVariables>},
+    Section{"signals", OnModel<ApplySignals>},
+    Section{"signal_groups", OnModel<ApplySignalGroups>},
+    Section{"registers", OnModel<ApplyRegisters>},
+    Section{"tools", OnModel<ApplyTools>},
+    Section{"user_frames", OnModel<ApplyUserFrames>},
+    Section{"files", OnFiles},
+    Section{"controller", OnModel<ApplyControllerState>},
+    Section{"alarms", OnModel<ApplyAlarms>},
 };
 
 std::string ReadText(std::filesystem::path const& path) {
@@ -85,19 +94,19 @@ Scene::Scene(std::unique_ptr<Document> document, std::filesystem::path const& fo
         options_.faults = ReadFaults(*faults);
     }
     Clock const clock = Clock::Manual();
-    ControllerModel model(options_, clock);
-    ApplyTo(model);
+    ControllerParts parts(options_, clock);
+    ApplyTo(parts);
 }
 
 Scene::Scene(Scene&&) noexcept = default;
 Scene& Scene::operator=(Scene&&) noexcept = default;
 Scene::~Scene() = default;
 
-void Scene::ApplyTo(ControllerModel& model) const {
+void Scene::ApplyTo(ControllerParts& parts) const {
     auto const root = document_->Root();
     for (auto const& section : Sections) {
         if (auto const node = root.Find(section.key)) {
-            section.apply(*node, model);
+            section.apply(*node, parts);
         }
     }
 }

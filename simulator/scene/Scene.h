@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/ControllerOptions.h"
+#include "simulator/controller/ControllerOptions.h"
 #include "simulator/scene/SceneError.h"
 
 namespace harvlink::simulator {
 
-class ControllerModel;
+struct ControllerParts;
 
 /// What a controller is like when it is switched on, read from a TOML file: simulator/scenes/example.toml shows all there
 /// is. Reading and applying throw a SceneError that names file, line and key.
@@ -30,7 +30,7 @@ public:
     ControllerOptions const& Options() const { return options_; }
 
     /// Sets everything else. Fails if the controller was built as something that lacks what the scene sets.
-    void ApplyTo(ControllerModel& model) const;
+    void ApplyTo(ControllerParts& parts) const;
 
 private:
     struct Document;

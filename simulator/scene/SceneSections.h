@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "simulator/ControllerOptions.h"
+#include "simulator/controller/ControllerOptions.h"
 #include "simulator/scene/SceneNode.h"
 
 /// @file
@@ -11,6 +11,7 @@
 namespace harvlink::simulator {
 
 class ControllerModel;
+class FileStore;
 
 ControllerOptions ReadControllerOptions(SceneNode const& controller, std::filesystem::path const& folder);
 FaultPlan ReadFaults(SceneNode const& faults);
@@ -23,7 +24,7 @@ void ApplyRegisters(SceneNode const& registers, ControllerModel& model);
 void ApplyParameters(SceneNode const& parameters, ControllerModel& model);
 void ApplyTools(SceneNode const& tools, ControllerModel& model);
 void ApplyUserFrames(SceneNode const& frames, ControllerModel& model);
-void ApplyFiles(SceneNode const& files, ControllerModel& model);
+void ApplyFiles(SceneNode const& files, FileStore& store);
 void ApplyAlarms(SceneNode const& alarms, ControllerModel& model);
 
 } // namespace harvlink::simulator

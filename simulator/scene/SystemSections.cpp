@@ -1,7 +1,7 @@
 #include <limits>
 
+#include "simulator/files/FileStore.h"
 #include "simulator/model/ControllerModel.h"
-#include "simulator/model/FixedText.h"
 #include "simulator/scene/SceneSections.h"
 
 namespace harvlink::simulator {
@@ -62,9 +62,9 @@ void ApplyUserFrames(SceneNode const& frames, ControllerModel& model) {
     }
 }
 
-void ApplyFiles(SceneNode const& files, ControllerModel& model) {
+void ApplyFiles(SceneNode const& files, FileStore& store) {
     for (auto const& [name, node] : files.Entries()) {
-        auto const refusal = model.files.Put(name, node.Text());
+        auto const refusal = store.Put(name, node.Text());
         if (refusal != Refusal::None) {
             node.Fail("the controller refuses this file: its name, its size or the number of files");
         }

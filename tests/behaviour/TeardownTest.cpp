@@ -5,7 +5,7 @@
 
 #include "behaviour/MemoryController.h"
 #include "harvlink/harvlink.h"
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 #include "support/LoopbackAddress.h"
 
 // How connections end, in every state, and how they live side by side.

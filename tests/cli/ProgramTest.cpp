@@ -241,7 +241,7 @@ TEST_F(ProgramTest, StopsTheMachineOnCtrlCThoughNobodyReadsWhatItSays) {
     Child const child("trajectory run slow.csv --yes", Child::Errors::Unread);
     ASSERT_EQ(target_.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
     EXPECT_EQ(child.EndBy(SIGINT), 1);
-    EXPECT_FALSE(With([](ControllerModel& model) { return model.motion.IsRunning(); }));
+    EXPECT_FALSE(With([](ControllerModel& model) { return model.IsMotionRunning(); }));
 }
 
 TEST(Program, FailsIfItsOutputIsLost) {

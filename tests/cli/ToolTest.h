@@ -12,7 +12,7 @@
 #include "cli/output/Words.h"
 #include "cli/program/CommandLine.h"
 #include "cli/verbs/AllCommands.h"
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 #include "support/LoopbackAddress.h"
 #include "wire/CommandNumber.h"
 

@@ -1,7 +1,7 @@
 #include <chrono>
 
 #include "files/FileSession.h"
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 #include "support/LoopbackAddress.h"
 
 namespace harvlink::test {

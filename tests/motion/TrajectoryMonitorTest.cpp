@@ -8,7 +8,7 @@
 
 #include "motion/MotionSession.h"
 #include "motion/VirtualTransport.h"
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::test {

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <vector>
 
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 #include "wire/DatagramTransport.h"
 
 namespace harvlink::test {

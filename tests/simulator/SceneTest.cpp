@@ -12,7 +12,7 @@ using namespace simulator;
 TEST(Scene, ExampleSetsWhatItSays) {
     auto const scene = Scene::FromFile(HARVLINK_SCENES "/example.toml");
     VirtualClient client(scene.Options());
-    client.controller.With([&](ControllerModel& model) { scene.ApplyTo(model); });
+    client.controller.WithParts([&](ControllerParts& parts) { scene.ApplyTo(parts); });
     EXPECT_EQ(client.Ask(122, 5, 1, 14).payload, U8(255));
     EXPECT_EQ(client.Ask(125, 10, 1, 14).payload, U32(0x40200000));
     EXPECT_EQ(client.Ask(140, 4, 1, 14).payload, Text("hello"));
@@ -23,9 +23,9 @@ TEST(Scene, ExampleSetsWhatItSays) {
     EXPECT_EQ(client.Ask(924, 0, 0, 1, Words({11, 0, 35})).payload, U32(17));
     EXPECT_EQ(client.Ask(113, 1001, 0, 1).payload[0], 4107 % 256);
     EXPECT_EQ(client.Ask(112, 1, 0, 1).payload[0], 0);
-    client.controller.With([](ControllerModel& model) {
-        EXPECT_TRUE(model.frames.users[1].isDefined);
-        EXPECT_NE(model.files.Read("NOTES.DAT"), nullptr);
+    client.controller.WithParts([](ControllerParts& parts) {
+        EXPECT_TRUE(parts.model.frames.users[1].isDefined);
+        EXPECT_NE(parts.files.Read("NOTES.DAT"), nullptr);
     });
 }
 

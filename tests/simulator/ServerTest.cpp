@@ -1,4 +1,4 @@
-#include "simulator/Server.h"
+#include "simulator/network/Server.h"
 
 #include <array>
 #include <cstdint>

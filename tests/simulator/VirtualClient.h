@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 #include "support/WireBytes.h"
 
 namespace harvlink::test {

@@ -10,7 +10,7 @@
 
 #include "controller/ControlGroupMessages.h"
 #include "motion/MotionMessages.h"
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 
 namespace harvlink::test {
 

@@ -228,9 +228,9 @@ TEST(Hostile, AnyBytesAreAnsweredAndKeepTheArmWithinItsLimits) {
         }
     }
     EXPECT_GT(accepted, 100);
-    cell.controller.With([](ControllerModel& model) {
-        for (auto const& group : model.groups.All()) {
-            EXPECT_TRUE(model.motion.Cell().Axes(group).IsWithinLimits(model.motion.PositionOf(group)));
+    cell.controller.WithParts([](simulator::ControllerParts& parts) {
+        for (auto const& group : parts.model.groups.All()) {
+            EXPECT_TRUE(parts.motion.Cell().Axes(group).IsWithinLimits(parts.motion.PositionOf(group)));
         }
     });
 }

@@ -8,11 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 
 namespace harvlink::test {
 
 using simulator::ControllerModel;
+using simulator::ControllerParts;
 using simulator::Refusal;
 using simulator::VirtualController;
 

@@ -169,7 +169,7 @@ TEST(FileTransfers, RefuseAsAControllerDoes) {
 
 TEST(FileTransfers, EndWhenNothingIsHeardOrRoomIsNeeded) {
     VirtualController controller("", StillOptions());
-    auto& files = controller.With([](ControllerModel& model) -> simulator::FileStore& { return model.files; });
+    auto& files = controller.WithParts([](ControllerParts& parts) -> simulator::FileStore& { return parts.files; });
     simulator::FileTransfers transfers(files);
     simulator::FileTransfers::TimePoint const start{};
     std::string const name = "DEMO.JBI";
@@ -197,20 +197,20 @@ TEST(FileTransfers, EndWhenNothingIsHeardOrRoomIsNeeded) {
 
 TEST(FileStore, CompletesLineEndsAndBoundsWhatItKeeps) {
     VirtualController controller("", StillOptions());
-    EXPECT_EQ(controller.With([](ControllerModel& model) { return model.files.Put("L.DAT", "\na\r\n\nb\n"); }),
+    EXPECT_EQ(controller.WithParts([](ControllerParts& parts) { return parts.files.Put("L.DAT", "\na\r\n\nb\n"); }),
               Refusal::None);
     EXPECT_EQ(FileClient{controller}.Save("L.DAT"), "\r\na\r\n\r\nb\r\n");
-    controller.With([](ControllerModel& model) {
+    controller.WithParts([](ControllerParts& parts) {
         std::string const big(simulator::FileStore::MaxFileSize, 'x');
-        EXPECT_EQ(model.files.Put("A.DAT", big + "x"), Refusal{4128});
-        EXPECT_EQ(model.files.Put("A.DAT", big), Refusal::None);
-        EXPECT_EQ(model.files.Put("A.DAT", big), Refusal::None) << "takes the old one's room";
-        EXPECT_EQ(model.files.Put("B.DAT", big), Refusal::None);
-        EXPECT_EQ(model.files.Put("C.DAT", big), Refusal::None);
-        EXPECT_EQ(model.files.Put("D.DAT", big), Refusal{4128});
+        EXPECT_EQ(parts.files.Put("A.DAT", big + "x"), Refusal{4128});
+        EXPECT_EQ(parts.files.Put("A.DAT", big), Refusal::None);
+        EXPECT_EQ(parts.files.Put("A.DAT", big), Refusal::None) << "takes the old one's room";
+        EXPECT_EQ(parts.files.Put("B.DAT", big), Refusal::None);
+        EXPECT_EQ(parts.files.Put("C.DAT", big), Refusal::None);
+        EXPECT_EQ(parts.files.Put("D.DAT", big), Refusal{4128});
         Refusal last = Refusal::None;
         for (std::size_t i = 0; i <= simulator::FileStore::MaxFiles; ++i) {
-            last = model.files.Put("N" + std::to_string(i) + ".DAT", "x");
+            last = parts.files.Put("N" + std::to_string(i) + ".DAT", "x");
         }
         EXPECT_EQ(last, Refusal{4128});
     });
@@ -248,7 +248,7 @@ TEST(FileStore, ServesAndUpdatesAFolderAndNothingBesideIt) {
     EXPECT_EQ(client.Save("TOOL.CND"), "//TOOL 0\r\n");
     options.filesFolder = folder / "none";
     VirtualController other("", options);
-    EXPECT_NE(other.With([](ControllerModel& model) { return model.files.FolderError(); }), "");
+    EXPECT_NE(other.WithParts([](ControllerParts& parts) { return parts.files.FolderError(); }), "");
 }
 
 TEST(FileTransfers, SurviveAnyDatagram) {

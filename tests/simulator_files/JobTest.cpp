@@ -83,16 +83,16 @@ protected:
     }
 
     void Put(std::string const& name, std::string_view lines) {
-        EXPECT_EQ(model.files.Put(name + ".JBI", JobText(name, lines)), Refusal::None);
+        EXPECT_EQ(parts.files.Put(name + ".JBI", JobText(name, lines)), Refusal::None);
     }
 
-    Refusal Select(std::string const& name, std::uint32_t line = 0) { return model.jobs.Select(name, line); }
-    Refusal Start() { return model.CommandStartJob(); }
+    Refusal Select(std::string const& name, std::uint32_t line = 0) { return parts.jobs.Select(name, line); }
+    Refusal Start() { return parts.jobs.Start(); }
 
     std::string Place() {
-        auto const place = model.jobs.Current();
+        auto const place = parts.jobs.Current();
         return std::string(place.name) + " " + std::to_string(place.line) + " " + std::to_string(place.step) +
-               (model.jobs.IsRunning() ? " runs" : " stands");
+               (parts.jobs.IsRunning() ? " runs" : " stands");
     }
 
     std::string After(int time) {
@@ -101,7 +101,8 @@ protected:
     }
 
     VirtualController controller{"", StillOptions()};
-    ControllerModel& model = controller.With([](ControllerModel& inner) -> ControllerModel& { return inner; });
+    ControllerParts& parts = controller.WithParts([](ControllerParts& inner) -> ControllerParts& { return inner; });
+    ControllerModel& model = parts.model;
 };
 
 TEST_F(JobEngineTest, AdvancesInTimeThroughACallAndBack) {
@@ -193,7 +194,7 @@ TEST_F(JobEngineTest, RaisesAnAlarmWhereItCannotGoOn) {
         EXPECT_EQ(After(2000), std::string(name) + " 1 1 stands");
         EXPECT_EQ(model.alarms.Active(1).code, code) << name;
         EXPECT_EQ(model.alarms.Active(1).subcode, 1U) << name;
-        EXPECT_LE(model.jobs.Depth(), simulator::JobEngine::MaxDepth);
+        EXPECT_LE(parts.jobs.Depth(), simulator::JobEngine::MaxDepth);
         model.ResetAlarms();
         model.SetServo(true);
     }
@@ -215,8 +216,8 @@ TEST_F(JobEngineTest, KeepsUpWithAnyClock) {
     Put("TIGHT", "*A\nJUMP *A\n");
     EXPECT_EQ(Select("TIGHT"), Refusal::None);
     EXPECT_EQ(Start(), Refusal::None);
-    model.jobs.Tick(std::chrono::hours(1000));
-    EXPECT_TRUE(model.jobs.IsRunning());
+    parts.jobs.Tick(std::chrono::hours(1000));
+    EXPECT_TRUE(parts.jobs.IsRunning());
 }
 
 /// Sends a request to the robot port and hands back the code and the payload.

@@ -1,21 +1,23 @@
-#include "simulator/Dispatcher.h"
+#include "simulator/controller/Dispatcher.h"
 
 #include <utility>
 
-#include "simulator/Catalogue.h"
+#include "simulator/handlers/Handlers.h"
+#include "simulator/protocol/Catalogue.h"
 
 namespace harvlink::simulator {
 
-Dispatcher::Dispatcher(ControllerModel& model) : model_(model), fileHandler_(MakeFileHandler(model)) {
+Dispatcher::Dispatcher(ControllerParts& parts) : parts_(parts), fileHandler_(MakeFileHandler(parts.files)) {
+    auto& model = parts.model;
     Add(MakeControllerStateHandler(model));
     Add(MakeVariablesHandler(model));
     Add(MakeIOHandler(model));
     Add(MakeFaultHandler(model));
-    Add(MakeControlCommandsHandler(model));
-    Add(MakeControlGroupHandler(model));
-    Add(MakeMotionManagerHandler(model));
-    Add(MakeKinematicsHandler(model));
-    Add(MakeJobHandler(model));
+    Add(MakeControlCommandsHandler(model, parts.jobs));
+    Add(MakeControlGroupHandler(model, parts.motion));
+    Add(MakeMotionManagerHandler(parts.motion));
+    Add(MakeKinematicsHandler(model, parts.motion));
+    Add(MakeJobHandler(parts.jobs));
 }
 
 void Dispatcher::Add(std::unique_ptr<CommandHandler> handler) {
@@ -26,7 +28,7 @@ void Dispatcher::Add(std::unique_ptr<CommandHandler> handler) {
 }
 
 void Dispatcher::ForgetTransfers() {
-    fileHandler_ = MakeFileHandler(model_);
+    fileHandler_ = MakeFileHandler(parts_.files);
 }
 
 void Dispatcher::Handle(Request const& request, Reply& reply) {
@@ -47,7 +49,7 @@ void Dispatcher::HandleRobotPort(Request const& request, Reply& reply) {
         reply.Refuse(Refusal::DataSizeError);
         return;
     }
-    if (reply.RefuseIf(CheckAgainstCatalogue(request, model_.state.HasExtendedCommands()))) {
+    if (reply.RefuseIf(CheckAgainstCatalogue(request, parts_.model.state.HasExtendedCommands()))) {
         return;
     }
     auto* const handler = byCommand_.at(request.subHeader.command);

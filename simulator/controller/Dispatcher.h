@@ -5,16 +5,16 @@
 #include <memory>
 #include <vector>
 
-#include "simulator/Catalogue.h"
-#include "simulator/CommandHandler.h"
-#include "simulator/model/ControllerModel.h"
+#include "simulator/controller/ControllerParts.h"
+#include "simulator/handlers/CommandHandler.h"
+#include "simulator/protocol/Catalogue.h"
 
 namespace harvlink::simulator {
 
 /// Finds the handler of a request, after refusing what no handler needs to see.
 class Dispatcher {
 public:
-    explicit Dispatcher(ControllerModel& model);
+    explicit Dispatcher(ControllerParts& parts);
 
     void Handle(Request const& request, Reply& reply);
 
@@ -26,7 +26,7 @@ private:
     void HandleRobotPort(Request const& request, Reply& reply);
     void HandleFilePort(Request const& request, Reply& reply);
 
-    ControllerModel& model_;
+    ControllerParts& parts_;
     std::vector<std::unique_ptr<CommandHandler>> handlers_;
     std::array<CommandHandler*, CommandLimit> byCommand_{};
     std::unique_ptr<CommandHandler> fileHandler_;

@@ -1,4 +1,4 @@
-#include "simulator/VirtualController.h"
+#include "simulator/controller/VirtualController.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,7 +15,7 @@ bool IsOfThisProtocol(CommonHeader const& header) {
 } // namespace
 
 VirtualController::VirtualController(std::string address, ControllerOptions const& options)
-    : address_(std::move(address)), clock_(options.timeScale), model_(options, clock_), dispatcher_(model_) {
+    : address_(std::move(address)), clock_(options.timeScale), parts_(options, clock_), dispatcher_(parts_) {
     faults_.SetPlan(options.faults);
 }
 
@@ -25,9 +25,9 @@ void VirtualController::Advance(Clock::Duration step) {
     ActivityNote const note{*this};
     constexpr Clock::Duration Stride = std::chrono::milliseconds(1);
     while (step > Clock::Duration{0}) {
-        auto const stride = model_.NeedsTicks() ? std::min(step, Stride) : step;
+        auto const stride = parts_.NeedsTicks() ? std::min(step, Stride) : step;
         clock_.Advance(stride);
-        model_.Tick();
+        parts_.Tick();
         step -= stride;
     }
 }
@@ -46,8 +46,8 @@ Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::spa
     }
     request_.port = port;
     request_.peer = peer;
-    if (model_.NeedsTicks()) {
-        model_.Tick();
+    if (parts_.NeedsTicks()) {
+        parts_.Tick();
     }
     faults_.NoteHeard(request_);
     if (faults_.IsActive()) {
@@ -72,7 +72,7 @@ void VirtualController::AnswerWithFaults(Reply& reply) {
         reply.Refuse(faults_.RefusalCode());
     }
     if (verdict == Verdict::Restart) {
-        model_.SetServo(false);
+        parts_.model.SetServo(false);
         dispatcher_.ForgetTransfers();
     }
     if (verdict == Verdict::CarryOut || verdict == Verdict::Refuse) {
@@ -94,8 +94,8 @@ bool VirtualController::Parse(std::span<std::byte const> datagram) {
 
 bool VirtualController::Tick() {
     std::scoped_lock const lock(mutex_);
-    if (model_.NeedsTicks()) {
-        model_.Tick();
+    if (parts_.NeedsTicks()) {
+        parts_.Tick();
     }
     NoteActivity();
     return active_;

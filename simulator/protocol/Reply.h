@@ -7,8 +7,8 @@
 #include <span>
 #include <type_traits>
 
-#include "simulator/Refusal.h"
-#include "simulator/Request.h"
+#include "simulator/protocol/Refusal.h"
+#include "simulator/protocol/Request.h"
 
 namespace harvlink::simulator {
 

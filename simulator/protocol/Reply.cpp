@@ -1,4 +1,4 @@
-#include "simulator/Reply.h"
+#include "simulator/protocol/Reply.h"
 
 #include <algorithm>
 

@@ -1,18 +1,12 @@
-#include "simulator/Socket.h"
+#include "simulator/network/Socket.h"
 
 #include <cerrno>
+#include <utility>
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace harvlink::simulator {
-
-Descriptor::~Descriptor() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-}
 
 Socket Socket::Bind(std::string const& address, std::uint16_t port) {
     Socket result;

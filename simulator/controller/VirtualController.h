@@ -9,11 +9,11 @@
 #include <string>
 #include <utility>
 
-#include "simulator/Clock.h"
-#include "simulator/ControllerOptions.h"
-#include "simulator/Dispatcher.h"
+#include "simulator/base/Clock.h"
+#include "simulator/controller/ControllerOptions.h"
+#include "simulator/controller/ControllerParts.h"
+#include "simulator/controller/Dispatcher.h"
 #include "simulator/faults/FaultInjector.h"
-#include "simulator/model/ControllerModel.h"
 
 namespace harvlink::simulator {
 
@@ -35,10 +35,17 @@ public:
     /// at once, running jobs and motion included.
     template <typename Function>
     decltype(auto) With(Function&& function) {
+        return WithParts(
+            [&](ControllerParts& parts) -> decltype(auto) { return std::forward<Function>(function)(parts.model); });
+    }
+
+    /// The same for a function that needs files, jobs or motion.
+    template <typename Function>
+    decltype(auto) WithParts(Function&& function) {
         ChangeNotice const notice{*this};
         std::scoped_lock const lock(mutex_);
         ActivityNote const note{*this};
-        return std::forward<Function>(function)(model_);
+        return std::forward<Function>(function)(parts_);
     }
 
     /// Calls `function` with the fault injector, under the same lock.
@@ -86,12 +93,12 @@ private:
 
     bool Parse(std::span<std::byte const> datagram);
     void AnswerWithFaults(Reply& reply);
-    void NoteActivity() { active_.store(model_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }
+    void NoteActivity() { active_.store(parts_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }
 
     std::string address_;
     std::mutex mutex_;
     Clock clock_;
-    ControllerModel model_;
+    ControllerParts parts_;
     Dispatcher dispatcher_;
     FaultInjector faults_;
     Request request_;

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simulator/Refusal.h"
-#include "simulator/Request.h"
+#include "simulator/protocol/Refusal.h"
+#include "simulator/protocol/Request.h"
 
 namespace harvlink::simulator {
 

@@ -10,9 +10,10 @@
 #include <unordered_map>
 #include <vector>
 
-#include "simulator/ControllerOptions.h"
-#include "simulator/Socket.h"
-#include "simulator/VirtualController.h"
+#include "simulator/base/Descriptor.h"
+#include "simulator/controller/ControllerOptions.h"
+#include "simulator/controller/VirtualController.h"
+#include "simulator/network/Socket.h"
 
 namespace harvlink::simulator {
 

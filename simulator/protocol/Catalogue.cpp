@@ -1,4 +1,4 @@
-#include "simulator/Catalogue.h"
+#include "simulator/protocol/Catalogue.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "simulator/Clock.h"
+#include "simulator/base/Clock.h"
 
 namespace harvlink::simulator {
 

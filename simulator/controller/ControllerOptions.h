@@ -4,16 +4,11 @@
 #include <filesystem>
 #include <vector>
 
-#include "harvlink/ControlGroupId.h"
 #include "harvlink/ControllerVersion.h"
 #include "simulator/faults/FaultPlan.h"
+#include "simulator/model/ControlGroups.h"
 
 namespace harvlink::simulator {
-
-struct ControlGroup {
-    ControlGroupId id{};
-    std::uint32_t axes = 0; ///< 1 to 8
-};
 
 /// How much faster than real time a controller that somebody starts may run.
 inline constexpr double SlowestTimeScale = 0.001;
