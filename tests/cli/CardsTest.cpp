@@ -64,12 +64,14 @@ public:
         controller_->With([&](ControllerModel& model) { function(model); });
     }
 
+    void Put(std::string_view name, std::string_view content) {
+        controller_->WithParts([&](simulator::ControllerParts& parts) { parts.files.Put(name, content); });
+    }
+
     /// Loads a job of these instructions and starts it, with servo power.
     StatusInfo Run(std::string const& instructions) {
-        Set([&](ControllerModel& model) {
-            model.files.Put("A.JBI", JobWith(instructions));
-            model.SetServo(true);
-        });
+        Put("A.JBI", JobWith(instructions));
+        Set([](ControllerModel& model) { model.SetServo(true); });
         robot_->Job->SetActiveJob("A", 0);
         return robot_->ControlCommands->StartJob();
     }
@@ -427,7 +429,7 @@ TEST(Cards, SayWhatTheControllerRefuses) {
              rig->ControlCommands->SetHold(SignalStatus::On);
              rig->Job->SetActiveJob("A", 2);
              rig->ControlCommands->SetHold(SignalStatus::Off);
-             rig.Set([](ControllerModel& model) { model.files.Put("A.JBI", Job); });
+             rig.Put("A.JBI", Job);
              return StartJob(rig);
          }},
         {"40961", "a task",
@@ -498,7 +500,7 @@ TEST(Cards, SayWhatTheControllerRefuses) {
          [](Rig& rig) { return rig.Run("TIMER T=0.01"), rig->ControlCommands->SetHold(SignalStatus::On), rig->Job->SetActiveJob("A", 9999); }},
         {"job:16448", "upper and lower case are the same", [](Rig& rig) { return rig->Job->SetActiveJob("B", 0); },
          [](Rig& rig) {
-             rig.Set([](ControllerModel& model) { model.files.Put("A.JBI", Job); });
+             rig.Put("A.JBI", Job);
              return rig->Job->SetActiveJob("a", 0);
          }},
         {"job:65535", "no such task",
