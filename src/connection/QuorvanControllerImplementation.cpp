@@ -13,13 +13,12 @@
 #include "io/IOImplementation.h"
 #include "kinematics/Kinematics.h"
 #include "motion/MotionManager.h"
+#include "variables/Rs022.h"
 #include "variables/VariablesImplementation.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
 namespace {
-
-constexpr int rs022 = 22;
 
 template <typename Interface>
 void Delete(Interface*& interface) {
@@ -82,11 +81,11 @@ void QuorvanControllerImplementation::StartUp(bool logging, StatusInfo& status) 
 /// Nothing if the state can't be read; a value of -1 counts as that too.
 std::optional<int> QuorvanControllerImplementation::ReadRS22State(StatusInfo& status) {
     int state = -1;
-    // Compared signed: an unknown generation takes the older road.
+    // Compared signed: an unknown generation counts as an older one.
     if (networkManager.controllerVersion < ControllerVersion::VersionYA) {
         state = GetRS22StateFromFile();
     } else {
-        status = Status->ReadSystemParam(SystemParameterType::RS, rs022, state);
+        status = Status->ReadSystemParam(SystemParameterType::RS, Rs022Number, state);
         if (status.StatusCode != 0) {
             return std::nullopt;
         }
@@ -107,24 +106,11 @@ void QuorvanControllerImplementation::CreateInterfaces(int rs22State, int number
 }
 
 int QuorvanControllerImplementation::GetRS22StateFromFile() {
-    constexpr std::size_t parameterItem = 4;
-    constexpr std::size_t rs022Field = 2;
-
     std::string text;
     if (Files->SaveFromControllerToString("RS.PRM", text).StatusCode != 0) {
         return -1;
     }
-    std::vector<std::string> items;
-    HelperFunction::SplitStringOnCLRF(items, text, false);
-    if (items.size() <= parameterItem) {
-        return -1;
-    }
-    std::vector<std::string> fields;
-    HelperFunction::SplitStringOnChar(fields, items[parameterItem], ',', false);
-    if (fields.size() <= rs022Field) {
-        return -1;
-    }
-    return fields[rs022Field] == "1" ? 1 : 0;
+    return Rs022FromFile(text).value_or(-1);
 }
 
 int QuorvanControllerImplementation::GetNumberOfToolFiles() {

@@ -19,9 +19,6 @@ public:
     bool CheckExternalMode();
 
 private:
-    template <typename In, typename Out>
-    StatusInfo Command(CommandNumber command, unsigned short instance, Out const& value);
-
     NetworkManager* networkManager;
 };
 

@@ -18,23 +18,20 @@ public:
     StatusInfo ReadPositionError(ControlGroupId group, PositionErrorData& data) override;
     StatusInfo ReadTorqueData(ControlGroupId group, TorqueData& data) override;
 
-    /// The older road: pulses and base coordinates, with the active tool.
+    /// Pulses and base coordinates with the active tool, by the command that every controller understands.
     PositionData HSEReadPositionData(ControlGroupId group, CoordinateType type, StatusInfo& status);
 
-    /// The extended road: base, robot and user coordinates.
+    /// Base, robot and user coordinates, by the extended command.
     PositionData UAPIReadPositionData(ControlGroupId group, CoordinateType type, unsigned short userCoordinateNumber,
                                       unsigned short toolNumber, StatusInfo& status);
 
-    /// Tool first, then user coordinate number; `status` tells the first that is out of range.
+    /// Tool first, then user coordinate number; `status` names the first that is out of range.
     bool CheckInputs(int userCoordinateNumber, int toolNumber, StatusInfo& status);
 
 private:
-    template <typename In>
-    IncomingPacket<In> Read(CommandNumber command, unsigned short instance, StatusInfo& status);
     bool CheckUAPIInputs(CoordinateType type, int userCoordinateNumber, int toolNumber, StatusInfo& status);
 
     NetworkManager* networkManager;
-    static constexpr std::uint16_t robotCoordinateOffset = 100;
     std::int32_t toolFileCount;
 };
 

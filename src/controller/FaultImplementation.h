@@ -18,9 +18,6 @@ public:
     bool IsAlarmCategoryValid(AlarmCategory category) const;
 
 private:
-    StatusInfo ReadAlarm(CommandNumber command, unsigned short instance, AlarmData& alarm);
-    StatusInfo SendReset(unsigned short instance);
-
     NetworkManager* networkManager;
 };
 

@@ -16,8 +16,6 @@ public:
     StatusInfo GetJobStack(TesselTaskNumber task, std::vector<std::string>& jobs) override;
 
 private:
-    StatusInfo SelectJob(std::string const& name, unsigned line);
-
     NetworkManager* networkManager;
     static constexpr std::uint32_t maxLineNumber = 9999;
 };

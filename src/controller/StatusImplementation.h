@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "controller/OperatingTimeRequest.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "wire/NetworkManager.h"
 
@@ -30,11 +31,10 @@ public:
     std::uint16_t GetTimeInstanceValue(ControlGroupId group, TimeType type, ApplicationNumber application) const;
     bool IsTimeTypeValid(TimeType type, ControlGroupId group) const;
 
-    static constexpr std::uint16_t InvalidTimeInstance = 500;
+    static constexpr std::uint16_t InvalidTimeInstance = NoTimeCounter;
 
 private:
     NetworkManager* networkManager;
-    static constexpr std::uint16_t stationGroupBase = 10;
 };
 
 namespace HelperFunction {

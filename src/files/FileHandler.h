@@ -5,15 +5,13 @@
 #include <ios>
 #include <string_view>
 
-#include "files/SetPacket.h"
+#include "files/FileDownload.h"
 #include "harvlink/FileInterface.h"
 #include "status/ContextualStatusInfoHandler.h"
 #include "status/ErrorTables.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink {
-
-class TextCollector;
 
 class FileHandler final : public FileInterface {
 public:
@@ -65,7 +63,7 @@ public:
     std::vector<std::string_view> Split(std::string_view text, std::size_t pieceSize) const;
 
 private:
-    StatusInfo ReceiveBlocks(FileRequest& request, FileReply& reply, TextCollector& text);
+    StatusInfo Receive(FileDownload& download, FileReply& reply, std::string& data);
     StatusInfo CheckLoadable(std::string const& fileName) const;
     StatusInfo ReadDiskFile(std::string const& path, std::vector<FileBlock>& blocks) const;
     std::string HeadOf(std::vector<FileBlock> const& blocks) const;

@@ -3,7 +3,6 @@
 #include <thread>
 
 #include "files/FileHandler.h"
-#include "files/TextCollector.h"
 #include "wire/HelperFunction.h"
 
 // The exchange by which whole files move: a request that names the file, then numbered blocks, each answered before the
@@ -19,37 +18,25 @@ void LetControllerSettle() {
     std::this_thread::sleep_for(std::chrono::seconds(3));
 }
 
-std::string_view TextOf(std::array<char, FileBlockSize> const& block) {
-    std::string_view const text(block.data(), block.size());
-    return text.substr(0, text.find('\0'));
-}
-
 } // namespace
 
 StatusInfo FileHandler::GetTheRestOfTheData(FileRequest& request, FileReply& reply, std::string& data) {
-    TextCollector text;
-    StatusInfo status = ReceiveBlocks(request, reply, text);
-    text.MoveTo(data);
-    if (status.StatusCode != 0) {
-        return status;
-    }
-    request.header.blockNumber = reply.header.blockNumber;
-    return networkManager->SendAndReceive(request, reply, reply.header.requestId, false);
+    FileDownload download(request, reply);
+    StatusInfo status = Receive(download, reply, data);
+    request = download.LastRequest();
+    return status;
 }
 
-StatusInfo FileHandler::ReceiveBlocks(FileRequest& request, FileReply& reply, TextCollector& text) {
-    request.header.ack = 1;
-    request.header.payloadSize = 0;
-    StatusInfo status;
-    while (status.StatusCode == 0 && (reply.header.blockNumber & LastBlockFlag) == 0) {
-        request.header.blockNumber = reply.header.blockNumber;
-        reply.payload = {};
-        status = networkManager->SendAndReceive(request, reply, reply.header.requestId, true);
-        if (status.StatusCode == 0) {
-            text.Append(TextOf(reply.payload));
+StatusInfo FileHandler::Receive(FileDownload& download, FileReply& reply, std::string& data) {
+    while (auto const step = download.Next()) {
+        if (step->waitForReply) {
+            reply.payload = {};
         }
+        StatusInfo status = networkManager->SendAndReceive(step->request, reply, step->requestId, step->waitForReply);
+        download.Take(std::move(status), reply);
     }
-    return status;
+    download.MoveTextTo(data);
+    return download.Result();
 }
 
 StatusInfo FileHandler::SendTheBuffer(std::string const& fileName, std::vector<FileBlock>& blocks) {
@@ -119,13 +106,10 @@ std::string FileHandler::HeadOf(std::vector<FileBlock> const& blocks) const {
 
 StatusInfo FileHandler::ListFiles(FileType type, std::vector<std::string>& files, bool sorted) {
     files.clear();
-    FileRequest request = SetPacket(FileServices::ListFile, HelperFunction::GetFileTypeStringFromEnum(type));
+    FileDownload download(FileServices::ListFile, HelperFunction::GetFileTypeStringFromEnum(type));
     FileReply reply;
-    // The status of the first exchange is dropped, on purpose: its block is treated like any other, and silence shows in
-    // the exchange that follows.
-    networkManager->SendAndReceive(request, reply, std::nullopt, true);
-    std::string names(TextOf(reply.payload));
-    StatusInfo status = GetTheRestOfTheData(request, reply, names);
+    std::string names;
+    StatusInfo status = Receive(download, reply, names);
     if (status.StatusCode != 0) {
         return Contextual(std::move(status));
     }
@@ -138,14 +122,9 @@ StatusInfo FileHandler::SaveFromControllerToString(std::string const& fileName, 
     if (!CheckForFileExt(fileName)) {
         return StatusInformation(ErrorStatusCodes::InvalidFileExtension, "Invalid file extension.");
     }
-    FileRequest request = SetPacket(FileServices::SaveFile, fileName);
+    FileDownload download(FileServices::SaveFile, fileName);
     FileReply reply;
-    StatusInfo status = networkManager->SendAndReceive(request, reply, std::nullopt, true);
-    if (status.StatusCode != 0) {
-        return Contextual(std::move(status));
-    }
-    contents = TextOf(reply.payload);
-    return Contextual(GetTheRestOfTheData(request, reply, contents));
+    return Contextual(Receive(download, reply, contents));
 }
 
 } // namespace harvlink

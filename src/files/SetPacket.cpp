@@ -29,4 +29,9 @@ FileBlock SetPacket(FileServices service, std::array<char, FileBlockSize> const&
     return packet;
 }
 
+std::string_view TextOf(std::array<char, FileBlockSize> const& block) {
+    std::string_view const text(block.data(), block.size());
+    return text.substr(0, text.find('\0'));
+}
+
 } // namespace harvlink

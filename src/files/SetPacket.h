@@ -17,4 +17,7 @@ FileRequest SetPacket(FileServices service, std::string_view name);
 /// A block of a file on its way to the controller. Always sent whole; its number and id are set when it is sent.
 FileBlock SetPacket(FileServices service, std::array<char, FileBlockSize> const& contents);
 
+/// The text of a block: what stands before its first zero byte.
+std::string_view TextOf(std::array<char, FileBlockSize> const& block);
+
 } // namespace harvlink

@@ -4,7 +4,7 @@
 #include "status/ErrorTables.h"
 #include "wire/HelperFunction.h"
 
-// Which addresses exist, and by which road they are written.
+// Which addresses exist, and by which command they are written.
 
 namespace harvlink {
 namespace {
@@ -42,29 +42,30 @@ bool IOImplementation::IsAddressValid(unsigned int address, bool& isNetworkInput
     return std::ranges::any_of(ranges, [&](AddressRange const& range) { return range.Contains(address); });
 }
 
-WriteRoad IOImplementation::CheckAddressWriteable(unsigned int address, StatusInfo& status, bool isBitAddress) const {
+WriteCommand IOImplementation::CheckAddressWriteable(unsigned int address, StatusInfo& status,
+                                                     bool isBitAddress) const {
     bool isNetworkInput = false;
     bool isInterfacePanel = false;
     bool isGeneralOutput = false;
     bool const isAligned = isBitAddress || address % 10 == 0;
     if (!isAligned || !IsAddressValid(address, isNetworkInput, isInterfacePanel, isGeneralOutput)) {
         status = Failed(IOError::InvalidAddress);
-        return WriteRoad::Refused;
+        return WriteCommand::Refused;
     }
     if (isNetworkInput) {
         status = StatusInformation(ErrorStatusCodes::Ok);
-        return WriteRoad::Older;
+        return WriteCommand::Group;
     }
     if (!HelperFunction::CheckUAPICompatible(networkManager->controllerVersion)) {
         status = Failed(IOError::InvalidAddress);
-        return WriteRoad::Refused;
+        return WriteCommand::Refused;
     }
     if (isGeneralOutput || isInterfacePanel) {
         status = StatusInformation(ErrorStatusCodes::Ok);
-        return WriteRoad::Extended;
+        return WriteCommand::OneSignal;
     }
     status = Failed(IOError::AddressNotWritable);
-    return WriteRoad::Refused;
+    return WriteCommand::Refused;
 }
 
 unsigned int IOImplementation::ConvertIOGroupToBitAddress(IOType type, unsigned short group, unsigned char bit,

@@ -1,7 +1,5 @@
 #include "io/IOImplementation.h"
-#include "io/IOMessages.h"
-#include "status/ContextualStatusInfoHandler.h"
-#include "status/ErrorTables.h"
+#include "io/SignalRequests.h"
 #include "variables/VariableFunctions.h"
 
 // The exchanges that reads and writes are made of.
@@ -9,18 +7,7 @@
 namespace harvlink {
 namespace {
 
-constexpr int invalidInstance = 40961;
-constexpr int invalidRegister = 65535;
 constexpr int registersCountFromZero = 1; // as if RS022 were 1: the instance is the bare register number
-
-/// Codes of the small table keep their number and get its text.
-void ApplyIOTable(StatusInfo& status) {
-    HSEContextualStatusInfoHandler<IOError>(&IOErrorTable).SetContextualError(status);
-}
-
-StatusInfo InvalidRegister() {
-    return StatusInformation(invalidRegister, "Register address is invalid.");
-}
 
 } // namespace
 
@@ -30,15 +17,12 @@ std::bitset<8> IOImplementation::ReadIO(unsigned int address, StatusInfo& status
 
 unsigned char IOImplementation::UINT8ReadIO(unsigned int address, StatusInfo& status) {
     if (address % 10 != 0) {
-        status = StatusInformation(static_cast<int>(IOError::InvalidAddress),
-                                   IOErrorTable.Find(IOError::InvalidAddress).value());
+        status = InvalidIOAddress();
         return 0;
     }
-    auto const reply =
-        networkManager->SimpleRequest<std::uint8_t>(static_cast<std::uint16_t>(address / 10), CommandNumber::IOData,
-                                                    status, FixedField::FirstAttribute, ServiceReadOne);
-    ApplyIOTable(status);
-    return reply.payload;
+    unsigned char value = 0;
+    status = CarryOut(*networkManager, SignalGroupRead(address), value);
+    return value;
 }
 
 std::bitset<8> IOImplementation::ReadIO(IOType type, unsigned short group, StatusInfo& status) {
@@ -61,27 +45,16 @@ unsigned char IOImplementation::UINT8ReadIO(IOType type, unsigned short group, S
     return UINT8ReadIO((selection.baseNumber + group) * 10U, status);
 }
 
-template <typename Payload>
-StatusInfo IOImplementation::SendWrite(Payload const& payload, unsigned short instance, CommandNumber command,
-                                       FixedField field, unsigned char service) {
-    StatusInfo status;
-    networkManager->RecordRequest<std::uint8_t>(payload, instance, command, status, field, service);
-    ApplyIOTable(status);
-    return status;
-}
-
 StatusInfo IOImplementation::WriteIO(unsigned short group, std::bitset<8>& value) {
-    return SendWrite(std::uint64_t{value.to_ullong()}, group, CommandNumber::IOData, FixedField::FirstAttribute,
-                     ServiceWriteOne);
+    return CarryOut(*networkManager, SignalGroupWrite<std::uint64_t>{group, value.to_ullong()});
 }
 
 StatusInfo IOImplementation::WriteIO(unsigned short group, unsigned char value) {
-    return SendWrite(value, group, CommandNumber::IOData, FixedField::FirstAttribute, ServiceWriteOne);
+    return CarryOut(*networkManager, SignalGroupWrite<std::uint8_t>{group, value});
 }
 
 StatusInfo IOImplementation::UAPIWriteIO(int address, unsigned char value) {
-    return SendWrite(UAPIIoData{static_cast<std::uint32_t>(address), value}, 0, CommandNumber::UAPIWriteIO,
-                     FixedField::WholeRecord, ServiceWriteAll);
+    return CarryOut(*networkManager, SignalWrite{{static_cast<std::uint32_t>(address), value}});
 }
 
 template <std::size_t bits>
@@ -99,20 +72,6 @@ void IOImplementation::UAPIWriteMultiBit(unsigned int group, std::bitset<bits> v
 template void IOImplementation::UAPIWriteMultiBit<8>(unsigned int, std::bitset<8>, StatusInfo&);
 template void IOImplementation::UAPIWriteMultiBit<16>(unsigned int, std::bitset<16>, StatusInfo&);
 
-StatusInfo IOImplementation::ReadRegisterValue(unsigned short index, unsigned short& value) {
-    value = 0;
-    StatusInfo status;
-    auto const reply = networkManager->SimpleRequest<std::uint16_t>(index, CommandNumber::RegisterData, status,
-                                                                    FixedField::FirstAttribute, ServiceReadOne);
-    if (status.StatusCode == invalidInstance) {
-        return InvalidRegister();
-    }
-    if (status.StatusCode == 0) {
-        value = reply.payload;
-    }
-    return status;
-}
-
 /// Bound and refusal are those of variables, on purpose: a refused write is an invalid index, where a refused read is an
 /// invalid register.
 template <typename Value>
@@ -122,12 +81,12 @@ StatusInfo IOImplementation::WriteRegisterValue(unsigned short index, Value valu
 }
 
 StatusInfo IOImplementation::ReadRegister(unsigned short index, unsigned short& value) {
-    return ReadRegisterValue(index, value);
+    return CarryOut(*networkManager, RegisterRead{index}, value);
 }
 
 StatusInfo IOImplementation::ReadRegister(unsigned short index, std::bitset<16>& value) {
     unsigned short number = 0;
-    StatusInfo status = ReadRegisterValue(index, number);
+    StatusInfo status = CarryOut(*networkManager, RegisterRead{index}, number);
     value = number;
     return status;
 }

@@ -1,5 +1,7 @@
 #include "io/IOImplementation.h"
 
+#include "io/SignalRequests.h"
+
 namespace harvlink {
 namespace {
 
@@ -89,16 +91,8 @@ StatusInfo IOImplementation::ReadWord(unsigned int address, std::bitset<16>& val
     if (address == 0) {
         return InvalidGroup();
     }
-    StatusInfo status;
-    std::bitset<8> const low = ReadIO(address, status);
-    if (status.StatusCode != 0) {
-        return status;
-    }
-    std::bitset<8> const high = ReadIO(address + 10, status);
-    if (status.StatusCode == 0) {
-        value = ConcatenateBits(low, high);
-    }
-    return status;
+    SignalWordSequence sequence(address, value);
+    return CarryOutAll(*networkManager, sequence);
 }
 
 StatusInfo IOImplementation::ReadWord(IOType type, unsigned short group, unsigned short& value) {
@@ -123,9 +117,9 @@ StatusInfo IOImplementation::WriteBit(unsigned int address, bool value) {
     }
     StatusInfo status;
     switch (CheckAddressWriteable(address, status, true)) {
-    case WriteRoad::Extended:
+    case WriteCommand::OneSignal:
         return UAPIWriteIO(static_cast<int>(address), value ? 1 : 0);
-    case WriteRoad::Older: {
+    case WriteCommand::Group: {
         // Read, change, write: another client's change between the two exchanges is lost.
         std::bitset<8> byte = ReadIO(address - address % 10, status);
         if (status.StatusCode != 0) {
@@ -159,10 +153,10 @@ StatusInfo IOImplementation::WriteByte(IOType type, unsigned short group, std::b
 StatusInfo IOImplementation::WriteByte(unsigned int address, std::bitset<8>& value) {
     StatusInfo status;
     switch (CheckAddressWriteable(address, status, false)) {
-    case WriteRoad::Extended:
+    case WriteCommand::OneSignal:
         UAPIWriteMultiBit<8>(address / 10, value, status);
         return status;
-    case WriteRoad::Older:
+    case WriteCommand::Group:
         return WriteIO(static_cast<std::uint16_t>(address / 10), value);
     default:
         return status;
@@ -195,10 +189,10 @@ StatusInfo IOImplementation::WriteWord(unsigned int address, std::bitset<16>& va
     StatusInfo status;
     auto const group = static_cast<std::uint16_t>(address / 10);
     switch (CheckAddressWriteable(address, status, false)) {
-    case WriteRoad::Extended:
+    case WriteCommand::OneSignal:
         UAPIWriteMultiBit<16>(address / 10, value, status);
         return status;
-    case WriteRoad::Older:
+    case WriteCommand::Group:
         status = WriteIO(group, GetByteFromWord(value, lowByte));
         if (status.StatusCode != 0) {
             return status;

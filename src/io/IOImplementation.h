@@ -9,10 +9,10 @@
 
 namespace harvlink {
 
-/// How a write goes to the controller.
-enum class WriteRoad : std::uint8_t {
-    Extended = 0, ///< UAPIWriteIO, one signal at a time
-    Older = 1, ///< IOData, a byte at a time
+/// By which command a write goes to the controller.
+enum class WriteCommand : std::uint8_t {
+    OneSignal = 0, ///< UAPIWriteIO, from `VersionYA` up
+    Group = 1, ///< IOData, eight signals at a time
     Refused = 2,
 };
 
@@ -57,7 +57,7 @@ public:
     bool IsGroupValid(IOType type, IOSelection selection, unsigned short group) const;
     bool IsAddressValid(unsigned int address, bool& isNetworkInput, bool& isInterfacePanel,
                         bool& isGeneralOutput) const;
-    WriteRoad CheckAddressWriteable(unsigned int address, StatusInfo& status, bool isBitAddress) const;
+    WriteCommand CheckAddressWriteable(unsigned int address, StatusInfo& status, bool isBitAddress) const;
 
     /// The one read of a group.
     std::bitset<8> ReadIO(unsigned int address, StatusInfo& status);
@@ -80,10 +80,6 @@ public:
 
 private:
     AddressRange const& Range(IOType type) const { return ranges[static_cast<std::size_t>(type)]; }
-    template <typename Payload>
-    StatusInfo SendWrite(Payload const& payload, unsigned short instance, CommandNumber command, FixedField field,
-                         unsigned char service);
-    StatusInfo ReadRegisterValue(unsigned short index, unsigned short& value);
     template <typename Value>
     StatusInfo WriteRegisterValue(unsigned short index, Value value);
 

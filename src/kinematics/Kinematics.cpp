@@ -1,5 +1,6 @@
 #include "kinematics/Kinematics.h"
 
+#include "kinematics/ConversionRequests.h"
 #include "position/AxisScaling.h"
 #include "status/ErrorTables.h"
 #include "status/GetStatusInfo.h"
@@ -16,6 +17,21 @@ StatusInfo TooOld() {
 }
 
 } // namespace
+
+StatusInfo KinematicTypeRequest::Decode(StatusInfo status, ReplyTo<SystemParameterRequest> const& reply,
+                                        KinematicType& type) {
+    switch (reply.payload) {
+    case 0:
+        type = KinematicType::KinematicFigure;
+        break;
+    case 1:
+        type = KinematicType::Delta;
+        break;
+    default:
+        type = KinematicType::KinematicFromSystem;
+    }
+    return status;
+}
 
 KinematicsInterface* KinematicsPtr(NetworkManager* networkManager) {
     return new Kinematics(networkManager);
@@ -90,13 +106,7 @@ StatusInfo Kinematics::ConvertPositionFromCartesian(ControlGroupId group, Positi
 
 StatusInfo Kinematics::DoConversionSimple(ControlGroupId group, UAPIPositionData const& in, UAPIPositionData& out,
                                           CommandNumber command) {
-    StatusInfo status;
-    auto const reply = networkManager->RecordRequest<UAPIPositionData>(
-        ConversionMsg{GroupAddress(group), in}, 0, command, status, FixedField::WholeRecord, ServiceReadAll);
-    if (status.StatusCode == 0) {
-        out = reply.payload;
-    }
-    return status;
+    return CarryOut(*networkManager, SimpleConversionRequest{command, {GroupAddress(group), in}}, out);
 }
 
 StatusInfo Kinematics::DoConversionPulseToCartesianPos(ControlGroupId group, UAPIPositionData const& in,
@@ -117,27 +127,15 @@ StatusInfo Kinematics::DoConversionCartesianPosToJointAngle(
         // In the controller's unit already, unlike every other position: truncated, without a factor.
         message.previousAngles = PulseScaling.ToWire(*previousAngles);
     }
-    auto const reply = networkManager->RecordRequest<UAPIPositionData>(
-        message, 0, CommandNumber::ConvertCartesianToJointAngle, status, FixedField::WholeRecord, ServiceReadAll);
-    if (status.StatusCode == 0) {
-        out = reply.payload;
-    }
+    status = CarryOut(*networkManager, CartesianConversionRequest{CommandNumber::ConvertCartesianToJointAngle, message},
+                      out);
     return status;
 }
 
 KinematicType Kinematics::GetKinematicType() {
-    StatusInfo ignored;
-    auto const reply =
-        networkManager->RecordRequest<std::int32_t>(kinematicTypeParameter, 0, CommandNumber::SystemParameterRead,
-                                                    ignored, FixedField::WholeRecord, ServiceReadAll);
-    switch (reply.payload) {
-    case 0:
-        return KinematicType::KinematicFigure;
-    case 1:
-        return KinematicType::Delta;
-    default:
-        return KinematicType::KinematicFromSystem;
-    }
+    KinematicType type{};
+    CarryOut(*networkManager, KinematicTypeRequest{}, type);
+    return type;
 }
 
 StatusInfo Kinematics::CheckInputCartPosParams(std::optional<KinematicType> type, bool previousAngleGiven) {

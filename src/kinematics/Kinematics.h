@@ -5,7 +5,6 @@
 #include "harvlink/KinematicsInterface.h"
 #include "kinematics/KinematicsMessages.h"
 #include "wire/NetworkManager.h"
-#include "wire/SystemParameterMessage.h"
 
 namespace harvlink {
 
@@ -43,7 +42,6 @@ private:
                        UAPIPositionData& out);
     bool IsTooOld() const;
 
-    static constexpr SytemParamMsgOut kinematicTypeParameter{.type = 1, .group = 1, .number = 430};
     NetworkManager* networkManager;
 };
 

@@ -1,19 +1,15 @@
 #include "motion/MotionManager.h"
 
-#include <algorithm>
 #include <chrono>
 
+#include "motion/MotionRequests.h"
 #include "wire/HelperFunction.h"
-#include "wire/SystemParameterMessage.h"
 
 namespace harvlink {
 namespace {
 
 constexpr int groupDoesNotExist = 65504;
 constexpr int bufferFull = -49934480; // "Timeout" of the motion table, folded
-
-constexpr std::uint32_t motionSlotParameterType = 11;
-constexpr std::array motionSlotParameters{33, 34, 35, 36};
 
 StatusInfo TooOld() {
     return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
@@ -22,14 +18,6 @@ StatusInfo TooOld() {
 StatusInfo InvalidGroupOfTarget(std::string_view ordinal) {
     return StatusInformation(InvalidControlGroup,
                              "Invalid control group id for the " + std::string(ordinal) + " target submitted.");
-}
-
-/// The controller counts robots, bases and stations on without gaps.
-ControlGroupId GroupOfContinuousNumber(std::int32_t number) {
-    if (number < 9) {
-        return static_cast<ControlGroupId>(number);
-    }
-    return static_cast<ControlGroupId>(static_cast<std::uint32_t>(number) + (number <= 16 ? 2U : 4U));
 }
 
 } // namespace
@@ -49,22 +37,14 @@ bool MotionManager::IsSupported() const {
 }
 
 StatusInfo MotionManager::GetCtrlGroupIds(int parameterNumber, ControlGroupId& id) {
-    id = {};
-    SytemParamMsgOut request{motionSlotParameterType, 0, static_cast<std::uint32_t>(parameterNumber)};
-    StatusInfo status;
-    auto const reply = SendMotionCommand<SytemParamMsgOut, std::int32_t>(request, CommandNumber::SystemParameterRead,
-                                                                         status, ServiceReadAll);
-    if (status.StatusCode == 0) {
-        id = GroupOfContinuousNumber(reply.payload);
-    }
-    return status;
+    return CarryOut(*networkManager, MotionSlotRequest(parameterNumber), id);
 }
 
 StatusInfo MotionManager::MakeCtrlGroupNumberMap() {
     StatusInfo status;
     for (std::size_t slot = 0; slot < MotionSlots; ++slot) {
         ControlGroupId id{};
-        status = GetCtrlGroupIds(motionSlotParameters[slot], id);
+        status = GetCtrlGroupIds(MotionSlotParameters[slot], id);
         if (status.StatusCode != 0 || id <= ControlGroupId{}) {
             break;
         }
@@ -114,17 +94,14 @@ StatusInfo MotionManager::AddTargets(MotionStep& step, Motion const& first,
 
 StatusInfo MotionManager::SendTarget(MotionStep const& step) {
     StatusInfo status = StatusInformation(ErrorStatusCodes::Ok);
-    std::int32_t const id = targetId;
-    targetId = id > maximumTargetId ? 0 : id + 1;
-
     if (!SetTargetProfile(step, status)) {
         return status;
     }
-    MotionTargetSend const message{static_cast<std::uint32_t>(step.groups.to_ulong()), step.targets};
-    status = SendFolded(message, CommandNumber::MotionSendTarget);
+    SendTargetRequest const request{{static_cast<std::uint32_t>(step.groups.to_ulong()), step.targets}};
+    status = CarryOut(*networkManager, request);
     while (status.StatusCode == bufferFull) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        status = SendFolded(message, CommandNumber::MotionSendTarget);
+        status = CarryOut(*networkManager, request);
     }
     return status;
 }
@@ -133,7 +110,7 @@ StatusInfo MotionManager::MotionStart() {
     if (!IsSupported()) {
         return TooOld();
     }
-    StatusInfo status = SendFolded(std::int32_t{0}, CommandNumber::MotionStart);
+    StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
     if (status.StatusCode == 0) {
         StartMonitorTrajectoryThread();
     }
@@ -144,7 +121,7 @@ StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
     if (!IsSupported()) {
         return TooOld();
     }
-    StatusInfo status = SendFolded(std::int32_t{0}, CommandNumber::MotionStop);
+    StatusInfo status = CarryOut(*networkManager, MotionStopRequest{});
     if (status.StatusCode == 0 && clearTrajectory) {
         ClearAllTrajectory();
     }
@@ -170,7 +147,7 @@ bool MotionManager::ClearTrajectory(TargetControlGroup group, StatusInfo& status
 }
 
 StatusInfo MotionManager::SendClear(std::int32_t group) {
-    return SendFolded(MotionClearGroupTargets{group}, CommandNumber::MotionClearTargets);
+    return CarryOut(*networkManager, ClearTargetsRequest{{group}});
 }
 
 double MotionManager::GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) {
@@ -178,23 +155,18 @@ double MotionManager::GetMotionTargetProgress(ControlGroupId group, StatusInfo& 
         status = TooOld();
         return 0.0;
     }
-    TargetControlGroup slot = groupNumberMap.GetGroup(group);
+    TargetControlGroup const slot = groupNumberMap.GetGroup(group);
     if (slot == TargetControlGroup::GroupNotFound) {
         status = StatusInformation(groupDoesNotExist, "Group does not exist.");
         return 0.0;
     }
-    auto const reply = SendMotionCommand<TargetControlGroup, double>(slot, CommandNumber::MotionTargetProgress, status,
-                                                                     ServiceReadAll);
-    FoldMotionStatus(status);
-    return status.StatusCode == 0 ? reply.payload : 0.0;
+    double progress = 0.0;
+    status = CarryOut(*networkManager, TargetProgressRequest{slot}, progress);
+    return progress;
 }
 
 StatusInfo MotionManager::SetAlarm(std::string const& text, unsigned char subCode) {
-    SetAlarmMsg message{.subCode = subCode};
-    std::copy_n(text.begin(), std::min(text.size(), message.text.size() - 1), message.text.begin());
-    StatusInfo status;
-    SendMotionCommand<SetAlarmMsg, std::uint32_t>(message, CommandNumber::SetAlarm, status, ServiceWriteAll);
-    return status;
+    return CarryOut(*networkManager, SetAlarmRequest(text, subCode));
 }
 
 } // namespace harvlink

@@ -1,18 +1,16 @@
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <cstdint>
-#include <limits>
 #include <mutex>
 #include <optional>
 #include <stop_token>
 #include <string>
 #include <thread>
+#include <type_traits>
 
 #include "harvlink/MotionManagerInterface.h"
 #include "motion/GroupNumberMap.h"
-#include "motion/MotionFolding.h"
 #include "motion/MotionMessages.h"
 #include "motion/MotionStep.h"
 #include "motion/TrajectoryQueue.h"
@@ -42,7 +40,13 @@ public:
     template <typename In, typename Out>
     IncomingPacket<Out> SendMotionCommand(In& payload, CommandNumber command, StatusInfo& status,
                                           unsigned char service) {
-        return networkManager->RecordRequest<Out>(payload, 0, command, status, FixedField::WholeRecord, service);
+        IncomingPacket<Out> incoming;
+        OutgoingPacket<std::remove_const_t<In>> outgoing;
+        outgoing.header.payloadSize = sizeof(In);
+        outgoing.subHeader = {command, 0, FixedField::WholeRecord, service};
+        outgoing.payload = payload;
+        status = networkManager->SendAndReceive(outgoing, incoming, std::nullopt, true);
+        return incoming;
     }
 
     /// Sends the settings that changed, then the target, and the target again every millisecond while the controller has
@@ -89,13 +93,6 @@ public:
 private:
     bool IsSupported() const;
     StatusInfo AddTargets(MotionStep& step, Motion const& first, std::array<std::optional<Motion>, 3> const& others);
-    template <typename Message>
-    StatusInfo SendFolded(Message const& message, CommandNumber command) {
-        StatusInfo status;
-        SendMotionCommand<Message const, std::uint8_t>(message, command, status, ServiceWriteAll);
-        FoldMotionStatus(status);
-        return status;
-    }
     StatusInfo SendClear(std::int32_t group);
     TargetProfile& Cached(TargetControlGroup group);
     void MonitorTrajectory(std::stop_token const& stop);
@@ -103,8 +100,6 @@ private:
     void HandleFailedStep(StatusInfo status);
 
     NetworkManager* networkManager;
-    static constexpr std::int32_t maximumTargetId = std::numeric_limits<std::int32_t>::max() - 1;
-    std::atomic<std::int32_t> targetId = 0;
     std::array<TargetProfile, MotionSlots> cachedProfiles;
     TrajectoryQueue trajectory;
     RankedMutex<LockRank::MotionQueue> trajectoryMutex;

@@ -1,4 +1,5 @@
 #include "motion/MotionManager.h"
+#include "motion/MotionRequests.h"
 #include "position/FigureBits.h"
 #include "wire/HelperFunction.h"
 #include "wire/WireInteger.h"
@@ -22,6 +23,12 @@ bool IsRatioInRange(double ratio) {
 SpeedStruct WireSpeed(double speed, MoveInterpolationType type) {
     return type == MoveInterpolationType::Joint ? SpeedStruct{.jointSpeed = TruncateToInt32(speed * 100.0)}
                                                 : SpeedStruct{.linearSpeed = TruncateToInt32(speed * 10.0)};
+}
+
+SetCoordRequest CoordRequest(TargetControlGroup group, CoordinateType type, int userCoordinateNumber) {
+    UAPICoordType const wireType = UAPIUtils::CoordinateTypeToUAPICoordType(type);
+    bool const isUser = wireType == UAPICoordType::UAPIUser;
+    return {{group, wireType, isUser ? userCoordinateNumber : 0}};
 }
 
 } // namespace
@@ -54,11 +61,11 @@ bool MotionManager::SetTargetProfile(MotionStep const& step, StatusInfo& status)
 
 bool MotionManager::SetTargetCoords(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
     TargetProfile& cached = Cached(group);
-    // A user coordinate number that alone changes is not told, on purpose.
+    // A user coordinate number that alone changes is not sent, on purpose.
     if (profile.coordinateType == cached.coordinateType) {
         return true;
     }
-    status = SetCoord(group, profile.coordinateType, profile.userCoordinateNumber);
+    status = CarryOut(*networkManager, CoordRequest(group, profile.coordinateType, profile.userCoordinateNumber));
     if (status.StatusCode != 0) {
         return false;
     }
@@ -73,7 +80,7 @@ bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGr
     if (profile.speed == cached.speed) {
         return true;
     }
-    status = SetSpeed(group, WireSpeed(profile.speed, type));
+    status = CarryOut(*networkManager, SetSpeedRequest{{group, WireSpeed(profile.speed, type)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -84,7 +91,7 @@ bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGr
 bool MotionManager::SetTargetConfig(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
     TargetProfile& cached = Cached(group);
     if (!IsSameConfiguration(profile.figure, cached.figure)) {
-        status = SetConfig(group, profile.figure);
+        status = CarryOut(*networkManager, SetConfigRequest{{group, FigureWord(profile.figure)}});
         if (status.StatusCode != 0) {
             return false;
         }
@@ -98,7 +105,7 @@ bool MotionManager::SetTargetTool(TargetProfile const& profile, TargetControlGro
     if (profile.toolNumber == cached.toolNumber) {
         return true;
     }
-    status = SetTool(group, profile.toolNumber);
+    status = CarryOut(*networkManager, SetToolRequest{{group, profile.toolNumber}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -117,7 +124,7 @@ bool MotionManager::SetTargetAccelRatio(TargetProfile const& profile, TargetCont
                                    "Acceleration ratio out of range. Valid ranges are 20.0%-100.00%.");
         return false;
     }
-    status = SetAccelRatio(group, HelperFunction::ConvertDoubleToInt32(ratio));
+    status = CarryOut(*networkManager, SetAccelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -136,7 +143,7 @@ bool MotionManager::SetTargetDecelRatio(TargetProfile const& profile, TargetCont
                                    "Deceleration ratio out of range. Valid ranges are 20.00%-100.00%.");
         return false;
     }
-    status = SetDecelRatio(group, HelperFunction::ConvertDoubleToInt32(ratio));
+    status = CarryOut(*networkManager, SetDecelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -145,30 +152,27 @@ bool MotionManager::SetTargetDecelRatio(TargetProfile const& profile, TargetCont
 }
 
 StatusInfo MotionManager::SetCoord(TargetControlGroup group, CoordinateType type, int userCoordinateNumber) {
-    UAPICoordType const wireType = UAPIUtils::CoordinateTypeToUAPICoordType(type);
-    bool const isUser = wireType == UAPICoordType::UAPIUser;
-    return SendFolded(harvlink::MotionSetCoord{group, wireType, isUser ? userCoordinateNumber : 0},
-                      CommandNumber::MotionSetCoord);
+    return CarryOut(*networkManager, CoordRequest(group, type, userCoordinateNumber));
 }
 
 StatusInfo MotionManager::SetSpeed(TargetControlGroup group, SpeedStruct speed) {
-    return SendFolded(SetSpeedMsg{group, speed}, CommandNumber::MotionSetSpeed);
+    return CarryOut(*networkManager, SetSpeedRequest{{group, speed}});
 }
 
 StatusInfo MotionManager::SetConfig(TargetControlGroup group, Figure const& figure) {
-    return SendFolded(RobotConfigMsg{group, FigureWord(figure)}, CommandNumber::MotionSetConfig);
+    return CarryOut(*networkManager, SetConfigRequest{{group, FigureWord(figure)}});
 }
 
 StatusInfo MotionManager::SetTool(TargetControlGroup group, int toolNumber) {
-    return SendFolded(SetToolMsg{group, toolNumber}, CommandNumber::MotionSetTool);
+    return CarryOut(*networkManager, SetToolRequest{{group, toolNumber}});
 }
 
 StatusInfo MotionManager::SetAccelRatio(TargetControlGroup group, int ratio) {
-    return SendFolded(SetAccelRatioMsg{group, ratio}, CommandNumber::MotionSetAccelRatio);
+    return CarryOut(*networkManager, SetAccelRatioRequest{{group, ratio}});
 }
 
 StatusInfo MotionManager::SetDecelRatio(TargetControlGroup group, int ratio) {
-    return SendFolded(SetDecelRatioMsg{group, ratio}, CommandNumber::MotionSetDecelRatio);
+    return CarryOut(*networkManager, SetDecelRatioRequest{{group, ratio}});
 }
 
 } // namespace harvlink

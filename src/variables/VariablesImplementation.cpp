@@ -1,8 +1,6 @@
 #include "variables/VariablesImplementation.h"
 
-#include "variables/PositionVariableImplementations.h"
-#include "variables/ScalarVariableImplementation.h"
-#include "variables/StringVariableImplementation.h"
+#include "variables/VariableImplementation.h"
 
 namespace harvlink {
 

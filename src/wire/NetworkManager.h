@@ -63,19 +63,6 @@ public:
         return incoming;
     }
 
-    /// A request with a payload of fixed size. Returns the reply whatever the status, which goes to `status`.
-    template <typename In, typename Out>
-    IncomingPacket<In> RecordRequest(Out const& payload, unsigned short instance, CommandNumber command,
-                                     StatusInfo& status, FixedField attribute, unsigned char service) {
-        IncomingPacket<In> incoming;
-        OutgoingPacket<Out> outgoing;
-        outgoing.header.payloadSize = sizeof(Out);
-        outgoing.subHeader = {command, instance, attribute, service};
-        outgoing.payload = payload;
-        status = SendAndReceive(outgoing, incoming, std::nullopt, true);
-        return incoming;
-    }
-
     /// The status that a reply reports: its added status, or its status byte if that is 0.
     StatusInfo CheckHeader(SubHeaderForReceiving const& subHeader) const;
 

@@ -25,7 +25,8 @@ concept Request = requires(T const& request) {
     { request.service } -> std::convertible_to<Service>;
 };
 
-template <Request R>
+/// Not constrained: requests name it while they are not complete yet.
+template <typename R>
 using ReplyTo = IncomingPacket<typename R::Reply>;
 
 /// A request whose reply is turned into an `Out`. Its `Decode` gets the status of the exchange and the reply, whatever the

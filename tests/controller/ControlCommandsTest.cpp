@@ -100,27 +100,5 @@ TEST_F(ControlCommands, SwitchesAreOnePlainRequest) {
     }
 }
 
-TEST_F(ControlCommands, PendantTextIsCut) {
-    std::string const text = "0123456789abcdefghijklmnopqrstuvwxyzABCD";
-    struct {
-        std::string text;
-        std::size_t sent;
-    } const cases[] = {
-        {text.substr(0, 29), 29},
-        {text.substr(0, 30), 30},
-        {text.substr(0, 31), 30},
-        {text, 30},
-        {"", 0},
-        {text + std::string(65536 + 4 - 40, 'x'), 4}, // only the low 16 bits of the length count
-        {text + std::string(65536 - 40, 'x'), 0},
-    };
-    for (auto const& [shown, sent] : cases) {
-        controller.Expect(Command(133, 1, Text(text.substr(0, sent))));
-        StatusInfo const status = commands.DisplayStringToPendant(shown);
-        EXPECT_EQ(status.StatusCode, 0);
-        EXPECT_EQ(status.Message, "OK");
-    }
-}
-
 } // namespace
 } // namespace harvlink::test

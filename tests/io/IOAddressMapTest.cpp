@@ -113,12 +113,12 @@ TEST_F(IOAddressMap, EveryClassOfEveryGeneration) {
 TEST_F(IOAddressMap, EdgesOfTheTables) {
     IOImplementation io = Of(VersionYA);
     StatusInfo status;
-    EXPECT_EQ(io.CheckAddressWriteable(27013, status, true), WriteRoad::Older);
-    EXPECT_EQ(io.CheckAddressWriteable(27013, status, false), WriteRoad::Refused);
+    EXPECT_EQ(io.CheckAddressWriteable(27013, status, true), WriteCommand::Group);
+    EXPECT_EQ(io.CheckAddressWriteable(27013, status, false), WriteCommand::Refused);
     EXPECT_EQ(status.Message, "The address is invalid.");
-    EXPECT_EQ(io.CheckAddressWriteable(12, status, true), WriteRoad::Refused);
+    EXPECT_EQ(io.CheckAddressWriteable(12, status, true), WriteCommand::Refused);
     EXPECT_EQ(status.Message, "This IO address cannot be written to.");
-    EXPECT_EQ(io.CheckAddressWriteable(60010, status, false), WriteRoad::Extended);
+    EXPECT_EQ(io.CheckAddressWriteable(60010, status, false), WriteCommand::OneSignal);
     EXPECT_EQ(status.StatusCode, 0);
 
     bool network = true, panel = true, output = true;
@@ -139,9 +139,9 @@ TEST_F(IOAddressMap, EdgesOfTheTables) {
         EXPECT_EQ(status.Message, "This IO group is invalid.");
     }
     manager->controllerVersion = VersionDS; // the ranges follow when told to
-    EXPECT_EQ(io.CheckAddressWriteable(25010, status, true), WriteRoad::Refused);
+    EXPECT_EQ(io.CheckAddressWriteable(25010, status, true), WriteCommand::Refused);
     io.SetMinMaxVals();
-    EXPECT_EQ(io.CheckAddressWriteable(25010, status, true), WriteRoad::Older);
+    EXPECT_EQ(io.CheckAddressWriteable(25010, status, true), WriteCommand::Group);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 
 #include "support/ScriptedController.h"
 #include "wire/AllocationCount.h"
+#include "wire/Request.h"
 
 namespace harvlink::test {
 namespace {
@@ -34,15 +35,19 @@ struct RegisterRead {
 
 Bytes const registerRequest = RobotRequest(121, 5, 1, 14);
 
+struct TwoWords {
+    using Reply = std::uint32_t;
+    static constexpr CommandNumber command = CommandNumber::SystemParameterRead;
+    static constexpr Service service = Service::WriteAll;
+    static constexpr std::uint16_t instance = 0xfedc;
+    std::array<std::int32_t, 2> payload{4, -22};
+};
+
 std::string NoResponse(unsigned retries) {
     return "No response from controller after " + std::to_string(retries) + " retries.";
 }
 
 TEST(Exchange, RequestsAreExactToTheByte) {
-    struct Twelve {
-        std::uint32_t a = 0x01020304;
-        std::uint64_t b = 0;
-    };
     ScriptedController controller;
     auto const manager = controller.Connect();
     StatusInfo status;
@@ -51,8 +56,7 @@ TEST(Exchange, RequestsAreExactToTheByte) {
     manager->SimpleRequest<std::uint64_t>(1, CommandNumber::StatusRead, status, FixedField::WholeRecord,
                                           ServiceReadAll);
     controller.Expect(RobotRequest(924, 0xfedc, 0, 2, Words({4, -22})));
-    manager->RecordRequest<std::uint32_t>(std::array<std::int32_t, 2>{4, -22}, 0xfedc,
-                                          CommandNumber::SystemParameterRead, status, FixedField::WholeRecord, 2);
+    CarryOut(*manager, TwoWords{});
 
     OutgoingPacket<std::array<char, FileBlockSize>> block;
     block.header.division = Division::FileControl;

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "controller/ControlGroupMessages.h"
+#include "harvlink/ControllerVersion.h"
+#include "harvlink/PositionData.h"
+#include "wire/Request.h"
+
+namespace harvlink {
+
+/// Which of the two requests reads a position: pulses, and everything below `VersionYA`, come with RobotPositionRequest.
+bool IsReadByRobotPosition(CoordinateType type, ControllerVersion version);
+
+/// A type that the request that reads the position does not serve.
+StatusInfo InvalidPositionType();
+
+/// Pulses or base coordinates with the active tool; every controller understands it.
+struct RobotPositionRequest {
+    using Reply = RobotPositionMsg;
+    static constexpr CommandNumber command = CommandNumber::RobotPositionRead;
+    static constexpr Service service = Service::ReadAll;
+    std::uint16_t instance;
+
+    /// The type must be one that Serves takes.
+    RobotPositionRequest(ControlGroupId group, CoordinateType type);
+    static bool Serves(CoordinateType type);
+
+    /// What a refusal carries is converted too.
+    static StatusInfo Decode(StatusInfo status, ReplyTo<RobotPositionRequest> const& reply, PositionData& position);
+};
+
+/// Base, robot or user coordinates with any tool, from `VersionYA` up.
+struct ExtendedPositionRequest {
+    using Reply = UAPIGetPositionRecvData;
+    static constexpr CommandNumber command = CommandNumber::UAPIPositionRead;
+    static constexpr Service service = Service::ReadAll;
+    static constexpr std::uint16_t instance = 0;
+    UAPIGetPositionSendData payload;
+
+    ExtendedPositionRequest(ControlGroupId group, CoordinateType type, std::uint16_t userCoordinateNumber,
+                            std::uint16_t toolNumber);
+
+    static StatusInfo Decode(StatusInfo status, ReplyTo<ExtendedPositionRequest> const& reply, PositionData& position);
+};
+
+/// The last step of either read: a refusal gets the control group table's text, the user coordinate number counts from 1,
+/// and a group of fewer than eight axes has no eighth.
+StatusInfo FinishPosition(StatusInfo status, CoordinateType type, std::uint32_t numberOfAxes, PositionData& position);
+
+} // namespace harvlink
