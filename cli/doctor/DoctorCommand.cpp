@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -12,6 +13,7 @@
 
 #include "cli/doctor/Diagnosis.h"
 #include "cli/doctor/ReportText.h"
+#include "cli/output/Progress.h"
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
 #include "cli/program/Interrupt.h"
@@ -128,20 +130,13 @@ void CheckAddress(std::string const& host) {
 
 int Run(Output& output, Expectation const& expected, unsigned probes) {
     Interrupt const interrupt;
-    bool const isShown = output.Interactive();
-    auto const progress = [&](unsigned done) {
-        if (isShown) {
-            output.console().err << fmt::format("\r\x1b[Kprobe {} of {}", done + 1, probes) << std::flush;
-        }
+    std::optional<Progress> progress(std::in_place, output, "Asking " + expected.host);
+    auto const goesOn = [&](unsigned done) {
+        progress->Count("Probe", done + 1, probes);
         return !interrupt.Wait(std::chrono::milliseconds(0));
     };
-    if (isShown) {
-        output.console().err << "asking " << expected.host << std::flush;
-    }
-    ControllerReport const report = Examine(expected.host, expected.timeout, probes, progress);
-    if (isShown) {
-        output.console().err << "\r\x1b[K" << std::flush;
-    }
+    ControllerReport const report = Examine(expected.host, expected.timeout, probes, goesOn);
+    progress.reset();
     return Show(output, report, expected);
 }
 
@@ -158,7 +153,7 @@ void AddDoctorCommand(CLI::App& app, Session& session) {
     SetExamples(*verb, {"doctor 192.168.255.1", "doctor --probes 1000 --timeout 100 --json"}, DoctorHelp);
     verb->callback([arguments, &session] {
         session.Locally([arguments, &session](Output& output) {
-            Settings::Connection const settings = session.settings().ForConnection();
+            Settings const& settings = session.settings();
             Expectation expected{settings.host, std::chrono::milliseconds(settings.timeoutMilliseconds),
                                  settings.generation};
             if (!arguments->host.empty()) {

@@ -14,14 +14,13 @@ namespace {
 
 int ShowSettings(Settings const& settings, Output& output) {
     Json rows = Json::array();
-    for (Settings::Effective const& setting : settings.Resolve()) {
+    for (Settings::Entry const& setting : settings.entries) {
         Json const value = setting.value.empty() ? Json() : Json(setting.value);
         rows.push_back({{"setting", setting.name}, {"value", value}, {"source", setting.source}});
     }
     std::error_code error;
-    output.Show(Json{{"file", settings.File()},
-                     {"file_exists", std::filesystem::exists(settings.File(), error)},
-                     {"settings", rows}});
+    output.Show(Json{
+        {"file", settings.file}, {"file_exists", std::filesystem::exists(settings.file, error)}, {"settings", rows}});
     return ExitStatus::Success;
 }
 

@@ -35,7 +35,7 @@ void CheckGeneration(QuorvanController& robot, std::string const& wanted) {
 } // namespace
 
 void Session::AddOptions(CLI::App& app) {
-    settings_.AddOptions(app);
+    options_.Add(app);
     app.add_flag("--json", output_.json, "Print JSON for programs instead of tables for people");
     app.add_flag("-y,--yes", confirmed_, "Do not ask before the machine moves or its power changes");
 }
@@ -55,8 +55,15 @@ void Session::OnConnectionConfirmed(std::string const& consequence, ConnectedPla
     };
 }
 
-void Session::CheckHost() const {
-    if (host().empty()) {
+Settings const& Session::settings() {
+    if (!settings_) {
+        settings_ = options_.Resolve();
+    }
+    return *settings_;
+}
+
+void Session::CheckHost() {
+    if (settings().host.empty()) {
         throw InputError("which controller? Give --host, set HARVLINK_HOST or write host into the configuration file");
     }
 }
@@ -81,9 +88,9 @@ int Session::Confirm(std::string const& consequence) {
     return ExitStatus::Failure;
 }
 
-Connection Session::Open(StatusInfo& status) const {
+Connection Session::Open(StatusInfo& status) {
     CheckHost();
-    Settings::Connection const wanted = settings_.ForConnection();
+    Settings const& wanted = settings();
     Connection connection = Connect(wanted.host, status, wanted.timeoutMilliseconds, wanted.retries, logging_);
     if (connection && !wanted.generation.empty()) {
         CheckGeneration(*connection, wanted.generation);

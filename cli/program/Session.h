@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "cli/output/Output.h"
@@ -41,14 +42,14 @@ public:
 
     /// Opens a connection as the options say, for plans that end by an exit status of their own. Empty on failure. Throws
     /// InputError if no host is given.
-    Connection Open(StatusInfo& status) const;
+    Connection Open(StatusInfo& status);
 
     /// Throws InputError if no host is given.
-    void CheckHost() const;
+    void CheckHost();
 
-    std::string host() const { return settings_.ForConnection().host; }
-
-    Settings const& settings() const { return settings_; }
+    /// The settings of this command. They are resolved by the first call, so that a command which needs none is not
+    /// stopped by a bad configuration file; throws InputError then.
+    Settings const& settings();
 
     /// Lets the library write motion failures that have no caller to its log file. What it wrote is shown, with the
     /// place.
@@ -65,7 +66,8 @@ private:
 
     Output& output_;
     LocalPlan plan_;
-    Settings settings_;
+    SettingsOptions options_;
+    std::optional<Settings> settings_;
     bool confirmed_ = false;
     bool logging_ = false;
 };

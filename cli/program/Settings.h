@@ -1,10 +1,10 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
-#include <optional>
 #include <string>
-#include <vector>
+
+#include "cli/output/Words.h"
+#include "words/settings/SettingsFile.h"
 
 namespace CLI {
 class App;
@@ -13,49 +13,40 @@ class Option;
 
 namespace harvlink::cli {
 
-/// What a user would otherwise repeat with every command. Each setting comes from its option, else from its environment
-/// variable, else from the configuration file, else it is built in.
-class Settings {
-public:
-    static constexpr std::size_t Count = 4;
-
-    /// One setting as it counts, and where it came from: "--host", "HARVLINK_HOST", "/.../config.toml:3" or "built-in".
-    struct Effective {
+/// The settings of one command: what a user would otherwise repeat with every command.
+struct Settings {
+    /// One setting as it applies, and where it came from: "--host", "HARVLINK_HOST", "/.../config.toml:3" or "built-in".
+    struct Entry {
         std::string name;
         std::string value; ///< empty: none
         std::string source;
     };
 
-    struct Connection {
-        std::string host; ///< empty: none was named
-        unsigned timeoutMilliseconds = 0;
-        unsigned retries = 0;
-        std::string generation; ///< the only one to talk to; empty: any
-    };
+    std::string file; ///< that is read if it exists; empty if there is no place for one
+    std::array<Entry, SettingCount> entries{}; ///< in the order in which the help names them
 
-    void AddOptions(CLI::App& app);
+    std::string host{}; ///< empty: none was named
+    unsigned timeoutMilliseconds = 0;
+    unsigned retries = 0;
+    std::string generation{}; ///< the only one to talk to; empty: any
+};
 
-    /// In the order in which the help names them. Throws InputError that names the source of a bad value.
-    std::vector<Effective> Resolve() const;
+/// The options from which settings come. Each setting comes from its option, else from its environment variable, else from
+/// the configuration file, else it is built in.
+class SettingsOptions {
+public:
+    void Add(CLI::App& app);
 
-    /// The same values, for use.
-    Connection ForConnection() const;
-
-    /// The configuration file that is read if it exists; one that the user named must exist. Empty if there is no place
-    /// for it.
-    std::string File() const;
+    /// Reads the environment and the file. Throws InputError that names the source of a bad value.
+    Settings Resolve() const;
 
 private:
-    struct FileValue {
-        std::string text;
-        std::string source;
-    };
-    using FileValues = std::array<std::optional<FileValue>, Count>;
+    std::string File() const;
+    SettingValues ReadFile() const;
+    Settings::Entry ResolveEntry(std::size_t index, SettingValues const& file) const;
 
-    FileValues ReadFile() const;
-
-    std::array<CLI::Option const*, Count> options_{};
-    std::array<std::string, Count> given_;
+    std::array<CLI::Option const*, SettingCount> options_{};
+    std::array<std::string, SettingCount> given_;
     std::string namedFile_;
 };
 

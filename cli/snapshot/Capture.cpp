@@ -64,7 +64,7 @@ void ReadSection(Source& source, Snapshot& snapshot, SectionReader const& reader
 Snapshot Capture(QuorvanController& robot, std::string const& host, Selection const& selection, Output& output,
                  std::filesystem::path const& scratch) {
     Interrupt const interrupt;
-    Progress progress(output);
+    Progress progress(output, "Reading " + host);
     Source source(robot, progress, interrupt);
     Snapshot snapshot{.host = host,
                       .created = fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time(nullptr))),

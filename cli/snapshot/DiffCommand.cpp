@@ -99,7 +99,7 @@ void ShowNotes(Output& output, Difference const& difference) {
     }
 }
 
-bool ReadLive(Session const& session, Output& output, Selection const& selection, Snapshot& snapshot) {
+bool ReadLive(Session& session, Output& output, Selection const& selection, Snapshot& snapshot) {
     StatusInfo status;
     Connection const connection = session.Open(status);
     if (!connection) {
@@ -107,14 +107,14 @@ bool ReadLive(Session const& session, Output& output, Selection const& selection
         return false;
     }
     ScratchFolder const scratch(filesystem::temp_directory_path());
-    snapshot = Capture(*connection, session.host(), selection, output, scratch.Path() / "transfer");
+    snapshot = Capture(*connection, session.settings().host, selection, output, scratch.Path() / "transfer");
     for (Missing const& part : snapshot.missing) {
         output.Failure(part.status, part.what);
     }
     return true;
 }
 
-int Diff(Session const& session, Output& output, DiffArguments const& arguments) {
+int Diff(Session& session, Output& output, DiffArguments const& arguments) {
     bool const isBeforeLive = arguments.before == Live;
     bool const isAfterLive = arguments.after == Live;
     Snapshot before = isBeforeLive ? Snapshot{} : Read(arguments.before);

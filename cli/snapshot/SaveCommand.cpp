@@ -108,7 +108,7 @@ void AddSave(CLI::App& family, Session& session) {
             CheckTarget(IncompletePlace(place), true);
         }
         session.OnConnection([arguments, &session](QuorvanController& robot, Output& output) {
-            return Save(robot, session.host(), output, *arguments);
+            return Save(robot, session.settings().host, output, *arguments);
         });
     });
 }

@@ -4,8 +4,10 @@
 #include <string_view>
 #include <utility>
 
+#include <fmt/format.h>
+
+#include "cli/output/Progress.h"
 #include "cli/program/Interrupt.h"
-#include "cli/snapshot/Progress.h"
 #include "cli/snapshot/Snapshot.h"
 #include "harvlink/QuorvanController.h"
 
@@ -23,7 +25,7 @@ public:
     /// is safe. After that the controller counts as gone.
     template <typename ReadOnce>
     StatusInfo Ask(std::string_view what, ReadOnce const& read) {
-        progress_.Show(what);
+        progress_.Show(fmt::format("Reading {}", what));
         for (int attempt = 0; attempt < Attempts && !IsGone(); ++attempt) {
             StatusInfo status = read();
             if (!IsSilence(status)) {

@@ -2,15 +2,16 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ostream>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "cli/output/Progress.h"
 #include "cli/output/Words.h"
 #include "cli/program/Interrupt.h"
-#include "cli/trajectory/PathProgress.h"
+#include "cli/trajectory/PathTracker.h"
 #include "harvlink/ControlGroupInterface.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "harvlink/FaultInterface.h"
@@ -26,15 +27,13 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds PollInterval{50};
 constexpr int MostStops = 3;
 constexpr int BarWidth = 20;
-constexpr std::size_t LongestLine = 79;
-constexpr char const* EraseProgress = "\r\x1b[K";
 
 /// The way of the group that the last point moves, as far as it is told in that point's coordinates.
 struct FollowedPath {
     Motion const& last;
     CoordinateType readType;
     bool isEndComparable;
-    std::vector<PathProgress::Axes> points;
+    std::vector<PathTracker::Axes> points;
 };
 
 bool CanBeRead(CoordinateType type) {
@@ -64,25 +63,26 @@ public:
     StatusInfo Run() {
         Interrupt const interrupt;
         BrokenPipesIgnored const outputMayBeGone;
+        progress_.emplace(output_, "Sending the points");
         StatusInfo status = ReadPosition();
         start_ = Clock::now();
-        PathProgress progress(path_.readType, position_.axes, path_.points, path_.isEndComparable, start_);
+        PathTracker tracker(path_.readType, position_.axes, path_.points, path_.isEndComparable, start_);
         if (status.StatusCode == 0) {
             status = QueueAndStart(interrupt);
         }
         if (status.StatusCode == 0) {
-            status = Follow(interrupt, progress);
+            status = Follow(interrupt, tracker);
         }
         if (status.StatusCode != 0) {
             // Before anything is told: who reads it may be slow, or gone.
             StatusInfo const stopped = Abandon();
+            progress_.reset();
             TellTrouble();
             if (stopped.StatusCode != 0) {
                 output_.Failure(stopped, "the machine may still move, its stop failed");
             }
-        } else {
-            EndBar();
         }
+        progress_.reset();
         return status;
     }
 
@@ -122,7 +122,7 @@ private:
         return status;
     }
 
-    StatusInfo Follow(Interrupt const& interrupt, PathProgress& progress) {
+    StatusInfo Follow(Interrupt const& interrupt, PathTracker& tracker) {
         while (true) {
             if (interrupt.Wait(PollInterval)) {
                 troubles_.emplace_back("interrupted: stopping the motion and clearing the queue");
@@ -136,12 +136,12 @@ private:
             if (status.StatusCode != 0) {
                 return status;
             }
-            PathProgress::State const state = progress.Sample(position_.axes, Clock::now());
-            ShowBar(progress.Fraction());
-            if (state == PathProgress::State::Arrived) {
+            PathTracker::State const state = tracker.Sample(position_.axes, Clock::now());
+            ShowProgress(tracker.Fraction());
+            if (state == PathTracker::State::Arrived) {
                 return {};
             }
-            if (state == PathProgress::State::Stopped && !isHeld_) {
+            if (state == PathTracker::State::Stopped && !isHeld_) {
                 troubles_.emplace_back("the machine stands still before the last point");
                 return StatusInformation(ErrorStatusCodes::OperationInterrupted);
             }
@@ -183,7 +183,6 @@ private:
     }
 
     void TellTrouble() {
-        EndBar();
         for (std::string const& trouble : troubles_) {
             output_.Problem(trouble);
         }
@@ -214,32 +213,18 @@ private:
         return stopped;
     }
 
-    void ShowBar(double fraction) {
-        if (!output_.Interactive()) {
-            return;
-        }
+    void ShowProgress(double fraction) {
         int const filled = static_cast<int>(fraction * BarWidth);
         std::chrono::duration<double> const elapsed = Clock::now() - start_;
         std::string const left =
             fraction > 0.02 ? fmt::format("{:.0f}", elapsed.count() / fraction - elapsed.count()) : "?";
-        std::string line = fmt::format("[{:#<{}}{:-<{}}] {:3.0f} %  {} s left{}  {}", "", filled, "", BarWidth - filled,
-                                       fraction * 100.0, left, isHeld_ ? "  held" : "", Axes());
-        // A line that wraps could not be erased.
-        line.resize(std::min(line.size(), LongestLine));
-        output_.console().err << EraseProgress << line << std::flush;
-        isBarShown_ = true;
+        progress_->Show(fmt::format("[{:#<{}}{:-<{}}] {:3.0f} %  {} s left{}  {}", "", filled, "", BarWidth - filled,
+                                    fraction * 100.0, left, isHeld_ ? "  held" : "", Axes()));
     }
 
     std::string Axes() const {
         std::string const position = FormatPosition(position_);
         return position.substr(0, position.find(",tool=")).substr(0, position.find(",figure="));
-    }
-
-    void EndBar() {
-        if (isBarShown_) {
-            output_.console().err << std::endl;
-            isBarShown_ = false;
-        }
     }
 
     QuorvanController& robot_;
@@ -249,10 +234,10 @@ private:
     PositionData position_;
     Clock::time_point start_;
     std::vector<std::string> troubles_;
+    std::optional<Progress> progress_;
     double reached_ = 0.0; // points, with the part of the way to the next
     bool isStarted_ = false;
     bool isHeld_ = false;
-    bool isBarShown_ = false;
 };
 
 } // namespace

@@ -11,8 +11,8 @@
 #include <fmt/format.h>
 #include <glob.h>
 
+#include "cli/output/Progress.h"
 #include "cli/output/Rows.h"
-#include "cli/output/TransferDisplay.h"
 #include "cli/program/Help.h"
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
@@ -219,7 +219,7 @@ StatusInfo Fetch(QuorvanController& robot, Output& output, std::string const& na
     if (!IsSafeLocalName(name)) {
         return StatusInformation(ErrorStatusCodes::FileWriteOpenError);
     }
-    TransferDisplay const display(output, "Fetching " + Printable(name));
+    Progress const progress(output, "Fetching " + name);
     return robot.Files->SaveFromControllerToFile(name, path.string(), force);
 }
 
@@ -258,7 +258,7 @@ void AddGet(CLI::App& family, Session& session) {
 }
 
 StatusInfo Load(QuorvanController& robot, Output& output, filesystem::path const& path) {
-    TransferDisplay const display(output, "Storing " + Printable(path.filename().string()));
+    Progress const progress(output, fmt::format("Storing {}, {} bytes", path.filename().string(), SizeOf(path)));
     return robot.Files->LoadToControllerFromPath(path.string());
 }
 
@@ -355,7 +355,7 @@ StatusInfo ShowContents(QuorvanController& robot, Output& output, std::string co
     std::string contents;
     StatusInfo status;
     {
-        TransferDisplay const display(output, "Fetching " + Printable(name));
+        Progress const progress(output, "Fetching " + name);
         status = robot.Files->SaveFromControllerToString(name, contents);
     }
     if (status.StatusCode == 0 && output.json) {

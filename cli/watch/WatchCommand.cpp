@@ -147,7 +147,7 @@ void AddWatchCommand(CLI::App& app, Session& session) {
         watch::Selection const selection = watch::ParseSelection(*arguments);
         watch::CheckTerminal(*arguments, session.output());
         session.OnConnection([arguments, selection, &session](QuorvanController& robot, Output& output) {
-            watch::Reader reader(robot, session.host(), selection);
+            watch::Reader reader(robot, session.settings().host, selection);
             StatusInfo const prepared = reader.Prepare();
             std::chrono::milliseconds const interval(arguments->interval);
             if (prepared.StatusCode != 0) {

@@ -10,7 +10,7 @@ namespace harvlink::cli {
 
 /// Guesses from positions that are read now and then how far a robot is on its way through given points. The controller
 /// tells no such thing for a whole trajectory.
-class PathProgress {
+class PathTracker {
 public:
     using Axes = std::array<double, 8>;
     using Time = std::chrono::steady_clock::time_point;
@@ -19,8 +19,8 @@ public:
 
     /// `points` are in the axes of `type`, of which angles wrap at 360 degrees. If the end can't be compared with what is
     /// read, as with points that are relative to the tool, standing still counts as having arrived.
-    PathProgress(CoordinateType type, Axes const& start, std::vector<Axes> const& points, bool isEndComparable,
-                 Time now);
+    PathTracker(CoordinateType type, Axes const& start, std::vector<Axes> const& points, bool isEndComparable,
+                Time now);
 
     /// Takes a position in. Arrived: at the last point, and still. Stopped: still for long, elsewhere.
     State Sample(Axes const& axes, Time now);

@@ -1,4 +1,4 @@
-#include "cli/trajectory/PathProgress.h"
+#include "cli/trajectory/PathTracker.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,8 +26,8 @@ constexpr double CartesianNoise = 0.002;
 
 } // namespace
 
-PathProgress::PathProgress(CoordinateType type, Axes const& start, std::vector<Axes> const& points,
-                           bool isEndComparable, Time now)
+PathTracker::PathTracker(CoordinateType type, Axes const& start, std::vector<Axes> const& points, bool isEndComparable,
+                         Time now)
     : type_(type),
       last_(start),
       end_(points.empty() ? start : points.back()),
@@ -40,7 +40,7 @@ PathProgress::PathProgress(CoordinateType type, Axes const& start, std::vector<A
     }
 }
 
-double PathProgress::Distance(Axes const& from, Axes const& to) const {
+double PathTracker::Distance(Axes const& from, Axes const& to) const {
     double sum = 0.0;
     for (std::size_t axis = 0; axis < from.size(); ++axis) {
         double const difference = to.at(axis) - from.at(axis);
@@ -51,7 +51,7 @@ double PathProgress::Distance(Axes const& from, Axes const& to) const {
     return std::sqrt(sum);
 }
 
-PathProgress::State PathProgress::Sample(Axes const& axes, Time now) {
+PathTracker::State PathTracker::Sample(Axes const& axes, Time now) {
     bool const isCartesian = IsCartesian(type_);
     double const step = Distance(last_, axes);
     if (step > (isCartesian ? CartesianNoise : PulseNoise)) {

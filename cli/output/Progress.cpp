@@ -1,0 +1,87 @@
+#include "cli/output/Progress.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include <fmt/format.h>
+
+#include "words/text/Text.h"
+
+namespace harvlink::cli {
+
+namespace {
+
+constexpr std::chrono::milliseconds FirstShown{500};
+constexpr std::chrono::milliseconds Refresh{100};
+// A line that wraps could not be wiped off.
+constexpr std::size_t LongestLine = 79;
+constexpr char const* EraseLine = "\r\x1b[K";
+
+bool ContinuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/// The first bytes of an UTF-8 text, without half a character at the end.
+std::string_view Cut(std::string_view text, std::size_t longest) {
+    std::size_t size = std::min(text.size(), longest);
+    while (size > 0 && size < text.size() && ContinuesCharacter(text[size])) {
+        --size;
+    }
+    return text.substr(0, size);
+}
+
+} // namespace
+
+Progress::Progress(Output& output, std::string_view text) : console_(output.console()), text_(Printable(text)) {
+    if (output.Interactive()) {
+        thread_ = std::thread([this] { Redraw(); });
+    }
+}
+
+Progress::~Progress() {
+    if (!thread_.joinable()) {
+        return;
+    }
+    {
+        std::lock_guard const lock(mutex_);
+        hasEnded_ = true;
+    }
+    ended_.notify_one();
+    thread_.join();
+}
+
+void Progress::Show(std::string_view text) {
+    if (thread_.joinable()) {
+        std::lock_guard const lock(mutex_);
+        text_ = Printable(text);
+    }
+}
+
+void Progress::Count(std::string_view what, std::size_t number, std::size_t total) {
+    Show(fmt::format("{} {} of {}", what, number, total));
+}
+
+std::string Progress::Line() const {
+    std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start_;
+    std::string const time = fmt::format("  {:.1f} s", elapsed.count());
+    return fmt::format("{}{}", Cut(text_, LongestLine - time.size()), time);
+}
+
+void Progress::Redraw() {
+    std::unique_lock lock(mutex_);
+    auto const hasEnded = [this] { return hasEnded_; };
+    bool isShown = false;
+    while (!ended_.wait_for(lock, isShown ? Refresh : FirstShown, hasEnded)) {
+        std::string const line = Line();
+        // A terminal that takes nothing must not stop the command: it may have to stop a robot.
+        lock.unlock();
+        console_.err << EraseLine << line << std::flush;
+        lock.lock();
+        isShown = true;
+    }
+    if (isShown) {
+        console_.err << EraseLine << std::flush;
+    }
+}
+
+} // namespace harvlink::cli
