@@ -95,7 +95,9 @@ TEST(Requests, ReadStateAndSystem) {
               SystemInfoData{"YA4.10" + std::string(18, '\0'), "MODEL" + std::string(11, '\0')});
     CheckRead(__LINE__, ParameterRequest(SystemParameterType::S2C, 430, 1), Read(924, 0, Words({1, 1, 430})),
               Words({-7}), -7);
-    std::tm startDay{.tm_mday = 2, .tm_mon = 0, .tm_year = 70};
+    std::tm startDay{};
+    startDay.tm_mday = 2;
+    startDay.tm_year = 70;
     CheckRead(__LINE__, OperatingTimeRequest{TimeCounterInstance(S1, TimeType::MovingStation, {})}, Read(136, 221),
               Text("1970/01/02 00:00") + Text("12:34'56", 12), TimeData{std::mktime(&startDay), {56, 34, 12}});
 }
