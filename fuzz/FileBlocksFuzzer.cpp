@@ -5,8 +5,8 @@
 #include "Session.h"
 #include "harvlink/FileInterface.h"
 
-// The blocks by which files move. The first byte chooses: a text, or a file of this computer, is loaded to an honest
-// controller and fetched again while answers get lost; or a file is fetched whose blocks say what the input wants.
+// The blocks of file transfers. The first byte selects the direction: a text or a file of this computer goes to a correct
+// controller and comes back, while answers get lost; or the controller sends blocks that the input defines.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -47,11 +47,11 @@ void LoadAndSave(Session& session, Input& input, bool isOnDisk) {
     }
     bool const isWhole = loading.StatusCode == 0 && saving.StatusCode == 0;
     if (isWhole && !text.empty() && text.find('\0') == std::string::npos) {
-        Require(saved == text, "what was loaded is what is saved");
+        Require(saved == text, "the saved text equals the loaded one");
     }
 }
 
-/// What the client must make of the blocks up to the last one or the first failure.
+/// The result that the client must get from the blocks up to the last one or the first failure.
 struct Expected {
     std::string text;
     bool isWhole = false;
@@ -83,17 +83,17 @@ Expected TakeBlocks(Input& input, Answers& answers) {
 void SaveHostile(Session& session, Input& input) {
     Answers answers;
     auto const expected = TakeBlocks(input, answers);
-    session.Face(answers);
+    session.SetAnswers(answers);
     std::string text = "old";
     bool const isSaved = session.robot.Files->SaveFromControllerToString("FUZZ.DAT", text).StatusCode == 0;
-    Require(isSaved == expected.isWhole, "a file is saved if it came to its end");
-    Require(text == expected.text, "all of the text that came");
+    Require(isSaved == expected.isWhole, "a file is saved if its last block arrived");
+    Require(text == expected.text, "the text of all blocks that arrived");
     auto const& sent = session.transport->sent;
     for (std::size_t i = 1; i < sent.size(); ++i) {
         auto const offset = offsetof(CommonHeader, blockNumber);
         Require(std::equal(sent[i].begin() + offset, sent[i].begin() + offset + sizeof(std::uint32_t),
                            answers.at(i - 1).bytes.begin() + offset),
-                "each block is acknowledged by its number");
+                "each block is acknowledged with its number");
     }
 }
 
@@ -102,9 +102,9 @@ void SaveHostile(Session& session, Input& input) {
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     Session session(3);
-    auto const road = input.Take<std::uint8_t>() % 3;
-    if (road < 2) {
-        LoadAndSave(session, input, road == 1);
+    auto const direction = input.Take<std::uint8_t>() % 3;
+    if (direction < 2) {
+        LoadAndSave(session, input, direction == 1);
     } else {
         SaveHostile(session, input);
     }

@@ -14,15 +14,15 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 
 namespace harvlink::fuzz {
 
-/// What must hold whatever the input says. A breach ends the fuzzer, which then keeps the input.
-inline void Require(bool holds, char const* promise) {
+/// Checks something that must hold for every input. A violation ends the fuzzer, which then keeps the input.
+inline void Require(bool holds, char const* condition) {
     if (!holds) {
-        std::fprintf(stderr, "broken promise: %s\n", promise);
+        std::fprintf(stderr, "violated: %s\n", condition);
         std::abort();
     }
 }
 
-/// A fuzzer's input, read from front to back. What is not there reads as zero.
+/// The input of a fuzzer, read from front to back. Missing bytes read as zero.
 class Input {
 public:
     Input(std::uint8_t const* data, std::size_t size) : rest(std::as_bytes(std::span(data, size))) {}

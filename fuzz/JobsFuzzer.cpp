@@ -1,8 +1,8 @@
 #include "Input.h"
 #include "simulator/controller/VirtualController.h"
 
-// Jobs that a client loads to the virtual controller, and their execution. Input: cycle mode and whether the head of a
-// job is put in front, then the text.
+// Jobs that a client loads to the virtual controller, and their execution. Input: cycle mode and whether the text already
+// has the head of a job, then the text.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -16,9 +16,9 @@ void StartJob(ControllerParts& parts, CycleMode cycle, std::string const& text) 
     parts.model.SetServo(true);
     parts.model.SetCycle(cycle);
     if (parts.files.Load("FUZZ.JBI", text) == Refusal::None) {
-        Require(*parts.files.Read("FUZZ.JBI") == text, "a job is kept as it came");
-        Require(parts.jobs.Select("FUZZ", 0) == Refusal::None, "a job that was taken can be selected");
-        Require(parts.jobs.Start() == Refusal::None, "a job that was selected can be started");
+        Require(*parts.files.Read("FUZZ.JBI") == text, "a stored job is unchanged");
+        Require(parts.jobs.Select("FUZZ", 0) == Refusal::None, "a stored job can be selected");
+        Require(parts.jobs.Start() == Refusal::None, "a selected job can be started");
     }
 }
 
@@ -36,8 +36,8 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
         controller.WithParts([&](ControllerParts& parts) {
             auto const lines = static_cast<std::uint32_t>(std::ranges::count(text, '\n') + 1);
             bool const isOwn = parts.jobs.Current().name == "FUZZ";
-            Require(parts.jobs.Depth() <= JobEngine::MaxDepth, "calls do not nest without end");
-            Require(!isOwn || parts.jobs.Current().line <= lines, "a job stands in one of its lines");
+            Require(parts.jobs.Depth() <= JobEngine::MaxDepth, "the depth of calls is limited");
+            Require(!isOwn || parts.jobs.Current().line <= lines, "the current line is a line of the job");
             parts.jobs.Start();
         });
     }

@@ -22,14 +22,14 @@ bool Succeeded(StatusInfo const& status) {
     return status.StatusCode == 0;
 }
 
-/// A record that was read prints, and is empty after a failure.
+/// A record can be printed, and is empty after a failed read.
 template <typename Record, typename Read>
 void CheckRead(Read const& read, Record record = {}) {
     bool const succeeded = Succeeded(read(record));
     Require(Text(record) == Text(Record{}) || succeeded, "a failed read leaves an empty record");
 }
 
-/// The value stands at its start after a failure, whatever it was before.
+/// A failed read resets the value, whatever it was before.
 template <typename Value, typename Read>
 void CheckCleared(Value before, Read const& read) {
     bool const succeeded = Succeeded(read(before));
@@ -42,7 +42,7 @@ void CheckVariable(VariableInterface<Record>& variables, Arguments const& with, 
     bool const succeeded = Succeeded(variables.Read(with.index, record));
     Record empty;
     empty.variableIndex = succeeded && !returnsIndex ? std::uint16_t{0} : with.index;
-    Require(record.variableIndex == empty.variableIndex, "the index that was asked for");
+    Require(record.variableIndex == empty.variableIndex, "the record has the requested index");
     Require(succeeded || Text(record) == Text(empty), "a failed read leaves an empty variable");
     Succeeded(variables.Write(record));
 }
@@ -98,7 +98,7 @@ void CheckOperatingTimes(Session& session, Arguments const& with) {
             return session.robot.Status->ReadOperatingTimes(GroupOf(with), static_cast<TimeType>(with.index), data,
                                                             static_cast<ApplicationNumber>(with.type));
         });
-    } catch (std::logic_error const&) { // documented: the answer holds no readable time
+    } catch (std::logic_error const&) { // documented: the answer does not contain a valid time
     }
 }
 
@@ -112,7 +112,7 @@ void CheckControlGroup(Session& session, Arguments const& with) {
     CheckRead<PositionErrorData>([&](auto& data) { return groups.ReadPositionError(GroupOf(with), data); });
     TorqueData torque;
     Succeeded(groups.ReadTorqueData(GroupOf(with), torque));
-    Require(torque.controlGroup == ControlGroupId::R1, "torque is always said to be of R1");
+    Require(torque.controlGroup == ControlGroupId::R1, "the group of torque is always R1");
     Require(!Text(position).empty() && !Text(torque).empty(), "positions and torque print");
 }
 
@@ -146,7 +146,7 @@ void CheckAlarmHistory(Session& session, Arguments const& with) {
     auto const category = static_cast<AlarmCategory>(with.type % 6 * 1000);
     bool const succeeded = Succeeded(session.robot.Faults->GetAlarmHistory(category, with.size, history));
     auto const count = history.numberOfAlarms;
-    Require(count <= 100 && count <= with.size, "no more entries than asked for");
+    Require(count <= 100 && count <= with.size, "at most as many entries as requested");
     Require(!succeeded || count == 100 || count == with.size || history.alarms.at(count).code == 0,
             "the list ends at the first empty entry");
     Require(!Text(history).empty(), "the history prints");
@@ -182,7 +182,7 @@ void CheckList(Session& session, Arguments const& with) {
     bool const isSorted = with.bit % 2 != 0;
     bool const succeeded = Succeeded(files.ListFiles(type, names, isSorted));
     Require(succeeded || names.empty(), "a failed listing is empty");
-    Require(!isSorted || std::ranges::is_sorted(names), "sorted as asked for");
+    Require(!isSorted || std::ranges::is_sorted(names), "sorted if requested");
     Require(std::ranges::none_of(names, &std::string::empty), "no empty names");
     CheckCleared(-1, [&](int& count) { return files.GetFileCount(type, count); });
     Succeeded(files.DeleteJobFile(FileNameOf(with)));
@@ -206,7 +206,7 @@ void CheckBytes(Session& session, Arguments const& with) {
     Succeeded(io.WriteByte(AddressOf(with), value));
 }
 
-/// Registers are words of their own.
+/// Registers have 16 bits, like words of signals.
 template <typename Bits>
 void CheckWords(Session& session, Arguments const& with) {
     auto& io = *session.robot.IO;
@@ -244,7 +244,7 @@ void CheckMotion(Session& session, Arguments const& with) {
     Succeeded(manager.ClearAllTrajectory());
 }
 
-/// What the monitor does for each point, on this thread.
+/// The work of the monitor for each point, on this thread.
 void CheckTargets(Session& session, Arguments const& with) {
     auto& manager = static_cast<MotionManager&>(*session.robot.MotionManager);
     StatusInfo status;
@@ -258,7 +258,7 @@ void CheckTargets(Session& session, Arguments const& with) {
     Succeeded(status);
 }
 
-/// The monitor feeds two points, or fails and raises an alarm; the end of the connection waits for it.
+/// The monitor sends two points, or fails and raises an alarm. Closing the connection waits for it.
 void FeedTrajectory(Session& session, Arguments const& with) {
     AddPoint(session, with);
     AddPoint(session, with);

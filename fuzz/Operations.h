@@ -8,7 +8,7 @@
 
 namespace harvlink::fuzz {
 
-/// What an operation is called with, straight from the input.
+/// The arguments of an operation, taken from the input.
 struct Arguments {
     std::uint8_t group = 1;
     std::uint8_t type = 0;
@@ -20,13 +20,13 @@ struct Arguments {
 
 struct OperationGroup {
     std::string_view name;
-    /// Calls operations that belong together, each once, and checks what their header promises of status and outputs.
+    /// Calls each operation of the group once, and checks status and outputs against the header.
     void (*run)(Session&, Arguments const&);
-    /// A thread goes on using the connection: nothing else may be done with it.
+    /// A thread continues to use the connection, so nothing else may use it afterwards.
     bool leavesThread = false;
 };
 
-/// Together every operation of the ten interfaces.
+/// Groups with all operations of the ten interfaces.
 std::span<OperationGroup const> Operations();
 
 } // namespace harvlink::fuzz

@@ -3,8 +3,8 @@
 #include "Session.h"
 #include "binding/Binding.h"
 
-// The records of the plain interface, in both directions: what goes in is straight from the input, what comes out must
-// fit its record and be the caller's to free. Input: family, generation, records, answers.
+// The records of the plain interface in both directions. Input records come from the fuzzer; outputs must fit their record,
+// and the caller must be able to free them. Input: family, generation, records, answers.
 
 using namespace harvlink::fuzz;
 
@@ -21,7 +21,7 @@ struct Records {
 };
 
 void Free(char* text) {
-    Require(text != nullptr && std::strlen(text) < 0x10000, "a text is there and ends");
+    Require(text != nullptr && std::strlen(text) < 0x10000, "a text exists and is terminated");
     std::free(text);
 }
 
@@ -31,7 +31,7 @@ void Done(IStatusInfo status, Texts... texts) {
     (Free(texts), ...);
 }
 
-/// A record of its own on the heap: a byte written beside it is seen.
+/// A separate record on the heap, so that the sanitizer detects a write outside of it.
 template <typename Record>
 std::unique_ptr<Record> New() {
     return std::make_unique<Record>();
@@ -152,7 +152,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Session session(input.Take<std::uint8_t>());
     auto records = input.Take<Records>();
     records.text.back() = '\0';
-    session.Face(TakeAnswers(input));
+    session.SetAnswers(TakeAnswers(input));
     ControllerCell cell{&session.robot};
     family(&cell, records);
     return 0;

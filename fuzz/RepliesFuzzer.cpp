@@ -1,6 +1,6 @@
 #include "Operations.h"
 
-// The replies of every operation, and of the opening of a connection. Input: operation, generation, arguments, answers.
+// The replies to every operation and to the opening of a connection. Input: operation, generation, arguments, answers.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -20,8 +20,8 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     auto const& operation = Operations()[number];
     Session session(generation);
-    Require(session.status.StatusCode == 0, "a connection to an honest controller opens");
-    session.Face(std::move(answers));
+    Require(session.status.StatusCode == 0, "a connection to a correct controller opens");
+    session.SetAnswers(std::move(answers));
     operation.run(session, with);
     if (!operation.leavesThread) {
         session.RequireUsable();

@@ -1,6 +1,6 @@
 #include "Session.h"
 
-// The request side of the virtual controller: datagrams at both of its ports, with and without faults on the way back.
+// Requests to the virtual controller: datagrams at both of its ports, with and without faults in the replies.
 // Input: generation and whether there are faults, then datagrams, each with a control byte and its length.
 
 using namespace harvlink;
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint8_t withFaults = 0x80;
 constexpr std::uint8_t toFilePort = 0x01;
-constexpr std::uint8_t asItIs = 0x80; ///< otherwise the header is put right where it only says what is known
+constexpr std::uint8_t asItIs = 0x80; ///< without this bit, the fixed fields of the header get their right values
 
 ControllerOptions OptionsOf(std::uint8_t first) {
     ControllerOptions options{.generation = static_cast<ControllerVersion>(first % 6)};
@@ -43,7 +43,7 @@ void CheckReply(Request const& request, simulator::Reply const& reply) {
     Require(bytes.size() >= HeaderSize && bytes.size() <= HeaderSize + FileBlockSize, "a reply fits into a datagram");
     IncomingPacket<NoPayload> packet;
     std::memcpy(static_cast<void*>(&packet), bytes.data(), HeaderSize);
-    Require(packet.header.payloadSize + HeaderSize == bytes.size(), "a reply is as long as it says");
+    Require(packet.header.payloadSize + HeaderSize == bytes.size(), "a reply has the length in its header");
     Require(packet.header.requestId == request.header.requestId, "a reply has the id of its request");
     Require((packet.subHeader.status == 0) == !reply.IsRefused(), "a refusal is marked as one");
     Require((packet.subHeader.addedStatus == 0) == !reply.IsRefused(), "a refusal has a code");

@@ -2,7 +2,7 @@
 
 #include "Session.h"
 
-// The reader of "RS.PRM", against the same reading by streams.
+// The parser of "RS.PRM", compared with a parser made of streams.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -33,7 +33,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static Session session(2);
     std::string text(Input(data, size).TakeText());
     std::ranges::replace(text, '\0', ' ');
-    session.Face(BlocksOf(text));
+    session.SetAnswers(BlocksOf(text));
     Require(session.robot.GetRS22StateFromFile() == Rs022Of(text), "the third field of the fifth item");
     return 0;
 }

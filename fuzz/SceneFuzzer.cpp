@@ -2,7 +2,7 @@
 #include "simulator/controller/VirtualController.h"
 #include "simulator/scene/Scene.h"
 
-// Scene files, and the text of --faults. A scene that is accepted can be applied to the controller that it asks for.
+// Scene files, and the text of --faults. An accepted scene can be applied to a controller with its options.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -14,7 +14,7 @@ void TryFaults(std::string_view text) {
     FaultPlan plan;
     bool const isAccepted = plan.Parse(text).empty();
     auto const isRate = [](double rate) { return rate >= 0.0 && rate <= 1.0; };
-    Require(std::ranges::all_of(plan.rates, isRate), "rates are shares");
+    Require(std::ranges::all_of(plan.rates, isRate), "rates are from 0 to 1");
     Require(!isAccepted || plan.refuseCount > 0, "a count is not zero");
 }
 
@@ -28,11 +28,11 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
         VirtualController controller("127.0.0.1", scene.Options());
         controller.WithParts([&](ControllerParts& parts) {
             scene.ApplyTo(parts);
-            Require(parts.model.state.generation == scene.Options().generation, "the controller that was asked for");
+            Require(parts.model.state.generation == scene.Options().generation, "the controller has the generation of the scene");
         });
         controller.Tick();
     } catch (SceneError const& error) {
-        Require(std::string_view(error.what()).starts_with("scene.toml:"), "an error tells the file");
+        Require(std::string_view(error.what()).starts_with("scene.toml:"), "an error names the file");
     }
     return 0;
 }

@@ -4,7 +4,7 @@
 
 #include "controller/StatusMessages.h"
 
-// Nothing is gained by waiting for a controller that is made up: the few pauses of the library pass at once.
+// Waiting makes no sense without a real controller, so the few pauses of the library end at once.
 extern "C" int __wrap_nanosleep(timespec const*, timespec*);
 extern "C" int __wrap_nanosleep(timespec const*, timespec*) {
     return 0;
@@ -27,7 +27,7 @@ std::unique_ptr<simulator::VirtualController> MakeController(std::uint8_t genera
     return controller;
 }
 
-/// What a controller of this generation answers while a connection to it opens: always the same.
+/// The answers of a controller of this generation while a connection opens. They are always the same.
 Answers& StartUpOf(std::uint8_t generation) {
     static std::array<Answers, generations> startUps;
     return startUps.at(generation % generations);
@@ -77,9 +77,10 @@ void Transport::Send(Division division, std::span<std::byte const> datagram) {
     Require(datagram.size() >= HeaderSize, "a request has a header");
     CommonHeader header;
     std::memcpy(&header, datagram.data(), sizeof(header));
-    Require(header.magic == CommonHeader{}.magic && header.headerSize == HeaderSize, "a request is of the protocol");
-    Require(header.division == division, "a request goes to the port of its division");
-    Require(header.payloadSize + HeaderSize == datagram.size(), "a request is as long as it says");
+    Require(header.magic == CommonHeader{}.magic && header.headerSize == HeaderSize,
+            "a request has the header of the protocol");
+    Require(header.division == division, "a request goes to the right port");
+    Require(header.payloadSize + HeaderSize == datagram.size(), "a request has the length in its header");
     lastId = datagram[requestIdOffset];
     sent.emplace_back(datagram.begin(), datagram.end());
     honestAnswer.clear();
@@ -140,7 +141,7 @@ Session::Session(std::uint8_t generation, std::optional<Answers> answers)
     transport->isHonest = !answers;
 }
 
-void Session::Face(Answers answers) {
+void Session::SetAnswers(Answers answers) {
     transport->sent.clear();
     transport->isHonest = false;
     transport->answers = std::move(answers);
@@ -149,11 +150,11 @@ void Session::Face(Answers answers) {
 void Session::RequireUsable() {
     IncomingPacket<StatusInformationReturnData> packet{.payload = {.first = 0x80, .second = 0x40}};
     auto const bytes = packet.Bytes();
-    Face({{Answer::Kind::Raw, 0, {bytes.begin(), bytes.end()}}});
+    SetAnswers({{Answer::Kind::Raw, 0, {bytes.begin(), bytes.end()}}});
     ControllerStateData state;
     Require(robot.Status->ReadState(state).StatusCode == 0, "the next operation works");
     Require(state.controlMode == ControllerStateData::ControlMode::Remote && state.isServoOn && !state.isAlarming,
-            "the next operation reads what it is answered");
+            "the next operation reads its answer");
 }
 
 } // namespace harvlink::fuzz

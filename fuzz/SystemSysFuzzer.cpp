@@ -5,8 +5,8 @@
 #include "connection/SystemFileParser.h"
 #include "harvlink/ControlGroupInterface.h"
 
-// The reader of "SYSTEM.SYS", and the control groups that a connection learns from it. What a line names is compared with
-// the regular expressions for which the reader's patterns stand.
+// The parser of "SYSTEM.SYS", and the control groups that a connection reads from it. The groups of each line are compared
+// with regular expressions that mean the same as the parser's patterns.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -60,12 +60,12 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::string text(Input(data, size).TakeText());
     std::ranges::replace(text, '\0', ' ');
     Session session(3);
-    session.Face(BlocksOf(text));
-    Require(session.robot.GetAttachedControlGroups(), "a file that came whole is read");
+    session.SetAnswers(BlocksOf(text));
+    Require(session.robot.GetAttachedControlGroups(), "a complete file is read");
     auto const groups = GroupsOf(text);
     for (int group = 0; group <= 45; ++group) {
         bool const isExpected = groups.contains(static_cast<ControlGroupId>(group));
-        Require(IsAttached(session, group) == isExpected, "the groups that the file names, and no other");
+        Require(IsAttached(session, group) == isExpected, "exactly the groups in the file");
     }
     return 0;
 }

@@ -3,7 +3,7 @@
 
 #include "Session.h"
 
-// The reader of "TOOL.CND", against the same reading by streams.
+// The parser of "TOOL.CND", compared with a parser made of streams.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -12,9 +12,9 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static Session session(3);
     std::string text(Input(data, size).TakeText());
     std::ranges::replace(text, '\0', ' ');
-    session.Face(BlocksOf(text));
+    session.SetAnswers(BlocksOf(text));
     std::istringstream stream(text);
     auto const tools = std::count(std::istream_iterator<std::string>(stream), {}, "//TOOL");
-    Require(session.robot.GetNumberOfToolFiles() == tools, "as many tools as the file has sections of one");
+    Require(session.robot.GetNumberOfToolFiles() == tools, "one tool for each tool section of the file");
     return 0;
 }

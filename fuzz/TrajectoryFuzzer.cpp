@@ -3,7 +3,7 @@
 #include "motion/MotionStep.h"
 #include "words/text/InputError.h"
 
-// Trajectory files of the command line tool. A point that it accepts is one that the library takes.
+// Trajectory files of the command line tool. The library accepts every point that the tool accepts.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -16,11 +16,11 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
             cli::CheckMotion(point);
             MotionStep step;
             StatusInfo status;
-            Require(step.SetTarget(point, TargetControlGroup{}, status), "the library takes the point");
+            Require(step.SetTarget(point, TargetControlGroup{}, status), "the library accepts the point");
             Require(step.groups.count() == 1, "a point moves its group");
         }
     } catch (words::InputError const& error) {
-        Require(std::string_view(error.what()).starts_with("path.csv:"), "an error tells the file");
+        Require(std::string_view(error.what()).starts_with("path.csv:"), "an error names the file");
     }
     return 0;
 }

@@ -3,7 +3,7 @@
 #include "words/text/InputError.h"
 #include "words/values/VariableFile.h"
 
-// Comma separated values, and the files of variables that are made of them: what is written is what is read.
+// CSV, and the CSV files of variables: reading a written file gives the same values.
 
 using namespace harvlink;
 using namespace harvlink::fuzz;
@@ -14,7 +14,7 @@ namespace {
 constexpr char const* file = "variables.csv";
 
 std::string Format(std::vector<CsvRow> const& rows) {
-    std::string text = "#\n"; // keeps a byte order mark in the first cell from being one
+    std::string text = "#\n"; // so that a byte order mark in the first cell is not at the start of the file
     for (auto const& row : rows) {
         for (std::size_t i = 0; i < row.cells.size(); ++i) {
             text += (i == 0 ? "" : ",") + CsvCell(row.cells[i]);
@@ -30,10 +30,10 @@ void CheckRoundTrip(Parse const& parse, Write const& write, std::string_view tex
     try {
         written = write(parse(file, text));
     } catch (InputError const& error) {
-        Require(std::string_view(error.what()).starts_with("variables.csv:"), "an error tells the file");
+        Require(std::string_view(error.what()).starts_with("variables.csv:"), "an error names the file");
         return;
     }
-    Require(write(parse(file, written)) == written, "what was written is read as it was");
+    Require(write(parse(file, written)) == written, "a written file reads back unchanged");
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Writes the committed corpora of the fuzzers whose input is binary. Texts in fuzz/corpus are edited by hand.
+"""Writes the committed corpora of the fuzzers with binary input. The texts in fuzz/corpus are edited by hand.
 
 Usage: fuzz/make_seeds.py [CAPTURE [LENGTH]]
 
-Requests, LENGTH to a seed, are taken from a capture of the tests' own traffic on the loopback:
-tshark -i lo -f 'udp portrange 10040-10041' -w CAPTURE, while they run.
+The requests come from a capture of the tests' traffic, LENGTH requests for each seed. To make a capture, run
+tshark -i lo -f 'udp portrange 10040-10041' -w CAPTURE while the tests run.
 """
 import struct
 import subprocess
@@ -14,7 +14,7 @@ from pathlib import Path
 CORPUS = Path(__file__).resolve().parent / "corpus"
 FS, YA = 2, 3
 HONEST = struct.pack("<BHH", 0, 0, 0)
-BENT = struct.pack("<BHH", 0, 12, 36) + bytes(36)  # by nothing yet: from the block number on into the payload
+BENT = struct.pack("<BHH", 0, 12, 36) + bytes(36)  # with zeros, which change nothing: from the block number into the payload
 LAST_BLOCK = 0x80000000
 
 
@@ -24,7 +24,7 @@ def write(fuzzer, name, content):
 
 
 def replies():
-    """Each group of operations, and after them the opening of a connection, over honest answers."""
+    """Each group of operations, and the opening of a connection, with correct answers."""
     arguments = [  # group, type, bit, tool, index, size
         (1, 0, 0, 0, 1, 3), (1, 16, 1, 1, 2, 50), (21, 4, 2, 1, 110, 501), (1, 1, 3, 1, 1001, 25), (1, 3, 4, 0, 2701, 99),
         (2, 17, 5, 1, 11, 64),
@@ -47,9 +47,9 @@ def plain_records():
 
 def file_blocks():
     for size, losses in ((0, 0), (1, 0), (479, 0), (480, 0), (1200, 0), (1200, 4), (958, 32)):
-        for road in (0, 1):
-            content = struct.pack("<BI", road, losses) + b"0123456789\n" * (size // 11) + b"." * (size % 11)
-            write("file_blocks", f"load-{road}-{size}-{losses}", content)
+        for direction in (0, 1):
+            content = struct.pack("<BI", direction, losses) + b"0123456789\n" * (size // 11) + b"." * (size % 11)
+            write("file_blocks", f"load-{direction}-{size}-{losses}", content)
 
     def block(number, text, status=0, added=0):
         return struct.pack("<IBBBBHHH", number, 0x96, status, 2 if added else 0, 0, added, 0, len(text)) + text
@@ -60,7 +60,7 @@ def file_blocks():
 
 
 def requests(capture, length):
-    """The requests in their order, without repetitions; a seed without any new kind of request is left out."""
+    """The requests in their order, without repetitions. Leaves out a seed that has no new kind of request."""
     fields = ["tshark", "-r", capture, "-T", "fields", "-e", "udp.dstport", "-e", "udp.payload"]
     lines = subprocess.run(fields, capture_output=True, text=True, check=True).stdout.split()
     sent = [(port, bytes.fromhex(payload)) for port, payload in zip(lines[::2], lines[1::2])
@@ -72,7 +72,7 @@ def requests(capture, length):
         kinds = {(port, datagram[24:26], datagram[29], datagram[10], len(datagram)) for port, datagram in some}
         if not kinds <= seen:
             seen |= kinds
-            time = 6 << 1  # some milliseconds after each datagram
+            time = 6 << 1  # a pause of some milliseconds after each datagram
             content = b"".join(struct.pack("<BH", time | int(port == "10041"), len(datagram)) + datagram
                                for port, datagram in some)
             write("requests", f"{length}-{start:05}", struct.pack("<B", YA) + content)

@@ -4,7 +4,7 @@
 #include "behaviour/Operation.h"
 #include "support/ScratchFolder.h"
 
-// What every operation has in common, stamped over all of them: each exchange of each operation is spoiled in each way.
+// Tests that run for every operation of the library: each exchange of each operation gets each kind of fault.
 
 namespace harvlink::test {
 
@@ -24,17 +24,17 @@ Table AllOperations() {
 }
 
 void PrintTo(Outcome const& outcome, std::ostream* stream) {
-    *stream << outcome.status << (outcome.threw ? " thrown" : "") << " after " << outcome.asked << " exchanges, "
+    *stream << outcome.status << (outcome.threw ? " thrown" : "") << " after " << outcome.exchanges << " exchanges, "
             << outcome.image;
 }
 
 namespace {
 
-constexpr int active = 8288; ///< an alarm is active: a code that no subsystem reads in its own way
+constexpr int active = 8288; ///< an alarm is active: no subsystem changes this code
 constexpr int timeout = 0x30006;
 constexpr int creationFailed = 0x10007;
 constexpr std::size_t replyHeader = 32;
-constexpr std::size_t longReply = 128; ///< longer ones are cut at every seventh byte: it is always the same copying
+constexpr std::size_t longReply = 128; ///< longer replies are cut at every seventh byte only, to save time
 
 Bytes WithStatus(Bytes reply, std::uint8_t status, std::uint8_t size, std::uint16_t added) {
     SetStatus(reply, status, size, added);
@@ -61,7 +61,7 @@ Datagrams Silence(Bytes const&) {
     return {};
 }
 
-/// One exchange of one operation, to be spoiled.
+/// One exchange of one operation, which gets a fault.
 struct Case {
     Operation const& operation;
     Robot& robot;
@@ -70,16 +70,16 @@ struct Case {
 
     bool IsIgnored() const { return operation.traits.ignored.contains(step); }
 
-    /// What the operation does when `mischief` befalls this exchange, or all from it on.
-    Outcome Spoiled(Mischief mischief, bool spoilsAllFollowing = false) const {
+    /// Runs the operation with the fault in this exchange, or in this one and all that follow.
+    Outcome WithFault(ReplyFault fault, bool affectsAllFollowing = false) const {
         GoToId(1, 100);
         Script script = operation.script;
         script.insert(script.end(), operation.traits.afterFailure.begin(), operation.traits.afterFailure.end());
-        robot.machine.Play(std::move(script), step, std::move(mischief), spoilsAllFollowing);
+        robot.machine.Play(std::move(script), step, std::move(fault), affectsAllFollowing);
         return operation.call(robot);
     }
     Outcome With(Bytes (*change)(Bytes)) const {
-        return Spoiled([=](Bytes const& reply) { return Datagrams{change(reply)}; });
+        return WithFault([=](Bytes const& reply) { return Datagrams{change(reply)}; });
     }
 
     void ExpectFailure(Outcome const& outcome, std::size_t failed, int code, std::string const& message) const {
@@ -90,22 +90,22 @@ struct Case {
             EXPECT_EQ(outcome.status.Message, traits.failureMessage.empty() ? message : traits.failureMessage);
         }
         EXPECT_EQ(outcome.image, operation.imageAfterFailure(failed));
-        EXPECT_EQ(outcome.asked, failed + 1 + traits.afterFailure.size());
+        EXPECT_EQ(outcome.exchanges, failed + 1 + traits.afterFailure.size());
     }
 
-    /// That a refusal has the effect that it must have: of its payload too.
+    /// Checks the effect of a refusal, with and without a payload.
     void ExpectRefusal(std::uint8_t status, std::uint8_t size, std::uint16_t added, std::string const& message) const {
         for (bool const hasPayload : {false, true}) {
             SCOPED_TRACE(testing::Message() << (hasPayload ? "with" : "without") << " payload, code " << added);
             auto const refusal = [&](Bytes const& reply) {
                 return Datagrams{WithStatus(hasPayload ? reply : WithoutPayload(reply), status, size, added)};
             };
-            Outcome outcome = Spoiled(refusal);
+            Outcome outcome = WithFault(refusal);
             if (IsIgnored()) {
                 EXPECT_EQ(outcome, hasPayload ? good : With(WithoutPayload));
                 continue;
             }
-            if (hasPayload && operation.traits.handsOutRefusals) {
+            if (hasPayload && operation.traits.decodesRefusals) {
                 EXPECT_EQ(outcome.image, good.image);
                 outcome.image = operation.imageAfterFailure(step);
             }
@@ -120,7 +120,7 @@ struct Case {
         EXPECT_EQ(robot.machine.Period(), Robot::timeout * 1000L);
     }
 
-    /// Asks for something else until the next id is one of these. At 0 silence counts as an empty success.
+    /// Reads the state until the next id is in this range. With id 0, silence counts as an empty success.
     void GoToId(std::size_t lowest, std::size_t highest) const {
         ControllerStateData ignored;
         while (robot.machine.NextId() < lowest || robot.machine.NextId() > highest) {
@@ -132,14 +132,14 @@ struct Case {
 
 class Behaviour : public testing::Test {
 protected:
-    /// Of a long row of exchanges of one command: the first, the second and the last stand for all.
+    /// In a long row of exchanges with the same command, only the first, the second and the last are tested.
     static bool IsInTheMiddle(Script const& script, std::size_t step) {
         unsigned const command = script[step].command;
         return step > 1 && script[step - 2].command == command && step + 1 < script.size() &&
                script[step + 1].command == command;
     }
 
-    /// In memory if it can be: files are written over and over here, and a disk may be waited for each time.
+    /// In memory if possible: the tests write files many times, and a disk would slow them down.
     static ScratchFolder MakeFolder() {
         if (std::filesystem::is_directory("/dev/shm")) {
             ::setenv("TMPDIR", "/dev/shm", 0);
@@ -147,8 +147,8 @@ protected:
         return {};
     }
 
-    /// Stamps a case over each exchange of each operation, and looks whether the next one works.
-    void ForEachExchange(std::function<void(Case const&)> const& stamp) {
+    /// Runs `check` for each exchange of each operation, and checks that the next operation works.
+    void ForEachExchange(std::function<void(Case const&)> const& check) {
         for (Operation const& operation : table) {
             SCOPED_TRACE(operation.name + (operation.isPlain ? " by its plain name" : ""));
             Robot robot;
@@ -158,7 +158,7 @@ protected:
                 if (operation.script[step].isAnswered && !IsInTheMiddle(operation.script, step)) {
                     SCOPED_TRACE(testing::Message() << "exchange " << step);
                     Case const example{operation, robot, step, good};
-                    stamp(example);
+                    check(example);
                     example.ExpectNextWorks();
                 }
             }
@@ -178,10 +178,10 @@ TEST_F(Behaviour, Success) {
         Outcome const good = operation.call(robot);
         EXPECT_EQ(good.status.StatusCode, 0);
         EXPECT_EQ(good.status.Message, operation.traits.successMessage);
-        EXPECT_EQ(good.asked, operation.script.size());
+        EXPECT_EQ(good.exchanges, operation.script.size());
         EXPECT_EQ(good.image != operation.imageAfterFailure(0), operation.hasOutput);
         if (operation.isPlain) {
-            EXPECT_EQ(good.image, imageOfClass) << "both doors show the same";
+            EXPECT_EQ(good.image, imageOfClass) << "class and plain function must have the same output";
         }
         imageOfClass = good.cutImage;
 
@@ -200,7 +200,7 @@ TEST_F(Behaviour, Success) {
 TEST_F(Behaviour, RefusalAndRefusalWithPayload) {
     ForEachExchange([](Case const& example) {
         example.ExpectRefusal(0x1f, 2, active, "There is an active Error or Alarm.");
-        for (int const code : {40961, 65535, 65534}) { // what subsystems read in their own way
+        for (int const code : {40961, 65535, 65534}) { // codes that some subsystems change
             example.ExpectRefusal(0x1f, 2, static_cast<std::uint16_t>(code), "");
         }
     });
@@ -222,7 +222,7 @@ TEST_F(Behaviour, SilenceFromAnExchangeOn) {
                (example.operation.traits.ignored.contains(failed) || !script[failed].isAnswered)) {
             ++failed;
         }
-        Outcome const outcome = example.Spoiled(Silence, true);
+        Outcome const outcome = example.WithFault(Silence, true);
         if (failed == script.size()) {
             EXPECT_EQ(outcome, example.good);
         } else {
@@ -234,7 +234,7 @@ TEST_F(Behaviour, SilenceFromAnExchangeOn) {
 TEST_F(Behaviour, SilenceAtIdZeroIsAnEmptySuccess) {
     ForEachExchange([](Case const& example) {
         if (example.step != 0) {
-            return; // of a file the following exchanges keep the id of the first
+            return; // in a transfer, the following exchanges keep the id of the first
         }
         Outcome const empty = example.With(WithoutPayload);
         example.GoToId(0, 0);
@@ -245,17 +245,17 @@ TEST_F(Behaviour, SilenceAtIdZeroIsAnEmptySuccess) {
 
 TEST_F(Behaviour, StaleReplies) {
     ForEachExchange([](Case const& example) {
-        EXPECT_EQ(example.Spoiled([](Bytes const& good) { return Datagrams{Stale(good), good}; }), example.good);
-        EXPECT_EQ(example.Spoiled([](Bytes const& good) {
+        EXPECT_EQ(example.WithFault([](Bytes const& good) { return Datagrams{Stale(good), good}; }), example.good);
+        EXPECT_EQ(example.WithFault([](Bytes const& good) {
             return Datagrams{Stale(good), Stale(good), good};
         }),
                   example.good);
-        // They use up all periods, and the good reply is the stale one of the exchange that follows.
-        Outcome const late = example.Spoiled([](Bytes const& good) {
+        // The stale replies use up all periods. The good reply is then stale in the next exchange.
+        Outcome const late = example.WithFault([](Bytes const& good) {
             return Datagrams{Stale(good), Stale(good), Stale(good), good};
         });
         if (example.IsIgnored()) {
-            EXPECT_EQ(late, example.Spoiled(Silence));
+            EXPECT_EQ(late, example.WithFault(Silence));
         } else {
             example.ExpectFailure(late, example.step, timeout, "No response from controller after 2 retries.");
         }
@@ -269,13 +269,13 @@ TEST_F(Behaviour, ShortReplyCountsAsFilledWithZeros) {
         for (std::size_t length = 0; length < full; length += isLong && length >= replyHeader ? 7 : 1) {
             SCOPED_TRACE(testing::Message() << "cut to " << length << " bytes");
             bool const hasId = length > idOffset;
-            for (bool const tellsItsLength : {false, true}) {
-                auto const told = [=](Bytes const& good) {
-                    return tellsItsLength ? WithPayloadSize(Cut(good, length)) : Cut(good, length);
+            for (bool const hasItsLength : {false, true}) {
+                auto const cut = [=](Bytes const& good) {
+                    return hasItsLength ? WithPayloadSize(Cut(good, length)) : Cut(good, length);
                 };
-                Outcome const isShort = example.Spoiled([=](Bytes const& good) { return Datagrams{told(good)}; });
-                Outcome const isZeroed = example.Spoiled(
-                    [=](Bytes const& good) { return hasId ? Datagrams{Cut(told(good), good.size())} : Datagrams{}; });
+                Outcome const isShort = example.WithFault([=](Bytes const& good) { return Datagrams{cut(good)}; });
+                Outcome const isZeroed = example.WithFault(
+                    [=](Bytes const& good) { return hasId ? Datagrams{Cut(cut(good), good.size())} : Datagrams{}; });
                 EXPECT_EQ(isShort, isZeroed);
                 EXPECT_TRUE(!isShort.threw || example.operation.traits.mayThrow);
                 if (length < replyHeader || isLong) {
@@ -290,19 +290,19 @@ TEST_F(Behaviour, OverlongReplyIsCut) {
     ForEachExchange([](Case const& example) {
         for (std::size_t const excess : {1U, 7U, 2000U, 65000U}) {
             SCOPED_TRACE(excess);
-            EXPECT_EQ(example.Spoiled(
+            EXPECT_EQ(example.WithFault(
                           [=](Bytes const& good) { return Datagrams{WithPayloadSize(good + Bytes(excess, 0x77))}; }),
                       example.good);
         }
     });
 }
 
-/// The interfaces' headers, by what the plain names of their operations have in common.
+/// The header of an interface, and the pattern of the plain names of its operations.
 struct InterfaceHeader {
     char const* header;
     std::regex plainName;
-    std::size_t namesForEachMethod; ///< the variables are a template of eight kinds
-    std::size_t furtherNames; ///< of methods with arguments that may be left out
+    std::size_t namesForEachMethod; ///< 8 for the variables, which are a template of eight kinds
+    std::size_t furtherNames; ///< further plain names of methods with optional arguments
 };
 
 std::size_t Count(std::string const& text, std::regex const& pattern) {
@@ -310,7 +310,7 @@ std::size_t Count(std::string const& text, std::regex const& pattern) {
         std::distance(std::sregex_iterator(text.begin(), text.end(), pattern), std::sregex_iterator()));
 }
 
-/// A method or a plain name that is added to the library must be added to the table.
+/// Fails if a method or a plain name of the library is not in the table.
 TEST_F(Behaviour, TableHoldsEveryOperation) {
     std::filesystem::path const root(HARVLINK_SOURCE_DIR);
     std::set<std::string> names;
@@ -348,7 +348,7 @@ TEST_F(Behaviour, TableHoldsEveryOperation) {
     }
 }
 
-/// Only the probe and parameter RS022 decide whether a connection opens; all that follows may be missing.
+/// Only the probe and parameter RS022 decide whether a connection opens. All answers after them may be missing.
 TEST(BehaviourOfOpening, SilenceAndShortReplies) {
     for (bool const isOlder : {false, true}) {
         Script const script = StartUp(isOlder);

@@ -15,8 +15,7 @@
 #include "binding/Binding.h"
 
 /// @file
-/// What an operation left in its outputs, as a text of all fields that can be compared, and the pattern that stands in
-/// them before.
+/// The outputs of an operation as a text with all fields, for comparisons, and the pattern that fills them before.
 
 namespace harvlink::test {
 
@@ -86,7 +85,7 @@ inline constexpr bool isBits = false;
 template <std::size_t bits>
 inline constexpr bool isBits<std::bitset<bits>> = true;
 
-/// A pattern that no controller of these tests answers with.
+/// A pattern that none of the replies in these tests contains.
 template <typename Value>
 void Poison(Value& value) {
     if constexpr (std::is_same_v<Value, bool>) {
@@ -115,7 +114,7 @@ Value Poisoned() {
     return value;
 }
 
-/// Texts are cut at their first zero byte on request, as the plain interface hands them out.
+/// On request, texts end at their first zero byte, as in the plain interface.
 template <typename Value>
 void Write(std::ostream& image, Value const& value, bool cutsTexts) {
     if constexpr (isBits<Value>) {
@@ -147,7 +146,7 @@ std::string Image(Value const& value, bool cutsTexts) {
     return image.str();
 }
 
-/// Takes over a text that the plain interface handed out.
+/// Copies and frees a text of the plain interface.
 inline std::string Take(char* text) {
     std::string taken(text);
     std::free(text);

@@ -49,12 +49,12 @@ std::unique_ptr<DatagramTransport> MemoryController::MakeTransport() {
     return std::make_unique<Transport>(*this);
 }
 
-void MemoryController::Play(Script steps, std::size_t spoiled, Mischief spoiling, bool spoilsAllFollowing) {
+void MemoryController::Play(Script steps, std::size_t step, ReplyFault replyFault, bool affectsAllFollowing) {
     script = std::move(steps);
-    asked = 0;
-    spoiledStep = spoiled;
-    mischief = std::move(spoiling);
-    spoilsAll = spoilsAllFollowing;
+    exchanges = 0;
+    faultyStep = step;
+    fault = std::move(replyFault);
+    affectsAll = affectsAllFollowing;
 }
 
 void MemoryController::Serve(Division division, std::span<std::byte const> request) {
@@ -73,20 +73,20 @@ void MemoryController::Serve(Division division, std::span<std::byte const> reque
 }
 
 void MemoryController::PlayStep(unsigned command, bool isFile, std::uint8_t id) {
-    std::size_t const step = asked++;
+    std::size_t const step = exchanges++;
     if (step >= script.size()) {
-        EXPECT_TRUE(mischief) << "nobody expected command " << command;
+        EXPECT_TRUE(fault) << "unexpected command " << command;
         return;
     }
-    // Behind a spoiled exchange another one than usual may follow.
-    EXPECT_TRUE(command == script[step].command || (mischief && step > spoiledStep))
+    // After a faulty exchange the operation may continue with another command.
+    EXPECT_TRUE(command == script[step].command || (fault && step > faultyStep))
         << "command " << command << " in exchange " << step;
     if (!script[step].isAnswered) {
         return;
     }
     Bytes const good = ReplyOf(script[step], isFile, id);
-    bool const isSpoiled = mischief && (step == spoiledStep || (spoilsAll && step > spoiledStep));
-    for (Bytes const& datagram : isSpoiled ? mischief(good) : Datagrams{good}) {
+    bool const isFaulty = fault && (step == faultyStep || (affectsAll && step > faultyStep));
+    for (Bytes const& datagram : isFaulty ? fault(good) : Datagrams{good}) {
         pending.push_back(datagram);
     }
 }
@@ -115,7 +115,7 @@ Robot::Robot(bool isOlder) {
         std::make_unique<QuorvanControllerImplementation>(machine.MakeTransport(), timeout, retries, false, status);
     cell.controller = controller.get();
     EXPECT_EQ(status.StatusCode, 0) << status.Message;
-    EXPECT_EQ(machine.Asked(), StartUp(isOlder).size());
+    EXPECT_EQ(machine.Exchanges(), StartUp(isOlder).size());
 }
 
 } // namespace harvlink::test

@@ -10,9 +10,9 @@
 
 namespace harvlink::test {
 
-/// One exchange that an operation is made of: what is asked, and what a controller that is well answers.
+/// One exchange of an operation: the command, and the reply of a controller without faults.
 struct Step {
-    unsigned command; ///< on the file port the service, which no command has the number of
+    unsigned command; ///< on the file port the service; no command has the number of a service
     Bytes payload{};
     std::uint32_t block = 0;
     bool isAnswered = true;
@@ -21,27 +21,27 @@ using Script = std::vector<Step>;
 
 using Datagrams = std::vector<Bytes>;
 
-/// What becomes of a good reply on its way: the datagrams that arrive instead.
-using Mischief = std::function<Datagrams(Bytes const& good)>;
+/// A fault on the way of a good reply: returns the datagrams that arrive instead.
+using ReplyFault = std::function<Datagrams(Bytes const& good)>;
 
 void SetStatus(Bytes& reply, std::uint8_t status, std::uint8_t size, std::uint16_t added);
 
-/// A controller without a network: it answers in the caller's thread what its script says, so that time-outs take none.
+/// A controller without a network. It answers from its script in the caller's thread, so that time-outs take no time.
 class MemoryController {
 public:
-    /// What is asked from now on, and the spoiling of its exchange number `spoiled`, or of all from there on.
-    void Play(Script steps, std::size_t spoiled = 0, Mischief spoiling = {}, bool spoilsAllFollowing = false);
+    /// Sets the expected exchanges, and a fault in exchange `step`, or in this one and all that follow.
+    void Play(Script steps, std::size_t step = 0, ReplyFault replyFault = {}, bool affectsAllFollowing = false);
 
-    /// Without a script: every command gets the code that `answers` has for it, 0 being success, or silence. Called under
-    /// the lock of the exchange, so by one thread at a time.
+    /// Answers without a script: every command gets the code that `answers` returns, 0 for success, or silence. The lock of
+    /// the exchange is held during the call, so only one thread calls it at a time.
     void AnswerAll(std::function<std::optional<std::uint16_t>(unsigned command)> answers) { rest = std::move(answers); }
 
-    std::size_t Asked() const { return asked; }
+    std::size_t Exchanges() const { return exchanges; }
 
-    /// Whether something lies unread.
+    /// Whether a datagram is still unread.
     bool HasPending() const { return !pending.empty(); }
     long Period() const { return period; }
-    /// Each exchange takes one, from 1 on, and 0 after 127.
+    /// Each exchange takes the next id, from 1 on; after 127 comes 0.
     std::size_t NextId() const { return (served + 1) % 128; }
 
     std::unique_ptr<DatagramTransport> MakeTransport();
@@ -53,27 +53,27 @@ private:
     void PlayStep(unsigned command, bool isFile, std::uint8_t id);
 
     Script script;
-    std::size_t asked = 0;
-    std::size_t spoiledStep = 0;
-    Mischief mischief;
-    bool spoilsAll = false;
+    std::size_t exchanges = 0;
+    std::size_t faultyStep = 0;
+    ReplyFault fault;
+    bool affectsAll = false;
     std::function<std::optional<std::uint16_t>(unsigned command)> rest;
     std::deque<Bytes> pending;
     long period = 0;
     std::size_t served = 0;
 };
 
-/// The exchanges by which a connection to a generation opens.
+/// The exchanges that open a connection to a generation.
 Script StartUp(bool isOlder);
 
-/// A connection to such a controller, by either door.
+/// A connection to such a controller, for methods and plain functions.
 struct Robot {
     static constexpr unsigned timeout = 100;
     static constexpr unsigned retries = 2;
 
     explicit Robot(bool isOlder = false);
 
-    MemoryController machine; ///< outlives the controller, which may still send as it goes
+    MemoryController machine; ///< outlives the controller, whose destructor may still send
     StatusInfo status;
     std::unique_ptr<QuorvanController> controller;
     ControllerCell cell{};

@@ -11,44 +11,44 @@
 #include "behaviour/MemoryController.h"
 
 /// @file
-/// The operations of all interfaces, each by both doors: the classes and the plain functions.
+/// The operations of all interfaces, each as a method and as a plain function.
 
 namespace harvlink::test {
 
 struct Outcome {
     StatusInfo status;
     std::string image; ///< of the outputs
-    std::string cutImage; ///< the same as the plain interface shows it
+    std::string cutImage; ///< the same, as the plain interface returns it
     bool threw = false;
-    std::size_t asked = 0; ///< exchanges begun
+    std::size_t exchanges = 0;
 
     bool operator==(Outcome const& other) const {
         return status.StatusCode == other.status.StatusCode && status.Message == other.status.Message &&
-               image == other.image && threw == other.threw && asked == other.asked;
+               image == other.image && threw == other.threw && exchanges == other.exchanges;
     }
 };
 
-/// What sets an operation apart from one that clears its outputs, ends at the first failure and hands its status on.
+/// How an operation differs from the usual one, which clears its outputs, ends at the first failure and returns its status.
 struct Traits {
-    std::map<int, int> codes{}; ///< what the controller's numbers become
-    int statusOnOlder = 0; ///< on generations before the extended road; 0: works there too
+    std::map<int, int> codes{}; ///< from the controller's number to the code of the status
+    int statusOnOlder = 0; ///< on generations without the extended commands; 0: works there too
     bool isUntouchedOnOlder = false;
-    std::set<std::size_t> ignored{}; ///< exchanges whose failure changes neither status nor course
-    Script afterFailure{}; ///< what is asked after one that counts
-    bool handsOutRefusals = false; ///< what a refusal carries is treated like a success
-    bool mayThrow = false; ///< on a reply that can't be read
+    std::set<std::size_t> ignored{}; ///< exchanges whose failure has no effect
+    Script afterFailure{}; ///< exchanges that follow a failure
+    bool decodesRefusals = false; ///< decodes the payload of a refusal like that of a success
+    bool mayThrow = false; ///< on a reply that cannot be parsed
     std::string successMessage = "OK";
-    std::string failureMessage{}; ///< of any refusal; the table's if empty
+    std::string failureMessage{}; ///< of every refusal; if empty, the text of the table
 };
 
 struct Operation {
-    std::string name; ///< of the plain function, by either door
+    std::string name; ///< of the plain function, for the method too
     bool isPlain;
     Script script;
     Traits traits;
     std::function<Outcome(Robot&)> call;
-    std::function<std::string(std::size_t)> imageAfterFailure; ///< of that exchange
-    std::string imageOnOlder; ///< where the generation does not have it
+    std::function<std::string(std::size_t)> imageAfterFailure; ///< by the exchange that failed
+    std::string imageOnOlder; ///< on a generation without the operation
     bool hasOutput;
 };
 
@@ -56,7 +56,7 @@ using Table = std::vector<Operation>;
 
 inline constexpr int UnsupportedThere = 0x30005;
 
-/// The value with a moat to see a write that misses it.
+/// The value between two guard areas, which detect a write outside of it.
 template <typename Value>
 struct Guarded {
     static constexpr std::uint8_t mark = 0xc3;
@@ -66,8 +66,9 @@ struct Guarded {
         after.fill(mark);
     }
     void Check() const {
-        for (auto const& moat : {before, after}) {
-            EXPECT_TRUE(std::ranges::all_of(moat, [](std::uint8_t byte) { return byte == mark; })) << "wrote beside";
+        for (auto const& area : {before, after}) {
+            EXPECT_TRUE(std::ranges::all_of(area, [](std::uint8_t byte) { return byte == mark; }))
+                << "wrote outside of the output";
         }
     }
 
@@ -83,7 +84,7 @@ inline StatusInfo Take(IStatusInfo const& plain) {
     return {plain.StatusCode, Take(plain.Message)};
 }
 
-/// Runs a call on a poisoned output and looks at all that it left.
+/// Runs a call on a poisoned output and returns its outcome.
 template <typename Value>
 Outcome Look(Robot& robot, auto const& call, auto const& poison, auto const& image) {
     Guarded<Value> output;
@@ -95,17 +96,17 @@ Outcome Look(Robot& robot, auto const& call, auto const& poison, auto const& ima
         outcome.threw = true;
     }
     std::tie(outcome.image, outcome.cutImage) = image(output.value);
-    outcome.asked = robot.machine.Asked();
+    outcome.exchanges = robot.machine.Exchanges();
     output.Check();
     return outcome;
 }
 
-/// A plain record and how its class twin reads it. Texts in it are taken over, unless it is still poisoned.
+/// A plain record and its conversion to the record of the class. Frees the texts in it, unless it is still poisoned.
 template <typename Record, typename Plain>
 struct PlainOutput {
     static constexpr bool isSame = std::is_same_v<Record, Plain> || std::is_arithmetic_v<Plain>;
     static constexpr bool isTwin = !isSame && std::is_trivially_copyable_v<Record>;
-    static constexpr bool isPassedOn = isSame || isTwin; ///< to the class
+    static constexpr bool isPassedOn = isSame || isTwin; ///< the plain function passes it to the method
 
     static void Fill(Plain& plain) {
         if constexpr (isSame) {
@@ -130,15 +131,15 @@ struct PlainOutput {
     }
 };
 
-/// Adds an operation with the output `Record` on the class side and `Plain` on the other. `afterFailure` tells what the
-/// output holds when that exchange failed; a cleared record if it is not given.
+/// Adds an operation whose output is a `Record` for the method and a `Plain` for the plain function. `afterFailure` returns
+/// the content of the output after a failure of that exchange; the default is a cleared record.
 template <typename Record, typename Plain>
 void Add(
     Table& table, std::string const& name, Script const& script, auto onClass, auto onPlain, Traits const& traits = {},
     std::function<Record(std::size_t)> afterFailure = [](std::size_t) { return Record{}; }) {
     constexpr bool hasOutput = !std::is_same_v<Record, NoOutput>;
     Record const onOlder = traits.isUntouchedOnOlder ? Poisoned<Record>() : Record{};
-    // Records with texts are filled in any case: there is something to free then.
+    // Records with texts are always filled, because the caller frees the texts.
     Record const onOlderPlain = PlainOutput<Record, Plain>::isPassedOn ? onOlder : Record{};
     table.push_back({name, false, script, traits,
                      [onClass](Robot& robot) {
@@ -162,7 +163,7 @@ void Add(
                      Image(onOlderPlain, true), hasOutput});
 }
 
-/// Makes the two calls of a row: on the controller `c` with output `out`, and on the handle `h`.
+/// The two calls of a row: the method of controller `c` with output `out`, and the plain function with handle `h`.
 #define ON_CLASS(...) [](QuorvanController& c, [[maybe_unused]] auto& out) -> StatusInfo { return __VA_ARGS__; }
 #define ON_PLAIN(...) [](ControllerHandle h, [[maybe_unused]] auto* out) -> IStatusInfo { return __VA_ARGS__; }
 

@@ -22,7 +22,7 @@ void AddFiles(Table& table) {
     Script const save = TwoBlocks(0x16, firstBlock, std::string(blockSize, '2'));
     Script const list =
         TwoBlocks(0x32, std::string(blockSize - 2, ' ') + "A.", "JBI\r\n" + std::string(blockSize - 5, ' '));
-    // The status of a list's first exchange is dropped and its block kept.
+    // A list ignores the status of its first exchange and keeps the block.
     Traits const firstIsDropped{.ignored = {0}};
     Add<NoOutput, NoOutput>(table, "file_interface_LoadToControllerFromString", load,
                             ON_CLASS(c.Files->LoadToControllerFromString("A.DAT", content)),
@@ -40,7 +40,7 @@ void AddFiles(Table& table) {
             return status;
         },
         {}, [](std::size_t failed) { return failed == 0 ? "" : firstBlock; });
-    // The output is the file, which stays as it was.
+    // The output is the file, which does not change.
     Add<std::string, std::string>(
         table, "file_interface_SaveFromControllerToFile", save,
         [](QuorvanController& c, std::string& out) {
@@ -78,7 +78,7 @@ Motion Point() {
     return {.controlGroup = ControlGroupId::R1, .speed = 50.0, .moveType = MoveInterpolationType::Joint};
 }
 
-/// Points go into the queue and no further: nothing is asked.
+/// Points only enter the queue: no exchange takes place.
 void AddPoints(Table& table) {
     Traits const queued{.statusOnOlder = unsupportedSequence, .successMessage = "Point added to trajectory."};
     auto const add = [&](char const* name, auto onClass, auto onPlain) {
@@ -125,7 +125,7 @@ void AddMotion(Table& table) {
                             ON_PLAIN(motion_manager_MotionStart(h)), plain);
     Add<NoOutput, NoOutput>(table, "motion_manager_MotionStop", {{840}}, ON_CLASS(c.MotionManager->MotionStop(false)),
                             ON_PLAIN(motion_manager_MotionStop(h, false)), plain);
-    // The clear that follows a stop does not count.
+    // A failure of the clear that follows a stop is ignored.
     Add<NoOutput, NoOutput>(table, "motion_manager_MotionStop", {{840}, {841}},
                             ON_CLASS(c.MotionManager->MotionStop(true)), ON_PLAIN(motion_manager_MotionStop(h, true)),
                             {.codes = codes, .statusOnOlder = unsupportedSequence, .ignored = {1}});
@@ -158,7 +158,7 @@ void AddConversion(Table& table, KinematicConversions conversion, Script const& 
         },
         {.codes = codes, .statusOnOlder = unsupportedSequence, .isUntouchedOnOlder = true},
         [=](std::size_t) {
-            // One conversion names its type after a failure too.
+            // One conversion sets the type of its output after a failure too.
             bool const hasType = conversion == KinematicConversions::CartesianPosToJointAngle;
             return PositionData{.coordinateType = hasType ? CoordinateType::JointAngle : CoordinateType::Pulse};
         });

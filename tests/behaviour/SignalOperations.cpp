@@ -5,7 +5,7 @@ namespace {
 
 constexpr int invalidAddress = 40961;
 constexpr int outputClass = static_cast<int>(IOType::GeneralOutput);
-constexpr unsigned firstOutput = 10010; ///< of the first general output
+constexpr unsigned firstOutput = 10010; ///< address of the first general output
 
 Script const readByte{{120, Pattern(1)}};
 Script const readWord{{120, Pattern(1)}, {120, Pattern(1)}};
@@ -60,19 +60,19 @@ struct Place {
     int plainType = static_cast<int>(type);
 };
 
-/// A write by both roads: to a network input byte by byte, and to a general output signal by signal.
-void AddWrite(Table& table, char const* name, Script const& olderRoad, std::size_t signals, bool isByAddress,
+/// A write with both kinds of commands: byte by byte to a network input, and signal by signal to a general output.
+void AddWrite(Table& table, char const* name, Script const& olderScript, std::size_t signals, bool isByAddress,
               auto onClass, auto onPlain) {
     auto const add = [&](Place const& place, Script const& script, int statusOnOlder) {
         Add<NoOutput, NoOutput>(
             table, name, script, [=](QuorvanController& c, NoOutput&) { return onClass(*c.IO, place); },
             [=](ControllerHandle h, NoOutput*) { return onPlain(h, place); }, {.statusOnOlder = statusOnOlder});
     };
-    add({IOType::NetworkInput, 27010}, olderRoad, isByAddress ? invalidAddress : 0);
+    add({IOType::NetworkInput, 27010}, olderScript, isByAddress ? invalidAddress : 0);
     add({IOType::GeneralOutput, firstOutput}, Script(signals, {909}), invalidAddress);
 }
 
-/// Writes go from a variable of the type that tells the overloads apart.
+/// The type of `Value` selects the overload.
 template <typename Value>
 auto ByClass(auto write) {
     return [=](IOInterface& io, Place const& place) {
@@ -123,7 +123,7 @@ void AddWrites(Table& table) {
 }
 
 void AddRegisters(Table& table) {
-    // What is refused as an instance is another thing for a write, which goes the way of variables.
+    // A refused instance has another code for a write, because a write converts codes like a variable.
     Traits const reading{.codes = {{40961, 65535}}};
     Traits const writing{.codes = {{40961, 0x30008}}};
     static constexpr unsigned value = 0xa5;

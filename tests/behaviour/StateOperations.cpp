@@ -10,7 +10,7 @@ Bytes const wireAlarm = Words({4107, 3, 0}) + Text("2026/11/21 10:00") + Text("O
 AlarmData const readAlarm{4107, 3, "2026/11/21 10:00", "OVERRUN" + std::string(25, '\0')};
 Bytes const robotPosition = Words({16, 5, 1, 2, 3, 11, 22, 33, 44, 55, 66, 77, 88});
 
-/// A list that was read up to the place whose exchange failed.
+/// The list of alarms that were read before an exchange failed.
 template <typename Alarms>
 Alarms ReadUpTo(std::size_t failed) {
     Alarms list;
@@ -44,12 +44,12 @@ void AddState(Table& table) {
 
 void AddGroups(Table& table) {
     std::map<int, int> const codes{{40961, 40961 - groupOffset}};
-    // The older road converts what a refusal carries, and so does the read of torque.
+    // The older command and the read of torque also decode the payload of a refusal.
     Add<PositionData, ::PositionData>(
         table, "control_group_interface_read_position_data", {{117, robotPosition}},
         ON_CLASS(c.ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, out)),
         ON_PLAIN(control_group_interface_read_position_data(h, 1, 0, 0, 0, out)),
-        {.codes = codes, .handsOutRefusals = true});
+        {.codes = codes, .decodesRefusals = true});
     Add<PositionData, ::PositionData>(
         table, "control_group_interface_read_position_data",
         {{829, Words({2}) + U16(3) + U16(1) + Words({5, 0, 11, 22, 33, 44, 55, 66, 77, 88})}},
@@ -68,7 +68,7 @@ void AddGroups(Table& table) {
     Add<TorqueData, ::TorqueData>(table, "control_group_interface_read_torque_data", {{119, Pattern(32)}},
                                   ON_CLASS(c.ControlGroup->ReadTorqueData(ControlGroupId::R1, out)),
                                   ON_PLAIN(control_group_interface_read_torque_data(h, 1, out)),
-                                  {.codes = codes, .handsOutRefusals = true},
+                                  {.codes = codes, .decodesRefusals = true},
                                   [](std::size_t) { return TorqueData{.controlGroup = ControlGroupId::R1}; });
 }
 
@@ -80,7 +80,7 @@ void AddFaults(Table& table) {
                                      ON_CLASS(c.Faults->GetAlarmHistory(AlarmCategory::Minor, 3, out)),
                                      ON_PLAIN(fault_interface_get_alarm_history(h, 1000, 3, out)), {},
                                      ReadUpTo<AlarmHistory>);
-    // The cancelling comes first and does not count.
+    // The exchange that cancels the error comes first, and its failure is ignored.
     Add<NoOutput, NoOutput>(table, "fault_interface_clear_all_faults", {{130}, {130}},
                             ON_CLASS(c.Faults->ClearAllFaults()), ON_PLAIN(fault_interface_clear_all_faults(h)),
                             {.ignored = {0}});
@@ -101,7 +101,7 @@ void AddJobs(Table& table) {
 }
 
 void AddCommands(Table& table) {
-    // The mode is asked for in any case, and once more for the words of a refusal.
+    // The operation always reads the mode, and after a refusal once more for the text.
     Add<NoOutput, NoOutput>(table, "control_commands_interface_SetServos", {{131}, {114, Words({0x40})}},
                             ON_CLASS(c.ControlCommands->SetServos(SignalStatus::On)),
                             ON_PLAIN(control_commands_interface_SetServos(h, 1)),

@@ -8,7 +8,7 @@
 #include "simulator/network/Server.h"
 #include "support/LoopbackAddress.h"
 
-// How connections end, in every state, and how they live side by side.
+// Closing connections in every state, and several connections at the same time.
 
 namespace harvlink::test {
 namespace {
@@ -17,16 +17,16 @@ constexpr unsigned startCommand = 839, clearCommand = 841, targetCommand = 842;
 constexpr std::uint16_t bufferFull = 65520;
 constexpr std::uint16_t servoOff = 65534;
 
-/// A connection to a controller that takes every point, unless it is told otherwise, and counts what it is sent.
+/// A connection to a controller that accepts every point, unless `refusal` is set, and counts the datagrams.
 struct Cell {
     Cell() {
         robot.machine.AnswerAll([this](unsigned command) { return Answer(command); });
     }
 
     std::optional<std::uint16_t> Answer(unsigned command) {
-        ++asked;
+        ++exchanges;
         if (command == clearCommand && refusal == bufferFull) {
-            refusal = 0; // an emptied buffer has room
+            refusal = 0; // the cleared buffer has room
         }
         if (command == targetCommand) {
             ++targets;
@@ -52,25 +52,25 @@ struct Cell {
     void Close() { robot.controller.reset(); }
 
     std::atomic<unsigned> targets = 0;
-    std::atomic<unsigned> asked = 0;
+    std::atomic<unsigned> exchanges = 0;
     std::atomic<std::uint16_t> refusal = 0;
-    std::atomic<bool> isGone = false; ///< the network, but for the start
+    std::atomic<bool> isGone = false; ///< only the start is answered
     Robot robot;
 };
 
 TEST(Teardown, SendsNothingUnlessTheMonitorRuns) {
     Cell idle;
     idle.Close();
-    EXPECT_EQ(idle.asked, 0U);
+    EXPECT_EQ(idle.exchanges, 0U);
     Cell queued;
     queued.Add(1000);
     queued.Close();
-    EXPECT_EQ(queued.asked, 0U);
+    EXPECT_EQ(queued.exchanges, 0U);
     Cell stopped;
     stopped.Start();
     EXPECT_EQ(stopped.robot.controller->MotionManager->MotionStop(false).StatusCode, 0);
     stopped.Close();
-    EXPECT_EQ(stopped.asked, 2U);
+    EXPECT_EQ(stopped.exchanges, 2U);
 }
 
 TEST(Teardown, QueueIsSentToItsEndOrItsFirstFailure) {
@@ -79,22 +79,22 @@ TEST(Teardown, QueueIsSentToItsEndOrItsFirstFailure) {
     good.Start();
     good.Close();
     EXPECT_EQ(good.targets, 1000U);
-    EXPECT_EQ(good.asked, 1000U + 3) << "the start and two settings";
+    EXPECT_EQ(good.exchanges, 1000U + 3) << "the start and two settings";
     Cell gone;
     gone.isGone = true;
     gone.Add(1000);
     gone.Start();
     gone.Close();
-    EXPECT_EQ(gone.asked, 1U + 3) << "the start, and three time-outs: a setting, an alarm, a clear";
+    EXPECT_EQ(gone.exchanges, 1U + 3) << "the start, and three time-outs: a setting, an alarm, a clear";
     Cell refusing;
     refusing.refusal = servoOff;
     refusing.Add(1000);
     refusing.Start();
     refusing.Close();
-    EXPECT_EQ(refusing.asked, 1U + 5);
+    EXPECT_EQ(refusing.exchanges, 1U + 5);
 }
 
-/// This edge is meant: a full buffer is waited for without bound.
+/// On purpose, the library waits without limit for room in a full buffer.
 TEST(Teardown, FullBufferIsWaitedFor) {
     Cell cell;
     cell.refusal = bufferFull;
@@ -125,11 +125,11 @@ TEST(Teardown, StopThatClearsEndsTheWaitForAFullBuffer) {
     EXPECT_LE(cell.targets, before + 1) << "the point that was being sent";
 }
 
-/// One thread of one of many connections: what it writes it reads again, whatever the others do.
+/// One thread of one of many connections. It reads back the values that it wrote, in spite of the others.
 void UseController(std::string const& address, std::mutex& opening, unsigned short own,
                    std::atomic<unsigned>& correct) {
     StatusInfo status;
-    std::unique_lock lock(opening); // transfers files, which is one at a time on a controller
+    std::unique_lock lock(opening); // opening transfers files, and a controller allows one transfer at a time
     Connection const robot = Connect(address, status, 8000, 0, false);
     lock.unlock();
     ASSERT_TRUE(robot) << status;

@@ -6,7 +6,7 @@ namespace {
 constexpr unsigned short variableNumber = 7;
 std::map<int, int> const invalidIndex{{40961, 0x30008}};
 
-/// Reading and writing of one kind: the kinds differ in their names, command and record.
+/// Read and write of one kind. The kinds differ in name, command and record.
 template <typename Record, typename Plain>
 void AddKind(Table& table, std::string const& kind, unsigned command, Bytes const& value,
              VariableInterface<Record>* VariablesInterface::*variables,
