@@ -28,7 +28,8 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
         VirtualController controller("127.0.0.1", scene.Options());
         controller.WithParts([&](ControllerParts& parts) {
             scene.ApplyTo(parts);
-            Require(parts.model.state.generation == scene.Options().generation, "the controller has the generation of the scene");
+            Require(parts.model.state.generation == scene.Options().generation,
+                    "the controller has the generation of the scene");
         });
         controller.Tick();
     } catch (SceneError const& error) {

@@ -18,7 +18,7 @@ struct FreeText {
 };
 using OwnedText = std::unique_ptr<char, FreeText>;
 
-/// A task with more or fewer jobs than a controller at rest has.
+/// A task with more or fewer jobs than that of an idle controller.
 class StackedJobs final : public JobInterface {
 public:
     explicit StackedJobs(std::vector<std::string> jobs) : jobs_(std::move(jobs)) {}

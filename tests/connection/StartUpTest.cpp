@@ -18,7 +18,7 @@ constexpr std::uint32_t lastBlock = 0x80000001;
 constexpr char const* creationFailed =
     "Unable to create the QuorvanController object. Check the Robot Controller setup documentation.";
 
-/// A controller at its start-up, and what came of opening a connection to it.
+/// A controller, and the result of opening a connection to it.
 class StartUp : public testing::Test {
 protected:
     void ExpectFile(char const* name, std::string_view content) {
@@ -45,7 +45,7 @@ protected:
         PositionData position;
         return connection->ControlGroup->ReadPositionData(group, CoordinateType::Pulse, 0, 0, position).StatusCode;
     }
-    /// The groups that are attached: only for these a position is asked for.
+    /// Checks the attached groups: the library reads a position only for these.
     void ExpectAttached(Connection const& connection, std::vector<ControlGroupId> const& groups) {
         for (ControlGroupId const group : {R1, R2, R3, B1, B2, S1, S2}) {
             bool const isAttached = std::ranges::find(groups, group) != groups.end();
@@ -79,7 +79,7 @@ TEST_F(StartUp, NewGenerationInExactOrder) {
                 c.ControlCommands && c.MotionManager && c.Kinematics);
     ExpectAttached(connection, {R1, R2, B2, S1});
 
-    PositionData position; // the number of axes and of tools went to whom they concern
+    PositionData position; // its reads depend on the numbers of axes and tools that opening has read
     Bytes const eightAxes = Words({0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8});
     for (ControlGroupId const group : {R1, R2}) {
         controller.Expect(RobotRequest(117, static_cast<unsigned>(group), 0, 1), Payload(eightAxes));
@@ -184,7 +184,7 @@ TEST_F(StartUp, HeadersOfAnotherVersionAreRefusedUnheard) {
 }
 
 TEST_F(StartUp, SocketsThatCannotBeMadeAreReportedAndReleased) {
-    // Once as usual: some sanitizers look at a type through a pipe of theirs when they first see it.
+    // Open once as usual: some sanitizers use a pipe when they see a type for the first time.
     controller.Expect(RobotRequest(137, 11, 0, 1), Refusal(8));
     EXPECT_FALSE(Open());
     rlimit limit{};

@@ -75,7 +75,7 @@ TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
             }
         }));
     }
-    callers.clear(); // waits for them
+    callers.clear(); // joins them
     session.record->periods.clear();
     session.Exchange();
     EXPECT_EQ(session.record->periods.at(0).tv_usec, 30000);

@@ -79,7 +79,7 @@ TEST(ControlGroup, ExtendedRoadRequests) {
         EXPECT_EQ(session.position.axes[7], example.group == R2 ? 8.0 : 0.0);
         EXPECT_EQ(session.position.figure.lAngle, AxisAngle::LessThan180);
     }
-    // Pulses take the older road, whatever numbers come with them.
+    // Pulses use the older command, for any tool and user coordinate.
     session.controller.Expect(RobotRequest(117, 1, 0, 1), Payload(Words({0, 0, 3, 0, 0, -1})));
     EXPECT_EQ(session.Read(R1, Pulse, 255, 255).StatusCode, 0);
     EXPECT_EQ(session.position.axes[0], -1.0);
@@ -108,7 +108,7 @@ TEST(ControlGroup, ArgumentsAreRefusedBeforeAnythingIsSent) {
         {"YA", R1, UserCoordinate, 0, 5, 45069, "Tool Number is out of range."},
         {"YA", R1, UserCoordinate, 0, 4, 45070, "User Coordinate Number is out of range."},
         {"YA", R1, UserCoordinate, 64, 0, 45070, "User Coordinate Number is out of range."},
-        // Silence about the tool, on purpose.
+        // The tool is not checked here, on purpose.
         {"YA", R1, BaseCoordinate, 0, 5, 0, "OK"},
         {"YA", R1, RobotCoordinate, 0, 255, 0, "OK"},
     };

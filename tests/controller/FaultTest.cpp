@@ -12,7 +12,7 @@ Reply Alarm(unsigned code) {
 
 class Fault : public testing::Test {
 protected:
-    /// Expects one request for each reply, for a row of instances.
+    /// Expects one request for each reply, with consecutive instances.
     void ExpectReads(unsigned command, unsigned firstInstance, std::vector<Reply> const& replies) {
         for (Reply const& reply : replies) {
             controller.Expect(RobotRequest(command, firstInstance++, 0, 1), reply);
@@ -36,7 +36,7 @@ TEST_F(Fault, AllFourPlacesAreRead) {
     EXPECT_EQ(active.alarms[1].code, 0U);
     EXPECT_EQ(active.alarms[1].time, std::string(16, '\0'));
     EXPECT_EQ(active.alarms[2].code, UINT32_MAX);
-    // The printer walks as many places as were counted, so it shows the empty one and not the second alarm.
+    // The output operator prints as many places as were counted, so it shows the empty one and not the second alarm.
     std::string const none(32, '\0');
     EXPECT_EQ(Printed(active), "2 alarms active.\nAlarm 1 : Code: 4107\nSubcode: 4108\nTime: 2026/11/21 12:34\nName: " +
                                    active.alarms[0].name +
@@ -46,7 +46,7 @@ TEST_F(Fault, AllFourPlacesAreRead) {
     EXPECT_EQ(fault.GetActiveAlarms(active).StatusCode, 8288);
     EXPECT_EQ(active.numberOfAlarms, 2U);
     EXPECT_EQ(active.alarms[1].code, 2U);
-    EXPECT_EQ(active.alarms[2].code, 0U); // of the call before nothing is left
+    EXPECT_EQ(active.alarms[2].code, 0U); // nothing is left from the call before
     EXPECT_EQ(Printed(ActiveAlarms()) + Printed(AlarmHistory()), "No active alarms.No alarms in history.");
 }
 

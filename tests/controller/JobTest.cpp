@@ -15,7 +15,7 @@ protected:
 
 constexpr char const* alarm = "There is an active Error or Alarm.";
 
-/// The codes of the small table come back negative.
+/// Codes of the job table become negative.
 struct {
     std::uint16_t code;
     int reported;
@@ -37,7 +37,7 @@ TEST_F(Job, SelectsByNameAndLine) {
         char const* message;
     } const cases[] = {
         {"job1.jbi", 0, "JOB1", 0, "OK"},
-        {"JOB.JBI.jbi", 9999, "JOB.JBI", 0, "OK"}, // only one extension
+        {"JOB.JBI.jbi", 9999, "JOB.JBI", 0, "OK"}, // only one extension is removed
         {".JBI", 1, "", 0, "OK"},
         {"", 1, "", 0, "OK"},
         {"JBI", 1, "JBI", 0, "OK"},

@@ -115,7 +115,7 @@ TEST_F(ControllerState, TimesAreParsed) {
     struct {
         char const* start;
         char const* elapsed;
-        char const* printed; ///< or which exception, by the first field that can't be read
+        char const* printed; ///< or the exception, named by the first field that cannot be parsed
     } const cases[] = {
         {"2011/10/04 15:45", "000123:45'06",
          "Start Time Epoch: 1317743100\nElapsed Time: 123 Hours : 45 Minutes : 6 Seconds."},

@@ -119,7 +119,7 @@ TEST_F(FileOperations, JobFromPathIsLookedForInTheList) {
         EXPECT_GE(std::chrono::steady_clock::now() - start,
                   std::chrono::milliseconds(100) * (example.lists.size() - 1));
     }
-    // A list that fails leaves its code, under the same words.
+    // A failed list gives its own code with the same text.
     ExpectLoad("TEST.JBI", {job.substr(0, 479), job.substr(479)});
     for (int i = 0; i < 5; ++i) {
         controller.Expect(FileRequest(listFile, Text("*.JBI")), Block(1, ""));
@@ -128,7 +128,7 @@ TEST_F(FileOperations, JobFromPathIsLookedForInTheList) {
     StatusInfo const failed = files.LoadToControllerFromPath("test.jbi");
     EXPECT_EQ(failed.StatusCode, 58436);
     EXPECT_EQ(failed.Message, unconfirmed);
-    // From a text it is not looked for.
+    // A load from a text does not look for it.
     ExpectLoad("TEST.JBI", {"//NAME TEST"});
     EXPECT_EQ(files.LoadToControllerFromString("test.jbi", "//NAME TEST").StatusCode, 0);
 }
@@ -163,7 +163,7 @@ TEST_F(FileOperations, ListGoesOnBehindAnError) {
     ExpectAcknowledgement(listFile, lastBlock + 1);
     EXPECT_EQ(files.ListFiles(FileType::DataFile, names, false).StatusCode, 0);
     EXPECT_EQ(names, (std::vector<std::string>{"A.DAT", "B.DAT"}));
-    // An error with the end mark is acknowledged, and is the result.
+    // An error in a last block is acknowledged, and is the result.
     refusal.block = lastBlock;
     controller.Expect(request, refusal);
     ExpectAcknowledgement(listFile, lastBlock);

@@ -17,7 +17,7 @@ inline Reply Block(std::uint32_t number, std::string_view text) {
     return {.payload = Text(text), .block = number};
 }
 
-/// A file handler, the controller that it talks to, and a working directory of the test's own.
+/// A file handler, its controller, and a working directory for this test.
 class FileSession : public testing::Test {
 protected:
     void ExpectAcknowledgement(unsigned service, std::uint32_t block, Replies replies = {}) {

@@ -88,11 +88,11 @@ TEST_F(IOAddressMap, EveryClassOfEveryGeneration) {
             EXPECT_EQ(address(count + 1, 0, 0x20009), 0U);
             EXPECT_EQ(address(0, 0, 0x20009), 0U);
             EXPECT_EQ(address(1, 8, 0x10004), 0U);
-            EXPECT_EQ(address(count + 1, 8, 0x20009), 0U); // the group is looked at first
+            EXPECT_EQ(address(count + 1, 8, 0x20009), 0U); // the group is checked first
 
             auto const [lowest, highest] = Column(rows[row].addresses, column);
             bool const isNew = versions[column] > VersionFS || versions[column] == VersionUnknown;
-            auto const road = [&](unsigned signal) {
+            auto const writability = [&](unsigned signal) {
                 StatusInfo status;
                 int const result = static_cast<int>(io.CheckAddressWriteable(signal, status, true));
                 return result * 1000000 + status.StatusCode;
@@ -102,10 +102,10 @@ TEST_F(IOAddressMap, EveryClassOfEveryGeneration) {
                                  : !isNew                                               ? unknown
                                  : type == GeneralOutput || type == InterfacePanelInput ? 0
                                                                                         : 2000000 + 0x30007;
-            EXPECT_EQ(road(lowest - 1), unknown);
-            EXPECT_EQ(road(lowest), expected);
-            EXPECT_EQ(road(highest), expected);
-            EXPECT_EQ(road(highest + 1), unknown);
+            EXPECT_EQ(writability(lowest - 1), unknown);
+            EXPECT_EQ(writability(lowest), expected);
+            EXPECT_EQ(writability(highest), expected);
+            EXPECT_EQ(writability(highest + 1), unknown);
         }
     }
 }
@@ -128,7 +128,7 @@ TEST_F(IOAddressMap, EdgesOfTheTables) {
     EXPECT_TRUE(io.IsAddressValid(60010, network, panel, output) && panel && !network && !output);
     EXPECT_TRUE(io.IsAddressValid(29567, network, panel, output) && network && !panel && !output);
 
-    EXPECT_TRUE(io.IsGroupValid(GeneralInput, {}, 9)); // whatever the table says
+    EXPECT_TRUE(io.IsGroupValid(GeneralInput, {}, 9)); // independent of the table
     EXPECT_FALSE(io.IsGroupValid(GeneralInput, {}, 10));
     EXPECT_TRUE(io.IsGroupValid(ExternalInput, {2000, 5}, 0));
     EXPECT_FALSE(io.IsGroupValid(ExternalInput, {2000, 5}, 6));
@@ -138,7 +138,7 @@ TEST_F(IOAddressMap, EdgesOfTheTables) {
         EXPECT_EQ(status.StatusCode, 0x20009);
         EXPECT_EQ(status.Message, "This IO group is invalid.");
     }
-    manager->controllerVersion = VersionDS; // the ranges follow when told to
+    manager->controllerVersion = VersionDS; // the ranges change only on request
     EXPECT_EQ(io.CheckAddressWriteable(25010, status, true), WriteCommand::Refused);
     io.SetMinMaxVals();
     EXPECT_EQ(io.CheckAddressWriteable(25010, status, true), WriteCommand::Group);

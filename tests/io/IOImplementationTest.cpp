@@ -39,7 +39,7 @@ Exchange Get(unsigned instance, Reply reply) {
 Exchange Get(unsigned instance, int byte) {
     return Get(instance, Payload(U8(byte)));
 }
-/// A number travels as one byte, a bit set in its width in memory.
+/// A number is sent as one byte, a bit set with its size in memory.
 Exchange PutNumber(unsigned instance, int byte, Reply reply = {}) {
     return {RobotRequest(120, instance, 1, 16, U8(byte)), std::move(reply)};
 }
@@ -143,7 +143,7 @@ TEST_F(IOOperations, ReadBytes) {
     using Number = std::uint8_t;
     ExpectRead(VersionYA, At(27013), {}, 40961, invalidAddress, Set());
     ExpectRead(VersionYA, At(27013), {}, 40961, invalidAddress, Number());
-    ExpectRead(VersionFS, At(99990), {Get(9999, 0x5a)}, 0, ok, Set(0x5a)); // no range is looked at
+    ExpectRead(VersionFS, At(99990), {Get(9999, 0x5a)}, 0, ok, Set(0x5a)); // no range is checked
     ExpectRead(VersionFS, At(655370), {Get(1, 0x5a)}, 0, ok, Number{0x5a}); // 16 bits of instance
     // The number form of general inputs reads one group above.
     ExpectRead(VersionYA, {GeneralInput, 1}, {Get(1, 1)}, 0, ok, Set(1));
@@ -166,7 +166,7 @@ TEST_F(IOOperations, ReadWords) {
     ExpectRead(VersionYA, At(15), {}, 40961, invalidAddress, Number());
     ExpectRead(VersionYA, {GeneralInput, 1}, {Get(1, 1), Get(2, 2)}, 0, ok, Number{0x0201});
     ExpectRead(VersionYA, {GeneralInput, 0}, {}, 0x20009, invalidGroup, Number());
-    // The last group too, though its high byte is the next class's.
+    // The last group too, although its high byte belongs to the next class.
     ExpectRead(VersionYA, {ExternalInput, 512}, {Get(2512, 1), Get(2513, 2)}, 0, ok, Set(0x0201));
     ExpectRead(VersionYA, {ExternalInput, 513}, {}, 0x20009, invalidGroup, Set());
 }
@@ -200,7 +200,7 @@ TEST_F(IOOperations, WriteBytes) {
     ExpectWrite(VersionYA, {GeneralOutput, 512}, Number{0x0f}, Signals(1512, 0x0f, 8), 0, ok);
     ExpectWrite(VersionYA, {GeneralOutput, 513}, Number{0x0f}, {}, 0x20009, invalidGroup);
     ExpectWrite(VersionYA, {NetworkInput, 256}, Set(1), {PutSet(2956, 1)}, 0, ok);
-    // General inputs: no low groups, and nothing is subtracted. 256 x 10 + 10 is beyond the addresses of DS.
+    // General inputs have no low groups, and nothing is subtracted. 256 x 10 + 10 is beyond the addresses of DS.
     ExpectWrite(VersionYA, {GeneralInput, 1}, Number{1}, {}, 0x30007, notWritable);
     ExpectWrite(VersionDS, {GeneralInput, 256}, Set(1), {}, 40961, invalidAddress);
     ExpectWrite(VersionYA, {static_cast<IOType>(-1), 0}, Set(1), {}, 0x20009, invalidGroup);
@@ -234,7 +234,7 @@ TEST_F(IOOperations, RegistersReadAndWriteUnevenly) {
         unsigned value;
     } const reads[] = {
         {5, Payload(U16(0xfedc)), 0, ok, 0xfedc},
-        {3000, Payload(U16(1)), 0, ok, 1}, // no bound here
+        {3000, Payload(U16(1)), 0, ok, 1}, // the index has no limit here
         {65535, Refusal(40961), 65535, "Register address is invalid.", 0},
     };
     for (auto const& [index, reply, code, message, value] : reads) {

@@ -20,7 +20,7 @@ EulerMatrix Frame(Matrix const& m) {
     return {m[0][0], m[1][0], m[2][0], m[0][1], m[1][1], m[2][1], m[0][2], m[1][2], m[2][2], m[0][3], m[1][3], m[2][3]};
 }
 
-/// The same sum in the same order, by indexes.
+/// The same sum in the same order, written with indexes.
 Matrix Product(Matrix const& f, Matrix const& g) {
     Matrix out{};
     for (std::size_t row = 0; row < 3; ++row) {
@@ -34,7 +34,7 @@ Matrix Product(Matrix const& f, Matrix const& g) {
     return out;
 }
 
-/// Rz, Ry and Rx one after the other, which is not how the library does it.
+/// Rz, Ry and Rx one after the other, unlike the library.
 Matrix Turned(double rx, double ry, double rz, std::array<double, 3> p = {}) {
     auto const about = [](std::size_t axis, double angle) {
         double const s = std::sin(angle * degree), c = std::cos(angle * degree);
@@ -161,7 +161,7 @@ TEST(FrameMath, EdgesOfTheDomain) {
     for (double const zero : {pose.x, pose.y, pose.z, pose.rx, pose.ry, pose.rz}) {
         EXPECT_EQ(zero, 0.0);
     }
-    // Gimbal position, nx and ny exactly 0: all of the turn about the vertical goes to rx.
+    // Gimbal lock with nx and ny exactly 0: rx gets the whole rotation about the vertical.
     for (double const sign : {1.0, -1.0}) {
         Matrix const turned = Turned(30, 90 * sign, 70);
         EulerMatrix gimbal = Frame(turned);
@@ -175,13 +175,13 @@ TEST(FrameMath, EdgesOfTheDomain) {
     FrameToZYXeuler(&negativeZeros, &pose);
     EXPECT_EQ(pose.rz, -180.0);
 
-    XyzVector const twice{0, 0, 2}; // an axis is used as it is given
+    XyzVector const twice{0, 0, 2}; // the axis is not normalised
     RotateFrame(&identity, &twice, &out, 60.0);
     EXPECT_NEAR(out.az, 4 * 0.5 + 0.5, 1e-12);
     EulerMatrix broken = identity;
     broken.ox = INFINITY;
     RotateFrame(&broken, &twice, &out, 0.0);
-    EXPECT_TRUE(std::isnan(out.px)); // the product by zero is carried out
+    EXPECT_TRUE(std::isnan(out.px)); // the multiplication by zero takes place
     EXPECT_EQ(out.py, 0.0);
 
     std::ostringstream text;

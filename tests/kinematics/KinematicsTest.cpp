@@ -16,7 +16,7 @@ std::string Printed(PositionData const& position) {
     return stream.str();
 }
 
-/// The 48 bytes of a position on the extended road.
+/// The 48 bytes of a position in an extended command.
 Bytes Wire(int type, std::vector<std::int64_t> axes, int figure = 0, int tool = 0, int user = 0) {
     axes.resize(8);
     return U32(type) + U16(user) + U16(tool) + Words({figure, 0}) + Words(axes);
@@ -69,7 +69,7 @@ TEST_F(Conversions, ChainsAndTheirResults) {
         std::vector<std::pair<Bytes, Bytes>> exchanges;
         PositionData expected;
     } const cases[] = {
-        // Joint angles go in whatever the type claims; what comes back keeps the type of the reply.
+        // The input counts as joint angles, whatever its type. The output has the type of the reply.
         {JointAngleToCartesianPos, CoordinateType::Pulse, {{Conversion(866, jointAngles), last}}, cartesian},
         {JointAngleToPulse, CoordinateType::Undefined, {{Conversion(869, jointAngles), reply}}, angles},
         {PulseToJointAngle, CoordinateType::Pulse, {{Conversion(868, pulses), reply}}, marked},
@@ -114,7 +114,7 @@ TEST_F(Conversions, FromCartesian) {
     controller.Expect(request, Refusal(65531));
     EXPECT_EQ(convert(CartesianPosToPulse).Message, "Inverse kinematics wrong.");
 
-    // Without previous angles zeros go out; without a type nothing does.
+    // Without previous angles the library sends zeros; without a type it sends nothing.
     UAPIPositionData out;
     StatusInfo status;
     controller.Expect(RobotRequest(867, 0, 0, 1, Words({0, 0}) + Bytes(48) + Bytes(32) + U32(2)), Payload(angles));
@@ -173,7 +173,7 @@ TEST_F(Conversions, GroupsAndAliasing) {
             kinematics.ConvertPosition(static_cast<ControlGroupId>(id), input, PulseToJointAngle, result).StatusCode,
             0);
     }
-    // One record for both is cleared before it is read.
+    // If both are the same record, it is cleared before it is read.
     controller.Expect(Conversion(868, Wire(0, {})), Payload(Wire(1, {10000})));
     PositionData both = Sample();
     EXPECT_EQ(kinematics.ConvertPosition(ControlGroupId::R1, both, PulseToJointAngle, both).StatusCode, 0);

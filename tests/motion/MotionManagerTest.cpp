@@ -81,7 +81,7 @@ TEST(MotionManager, RefusedStepLeavesTheQueueAlone) {
               "Speed value is out of range for a joint move. Valid range is 0.01 - 100.00%.");
     Motion noMove = unknown;
     noMove.moveType = MoveInterpolationType::NoMove;
-    EXPECT_EQ(AddMessage(manager, {noMove}, 3370), text + "first target submitted."); // its group counts all the same
+    EXPECT_EQ(AddMessage(manager, {noMove}, 3370), text + "first target submitted."); // its group counts too
     noMove.controlGroup = ControlGroupId::R1;
     EXPECT_EQ(AddMessage(manager, {noMove, tooFast}, 0x30001).substr(0, 5), "Speed");
     EXPECT_EQ(AddMessage(manager, {noMove}, 0), "Point added to trajectory."); // a step without groups
@@ -118,7 +118,7 @@ TEST(MotionManager, OperationsAndTheirCodes) {
         char const* message;
     } const refusals[] = {
         {65445, -49934555, "Tool is unspecified when requested coordinate system is tool"},
-        {65520, -49934480, "Timeout"}, // only a target waits for room
+        {65520, -49934480, "Timeout"}, // only a target is repeated until there is room
         {65505, 65505, "Could not find an error description with that code."},
     };
     for (auto const& operation : operations) {
@@ -139,9 +139,9 @@ TEST(MotionManager, OperationsAndTheirCodes) {
     EXPECT_EQ(manager.GetMotionTargetProgress(ControlGroupId::R2, status), 0.0);
     EXPECT_EQ(status.StatusCode, 65504);
     EXPECT_EQ(status.Message, "Group does not exist.");
-    session.controller.Expect(ProgressRequest(0), Payload(Little(-1, 8))); // handed on as it stands
+    session.controller.Expect(ProgressRequest(0), Payload(Little(-1, 8))); // returned unchanged
     EXPECT_TRUE(std::isnan(manager.GetMotionTargetProgress(ControlGroupId::R1, status)));
-    session.controller.Expect(startRequest); // the monitor runs already
+    session.controller.Expect(startRequest); // the monitor is already running
     EXPECT_EQ(manager.MotionStart().StatusCode, 0);
 }
 

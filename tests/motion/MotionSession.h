@@ -10,7 +10,7 @@ namespace harvlink::test {
 inline Bytes SlotRead(int parameter) {
     return RobotRequest(924, 0, 0, 1, Words({11, 0, parameter}));
 }
-/// Any of the writing motion commands.
+/// The request of a motion command that writes.
 inline Bytes MotionRequest(unsigned command, std::vector<std::int64_t> const& words) {
     return RobotRequest(command, 0, 0, 2, Words(words));
 }
@@ -21,7 +21,7 @@ inline Bytes AlarmRequest(std::string_view text, int subCode) {
     return RobotRequest(916, 0, 0, 2, U16(8015) + Text(text.substr(0, 31), 32) + U8(subCode) + U8(0));
 }
 
-/// One group's target, of eight axes each or fewer.
+/// The target of one group, with eight or fewer axes.
 inline Bytes WireTarget(int moveType, std::vector<std::int64_t> axes, std::vector<std::int64_t> middle = {}) {
     axes.resize(8);
     middle.resize(8);
@@ -41,7 +41,7 @@ inline Bytes TargetRequest(std::map<unsigned, Bytes> const& targets) {
 inline unsigned CommandOf(Datagram const& datagram) {
     return datagram.bytes[24] + 256U * datagram.bytes[25];
 }
-/// Of the first slot of a target datagram.
+/// An axis in the first slot of a target datagram.
 inline int AxisOf(Datagram const& datagram, std::size_t axis) {
     auto const* const bytes = &datagram.bytes[44 + 4 * axis];
     return bytes[0] + 256 * bytes[1] + 65536 * bytes[2];
@@ -75,7 +75,7 @@ struct MotionSession {
         before = controller.Received().size();
     }
 
-    /// What came since the manager was made, after waiting for at least `count`.
+    /// The datagrams since the manager was made, after waiting for at least `count`.
     std::vector<Datagram> Sent(std::size_t count = 0) {
         auto all = controller.Received(before + count);
         all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(before));

@@ -11,7 +11,7 @@ using enum CoordinateType;
 using enum TargetControlGroup;
 using Setter = std::function<void(Motion&)>;
 
-/// A line whose every setting differs from what a fresh manager takes for told.
+/// A line in which every setting differs from those that a new manager takes as already sent.
 Motion FullLine() {
     Motion motion = Point(1);
     motion.moveType = Line;
@@ -50,7 +50,7 @@ TEST(MotionSettings, GoOutInTheirOrderAndOnlyOnce) {
     second.position.axes = {0, 0, 0, 0, 0, 0, 0, -2};
     session.controller.Expect(TargetRequest({{0, WireTarget(2, {0, 0, 0, 0, 0, 0, 0, -20000})}}));
     EXPECT_EQ(session.manager->SendTarget(StepOf(second)).StatusCode, 0);
-    // Each group is told on its own.
+    // Each group gets its own settings.
     session.controller.Expect(MotionRequest(845, {3, 0, 0}));
     session.controller.Expect(MotionRequest(847, {3, 5000, 0, 0}));
     session.controller.Expect(TargetRequest({{3, WireTarget(1, {7})}}));
@@ -153,7 +153,7 @@ TEST(MotionSettings, RefusedSettingKeepsTheTargetBackAndIsSentAgain) {
     session.controller.Expect(fullLineTarget);
     EXPECT_EQ(session.manager->SendTarget(step).StatusCode, 0);
 
-    // Ratios are looked at once more before they go out.
+    // Ratios are checked again before they are sent.
     MotionStep wrong = step;
     wrong.profiles[0].accelerationRatio = 19.9;
     EXPECT_EQ(session.manager->SendTarget(wrong).Message,
@@ -182,7 +182,7 @@ TEST(MotionSettings, FullBufferRepeatsTheTargetAlone) {
     session.controller.Expect(target, Refusal(65520));
     session.controller.Expect(target, Refusal(65533));
     EXPECT_EQ(session.manager->SendTarget(StepOf(Point(7))).Message, "Hold Is On");
-    // A setting is not repeated, whatever it is refused with.
+    // A setting is not repeated, whatever the code of its refusal.
     session.controller.Expect(MotionRequest(845, {0, 3, 0}), Refusal(65520));
     Motion other = Point(7);
     other.position.coordinateType = RobotCoordinate;
@@ -190,7 +190,7 @@ TEST(MotionSettings, FullBufferRepeatsTheTargetAlone) {
 }
 
 TEST(MotionSettings, DirectSettersNeitherCheckNorRemember) {
-    MotionSession session({}, "FS2.00"); // nor look at the generation
+    MotionSession session({}, "FS2.00"); // and the generation is not checked
     MotionManager& manager = *session.manager;
     Figure figure;
     figure.upperOrLower = UpperOrLower::Lower;

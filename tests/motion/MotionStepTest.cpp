@@ -80,7 +80,7 @@ TEST(MotionStep, ChecksInTheirOrderWithTheirLimits) {
         EXPECT_EQ(step.groups.to_ulong(), isStored ? 4U : 0U);
         EXPECT_EQ(step.targets[2].axes[0] != 0, isStored);
     }
-    // Asked directly, NoMove counts as a joint move.
+    // In a direct call, NoMove counts as a joint move.
     StatusInfo status;
     EXPECT_FALSE(TargetProfile().CheckSpeed(100.01, NoMove, status));
     EXPECT_EQ(status.StatusCode, 0x30001);
@@ -125,7 +125,7 @@ TEST(GroupNumberMap, WalksFilledSlotsInOrder) {
     map.SetGroupFour(ControlGroupId::B8);
     EXPECT_EQ(map.GetGroup(ControlGroupId::R2), GroupOne);
     EXPECT_EQ(map.GetGroup(ControlGroupId::B8), GroupFour);
-    map.groups[0].reset(); // an empty slot is passed over
+    map.groups[0].reset(); // an empty slot is skipped
     EXPECT_EQ(map.GetGroup(ControlGroupId::R2), GroupThree);
     for (int const count : {3, 2, 0, -1}) {
         map.groupCount = count;

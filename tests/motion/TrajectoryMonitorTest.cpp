@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned start = 839, stop = 840, clear = 841, target = 842, alarm = 916;
 
-/// The commands, and of each target the first axis.
+/// The commands, and the first axis of each target.
 std::vector<std::pair<unsigned, int>> Summary(std::vector<Datagram> const& sent) {
     std::vector<std::pair<unsigned, int>> summary;
     for (Datagram const& datagram : sent) {
@@ -26,7 +26,7 @@ std::vector<std::pair<unsigned, int>> Summary(std::vector<Datagram> const& sent)
     return summary;
 }
 
-/// Points whose settings the monitor has told already, so that each costs one datagram.
+/// Points whose settings the monitor has already sent, so that each needs one datagram.
 struct RunningSession : MotionSession {
     RunningSession() {
         controller.AnswerRest([this](Datagram const& datagram) {
@@ -36,7 +36,7 @@ struct RunningSession : MotionSession {
         Add(0);
         manager->MotionStart();
         Sent(4); // start, coordinates, speed, target
-        manager->SetTool(TargetControlGroup::GroupOne, 0); // after its reply the target is answered too
+        manager->SetTool(TargetControlGroup::GroupOne, 0); // when this has its reply, the target has its own too
         before += 5;
     }
     ~RunningSession() {
@@ -45,7 +45,7 @@ struct RunningSession : MotionSession {
     }
     void Add(double x) { EXPECT_EQ(manager->AddPointToTrajectory(Point(x), {}, {}, {}).StatusCode, 0); }
 
-    /// All that was accepted, without the repetitions, once nothing is left to send.
+    /// All accepted datagrams without repetitions, after the last one was sent.
     std::vector<std::pair<unsigned, int>> Finish() {
         manager.reset();
         auto summary = Summary(Sent());
@@ -56,7 +56,7 @@ struct RunningSession : MotionSession {
     std::atomic<bool> isFull = false;
 };
 
-/// Half a second: soon enough for what is lost, late enough for what is answered.
+/// Half a second: short enough for lost answers, long enough for answers that come.
 void ShortenTimeout(NetworkManager& manager) {
     manager.ResetTimeout();
     manager.ResetTimeout();
@@ -76,7 +76,7 @@ TEST(TrajectoryMonitor, SendsInOrderFromTheStartOn) {
     session.manager->MotionStart();
     session.Sent(8);
     session.manager->MotionStop(false);
-    session.manager->AddPointToTrajectory(Point(4), {}, {}, {}); // needs no other start
+    session.manager->AddPointToTrajectory(Point(4), {}, {}, {}); // does not need another start
     session.Sent(10);
     session.manager->MotionStart();
     session.manager->AddPointToTrajectory(Point(5), {}, {}, {});
@@ -118,7 +118,7 @@ TEST(TrajectoryMonitor, StopAndClearWhileTheBufferIsFull) {
     } const cases[] = {
         {false, false, {{target, 1}, {stop, 0}, {target, 1}, {target, 2}, {target, 3}}},
         {true, true, {{target, 1}, {stop, 0}, {target, 1}, {target, 2}, {target, 3}}},
-        // The step that is being sent goes out all the same.
+        // The step that is being sent is still sent.
         {true, false, {{target, 1}, {stop, 0}, {target, 1}, {clear, 0}, {target, 1}}},
     };
     for (auto const& example : cases) {
@@ -138,7 +138,7 @@ TEST(TrajectoryMonitor, StopAndClearWhileTheBufferIsFull) {
         EXPECT_EQ(session.manager->MotionStop(example.clears).StatusCode, example.isRefused ? 65535 - 50000000 : 0);
         session.isFull = false;
         auto sent = session.Finish();
-        // The clear may follow the stop at once.
+        // The clear may come directly after the stop.
         auto expected = example.expected;
         if (sent.size() + 1 == expected.size()) {
             expected.erase(expected.begin() + 2);
@@ -154,7 +154,7 @@ TEST(TrajectoryMonitor, PopTakesWhatIsInFrontAfterAClear) {
     session.Add(2);
     session.Sent(1);
     EXPECT_EQ(session.manager->ClearAllTrajectory().StatusCode, 0);
-    session.Add(3); // stands in front when the send of 1 ends
+    session.Add(3); // is first in the queue when the send of 1 ends
     session.Add(4);
     session.isFull = false;
     auto const sent = session.Finish();
@@ -217,7 +217,7 @@ TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
         std::string const log = ContentOf(folder.Path() / "HarvlinkLog.txt");
         EXPECT_EQ(log.substr(log.find(" Code") + 1), std::string(example.logged) + '\n');
 
-        // The thread goes on, with the setting that was not taken.
+        // The thread continues with the setting that was refused.
         isBroken = false;
         session.manager->AddPointToTrajectory(point, {}, {}, {});
         sent = session.Sent(commands.size() + 3);
@@ -229,18 +229,18 @@ TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
 
 using Exchanges = VirtualTransport::Exchanges;
 
-/// Silence on id 0 reads as an answer.
+/// Silence in an exchange with id 0 counts as an answer.
 bool Fails(VirtualTransport::Exchange const& exchange) {
     return exchange.isLost && exchange.id != 0;
 }
 
-/// Whether a target counts as taken.
+/// Whether a target counts as accepted.
 bool IsTaken(VirtualTransport::Exchange const& exchange) {
     return exchange.command == target && !Fails(exchange) && (!exchange.isFull || exchange.isLost);
 }
 
-/// Goes through what a queue of points from `next` on came to: all in order, or up to the first failure, which is followed
-/// by alarm and clear and nothing else. Returns the point to go on with.
+/// Checks the datagrams of a queue of points from `next` on: either all points in order, or all up to the first failure,
+/// followed only by alarm and clear. Returns the next point.
 int FollowRun(Exchanges const& run, int next) {
     for (std::size_t i = 0; i < run.size(); ++i) {
         EXPECT_TRUE(run[i].command != target || run[i].firstAxis == next) << run[i].firstAxis << " instead of " << next;
@@ -331,7 +331,7 @@ TEST(TrajectoryMonitor, ManyThreadsAtOnce) {
         thread.join();
     }
     session.manager.reset();
-    // A clear may take points away, but what is left of one thread's points stays in order and comes once.
+    // A clear may remove points, but the remaining points of a thread stay in order and are sent once.
     for (std::size_t const axis : {1U, 2U}) {
         int last = 0;
         for (Datagram const& datagram : session.Sent()) {
@@ -379,7 +379,7 @@ TEST(TrajectoryMonitor, ThousandPointsReachTheVirtualControllerOnceAndInOrder) {
                   0);
     }
     ASSERT_EQ(manager.MotionStart().StatusCode, 0);
-    // The arm stands still until its buffer has been full.
+    // The arm does not move until its buffer was full.
     std::unique_lock lock(mutex);
     auto const waitFor = [&](auto condition) {
         return changed.wait_for(lock, std::chrono::milliseconds(1), condition);

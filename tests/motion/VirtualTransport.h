@@ -12,17 +12,16 @@
 
 namespace harvlink::test {
 
-/// Puts the datagrams of a connection before a virtual controller without a network: a reply that a fault swallows is
-/// missed at once, however long the time-out. The arm moves only to make room in a full buffer, so that every run is the
-/// same.
+/// Connects the library to a virtual controller without a network. A reply that a fault drops is missed at once, without
+/// waiting for the time-out. The arm moves only to make room in a full buffer, so that every run is the same.
 class VirtualTransport final : public DatagramTransport {
 public:
     struct Exchange {
         unsigned command = 0;
         unsigned id = 0;
         int firstAxis = 0; ///< of a target
-        bool isFull = false; ///< a target for which there was no room
-        bool isLost = false; ///< the reply
+        bool isFull = false; ///< the buffer had no room for the target
+        bool isLost = false; ///< the reply is lost
     };
     using Exchanges = std::vector<Exchange>;
 
@@ -58,14 +57,14 @@ public:
         return length;
     }
 
-    /// Lets exchanges wait, and forgets those before.
+    /// Makes exchanges wait, and clears the list of earlier ones.
     void Hold() {
         std::lock_guard const lock(mutex);
         isHeld = true;
         exchanges.clear();
     }
 
-    /// Lets them go on, and returns all once `isOver` says so of them.
+    /// Lets them continue, and returns all of them once `isOver` returns true for them.
     Exchanges Release(std::function<bool(Exchanges const&)> const& isOver) {
         std::unique_lock lock(mutex);
         isHeld = false;

@@ -107,7 +107,7 @@ TEST(PositionConversion, CoordinateTypesMapBothWays) {
                   toExtended);
         auto const extended = static_cast<UAPICoordType>(number);
         EXPECT_EQ(static_cast<int>(UAPIUtils::UAPICoordTypeToCoordinateType(extended)), fromExtended) << number;
-        // What maps to nothing is scaled like a Cartesian position.
+        // A type without an extended type is scaled like a Cartesian position.
         UAPIPositionData wire;
         wire.coordinateType = extended;
         wire.axes.fill(10000);
@@ -139,7 +139,7 @@ TEST(PositionConversion, FigureBitsStandInTheirOwnOrder) {
         EXPECT_EQ(field(FigureOf(bit, extendedBit)), 1) << bit << ' ' << extendedBit;
         EXPECT_EQ(field(FigureOf(~bit, ~extendedBit)), 0) << bit << ' ' << extendedBit;
     }
-    // All values there are, over targets whose other bits stay.
+    // All values, written over targets whose other bits must not change.
     for (unsigned bits = 0; bits < 64 * 32; ++bits) {
         std::bitset<8> figure(0b10'000000 | (~bits & 63));
         std::bitset<8> extended(0b101'00000 | (~(bits >> 6) & 31));

@@ -93,7 +93,7 @@ TEST(Dispatch, RefusesFormatErrorsOfBothPorts) {
     }
 }
 
-/// Requests made of plausible and of arbitrary bytes, at both ports. What comes back must be a datagram of the protocol.
+/// Requests of plausible and of arbitrary bytes, at both ports. Every answer must be a datagram of the protocol.
 TEST(Dispatch, SurvivesRandomRequests) {
     std::mt19937 random(7);
     auto const pick = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };

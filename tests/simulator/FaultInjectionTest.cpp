@@ -9,7 +9,7 @@ namespace {
 using namespace simulator;
 using namespace std::chrono_literals;
 
-/// Asks for byte variable 5 with this id and returns what goes out at once.
+/// Reads byte variable 5 with this id and returns the datagrams that are sent at once.
 std::vector<Delivery> Exchange(VirtualClient& client, unsigned id = 9) {
     auto request = RobotRequest(122, 5, 1, 14);
     request[idOffset] = static_cast<std::uint8_t>(id);
@@ -145,7 +145,7 @@ TEST(FaultInjection, IsSetByNameInTextAndScene) {
         FaultPlan fileOnly;
         EXPECT_EQ(fileOnly.Parse("file-" + name + "=100%"), "");
         auto const scene = Scene::FromText("[faults]\n" + name + " = 1.0\n", "cell.toml").Options().faults;
-        bool const isOfTargets = name == "buffer-full"; // which come by the robot port alone
+        bool const isOfTargets = name == "buffer-full"; // targets use only the robot port
         struct Case {
             FaultPlan const& plan;
             unsigned onRobotPort, onFilePort;
@@ -168,7 +168,7 @@ TEST(FaultInjection, OtherPortReachesNoOtherClient) {
     auto const request = RobotRequest(122, 5, 1, 14);
     auto const listing = FileRequest(50, Text("*.JBI"));
     Reply reply;
-    // The sockets are numbered; which belong together is known as long as there is one client.
+    // The sockets are numbered. With one client it is known which ones belong together.
     for (auto const& [fileSockets, expected] :
          {std::pair(std::vector<std::uint64_t>{7}, 7U), {{7, 8}, 1U}, {std::vector<std::uint64_t>{}, 1U}}) {
         VirtualClient client;

@@ -90,7 +90,7 @@ TEST(State, CountsServoTimeOnlyWhileServoIsOn) {
     EXPECT_EQ(elapsed(10), "004321:00'05");
 }
 
-/// Every kind keeps what was written, at its first and last index and not beyond, in both numberings.
+/// Every kind keeps its values at its first and last index, refuses the index beyond, and does so in both numberings.
 TEST(Variables, KeepTheirValuesWithinTheirBounds) {
     struct Kind {
         unsigned command;
@@ -140,7 +140,7 @@ TEST(Variables, RefuseImpossiblePositions) {
 }
 
 TEST(IO, KnowsTheSignalsOfEachGeneration) {
-    // By generation: first and last group of a class, and no group on either side of them.
+    // By generation: the first and last group of a class exist, the groups before and after do not.
     struct Class {
         IOType type;
         std::array<std::array<unsigned, 2>, 6> groups;
@@ -234,7 +234,7 @@ TEST(Faults, ListsNewestFirstAndForgetsNothingInHistory) {
     EXPECT_EQ(code(113, 2001), 8016);
 }
 
-/// A story in steps: what is asked, what comes back, and the second word of the state behind it.
+/// A sequence of steps: the request, the code of its reply, and the second word of the state after it.
 TEST(Interlocks, ActOnEachOtherAsOnAController) {
     VirtualClient client;
     auto const set = [&](void (*change)(ControllerModel&)) { client.controller.With(change); };

@@ -26,12 +26,12 @@ inline Answer Refused(int code) {
     return {code, {}};
 }
 
-/// Puts datagrams before a controller without a network, and checks of every answer what all answers have in common.
+/// Sends datagrams to a controller without a network, and checks everything that all answers have in common.
 class VirtualClient {
 public:
     explicit VirtualClient(simulator::ControllerOptions options = {}) : controller("127.0.0.1", Still(options)) {}
 
-    /// Nothing if the datagram was ignored.
+    /// Returns nothing if the controller ignored the datagram.
     std::optional<Bytes> Send(Bytes const& datagram, simulator::Port port = simulator::Port::Robot) {
         auto const bytes = std::as_bytes(std::span(datagram));
         if (controller.Handle(port, 1, bytes, reply_) == nullptr || reply_.IsSuppressed()) {

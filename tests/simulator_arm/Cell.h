@@ -14,7 +14,7 @@
 
 namespace harvlink::test {
 
-/// A virtual controller whose clock is moved by hand, spoken to with datagrams. Servo power is on.
+/// A virtual controller with servo power that gets datagrams. The test advances its clock.
 class Cell {
 public:
     explicit Cell(std::vector<simulator::ControlGroup> groups = {{ControlGroupId::R1, 6}})

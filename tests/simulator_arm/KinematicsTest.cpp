@@ -23,7 +23,7 @@ double LargestDifference(ArmAngles const& a, ArmAngles const& b) {
     return largest;
 }
 
-/// Every third sample stands on multiples of 15 degrees, where borders of figures and singularities lie.
+/// Every third sample has multiples of 15 degrees, where the borders of figures and the singularities are.
 ArmAngles RandomAngles(std::mt19937_64& random, int sample) {
     ArmAngles angles{};
     for (std::size_t i = 0; i < ArmAxes; ++i) {
@@ -90,7 +90,7 @@ TEST(Kinematics, EveryFigureIsKeptOrRefused) {
 
 TEST(Kinematics, RefusesWhatCannotBeReached) {
     double const nan = std::numeric_limits<double>::quiet_NaN();
-    // Too far, too near to the shoulder, no numbers.
+    // Too far, too near to the shoulder, and not numbers.
     Pose const poses[] = {{1600, 0, 450, 180, 0, 0},
                           {0, 0, 1e9, 0, 0, 0},
                           {200, 0, 350, 180, 0, 0},
@@ -106,7 +106,7 @@ TEST(Kinematics, RefusesWhatCannotBeReached) {
 }
 
 TEST(Kinematics, NearestGoesOnThroughTheTurnsOfAnAxis) {
-    // T runs on beyond 180 degrees, and with B at 0 the free R stays.
+    // T continues beyond 180 degrees. With B at 0, R is free and keeps its value.
     ArmAngles at{0, 0, 0, 20, -90, 170};
     for (int step = 0; step < 40; ++step) {
         ArmAngles wanted = at;

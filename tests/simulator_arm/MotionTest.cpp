@@ -21,7 +21,7 @@ constexpr WireAxes Home{790000, 0, 1050000, 1800000, 0, 0, 0, 0};
 constexpr WireAxes Corner{700000, 150000, 800000, 1800000, 0, 300000, 0, 0};
 constexpr WireAxes Opposite{600000, -150000, 800000, 1800000, 100000, 0, 0, 0};
 
-/// Of two poses, in micrometres and ten thousandths of a degree; -180 and 180 degrees are one.
+/// The difference of two poses, in micrometres and ten thousandths of a degree; -180 equals 180 degrees.
 double Deviation(WireAxes const& a, WireAxes const& b) {
     double largest = 0.0;
     for (std::size_t i = 0; i < a.size(); ++i) {
@@ -105,7 +105,7 @@ TEST(Motion, ProgressErrorAndTorqueFollowTheMove) {
     EXPECT_EQ(error(), WireAxes{});
     WireAxes const atRest = torque();
     EXPECT_LT(atRest[1], 0); // the forearm pulls forward
-    cell.Advance(100.0); // time that passes before the start must not be made up for
+    cell.Advance(100.0); // the motion must not make up for time before the start
     SetSpeed(cell, 10000, 0);
     ASSERT_EQ(cell.Send(CommandNumber::MotionSetAccelRatio, SetAccelRatioMsg{{}, 2000}), 0);
     ASSERT_EQ(cell.SendTarget(Joint, {182000, 0, 0, 0, -122850, 0, 0, 0}), 0); // S to 100 degrees
@@ -150,7 +150,7 @@ TEST(Motion, HaltsOnItsPathAndGoesOn) {
         std::string name;
         Change halt, release;
         bool needsStart;
-        std::uint16_t meanwhile; ///< what a start is answered with
+        std::uint16_t meanwhile; ///< the code of the reply to a start
     };
     Change const powerOn = [](ControllerModel& model) {
         model.SetMode(Mode::Remote);
@@ -207,7 +207,7 @@ TEST(Motion, ClearWhileMovingEndsOnThePathAndTheNextTargetStartsThere) {
     ASSERT_EQ(cell.SendTarget(Line, Corner), 0);
     cell.Advance(1.0);
     ASSERT_EQ(cell.Clear(), 0);
-    ASSERT_EQ(cell.SendTarget(Line, Home), 0); // planned from where the arm is going to halt
+    ASSERT_EQ(cell.SendTarget(Line, Home), 0); // planned from the position where the arm will stop
     auto last = cell.Position().axes;
     for (int tick = 0; tick < 1000; ++tick) {
         cell.Advance(0.005);
@@ -253,7 +253,7 @@ TEST(Motion, FourGroupsStartTogetherAndTheBaseCarriesTheArm) {
     }
     cell.Advance(60.0);
     EXPECT_LE(Deviation(cell.Position().axes, step.targets[0].axes), 1.0);
-    EXPECT_EQ(cell.Position(1).axes[0], 790000); // as the robot sees it
+    EXPECT_EQ(cell.Position(1).axes[0], 790000); // in robot coordinates
     EXPECT_EQ(cell.Position(0, 0, ControlGroupId::B1).axes[0], 1500000);
     EXPECT_EQ(cell.Position(0, 0, ControlGroupId::S1).axes, step.targets[2].axes);
     for (std::int32_t slot = 0; slot < 4; ++slot) {

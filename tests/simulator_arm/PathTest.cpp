@@ -82,7 +82,7 @@ double TurnBetween(Frame const& a, Frame const& b) {
 TEST(CartesianPath, ArcPassesThroughItsThreeFrames) {
     Frame const from = FrameOfPose({100, 0, 50, 180, 0, 0});
     Frame const to = FrameOfPose({0, -100, 50, 180, 30, 90});
-    // The way round, 270 degrees of a circle around (0, 0, 50), and the short one on another plane.
+    // The long arc, 270 degrees around (0, 0, 50), and the short arc in another plane.
     for (Frame const& through : {FrameOfPose({-100, 0, 50, 150, 0, 20}), FrameOfPose({80, -80, 90, 180, -10, 0})}) {
         auto const path = CartesianPath::Arc(from, through, to);
         ASSERT_TRUE(path);

@@ -25,7 +25,7 @@ TEST(Readouts, OlderRoad) {
         std::uint16_t instance;
         std::string letters;
         WireAxes pulses;
-        std::uint32_t baseType; ///< what the read of base coordinates answers in
+        std::uint32_t baseType; ///< the type of the reply to a read of base coordinates
         WireAxes base;
     };
     Case const cases[] = {
@@ -141,7 +141,7 @@ TEST_F(Conversions, ThereAndBackThroughAllForms) {
         ASSERT_EQ(Convert(Command::ConvertJointAngleToPulse, back), 0);
         auto const pulsesBack = cell.Answer<UAPIPositionData>().axes;
         for (std::size_t axis = 0; axis < 6; ++axis) {
-            // What the 0.001 mm and 0.0001 degree of the wire leave, more of it where the wrist is nearly straight.
+            // The error from rounding to 0.001 mm and 0.0001 degree; it is larger when the wrist is nearly straight.
             double const b = angles.axes[4] / 10000.0 * 0.0174533;
             ASSERT_NEAR(pulsesBack[axis], pulses[axis], 1.0 + 1.0 / (0.01 + std::abs(std::sin(b)))) << i << ' ' << axis;
         }
@@ -156,7 +156,7 @@ TEST_F(Conversions, Refusals) {
     auto const pose = PositionOf(UAPIBase, HomePose);
     auto const angles = PositionOf(UAPIJointAngle, HomeAngles);
     auto bent = pose;
-    bent.figure = 1; // the wrist isn't behind the S axis in any way
+    bent.figure = 1; // with this figure the wrist cannot be behind the S axis
     struct Case {
         std::string name;
         std::uint16_t code, expected;
@@ -189,7 +189,7 @@ TEST_F(Conversions, Refusals) {
     }
 }
 
-/// Any bytes in any command must leave the arm within its limits, and every answer defined.
+/// Whatever the bytes of a command, the arm stays within its limits and every answer is valid.
 TEST(Hostile, AnyBytesAreAnsweredAndKeepTheArmWithinItsLimits) {
     Cell cell({{ControlGroupId::R1, 8}, {ControlGroupId::B1, 3}, {ControlGroupId::S1, 2}, {ControlGroupId::R2, 6}});
     cell.controller.With([](ControllerModel& model) {

@@ -19,7 +19,7 @@ using simulator::VirtualController;
 
 inline constexpr std::uint32_t Last = 0x80000000;
 
-/// What came back for a datagram.
+/// The answer to a datagram.
 struct FileAnswer {
     std::uint16_t code = 0;
     std::uint32_t block = 0;
@@ -27,7 +27,7 @@ struct FileAnswer {
     bool isSilent = false;
 };
 
-/// Talks to a controller's file port without a network.
+/// A client of a controller's file port, without a network.
 struct FileClient {
     VirtualController& controller;
     std::uint64_t peer = 1;
@@ -50,7 +50,7 @@ struct FileClient {
         return answer;
     }
 
-    /// A whole listing or file; its refusal as "#code".
+    /// Returns a whole list or file, or the code of a refusal as "#code".
     std::string Fetch(FileServices service, std::string_view name) const {
         std::string text;
         for (auto answer = Send(service, name);; answer = Send(service, {}, 1, answer.block)) {
@@ -68,7 +68,7 @@ struct FileClient {
     std::string Save(std::string_view name) const { return Fetch(FileServices::SaveFile, name); }
     std::string List(std::string_view pattern) const { return Fetch(FileServices::ListFile, pattern); }
 
-    /// A whole file in full blocks; the code of the first refusal.
+    /// Sends a whole file in full blocks. Returns the code of the first refusal.
     int Load(std::string_view name, std::string_view text) const {
         int code = Send(FileServices::LoadFile, name).code;
         for (std::uint32_t block = 1; code == 0; ++block) {
@@ -86,14 +86,14 @@ struct FileClient {
     int Delete(std::string_view name) const { return Send(FileServices::DeleteFile, name).code; }
 };
 
-/// A controller whose time stands still.
+/// A controller whose clock does not run.
 inline simulator::ControllerOptions StillOptions() {
     simulator::ControllerOptions options;
     options.timeScale = 0.0;
     return options;
 }
 
-/// The text of a job from its lines behind NOP.
+/// The text of a job with these lines after NOP.
 inline std::string JobText(std::string const& name, std::string_view lines) {
     std::string text = "/JOB\r\n//NAME " + name + "\r\n//INST\r\nNOP\r\n";
     for (auto const character : lines) {

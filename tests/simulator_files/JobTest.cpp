@@ -220,7 +220,7 @@ TEST_F(JobEngineTest, KeepsUpWithAnyClock) {
     EXPECT_TRUE(parts.jobs.IsRunning());
 }
 
-/// Sends a request to the robot port and hands back the code and the payload.
+/// Sends a request to the robot port and returns the code and the payload.
 template <typename Answer, typename Payload>
 int Ask(VirtualController& controller, CommandNumber command, std::uint16_t instance, Payload const& payload,
         std::size_t size, Answer& answer) {

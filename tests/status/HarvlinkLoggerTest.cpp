@@ -13,7 +13,7 @@ namespace {
 
 constexpr char const* logFile = "HarvlinkLog.txt";
 
-/// Sets the local zone of the process, and takes that back.
+/// Sets the time zone of the process, and restores it at the end.
 class Zone {
 public:
     explicit Zone(char const* name) {
@@ -33,7 +33,7 @@ std::string Formatted(std::tm const& time, char const* format) {
     return {text, std::strftime(text, sizeof(text), format, &time)};
 }
 
-/// The line without its time; nothing if the time has another form than plain numbers without leading zeros.
+/// The line without its time. Empty if the time is not made of plain numbers without leading zeros.
 std::string WithoutTime(std::string const& line) {
     unsigned n[6]{};
     int length = 0;
@@ -78,7 +78,7 @@ TEST(HarvlinkLogger, DateIsUtcAndTimeIsLocal) {
 
 TEST(HarvlinkLogger, FileThatCanNotBeOpenedIsIgnored) {
     ScratchFolder const folder;
-    std::filesystem::create_directory(logFile); // nobody can open that, not even root
+    std::filesystem::create_directory(logFile); // not even root can open a folder as a file
     EXPECT_NO_THROW(HarvlinkLogger::LogStatusInfo(StatusInformation(1)));
     EXPECT_TRUE(std::filesystem::is_empty(logFile));
 }

@@ -13,7 +13,7 @@
 namespace harvlink::test {
 namespace {
 
-// A status that a static constructor makes must find the tables complete.
+// The tables must be complete before a static constructor makes a status.
 StatusInformation const madeBeforeMain(2060);
 
 TEST(StatusInfo, TablesAreCompleteBeforeMain) {
@@ -71,7 +71,7 @@ TEST(GetStatusInfo, KnownCodesAreOffsetWithWrapping) {
         {ConversionErrorTable, 0x70000000, 65535, "Code (-1878982657): Failed in conversion."},
         {ConversionErrorTable, 0xffffffff, 65530, "Code (65531): Invalid cartesian position."},
         {MotionErrorTable, 0, 65520, "Code (65520): Timeout"},
-        // Untouched: success, and what the table does not know.
+        // These do not change: success, and codes that are not in the table.
         {ControlGroupErrorTable, 60000000, 0, "Code (0): OK"},
         {ControlGroupErrorTable, 60000000, 40960, "Code (40960): Undefined command number"},
         {ConversionErrorTable, 0x70000000, 65532, "Code (65532): Could not find an error description with that code."},

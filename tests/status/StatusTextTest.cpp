@@ -13,7 +13,7 @@ namespace {
 
 constexpr char const* notFound = "Could not find an error description with that code.";
 
-// Written out a second time, so that a slip in the table shows with its words.
+// The texts are repeated here, so that a mistake in the table shows as a difference.
 constexpr struct {
     int code;
     char const* text;
@@ -122,7 +122,7 @@ TEST(StatusText, SampleOfAllFamilies) {
     }
 }
 
-// The digests were taken from the controller's list, not from the tables: any letter that is changed shows.
+// The digests come from the list of the controller, not from the tables, so they detect a changed letter.
 TEST(StatusText, NoLetterOfAnyTableIsChanged) {
     struct {
         char const* name;
@@ -143,7 +143,7 @@ TEST(StatusText, NoLetterOfAnyTableIsChanged) {
         EXPECT_EQ(table.actual.entries, table.entries) << table.name;
         EXPECT_EQ(table.actual.hash, table.hash) << table.name;
     }
-    EXPECT_EQ(MainStatusTable.Size(), 268U); // three rows stand behind an earlier one with the same code
+    EXPECT_EQ(MainStatusTable.Size(), 268U); // three rows have the code of an earlier row
 }
 
 TEST(StatusText, FourDigitNumbersStandByValueAndByDigits) {

@@ -4,8 +4,8 @@
 
 namespace harvlink::test {
 
-/// Another address of 127.0.0.0/8 at each call, scattered so that tests in parallel seldom get the same: who finds its
-/// ports taken takes the next. Stays away from the addresses that are written by hand.
+/// Returns another address of 127.0.0.0/8 at each call. The addresses are scattered, so that parallel tests rarely get the
+/// same; a test that finds its ports in use takes the next. Never returns an address that a test has as a constant.
 std::string NextLoopbackAddress();
 
 } // namespace harvlink::test

@@ -5,7 +5,7 @@
 
 namespace harvlink::test {
 
-/// What an object writes to a stream.
+/// The text that an object writes to a stream.
 template <typename Value>
 std::string Printed(Value const& value) {
     std::ostringstream stream;

@@ -8,7 +8,7 @@
 
 namespace harvlink::test {
 
-/// A folder of a test's own, which is the working directory while this lives.
+/// A temporary folder for one test. It is the working directory during the lifetime of this object.
 class ScratchFolder {
 public:
     ScratchFolder() : previous(std::filesystem::current_path()) {

@@ -15,7 +15,7 @@ namespace harvlink::test {
 namespace {
 
 constexpr unsigned longTimeout = 8192;
-constexpr auto patience = std::chrono::seconds(10);
+constexpr auto longestWait = std::chrono::seconds(10);
 
 int BoundSocket(std::string const& address, std::uint16_t port) {
     sockaddr_in endpoint{};
@@ -62,7 +62,7 @@ void ScriptedController::Bind(std::string const& candidate) {
 ScriptedController::~ScriptedController() {
     {
         std::unique_lock lock(mutex);
-        changed.wait_for(lock, patience, [this] { return steps.empty(); });
+        changed.wait_for(lock, longestWait, [this] { return steps.empty(); });
         EXPECT_TRUE(steps.empty()) << steps.size() << " expected requests never came";
     }
     std::uint64_t const one = 1;
@@ -90,7 +90,7 @@ void ScriptedController::AnswerRest(std::function<Replies(Datagram const&)> hand
 
 std::vector<Datagram> ScriptedController::Received(std::size_t count) {
     std::unique_lock lock(mutex);
-    changed.wait_for(lock, patience, [&] { return received.size() >= count; });
+    changed.wait_for(lock, longestWait, [&] { return received.size() >= count; });
     EXPECT_GE(received.size(), count);
     return received;
 }
@@ -108,8 +108,8 @@ std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view sof
     return manager;
 }
 
-/// Datagrams that arrived before the stop are served before it. The file port goes first: the end of a transfer is the
-/// one datagram that nobody waits for, so what lies on the other port came later.
+/// Serves all datagrams that arrived before the stop. The file port is first: the client does not wait for an answer to the
+/// end of a transfer, so datagrams on the other port came later.
 void ScriptedController::Serve() {
     std::array<pollfd, 3> events{{{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}, {stopEvent, POLLIN, 0}}};
     while (::poll(events.data(), events.size(), -1) > 0) {

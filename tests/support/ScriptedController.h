@@ -27,9 +27,9 @@ struct Reply {
     std::uint16_t addedStatus = 0;
     std::uint32_t block = 0;
     std::uint8_t staleBy = 0; ///< how far its id is behind the id of the request
-    bool toOtherSocket = false; ///< to the socket by which the client last used the other port
+    bool toOtherSocket = false; ///< to the socket with which the client last used the other port
     std::chrono::milliseconds delay{};
-    std::optional<Bytes> raw{}; ///< the whole datagram, as it is
+    std::optional<Bytes> raw{}; ///< the whole datagram, sent unchanged
 };
 
 inline Reply Payload(Bytes payload) {
@@ -48,34 +48,34 @@ struct Datagram {
     std::uint8_t Id() const { return bytes.size() > idOffset ? bytes[idOffset] : std::uint8_t{0}; }
 };
 
-/// Stands in for a controller on ports 10040 and 10041 of a loopback address of its own, and answers what the test tells
-/// it to. A datagram that nobody expected fails the test, and so does an expectation that is left over at the end.
+/// Plays a controller on ports 10040 and 10041 of its own loopback address, with the answers that the test sets. An
+/// unexpected datagram fails the test, and so does an expectation that is left at the end.
 class ScriptedController {
 public:
     ScriptedController();
     ScriptedController(ScriptedController const&) = delete;
     ScriptedController& operator=(ScriptedController const&) = delete;
-    /// Waits for a moment until all that is expected has come.
+    /// Waits until all expected requests have come, for a limited time.
     ~ScriptedController();
 
     std::string const& Address() const { return address; }
 
-    /// The next request, in order, is `request` (the id aside) and is answered with `replies`.
+    /// The next request must be `request`, apart from the id, and gets `replies`.
     void Expect(Bytes request, Replies replies);
     void Expect(Bytes request, Reply reply = {}) { Expect(std::move(request), Replies{std::move(reply)}); }
     /// Answers the probe that opens a connection.
     void ExpectProbe(std::string_view softwareVersion);
 
-    /// Answers, on the controller's thread, all that comes when nothing is expected.
+    /// Answers all requests while none is expected. Runs on the thread of the controller.
     void AnswerRest(std::function<Replies(Datagram const&)> handler);
 
     /// All datagrams so far, after waiting for at least `count`.
     std::vector<Datagram> Received(std::size_t count = 0);
 
-    /// Whether another request waits to be read. For handlers.
+    /// Whether another request is waiting. For use in handlers.
     bool HasPending() const;
 
-    /// A manager that is connected to this controller. Its time-out is so long that answers never miss it.
+    /// A manager that is connected to this controller. Its time-out is long enough for every answer.
     std::unique_ptr<NetworkManager> Connect(std::string_view softwareVersion = "YA1.00", unsigned retries = 0);
 
 private:
@@ -107,7 +107,7 @@ private:
     std::thread thread;
 };
 
-/// Shortens the time-out of a manager that Connect made to 128 ms, for a controller that stays silent.
+/// Shortens the time-out of a manager from Connect to 128 ms, for a controller that stays silent.
 void Hurry(NetworkManager& manager);
 
 } // namespace harvlink::test

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 /// @file
-/// Datagrams written out byte by byte, without a look at the library's own records, so that a slip there shows.
+/// Datagrams, written byte by byte. They do not use the records of the library, so that they detect mistakes there.
 
 namespace harvlink::test {
 
@@ -26,7 +26,7 @@ inline Bytes U32(std::int64_t value) {
 }
 /// Several 32-bit words.
 Bytes Words(std::vector<std::int64_t> const& values);
-/// The text, filled up with zero bytes or cut to `width`; its own length if that is 0.
+/// The text, filled up with zero bytes or cut to `width`; with its own length if `width` is 0.
 Bytes Text(std::string_view text, std::size_t width = 0);
 Bytes operator+(Bytes left, Bytes const& right);
 
@@ -37,7 +37,7 @@ Bytes RobotRequest(unsigned command, unsigned instance, unsigned attribute, unsi
                    Bytes const& payload = {});
 Bytes FileRequest(unsigned service, Bytes const& payload = {}, unsigned ack = 0, std::uint32_t block = 0);
 
-/// Whether two datagrams are equal, the id aside; says where they differ.
+/// Whether two datagrams are equal, apart from the id. The message shows where they differ.
 testing::AssertionResult SameRequest(Bytes const& expected, Bytes const& actual);
 testing::AssertionResult SameBytes(Bytes const& expected, Bytes const& actual);
 

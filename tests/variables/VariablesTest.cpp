@@ -19,8 +19,8 @@ protected:
     VariablesImplementation variables{manager.get(), 1, toolFiles};
     VariablesImplementation fromOne{manager.get(), 0, toolFiles}; // the controller counts from 1
 
-    /// What all kinds have in common. `written` is the payload of `record`, which is what reading `read` gives too,
-    /// but for the index.
+    /// Checks that hold for all kinds. `written` is the payload of `record`. Reading `read` gives the same record, except
+    /// for the index.
     template <typename Record, typename IsSame>
     void CheckKind(VariableInterface<Record>* VariablesInterface::*kind, unsigned command, Bytes const& read,
                    Bytes const& written, Record record, IsSame isSame, bool keepsIndex = true) {
@@ -60,7 +60,7 @@ protected:
             }
             Record empty{};
             empty.variableIndex = index;
-            EXPECT_EQ(Printed(back), Printed(empty)); // the index asked for, and nothing else
+            EXPECT_EQ(Printed(back), Printed(empty)); // the requested index, and nothing else
         }
     }
 
@@ -92,7 +92,7 @@ TEST_F(VariablesTest, EveryKindOnTheWire) {
     CheckKind(&VariablesInterface::robotPositionVariable, 127, robot, robot, RobotPositionVariableData{position, 0},
               [&](auto const& back) { return Printed(back.positionData) == Printed(position); });
 
-    PositionData plain; // without what the other two kinds do not carry
+    PositionData plain; // without the fields that the other two kinds do not have
     plain.coordinateType = CoordinateType::UserCoordinate;
     plain.axes = position.axes;
     Bytes const base = Words({19, 1500, -2250, 3000, 4125, 5000, 6000, 7000, -8000});
@@ -100,7 +100,7 @@ TEST_F(VariablesTest, EveryKindOnTheWire) {
         &VariablesInterface::basePositionVariable, 128, base, base, BaseAxisPositionVariableData{position, 0},
         [&](auto const& back) { return Printed(back.positionData) == Printed(plain); }, false);
     plain.axes = {1, -2, 3, 4, 5, 6, 7, -8};
-    // Read as it is told, written as type 0.
+    // A read keeps the type of the reply, a write sends type 0.
     CheckKind(
         &VariablesInterface::stationPositionVariable, 129, Words({19, 1, -2, 3, 4, 5, 6, 7, -8}),
         Words({0, 1, -2, 3, 4, 5, 6, 7, -8}), StationPositionVariableData{position, 0},
@@ -194,7 +194,7 @@ TEST_F(VariablesTest, PositionsScaleEachInTheirWay) {
     EXPECT_EQ(variables.basePositionVariable->Read(9, base).StatusCode, 0);
     EXPECT_EQ(base.positionData.axes[0], 1500.0);
     EXPECT_EQ(base.positionData.axes[7], -7.0);
-    // What was read writes back to index 0.
+    // A record from a read is written back to index 0.
     controller.Expect(RobotRequest(128, 0, 0, 2, Bytes(36)));
     variables.basePositionVariable->Write(base);
 }
@@ -208,7 +208,7 @@ TEST_F(VariablesTest, Texts) {
     EXPECT_EQ(Printed(StringVariableData{"abc", 4}), "S004=abc");
     std::ostringstream stream;
     stream.precision(12);
-    stream << RealVariableData{0.1F, 1}; // a float that was widened
+    stream << RealVariableData{0.1F, 1}; // printed as a double
     stream.width(4);
     stream << 7; // the fill stays
     EXPECT_EQ(stream.str(), "R001=0.100000001490007");

@@ -13,7 +13,7 @@ std::size_t harvlink::test::AllocationsOfThisThread() {
     return allocations;
 }
 
-// The thread sanitizer of clang brings operators of its own, which can't be replaced.
+// The thread sanitizer of clang has its own operators, which cannot be replaced.
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
 #define HARVLINK_TEST_OPERATORS_ARE_TAKEN
@@ -32,7 +32,7 @@ bool harvlink::test::AllocationsAreCounted() {
     return true;
 }
 
-// All other forms of the operators end in these.
+// All other forms of the operators call these.
 void* operator new(std::size_t size) {
     ++allocations;
     void* const memory = std::malloc(size);

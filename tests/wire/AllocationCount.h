@@ -4,11 +4,11 @@
 
 namespace harvlink::test {
 
-/// How often this thread has taken memory from the heap so far. Of one thread only, because the scripted controller
+/// The number of heap allocations of this thread so far. It counts one thread only, because the scripted controller
 /// allocates at the same time.
 std::size_t AllocationsOfThisThread();
 
-/// False in a build that does not let the operators be replaced.
+/// False in a build in which the operators cannot be replaced.
 bool AllocationsAreCounted();
 
 } // namespace harvlink::test

@@ -18,7 +18,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-/// A request for register 5, whose reply is one word, and what came of it.
+/// A request for register 5, whose reply is one word, and its result.
 struct RegisterRead {
     OutgoingPacket<NoPayload> request;
     IncomingPacket<std::uint32_t> reply;
@@ -72,7 +72,7 @@ TEST(Exchange, RequestsAreExactToTheByte) {
     controller.Expect(FileRequest(21, Text("A.JBI and more", 479), 1, 0x80000001));
     manager->SendAndReceive(block, reply, 0x55, true);
 
-    // The probe took id 1; an id that replaces the new one uses that up too.
+    // The probe took id 1. An id that replaces the new id uses that up too.
     auto const all = controller.Received(5);
     EXPECT_EQ(all[1].bytes.size(), 32U);
     EXPECT_EQ(all[1].Id(), 2);
@@ -113,7 +113,7 @@ TEST(Exchange, StatusOfReplyDecides) {
         RegisterRead const read(*manager);
         EXPECT_EQ(read.status.StatusCode, example.code);
         EXPECT_EQ(read.status.Message, example.message);
-        EXPECT_EQ(read.reply.payload, 77U); // whatever the status
+        EXPECT_EQ(read.reply.payload, 77U); // for every status
     }
 }
 
@@ -129,7 +129,7 @@ TEST(Exchange, ShortLongAndEmptyReplies) {
         EXPECT_EQ(read.status.StatusCode, 0);
         EXPECT_EQ(read.reply.payload, expected);
     }
-    // Nothing but an id: a success without a payload.
+    // Only an id: a success without a payload.
     controller.Expect(registerRequest, Reply{.raw = Bytes(11, 0) + U8(6)});
     RegisterRead const bare(*manager);
     EXPECT_EQ(bare.status.StatusCode, 0);
@@ -150,7 +150,7 @@ TEST(Exchange, StaleRepliesUseUpPeriods) {
     EXPECT_EQ(third.status.StatusCode, 0);
     EXPECT_EQ(third.reply.payload, 2U);
 
-    // Three stale ones leave no period for the right one. It then is the stale one of the next exchange.
+    // Three stale replies leave no period for the right one, which is then stale in the next exchange.
     controller.Expect(registerRequest, Replies{stale, stale, stale, Payload(U32(3))});
     auto const start = Clock::now();
     RegisterRead const unlucky(*manager);
@@ -174,7 +174,7 @@ TEST(Exchange, StaleReplyOnOtherPortIsOneLikeAnyOther) {
     controller.Expect(FileRequest(50)); // so that the file socket has an address
     EXPECT_EQ(manager->SendAndReceive(list, listReply, {}, true).StatusCode, 0);
 
-    // Either socket is listened to, and the right id counts wherever it arrives.
+    // The library listens on both sockets, and accepts the right id on either.
     controller.Expect(registerRequest, {.payload = U32(5), .toOtherSocket = true});
     EXPECT_EQ(RegisterRead(*manager).reply.payload, 5U);
     controller.Expect(FileRequest(50), Reply{.toOtherSocket = true});
@@ -335,7 +335,7 @@ TEST(Exchange, ThreadsNeverShareOne) {
     auto const manager = controller.Connect();
     std::atomic<bool> overlapped = false;
     controller.AnswerRest([&](Datagram const& datagram) {
-        std::this_thread::sleep_for(std::chrono::microseconds(50)); // time for another to break in
+        std::this_thread::sleep_for(std::chrono::microseconds(50)); // time in which another thread could interfere
         overlapped = overlapped || controller.HasPending();
         return Replies{Payload(Bytes(datagram.bytes.begin() + 26, datagram.bytes.begin() + 28) + U16(0))};
     });

@@ -10,15 +10,15 @@
 
 namespace harvlink::test {
 
-/// Stands in for the sockets where a test asks for waits that never took place or errors that sockets don't raise. Any
-/// two uses of it at the same time fail the test.
+/// Replaces the sockets for tests with waits that take no time or with errors that sockets do not raise. Two uses at the
+/// same time fail the test.
 class FakeTransport final : public DatagramTransport {
 public:
     struct Record {
         std::vector<timeval> periods;
         std::vector<std::uint8_t> sentIds;
         std::function<void()> onSend;
-        /// Called by each wait with the last id; returns the number of bytes it put into the buffer.
+        /// Each wait calls it with the last id. It returns the number of bytes that it wrote into the buffer.
         std::function<std::size_t(std::uint8_t id, std::span<std::byte> buffer)> onReceive = AnswerAtOnce;
         std::atomic<bool> isBusy = false;
     };
@@ -53,7 +53,7 @@ private:
     std::shared_ptr<Record> record;
 };
 
-/// A manager over a fake that answers the probe.
+/// A manager with a fake transport that answers the probe.
 struct FakeSession {
     explicit FakeSession(unsigned timeout = 100, unsigned retries = 0)
         : manager(std::make_unique<FakeTransport>(record), timeout, retries, probeStatus) {

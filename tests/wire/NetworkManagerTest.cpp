@@ -132,7 +132,7 @@ TEST(NetworkManager, SystemErrorsBecomeStatuses) {
         EXPECT_EQ(timeout.StatusCode, 0x30006);
         EXPECT_EQ(timeout.Message,
                   "Controller response timed out. Check connection to the controller or increase the timeout.");
-        // Both locks were released.
+        // Both locks are free again.
         session.record->onSend = nullptr;
         session.record->onReceive = FakeTransport::AnswerAtOnce;
         EXPECT_EQ(session.Exchange().StatusCode, 0);

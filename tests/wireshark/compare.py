@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""compare.py TSHARK DISSECTOR SIMULATOR DEMO: lets the demo run against a virtual controller that records, and compares what
-the dissector shows of each datagram with its bytes."""
+"""compare.py TSHARK DISSECTOR SIMULATOR DEMO: runs the demo against a virtual controller that records, and compares the
+fields that the dissector shows with the bytes of each datagram."""
 
 import pathlib
 import struct
@@ -12,7 +12,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 HEADER = struct.Struct("<4sHHBBBBI8s")
 REQUEST = struct.Struct("<HHBB")
 REPLY = struct.Struct("<BBBxH")
-# Where the axes stand in what carries some, by direction and command.
+# The place of the axes in a payload, by direction and command.
 AXES = {
     **{("request", command): f"<4x{'8x8i32x' * 4}4x" for command in (842,)},
     **{("request", command): "<24x8i" for command in (866, 868, 869)},
@@ -36,7 +36,7 @@ def record(simulator, demo, folder):
     return capture
 
 
-# Twice through the recording: a request leads to a reply that comes later.
+# Two passes (-2), because a request refers to a reply that comes later.
 def show(tshark, dissector, capture):
     options = [option for field in FIELDS for option in ("-e", field)]
     command = [tshark, "-2", "-n", "-X", f"lua_script:{dissector}", "-r", capture, "-T", "fields", "-E", "aggregator=|", *options]
@@ -46,7 +46,7 @@ def show(tshark, dissector, capture):
 
 
 def expected(frame):
-    """The fields of a datagram by its bytes alone."""
+    """The fields of a datagram, taken from its bytes."""
     datagram = bytes.fromhex(frame["udp.payload"])
     _, _, size, _, division, ack, number, block, _ = HEADER.unpack_from(datagram)
     fields = {"harvlink.payload_size": size, "harvlink.request_id": number, "harvlink.block": block & 0x7FFFFFFF}
@@ -77,22 +77,22 @@ def check(frames):
             if not isinstance(value, str):
                 shown = int(shown, 0)
             else:
-                # tshark writes line ends and the like as escapes.
+                # tshark escapes line ends and similar characters.
                 value, shown = value.split("\r")[0], shown.split("\\r")[0]
-            assert shown == value, f"frame {number}: {name} is {shown!r} where the datagram has {value!r}: {frame}"
-        for trouble in FIELDS[-4:]:
-            assert not frame[trouble], f"frame {number}: {trouble}: {frame}"
+            assert shown == value, f"frame {number}: {name} is {shown!r}, but the datagram has {value!r}: {frame}"
+        for problem in FIELDS[-4:]:
+            assert not frame[problem], f"frame {number}: {problem}: {frame}"
 
 
 def check_exchanges(frames):
-    """Each reply leads to the request before it, and says of what command it is."""
+    """Each reply refers to its request and shows the same command."""
     replies = [(number, frame) for number, frame in enumerate(frames, 1) if frame["harvlink.status"]]
     assert len(replies) > 200, f"only {len(replies)} replies"
     for number, frame in replies:
         request = frames[int(frame["harvlink.request_in"]) - 1]
-        assert request["harvlink.reply_in"] == str(number), f"frame {number} and its request disagree"
+        assert request["harvlink.reply_in"] == str(number), f"frame {number}: its request refers to another reply"
         for name in ("harvlink.request_id", "harvlink.command"):
-            assert request[name] == frame[name], f"frame {number}: {name} is not that of its request"
+            assert request[name] == frame[name], f"frame {number}: {name} differs from that of its request"
 
 
 def check_words(frames):
@@ -101,7 +101,7 @@ def check_words(frames):
         *("RobotPositionRead, instance ", "JobSelect, instance 1, WriteAll", "MotionSendTarget, instance 0, WriteAll"),
         *("SaveFile block 1", ", the last", "ListFile *", "DeleteFile ", "refused with "),
     ):
-        assert any(wanted in info for info in words), f"nothing says {wanted!r}"
+        assert any(wanted in info for info in words), f"no datagram shows {wanted!r}"
     refused = {frame["harvlink.status_text"] for frame in frames if frame["harvlink.status"] not in ("", "0")}
     assert refused and "no text for this code" not in refused, refused
     assert any(frame["harvlink.data.axis"].count("|") == 7 for frame in frames), "no position is shown"
@@ -113,7 +113,7 @@ def main(tshark, dissector, simulator, demo):
     check(frames)
     check_exchanges(frames)
     check_words(frames)
-    print(f"{len(frames)} datagrams are shown as they are")
+    print(f"{len(frames)} datagrams are shown correctly")
 
 
 if __name__ == "__main__":
