@@ -26,8 +26,8 @@ struct TorqueData {
 /// called from several threads at once; exchanges queue. Reading again is always safe.
 ///
 /// A group that the controller does not know gives code -59959039, "Invalid Control Group Id". No answer gives
-/// ResponseTimeout. Outputs are cleared first and stay so on failure, except that a refused read of torque, or of a position
-/// on the older road, hands out what the refusal carried, normally zeros.
+/// ResponseTimeout. Outputs are cleared first and stay cleared on failure, with one exception: a refused read of
+/// torque, or of a position by the older command, fills in what the refusal carried, normally zeros.
 class ControlGroupInterface {
 public:
     ControlGroupInterface() = default;
@@ -35,7 +35,7 @@ public:
     ControlGroupInterface& operator=(ControlGroupInterface const&) = delete;
     virtual ~ControlGroupInterface() = default;
 
-    /// Reads where a group stands.
+    /// Reads where a group is.
     ///
     /// Before anything is sent: ControlGroupNotAttached for a group that the controller did not list when the connection
     /// was opened; ActiveToolOnly for a tool other than 0 on a controller older than `VersionYA`; InvalidCoordinateType
@@ -43,7 +43,7 @@ public:
     /// and 45070 for a tool or user coordinate number (1 to 63) out of range with UserCoordinate. With BaseCoordinate and
     /// RobotCoordinate a tool out of range gives an all-zero position and the status "OK".
     ///
-    /// The older road serves Pulse, and all types below `VersionYA`.
+    /// Pulse, and below `VersionYA` every type, is read by the older command, the others by the extended one.
     /// `userCoordinateNumber` and `toolNumber` are ignored for Pulse. In the result the user coordinate number is one
     /// above what the controller answered, and the eighth axis is 0 unless the group has eight.
     virtual StatusInfo ReadPositionData(ControlGroupId group, CoordinateType type, unsigned char userCoordinateNumber,
@@ -52,7 +52,8 @@ public:
     /// Reads the axis letters of a group; a zero byte stands for an axis that the group does not have.
     virtual StatusInfo ReadAxisConfiguration(ControlGroupId group, std::array<char, 8>& configuration) = 0;
 
-    /// Reads the position error of all axes, in pulses.
+    /// Reads the position error of all axes, in pulses. The group is checked by the controller alone, as for the two
+    /// others.
     virtual StatusInfo ReadPositionError(ControlGroupId group, PositionErrorData& data) = 0;
 
     /// Reads the torque of all axes.

@@ -15,7 +15,7 @@ enum class CycleMode : std::int32_t { Step = 0, Cycle = 1, Automatic = 2 };
 
 /// The state of the controller as a whole, at the moment of the read.
 struct ControllerStateData {
-    /// Who commands: the pendant, the panel, or a program like this one.
+    /// From where the controller takes commands: the pendant, the panel, or a program like this one.
     enum class ControlMode : std::int32_t { Teach = 0, Play = 1, Remote = 2 };
 
     CycleMode cycleMode{};
@@ -40,14 +40,14 @@ struct ElapsedTime {
     std::uint32_t hours = 0;
 };
 
-/// Since when the controller counts, and how much it has counted.
+/// When the controller began to count, and the time it has counted since.
 struct TimeData {
     /// Seconds since the epoch; the controller's local time read in this computer's zone.
     std::int64_t startTimeEpoch = 0;
     ElapsedTime elapsedTime{};
 };
 
-/// What ReadSystemInformation tells about. The numbers are the controller's; cast any other number it may know.
+/// The item that ReadSystemInformation reads. The numbers are the controller's; cast any other number it may know.
 enum class SystemInfoId : std::int32_t {
     Robot1 = 11,
     Robot2 = 12,
@@ -112,11 +112,12 @@ enum class SystemParameterType : std::int32_t {
     MotionSlot = 11, ///< numbers 33 to 36 name the groups of the four motion slots
 };
 
-/// Reads that concern the controller as a whole. Each is one exchange, refused ones none, and takes at most
-/// (1 + retries) x time-out. Every operation may be called from several threads at once; exchanges queue.
+/// Reads that concern the controller as a whole. Each is one exchange and takes at most (1 + retries) x time-out; a
+/// call whose arguments the library refuses sends nothing. Every operation may be called from several threads at once;
+/// exchanges queue.
 ///
-/// Besides the codes named at an operation, all return ResponseTimeout when no answer came and the controller's own
-/// code when it refused. Outputs are cleared first and stay so on failure. Reading again is always safe.
+/// Besides the codes named at an operation, all return ResponseTimeout if no answer comes and the controller's own
+/// code if it refuses. Outputs are cleared first and stay cleared on failure. Reading again is always safe.
 class ControllerStateInterface {
 public:
     ControllerStateInterface() = default;
@@ -140,7 +141,8 @@ public:
     /// parameter InvalidSystemParameter; a controller older than `VersionYA` UnsupportedOnThisController.
     virtual StatusInfo ReadSystemParam(SystemParameterType type, int number, int& value) = 0;
 
-    /// Reads a system parameter of a group. As above; an unknown group gives InvalidSystemParameterGroup.
+    /// Reads a system parameter of a group, by the controller's number of the group. As above, but every type is taken;
+    /// an unknown group gives InvalidSystemParameterGroup.
     virtual StatusInfo ReadSystemParam(SystemParameterType type, int number, int group, int& value) = 0;
 };
 

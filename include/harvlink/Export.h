@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Marks what leaves the shared object. Everything else has hidden visibility.
+/// Marks the names that the shared object exports. All others have hidden visibility.
 
-/// Marks a name that leaves the shared object.
+/// Marks a name that the shared object exports.
 #define HARVLINK_EXPORT __attribute__((visibility("default")))

@@ -30,7 +30,7 @@ struct AlarmHistory {
     std::uint32_t numberOfAlarms = 0;
 };
 
-/// A block of the alarm history. Only the numbers are the controller's.
+/// A block of the alarm history. The numbers are the controller's, the names are not.
 enum class AlarmCategory : std::int32_t {
     Major = 0,
     Minor = 1000,
@@ -39,8 +39,9 @@ enum class AlarmCategory : std::int32_t {
     Offline = 4000,
 };
 
-/// Alarms and their clearing. Each alarm is one exchange, so a list is no atomic view of the controller. May be called
-/// from several threads at once. No answer gives ResponseTimeout; the controller's refusals come with its own code.
+/// Alarms and their clearing. Each alarm is one exchange, so a list is not an atomic view of the controller. May be
+/// called from several threads at once. No answer gives ResponseTimeout; the controller's refusals come with its own
+/// code.
 class FaultInterface {
 public:
     FaultInterface() = default;
@@ -51,8 +52,9 @@ public:
     /// Reads all four places, four exchanges. A failure ends the read and keeps the places read so far.
     virtual StatusInfo GetActiveAlarms(ActiveAlarms& alarms) = 0;
 
-    /// Reads up to `quantity` entries (at most 100), one exchange each, ending at the first empty one. A failure ends the
-    /// read and keeps what was read. An unknown category gives InvalidAlarmCategory and leaves `history` untouched.
+    /// Reads up to `quantity` entries (at most 100), one exchange each, and ends at the first empty one. A `quantity`
+    /// of 0 sends nothing. A failure ends the read and keeps what was read. An unknown category gives
+    /// InvalidAlarmCategory and leaves `history` untouched.
     virtual StatusInfo GetAlarmHistory(AlarmCategory category, std::uint32_t quantity, AlarmHistory& history) = 0;
 
     /// Cancels the error, then resets the alarms, always both. The status is that of the reset alone.

@@ -21,7 +21,7 @@ enum class FileType : std::int32_t {
     LogFile = 6, ///< .LOG, can't be written
 };
 
-/// What the controller's file store knows of a kind of files.
+/// A kind of files: how the controller lists it, and whether it can be written.
 struct FileKind {
     FileType type;
     std::string_view pattern; ///< lists the files of this kind
@@ -42,13 +42,15 @@ inline constexpr std::array<FileKind, 7> FileKinds{{
     {FileType::LogFile, "*.LOG", false},
 }};
 
-/// The controller's file store. A transfer is one exchange per block of 479 bytes and blocks the caller until it is done;
-/// each exchange takes at most (1 + retries) x time-out, and silence in the middle ends the transfer with ResponseTimeout.
-/// A load of "TOOL.CND", and one that the controller refuses as not writable, waits 3 more seconds.
+/// The controller's file store. A transfer is one exchange per block of 479 bytes and blocks the caller until it is
+/// done; each exchange takes at most (1 + retries) x time-out, and one without an answer ends the transfer with
+/// ResponseTimeout. A load of "TOOL.CND", and one whose blocks the controller refuses as not writable, waits 3 more
+/// seconds.
 ///
-/// May be called from several threads at once, but two transfers at a time mix up on the controller: do one at a time.
-/// File names end in a dot and three letters of the table above, in any case; anything else gives InvalidFileExtension.
-/// All argument checks come before the first datagram. The controller's refusals come with its own code and text.
+/// May be called from several threads at once, but two transfers at the same time mix up on the controller: do one at a
+/// time. File names end in an extension of the table above, in upper or lower case; to load and to save, any other
+/// gives InvalidFileExtension. All argument checks come before the first datagram. The controller's refusals come with
+/// its own code and text.
 class FileInterface {
 public:
     FileInterface() = default;
@@ -57,27 +59,29 @@ public:
     virtual ~FileInterface() = default;
 
     /// Stores `contents` on the controller as `fileName`, replacing the file if the controller allows it. Kinds that
-    /// can't be written give FileTypeNotWritable; a job whose "//NAME" line does not name the file gives JobNameMismatch;
-    /// a name above 32 characters InvalidJobNameLength. Not atomic: a failed load may leave a part on the controller.
+    /// can't be written give FileTypeNotWritable; a job that nowhere holds "//NAME " and the file's name in upper
+    /// case without its extension gives JobNameMismatch; a name above 32 characters InvalidJobNameLength. Not atomic: a
+    /// failed load may leave a part on the controller.
     virtual StatusInfo LoadToControllerFromString(std::string const& fileName, std::string const& contents) = 0;
 
     /// The same with a file of this computer, named on the controller as it is named here. FileNotFoundOnPc if there is
-    /// no such file, 0x40000000 + error value if it can't be read or is a pipe or device. The job name must lie in the
-    /// first 151 characters. After a job the controller's list is looked at up to 5 times, 100 ms apart; if the job is
-    /// not in it the code stays 0 and the message says "Check for loaded job timed out. Job might not be on the
-    /// controller.".
+    /// no such file, 0x40000000 + error value if it can't be read or is a folder, pipe or device. The job name is
+    /// looked for in whole blocks of 479 bytes, each up to its first zero byte, until more than 150 characters are
+    /// there: normally in the first 479 bytes. After a job was loaded, the controller's list of jobs is read up to 5
+    /// times, 100 ms apart. If the job is not in it, the code is that of the last read, normally 0, and the message
+    /// says "Check for loaded job timed out. Job might not be on the controller.".
     virtual StatusInfo LoadToControllerFromPath(std::string const& path) = 0;
 
-    /// Fetches a file and writes it to `path`. Without `overwrite` an existing path gives FileExistsNoOverwrite. Nothing is
-    /// written before the whole file has arrived; a failed write gives 0x40000000 + error value.
+    /// Fetches a file and writes it to `path`. Without `overwrite` an existing path gives FileExistsNoOverwrite.
+    /// Nothing is written before the whole file has arrived; a failed write gives 0x40000000 + error value.
     virtual StatusInfo SaveFromControllerToFile(std::string const& fileName, std::string const& path,
                                                 bool overwrite) = 0;
 
-    /// Fetches a text file into `contents`. Of a block that holds a zero byte the rest is lost: this road is for text.
-    /// After a failure `contents` holds what had arrived.
+    /// Fetches a text file into `contents`. The rest of a block behind a zero byte is lost, so this is for text only. A
+    /// name above 32 characters is cut. After a failure `contents` holds what had arrived.
     virtual StatusInfo SaveFromControllerToString(std::string const& fileName, std::string& contents) = 0;
 
-    /// Deletes a job; ".JBI" is added to a name that does not end in it.
+    /// Deletes a job; ".JBI" is added to a name that does not end in it, and the first 32 characters are sent.
     virtual StatusInfo DeleteJobFile(std::string const& fileName) = 0;
 
     /// Counts the files of a kind; 0 on failure.

@@ -5,12 +5,12 @@
 #include "harvlink/Export.h"
 
 /// @file
-/// Arithmetic on frames and vectors, without a connection. All functions are pure and may run on any thread. None of them
-/// looks for null pointers, and no output may be the same record as an input.
+/// Arithmetic on frames and vectors, without a connection. All functions are pure and may run on any thread. No pointer
+/// may be null, and no output may be the same record as an input; nothing checks this.
 
 namespace harvlink {
 
-/// A vector in whatever unit its user gives it.
+/// A vector, in any unit.
 struct XyzVector {
     double x = 0.0;
     double y = 0.0;
@@ -48,8 +48,8 @@ extern "C" {
 /// The inverse of a rigid frame; the rotation is taken to be orthonormal.
 HARVLINK_EXPORT void InvertFrame(EulerMatrix const* in, EulerMatrix* out);
 
-/// Turns a frame by `angle` degrees, right-handed, about `axis` through its own origin, given in its own coordinates.
-/// The axis is not normalised: one that is not of unit length gives no rotation.
+/// Rotates a frame by `angle` degrees, right-handed, about `axis` through its own origin, given in its own coordinates.
+/// The axis is not normalised: with one that is not of unit length the result is not a rotation.
 HARVLINK_EXPORT void RotateFrame(EulerMatrix const* frame, XyzVector const* axis, EulerMatrix* out, double angle);
 
 /// The matrix product, first x second.
@@ -62,10 +62,10 @@ HARVLINK_EXPORT void InnerProduct(XyzVector const* first, XyzVector const* secon
 
 /// rx and rz from -180 to 180 degrees, ry from -90 to 90. In the gimbal position rz is 0 if nx and ny are exactly 0.
 HARVLINK_EXPORT void FrameToZYXeuler(EulerMatrix const* in, ZyxEulerPose* out);
-/// The frame of a pose, the way back of FrameToZYXeuler. The angles, in degrees, may be of any size.
+/// The frame of a pose, the inverse of FrameToZYXeuler. The angles, in degrees, may be of any size.
 HARVLINK_EXPORT void ZYXeulerToFrame(ZyxEulerPose const* in, EulerMatrix* out);
 
-/// Makes `out` the identity: no turn and no shift.
+/// Makes `out` the identity: no rotation and no translation.
 HARVLINK_EXPORT void SetIdentityMatrixInFrame(EulerMatrix* out);
 
 } // extern "C"

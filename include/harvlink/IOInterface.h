@@ -25,19 +25,23 @@ enum class IOType : std::int32_t {
 
 /// Signals and registers.
 ///
-/// Eight signals form a group of one byte. A signal's address is the number of its group times ten plus its bit, 0 to 7,
-/// so no address ends in 8 or 9; a byte or word is addressed by its first signal, a multiple of ten. Groups of a class
-/// count from 1. A word is two groups in a row, the first in its low byte.
+/// Eight signals form a group of one byte. A signal's address is the number of its group in the map of all classes,
+/// times ten, plus its bit, 0 to 7, so no address ends in 8 or 9; a byte or word is addressed by its first signal, a
+/// multiple of ten. The groups of a class count from 1. A word is two groups in a row, the first in its low byte.
 ///
-/// Everything may be read. Written are network inputs and, from `VersionYA` up, general outputs and interface panel
-/// inputs: an address outside the map gives code 40961, another class IOAddressNotWritable, a controller that is not in
-/// remote mode 65535. On the older controllers and for network inputs a byte is one exchange, a word two, and a bit a read
-/// and a write of its byte; on the extended road each signal is one exchange. None of this is atomic, and a failure in
-/// the middle leaves what was written in force.
+/// Everything may be read. Network inputs are written on every generation, general outputs and interface panel inputs
+/// from `VersionYA` up. To write any other signal gives IOAddressNotWritable from `VersionYA` up and code 40961 below
+/// it, where IOAddressNotWritable never comes. On every generation an address outside the map, or a byte or word whose
+/// address is not a multiple of ten, gives code 40961, and a controller that is not in remote mode 65535.
 ///
-/// A group outside its class gives InvalidIOGroup, a bit outside 0 to 7 or an address that ends in 8 or 9
-/// InvalidBitValue; nothing is sent then. No answer gives ResponseTimeout. Outputs are cleared first and stay so on
-/// failure. May be called from several threads at once; one exchange takes at most (1 + retries) x time-out.
+/// To write network inputs, a byte is one exchange, a word two, and a bit a read and a write of its byte; to write the
+/// others, each signal is one exchange. A read is one exchange, of a word two. None of this is atomic: after a failure in
+/// the middle, what was written stays written.
+///
+/// A group outside its class gives InvalidIOGroup; for a bit, a bit outside 0 to 7 or an address that is below 10 or
+/// ends in 8 or 9 gives InvalidBitValue; nothing is sent then. No answer gives ResponseTimeout. Outputs are cleared
+/// first and stay cleared on failure. May be called from several threads at once; one exchange takes at most (1 +
+/// retries) x time-out.
 class IOInterface {
 public:
     IOInterface() = default;
@@ -61,7 +65,7 @@ public:
     /// The group that an address begins.
     virtual StatusInfo ReadByte(unsigned int address, unsigned char& value) = 0;
 
-    /// Two groups in a row.
+    /// Two groups in a row. Address 0 gives InvalidIOGroup.
     /// @{
     virtual StatusInfo ReadWord(IOType type, unsigned short group, std::bitset<16>& value) = 0;
     virtual StatusInfo ReadWord(unsigned int address, std::bitset<16>& value) = 0;

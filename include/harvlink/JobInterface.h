@@ -30,7 +30,7 @@ struct JobData {
     double speedOverride = 0.0; ///< per cent
 };
 
-/// Selects jobs and tells what runs. One exchange per call, at most (1 + retries) x time-out. May be called from several
+/// Selects jobs and reads what runs. One exchange per call, at most (1 + retries) x time-out. May be called from several
 /// threads at once. Refusals that concern jobs come as negative codes: -79979008 "Invalid line number.", -79983552
 /// "Invalid job name.", -79934465 "Invalid task number.". No answer gives ResponseTimeout.
 class JobInterface {
@@ -40,8 +40,9 @@ public:
     JobInterface& operator=(JobInterface const&) = delete;
     virtual ~JobInterface() = default;
 
-    /// Makes `name` the job that a start will run, from `line` (0 to 9999) on. Any case, with or without ".JBI".
-    /// A name above 32 characters, its extension included, gives InvalidJobNameLength, a line above 9999 -79979008.
+    /// Selects the job that a start will run, from `line` (0 to 9999) on. Upper or lower case, with or without ".JBI".
+    /// A name above 32 characters, its extension included, gives InvalidJobNameLength, a line above 9999 -79979008;
+    /// nothing is sent then.
     virtual StatusInfo SetActiveJob(std::string const& name, unsigned line) = 0;
 
     /// Reads name, line, step and speed of the job that a task executes. `data` is empty on failure. A task that does not

@@ -18,14 +18,14 @@ enum class KinematicConversions : std::int32_t {
     CartesianPosToPulse = 5,
 };
 
-/// What resolves the arm configuration when a Cartesian position is converted.
+/// How the arm configuration is found when a Cartesian position is converted.
 enum class KinematicType : std::int32_t {
     KinematicFromSystem = 0, ///< system parameter S2C430 decides
     Delta = 1, ///< a Delta robot, which needs the previous angles
     KinematicFigure = 2, ///< the figure of the position
 };
 
-/// Converts positions. The controller computes; the library asks. From `VersionYA` up; an older or unknown controller
+/// Converts positions. The controller does the computing. From `VersionYA` up; an older or unknown controller
 /// gives UnsupportedOnThisController, sends nothing and leaves `result` untouched.
 ///
 /// One exchange per conversion, two for PulseToCartesianPos and CartesianPosToPulse; each takes at most (1 + retries) x
@@ -46,8 +46,8 @@ public:
                                        PositionData& result) = 0;
 
     /// The conversions 4 and 5; any other gives InvalidConversionFromCartesian. `previousAngles` go to the controller
-    /// truncated to whole numbers, without a factor: give them in the controller's unit. After a failure `result` is zero;
-    /// for CartesianPosToJointAngle it then has the type JointAngle.
+    /// truncated to whole numbers, without a factor: give them in the controller's unit. After a failure `result` is
+    /// zero; for CartesianPosToJointAngle it then has the type JointAngle.
     virtual StatusInfo ConvertPositionFromCartesian(ControlGroupId group, PositionData& position,
                                                     KinematicConversions conversion, KinematicType type,
                                                     std::array<double, 8> const& previousAngles,

@@ -16,7 +16,7 @@ namespace harvlink {
 
 enum class MoveInterpolationType : std::int32_t { NoMove = 0, Joint = 1, Line = 2, Circle = 3 };
 
-/// In an acceleration or deceleration ratio: leave what the controller has.
+/// As an acceleration or deceleration ratio: keep the ratio that the controller has.
 inline constexpr double RatioNotSpecified = std::numeric_limits<double>::max();
 
 /// One point of a trajectory for one control group.
@@ -47,7 +47,7 @@ static_assert(std::is_trivially_copyable_v<Motion>);
 /// points that is under way. A thread of the library, started by the first successful MotionStart and ended by
 /// CloseConnection, sends the points in order as fast as the controller takes them. If the controller refuses one, the
 /// thread raises alarm 8015 on the pendant, writes the log file, empties the queue and clears the controller's targets;
-/// nobody is called back.
+/// the program is not called back.
 ///
 /// To go on after that, on the same connection: ClearAllFaults, SetServos(On), MotionStart, and add points anew from
 /// where the robot stands. The alarm drops the servo power: without turning it on, the next point raises 8015 again.
@@ -65,18 +65,18 @@ public:
     MotionManagerInterface& operator=(MotionManagerInterface const&) = delete;
     virtual ~MotionManagerInterface() = default;
 
-    /// Queues one step: the groups of all given motions start together. Motions with move type NoMove take no part.
-    /// Returns "Point added to trajectory." with code 0, or, with the queue unchanged: 3370 for a group that is none of
-    /// the controller's four motion slots, InvalidCoordinateType for a JointAngle position, AccelerationOutOfRange,
-    /// DecelerationOutOfRange, JointSpeedOutOfRange, SpeedOutOfRange. Only `first` can be a CircularMotion; a circle
-    /// among the others gets a mid-point of zeros.
+    /// Queues one step: the groups of all given motions start together. Motions with move type NoMove take no part. Of
+    /// two motions for one group the later one counts. Returns "Point added to trajectory." with code 0, or, with the
+    /// queue unchanged: 3370 for a group that is none of the controller's four motion slots, InvalidCoordinateType for
+    /// a JointAngle position, AccelerationOutOfRange, DecelerationOutOfRange, JointSpeedOutOfRange, SpeedOutOfRange.
+    /// Only `first` can be a CircularMotion; a circle among the others gets a mid-point of zeros.
     virtual StatusInfo AddPointToTrajectory(Motion const& first, std::optional<Motion> second = std::nullopt,
                                             std::optional<Motion> third = std::nullopt,
                                             std::optional<Motion> fourth = std::nullopt) = 0;
 
     /// Asks how far the group has come; the controller's number, unchanged. Take it as the count of targets that the
     /// group has reached since its targets were last cleared, and the part of the way to the next: 2.5 is halfway from
-    /// the second to the third. The virtual controller counts so; no other has been seen, so look at it once on yours.
+    /// the second to the third. The virtual controller counts so; no other has been tried, so check it once on yours.
     /// Opening a connection, MotionStop(true), ClearAllTrajectory and a refused point clear the targets. 0.0 on failure;
     /// code 65504 for a group that is none of the four motion slots. One exchange.
     virtual double GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) = 0;

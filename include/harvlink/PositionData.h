@@ -16,8 +16,11 @@ enum class CoordinateType : std::int32_t {
     ToolCoordinate = 18,
     UserCoordinate = 19,
     MasterTool = 20,
-    Undefined = 55, ///< what a mapping without a counterpart gives
-    JointAngle = 56, ///< eight joint angles in degrees; given by position conversion only, refused by everything else
+    Undefined = 55, ///< what the controller named has no counterpart here
+    /// Eight joint angles in degrees. Only position conversion gives it, and takes it as a source. Motion targets,
+    /// reads of a position and writes of a robot position refuse it; a write of a base axis sends the number on, one of
+    /// a station ignores it.
+    JointAngle = 56,
 };
 
 enum class FrontOrBack : std::int32_t { Front = 0, Back = 1 };
@@ -47,8 +50,9 @@ HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, CartesianAxis con
 
 } // namespace AxisIndex
 
-/// Arm configuration that tells apart the joint positions with the same Cartesian pose. Used with Cartesian types only.
-/// The extended road of newer controllers carries no `lAngle`, `uAngle`, `bAngle`, `eAngle` and `wAngle`: they are 0 there.
+/// Arm configuration: which of the joint positions with the same Cartesian pose is meant. Used with Cartesian types
+/// only. The extended commands of newer controllers do not carry `lAngle`, `uAngle`, `bAngle`, `eAngle` and `wAngle`:
+/// they are 0.
 struct Figure {
     FrontOrBack frontOrBack{};
     UpperOrLower upperOrLower{};
@@ -71,9 +75,9 @@ struct Figure {
 /// | JointAngle | degrees | degrees |
 /// | any other | millimetres | degrees |
 ///
-/// The controller counts in 0.001 mm, 0.0001 degree and whole pulses: Cartesian values are rounded to that, halves away
-/// from zero, and pulses are truncated. A value that does not fit the controller's 32 bits, or is not a number, goes out
-/// as the most negative one.
+/// The controller counts in 0.001 mm, 0.0001 degree and whole pulses: Cartesian values and joint angles are rounded to
+/// that, halves away from zero, and pulses are truncated. A value that does not fit the controller's 32 bits, or is not
+/// a number, goes out as the most negative one.
 struct PositionData {
     CoordinateType coordinateType{};
     Figure figure{};

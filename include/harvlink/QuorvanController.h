@@ -44,10 +44,10 @@ public:
 
 extern "C" {
 
-/// Opens a connection: two UDP sockets, the probe of the controller's generation, and what the library needs to know of
-/// it. Nothing on the controller changes, except that its motion targets are cleared from `VersionYA` up.
+/// Opens a connection: creates two UDP sockets, asks the controller for its generation, and reads what the library needs
+/// to know of it. Nothing on the controller changes, except that its motion targets are cleared from `VersionYA` up.
 ///
-/// @param ipAddress IPv4 address in dotted form. One that can't be read shows as a time-out.
+/// @param ipAddress IPv4 address in dotted form. One that can't be parsed ends in ResponseTimeout.
 /// @param status "OK", or: VersionMismatch; SocketOpenError; ResponseTimeout after (1 + retries) x time-out if nobody
 ///     answers; the controller's code if it refuses the probe; ControllerObjectCreationFailed if its start-up data can't
 ///     be read.
@@ -65,7 +65,7 @@ HARVLINK_EXPORT void CloseConnection(QuorvanController* controller);
 
 } // extern "C"
 
-/// What Connection closes with.
+/// The deleter of Connection.
 struct ConnectionCloser {
     /// Closes; null is ignored.
     void operator()(QuorvanController* controller) const { CloseConnection(controller); }
@@ -74,7 +74,7 @@ struct ConnectionCloser {
 /// Owns a connection and closes it at the end of its scope.
 using Connection = std::unique_ptr<QuorvanController, ConnectionCloser>;
 
-/// OpenConnection with an owner: the one line by which a program connects. Empty on failure, see `status`.
+/// OpenConnection with an owner, for a program to connect in one line. Empty on failure, see `status`.
 [[nodiscard]] inline Connection Connect(std::string const& ipAddress, StatusInfo& status, unsigned timeoutMilliseconds,
                                         unsigned retries, bool logging = true) {
     return Connection(OpenConnection(ipAddress, status, timeoutMilliseconds, retries, logging, HeaderVersion));

@@ -9,9 +9,10 @@
 
 namespace harvlink {
 
-/// Codes that the library itself raises or names. Codes up to 0xFFFF that are not listed come from the controller and
-/// are compared by number. The 0x2.... and 0x3.... families count in a decimal-looking hexadecimal (0x30009 is followed
-/// by 0x30010).
+/// Codes that the library itself raises or names. Codes up to 0xFFFF that are not listed are the controller's and are
+/// compared by number. Five of them, 3370, 3460, 40961, 45069 (0xB00D) and 45070 (0xB00E), the library also raises
+/// itself, before a datagram is sent, and likewise 65504 and -79979008. The 0x2.... and 0x3.... families count in a
+/// decimal-looking hexadecimal (0x30009 is followed by 0x30010).
 enum class ErrorStatusCodes : std::int32_t {
     Ok = 0,
     OperationInterrupted = 0xffef,
@@ -75,11 +76,11 @@ enum class ErrorStatusCodes : std::int32_t {
 /// | code | origin |
 /// |---|---|
 /// | 0 | success; the message is "OK" or a note such as a truncation |
-/// | 1 to 0xFFFF | the controller refused, with this number |
-/// | 0x10000 and up | the library refused, see ErrorStatusCodes |
+/// | 1 to 0xFFFF | the controller refused, with this number, or the library did in its place, see ErrorStatusCodes |
+/// | 0x10000 and up | the library's own code, see ErrorStatusCodes |
 /// | 0x40000000 and up | a file on this computer failed |
-/// | large negative | the controller refused and a subsystem gave its number a meaning of its own: add 50000000 (motion),
-///   60000000 (control group), 80000000 (job) or 0x70000000 (conversion) to get the controller's number back |
+/// | large negative | the controller's number has a meaning of its own in a subsystem: add 50000000 (motion), 60000000
+///   (control group), 80000000 (job) or 0x70000000 (conversion) to get it back |
 struct StatusInfo {
     std::int32_t StatusCode = 0;
     std::string Message;

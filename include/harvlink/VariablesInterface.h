@@ -47,9 +47,10 @@ struct StationPositionVariableData {
 };
 
 /// The variables of one kind. Each call is one exchange, at most (1 + retries) x time-out; a refused argument sends
-/// nothing. May be called from several threads at once. Reading or writing again is safe: the same value is stored again.
+/// nothing. May be called from several threads at once. Reading or writing again is safe: a write stores the same value
+/// again.
 ///
-/// An index above 2048, or one that the controller does not have, gives InvalidVariableIndex. No answer gives
+/// An index above 2048, or that the controller does not have, gives InvalidVariableIndex. No answer gives
 /// ResponseTimeout: after a write it is then not known whether the value was stored.
 template <typename Record>
 class VariableInterface {
@@ -72,7 +73,7 @@ using DoubleIntVariableInterface = VariableInterface<DoubleIntVariableData>;
 using RealVariableInterface = VariableInterface<RealVariableData>;
 
 /// A text of 33 to 65535 bytes is cut to its first 32: the write succeeds and its message ends in " String was truncated
-/// to 32 characters". Of the length only the low 16 bits are looked at. Zero bytes inside a text are kept.
+/// to 32 characters". Only the low 16 bits of the length count. Zero bytes inside a text are kept.
 using StringVariableInterface = VariableInterface<StringVariableData>;
 
 /// Writing checks before it sends: a JointAngle position gives InvalidCoordinateType, Undefined code 3460, a tool number

@@ -5,7 +5,7 @@
  * @file
  * The plain C interface of Harvlink (C11), for C programs and for callers of other languages.
  *
- * Handle. `open_connection` always returns a handle that is not null; only its status tells whether there is a
+ * Handle. `open_connection` always returns a handle that is not null; only its status says whether there is a
  * connection. On a handle of a failed connection nothing but `close_connection` may be called. After `close_connection`
  * the handle must not be used again. Its cell of 8 bytes is never released.
  *
@@ -17,8 +17,8 @@
  * Enumerations are 32-bit integers; the numbers are those of the constants below, and any other number is passed on.
  *
  * Status. `StatusCode` 0 is success, up to 0xFFFF the controller's, 0x10000 and up the library's, 0x40000000 and up a
- * file on this computer, large negative numbers a controller's code read by a subsystem (add 50000000 for motion, 60000000
- * for control groups, 80000000 for jobs, 0x70000000 for conversions).
+ * file on this computer, large negative numbers a controller's code read by a subsystem (add 50000000 for motion,
+ * 60000000 for control groups, 80000000 for jobs, 0x70000000 for conversions).
  *
  * Time and threads. An exchange with the controller takes at most (1 + retries) x time-out. Functions may be called from
  * several threads at once on one handle, except `close_connection`. Units and failures of each operation are those of
@@ -329,8 +329,8 @@ typedef struct Motion {
 } Motion;
 
 /**
- * Pass the address of `motion`. A motion whose `moveType` is HARVLINK_CIRCLE must be the first member of one of these: the
- * mid-point is read from behind it, and nothing can tell whether it is there.
+ * Pass the address of `motion`. A motion whose `moveType` is HARVLINK_CIRCLE must be the first member of one of these:
+ * the mid-point is read from behind it, and nothing can tell whether it is there.
  */
 typedef struct CircularMotion {
     Motion motion;
@@ -380,205 +380,335 @@ HARVLINK_EXPORT void close_connection(ControllerHandle handle);
 
 /* ---- Alarms (FaultInterface.h) ------------------------------------------------------------------------------------- */
 
-/** Fills all four places; eight texts to free on every call. */
+/** Reads the four alarm places. Always fills all four: eight texts to free on every call, also after a failure. A
+ * failure keeps the places read so far; the others are empty. */
 HARVLINK_EXPORT IStatusInfo fault_interface_get_active_alarms(ControllerHandle handle, IActiveAlarms* alarms);
-/** Fills all hundred places; two hundred texts to free on every call, whatever the count. */
+/** Reads up to `quantity` alarms (at most 100) of a category, the newest first. Always fills all hundred places: two
+ * hundred texts to free on every call. A failure keeps what was read. 0x30017 for an unknown category. */
 HARVLINK_EXPORT IStatusInfo fault_interface_get_alarm_history(ControllerHandle handle, AlarmCategory category,
                                                               unsigned quantity, IAlarmHistory* history);
+/** Cancels the error and resets the alarms, always both. The status is that of the reset alone. */
 HARVLINK_EXPORT IStatusInfo fault_interface_clear_all_faults(ControllerHandle handle);
 
 /* ---- Control groups (ControlGroupInterface.h) ---------------------------------------------------------------------- */
 
+/* `group` is one that the controller has, else code -59959039, "Invalid Control Group Id". Records are zero after a
+ * failure, except that a refused read of torque, or of a position by the older command, fills in what the refusal
+ * carried. */
+
+/** Reads where a group is, in the units of PositionData. `userCoordinateNumber` (1 to 63) counts for
+ * HARVLINK_USER_COORDINATE, `toolNumber` for all types but HARVLINK_PULSE. 0x20015 for a type that can't be read,
+ * 0x20016 for a tool other than 0 below YA, 0x30015 for a group that is not attached, 45069 and 45070 for a number
+ * out of range with user coordinates. With base and robot coordinates a tool out of range gives zeros and code 0. */
 HARVLINK_EXPORT IStatusInfo control_group_interface_read_position_data(ControllerHandle handle, ControlGroupId group,
                                                                        CoordinateType type,
                                                                        unsigned char userCoordinateNumber,
                                                                        unsigned char toolNumber,
                                                                        PositionData* position);
-/** `configuration` points to 8 characters; a zero stands for an axis that the group does not have. */
+/** Reads the axis letters into the 8 characters at `configuration`; a zero stands for an axis that the group does
+ * not have. */
 HARVLINK_EXPORT IStatusInfo control_group_interface_read_axis_configuration(ControllerHandle handle,
                                                                             ControlGroupId group, char* configuration);
+/** Reads the difference between commanded and reached position of each axis, in pulses. */
 HARVLINK_EXPORT IStatusInfo control_group_interface_read_position_error(ControllerHandle handle, ControlGroupId group,
                                                                         PositionErrorData* data);
+/** Reads the torque of each axis, in the controller's unit. */
 HARVLINK_EXPORT IStatusInfo control_group_interface_read_torque_data(ControllerHandle handle, ControlGroupId group,
                                                                      TorqueData* data);
 
 /* ---- Variables (VariablesInterface.h) ------------------------------------------------------------------------------ */
 
+/* Indexes are those of the pendant, 0 to 2048. One above, or that the controller does not have, gives 0x30008. After
+ * a failed read the record holds the index and is zero otherwise. After a write without an answer it is not known
+ * whether the value was stored; writing it again does no harm. */
+
+/** Reads B`index`: 0 to 255. */
 HARVLINK_EXPORT IStatusInfo byte_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                          ByteVariableData* variable);
+/** Writes the byte `variable.value` to B`variable.variableIndex`. */
 HARVLINK_EXPORT IStatusInfo byte_variable_interface_write(ControllerHandle handle, ByteVariableData variable);
+/** Reads I`index`: 16 bits, signed. */
 HARVLINK_EXPORT IStatusInfo integer_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                             IntegerVariableData* variable);
+/** Writes the 16-bit integer `variable.value` to I`variable.variableIndex`. */
 HARVLINK_EXPORT IStatusInfo integer_variable_interface_write(ControllerHandle handle, IntegerVariableData variable);
+/** Reads D`index`: 32 bits, signed. */
 HARVLINK_EXPORT IStatusInfo double_int_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                                DoubleIntVariableData* variable);
+/** Writes the 32-bit integer `variable.value` to D`variable.variableIndex`. */
 HARVLINK_EXPORT IStatusInfo double_int_variable_interface_write(ControllerHandle handle,
                                                                 DoubleIntVariableData variable);
+/** Reads R`index`: 32-bit floating point. */
 HARVLINK_EXPORT IStatusInfo real_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                          RealVariableData* variable);
+/** Writes the floating point number `variable.value` to R`variable.variableIndex`. */
 HARVLINK_EXPORT IStatusInfo real_variable_interface_write(ControllerHandle handle, RealVariableData variable);
-/** `value` is set to a fresh text, empty after a failure; what stood there is not freed. */
+/** Reads S`index`. `value` is set to a new text, yours to free, empty after a failure; an old text there is not
+ * freed. The text ends at its first zero byte. */
 HARVLINK_EXPORT IStatusInfo string_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                            IStringVariableData* variable);
-/** A text longer than 32 bytes is cut; the message then says so. */
+/** Writes the text `value` to S`variableIndex`. A text of more than 32 bytes is cut; code 0 then, and the message
+ * says so. */
 HARVLINK_EXPORT IStatusInfo string_variable_interface_write(ControllerHandle handle,
                                                             IStringVariableData const* variable);
+/** Reads P`index`, a position of a robot in the units of PositionData. */
 HARVLINK_EXPORT IStatusInfo robot_position_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                                    RobotPositionVariableData* variable);
+/** Writes a position of a robot. Nothing is sent after 0x20015 (joint angles), 3460 (undefined type), 45069 (tool
+ * below 0 or above the number of tool files) and 45070 (user coordinate not 1 to 63). */
 HARVLINK_EXPORT IStatusInfo robot_position_variable_interface_write(ControllerHandle handle,
                                                                     RobotPositionVariableData const* variable);
+/** Reads BP`index`, a position of a base axis. All axes that are not pulses have a resolution of 0.001. After
+ * success `variableIndex` is 0. */
 HARVLINK_EXPORT IStatusInfo base_position_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                                   BaseAxisPositionVariableData* variable);
+/** Writes a position of a base axis. In pulses all eight axes are written as 0. */
 HARVLINK_EXPORT IStatusInfo base_position_variable_interface_write(ControllerHandle handle,
                                                                    BaseAxisPositionVariableData const* variable);
+/** Reads EX`index`, a position of a station in pulses. After success `variableIndex` is 0. */
 HARVLINK_EXPORT IStatusInfo station_position_variable_interface_read(ControllerHandle handle, unsigned short index,
                                                                      StationPositionVariableData* variable);
+/** Writes a position of a station, in pulses whatever its type says, truncated to whole numbers. */
 HARVLINK_EXPORT IStatusInfo station_position_variable_interface_write(ControllerHandle handle,
                                                                       StationPositionVariableData const* variable);
 
 /* ---- Controller state (ControllerStateInterface.h) ----------------------------------------------------------------- */
 
+/* Records are zero after a failure. */
+
+/** Reads mode, cycle, running, hold, alarm, error and servo power. */
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_state(ControllerHandle handle, ControllerStateData* state);
+/** Reads software version and model name: two texts to free on every call, empty after a failure. 45063 for an
+ * unknown id. */
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_system_information(ControllerHandle handle, SystemInfoId id,
                                                                                ISystemInfoData* data);
-/** The one function that may end in a C++ exception: when the answer holds no readable time. C can't catch it. */
+/** Reads an operating time: start in seconds since the epoch, and the time counted. `application` counts for
+ * HARVLINK_APPLICATION_TIME only. 40961 for a type that does not exist or does not fit `group`, 51200 for a group
+ * that the controller does not have. The one function with a valid argument that may end in a C++ exception: when
+ * the answer holds no readable time. C can't catch it. */
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_operating_times(ControllerHandle handle,
                                                                             ControlGroupId group, TimeType type,
                                                                             TimeData* data,
                                                                             ApplicationNumber application);
+/** Reads a parameter of the whole controller. 0x30012 for HARVLINK_S1C, _S1E and _S2E, which need a group; 0x30011
+ * for an unknown parameter; 0x30005 below YA. `value` is 0 after a failure. */
 HARVLINK_EXPORT IStatusInfo controller_state_read_system_param(ControllerHandle handle, SystemParameterType type,
                                                                int number, int* value);
+/** Reads a parameter of a group, by the controller's number, from 1. Codes as above; 0x30016 for an unknown group.
+ * */
 HARVLINK_EXPORT IStatusInfo controller_state_group_read_system_param(ControllerHandle handle, SystemParameterType type,
                                                                      int number, int group, int* value);
 
 /* ---- Jobs (JobInterface.h) ----------------------------------------------------------------------------------------- */
 
+/** Selects the job that a start will run, from `line` (0 to 9999) on. Upper or lower case, with or without ".JBI",
+ * at most 32 characters. 0x20007 for a longer name, -79979008 for a line that is not there, -79983552 for an unknown
+ * job. */
 HARVLINK_EXPORT IStatusInfo job_interface_set_active_job(ControllerHandle handle, char const* name, unsigned line);
+/** Reads name, line, step and speed override of the job that a task runs. `name` is yours to free on every call.
+ * 40961 for an unknown task. */
 HARVLINK_EXPORT IStatusInfo job_interface_get_executing_job_information(ControllerHandle handle, TesselTaskNumber task,
                                                                         IJobData* data);
-/** Fills all twelve places, also after a failure. */
+/** Reads the call stack of a task. Fills all twelve places, also after a failure: twelve texts to free on every
+ * call. -79934465 for an unknown task, 0x30005 below YA. */
 HARVLINK_EXPORT IStatusInfo job_interface_get_job_stack(ControllerHandle handle, TesselTaskNumber task,
                                                         IJobStack* jobs);
 
 /* ---- Files (FileInterface.h) --------------------------------------------------------------------------------------- */
 
+/* Blocks until the file is through, one exchange per 479 bytes; one transfer at a time, or they mix up on the
+ * controller. A name ends in .JBI, .DAT, .CND, .PRM, .SYS, .LST or .LOG, in upper or lower case. Of a file that is
+ * fetched, the rest of a block behind a zero byte is lost. */
+
+/** Writes the text `content` to the controller as `fileName`. 0x20001 for an unknown extension, 0x20008 for .PRM,
+ * .SYS and .LOG, 0x30014 for a job without its "//NAME" line, 0x20007 for a name above 32 characters. */
 HARVLINK_EXPORT IStatusInfo file_interface_LoadToControllerFromString(ControllerHandle handle, char const* fileName,
                                                                       char const* content);
+/** Writes a file of this computer to the controller, under its own name. Codes as above; 0x20003 if there is no such
+ * file, 0x40000000 + error value if it can't be read. A job is then looked for in the controller's list, for about
+ * half a second; if it is not there the code stays 0 and the message says so. */
 HARVLINK_EXPORT IStatusInfo file_interface_LoadToControllerFromPath(ControllerHandle handle, char const* path);
-/** Of `overwrite` only the low eight bits count: 256 is false. */
+/** Writes the controller's file to `path`. Of `overwrite` only the low eight bits count: 256 is false. 0x20002 if
+ * `path` exists and `overwrite` is false, 0x40000000 + error value if it can't be written. Nothing is written before
+ * the whole file has arrived. */
 HARVLINK_EXPORT IStatusInfo file_interface_SaveFromControllerToFile(ControllerHandle handle, char const* fileName,
                                                                     char const* path, int overwrite);
-/** Returns the file's text, yours to free; possibly empty or partial after a failure. */
+/** Returns the controller's file as a text, yours to free; possibly empty or partial after a failure. */
 HARVLINK_EXPORT char* file_interface_SaveFromControllerToString(ControllerHandle handle, char const* fileName,
                                                                 IStatusInfo* status);
+/** Deletes a job; ".JBI" is added to a name that does not end in it. */
 HARVLINK_EXPORT IStatusInfo file_interface_DeleteJobFile(ControllerHandle handle, char const* fileName);
+/** Counts the files of a kind; 0 after a failure. */
 HARVLINK_EXPORT IStatusInfo file_interface_GetFileCount(ControllerHandle handle, FileType type, int* count);
-/** Returns all names, each followed by a line feed; yours to free. Empty after a failure. */
+/** Returns the names of the files of a kind, each followed by a line feed, in byte order if `sorted`; yours to free.
+ * Empty after a failure. */
 HARVLINK_EXPORT char* file_interface_ListFiles(ControllerHandle handle, FileType type, IStatusInfo* status,
                                                bool sorted);
 
 /* ---- Input and output (IOInterface.h) ------------------------------------------------------------------------------ */
 
-/** Bits are 0 or 1 when read; any value but 0 writes a 1. Values are 0 after a failed read. */
+/* A group is eight signals; groups of a class count from 1. An address is the number of a group in the map of
+ * all classes, times ten, plus the bit, 0 to 7. Network inputs are written on every generation, general outputs and
+ * interface panel inputs from YA up, in remote mode (else 65535). 0x20009 for a group outside its class, 0x10004 for a
+ * bit that does not exist, 40961 for an address that is not in the map, and below YA for all that is not written;
+ * 0x30007 for these from YA up. `*value` is 0 after a failed read. */
+
+/** Reads signal `bit` (0 to 7) of a group as 0 or 1. */
 HARVLINK_EXPORT IStatusInfo io_interface_type_ReadBit(ControllerHandle handle, IOType type, unsigned short group,
                                                       unsigned char bit, int* value);
+/** Reads the signal at an address as 0 or 1. */
 HARVLINK_EXPORT IStatusInfo io_interface_address_ReadBit(ControllerHandle handle, unsigned address, int* value);
+/** Reads a group, its first signal in bit 0. */
 HARVLINK_EXPORT IStatusInfo io_interface_type_ReadByte(ControllerHandle handle, IOType type, unsigned short group,
                                                        unsigned* value);
+/** Reads the group that begins at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_address_ReadByte(ControllerHandle handle, unsigned address, unsigned* value);
-/** For general inputs this form reads one group above the one that io_interface_type_ReadByte reads. */
+/** Reads a group. For general inputs this is one group above the one that io_interface_type_ReadByte reads. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint8_type_ReadByte(ControllerHandle handle, IOType type, unsigned short group,
                                                              unsigned char* value);
+/** Reads the group that begins at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint8_address_ReadByte(ControllerHandle handle, unsigned address,
                                                                 unsigned char* value);
+/** Reads two groups, the first in the low byte. */
 HARVLINK_EXPORT IStatusInfo io_interface_type_ReadWord(ControllerHandle handle, IOType type, unsigned short group,
                                                        unsigned* value);
+/** Reads the two groups that begin at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_address_ReadWord(ControllerHandle handle, unsigned address, unsigned* value);
+/** Reads two groups, the first in the low byte. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint16_type_ReadWord(ControllerHandle handle, IOType type,
                                                               unsigned short group, unsigned short* value);
+/** Reads the two groups that begin at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint16_address_ReadWord(ControllerHandle handle, unsigned address,
                                                                  unsigned short* value);
+/** Writes the signal at an address: 0, or 1 for any other `value`. */
 HARVLINK_EXPORT IStatusInfo io_interface_address_WriteBit(ControllerHandle handle, unsigned address, int value);
+/** Writes signal `bit` (0 to 7) of a group: 0, or 1 for any other `value`. */
 HARVLINK_EXPORT IStatusInfo io_interface_type_WriteBit(ControllerHandle handle, IOType type, unsigned short group,
                                                        unsigned char bit, int value);
-/** Of `value` the low 8 or 16 bits are written. */
+/** Writes the low 8 bits of `value` to a group. */
 HARVLINK_EXPORT IStatusInfo io_interface_type_WriteByte(ControllerHandle handle, IOType type, unsigned short group,
                                                         unsigned value);
+/** Writes the low 8 bits of `value` to the group that begins at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_address_WriteByte(ControllerHandle handle, unsigned address, unsigned value);
+/** Writes `value` to a group. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint8_type_WriteByte(ControllerHandle handle, IOType type,
                                                               unsigned short group, unsigned char value);
+/** Writes `value` to the group that begins at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint8_address_WriteByte(ControllerHandle handle, unsigned address,
                                                                  unsigned char value);
+/** Writes the low 16 bits of `value` to two groups, the low byte to the first. */
 HARVLINK_EXPORT IStatusInfo io_interface_type_WriteWord(ControllerHandle handle, IOType type, unsigned short group,
                                                         unsigned value);
+/** Writes the low 16 bits of `value` to the two groups that begin at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_address_WriteWord(ControllerHandle handle, unsigned address, unsigned value);
+/** Writes `value` to two groups, the low byte to the first. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint16_type_WriteWord(ControllerHandle handle, IOType type,
                                                                unsigned short group, unsigned short value);
+/** Writes `value` to the two groups that begin at an address. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint16_address_WriteWord(ControllerHandle handle, unsigned address,
                                                                   unsigned short value);
+/** Reads a register: 16 bits. 65535 for one that the controller does not have. */
 HARVLINK_EXPORT IStatusInfo io_interface_ReadRegister(ControllerHandle handle, unsigned short index,
                                                       unsigned short* value);
+/** Writes a register. 0x30008 for one above 2048 or that the controller does not have. */
 HARVLINK_EXPORT IStatusInfo io_interface_WriteRegister(ControllerHandle handle, unsigned short index,
                                                        unsigned short value);
-/** In spite of the name only 16 bits are meaningful. */
+/** Reads a register into the low 16 bits of `*value`; in spite of the name the others are 0. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint32_ReadRegister(ControllerHandle handle, unsigned short index,
                                                              unsigned* value);
-/** Takes a pointer, unlike io_interface_WriteRegister; its low 16 bits are written. */
+/** Writes the low 16 bits of `*value`, which is a pointer here, unlike in io_interface_WriteRegister. */
 HARVLINK_EXPORT IStatusInfo io_interface_uint32_WriteRegister(ControllerHandle handle, unsigned short index,
                                                               unsigned const* value);
-/** Returns the address of a signal, 0 with a failed status if there is none. Sends nothing. */
+/** Returns the address of a signal, or 0 with a failed status if there is none. Sends nothing. */
 HARVLINK_EXPORT uint32_t io_interface_ConvertIOGroupToBitAddress(ControllerHandle handle, IOType type,
                                                                  unsigned short group, unsigned char bit,
                                                                  IStatusInfo* status);
 
 /* ---- Control commands (ControlCommandsInterface.h): they act on a real machine -------------------------------------- */
 
+/* Remote mode is needed for most. After no answer (0x30006) read the state: the command may have taken effect. */
+
+/** Turns servo power on or off (HARVLINK_ON, HARVLINK_OFF). The exchange waits up to four times as long as others.
+ * */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_SetServos(ControllerHandle handle, SignalStatus state);
+/** Holds the running job and motion, or releases the hold (HARVLINK_ON, HARVLINK_OFF). */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_SetHold(ControllerHandle handle, SignalStatus state);
+/** Sets how a started job runs: one step, once to its end, or again and again. */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_SetCycleMode(ControllerHandle handle, CycleMode mode);
+/** Shows a line on the pendant, cut to 30 bytes. */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_DisplayStringToPendant(ControllerHandle handle,
                                                                               char const* text);
+/** Starts the selected job. A repetition may start it twice. */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_StartJob(ControllerHandle handle);
 
 /* ---- Motion (MotionManagerInterface.h): it moves a real machine ----------------------------------------------------- */
 
-/** Only `first` can be the motion of a CircularMotion; the others are copied without a mid-point. */
+/* From YA up, else 0x30005. A thread of the library sends the queue after the first start. Only `first` can be the
+ * `motion` of a CircularMotion; the others are copied without a mid-point. The controller's codes come with 50000000
+ * subtracted. */
+
+/** Checks a motion and queues it as a step; sends nothing. Codes, with an unchanged queue: 3370 for a group without
+ * a motion slot, 0x20015 for joint angles, 0x30001 and 0x30002 for the speed, 0x30009 and 0x30010 for a ratio. */
 HARVLINK_EXPORT IStatusInfo motion_manager_AddPointToTrajectory(ControllerHandle handle, Motion const* first);
+/** Queues a step of two motions that start together. Of two for one group the second counts. */
 HARVLINK_EXPORT IStatusInfo motion_manager_Add2PointsToTrajectory(ControllerHandle handle, Motion const* first,
                                                                   Motion const* second);
+/** Queues a step of three motions that start together. */
 HARVLINK_EXPORT IStatusInfo motion_manager_Add3PointsToTrajectory(ControllerHandle handle, Motion const* first,
                                                                   Motion const* second, Motion const* third);
+/** Queues a step of four motions that start together. */
 HARVLINK_EXPORT IStatusInfo motion_manager_Add4PointsToTrajectory(ControllerHandle handle, Motion const* first,
                                                                   Motion const* second, Motion const* third,
                                                                   Motion const* fourth);
+/** Returns how far a group has come, the controller's number unchanged; 0.0 after a failure. 65504 for a group
+ * without a motion slot. */
 HARVLINK_EXPORT double motion_manager_GetMotionTargetProgress(ControllerHandle handle, ControlGroupId group,
                                                               IStatusInfo* status);
+/** Lets the controller move to its targets, and starts to send the queue. */
 HARVLINK_EXPORT IStatusInfo motion_manager_MotionStart(ControllerHandle handle);
+/** Stops the motion. With `clearTrajectory` a stop that succeeded also clears the queue and the controller's
+ * targets; without it the queue goes on being sent. */
 HARVLINK_EXPORT IStatusInfo motion_manager_MotionStop(ControllerHandle handle, bool clearTrajectory);
+/** Clears the queue and the controller's targets. */
 HARVLINK_EXPORT IStatusInfo motion_manager_ClearAllTrajectory(ControllerHandle handle);
 
 /* ---- Kinematics (KinematicsInterface.h) ----------------------------------------------------------------------------- */
 
-/** `source` and `result` must be different records: `result` is zeroed before `source` is read. */
+/* From YA up, else 0x30005. The controller converts; nothing moves. `source` and `result` must be different records:
+ * `result` is zeroed before `source` is read, and stays zero after a failure. The controller's codes come with
+ * 0x70000000 subtracted. */
+
+/** Converts pulses or joint angles: the conversions 0 to 3, any other gives 0x20014. */
 HARVLINK_EXPORT IStatusInfo kinematics_interface_ConvertPosition(ControllerHandle handle, ControlGroupId group,
                                                                  PositionData* source, KinematicConversions conversion,
                                                                  PositionData* result);
-/** `previousAngles` points to 8 values in the controller's unit. */
+/** Converts a Cartesian position: the conversions 4 and 5, any other gives 0x20013. `previousAngles` points to 8
+ * values in the controller's unit, which are truncated to whole numbers. */
 HARVLINK_EXPORT IStatusInfo kinematics_interface_ConvertPositionFromCartesian(
     ControllerHandle handle, ControlGroupId group, PositionData* source, KinematicConversions conversion,
     KinematicType type, double const* previousAngles, PositionData* result);
 
 /* ---- Frame math (FrameMath.h): no connection; no output may be the same record as an input -------------------------- */
 
+/* Each fills `out` and can't fail. Null pointers are not looked for. */
+
+/** The scalar product. */
 HARVLINK_EXPORT void vector_math_inner_product(XyzVector const* first, XyzVector const* second, double* out);
+/** The vector product, first x second. */
 HARVLINK_EXPORT void vector_math_cross_product(XyzVector const* first, XyzVector const* second, XyzVector* out);
+/** The inverse of a frame whose rotation is orthonormal. */
 HARVLINK_EXPORT void frame_math_invert_frame(EulerMatrix const* in, EulerMatrix* out);
-/** `angle` in degrees. */
+/** Turns a frame by `angle` degrees, right-handed, about a unit vector through its own origin, given in its own
+ * coordinates. */
 HARVLINK_EXPORT void frame_math_rotate_frame(EulerMatrix const* frame, XyzVector const* axis, EulerMatrix* out,
                                              double angle);
+/** The position and the angles of a frame, in degrees: rx and rz from -180 to 180, ry from -90 to 90. */
 HARVLINK_EXPORT void frame_math_frame_to_zyx_euler(EulerMatrix const* in, ZyxEulerPose* out);
+/** The matrix product, first x second. */
 HARVLINK_EXPORT void frame_math_multiply_frames(EulerMatrix const* first, EulerMatrix const* second, EulerMatrix* out);
+/** The frame of a position and angles in degrees, Rz(rz) Ry(ry) Rx(rx). */
 HARVLINK_EXPORT void frame_math_zyx_euler_to_frame(ZyxEulerPose const* in, EulerMatrix* out);
+/** Makes `out` the identity: no rotation and no translation. */
 HARVLINK_EXPORT void frame_math_set_identity_matrix_in_frame(EulerMatrix* out);
 
 #ifdef __cplusplus

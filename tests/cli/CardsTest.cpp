@@ -451,6 +451,17 @@ TEST(Cards, SayWhatTheControllerRefuses) {
          }},
         {"45067", "Pulse always", [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, MasterTool, 0); },
          [](Rig& rig) { return rig.Motion().SetCoord(TargetControlGroup::GroupOne, ToolCoordinate, 0); }},
+        {"45068", "",
+         [](Rig& rig) {
+             BaseAxisPositionVariableData variable;
+             variable.positionData.coordinateType = JointAngle;
+             return rig->Variables->basePositionVariable->Write(variable);
+         },
+         [](Rig& rig) {
+             StationPositionVariableData variable;
+             variable.positionData.coordinateType = JointAngle;
+             return rig->Variables->stationPositionVariable->Write(variable);
+         }},
         {"45069", "numbered 0 to 63", WritePosition(Pulse, 1, 64), WritePosition(Pulse, 1, 63)},
         {"51200", "the group does not exist", ReadTimes(R2, TimeType::ServoPowerRobot)},
         {"57996", "RS214",
