@@ -35,7 +35,7 @@ enum class Rule : std::uint32_t {
     WholeAnswer = 1U << 6U, ///< an answer shorter than its record fails
     BlockOrder =
         1U << 7U, ///< blocks of a file rise by one; a repeated one is dropped; no more than `largestFile` bytes
-    WholeStartUp = 1U << 8U, ///< a connection knows its groups and tools, or is none
+    WholeStartUp = 1U << 8U, ///< a connection opens only if its groups and tools could be read
     IdleMonitor = 1U << 9U, ///< the thread that feeds motion sleeps while it has nothing to send
     SentStep = 1U << 10U, ///< after a clear, only the step that was sent leaves the queue
     BoundedClose = 1U << 11U, ///< closing, stopping and clearing end the wait for room in the controller's buffer
@@ -48,8 +48,11 @@ inline constexpr std::size_t RuleCount = 13;
 struct Rules {
     std::uint32_t bits = 0; ///< a sum of Rule values
 
+    /// Whether the rule is in the set.
     constexpr bool Has(Rule rule) const { return (bits & static_cast<std::uint32_t>(rule)) != 0; }
+    /// The set with the rule added.
     constexpr Rules With(Rule rule) const { return {bits | static_cast<std::uint32_t>(rule)}; }
+    /// The set with the rule removed.
     constexpr Rules Without(Rule rule) const { return {bits & ~static_cast<std::uint32_t>(rule)}; }
 };
 
@@ -72,6 +75,7 @@ struct ConnectOptions {
 
 /// Opens a connection with options.
 ///
+/// @param options address, time-out, access and rules.
 /// @param status "OK", or: InvalidConnectOptions for an address that is not one, with nothing sent; ControllerNotListening if
 ///     the host answers that nobody listens there; ResponseTimeout if nobody answers; SocketOpenError; the controller's code
 ///     if it refuses a read of the start-up; OutOfMemory.

@@ -25,6 +25,7 @@ struct RoundTripTimes {
 /// again with the first answer.
 enum class LinkState : std::int32_t { Online = 0, Silent = 1 };
 
+/// Counters and times of one connection.
 struct ConnectionStatistics {
     std::uint64_t exchanges = 0; ///< requests that wait for an answer, each counted once
     std::uint64_t timeouts = 0; ///< exchanges that ended without an answer
