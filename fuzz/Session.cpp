@@ -103,11 +103,11 @@ void Transport::Ask(Division division, std::span<std::byte const> datagram) {
     losses >>= 1U;
 }
 
-std::size_t Transport::Receive(std::span<std::byte> buffer, timeval) {
+Arrival Transport::Receive(Division, std::span<std::byte> buffer, timeval) {
     auto const answer = Next();
     auto const length = std::min(answer.size(), buffer.size());
     std::copy_n(answer.begin(), length, buffer.begin());
-    return length;
+    return answer.size();
 }
 
 Bytes Transport::Next() {

@@ -44,7 +44,7 @@ public:
 
     /// Checks that every request is a valid datagram.
     void Send(Division division, std::span<std::byte const> datagram) override;
-    std::size_t Receive(std::span<std::byte> buffer, timeval period) override;
+    Arrival Receive(Division, std::span<std::byte> buffer, timeval period) override;
 
     bool isHonest = true; ///< the virtual controller answers; otherwise only `answers`, and then silence
     Answers answers;

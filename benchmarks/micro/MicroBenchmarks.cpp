@@ -14,7 +14,7 @@ class EchoTransport final : public DatagramTransport {
 public:
     void Send(Division, std::span<std::byte const> datagram) override { id = datagram[11]; }
 
-    std::size_t Receive(std::span<std::byte> buffer, timeval) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, timeval) override {
         buffer[11] = id;
         return buffer.size();
     }

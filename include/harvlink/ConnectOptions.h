@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "harvlink/Export.h"
 #include "harvlink/QuorvanController.h"
@@ -43,6 +46,16 @@ enum class Rule : std::uint32_t {
 };
 
 inline constexpr std::size_t RuleCount = 13;
+
+/// The names of the rules by bit, as texts of refusals, tools and other languages have them.
+inline constexpr std::array<std::string_view, RuleCount> RuleNames{
+    "SilenceIsTimeout", "KnownSender",  "RepeatReads", "FittingAnswer", "Deadline",     "NewPort",     "WholeAnswer",
+    "BlockOrder",       "WholeStartUp", "IdleMonitor", "SentStep",      "BoundedClose", "NoExceptions"};
+
+/// The name of one rule.
+constexpr std::string_view RuleName(Rule rule) {
+    return RuleNames[static_cast<std::size_t>(std::countr_zero(static_cast<std::uint32_t>(rule)))];
+}
 
 /// A set of rules.
 struct Rules {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 
 #include "harvlink/ConnectOptions.h"
 
@@ -20,5 +21,11 @@ struct ConnectionPolicy {
     /// Whether a breach of the rule counts, enforced or not.
     constexpr bool Watches(Rule rule) const { return enforced.Has(rule) || audited.Has(rule); }
 };
+
+/// The status with its rule at the end of the text, as every refusal has it.
+inline StatusInfo NamingRule(StatusInfo status, Rule rule) {
+    status.Message.append(" (rule ").append(RuleName(rule)).append(")");
+    return status;
+}
 
 } // namespace harvlink

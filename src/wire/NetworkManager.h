@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <atomic>
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -11,7 +13,9 @@
 #include "harvlink/ControllerVersion.h"
 #include "harvlink/StatusInfo.h"
 #include "wire/AttachedControlGroup.h"
+#include "wire/ConnectionPolicy.h"
 #include "wire/DatagramTransport.h"
+#include "wire/LinkStatistics.h"
 #include "wire/Packets.h"
 #include "wire/RankedMutex.h"
 
@@ -26,11 +30,12 @@ class NetworkManager {
 public:
     /// Opens the sockets and probes the controller's generation. `status` reports the first failure; the object can be
     /// destroyed then, and nothing else.
-    NetworkManager(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retryCount, StatusInfo& status);
+    NetworkManager(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retryCount, StatusInfo& status,
+                   ConnectionPolicy const& connectionPolicy = {});
 
     /// The same over a transport of the caller's.
     NetworkManager(std::unique_ptr<DatagramTransport> datagramTransport, unsigned timeoutMilliseconds,
-                   unsigned retryCount, StatusInfo& status);
+                   unsigned retryCount, StatusInfo& status, ConnectionPolicy const& connectionPolicy = {});
 
     NetworkManager(NetworkManager const&) = delete;
     NetworkManager& operator=(NetworkManager const&) = delete;
@@ -42,6 +47,9 @@ public:
     ///
     /// A packet as constructed has id 0: if the request has that too, silence counts as an empty, successful reply. A
     /// packet that is used again with `requestId` never counts as its own answer.
+    ///
+    /// That is the designed behaviour. What the rules of a strict connection change is said at Rule. What the access of the
+    /// connection does not allow is not sent: AccessDenied.
     template <typename Out, typename In>
     StatusInfo SendAndReceive(OutgoingPacket<Out>& outgoing, IncomingPacket<In>& incoming,
                               std::optional<unsigned char> requestId, bool waitForReply) {
@@ -59,9 +67,24 @@ public:
         IncomingPacket<In> incoming;
         OutgoingPacket<NoPayload> outgoing;
         outgoing.subHeader = {command, instance, attribute, service};
-        status = SendAndReceive(outgoing, incoming, std::nullopt, true);
+        status = Exchange(outgoing.View(), incoming.View(sizeof(In)), std::nullopt, true);
         return incoming;
     }
+
+    ConnectionPolicy const& Policy() const { return policy; }
+
+    /// Notes that something breaks a rule. From any thread.
+    /// @return whether the connection refuses it; it goes on as designed otherwise.
+    bool Refuses(Rule rule);
+
+    /// What the rest of the library adds to it, and how it is read.
+    LinkStatistics& Statistics() { return statistics; }
+    LinkStatistics const& Statistics() const { return statistics; }
+
+    /// From construction until EndStartUp: the first exchange that ended in neither an answer nor a refusal of the
+    /// controller. OK while there was none.
+    StatusInfo const& LossOfStartUp() const { return lossOfStartUp; }
+    void EndStartUp() { isStartingUp = false; }
 
     /// The status that a reply reports: its added status, or its status byte if that is 0.
     StatusInfo CheckHeader(SubHeaderForReceiving const& subHeader) const;
@@ -92,13 +115,32 @@ private:
     using FirstMutex = RankedMutex<LockRank::FirstExchange>;
     using SecondMutex = RankedMutex<LockRank::SecondExchange>;
     class ExchangeLock;
+    struct Question;
+    enum class Outcome : std::uint8_t;
 
     void ProbeGeneration(StatusInfo& status);
-    bool ListenFor(std::uint8_t id, IncomingView const& reply);
-    StatusInfo NoResponse() const;
+    StatusInfo Ask(Question& question);
+    bool RenewIfDue(Division division);
+    void Send(Question const& question);
+    StatusInfo WaitForAnswer(Question& question);
+    Outcome Listen(Question& question);
+    Outcome ListenForPeriod(Question& question, std::uint64_t number);
+    void Repeat(Question& question);
+    bool IsAnswer(Question& question, Arrival const& arrival);
+    bool IsAcceptable(Question& question, Arrival const& arrival);
+    bool IsRefused(Question& question, Rule rule, LinkCounter counter);
+    void CountStray(Question const& question, Arrival const& arrival);
+    StatusInfo TakeAnswer(Question const& question);
+    StatusInfo ReportSilence(Question const& question);
+    void NoteLossOfStartUp(StatusInfo const& status);
     AttachedControlGroup const* FindGroup(ControlGroupId group) const;
 
     static constexpr std::uint8_t highestRequestId = 127;
+
+    ConnectionPolicy const policy;
+    LinkStatistics statistics;
+    StatusInfo lossOfStartUp;
+    bool isStartingUp = true;
 
     std::vector<AttachedControlGroup> controlGroupsAttached;
     FirstMutex firstExchangeMutex;
@@ -106,6 +148,9 @@ private:
     std::unique_ptr<DatagramTransport> transport;
     std::atomic<std::int64_t> timeoutMicroseconds = 0;
     std::uint8_t lastRequestId = 0;
+    std::bitset<256> usedIds;
+    std::optional<std::uint8_t> lastAnsweredId; ///< of the exchange before, if it was answered
+    std::array<bool, 2> isNewPortDue{}; ///< of the robot and of the file port
     std::uint32_t retries;
     std::atomic<bool> loggingEnabled = true;
 };

@@ -8,24 +8,30 @@
 
 namespace harvlink {
 
-/// A command and service that change nothing on the controller, on the port of a division.
-struct ReadCommand {
+/// A command and service on the port of a division.
+struct PortCommand {
     Division division;
     CommandNumber command; ///< none on the file port, where the service alone says what is meant
     std::uint8_t service;
+
+    constexpr PortCommand(CommandNumber number, std::uint8_t commandService)
+        : division(Division::RobotControl), command(number), service(commandService) {}
+    constexpr explicit PortCommand(FileServices fileService)
+        : division(Division::FileControl), command{}, service(static_cast<std::uint8_t>(fileService)) {}
+    constexpr PortCommand(Division port, CommandNumber number, std::uint8_t commandService)
+        : division(port), command(number), service(commandService) {}
+
+    constexpr bool operator==(PortCommand const&) const = default;
 };
 
-/// All of them, in the order of their commands; whatever is not in here may write, start or move something. Of a conversion the controller only computes.
+/// All that change nothing on the controller, in the order of their commands. Whatever is not in here may write, start or
+/// move something. Of a conversion the controller only computes.
 inline constexpr auto ReadCommands = [] {
     using enum CommandNumber;
-    auto const whole = [](CommandNumber command) {
-        return ReadCommand{Division::RobotControl, command, ServiceReadAll};
-    };
-    auto const one = [](CommandNumber command) { return ReadCommand{Division::RobotControl, command, ServiceReadOne}; };
-    auto const file = [](FileServices service) {
-        return ReadCommand{Division::FileControl, CommandNumber{}, static_cast<std::uint8_t>(service)};
-    };
-    return std::to_array<ReadCommand>({
+    auto const whole = [](CommandNumber command) { return PortCommand(command, ServiceReadAll); };
+    auto const one = [](CommandNumber command) { return PortCommand(command, ServiceReadOne); };
+    auto const file = [](FileServices service) { return PortCommand(service); };
+    return std::to_array<PortCommand>({
         file(FileServices::SaveFile),
         file(FileServices::ListFile),
         whole(AlarmDataRead),
@@ -60,13 +66,18 @@ inline constexpr auto ReadCommands = [] {
     });
 }();
 
-static_assert(std::ranges::is_sorted(ReadCommands, {}, &ReadCommand::command));
+/// Whether a table that is sorted by command has the command.
+template <std::size_t size>
+constexpr bool Lists(std::array<PortCommand, size> const& table, PortCommand const& asked) {
+    auto const rows = std::ranges::equal_range(table, asked.command, {}, &PortCommand::command);
+    return std::ranges::find(rows, asked) != rows.end();
+}
+
+static_assert(std::ranges::is_sorted(ReadCommands, {}, &PortCommand::command));
 
 /// Whether a request of this division, command and service changes nothing on the controller.
 constexpr bool OnlyReads(Division division, CommandNumber command, std::uint8_t service) {
-    return std::ranges::any_of(
-        std::ranges::equal_range(ReadCommands, command, {}, &ReadCommand::command),
-        [&](ReadCommand const& read) { return read.division == division && read.service == service; });
+    return Lists(ReadCommands, {division, command, service});
 }
 
 } // namespace harvlink

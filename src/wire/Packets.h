@@ -104,6 +104,11 @@ struct IncomingView {
     CommonHeader& header;
     SubHeaderForReceiving& subHeader;
     std::span<std::byte> bytes; ///< the whole datagram, header included
+    std::size_t minimumPayload =
+        0; ///< of a successful answer; 0 where it may be short by design. See Rule::WholeAnswer
+    /// The last block of a transfer that was taken, without the flag; 0 outside of transfers. A block up to it is not the
+    /// answer but a repetition. See Rule::BlockOrder.
+    std::uint32_t takenBlock = 0;
 };
 
 template <typename Payload>
@@ -129,7 +134,9 @@ struct IncomingPacket {
     Payload payload{};
 
     std::span<std::byte> Bytes() { return std::as_writable_bytes(std::span(this, 1)); }
-    IncomingView View() { return {header, subHeader, Bytes()}; }
+    IncomingView View(std::size_t minimumPayload = 0, std::uint32_t takenBlock = 0) {
+        return {header, subHeader, Bytes(), minimumPayload, takenBlock};
+    }
 };
 
 static_assert(offsetof(OutgoingPacket<NoPayload>, payload) == HeaderSize);

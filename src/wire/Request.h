@@ -29,6 +29,17 @@ concept Request = requires(T const& request) {
 template <typename R>
 using ReplyTo = IncomingPacket<typename R::Reply>;
 
+/// The least payload of a reply that is looked at. A request whose replies may be shorter than their record by design says
+/// so by a member of this name.
+template <typename R>
+constexpr std::size_t MinimumReply() {
+    if constexpr (requires { R::minimumReply; }) {
+        return R::minimumReply;
+    } else {
+        return sizeof(typename R::Reply);
+    }
+}
+
 /// A request whose reply is turned into an `Out`. Its `Decode` gets the status of the exchange and the reply, whatever the
 /// status, and returns the status that the caller sees. It decides what the output holds after a failure.
 template <typename R, typename Out>
@@ -60,7 +71,7 @@ template <typename Engine, typename R, typename Out>
 requires RequestFor<R, Out> StatusInfo CarryOut(Engine& engine, R const& request, Out& out) {
     auto outgoing = PacketOf(request);
     ReplyTo<R> incoming;
-    StatusInfo status = engine.Exchange(outgoing.View(), incoming.View(), std::nullopt, true);
+    StatusInfo status = engine.Exchange(outgoing.View(), incoming.View(MinimumReply<R>()), std::nullopt, true);
     return request.Decode(std::move(status), incoming, out);
 }
 
@@ -93,8 +104,9 @@ template <typename Engine, RequestSequence Sequence>
 StatusInfo CarryOutAll(Engine& engine, Sequence& sequence) {
     while (auto const request = sequence.Next()) {
         auto outgoing = PacketOf(*request);
-        ReplyTo<typename decltype(sequence.Next())::value_type> incoming;
-        StatusInfo status = engine.Exchange(outgoing.View(), incoming.View(), std::nullopt, true);
+        using Step = typename decltype(sequence.Next())::value_type;
+        ReplyTo<Step> incoming;
+        StatusInfo status = engine.Exchange(outgoing.View(), incoming.View(MinimumReply<Step>()), std::nullopt, true);
         sequence.Take(std::move(status), incoming);
     }
     return sequence.Result();

@@ -31,6 +31,16 @@ int CreateSocket() {
     return ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
 }
 
+void Close(int descriptor) {
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+}
+
+sockaddr const* AsAddress(sockaddr_in const& endpoint) {
+    return reinterpret_cast<sockaddr const*>(&endpoint);
+}
+
 #if defined(__linux__) && defined(__LP64__)
 
 /// The system call itself, because it writes the time that is left back to `remaining`, which the C library's wrapper
@@ -68,42 +78,102 @@ void WaitReadable(std::span<pollfd> sockets, timeval period) {
 } // namespace
 
 UdpTransport::~UdpTransport() {
-    for (int const descriptor : {robotSocket, fileSocket}) {
-        if (descriptor >= 0) {
-            ::close(descriptor);
-        }
+    for (Port const& port : {robot, file}) {
+        Close(port.socket);
     }
 }
 
-StatusInfo UdpTransport::Open(std::string const& ipAddress) {
-    robotSocket = CreateSocket();
-    fileSocket = CreateSocket();
-    if (robotSocket < 0 || fileSocket < 0) {
+bool UdpTransport::IsHostAddress(std::string const& text) {
+    constexpr unsigned firstGroup = 224; // from there on the first number names groups, and in the end all hosts
+    in_addr address{};
+    bool const isWhole = text.find('\0') == std::string::npos;
+    if (!isWhole || inet_pton(AF_INET, text.c_str(), &address) != 1) {
+        return false;
+    }
+    auto const first = ntohl(address.s_addr) >> 24U;
+    return first > 0 && first < firstGroup;
+}
+
+StatusInfo UdpTransport::Open(std::string const& ipAddress, Peers peers) {
+    isConnected = peers == Peers::Controller;
+    robot.endpoint = MakeEndpoint(ipAddress, RobotPort);
+    file.endpoint = MakeEndpoint(ipAddress, FilePort);
+    bool const isRobotOpen = OpenSocket(robot);
+    if (!OpenSocket(file) || !isRobotOpen) {
         return StatusInformation(ErrorStatusCodes::SocketOpenError, "Failed to create socket.");
     }
-    robotEndpoint = MakeEndpoint(ipAddress, RobotPort);
-    fileEndpoint = MakeEndpoint(ipAddress, FilePort);
     return StatusInformation(ErrorStatusCodes::Ok);
 }
 
-void UdpTransport::Send(Division division, std::span<std::byte const> datagram) {
-    bool const toFilePort = division == Division::FileControl;
-    sockaddr_in const& endpoint = toFilePort ? fileEndpoint : robotEndpoint;
-    // A datagram that can't be sent is one that is lost: it shows as a time-out.
-    (void)::sendto(toFilePort ? fileSocket : robotSocket, datagram.data(), datagram.size(), MSG_DONTWAIT | MSG_NOSIGNAL,
-                   reinterpret_cast<sockaddr const*>(&endpoint), sizeof(endpoint));
+bool UdpTransport::OpenSocket(Port& port) const {
+    port.socket = CreateSocket();
+    return port.socket >= 0 &&
+           (!isConnected || ::connect(port.socket, AsAddress(port.endpoint), sizeof(port.endpoint)) == 0);
 }
 
-std::size_t UdpTransport::Receive(std::span<std::byte> buffer, timeval period) {
-    std::array<pollfd, 2> sockets{{{robotSocket, POLLIN, 0}, {fileSocket, POLLIN, 0}}};
-    WaitReadable(sockets, period);
-    auto const readable = std::ranges::find_if(sockets, [](pollfd const& socket) { return socket.revents != 0; });
-    if (readable == sockets.end()) {
-        return 0;
+bool UdpTransport::Renew(Division division) {
+    Port& port = PortOf(division);
+    Port fresh{-1, port.endpoint};
+    // Bound before the old one is closed, or the system might hand out the same source port once more.
+    sockaddr_in anyPort{};
+    anyPort.sin_family = AF_INET;
+    if (!OpenSocket(fresh) || (!isConnected && ::bind(fresh.socket, AsAddress(anyPort), sizeof(anyPort)) != 0)) {
+        Close(fresh.socket);
+        return false;
     }
+    Close(port.socket);
+    port = fresh;
+    return true;
+}
+
+void UdpTransport::Send(Division division, std::span<std::byte const> datagram) {
+    constexpr int flags = MSG_DONTWAIT | MSG_NOSIGNAL;
+    Port const& port = PortOf(division);
+    // A datagram that can't be sent is one that is lost: it shows as a time-out.
+    if (!isConnected) {
+        (void)::sendto(port.socket, datagram.data(), datagram.size(), flags, AsAddress(port.endpoint),
+                       sizeof(port.endpoint));
+    } else if (::send(port.socket, datagram.data(), datagram.size(), flags) < 0 && errno == ECONNREFUSED) {
+        // That was the answer to an earlier datagram; this one has not left yet.
+        (void)::send(port.socket, datagram.data(), datagram.size(), flags);
+    }
+}
+
+Arrival UdpTransport::Receive(Division asked, std::span<std::byte> buffer, timeval period) {
+    Port const& port = PortOf(asked);
+    if (!isConnected) {
+        Port const* const readable = WaitForEither(period);
+        return readable != nullptr ? Read(*readable, port, buffer) : Arrival{};
+    }
+    std::array<pollfd, 1> sockets{{{port.socket, POLLIN, 0}}};
+    WaitReadable(sockets, period);
+    return sockets[0].revents != 0 ? Read(port, port, buffer) : Arrival{};
+}
+
+UdpTransport::Port* UdpTransport::WaitForEither(timeval period) {
+    std::array<pollfd, 2> sockets{{{robot.socket, POLLIN, 0}, {file.socket, POLLIN, 0}}};
+    WaitReadable(sockets, period);
+    if (sockets[0].revents != 0) {
+        return &robot;
+    }
+    return sockets[1].revents != 0 ? &file : nullptr;
+}
+
+Arrival UdpTransport::Read(Port const& port, Port const& asked, std::span<std::byte> buffer) const {
+    sockaddr_in sender{};
+    socklen_t size = sizeof(sender);
     // A datagram that was announced may be gone when it is read, so the read must not wait.
-    ssize_t const length = ::recvfrom(readable->fd, buffer.data(), buffer.size(), MSG_DONTWAIT, nullptr, nullptr);
-    return length > 0 ? static_cast<std::size_t>(length) : 0;
+    ssize_t const length = ::recvfrom(port.socket, buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_TRUNC,
+                                      reinterpret_cast<sockaddr*>(&sender), &size);
+    Arrival arrival;
+    if (length < 0) {
+        arrival.isRefused = isConnected && errno == ECONNREFUSED;
+        return arrival;
+    }
+    arrival.length = static_cast<std::size_t>(length);
+    arrival.isForeign =
+        sender.sin_addr.s_addr != asked.endpoint.sin_addr.s_addr || sender.sin_port != asked.endpoint.sin_port;
+    return arrival;
 }
 
 } // namespace harvlink

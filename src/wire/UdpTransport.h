@@ -13,25 +13,45 @@ namespace harvlink {
 inline constexpr std::uint16_t RobotPort = 10040;
 inline constexpr std::uint16_t FilePort = 10041;
 
-/// Two UDP sockets, neither bound nor connected. The one place of the library that talks to the operating system's network.
+/// Two UDP sockets, one for each port of the controller. The one place of the library that talks to the operating system's
+/// network.
 class UdpTransport final : public DatagramTransport {
 public:
+    /// Whom the sockets listen to.
+    enum class Peers : std::uint8_t {
+        Anyone, ///< whoever knows the source port, on either socket: neither is connected
+        Controller, ///< both are connected, so that the system passes on nothing else; only the one asked is listened to
+    };
+
     UdpTransport() = default;
     UdpTransport(UdpTransport&&) = delete;
     ~UdpTransport() override;
 
+    /// Whether a text is the address of a host: IPv4 in dotted form, neither of all hosts nor of a group of them.
+    static bool IsHostAddress(std::string const& text);
+
     /// Makes the sockets. Fails with SocketOpenError, "Failed to create socket."; what was made is closed by the
-    /// destructor. An address that can't be read is not an error here: nobody will answer it.
-    StatusInfo Open(std::string const& ipAddress);
+    /// destructor. An address that can't be read is not an error while anyone is listened to: nobody will answer it.
+    StatusInfo Open(std::string const& ipAddress, Peers peers = Peers::Anyone);
 
     void Send(Division division, std::span<std::byte const> datagram) override;
-    std::size_t Receive(std::span<std::byte> buffer, timeval period) override;
+    Arrival Receive(Division asked, std::span<std::byte> buffer, timeval period) override;
+    bool Renew(Division division) override;
 
 private:
-    int robotSocket = -1;
-    int fileSocket = -1;
-    sockaddr_in robotEndpoint{};
-    sockaddr_in fileEndpoint{};
+    struct Port {
+        int socket = -1;
+        sockaddr_in endpoint{};
+    };
+
+    Port& PortOf(Division division) { return division == Division::FileControl ? file : robot; }
+    Port* WaitForEither(timeval period);
+    Arrival Read(Port const& port, Port const& asked, std::span<std::byte> buffer) const;
+    bool OpenSocket(Port& port) const;
+
+    Port robot;
+    Port file;
+    bool isConnected = false;
 };
 
 } // namespace harvlink

@@ -29,7 +29,7 @@ public:
 
     void Send(Division division, std::span<std::byte const> datagram) override { controller.Serve(division, datagram); }
 
-    std::size_t Receive(std::span<std::byte> buffer, timeval waits) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, timeval waits) override {
         controller.period = waits.tv_sec * 1000000 + waits.tv_usec;
         if (controller.pending.empty()) {
             return 0;
@@ -38,7 +38,7 @@ public:
         controller.pending.pop_front();
         auto const read = std::as_bytes(std::span(datagram)).first(std::min(buffer.size(), datagram.size()));
         std::ranges::copy(read, buffer.begin());
-        return read.size();
+        return datagram.size();
     }
 
 private:

@@ -50,11 +50,10 @@ public:
         changed.notify_all();
     }
 
-    std::size_t Receive(std::span<std::byte> buffer, timeval) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, timeval) override {
         auto const length = std::min(buffer.size(), answer.size());
         std::copy_n(answer.begin(), length, buffer.begin());
-        answer.clear();
-        return length;
+        return std::exchange(answer, {}).size();
     }
 
     /// Makes exchanges wait, and clears the list of earlier ones.

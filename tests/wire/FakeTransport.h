@@ -35,7 +35,7 @@ public:
         }
     }
 
-    std::size_t Receive(std::span<std::byte> buffer, timeval period) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, timeval period) override {
         EXPECT_FALSE(record->isBusy.exchange(true));
         record->periods.push_back(period);
         std::this_thread::yield();

@@ -1,0 +1,349 @@
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <mutex>
+#include <system_error>
+
+#include "wire/MinimumAccess.h"
+#include "wire/NetworkManager.h"
+
+// The one exchange that every operation is built from. Where a rule is asked, the designed behaviour and that of a strict
+// connection part; all the rest is the same for both.
+
+namespace harvlink {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::microseconds;
+
+constexpr int systemTimeoutError = 10060;
+constexpr std::uint8_t answerFlag = 0x80; ///< a controller sets it in the service that it answers
+
+StatusInfo StatusOf(std::system_error const& error) {
+    if (error.code().value() == systemTimeoutError) {
+        return StatusInformation(ErrorStatusCodes::ResponseTimeout);
+    }
+    return StatusInformation(error.code().value(), error.what());
+}
+
+StatusInfo Denied(Access needed) {
+    std::string const name = needed == Access::Operate ? "Operate" : "Full";
+    return StatusInformation(ErrorStatusCodes::AccessDenied,
+                             "The access of this connection does not allow this, which takes access " + name +
+                                 ". Nothing was sent.");
+}
+
+SubHeaderForSending SubHeaderOf(OutgoingView const& request) {
+    SubHeaderForSending subHeader;
+    std::memcpy(&subHeader, request.bytes.data() + sizeof(CommonHeader), sizeof(subHeader));
+    return subHeader;
+}
+
+bool IsMagic(CommonHeader const& header) {
+    return header.magic == CommonHeader{}.magic;
+}
+
+/// As constructed, so that a datagram that does not count leaves nothing behind, such as a last block.
+void Clear(IncomingView const& reply) {
+    std::ranges::fill(reply.bytes, std::byte{});
+    reply.header = {};
+}
+
+std::size_t IndexOf(Division division) {
+    return division == Division::FileControl ? 1 : 0;
+}
+
+} // namespace
+
+/// Both exchange mutexes. Only the first is ever waited for, so the order in which others take them can't matter.
+class NetworkManager::ExchangeLock {
+public:
+    ExchangeLock(FirstMutex& first, SecondMutex& second) : firstLock(first), secondLock(second, std::try_to_lock) {
+        while (!secondLock.owns_lock()) {
+            firstLock.unlock();
+            firstLock.lock();
+            secondLock = std::unique_lock(second, std::try_to_lock);
+        }
+    }
+
+private:
+    std::unique_lock<FirstMutex> firstLock;
+    std::unique_lock<SecondMutex> secondLock;
+};
+
+enum class NetworkManager::Outcome : std::uint8_t { Answered, Silent, Refused };
+
+/// An exchange under way.
+struct NetworkManager::Question {
+    OutgoingView request;
+    IncomingView reply;
+    SubHeaderForSending asked;
+    bool hasOwnId; ///< given by the caller, as in a transfer
+    bool isWaitedFor;
+    std::uint8_t id = 0;
+    microseconds period{};
+    Clock::time_point start{};
+    std::size_t answerLength = 0;
+    std::optional<Rule> refusedBy{}; ///< the rule that last dropped what would have been the answer
+
+    CommandNumber Command() const { return static_cast<CommandNumber>(asked.command); }
+    Division Port() const { return request.header.division; }
+
+    /// What writes, moves or acknowledges must not act twice.
+    bool IsRepeatable() const { return request.header.ack == 0 && OnlyReads(Port(), Command(), asked.service); }
+
+    bool FitsRequest(std::size_t length) const {
+        std::uint8_t const service = reply.subHeader.service;
+        // Some controllers answer with the service as it was asked.
+        bool const isService = service == asked.service || service == (asked.service | answerFlag);
+        return length >= HeaderSize && IsMagic(reply.header) && reply.header.headerSize == HeaderSize &&
+               reply.header.division == Port() && isService && reply.header.payloadSize == length - HeaderSize;
+    }
+
+    bool IsTakenBlock() const {
+        std::uint32_t const number = reply.header.blockNumber & ~LastBlockFlag;
+        return reply.takenBlock != 0 && number != 0 && number <= reply.takenBlock;
+    }
+};
+
+StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, std::optional<unsigned char> requestId,
+                                    bool waitForReply) {
+    Question question{request, reply, SubHeaderOf(request), requestId.has_value(), waitForReply};
+    if (policy.access != Access::Full) {
+        Access const needed = MinimumAccess(question.Port(), question.Command(), question.asked.service);
+        if (needed > policy.access) {
+            return Denied(needed);
+        }
+    }
+    ExchangeLock const lock(firstExchangeMutex, secondExchangeMutex);
+    std::uint8_t const newId = GetNewRequestId();
+    question.id = requestId.value_or(newId);
+    StatusInfo status = Ask(question);
+    if (isStartingUp) {
+        NoteLossOfStartUp(status);
+    }
+    return status;
+}
+
+StatusInfo NetworkManager::Ask(Question& question) {
+    question.request.header.requestId = question.id;
+    question.start = Clock::now();
+    try {
+        if (!RenewIfDue(question.Port())) {
+            return NamingRule(StatusInformation(ErrorStatusCodes::SystemFailure), Rule::NewPort);
+        }
+        Send(question);
+        if (question.isWaitedFor) {
+            return WaitForAnswer(question);
+        }
+    } catch (std::system_error const& error) {
+        return StatusOf(error);
+    }
+    return CheckHeader(question.reply.subHeader);
+}
+
+bool NetworkManager::RenewIfDue(Division division) {
+    bool& isDue = isNewPortDue[IndexOf(division)];
+    isDue = isDue && !transport->Renew(division);
+    return !isDue;
+}
+
+void NetworkManager::Send(Question const& question) {
+    OutgoingView const& request = question.request;
+    std::size_t const length = std::min(request.header.payloadSize + HeaderSize, request.bytes.size());
+    transport->Send(question.Port(), request.bytes.first(length));
+    usedIds.set(question.id);
+    statistics.Add(LinkCounter::BytesSent, length);
+    if (request.header.ack != 0 && request.header.payloadSize != 0) {
+        statistics.Add(LinkCounter::BlocksSent);
+    }
+}
+
+StatusInfo NetworkManager::WaitForAnswer(Question& question) {
+    statistics.Add(LinkCounter::Exchanges);
+    if (question.hasOwnId || policy.Enforces(Rule::SilenceIsTimeout)) {
+        question.reply.header.requestId = static_cast<std::uint8_t>(~question.id);
+    }
+    Outcome const outcome = Listen(question);
+    if (outcome == Outcome::Answered) {
+        return TakeAnswer(question);
+    }
+    statistics.Add(LinkCounter::Timeouts);
+    statistics.NoteSilence();
+    lastAnsweredId.reset();
+    isNewPortDue[IndexOf(question.Port())] = Refuses(Rule::NewPort);
+    if (outcome == Outcome::Refused) {
+        Refuses(Rule::KnownSender);
+        return NamingRule(StatusInformation(ErrorStatusCodes::ControllerNotListening), Rule::KnownSender);
+    }
+    return ReportSilence(question);
+}
+
+/// Listens for 1 + retries periods.
+NetworkManager::Outcome NetworkManager::Listen(Question& question) {
+    question.period = microseconds(timeoutMicroseconds);
+    Outcome outcome = ListenForPeriod(question, 0);
+    for (std::uint64_t number = 1; number <= retries && outcome == Outcome::Silent; ++number) {
+        Repeat(question);
+        outcome = ListenForPeriod(question, number);
+    }
+    return outcome;
+}
+
+void NetworkManager::Repeat(Question& question) {
+    if (!policy.Watches(Rule::RepeatReads) || !question.IsRepeatable() || !Refuses(Rule::RepeatReads)) {
+        return;
+    }
+    Send(question);
+    statistics.Add(LinkCounter::RepeatedRequests);
+    if (isStartingUp) {
+        statistics.Add(LinkCounter::StartUpRetries);
+    }
+}
+
+/// As designed, the first datagram ends a period, whatever it is. Under a deadline only its time does.
+NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question, std::uint64_t number) {
+    constexpr microseconds longest = std::chrono::hours(4); // keeps the sum within the clock's range
+    bool const hasDeadline = policy.Enforces(Rule::Deadline);
+    Clock::time_point const end = question.start + std::min(question.period, longest) * (number + 1);
+    microseconds rest = question.period;
+    do {
+        Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, timeval{0, rest.count()});
+        if (arrival.isRefused) {
+            return Outcome::Refused;
+        }
+        if (IsAnswer(question, arrival)) {
+            question.answerLength = arrival.length;
+            return Outcome::Answered;
+        }
+        if (arrival.length == 0) {
+            return Outcome::Silent;
+        }
+        Refuses(Rule::Deadline);
+        if (hasDeadline) {
+            rest = std::chrono::ceil<microseconds>(end - Clock::now());
+        }
+    } while (hasDeadline && rest > microseconds::zero());
+    return Outcome::Silent;
+}
+
+/// Of a datagram that is not the answer only an id stays in the reply, and never that of the request.
+bool NetworkManager::IsAnswer(Question& question, Arrival const& arrival) {
+    IncomingView const& reply = question.reply;
+    bool const hasId = reply.header.requestId == question.id;
+    if (arrival.length == 0) {
+        if (hasId) {
+            Refuses(Rule::SilenceIsTimeout); // only ever noted here: where it is enforced, the reply has another id
+        }
+        return hasId;
+    }
+    statistics.Add(LinkCounter::BytesReceived, arrival.length);
+    if (IsAcceptable(question, arrival) && hasId) {
+        return true;
+    }
+    std::uint8_t const otherId = hasId ? static_cast<std::uint8_t>(~question.id) : reply.header.requestId;
+    Clear(reply);
+    reply.header.requestId = otherId;
+    return false;
+}
+
+/// Judges a datagram by the rules, whatever its id.
+bool NetworkManager::IsAcceptable(Question& question, Arrival const& arrival) {
+    if (arrival.isForeign && IsRefused(question, Rule::KnownSender, LinkCounter::ForeignAnswers)) {
+        return false;
+    }
+    if (question.reply.header.requestId != question.id) {
+        CountStray(question, arrival);
+        return true;
+    }
+    if (!question.FitsRequest(arrival.length)) {
+        return !IsRefused(question, Rule::FittingAnswer, LinkCounter::MalformedAnswers);
+    }
+    return !question.IsTakenBlock() || !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
+}
+
+bool NetworkManager::IsRefused(Question& question, Rule rule, LinkCounter counter) {
+    statistics.Add(counter);
+    bool const isRefused = Refuses(rule);
+    if (isRefused) {
+        question.refusedBy = rule;
+    }
+    return isRefused;
+}
+
+void NetworkManager::CountStray(Question const& question, Arrival const& arrival) {
+    CommonHeader const& header = question.reply.header;
+    if (arrival.length < HeaderSize || !IsMagic(header) || !usedIds.test(header.requestId)) {
+        statistics.Add(LinkCounter::MalformedAnswers);
+    } else {
+        statistics.Add(header.requestId == lastAnsweredId ? LinkCounter::DoubledAnswers : LinkCounter::LateAnswers);
+    }
+}
+
+StatusInfo NetworkManager::TakeAnswer(Question const& question) {
+    IncomingView const& reply = question.reply;
+    if (question.answerLength == 0) { // as designed, the silence of a request with id 0
+        statistics.Add(LinkCounter::Timeouts);
+        statistics.NoteSilence();
+        return CheckHeader(reply.subHeader);
+    }
+    statistics.NoteAnswer(Clock::now() - question.start);
+    lastAnsweredId = question.id;
+    if (reply.header.blockNumber != 0 && question.Port() == Division::FileControl &&
+        question.asked.service != static_cast<std::uint8_t>(FileServices::LoadFile)) {
+        statistics.Add(LinkCounter::BlocksReceived);
+    }
+    StatusInfo status = CheckHeader(reply.subHeader);
+    bool const isShort = question.answerLength < HeaderSize + reply.minimumPayload;
+    if (status.StatusCode == 0 && isShort) {
+        statistics.Add(LinkCounter::MalformedAnswers);
+        if (Refuses(Rule::WholeAnswer)) {
+            Clear(reply);
+            return NamingRule(StatusInformation(ErrorStatusCodes::AnswerTooShort), Rule::WholeAnswer);
+        }
+    }
+    return status;
+}
+
+/// Names the rule without which there would have been an answer.
+StatusInfo NetworkManager::ReportSilence(Question const& question) {
+    StatusInfo status = StatusInformation(ErrorStatusCodes::ResponseTimeout,
+                                          "No response from controller after " + std::to_string(retries) + " retries.");
+    if (question.refusedBy) {
+        return NamingRule(std::move(status), *question.refusedBy);
+    }
+    bool const isIdOfSilence = question.id == 0 && !question.hasOwnId;
+    if (isIdOfSilence && policy.Enforces(Rule::SilenceIsTimeout)) {
+        Refuses(Rule::SilenceIsTimeout);
+        return NamingRule(std::move(status), Rule::SilenceIsTimeout);
+    }
+    return status;
+}
+
+bool NetworkManager::Refuses(Rule rule) {
+    if (policy.Watches(rule)) {
+        statistics.Count(rule);
+    }
+    return policy.Enforces(rule);
+}
+
+void NetworkManager::NoteLossOfStartUp(StatusInfo const& status) {
+    constexpr int firstOfLibrary = 0x10000;
+    if (status.StatusCode >= firstOfLibrary && lossOfStartUp.StatusCode == 0) {
+        lossOfStartUp = status;
+    }
+}
+
+StatusInfo NetworkManager::CheckHeader(SubHeaderForReceiving const& subHeader) const {
+    if (subHeader.status == 0 && subHeader.addedStatusSize == 0) {
+        return StatusInformation(ErrorStatusCodes::Ok);
+    }
+    return StatusInformation(subHeader.addedStatus != 0 ? int{subHeader.addedStatus} : int{subHeader.status});
+}
+
+std::uint8_t NetworkManager::GetNewRequestId() {
+    lastRequestId = lastRequestId < highestRequestId ? static_cast<std::uint8_t>(lastRequestId + 1) : std::uint8_t{0};
+    return lastRequestId;
+}
+
+} // namespace harvlink
