@@ -17,8 +17,8 @@
 #include "support/ScratchFolder.h"
 #include "words/cards/Explain.h"
 
-// What the cards say, held against the code that raises the status: each statement stands beside an operation that is
-// refused with the card's code and, where it names a limit, one beside the limit that is not.
+// Compares the cards with the code that raises the status. Each statement has an operation that is refused with the code of
+// the card and, if it names a limit, an operation inside the limit that is accepted.
 
 namespace harvlink::cli {
 namespace {
@@ -85,10 +85,10 @@ private:
 using Operation = std::function<StatusInfo(Rig&)>;
 
 struct Case {
-    char const* card; ///< as `harvlink explain` takes it
+    char const* card; ///< in a form that `harvlink explain` accepts
     char const* says; ///< part of its cause or check
     Operation refused;
-    Operation accepted = nullptr; ///< beside the limit
+    Operation accepted = nullptr; ///< inside the limit
     ControllerVersion generation = VersionYA;
 };
 
@@ -123,7 +123,7 @@ Operation Load(std::string name, std::string text) {
     return [name, text](Rig& rig) { return rig->Files->LoadToControllerFromString(name, text); };
 }
 
-/// A job whose file name is so long, its extension included.
+/// A job whose file name has this length, including its extension.
 Operation LoadNameOf(std::size_t length) {
     std::string const name = std::string(length - 4, 'A');
     return Load(name + ".JBI", "/JOB\r\n//NAME " + name + "\r\n//POS\r\n//INST\r\nNOP\r\nEND\r\n");
@@ -265,8 +265,8 @@ void Check(std::span<Case const> cases) {
     }
 }
 
-/// Codes that no operation of a connection gives. Those of the first row are raised by the tool or by nothing, those of
-/// the second while connecting.
+/// Codes that no operation of a connection returns. The tool or nothing raises those of the first row; connecting raises
+/// those of the second.
 constexpr std::array NotOfAnOperation{0x10000, 0x10001, 0x10002, 0x20000, 0x20004, 0x20005, 0x20006, 0x20010, //
                                       0x10003, 0x10007};
 

@@ -27,7 +27,7 @@ TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
         char const* findings;
         char const* options = "--timeout 250 --probes 20";
     };
-    constexpr char const* Hasty = "--timeout 60 --probes 5"; // nobody answers anyway
+    constexpr char const* Hasty = "--timeout 60 --probes 5"; // no controller answers, so a short wait is enough
     std::array<Case, 27> const cases{{
         {"", ""},
         {"", "", "--generation YA --probes 3"},

@@ -27,7 +27,7 @@ std::string Join(Texts const& texts) {
     return joined;
 }
 
-/// What `parse` makes of a text, or "error" if it refuses it.
+/// The result of `parse` for a text, or "error" if it refuses the text.
 std::string Outcome(std::function<std::string(std::string const&)> const& parse, std::string const& text) {
     try {
         return parse(text);

@@ -23,7 +23,7 @@ namespace {
 using simulator::ControllerModel;
 using test::ScratchFolder;
 
-/// The program itself, in a process of its own.
+/// The program, run as a separate process.
 class Child {
 public:
     enum class Errors : std::uint8_t { Shown, Unread };
@@ -83,7 +83,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
     struct Case {
         char const* line;
         int exit;
-        char const* out; ///< a part of it
+        char const* out; ///< a part of the output
         char const* err;
     };
     std::array<Case, 55> const cases{{

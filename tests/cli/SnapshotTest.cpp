@@ -152,7 +152,7 @@ TEST_F(SnapshotTest, LosesNothing) {
 TEST_F(SnapshotTest, OutlivesLostAnswers) {
     controller_->WithFaults([](simulator::FaultInjector& faults) {
         FaultPlan plan;
-        plan.seed = 4; // with which none of the answers that open the connection is lost
+        plan.seed = 4; // with this seed, no answer is lost while the connection opens
         plan.Rate(Fault::Drop) = 0.03;
         faults.SetPlan(plan);
     });

@@ -88,7 +88,7 @@ TEST_F(WatchTest, ShowsOneLookAsTextAndAsJson) {
     EXPECT_NE(refused.err.find("give --once"), std::string::npos);
 }
 
-/// The program on a terminal of its own.
+/// The program, run on its own terminal.
 class OnTerminal {
 public:
     OnTerminal(std::string const& line, char const* type) {
@@ -114,7 +114,7 @@ public:
         End();
     }
 
-    /// Reads on until this was drawn, anew. The clock is drawn again and again, so that reading has to be bounded.
+    /// Reads until this text is drawn again. The clock is redrawn all the time, so the amount to read has a limit.
     bool Shows(std::string const& text) {
         constexpr int MostReads = 5000;
         output_.clear();
@@ -146,14 +146,14 @@ public:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-    /// Whether the former picture and the cursor were brought back, and nothing was drawn after that.
+    /// Whether the former screen and the cursor are restored, and nothing is drawn after that.
     bool IsClean() const {
         std::size_t const restored = output_.rfind("\x1b[?1049l");
         return restored != std::string::npos && output_.rfind("\x1b[?25h") != std::string::npos &&
                output_.find("\x1b[H", restored) == std::string::npos;
     }
 
-    /// Whether lines and echo are those of before.
+    /// Whether line mode and echo are restored.
     bool HasFormerModes() const {
         termios now{};
         return ::tcgetattr(master_, &now) == 0 && now.c_lflag == modes_.c_lflag;
@@ -207,7 +207,7 @@ TEST_F(WatchTest, LeavesTheTerminalCleanOnEveryWayOut) {
     }
     OnTerminal silent("--timeout 90 --retries 0 --host 127.9.9.9 watch", "xterm");
     EXPECT_EQ(silent.End(), 1);
-    // ncurses loses what it got ready for a terminal that it then finds it doesn't know.
+    // ncurses leaks memory when it does not know the terminal.
     ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     OnTerminal strange("watch", "no-such-terminal");
     EXPECT_EQ(strange.End(), 2);
