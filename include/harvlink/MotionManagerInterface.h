@@ -11,6 +11,7 @@
 #include "harvlink/Export.h"
 #include "harvlink/PositionData.h"
 #include "harvlink/StatusInfo.h"
+#include "harvlink/TrajectoryState.h"
 
 namespace harvlink {
 
@@ -90,6 +91,50 @@ public:
 
     /// Empties the queue and the controller's targets. A point that is being sent at this moment still goes out.
     virtual StatusInfo ClearAllTrajectory() = 0;
+
+    // Added to the designed operations. A class of a user that does not override them gives UnsupportedOnThisController.
+
+    /// What has become of the steps, what the thread is doing, and the last failure. No exchange. The state stays what it
+    /// was on a controller that takes no steps.
+    virtual StatusInfo GetTrajectoryState(TrajectoryState& state) {
+        state = {};
+        return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
+    }
+
+    /// As above, and sets `stepNumber` to the number of the step: 1 for the first of the connection, then 2, and so on. 0 on
+    /// failure.
+    virtual StatusInfo AddPointToTrajectory(std::uint64_t& stepNumber, Motion const& /*first*/,
+                                            std::optional<Motion> /*second*/ = std::nullopt,
+                                            std::optional<Motion> /*third*/ = std::nullopt,
+                                            std::optional<Motion> /*fourth*/ = std::nullopt) {
+        stepNumber = 0;
+        return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
+    }
+
+    /// Waits until all groups of a step have arrived: the controller counts the step's targets as reached, and each group is
+    /// within `tolerance` of its target (pulses or millimetres; X, Y and Z of a Cartesian one) or was sent on from there.
+    /// Targets are counted from the last clear by this connection. If another program cleared them, the position alone
+    /// decides until the next clear.
+    ///
+    /// Returns "OK"; WaitTimedOut, for example during a hold, after MotionStop(false) or without a MotionStart; the code of
+    /// the first active alarm as soon as the controller has one, such as 8015 for a step that it refused, with all alarms in
+    /// the text; GeneralError if it has an error and no alarm; the status of a step that failed before, whose alarm is reset;
+    /// StepWithdrawn for a step that was dropped from the queue, or was sent and cleared on its way; UnknownStep for a number
+    /// that was never given, or lies more than 1,024 steps back; the status of a read that failed.
+    ///
+    /// Whenever it returns, no failed step is being handled: what is queued next is not dropped with it. This can take the
+    /// alarm and the clear, two exchanges, longer than the time-out. A close ends the wait with StepWithdrawn. Every 20 ms one
+    /// exchange for the state and, once the step was sent, up to two for each of its groups. They only read.
+    virtual StatusInfo WaitForTarget(std::uint64_t /*stepNumber*/, unsigned /*timeoutMilliseconds*/,
+                                     double /*tolerance*/ = 1.0) {
+        return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
+    }
+
+    /// Waits until the controller has taken a step. "OK", the status of a step that failed, WaitTimedOut, StepWithdrawn or
+    /// UnknownStep, as above. No exchange.
+    virtual StatusInfo WaitUntilSent(std::uint64_t /*stepNumber*/, unsigned /*timeoutMilliseconds*/) {
+        return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
+    }
 };
 
 /// "Joint", "Line", "Circle", otherwise "Invalid or undefined".

@@ -1,15 +1,13 @@
 #include "motion/MotionManager.h"
 
-#include <chrono>
-
 #include "motion/MotionRequests.h"
+#include "motion/TargetWait.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
 namespace {
 
 constexpr int groupDoesNotExist = 65504;
-constexpr int bufferFull = -49934480; // "Timeout" of the motion table, folded
 
 StatusInfo TooOld() {
     return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
@@ -26,9 +24,15 @@ MotionManagerInterface* MotionManagerPtr(NetworkManager* networkManager) {
     return new MotionManager(networkManager);
 }
 
-MotionManager::MotionManager(NetworkManager* manager) : networkManager(manager) {
+MotionManager::MotionManager(NetworkManager* manager, ConnectionPolicy const& connectionPolicy)
+    : networkManager(manager), policy(connectionPolicy) {
     MakeCtrlGroupNumberMap();
     ClearAllTrajectory();
+}
+
+/// The waits end first, so that nobody looks at what goes.
+MotionManager::~MotionManager() {
+    progress.Close();
 }
 
 /// Compared unsigned, on purpose: unlike for conversions, an unknown generation counts as new here.
@@ -55,6 +59,14 @@ StatusInfo MotionManager::MakeCtrlGroupNumberMap() {
 
 StatusInfo MotionManager::AddPointToTrajectory(Motion const& first, std::optional<Motion> second,
                                                std::optional<Motion> third, std::optional<Motion> fourth) {
+    StepNumber number = 0;
+    return AddPointToTrajectory(number, first, second, third, fourth);
+}
+
+StatusInfo MotionManager::AddPointToTrajectory(std::uint64_t& stepNumber, Motion const& first,
+                                               std::optional<Motion> second, std::optional<Motion> third,
+                                               std::optional<Motion> fourth) {
+    stepNumber = 0;
     if (!IsSupported()) {
         return TooOld();
     }
@@ -64,7 +76,9 @@ StatusInfo MotionManager::AddPointToTrajectory(Motion const& first, std::optiona
         return status;
     }
     std::lock_guard const lock(trajectoryMutex);
-    trajectory.PushBack(step);
+    progress.MakeRoom();
+    stepNumber = trajectory.PushBack(step);
+    progress.Queued(stepNumber);
     return StatusInformation(ErrorStatusCodes::Ok, "Point added to trajectory.");
 }
 
@@ -92,40 +106,42 @@ StatusInfo MotionManager::AddTargets(MotionStep& step, Motion const& first,
     return status;
 }
 
-StatusInfo MotionManager::SendTarget(MotionStep const& step) {
-    StatusInfo status = StatusInformation(ErrorStatusCodes::Ok);
-    if (!SetTargetProfile(step, status)) {
-        return status;
-    }
-    SendTargetRequest const request{{static_cast<std::uint32_t>(step.groups.to_ulong()), step.targets}};
-    status = CarryOut(*networkManager, request);
-    while (status.StatusCode == bufferFull) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        status = CarryOut(*networkManager, request);
-    }
-    return status;
-}
-
 StatusInfo MotionManager::MotionStart() {
     if (!IsSupported()) {
         return TooOld();
     }
     StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
     if (status.StatusCode == 0) {
+        progress.Release();
         StartMonitorTrajectoryThread();
     }
     return status;
 }
 
+/// As designed the monitor is not touched. Under Rule::BoundedClose no target leaves after the stop, until the next start.
 StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
     if (!IsSupported()) {
         return TooOld();
     }
-    StatusInfo status = CarryOut(*networkManager, MotionStopRequest{});
-    if (status.StatusCode == 0 && clearTrajectory) {
+    bool const holds = Enforces(Rule::BoundedClose);
+    bool const wasHeld = holds && progress.Hold();
+    StatusInfo status = SendStop();
+    bool const isStopped = status.StatusCode == 0;
+    if (isStopped && clearTrajectory) {
         ClearAllTrajectory();
     }
+    if (holds && (isStopped ? clearTrajectory : !wasHeld)) {
+        progress.Release();
+    }
     return status;
+}
+
+StatusInfo MotionManager::SendStop() {
+    std::unique_lock lock(targetsMutex, std::defer_lock);
+    if (Enforces(Rule::BoundedClose)) {
+        lock.lock(); // behind the target that is under way
+    }
+    return CarryOut(*networkManager, MotionStopRequest{});
 }
 
 StatusInfo MotionManager::ClearAllTrajectory() {
@@ -138,6 +154,7 @@ StatusInfo MotionManager::ClearAllTrajectory() {
     // Held during the exchange: no point comes in between the two clears.
     std::lock_guard const lock(trajectoryMutex);
     trajectory.Clear();
+    progress.Withdraw(trajectory.LastNumber());
     return SendClear(MotionClearGroupTargets::AllGroups);
 }
 
@@ -147,7 +164,32 @@ bool MotionManager::ClearTrajectory(TargetControlGroup group, StatusInfo& status
 }
 
 StatusInfo MotionManager::SendClear(std::int32_t group) {
-    return CarryOut(*networkManager, ClearTargetsRequest{{group}});
+    std::lock_guard const lock(targetsMutex);
+    progress.CountLost(); // until it is known that all were cleared
+    StatusInfo status = CarryOut(*networkManager, ClearTargetsRequest{{group}});
+    if (status.StatusCode == 0 && group == MotionClearGroupTargets::AllGroups) {
+        progress.TargetsCleared();
+    }
+    return status;
+}
+
+StatusInfo MotionManager::GetTrajectoryState(TrajectoryState& state) {
+    state = progress.State();
+    return IsSupported() ? StatusInformation(ErrorStatusCodes::Ok) : TooOld();
+}
+
+StatusInfo MotionManager::WaitForTarget(std::uint64_t stepNumber, unsigned timeoutMilliseconds, double tolerance) {
+    if (!IsSupported()) {
+        return TooOld();
+    }
+    return TargetWait(*networkManager, progress, groupNumberMap, stepNumber, timeoutMilliseconds).UntilThere(tolerance);
+}
+
+StatusInfo MotionManager::WaitUntilSent(std::uint64_t stepNumber, unsigned timeoutMilliseconds) {
+    if (!IsSupported()) {
+        return TooOld();
+    }
+    return TargetWait(*networkManager, progress, groupNumberMap, stepNumber, timeoutMilliseconds).UntilSent();
 }
 
 double MotionManager::GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) {
@@ -160,9 +202,9 @@ double MotionManager::GetMotionTargetProgress(ControlGroupId group, StatusInfo& 
         status = StatusInformation(groupDoesNotExist, "Group does not exist.");
         return 0.0;
     }
-    double progress = 0.0;
-    status = CarryOut(*networkManager, TargetProgressRequest{slot}, progress);
-    return progress;
+    double reached = 0.0;
+    status = CarryOut(*networkManager, TargetProgressRequest{slot}, reached);
+    return reached;
 }
 
 StatusInfo MotionManager::SetAlarm(std::string const& text, unsigned char subCode) {

@@ -12,8 +12,11 @@
 #include "harvlink/MotionManagerInterface.h"
 #include "motion/GroupNumberMap.h"
 #include "motion/MotionMessages.h"
+#include "motion/MotionRequests.h"
 #include "motion/MotionStep.h"
+#include "motion/TrajectoryProgress.h"
 #include "motion/TrajectoryQueue.h"
+#include "wire/ConnectionPolicy.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink {
@@ -21,13 +24,17 @@ namespace harvlink {
 /// Queues motion steps, turns each into the series of commands that the controller expects, and feeds them to it from a
 /// thread of its own, the trajectory monitor.
 ///
-/// Locks: `trajectoryMutex` first, then those of an exchange, as LockRank has it; the monitor holds none while it sends a
-/// step. The cached profiles belong to the thread that calls SendTarget, which is the monitor.
+/// Locks, in this order, as LockRank has it: `trajectoryMutex`, `targetsMutex`, those of an exchange. The monitor never holds
+/// the first while it sends. The cached profiles belong to the thread that calls SendTarget, which is the monitor.
+///
+/// Three rules of the connection change what the monitor does: IdleMonitor, SentStep and BoundedClose.
 class MotionManager final : public MotionManagerInterface {
 public:
     /// Asks the controller for its motion slots and clears its targets. Failures are dropped: there are fewer slots then.
-    explicit MotionManager(NetworkManager* manager);
-    ~MotionManager() override = default;
+    explicit MotionManager(NetworkManager* manager, ConnectionPolicy const& connectionPolicy = {});
+    MotionManager(MotionManager const&) = delete;
+    MotionManager& operator=(MotionManager const&) = delete;
+    ~MotionManager() override;
 
     StatusInfo AddPointToTrajectory(Motion const& first, std::optional<Motion> second, std::optional<Motion> third,
                                     std::optional<Motion> fourth) override;
@@ -35,6 +42,11 @@ public:
     StatusInfo MotionStart() override;
     StatusInfo MotionStop(bool clearTrajectory) override;
     StatusInfo ClearAllTrajectory() override;
+    StatusInfo GetTrajectoryState(TrajectoryState& state) override;
+    StatusInfo AddPointToTrajectory(std::uint64_t& stepNumber, Motion const& first, std::optional<Motion> second,
+                                    std::optional<Motion> third, std::optional<Motion> fourth) override;
+    StatusInfo WaitForTarget(std::uint64_t stepNumber, unsigned timeoutMilliseconds, double tolerance) override;
+    StatusInfo WaitUntilSent(std::uint64_t stepNumber, unsigned timeoutMilliseconds) override;
 
     /// One exchange. `status` is that of the reply, unfolded.
     template <typename In, typename Out>
@@ -93,16 +105,50 @@ public:
 private:
     bool IsSupported() const;
     StatusInfo AddTargets(MotionStep& step, Motion const& first, std::array<std::optional<Motion>, 3> const& others);
+    StatusInfo SendStop();
     StatusInfo SendClear(std::int32_t group);
     TargetProfile& Cached(TargetControlGroup group);
+
+    /// One setting of a step. Under Rule::BoundedClose none goes out any more once the connection closes.
+    template <typename Setting>
+    StatusInfo SendSetting(Setting const& setting) {
+        return Enforces(Rule::BoundedClose) && progress.IsClosing() ? StatusInformation(ErrorStatusCodes::StepWithdrawn)
+                                                                    : CarryOut(*networkManager, setting);
+    }
+
+    struct NumberedStep {
+        StepNumber number;
+        MotionStep step;
+    };
+
+    /// Since the monitor last had something to send.
+    struct IdleTime {
+        TrajectoryProgress::Clock::time_point begin = TrajectoryProgress::Clock::now();
+        bool isCounted = false;
+    };
+
     void MonitorTrajectory(std::stop_token const& stop);
-    std::optional<MotionStep> CopyFrontTrajectory();
-    void HandleFailedStep(StatusInfo status);
+    void SendQueue();
+    void Rest(IdleTime& idle);
+    bool MayTakeStep() const;
+    std::optional<NumberedStep> CopyFrontTrajectory();
+    StatusInfo SendStep(MotionStep const& step, StepNumber number);
+    StatusInfo SendTargetOnce(SendTargetRequest const& request, MotionStep const& step, StepNumber number);
+    void WaitForRoom(StepNumber number, bool& isCounted);
+    void PopSentStep(StepNumber number);
+    void HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group);
+    ControlGroupId FailedGroup(MotionStep const& step) const;
+    bool Enforces(Rule rule) const { return policy.Enforces(rule); }
+    bool Refuses(Rule rule) { return policy.Enforces(rule); }
 
     NetworkManager* networkManager;
+    ConnectionPolicy policy;
     std::array<TargetProfile, MotionSlots> cachedProfiles;
+    std::optional<TargetControlGroup> groupBeingSet; ///< whose settings are being sent; of the monitor, as the cache
     TrajectoryQueue trajectory;
     RankedMutex<LockRank::MotionQueue> trajectoryMutex;
+    RankedMutex<LockRank::MotionTargets> targetsMutex; ///< a target or a clear and its entry in `progress` are one
+    TrajectoryProgress progress;
     GroupNumberMap groupNumberMap;
     std::once_flag monitorStarted;
     std::jthread monitorThread; ///< last, so that it is joined before what it uses goes

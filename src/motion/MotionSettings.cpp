@@ -48,6 +48,7 @@ bool MotionManager::SetTargetProfile(MotionStep const& step, StatusInfo& status)
             continue;
         }
         auto const group = static_cast<TargetControlGroup>(slot);
+        groupBeingSet = group;
         TargetProfile const& profile = step.profiles[slot];
         bool const isPulse = profile.coordinateType == CoordinateType::Pulse;
         if (!SetTargetCoords(profile, group, status) || !SetTargetSpeed(profile, group, profile.moveType, status) ||
@@ -56,6 +57,7 @@ bool MotionManager::SetTargetProfile(MotionStep const& step, StatusInfo& status)
             return false;
         }
     }
+    groupBeingSet.reset();
     return true;
 }
 
@@ -65,7 +67,7 @@ bool MotionManager::SetTargetCoords(TargetProfile const& profile, TargetControlG
     if (profile.coordinateType == cached.coordinateType) {
         return true;
     }
-    status = CarryOut(*networkManager, CoordRequest(group, profile.coordinateType, profile.userCoordinateNumber));
+    status = SendSetting(CoordRequest(group, profile.coordinateType, profile.userCoordinateNumber));
     if (status.StatusCode != 0) {
         return false;
     }
@@ -80,7 +82,7 @@ bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGr
     if (profile.speed == cached.speed) {
         return true;
     }
-    status = CarryOut(*networkManager, SetSpeedRequest{{group, WireSpeed(profile.speed, type)}});
+    status = SendSetting(SetSpeedRequest{{group, WireSpeed(profile.speed, type)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -91,7 +93,7 @@ bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGr
 bool MotionManager::SetTargetConfig(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
     TargetProfile& cached = Cached(group);
     if (!IsSameConfiguration(profile.figure, cached.figure)) {
-        status = CarryOut(*networkManager, SetConfigRequest{{group, FigureWord(profile.figure)}});
+        status = SendSetting(SetConfigRequest{{group, FigureWord(profile.figure)}});
         if (status.StatusCode != 0) {
             return false;
         }
@@ -105,7 +107,7 @@ bool MotionManager::SetTargetTool(TargetProfile const& profile, TargetControlGro
     if (profile.toolNumber == cached.toolNumber) {
         return true;
     }
-    status = CarryOut(*networkManager, SetToolRequest{{group, profile.toolNumber}});
+    status = SendSetting(SetToolRequest{{group, profile.toolNumber}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -124,7 +126,7 @@ bool MotionManager::SetTargetAccelRatio(TargetProfile const& profile, TargetCont
                                    "Acceleration ratio out of range. Valid ranges are 20.0%-100.00%.");
         return false;
     }
-    status = CarryOut(*networkManager, SetAccelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
+    status = SendSetting(SetAccelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -143,7 +145,7 @@ bool MotionManager::SetTargetDecelRatio(TargetProfile const& profile, TargetCont
                                    "Deceleration ratio out of range. Valid ranges are 20.00%-100.00%.");
         return false;
     }
-    status = CarryOut(*networkManager, SetDecelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
+    status = SendSetting(SetDecelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
     if (status.StatusCode != 0) {
         return false;
     }

@@ -1,59 +1,190 @@
+#include <chrono>
 #include <cstdlib>
 
 #include "motion/MotionManager.h"
 #include "status/ErrorTables.h"
 
 // The one thread of the library. It feeds the queue to the controller in order; the controller's "no room" reply is all
-// that holds it back, inside SendTarget. When the controller refuses a step there is no caller to tell: the failure shows
-// as an alarm on the pendant, in the log file, and in that the queue is empty.
+// that holds it back. When the controller refuses a step there is no caller to tell: the failure shows as an alarm on the
+// pendant, in the log file, in the state of the trajectory, and in that the queue is empty.
 
 namespace harvlink {
+namespace {
+
+constexpr int bufferFull = -49934480; // "Timeout" of the motion table, folded
+
+constexpr std::chrono::milliseconds fullBufferPeriod{1};
+
+/// How long an idle monitor looks for the next point before it sleeps: points that come one behind the other never wait for
+/// a thread to wake up, and a pause costs no more than this.
+constexpr std::chrono::microseconds idleSpin{200};
+
+/// Whether the step has to go out later or not at all, which is not a failure of it.
+bool IsWithdrawn(StatusInfo const& status) {
+    return status.StatusCode == static_cast<int>(ErrorStatusCodes::StepWithdrawn);
+}
+
+} // namespace
 
 void MotionManager::StartMonitorTrajectoryThread() {
     std::call_once(monitorStarted, [this] {
         monitorThread = std::jthread([this](std::stop_token const& stop) { MonitorTrajectory(stop); });
     });
+    progress.Started();
 }
 
 void MotionManager::MonitorTrajectory(std::stop_token const& stop) {
+    IdleTime idle;
     for (bool isLastRun = false; !isLastRun;) {
-        // Looked at before the queue and only there: all that was queued before the stop is sent to its end.
+        // Looked at before the queue and only there: as designed, all that was queued before the stop is sent to its end.
         isLastRun = stop.stop_requested();
-        while (auto const step = CopyFrontTrajectory()) {
-            StatusInfo status = SendTarget(*step);
-            if (status.StatusCode != 0) {
-                HandleFailedStep(std::move(status));
-                break;
-            }
-            TryPopFrontTrajectory();
+        if (MayTakeStep()) {
+            SendQueue();
+            progress.Rested();
+            idle = {};
         }
-        // Polls, so that a point is on the wire within microseconds, but lets everybody else run first.
+        Rest(idle);
+    }
+}
+
+/// Whether a step is there and may go out.
+bool MotionManager::MayTakeStep() const {
+    return !trajectory.IsEmpty() && (!Enforces(Rule::BoundedClose) || progress.MaySend(0));
+}
+
+void MotionManager::SendQueue() {
+    while (MayTakeStep()) {
+        auto const front = CopyFrontTrajectory();
+        if (!front) {
+            return;
+        }
+        progress.Taken();
+        StatusInfo status = SendStep(front->step, front->number);
+        if (status.StatusCode == 0) {
+            PopSentStep(front->number);
+        } else if (!IsWithdrawn(status)) {
+            HandleFailedStep(std::move(status), front->number, FailedGroup(front->step));
+            return;
+        }
+    }
+}
+
+/// As designed, polls, so that a point is on the wire within microseconds, but lets everybody else run first.
+void MotionManager::Rest(IdleTime& idle) {
+    bool const isWatched = policy.Watches(Rule::IdleMonitor) && !idle.isCounted;
+    if (!isWatched || TrajectoryProgress::Clock::now() - idle.begin < idleSpin) {
         std::this_thread::yield();
+        return;
+    }
+    if (Refuses(Rule::IdleMonitor)) {
+        progress.SleepUntil([this] { return !trajectory.IsEmpty(); });
+        idle = {};
+    } else {
+        idle.isCounted = true;
     }
 }
 
 /// A copy, so that a clear from another thread can't pull the step away while it is being sent.
-std::optional<MotionStep> MotionManager::CopyFrontTrajectory() {
+std::optional<MotionManager::NumberedStep> MotionManager::CopyFrontTrajectory() {
+    std::lock_guard const lock(trajectoryMutex);
     if (trajectory.IsEmpty()) {
         return std::nullopt;
     }
-    std::lock_guard const lock(trajectoryMutex);
-    return trajectory.IsEmpty() ? std::nullopt : std::optional(trajectory.Front());
+    return NumberedStep{trajectory.FrontNumber(), trajectory.Front()};
+}
+
+StatusInfo MotionManager::SendTarget(MotionStep const& step) {
+    return SendStep(step, 0);
+}
+
+StatusInfo MotionManager::SendStep(MotionStep const& step, StepNumber number) {
+    StatusInfo status = StatusInformation(ErrorStatusCodes::Ok);
+    if (!SetTargetProfile(step, status)) {
+        return status;
+    }
+    SendTargetRequest const request{{static_cast<std::uint32_t>(step.groups.to_ulong()), step.targets}};
+    status = SendTargetOnce(request, step, number);
+    for (bool isCounted = false; status.StatusCode == bufferFull;) {
+        WaitForRoom(number, isCounted);
+        status = SendTargetOnce(request, step, number);
+    }
+    return status;
+}
+
+StatusInfo MotionManager::SendTargetOnce(SendTargetRequest const& request, MotionStep const& step, StepNumber number) {
+    std::lock_guard const lock(targetsMutex);
+    if (Enforces(Rule::BoundedClose) && !progress.MaySend(number)) {
+        return StatusInformation(ErrorStatusCodes::StepWithdrawn);
+    }
+    StatusInfo status = CarryOut(*networkManager, request);
+    if (status.StatusCode == 0) {
+        progress.Sent(number, step);
+    }
+    return status;
+}
+
+/// The rule counts once for each step whose repetition a close, a stop or a clear should have ended.
+void MotionManager::WaitForRoom(StepNumber number, bool& isCounted) {
+    progress.Full();
+    if (Enforces(Rule::BoundedClose)) {
+        progress.SleepWhileFull(number, fullBufferPeriod);
+    } else {
+        std::this_thread::sleep_for(fullBufferPeriod);
+    }
+    if (!isCounted && !progress.MaySend(number)) {
+        isCounted = true;
+        Refuses(Rule::BoundedClose);
+    }
 }
 
 void MotionManager::TryPopFrontTrajectory() {
     std::lock_guard const lock(trajectoryMutex);
-    trajectory.PopFront();
+    if (!trajectory.IsEmpty()) {
+        progress.Withdraw(trajectory.FrontNumber());
+        trajectory.PopFront();
+    }
 }
 
-void MotionManager::HandleFailedStep(StatusInfo status) {
+/// Another step is in front if the queue was cleared while this one was sent and something was queued since. As designed it
+/// goes unsent.
+void MotionManager::PopSentStep(StepNumber number) {
+    std::lock_guard const lock(trajectoryMutex);
+    StepNumber const front = trajectory.FrontNumber();
+    if (trajectory.IsEmpty() || (front != number && Refuses(Rule::SentStep))) {
+        return;
+    }
+    trajectory.PopFront();
+    if (front != number) {
+        progress.Withdraw(front);
+    }
+}
+
+/// The group whose setting failed, or the first of the step if its target did.
+ControlGroupId MotionManager::FailedGroup(MotionStep const& step) const {
+    std::size_t slot = 0;
+    if (groupBeingSet) {
+        slot = static_cast<std::size_t>(*groupBeingSet);
+    } else {
+        while (slot + 1 < MotionSlots && !step.groups[slot]) {
+            ++slot;
+        }
+    }
+    return groupNumberMap.groups[slot].value_or(ControlGroupId{});
+}
+
+void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group) {
+    progress.Refused(number, status, group);
     // The offset undoes the fold. What was not folded, such as a missing reply, is then not in the table.
     auto const controllerCode = static_cast<std::uint32_t>(status.StatusCode) + MotionErrorOffset;
     std::string const shortText = GetShortErrorMessage(static_cast<int>(controllerCode));
     SetAlarm(shortText, static_cast<unsigned char>(status.StatusCode & 0xff));
     status.StatusCode = std::abs(status.StatusCode);
     networkManager->LogIfEnabled(status);
-    ClearAllTrajectory();
+    // An end of the connection doesn't wait for one more exchange; what the controller has, it keeps on any close.
+    if (!Enforces(Rule::BoundedClose) || !progress.IsClosing()) {
+        ClearAllTrajectory();
+    }
+    progress.FailureHandled();
 }
 
 std::string MotionManager::GetShortErrorMessage(int code) const {

@@ -19,7 +19,7 @@ TrajectoryQueue::Block& TrajectoryQueue::BlockWithRoom() {
     return blocks.emplace_back(std::move(block));
 }
 
-void TrajectoryQueue::PushBack(MotionStep const& step) {
+std::uint64_t TrajectoryQueue::PushBack(MotionStep const& step) {
     Block& block = BlockWithRoom();
     for (std::size_t slot = 0; slot < MotionSlots; ++slot) {
         if (step.groups[slot]) {
@@ -31,6 +31,7 @@ void TrajectoryQueue::PushBack(MotionStep const& step) {
     }
     block.back().isLastOfStep = true;
     isEmpty.store(false, std::memory_order_release);
+    return ++lastNumber;
 }
 
 MotionStep TrajectoryQueue::Front() const {
@@ -52,6 +53,7 @@ void TrajectoryQueue::PopFront() {
     if (isEmpty.load(std::memory_order_relaxed)) {
         return;
     }
+    ++frontNumber;
     while (!blocks.front()[sent++].isLastOfStep) {
     }
     if (sent < blocks.front().size()) {
@@ -69,6 +71,7 @@ void TrajectoryQueue::PopFront() {
 void TrajectoryQueue::Clear() {
     blocks.clear();
     sent = 0;
+    frontNumber = lastNumber + 1;
     isEmpty.store(true, std::memory_order_release);
 }
 

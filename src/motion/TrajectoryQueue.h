@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <list>
 #include <vector>
 
@@ -16,11 +17,13 @@ class TrajectoryQueue {
 public:
     bool IsEmpty() const { return isEmpty.load(std::memory_order_acquire); }
 
-    /// Strong guarantee: if memory runs out the queue is as it was.
-    void PushBack(MotionStep const& step);
+    /// Returns the number of the step: 1, 2, 3 and so on. Strong guarantee: if memory runs out the queue is as it was.
+    std::uint64_t PushBack(MotionStep const& step);
 
     /// Copies the front step; the queue must not be empty.
     MotionStep Front() const;
+    std::uint64_t FrontNumber() const { return frontNumber; } ///< of the next step to come if the queue is empty
+    std::uint64_t LastNumber() const { return lastNumber; } ///< 0 if none was ever queued
     void PopFront(); ///< Nothing happens on an empty queue.
     void Clear();
 
@@ -38,6 +41,8 @@ private:
 
     std::list<Block> blocks;
     std::size_t sent = 0; ///< parts of the front block that are gone
+    std::uint64_t frontNumber = 1;
+    std::uint64_t lastNumber = 0;
     std::atomic<bool> isEmpty = true;
 };
 

@@ -11,7 +11,7 @@
 namespace harvlink {
 
 /// The library's locks, in the order in which a thread may wait for them: only for one behind all that it holds.
-enum class LockRank : std::uint8_t { MotionQueue, FirstExchange, SecondExchange };
+enum class LockRank : std::uint8_t { MotionQueue, MotionTargets, FirstExchange, SecondExchange };
 
 #ifdef NDEBUG
 
