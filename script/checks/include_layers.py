@@ -83,7 +83,11 @@ ROOMS = {
 }
 
 # A folder sees one file of another one that it sees nothing else of.
-DOORS = {("src/io", "src/variables/VariableFunctions.h")}
+DOORS = {
+    ("src/io", "src/variables/VariableFunctions.h"),
+    # To wait for a target is to read state, alarms and position.
+    *(("src/motion", f"src/controller/{subject}Requests.h") for subject in ("State", "Alarm", "Position")),
+}
 
 # The virtual controller shares the wire formats with the library and nothing else.
 WIRE_FORMATS = re.compile(

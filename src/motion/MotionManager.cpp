@@ -24,10 +24,11 @@ MotionManagerInterface* MotionManagerPtr(NetworkManager* networkManager) {
     return new MotionManager(networkManager);
 }
 
-MotionManager::MotionManager(NetworkManager* manager, ConnectionPolicy const& connectionPolicy)
-    : networkManager(manager), policy(connectionPolicy) {
+MotionManager::MotionManager(NetworkManager* manager) : networkManager(manager) {
     MakeCtrlGroupNumberMap();
-    ClearAllTrajectory();
+    if (networkManager->Policy().access == Access::Full) {
+        ClearAllTrajectory();
+    }
 }
 
 /// The waits end first, so that nobody looks at what goes.
@@ -69,6 +70,9 @@ StatusInfo MotionManager::AddPointToTrajectory(std::uint64_t& stepNumber, Motion
     stepNumber = 0;
     if (!IsSupported()) {
         return TooOld();
+    }
+    if (networkManager->Policy().access != Access::Full) {
+        return Denied(Access::Full); // what is queued could never leave
     }
     MotionStep step;
     StatusInfo status = AddTargets(step, first, {second, third, fourth});

@@ -16,7 +16,6 @@
 #include "motion/MotionStep.h"
 #include "motion/TrajectoryProgress.h"
 #include "motion/TrajectoryQueue.h"
-#include "wire/ConnectionPolicy.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink {
@@ -30,8 +29,8 @@ namespace harvlink {
 /// Three rules of the connection change what the monitor does: IdleMonitor, SentStep and BoundedClose.
 class MotionManager final : public MotionManagerInterface {
 public:
-    /// Asks the controller for its motion slots and clears its targets. Failures are dropped: there are fewer slots then.
-    explicit MotionManager(NetworkManager* manager, ConnectionPolicy const& connectionPolicy = {});
+    /// Asks the controller for its motion slots and, with full access, clears its targets. Failures are dropped: there are fewer slots then.
+    explicit MotionManager(NetworkManager* manager);
     MotionManager(MotionManager const&) = delete;
     MotionManager& operator=(MotionManager const&) = delete;
     ~MotionManager() override;
@@ -138,11 +137,9 @@ private:
     void PopSentStep(StepNumber number);
     void HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group);
     ControlGroupId FailedGroup(MotionStep const& step) const;
-    bool Enforces(Rule rule) const { return policy.Enforces(rule); }
-    bool Refuses(Rule rule) { return policy.Enforces(rule); }
+    bool Enforces(Rule rule) const { return networkManager->Policy().Enforces(rule); }
 
     NetworkManager* networkManager;
-    ConnectionPolicy policy;
     std::array<TargetProfile, MotionSlots> cachedProfiles;
     std::optional<TargetControlGroup> groupBeingSet; ///< whose settings are being sent; of the monitor, as the cache
     TrajectoryQueue trajectory;

@@ -1,5 +1,6 @@
 #include <chrono>
 #include <cstdlib>
+#include <sstream>
 
 #include "motion/MotionManager.h"
 #include "status/ErrorTables.h"
@@ -22,6 +23,13 @@ constexpr std::chrono::microseconds idleSpin{200};
 /// Whether the step has to go out later or not at all, which is not a failure of it.
 bool IsWithdrawn(StatusInfo const& status) {
     return status.StatusCode == static_cast<int>(ErrorStatusCodes::StepWithdrawn);
+}
+
+/// What a line of the log and a message name beside the designed one.
+std::string PlaceOf(std::string const& address, StepNumber number, ControlGroupId group) {
+    std::ostringstream text;
+    text << "Controller " << address << ", step " << number << ", group " << group << '.';
+    return std::move(text).str();
 }
 
 } // namespace
@@ -71,12 +79,12 @@ void MotionManager::SendQueue() {
 
 /// As designed, polls, so that a point is on the wire within microseconds, but lets everybody else run first.
 void MotionManager::Rest(IdleTime& idle) {
-    bool const isWatched = policy.Watches(Rule::IdleMonitor) && !idle.isCounted;
+    bool const isWatched = networkManager->Policy().Watches(Rule::IdleMonitor) && !idle.isCounted;
     if (!isWatched || TrajectoryProgress::Clock::now() - idle.begin < idleSpin) {
         std::this_thread::yield();
         return;
     }
-    if (Refuses(Rule::IdleMonitor)) {
+    if (networkManager->Refuses(Rule::IdleMonitor)) {
         progress.SleepUntil([this] { return !trajectory.IsEmpty(); });
         idle = {};
     } else {
@@ -133,7 +141,7 @@ void MotionManager::WaitForRoom(StepNumber number, bool& isCounted) {
     }
     if (!isCounted && !progress.MaySend(number)) {
         isCounted = true;
-        Refuses(Rule::BoundedClose);
+        networkManager->Refuses(Rule::BoundedClose);
     }
 }
 
@@ -150,7 +158,7 @@ void MotionManager::TryPopFrontTrajectory() {
 void MotionManager::PopSentStep(StepNumber number) {
     std::lock_guard const lock(trajectoryMutex);
     StepNumber const front = trajectory.FrontNumber();
-    if (trajectory.IsEmpty() || (front != number && Refuses(Rule::SentStep))) {
+    if (trajectory.IsEmpty() || (front != number && networkManager->Refuses(Rule::SentStep))) {
         return;
     }
     trajectory.PopFront();
@@ -173,13 +181,19 @@ ControlGroupId MotionManager::FailedGroup(MotionStep const& step) const {
 }
 
 void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group) {
-    progress.Refused(number, status, group);
+    // Under no rule at all everything is said as designed, and no more.
+    bool const isNamed = networkManager->Policy().enforced.bits != 0;
+    std::string const place = isNamed ? PlaceOf(networkManager->Address(), number, group) : "";
+    progress.Refused(number, {status.StatusCode, status.Message + (isNamed ? '\n' + place : "")}, group);
     // The offset undoes the fold. What was not folded, such as a missing reply, is then not in the table.
     auto const controllerCode = static_cast<std::uint32_t>(status.StatusCode) + MotionErrorOffset;
     std::string const shortText = GetShortErrorMessage(static_cast<int>(controllerCode));
     SetAlarm(shortText, static_cast<unsigned char>(status.StatusCode & 0xff));
     status.StatusCode = std::abs(status.StatusCode);
     networkManager->LogIfEnabled(status);
+    if (isNamed) {
+        networkManager->LogIfEnabled({status.StatusCode, place});
+    }
     // An end of the connection doesn't wait for one more exchange; what the controller has, it keeps on any close.
     if (!Enforces(Rule::BoundedClose) || !progress.IsClosing()) {
         ClearAllTrajectory();

@@ -28,4 +28,12 @@ inline StatusInfo NamingRule(StatusInfo status, Rule rule) {
     return status;
 }
 
+/// What a request gets that takes more access than the connection has.
+inline StatusInfo Denied(Access needed) {
+    std::string const name = needed == Access::Operate ? "Operate" : "Full";
+    return StatusInformation(ErrorStatusCodes::AccessDenied,
+                             "The access of this connection does not allow this, which takes access " + name +
+                                 ". Nothing was sent.");
+}
+
 } // namespace harvlink

@@ -26,13 +26,6 @@ StatusInfo StatusOf(std::system_error const& error) {
     return StatusInformation(error.code().value(), error.what());
 }
 
-StatusInfo Denied(Access needed) {
-    std::string const name = needed == Access::Operate ? "Operate" : "Full";
-    return StatusInformation(ErrorStatusCodes::AccessDenied,
-                             "The access of this connection does not allow this, which takes access " + name +
-                                 ". Nothing was sent.");
-}
-
 SubHeaderForSending SubHeaderOf(OutgoingView const& request) {
     SubHeaderForSending subHeader;
     std::memcpy(&subHeader, request.bytes.data() + sizeof(CommonHeader), sizeof(subHeader));

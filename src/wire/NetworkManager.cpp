@@ -23,7 +23,7 @@ ControllerVersion GenerationOf(std::string_view softwareVersion) {
 
 NetworkManager::NetworkManager(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retryCount,
                                StatusInfo& status, ConnectionPolicy const& connectionPolicy)
-    : policy(connectionPolicy), retries(retryCount) {
+    : address(ipAddress), policy(connectionPolicy), retries(retryCount) {
     auto sockets = std::make_unique<UdpTransport>();
     bool const isSenderKnown = policy.Enforces(Rule::KnownSender);
     status = sockets->Open(ipAddress, isSenderKnown ? UdpTransport::Peers::Controller : UdpTransport::Peers::Anyone);

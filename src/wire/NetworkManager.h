@@ -71,6 +71,9 @@ public:
         return incoming;
     }
 
+    /// As it was given; empty over a transport of the caller's.
+    std::string const& Address() const { return address; }
+
     ConnectionPolicy const& Policy() const { return policy; }
 
     /// Notes that something breaks a rule. From any thread.
@@ -137,6 +140,7 @@ private:
 
     static constexpr std::uint8_t highestRequestId = 127;
 
+    std::string const address;
     ConnectionPolicy const policy;
     LinkStatistics statistics;
     StatusInfo lossOfStartUp;

@@ -60,8 +60,9 @@ inline Motion Point(double x, ControlGroupId group = ControlGroupId::R1) {
 
 /// A manager with the given motion slots, as the controller counts its groups.
 struct MotionSession {
-    explicit MotionSession(std::vector<std::int64_t> const& slots = {1}, std::string_view version = "YA1.00")
-        : network(controller.Connect(version)) {
+    explicit MotionSession(std::vector<std::int64_t> const& slots = {1}, std::string_view version = "YA1.00",
+                           ConnectionPolicy const& policy = {})
+        : network(controller.Connect(version, 0, policy)) {
         for (std::size_t i = 0; i < slots.size(); ++i) {
             controller.Expect(SlotRead(33 + static_cast<int>(i)), Payload(U32(slots[i])));
         }

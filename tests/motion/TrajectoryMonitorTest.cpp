@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-#include "motion/MotionSession.h"
+#include "motion/RunningSession.h"
 #include "motion/VirtualTransport.h"
 #include "simulator/network/Server.h"
 #include "support/ScratchFolder.h"
@@ -14,55 +14,11 @@
 namespace harvlink::test {
 namespace {
 
-constexpr unsigned start = 839, stop = 840, clear = 841, target = 842, alarm = 916;
-
-/// The commands, and the first axis of each target.
-std::vector<std::pair<unsigned, int>> Summary(std::vector<Datagram> const& sent) {
-    std::vector<std::pair<unsigned, int>> summary;
-    for (Datagram const& datagram : sent) {
-        unsigned const command = CommandOf(datagram);
-        summary.emplace_back(command, command == target ? AxisOf(datagram, 0) : 0);
-    }
-    return summary;
-}
-
-/// Points whose settings the monitor has already sent, so that each needs one datagram.
-struct RunningSession : MotionSession {
-    RunningSession() {
-        controller.AnswerRest([this](Datagram const& datagram) {
-            bool const isRefused = CommandOf(datagram) == target && isFull;
-            return Replies{isRefused ? Refusal(65520) : Reply{}};
-        });
-        Add(0);
-        manager->MotionStart();
-        Sent(4); // start, coordinates, speed, target
-        manager->SetTool(TargetControlGroup::GroupOne, 0); // when this has its reply, the target has its own too
-        before += 5;
-    }
-    ~RunningSession() {
-        isFull = false;
-        manager.reset();
-    }
-    void Add(double x) { EXPECT_EQ(manager->AddPointToTrajectory(Point(x), {}, {}, {}).StatusCode, 0); }
-
-    /// All accepted datagrams without repetitions, after the last one was sent.
-    std::vector<std::pair<unsigned, int>> Finish() {
-        manager.reset();
-        auto summary = Summary(Sent());
-        summary.erase(std::unique(summary.begin(), summary.end()), summary.end());
-        return summary;
-    }
-
-    std::atomic<bool> isFull = false;
-};
-
 /// Half a second: short enough for lost answers, long enough for answers that come.
 void ShortenTimeout(NetworkManager& manager) {
     manager.ResetTimeout();
     manager.ResetTimeout();
 }
-using Sequence = std::vector<std::pair<unsigned, int>>;
-
 TEST(TrajectoryMonitor, SendsInOrderFromTheStartOn) {
     MotionSession session;
     session.controller.AnswerRest([](Datagram const&) { return Replies{{}}; });

@@ -100,10 +100,11 @@ bool ScriptedController::HasPending() const {
     return ::poll(sockets.data(), sockets.size(), 0) > 0;
 }
 
-std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view softwareVersion, unsigned retries) {
+std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view softwareVersion, unsigned retries,
+                                                            ConnectionPolicy const& policy) {
     ExpectProbe(softwareVersion);
     StatusInfo status;
-    auto manager = std::make_unique<NetworkManager>(address, longTimeout, retries, status);
+    auto manager = std::make_unique<NetworkManager>(address, longTimeout, retries, status, policy);
     EXPECT_EQ(status.StatusCode, 0) << status.Message;
     return manager;
 }

@@ -76,7 +76,8 @@ public:
     bool HasPending() const;
 
     /// A manager that is connected to this controller. Its time-out is long enough for every answer.
-    std::unique_ptr<NetworkManager> Connect(std::string_view softwareVersion = "YA1.00", unsigned retries = 0);
+    std::unique_ptr<NetworkManager> Connect(std::string_view softwareVersion = "YA1.00", unsigned retries = 0,
+                                            ConnectionPolicy const& policy = {});
 
 private:
     struct Port {
