@@ -47,11 +47,11 @@ std::string Difference(std::string const& wanted, std::string const& got) {
 
 } // namespace
 
-FilesWorker::FilesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
-                         std::vector<Session*> sessions, std::filesystem::path folder)
-    : Worker(std::move(name), options, ledger, seed), folder_(std::move(folder)) {
-    for (auto* const session : sessions) {
-        auto& store = stores_.emplace_back(Store{.session = session, .files = {}});
+FilesWorker::FilesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
+                         std::vector<SharedConnection*> connections, std::filesystem::path folder)
+    : Worker(std::move(name), options, results, seed), folder_(std::move(folder)) {
+    for (auto* const connection : connections) {
+        auto& store = stores_.emplace_back(Store{.connection = connection, .files = {}});
         for (auto const* const file : {"SOAK0.DAT", "SOAK1.DAT", "SOAK2.DAT", "SOAK3.CND", "SOAKA.JBI", "SOAKB.JBI"}) {
             store.files[file] = {std::nullopt};
         }
@@ -61,12 +61,12 @@ FilesWorker::FilesWorker(std::string name, Options const& options, Ledger& ledge
 void FilesWorker::Step() {
     auto& store = stores_[Draw(0, stores_.size() - 1)];
     auto const file = std::next(store.files.begin(), static_cast<std::ptrdiff_t>(Draw(0, store.files.size() - 1)));
-    std::scoped_lock const lock(store.session->transfers);
-    WaitForStragglers();
+    std::scoped_lock const lock(store.connection->transfers);
+    WaitForLateReplies();
     auto const action = Draw(0, 9);
     if (action < 4) {
         StoreFile(store, file->first);
-        WaitForStragglers();
+        WaitForLateReplies();
         Fetch(store, file->first);
     } else if (action < 7) {
         Fetch(store, file->first);
@@ -116,7 +116,7 @@ bool FilesWorker::CheckTransfer(std::string const& what, StatusInfo const& statu
     if (status.StatusCode == 0) {
         return true;
     }
-    ledger_.Note(Survived::BrokenTransfer);
+    results_.Note(FaultEffect::BrokenTransfer);
     // Silence on id 0 passes for a block with the number 0, and acknowledging that one is refused.
     bool const isOutOfStep = status.StatusCode == BlockNumberError;
     // Where requests get lost the controller may miss a block, or have dropped the transfer.
@@ -128,7 +128,7 @@ bool FilesWorker::CheckTransfer(std::string const& what, StatusInfo const& statu
 
 void FilesWorker::StoreFile(Store& store, std::string const& name) {
     auto content = RandomContent(name);
-    auto const status = Done(Family::Files, Load(*store.session->robot, name, content));
+    auto const status = Done(Family::Files, Load(*store.connection->robot, name, content));
     auto& possible = store.files[name];
     bool const isStored = CheckTransfer("store of " + name, status);
     if (isStored && !options_.badNetwork) {
@@ -141,18 +141,18 @@ void FilesWorker::Fetch(Store& store, std::string const& name) {
     auto& possible = store.files[name];
     std::string got;
     auto const ask = [&] {
-        WaitForStragglers();
-        auto const status = Done(Family::Files, Save(*store.session->robot, name, got));
+        WaitForLateReplies();
+        auto const status = Done(Family::Files, Save(*store.connection->robot, name, got));
         return CompareContent(possible, status, got);
     };
-    Settle("fetch of " + name, ask, [&] { return difference_; });
+    AskUntilRight("fetch of " + name, ask, [&] { return difference_; });
 }
 
 Answer FilesWorker::CompareContent(std::set<Content>& possible, StatusInfo const& status, std::string const& got) {
     bool const isMissing = status.StatusCode == NoSuchFile;
     auto const found = isMissing ? possible.find(std::nullopt) : possible.find(got);
     if ((isMissing || status.StatusCode == 0) && found != possible.end()) {
-        ledger_.NoteFileBytes(got.size());
+        results_.NoteFileBytes(got.size());
         possible = {isMissing ? Content() : Content(got)};
         return Answer::Right;
     }
@@ -163,7 +163,7 @@ Answer FilesWorker::CompareContent(std::set<Content>& possible, StatusInfo const
     }
     for (auto const& content : possible) {
         if (options_.badNetwork && content && HasRepeatedBlocks(*content, got)) {
-            ledger_.Note(Survived::RepeatedBlock);
+            results_.Note(FaultEffect::RepeatedBlock);
             return Answer::Missing;
         }
         difference_ = Difference(content.value_or(""), got);
@@ -173,7 +173,7 @@ Answer FilesWorker::CompareContent(std::set<Content>& possible, StatusInfo const
 
 void FilesWorker::Delete(Store& store, std::string const& name) {
     auto& possible = store.files[name];
-    auto const status = Done(Family::Files, store.session->robot->Files->DeleteJobFile(name));
+    auto const status = Done(Family::Files, store.connection->robot->Files->DeleteJobFile(name));
     if (status.StatusCode == NoSuchFile && possible.contains(std::nullopt)) {
         return;
     }
@@ -189,14 +189,14 @@ void FilesWorker::List(Store& store) {
     std::vector<std::string> names;
     std::string problem;
     auto const ask = [&] {
-        WaitForStragglers();
-        auto const status = Done(Family::Files, store.session->robot->Files->ListFiles(type, names, true));
+        WaitForLateReplies();
+        auto const status = Done(Family::Files, store.connection->robot->Files->ListFiles(type, names, true));
         if (status.StatusCode != 0) {
             CheckTransfer("list", status);
             return Answer::Missing;
         }
         if (std::ranges::adjacent_find(names) != names.end() && options_.badNetwork) {
-            ledger_.Note(Survived::RepeatedBlock);
+            results_.Note(FaultEffect::RepeatedBlock);
             return Answer::Missing;
         }
         for (auto const& [name, possible] : store.files) {
@@ -211,7 +211,7 @@ void FilesWorker::List(Store& store) {
         }
         return Answer::Right;
     };
-    Settle("list", ask, [&] { return problem; });
+    AskUntilRight("list", ask, [&] { return problem; });
 }
 
 std::size_t FilesWorker::KeptBytes() const {

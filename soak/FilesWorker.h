@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "soak/Session.h"
+#include "soak/SharedConnection.h"
 #include "soak/Worker.h"
 
 namespace harvlink::soak {
@@ -15,8 +15,8 @@ namespace harvlink::soak {
 /// Stores, fetches, lists and deletes files on all controllers in turn, and compares every byte.
 class FilesWorker final : public Worker {
 public:
-    FilesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
-                std::vector<Session*> sessions, std::filesystem::path folder);
+    FilesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
+                std::vector<SharedConnection*> connections, std::filesystem::path folder);
 
     std::size_t KeptBytes() const override;
 
@@ -25,7 +25,7 @@ private:
 
     /// What is known of a controller's files: those of this worker, each with all that it may hold.
     struct Store {
-        Session* session = nullptr;
+        SharedConnection* connection = nullptr;
         std::map<std::string, std::set<Content>> files;
     };
 

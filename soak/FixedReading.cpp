@@ -76,13 +76,13 @@ void AddParameters(std::vector<FixedReading>& readings, ControllerStateInterface
 
 } // namespace
 
-std::vector<FixedReading> FixedReadings(Session& session) {
+std::vector<FixedReading> FixedReadings(SharedConnection& connection) {
     std::vector<FixedReading> readings;
-    AddPositions(readings, *session.robot->ControlGroup, session.isExtended);
-    AddGroups(readings, *session.robot->ControlGroup);
-    AddIdentity(readings, *session.robot->Status);
-    if (session.isExtended) {
-        AddParameters(readings, *session.robot->Status);
+    AddPositions(readings, *connection.robot->ControlGroup, connection.isExtended);
+    AddGroups(readings, *connection.robot->ControlGroup);
+    AddIdentity(readings, *connection.robot->Status);
+    if (connection.isExtended) {
+        AddParameters(readings, *connection.robot->Status);
     }
     return readings;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "soak/Session.h"
+#include "soak/SharedConnection.h"
 #include "soak/Worker.h"
 
 namespace harvlink::soak {
@@ -17,6 +17,6 @@ struct FixedReading {
     WireImage known{}; ///< empty until it has been learnt
 };
 
-std::vector<FixedReading> FixedReadings(Session& session);
+std::vector<FixedReading> FixedReadings(SharedConnection& connection);
 
 } // namespace harvlink::soak

@@ -66,7 +66,7 @@ bool KinematicsWorker::Convert(PositionData const& from, KinematicConversions co
     auto source = from;
     PositionData got;
     bool const takesTwo = conversion == PulseToCartesianPos;
-    auto const image = Agree(
+    auto const image = ReadUntilAgreed(
         fmt::format("conversion {}", static_cast<int>(conversion)),
         [&](WireImage& out) {
             auto status =
@@ -84,7 +84,7 @@ bool KinematicsWorker::ConvertFromCartesian(PositionData const& from, KinematicC
     auto source = from;
     PositionData got;
     bool const takesTwo = conversion == CartesianPosToPulse;
-    auto const image = Agree(
+    auto const image = ReadUntilAgreed(
         fmt::format("conversion {}", static_cast<int>(conversion)),
         [&](WireImage& out) {
             auto status = Done(Family::Kinematics,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "soak/Session.h"
+#include "soak/SharedConnection.h"
 #include "soak/Worker.h"
 
 namespace harvlink::soak {
@@ -8,8 +8,9 @@ namespace harvlink::soak {
 /// Converts random positions there and back.
 class KinematicsWorker final : public Worker {
 public:
-    KinematicsWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed, Session& session)
-        : Worker(std::move(name), options, ledger, seed), kinematics_(*session.robot->Kinematics) {}
+    KinematicsWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
+                     SharedConnection& connection)
+        : Worker(std::move(name), options, results, seed), kinematics_(*connection.robot->Kinematics) {}
 
 private:
     void Step() override;

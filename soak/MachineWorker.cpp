@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 constexpr int AlarmIsActive = 8288;
 /// What is left of that refusal when its reply is cut short: the status byte alone, or the low byte of the code.
 constexpr std::array CutRefusals{31, AlarmIsActive % 256, 0};
-constexpr auto JobPatience = 20s;
+constexpr auto JobTimeout = 20s;
 
 SignalStatus SwitchOf(bool on) {
     return on ? SignalStatus::On : SignalStatus::Off;
@@ -45,12 +45,12 @@ std::string ToText(ControllerStateData const& state) {
 
 } // namespace
 
-MachineWorker::MachineWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
-                             Session& session)
-    : Worker(std::move(name), options, ledger, seed),
-      session_(session),
-      robot_(*session.robot),
-      readings_(FixedReadings(session)) {
+MachineWorker::MachineWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
+                             SharedConnection& connection)
+    : Worker(std::move(name), options, results, seed),
+      connection_(connection),
+      robot_(*connection.robot),
+      readings_(FixedReadings(connection)) {
     state_.cycleMode = CycleMode::Cycle;
     state_.controlMode = ControllerStateData::ControlMode::Remote;
 }
@@ -99,29 +99,29 @@ void MachineWorker::LoadJob(std::string_view name, std::string_view text) {
     auto const fileName = std::string(name) + ".JBI";
     std::string got;
     auto const ask = [&] {
-        std::scoped_lock const lock(session_.transfers);
-        WaitForStragglers();
+        std::scoped_lock const lock(connection_.transfers);
+        WaitForLateReplies();
         auto status = Done(Family::Files, robot_.Files->LoadToControllerFromString(fileName, std::string(text)));
         if (status.StatusCode != 0) {
             return Answer::Missing;
         }
-        WaitForStragglers();
+        WaitForLateReplies();
         status = Done(Family::Files, robot_.Files->SaveFromControllerToString(fileName, got));
         return status.StatusCode == 0 && got == text ? Answer::Right : Answer::Missing;
     };
-    Settle("load of " + fileName, ask, [&] { return got; });
+    AskUntilRight("load of " + fileName, ask, [&] { return got; });
 }
 
 void MachineWorker::Command(std::string const& what, std::function<StatusInfo()> const& send, Family family) {
-    WaitForStragglers();
+    WaitForLateReplies();
     if (!IsSent(what, Done(family, send()))) {
         return;
     }
-    WaitForStragglers();
+    WaitForLateReplies();
     constexpr int repetitions = 10;
     for (int i = 0; options_.badNetwork && i < repetitions && AskState() != Answer::Right; ++i) {
         static_cast<void>(Done(family, send()));
-        WaitForStragglers();
+        WaitForLateReplies();
     }
     ExpectState(what);
 }
@@ -155,7 +155,7 @@ Answer MachineWorker::AskState() {
 
 bool MachineWorker::ExpectState(std::string const& what) {
     ControllerStateData got;
-    return Settle(
+    return AskUntilRight(
         what, [&] { return CompareState(got); },
         [&] { return fmt::format("{} instead of {}", ToText(got), ToText(state_)); });
 }
@@ -203,7 +203,7 @@ void MachineWorker::ReadTimes() {
         }
         return seconds >= playbackSeconds_ ? Answer::Right : Answer::Cut;
     };
-    if (Settle("operating time", ask, [&] { return fmt::format("{} after {}", seconds, playbackSeconds_); })) {
+    if (AskUntilRight("operating time", ask, [&] { return fmt::format("{} after {}", seconds, playbackSeconds_); })) {
         playbackSeconds_ = seconds;
     }
 }
@@ -211,7 +211,7 @@ void MachineWorker::ReadTimes() {
 void MachineWorker::CheckReading(FixedReading& reading) {
     auto const read = [&](WireImage& image) { return Done(reading.family, reading.read(image)); };
     if (reading.known.empty()) {
-        reading.known = Agree(reading.name, read);
+        reading.known = ReadUntilAgreed(reading.name, read);
         return;
     }
     WireImage got;
@@ -222,7 +222,7 @@ void MachineWorker::CheckReading(FixedReading& reading) {
         }
         return got == reading.known ? Answer::Right : IsCutFrom(reading.known, got) ? Answer::Cut : Answer::Wrong;
     };
-    Settle(reading.name, ask, [&] { return ToHex(got) + " instead of " + ToHex(reading.known); });
+    AskUntilRight(reading.name, ask, [&] { return ToHex(got) + " instead of " + ToHex(reading.known); });
 }
 
 void MachineWorker::RunGoodJob() {
@@ -238,7 +238,7 @@ void MachineWorker::RunGoodJob() {
 
 bool MachineWorker::SelectAndStart(std::string_view name) {
     auto const send = [&](char const* what, Family family, auto const& command) {
-        WaitForStragglers();
+        WaitForLateReplies();
         auto const status = Done(family, command());
         // Where requests get lost, a job that did not start is found out by what it did not do.
         return options_.badNetwork ? status.StatusCode == 0 : IsSent(fmt::format("{} of {}", what, name), status);
@@ -263,16 +263,16 @@ void MachineWorker::ResetJobVariables() {
         static_cast<void>(Done(Family::Variables, variables.doubleIntVariable->Write({0, JobVariable})));
         static_cast<void>(Done(Family::Variables, variables.realVariable->Write({0.0F, JobVariable})));
         static_cast<void>(Done(Family::Variables, variables.byteVariable->Write({1, JobVariable})));
-        WaitForStragglers();
+        WaitForLateReplies();
         auto const status = Done(Family::Variables, variables.byteVariable->Read(JobVariable, got));
         return status.StatusCode == 0 && got.value == 1 ? Answer::Right : Answer::Missing;
     };
-    Settle("reset of the job's variables", ask, [&] { return fmt::format("{}", got.value); });
+    AskUntilRight("reset of the job's variables", ask, [&] { return fmt::format("{}", got.value); });
 }
 
 /// Waits until the job has set its last variable and come back to its beginning.
 bool MachineWorker::AwaitJob() {
-    auto const deadline = SteadyClock::now() + JobPatience;
+    auto const deadline = SteadyClock::now() + JobTimeout;
     auto lastStart = SteadyClock::now();
     ByteVariableData got;
     while (SteadyClock::now() < deadline) {
@@ -303,7 +303,7 @@ void MachineWorker::CheckJobVariables() {
                    : IsCutFrom(ImageOf(wanted), ImageOf(got.value)) ? Answer::Cut
                                                                     : Answer::Wrong;
         };
-        Settle("variable set by a job", ask, [&] { return fmt::format("{} instead of {}", got.value, wanted); });
+        AskUntilRight("variable set by a job", ask, [&] { return fmt::format("{} instead of {}", got.value, wanted); });
     };
     check(*robot_.Variables->integerVariable, JobInteger);
     check(*robot_.Variables->doubleIntVariable, JobDouble);
@@ -323,13 +323,13 @@ void MachineWorker::CheckJobPlace() {
         bool const isCut = IsCutFrom(wanted, WireImage(data.name.begin(), data.name.end())) && data.line == 0;
         return isRight ? Answer::Right : isCut ? Answer::Cut : Answer::Wrong;
     };
-    Settle("executing job", ask,
-           [&] { return fmt::format("{} line {} at {}", data.name, data.line, data.speedOverride); });
+    AskUntilRight("executing job", ask,
+                  [&] { return fmt::format("{} line {} at {}", data.name, data.line, data.speedOverride); });
 
     std::vector<std::string> stack;
     auto const askStack = [&] {
         auto const status = Done(Family::Job, robot_.Job->GetJobStack(TesselTaskNumber::Master, stack));
-        if (!session_.isExtended) {
+        if (!connection_.isExtended) {
             bool const isTooOld = status.StatusCode == static_cast<int>(ErrorStatusCodes::UnsupportedOnThisController);
             return isTooOld ? Answer::Right : Answer::Wrong;
         }
@@ -339,7 +339,7 @@ void MachineWorker::CheckJobPlace() {
         bool const isRight = stack.size() == 1 && stack[0] == name + '\0';
         return isRight ? Answer::Right : stack.size() <= 1 ? Answer::Cut : Answer::Wrong;
     };
-    Settle("job stack", askStack, [&] { return fmt::format("{} names", stack.size()); });
+    AskUntilRight("job stack", askStack, [&] { return fmt::format("{} names", stack.size()); });
 }
 
 void MachineWorker::RaiseAlarm() {
@@ -369,7 +369,7 @@ void MachineWorker::RaiseAlarm() {
     CheckHistory();
     auto const refused = Done(Family::ControlCommands, robot_.ControlCommands->SetServos(SignalStatus::On));
     if (std::ranges::find(CutRefusals, refused.StatusCode) != CutRefusals.end()) {
-        ledger_.Note(Survived::CutAnswer);
+        results_.Note(FaultEffect::CutAnswer);
     } else if (refused.StatusCode != AlarmIsActive && !IsTimeout(refused)) {
         Fail(fmt::format("servo on with an alarm gave {}", refused.StatusCode));
     }
@@ -409,7 +409,7 @@ void MachineWorker::CheckActiveAlarms(bool isExpected) {
         }
         return Answer::Right;
     };
-    Settle("active alarms", ask, [&] {
+    AskUntilRight("active alarms", ask, [&] {
         return fmt::format("{}, the first {} {} {}", alarms.numberOfAlarms, alarms.alarms[0].code,
                            alarms.alarms[0].subcode, alarms.alarms[0].name);
     });
@@ -432,8 +432,8 @@ void MachineWorker::CheckHistory() {
         }
         return Answer::Right;
     };
-    Settle("alarm history", ask,
-           [&] { return fmt::format("{}, the first {}", history.numberOfAlarms, history.alarms[0].code); });
+    AskUntilRight("alarm history", ask,
+                  [&] { return fmt::format("{}, the first {}", history.numberOfAlarms, history.alarms[0].code); });
 }
 
 } // namespace harvlink::soak

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "soak/FixedReading.h"
-#include "soak/Session.h"
+#include "soak/SharedConnection.h"
 #include "soak/Worker.h"
 
 namespace harvlink::soak {
@@ -12,7 +12,8 @@ namespace harvlink::soak {
 /// it tells of itself. Nobody else changes its state.
 class MachineWorker final : public Worker {
 public:
-    MachineWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed, Session& session);
+    MachineWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
+                  SharedConnection& connection);
 
 private:
     void Step() override;
@@ -45,7 +46,7 @@ private:
     void CheckHistory();
     Answer CompareAlarm(AlarmData const& got, bool isExpected) const;
 
-    Session& session_;
+    SharedConnection& connection_;
     QuorvanController& robot_;
     std::vector<FixedReading> readings_;
     ControllerStateData state_; ///< as it must be

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "soak/Session.h"
+#include "soak/SharedConnection.h"
 
 namespace harvlink::soak {
 
@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::uint32_t MonitorAlarm = 8015;
-constexpr auto Patience = 60s;
+constexpr auto ArrivalTimeout = 60s;
 constexpr auto StallTime = 3s; ///< longer than any pause between targets
 /// Where the arm of a fresh virtual controller stands, and how far from there it is sent.
 constexpr std::array<int, 6> HomePulses{0, 0, 0, 0, -122850, 0};
@@ -34,8 +34,8 @@ Motion RandomPoint(Random& random) {
 
 } // namespace
 
-MotionWorker::MotionWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed)
-    : Worker(std::move(name), options, ledger, seed) {}
+MotionWorker::MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed)
+    : Worker(std::move(name), options, results, seed) {}
 
 void MotionWorker::Step() {
     if (Chance(0.3)) {
@@ -48,7 +48,7 @@ void MotionWorker::Step() {
 }
 
 void MotionWorker::Visit() {
-    auto const robot = OpenWhole(options_.addresses.olderVisited, false, options_, ledger_);
+    auto const robot = OpenComplete(options_.addresses.olderVisited, false, options_, results_);
     if (robot == nullptr) {
         return;
     }
@@ -56,7 +56,7 @@ void MotionWorker::Visit() {
     ByteVariableData got;
     static_cast<void>(Done(Family::Variables, robot->Variables->byteVariable->Write({value, 0})));
     auto const ask = [&] {
-        WaitForStragglers();
+        WaitForLateReplies();
         auto const status = Done(Family::Variables, robot->Variables->byteVariable->Read(0, got));
         if (status.StatusCode != 0) {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
@@ -69,11 +69,11 @@ void MotionWorker::Visit() {
         }
         return got.value == 0 ? Answer::Cut : Answer::Wrong;
     };
-    Settle("variable of a visit", ask, [&] { return fmt::format("{} instead of {}", got.value, value); });
+    AskUntilRight("variable of a visit", ask, [&] { return fmt::format("{} instead of {}", got.value, value); });
 }
 
 void MotionWorker::Move() {
-    auto const robot = OpenWhole(options_.addresses.newerVisited, true, options_, ledger_);
+    auto const robot = OpenComplete(options_.addresses.newerVisited, true, options_, results_);
     if (robot == nullptr || !MakeReady(*robot)) {
         return;
     }
@@ -89,9 +89,9 @@ void MotionWorker::Move() {
 bool MotionWorker::MakeReady(QuorvanController& robot) {
     for (int tries = 0; tries < 20; ++tries) {
         static_cast<void>(Done(Family::Faults, robot.Faults->ClearAllFaults()));
-        WaitForStragglers();
+        WaitForLateReplies();
         static_cast<void>(Done(Family::ControlCommands, robot.ControlCommands->SetServos(SignalStatus::On)));
-        WaitForStragglers();
+        WaitForLateReplies();
         ControllerStateData state;
         if (ReadState(robot, state) && state.isServoOn && !state.isAlarming) {
             auto const status = Done(Family::MotionManager, robot.MotionManager->MotionStart());
@@ -123,7 +123,7 @@ std::size_t MotionWorker::AddPoints(QuorvanController& robot, std::size_t count,
 
 /// False if the connection is to be left: the trajectory is broken, or the run has failed.
 bool MotionWorker::RunTrajectory(QuorvanController& robot) {
-    WaitForStragglers();
+    WaitForLateReplies();
     auto const cleared = Done(Family::MotionManager, robot.MotionManager->ClearAllTrajectory());
     if (cleared.StatusCode != 0) {
         return false; // without it the count of reached targets is not known
@@ -138,12 +138,12 @@ bool MotionWorker::RunTrajectory(QuorvanController& robot) {
 }
 
 MotionWorker::Outcome MotionWorker::Broken() {
-    ledger_.Note(Survived::BrokenTrajectory);
+    results_.Note(FaultEffect::BrokenTrajectory);
     return Outcome::Broken;
 }
 
 MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::size_t count) {
-    auto const deadline = SteadyClock::now() + Patience;
+    auto const deadline = SteadyClock::now() + ArrivalTimeout;
     double before = 0.0;
     auto lastChange = SteadyClock::now();
     for (int polls = 0; SteadyClock::now() < deadline; ++polls) {
@@ -159,7 +159,7 @@ MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::
             return Broken();
         }
         if (SteadyClock::now() - lastChange > StallTime && LacksTargets(robot, before, count)) {
-            ledger_.Note(Survived::LostWrite);
+            results_.Note(FaultEffect::LostWrite);
             return Broken();
         }
         std::this_thread::sleep_for(5ms);
@@ -223,8 +223,8 @@ void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& w
                : IsCutFrom(ImageOfPosition(wanted), image) ? Answer::Cut
                                                            : Answer::Wrong;
     };
-    Settle("end of a trajectory", ask,
-           [&] { return ToHex(ImageOfPosition(got)) + " instead of " + ToHex(ImageOfPosition(wanted)); });
+    AskUntilRight("end of a trajectory", ask,
+                  [&] { return ToHex(ImageOfPosition(got)) + " instead of " + ToHex(ImageOfPosition(wanted)); });
 }
 
 /// Stops on the way: the arm comes to rest and stays.
@@ -245,7 +245,7 @@ bool MotionWorker::RunAndStop(QuorvanController& robot) {
         image = ImageOfPosition(position);
         return status;
     };
-    Agree("position after a stop", read);
+    ReadUntilAgreed("position after a stop", read);
     return Done(Family::MotionManager, robot.MotionManager->MotionStart()).StatusCode == 0;
 }
 

@@ -12,7 +12,7 @@ namespace harvlink::soak {
 /// around, with one of the newer a few trajectories, each of which must arrive or fail as documented.
 class MotionWorker final : public Worker {
 public:
-    MotionWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed);
+    MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed);
 
 private:
     enum class Outcome : std::uint8_t { Arrived, Broken, Failed };

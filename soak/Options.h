@@ -29,7 +29,7 @@ struct Options {
     std::string report;
 
     /// For the datagrams of an operation to be gone before the next one that they could be taken for.
-    std::chrono::milliseconds Settle() const { return std::chrono::milliseconds(badNetwork ? 60 : 0); }
+    std::chrono::milliseconds SettleTime() const { return std::chrono::milliseconds(badNetwork ? 60 : 0); }
 
     /// A transfer asks for an answer to every block, and where most of them fail it must be short to come through at all.
     int HighestTool() const { return badNetwork ? 1 : 63; }

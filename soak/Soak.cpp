@@ -28,12 +28,12 @@ constexpr auto HangTime = 120s;
 constexpr int HangExit = 3;
 constexpr std::size_t WarmUpRounds = 2;
 
-std::vector<ValueKind> AllKinds(Session& session, Options const& options) {
-    auto kinds = NumberKinds(*session.robot);
-    for (auto& kind : PositionKinds(*session.robot, options.HighestTool())) {
+std::vector<ValueKind> AllKinds(SharedConnection& connection, Options const& options) {
+    auto kinds = NumberKinds(*connection.robot);
+    for (auto& kind : PositionKinds(*connection.robot, options.HighestTool())) {
         kinds.push_back(std::move(kind));
     }
-    for (auto& kind : SignalKinds(*session.robot, session.isExtended)) {
+    for (auto& kind : SignalKinds(*connection.robot, connection.isExtended)) {
         kinds.push_back(std::move(kind));
     }
     return kinds;
@@ -74,7 +74,7 @@ Soak::Soak(Options const& options)
 
 bool Soak::Run() {
     StartControllers();
-    OpenSessions();
+    OpenConnections();
     MakeWorkers();
     RunRounds();
     workers_.clear();
@@ -83,7 +83,7 @@ bool Soak::Run() {
     auto const traffic = StopControllers();
     CheckBounds(traffic.at("faults"));
     WriteReport(traffic);
-    return ledger_.FailureCount() == 0;
+    return results_.FailureCount() == 0;
 }
 
 std::filesystem::path Soak::TrafficFile(std::size_t controller) const {
@@ -110,27 +110,28 @@ void Soak::StartControllers() {
     }
 }
 
-void Soak::OpenSessions() {
+void Soak::OpenConnections() {
     older_.address = options_.addresses.older;
     newer_.address = options_.addresses.newer;
     newer_.isExtended = true;
-    for (auto* const session : {&older_, &newer_}) {
-        session->robot = OpenAtLast(session->address, session->isExtended, options_, ledger_);
+    for (auto* const connection : {&older_, &newer_}) {
+        connection->robot = OpenWithRetries(connection->address, connection->isExtended, options_, results_);
     }
 }
 
 void Soak::MakeWorkers() {
     std::uint64_t seed = 0;
-    for (auto* const session : {&older_, &newer_}) {
-        std::string const suffix = session->isExtended ? " of the newer" : " of the older";
+    for (auto* const connection : {&older_, &newer_}) {
+        std::string const suffix = connection->isExtended ? " of the newer" : " of the older";
+        workers_.push_back(std::make_unique<ValuesWorker>("values" + suffix, options_, results_, ++seed,
+                                                          AllKinds(*connection, options_)));
         workers_.push_back(
-            std::make_unique<ValuesWorker>("values" + suffix, options_, ledger_, ++seed, AllKinds(*session, options_)));
-        workers_.push_back(std::make_unique<MachineWorker>("machine" + suffix, options_, ledger_, ++seed, *session));
+            std::make_unique<MachineWorker>("machine" + suffix, options_, results_, ++seed, *connection));
     }
-    workers_.push_back(std::make_unique<KinematicsWorker>("kinematics", options_, ledger_, ++seed, newer_));
-    workers_.push_back(std::make_unique<FilesWorker>("files", options_, ledger_, ++seed,
-                                                     std::vector<Session*>{&older_, &newer_}, folder_));
-    workers_.push_back(std::make_unique<MotionWorker>("motion", options_, ledger_, ++seed));
+    workers_.push_back(std::make_unique<KinematicsWorker>("kinematics", options_, results_, ++seed, newer_));
+    workers_.push_back(std::make_unique<FilesWorker>("files", options_, results_, ++seed,
+                                                     std::vector<SharedConnection*>{&older_, &newer_}, folder_));
+    workers_.push_back(std::make_unique<MotionWorker>("motion", options_, results_, ++seed));
 }
 
 void Soak::RunRounds() {
@@ -180,7 +181,7 @@ void Soak::Watch(SteadyClock::time_point end) {
     while (SteadyClock::now() < end) {
         std::this_thread::sleep_until(std::min(end, SteadyClock::now() + 500ms));
         for (auto const& worker : workers_) {
-            if (SteadyClock::now() - worker->LastSign() > HangTime) {
+            if (SteadyClock::now() - worker->LastProgress() > HangTime) {
                 fmt::print(stderr, "FAILED: {} hangs\n", worker->Name());
                 std::_Exit(HangExit);
             }
@@ -196,8 +197,8 @@ void Soak::PrintProgress() {
     auto const minutes = std::chrono::duration<double, std::ratio<60>>(SteadyClock::now() - start_).count();
     fmt::print(
         "{:5.1f} min: {} operations, {} without an answer, {} cut answers, {} file bytes compared, {} failures\n",
-        minutes, ledger_.Operations(), ledger_.Count(Survived::NoAnswer), ledger_.Count(Survived::CutAnswer),
-        ledger_.FileBytes(), ledger_.FailureCount());
+        minutes, results_.Operations(), results_.Count(FaultEffect::NoAnswer), results_.Count(FaultEffect::CutAnswer),
+        results_.FileBytes(), results_.FailureCount());
     std::fflush(stdout);
 }
 
@@ -217,7 +218,7 @@ void Soak::CompareFigures(std::vector<ProcessFigures> const& now) {
     after_ = now;
     for (std::size_t i = 0; i < now.size(); ++i) {
         if (auto const growth = Growth(before_[i], now[i]); !growth.empty()) {
-            ledger_.Fail(growth);
+            results_.Fail(growth);
         }
     }
 }
@@ -227,7 +228,7 @@ nlohmann::json Soak::StopControllers() {
     nlohmann::json total{{"requests", 0}, {"faults", nlohmann::json::object()}};
     for (std::size_t i = 0; i < simulators_.size(); ++i) {
         if (!simulators_[i]->Stop()) {
-            ledger_.Fail(fmt::format("harvlink-sim on {} did not end well", controllers_[i].address));
+            results_.Fail(fmt::format("harvlink-sim on {} did not end well", controllers_[i].address));
             continue;
         }
         auto const report = nlohmann::json::parse(std::ifstream(TrafficFile(i)));
@@ -251,13 +252,13 @@ void Soak::CheckBounds(nlohmann::json const& faults) {
     double const likely = onIdZero + 6.0 * std::sqrt(onIdZero) + 6.0;
     // A cut answer may be seen in up to three comparisons.
     double const mostCut = 3.0 * (count("truncate") + likely);
-    if (static_cast<double>(ledger_.Count(Survived::CutAnswer)) > mostCut) {
-        ledger_.Fail(
-            fmt::format("{} cut answers, of which faults explain {}", ledger_.Count(Survived::CutAnswer), mostCut));
+    if (static_cast<double>(results_.Count(FaultEffect::CutAnswer)) > mostCut) {
+        results_.Fail(
+            fmt::format("{} cut answers, of which faults explain {}", results_.Count(FaultEffect::CutAnswer), mostCut));
     }
-    if (static_cast<double>(ledger_.Count(Survived::LostWrite)) > likely) {
-        ledger_.Fail(
-            fmt::format("{} lost writes, of which faults explain {}", ledger_.Count(Survived::LostWrite), likely));
+    if (static_cast<double>(results_.Count(FaultEffect::LostWrite)) > likely) {
+        results_.Fail(
+            fmt::format("{} lost writes, of which faults explain {}", results_.Count(FaultEffect::LostWrite), likely));
     }
 }
 
@@ -265,12 +266,12 @@ void Soak::WriteReport(nlohmann::json const& traffic) {
     nlohmann::json operations;
     for (std::size_t i = 0; i < Families; ++i) {
         auto const family = static_cast<Family>(i);
-        operations[std::string(NameOf(family))] = ledger_.Operations(family);
+        operations[std::string(NameOf(family))] = results_.Operations(family);
     }
     nlohmann::json survived;
-    for (std::size_t i = 0; i < SurvivedKinds; ++i) {
-        auto const kind = static_cast<Survived>(i);
-        survived[std::string(NameOf(kind))] = ledger_.Count(kind);
+    for (std::size_t i = 0; i < FaultEffects; ++i) {
+        auto const kind = static_cast<FaultEffect>(i);
+        survived[std::string(NameOf(kind))] = results_.Count(kind);
     }
     auto const minutes = std::chrono::duration<double, std::ratio<60>>(SteadyClock::now() - start_).count();
     report_ = {{"minutesAsked", options_.minutes},
@@ -279,14 +280,14 @@ void Soak::WriteReport(nlohmann::json const& traffic) {
                {"workers", workers_.size()},
                {"network", options_.badNetwork ? "bad" : "good"},
                {"exchanges", traffic.at("requests")},
-               {"operations", ledger_.Operations()},
+               {"operations", results_.Operations()},
                {"operationsByInterface", operations},
                {"faultsInjected", traffic.at("faults")},
                {"faultsSurvived", survived},
-               {"fileBytesCompared", ledger_.FileBytes()},
+               {"fileBytesCompared", results_.FileBytes()},
                {"before", ToJson(before_)},
                {"after", ToJson(after_)},
-               {"failures", ledger_.Failures()}};
+               {"failures", results_.Failures()}};
 }
 
 } // namespace harvlink::soak

@@ -6,10 +6,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "soak/Ledger.h"
 #include "soak/Options.h"
 #include "soak/ProcessFigures.h"
-#include "soak/Session.h"
+#include "soak/Results.h"
+#include "soak/SharedConnection.h"
 #include "soak/SimulatorProcess.h"
 #include "soak/Worker.h"
 
@@ -35,7 +35,7 @@ private:
     };
 
     void StartControllers();
-    void OpenSessions();
+    void OpenConnections();
     void MakeWorkers();
     void RunRounds();
     void RunRound(SteadyClock::duration duration);
@@ -49,12 +49,12 @@ private:
     std::filesystem::path TrafficFile(std::size_t controller) const;
 
     Options options_;
-    Ledger ledger_;
+    Results results_;
     std::filesystem::path folder_;
     std::vector<Controller> controllers_;
     std::vector<std::unique_ptr<SimulatorProcess>> simulators_;
-    Session older_;
-    Session newer_;
+    SharedConnection older_;
+    SharedConnection newer_;
     std::vector<std::unique_ptr<Worker>> workers_;
     SteadyClock::time_point start_;
     SteadyClock::time_point nextProgress_;

@@ -33,9 +33,9 @@ bool IsCut(ValueKind const& kind, WireImage const& whole, WireImage const& got) 
 
 } // namespace
 
-ValuesWorker::ValuesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
+ValuesWorker::ValuesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
                            std::vector<ValueKind> kinds)
-    : Worker(std::move(name), options, ledger, seed), kinds_(std::move(kinds)) {
+    : Worker(std::move(name), options, results, seed), kinds_(std::move(kinds)) {
     for (auto const& kind : kinds_) {
         cells_.emplace_back(kind.count, Cell{WireImage(kind.size, 0), {}});
     }
@@ -46,7 +46,7 @@ void ValuesWorker::Step() {
     auto const& kind = kinds_[number];
     auto const index = static_cast<unsigned>(Draw(0, kind.count - 1));
     auto& cell = cells_[number][index];
-    bool const isSettled = SteadyClock::now() - cell.written >= options_.Settle();
+    bool const isSettled = SteadyClock::now() - cell.written >= options_.SettleTime();
     if (isSettled && Chance(0.5)) {
         Write(kind, index, cell);
     } else {
@@ -82,14 +82,14 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
             return isAgreed ? Answer::Right : Answer::Missing;
         }
         if (kind.isReadAndWritten && isAgreed && IsCut(kind, possible, got)) {
-            ledger_.Note(Survived::CutAnswer);
+            results_.Note(FaultEffect::CutAnswer);
             return Answer::Right; // the answer that was cut is the one that the write began with
         }
         // Once, the value from before may also be an empty answer.
         auto const reason = Compare(kind, before, possible, got);
         return reason == Answer::LostWrite && alike == 1 ? Answer::Cut : reason;
     };
-    Settle(what, ask, [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(wanted)); });
+    AskUntilRight(what, ask, [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(wanted)); });
 }
 
 void ValuesWorker::Check(ValueKind const& kind, unsigned index, Cell const& cell) {
@@ -101,8 +101,8 @@ void ValuesWorker::Check(ValueKind const& kind, unsigned index, Cell const& cell
         }
         return IsCut(kind, cell.value, got) ? Answer::Cut : Answer::Wrong;
     };
-    Settle(fmt::format("read of {} {}", kind.name, index), ask,
-           [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(cell.value)); });
+    AskUntilRight(fmt::format("read of {} {}", kind.name, index), ask,
+                  [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(cell.value)); });
 }
 
 /// Right if something was read, whatever it is.

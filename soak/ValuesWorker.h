@@ -10,7 +10,7 @@ namespace harvlink::soak {
 /// Writes variables, signals and registers of all kinds, and reads back what it or an earlier step wrote.
 class ValuesWorker final : public Worker {
 public:
-    ValuesWorker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed,
+    ValuesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
                  std::vector<ValueKind> kinds);
 
 private:

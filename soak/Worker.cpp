@@ -8,16 +8,16 @@ namespace harvlink::soak {
 
 namespace {
 
-constexpr int MostTries = 30;
-constexpr int MostCuts = 5;
+constexpr int MaxTries = 30;
+constexpr int MaxCuts = 5;
 
 } // namespace
 
-Worker::Worker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed)
-    : options_(options), ledger_(ledger), random_(options.seed * 1000 + seed), name_(std::move(name)) {}
+Worker::Worker(std::string name, Options const& options, Results& results, std::uint64_t seed)
+    : options_(options), results_(results), random_(options.seed * 1000 + seed), name_(std::move(name)) {}
 
 void Worker::Run(std::stop_token const& stop) {
-    lastSign_ = SteadyClock::now();
+    lastProgress_ = SteadyClock::now();
     next_ = SteadyClock::now();
     while (!stop.stop_requested()) {
         Step();
@@ -25,8 +25,8 @@ void Worker::Run(std::stop_token const& stop) {
 }
 
 StatusInfo Worker::Done(Family family, StatusInfo status) {
-    ledger_.Note(family, status);
-    lastSign_ = SteadyClock::now();
+    results_.Note(family, status);
+    lastProgress_ = SteadyClock::now();
     if (options_.rate > 0.0) {
         std::this_thread::sleep_until(next_);
         auto const period = std::chrono::duration<double>(WorkerCount / options_.rate);
@@ -36,21 +36,21 @@ StatusInfo Worker::Done(Family family, StatusInfo status) {
     return status;
 }
 
-bool Worker::Settle(std::string const& what, std::function<Answer()> const& ask,
-                    std::function<std::string()> const& describe) {
+bool Worker::AskUntilRight(std::string const& what, std::function<Answer()> const& ask,
+                           std::function<std::string()> const& describe) {
     int cuts = 0;
-    for (int tries = 0; tries < MostTries; ++tries) {
+    for (int tries = 0; tries < MaxTries; ++tries) {
         switch (ask()) {
         case Answer::Right:
             return true;
         case Answer::LostWrite:
-            ledger_.Note(Survived::LostWrite);
+            results_.Note(FaultEffect::LostWrite);
             return true;
         case Answer::Missing:
             continue;
         case Answer::Cut:
-            ledger_.Note(Survived::CutAnswer);
-            if (++cuts <= MostCuts) {
+            results_.Note(FaultEffect::CutAnswer);
+            if (++cuts <= MaxCuts) {
                 continue;
             }
             [[fallthrough]];
@@ -59,11 +59,12 @@ bool Worker::Settle(std::string const& what, std::function<Answer()> const& ask,
             return false;
         }
     }
-    Fail(fmt::format("{}: no answer in {} tries", what, MostTries));
+    Fail(fmt::format("{}: no answer in {} tries", what, MaxTries));
     return false;
 }
 
-WireImage Worker::Agree(std::string const& what, std::function<StatusInfo(WireImage&)> const& read, bool isComputed) {
+WireImage Worker::ReadUntilAgreed(std::string const& what, std::function<StatusInfo(WireImage&)> const& read,
+                                  bool isComputed) {
     WireImage last;
     WireImage got;
     std::string refusal;
@@ -84,7 +85,7 @@ WireImage Worker::Agree(std::string const& what, std::function<StatusInfo(WireIm
         alike = 1;
         return isComputed || IsCutFrom(last, got) || IsCutFrom(got, last) ? Answer::Cut : Answer::Wrong;
     };
-    bool const isAgreed = Settle(what, ask, [&] { return ToHex(got) + " and then " + ToHex(last) + refusal; });
+    bool const isAgreed = AskUntilRight(what, ask, [&] { return ToHex(got) + " and then " + ToHex(last) + refusal; });
     return isAgreed ? last : WireImage();
 }
 
@@ -97,11 +98,11 @@ bool Worker::IsSent(std::string const& what, StatusInfo const& status) {
 }
 
 void Worker::Fail(std::string const& what) {
-    ledger_.Fail(fmt::format("{}: {}", name_, what));
+    results_.Fail(fmt::format("{}: {}", name_, what));
 }
 
-void Worker::WaitForStragglers() const {
-    std::this_thread::sleep_for(options_.Settle());
+void Worker::WaitForLateReplies() const {
+    std::this_thread::sleep_for(options_.SettleTime());
 }
 
 std::uint64_t Worker::Draw(std::uint64_t lowest, std::uint64_t highest) {

@@ -9,8 +9,8 @@
 #include <stop_token>
 #include <string>
 
-#include "soak/Ledger.h"
 #include "soak/Options.h"
+#include "soak/Results.h"
 #include "soak/WireImage.h"
 
 namespace harvlink::soak {
@@ -25,7 +25,7 @@ enum class Answer : std::uint8_t { Right, Cut, LostWrite, Missing, Wrong };
 /// round: the controllers do too.
 class Worker {
 public:
-    Worker(std::string name, Options const& options, Ledger& ledger, std::uint64_t seed);
+    Worker(std::string name, Options const& options, Results& results, std::uint64_t seed);
     Worker(Worker const&) = delete;
     Worker& operator=(Worker const&) = delete;
     virtual ~Worker() = default;
@@ -39,7 +39,7 @@ public:
     virtual std::size_t KeptBytes() const { return 0; }
 
     /// When it last got an operation done.
-    SteadyClock::time_point LastSign() const { return lastSign_; }
+    SteadyClock::time_point LastProgress() const { return lastProgress_; }
 
 protected:
     virtual void Step() = 0;
@@ -49,14 +49,14 @@ protected:
 
     /// Asks until the answer is right, over missing and cut ones. False, and the run has failed, if it is wrong or never
     /// comes; `describe` tells what came.
-    bool Settle(std::string const& what, std::function<Answer()> const& ask,
-                std::function<std::string()> const& describe);
+    bool AskUntilRight(std::string const& what, std::function<Answer()> const& ask,
+                       std::function<std::string()> const& describe);
 
     /// Asks until as many answers in a row agree as chance hardly cuts alike. Nothing is known of the right one beforehand,
     /// so one of two different answers must be a cut form of the other, unless `isComputed` from an answer in between.
     /// Empty on failure.
-    WireImage Agree(std::string const& what, std::function<StatusInfo(WireImage&)> const& read,
-                    bool isComputed = false);
+    WireImage ReadUntilAgreed(std::string const& what, std::function<StatusInfo(WireImage&)> const& read,
+                              bool isComputed = false);
 
     /// Whether a command got through, as far as its status tells: done, or without an answer.
     bool IsSent(std::string const& what, StatusInfo const& status);
@@ -65,17 +65,17 @@ protected:
     static constexpr int EnoughAlike = 3;
 
     void Fail(std::string const& what);
-    void WaitForStragglers() const;
+    void WaitForLateReplies() const;
     std::uint64_t Draw(std::uint64_t lowest, std::uint64_t highest);
     bool Chance(double share) { return std::uniform_real_distribution<>(0.0, 1.0)(random_) < share; }
 
     Options const& options_;
-    Ledger& ledger_;
+    Results& results_;
     Random random_;
 
 private:
     std::string name_;
-    std::atomic<SteadyClock::time_point> lastSign_ = SteadyClock::now();
+    std::atomic<SteadyClock::time_point> lastProgress_ = SteadyClock::now();
     SteadyClock::time_point next_ = SteadyClock::now();
 };
 

@@ -7,7 +7,7 @@
 namespace harvlink::simulator {
 namespace {
 
-// An angle that was computed and one that was given must fall on the same side of a border.
+// A computed angle and a given one must fall on the same side of a limit.
 constexpr double Rounding = 1e-9;
 
 bool IsBeyond180(double degrees) {

@@ -6,8 +6,8 @@
 
 namespace harvlink::simulator {
 
-/// Which of the arm's postures with the same pose is meant. All false is the natural one: the wrist in front of the S
-/// axis, the elbow bent down, the wrist not turned over.
+/// Selects one of the postures of the arm that have the same pose. All false is the normal one: the wrist in front of
+/// the S axis, the elbow bent down, the wrist not turned over.
 struct ArmFigure {
     bool back = false; ///< the wrist centre lies behind the S axis
     bool lower = false; ///< the forearm is lifted beyond the line of the upper arm
@@ -25,7 +25,8 @@ struct ArmFigure {
 
 ArmFigure FigureOf(ArmGeometry const& arm, ArmAngles const& angles);
 
-/// Into -180 (excluded) to 180 (included), an angle that rounding has put next to -180 to 180. 0 for what is not finite.
+/// Brings an angle into -180 (excluded) to 180 (included). An angle that rounding has put next to -180 becomes 180. 0
+/// if the angle is not finite.
 double PrincipalAngle(double degrees);
 
 /// Whether the wrist is flipped with this R.

@@ -14,7 +14,7 @@ struct AxisLimits {
     double lowest = 0.0;
     double highest = 0.0;
 
-    /// Allows for the rounding of a value that stands on the limit. False for what is not a number.
+    /// Allows for rounding at the limit. False for NaN.
     bool Contains(double value) const { return value >= lowest - 1e-9 && value <= highest + 1e-9; }
 };
 
@@ -47,7 +47,7 @@ struct ArmGeometry {
 
 inline constexpr ArmGeometry StandardArm{};
 
-/// Where a new arm stands: away from every singularity, the flange looking down.
+/// The position of a new arm: away from every singularity, the flange pointing down.
 inline constexpr ArmAngles HomeAngles{0.0, 0.0, 0.0, 0.0, -90.0, 0.0};
 
 bool WithinLimits(ArmGeometry const& arm, ArmAngles const& angles);

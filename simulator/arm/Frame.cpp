@@ -74,7 +74,7 @@ Vector3 operator*(Rotation const& rotation, Vector3 const& vector) {
 
 namespace {
 
-/// The axis out of the symmetric part of the matrix, which keeps its digits up to 180 degrees.
+/// Takes the axis from the symmetric part of the matrix, which stays precise up to 180 degrees.
 Vector3 AxisOfLargeTurn(Rotation const& r, double cosine, Vector3 const& skew) {
     int largest = r(0, 0) > r(1, 1) ? 0 : 1;
     largest = r(2, 2) > r(largest, largest) ? 2 : largest;

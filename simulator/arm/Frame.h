@@ -40,10 +40,10 @@ struct AxisAndAngle {
     double degrees = 0.0; ///< 0 to 180
 };
 
-/// The one turn that makes up a rotation.
+/// The single turn that is equal to a rotation.
 AxisAndAngle ToAxisAndAngle(Rotation const& rotation);
 
-/// A rigid frame. The controller has its own arithmetic, apart from that of the library which it helps to test.
+/// A rigid frame. The virtual controller doesn't use the frame functions of the library, because it helps to test them.
 struct Frame {
     Rotation rotation{};
     Vector3 position{};
@@ -62,7 +62,7 @@ using Pose = std::array<double, 6>;
 
 Frame FrameOfPose(Pose const& pose);
 
-/// In the gimbal position, where only the sum of two angles is determined, Rz is 0.
+/// In gimbal lock, where only the sum of two angles is determined, Rz is 0.
 Pose PoseOfFrame(Frame const& frame);
 
 inline constexpr double RadiansPerDegree = 0.017453292519943295;

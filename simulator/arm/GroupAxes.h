@@ -11,10 +11,10 @@ namespace harvlink::simulator {
 
 inline constexpr std::size_t MaxAxes = 8;
 
-/// One value per axis of a group: millimetres of a linear axis, degrees of any other; 0 for an axis that isn't there.
+/// One value per axis of a group: millimetres for linear axes, degrees for others, 0 for missing axes.
 using AxisValues = std::array<double, MaxAxes>;
 
-/// What the axes of a control group are.
+/// The properties of the axes of a control group.
 ///
 /// | group | axes | unit | pulses per unit | limits | full speed |
 /// |---|---|---|---|---|---|
@@ -35,7 +35,7 @@ struct GroupAxes {
     AxisValues FromPulses(WireAxes const& pulses) const;
     WireAxes ToPulses(AxisValues const& values) const;
 
-    /// With 0 for the axes that aren't there.
+    /// Missing axes are 0.
     AxisValues FromWire(WireAxes const& wire, AxisScaling const& scaling) const;
 };
 

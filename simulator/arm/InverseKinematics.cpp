@@ -17,10 +17,10 @@ constexpr std::size_t R = 3;
 constexpr std::size_t B = 4;
 constexpr std::size_t T = 5;
 
-// Below this sine of B (half of the angle that the wire resolves) R and T turn about the same line.
+// Below this sine of B (half of the angular resolution of the protocol) R and T turn about the same line.
 constexpr double WristSingularity = 1e-6;
 constexpr double ShoulderSingularity = 1e-6; // mm
-// Other postures are looked at only when the present one has to turn an axis further than this.
+// Other postures are tried only if the present one would turn an axis further than this, in degrees.
 constexpr double SurelyNearest = 5.0;
 
 double Atan2Degrees(double y, double x) {
@@ -75,7 +75,7 @@ void SolveWrist(Rotation const& hand, bool noFlip, double referenceR, ArmAngles&
     angles[T] = PrincipalAngle(turnedOver ? t + 180.0 : t);
 }
 
-/// The posture without a look at turns beyond 180 degrees and at limits.
+/// The angles of the posture, without regard to turns beyond 180 degrees and to limits.
 std::optional<ArmAngles> Solve(ArmGeometry const& arm, Frame const& flange, ArmFigure const& figure,
                                ArmAngles const& reference) {
     Vector3 const wrist = flange.position - arm.hand * flange.rotation.Column(2);
@@ -95,7 +95,7 @@ double Beyond180(double angle) {
     return angle > 0.0 ? angle - 360.0 : angle + 360.0;
 }
 
-/// The turn within the limits that comes nearest to `reference`.
+/// Of the two turns within the limits, the one nearest to `reference`.
 double NearestTurn(double angle, AxisLimits const& limits, double reference) {
     double const other = Beyond180(angle);
     return limits.Contains(other) && std::abs(other - reference) < std::abs(angle - reference) ? other : angle;

@@ -7,16 +7,15 @@
 #include "simulator/arm/Frame.h"
 #include "simulator/arm/GroupAxes.h"
 #include "simulator/model/ControlGroups.h"
-#include "simulator/model/Frames.h"
+#include "simulator/model/TaughtFrames.h"
 
 namespace harvlink::simulator {
 
-/// Where the axes of all groups are at one moment, in the order of the controller's groups: now, or at the end of what is
-/// planned.
-using Stance = std::vector<AxisValues>;
+/// The axis positions of all groups, in the order of the controller's groups: present or planned ones.
+using GroupPositions = std::vector<AxisValues>;
 
-/// What a pose refers to. Base coordinates stand still; the robot's own travel with the base axes that carry it; user
-/// coordinates are frames in base coordinates.
+/// The coordinate system of a pose. Base coordinates are fixed; robot coordinates move with the base axes that carry
+/// the robot; user coordinates are frames in base coordinates.
 struct CoordinateSystem {
     enum class Kind { Base, Robot, User };
     Kind kind = Kind::Base;
@@ -25,7 +24,7 @@ struct CoordinateSystem {
     static constexpr CoordinateSystem User(std::int64_t number) { return {Kind::User, number}; }
 };
 
-/// A robot's position in a coordinate system: the pose of its tool, the turns of its 7th and 8th axis, the posture.
+/// A robot's position in a coordinate system: the pose of its tool, the angles of its 7th and 8th axis, its posture.
 struct CartesianPosition {
     Pose pose{};
     std::array<double, 2> externalAngles{};
@@ -34,32 +33,34 @@ struct CartesianPosition {
     WireAxes ToWire() const; ///< 0.001 mm and 0.0001 degree
 };
 
-/// The arms, axes and frames of a controller, and the way between them. Keeps no position: they are handed in.
+/// The arms, axes and frames of a controller, and the conversions between them. Has no positions of its own; the caller
+/// passes them.
 class Workcell {
 public:
-    Workcell(ControlGroups const& groups, Frames const& frames);
+    Workcell(ControlGroups const& groups, TaughtFrames const& frames);
 
     GroupAxes const& Axes(ControlGroup const& group) const { return axes_[Index(group)]; }
     std::size_t Index(ControlGroup const& group) const;
 
     /// All arms at home, all other axes at 0.
-    Stance Home() const;
+    GroupPositions Home() const;
 
     bool HasTool(std::int64_t number) const;
     bool HasUser(std::int64_t number) const; ///< whether the user coordinate is taught
 
-    /// From the flange to the tool's tip; the flange itself for a number that doesn't exist.
+    /// The tool tip in flange coordinates; the flange itself if the tool doesn't exist.
     Frame Tool(std::int64_t number) const;
 
-    /// The coordinate system, which exists, as seen from a robot.
-    Frame SystemFromRobot(ControlGroup const& robot, CoordinateSystem const& system, Stance const& stance) const;
+    /// The coordinate system in robot coordinates. It must exist.
+    Frame SystemFromRobot(ControlGroup const& robot, CoordinateSystem const& system,
+                          GroupPositions const& positions) const;
 
     CartesianPosition PositionOf(ControlGroup const& robot, AxisValues const& values, CoordinateSystem const& system,
-                                 std::int64_t tool, Stance const& stance) const;
+                                 std::int64_t tool, GroupPositions const& positions) const;
 
 private:
     ControlGroups const& groups_;
-    Frames const& frames_;
+    TaughtFrames const& frames_;
     std::vector<GroupAxes> axes_;
 };
 

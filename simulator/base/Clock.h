@@ -5,8 +5,8 @@
 
 namespace harvlink::simulator {
 
-/// Time since a controller was switched on. Runs with the computer's monotonic clock times a scale, or stands still
-/// until it is advanced by hand.
+/// The time since a controller was switched on. It follows the computer's monotonic clock, multiplied by a scale, or
+/// moves only by Advance.
 class Clock {
 public:
     using Duration = std::chrono::nanoseconds;

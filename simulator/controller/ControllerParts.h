@@ -9,8 +9,8 @@
 
 namespace harvlink::simulator {
 
-/// A whole controller without the network: what it remembers, and what works on it. The handlers translate datagrams into
-/// calls of these parts.
+/// A whole controller without the network: its model, and the parts that work on it. The handlers translate datagrams
+/// into calls of these parts.
 struct ControllerParts {
     ControllerParts(ControllerOptions const& options, Clock const& clock);
 
@@ -19,11 +19,11 @@ struct ControllerParts {
     JobEngine jobs;
     MotionEngine motion;
 
-    /// Whether Tick has anything to do. The server asks after every datagram.
+    /// Whether Tick has anything to do. The server checks it after every datagram.
     bool NeedsTicks() const { return jobs.NeedsTicks() || motion.NeedsTicks(); }
 
-    /// Lets jobs and motion advance to the clock's time. Called about every millisecond while NeedsTicks, and before
-    /// every datagram.
+    /// Advances jobs and motion to the clock's time. While NeedsTicks is true, called about every millisecond and
+    /// before every datagram.
     void Tick();
 };
 

@@ -11,14 +11,14 @@
 
 namespace harvlink::simulator {
 
-/// Finds the handler of a request, after refusing what no handler needs to see.
+/// Refuses requests that no handler needs to see, and passes the others to their handlers.
 class Dispatcher {
 public:
     explicit Dispatcher(ControllerParts& parts);
 
     void Handle(Request const& request, Reply& reply);
 
-    /// Forgets open file transfers, as a controller that is restarted does.
+    /// Drops open file transfers, as a restart does.
     void ForgetTransfers();
 
 private:

@@ -22,7 +22,7 @@ VirtualController::VirtualController(std::string address, ControllerOptions cons
 void VirtualController::Advance(Clock::Duration step) {
     ChangeNotice const notice{*this};
     std::scoped_lock const lock(mutex_);
-    ActivityNote const note{*this};
+    ActiveUpdate const update{*this};
     constexpr Clock::Duration Stride = std::chrono::milliseconds(1);
     while (step > Clock::Duration{0}) {
         auto const stride = parts_.NeedsTicks() ? std::min(step, Stride) : step;
@@ -49,36 +49,36 @@ Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::spa
     if (parts_.NeedsTicks()) {
         parts_.Tick();
     }
-    faults_.NoteHeard(request_);
+    faults_.NoteClient(request_);
     if (faults_.IsActive()) {
         AnswerWithFaults(reply);
     } else {
         dispatcher_.Handle(request_, reply);
     }
-    NoteActivity();
+    UpdateActive();
     ++traffic_.requests;
     traffic_.refused += reply.IsRefused() ? 1 : 0;
     return &request_;
 }
 
 void VirtualController::AnswerWithFaults(Reply& reply) {
-    using Verdict = FaultInjector::Verdict;
+    using Decision = FaultInjector::Decision;
     auto const now = clock_.Now();
-    auto const verdict = faults_.Judge(request_, now);
-    if (verdict == Verdict::CarryOut) {
+    auto const decision = faults_.Decide(request_, now);
+    if (decision == Decision::CarryOut) {
         dispatcher_.Handle(request_, reply);
     } else {
         reply.Begin(request_);
         reply.Refuse(faults_.RefusalCode());
     }
-    if (verdict == Verdict::Restart) {
+    if (decision == Decision::Restart) {
         parts_.model.SetServo(false);
         dispatcher_.ForgetTransfers();
     }
-    if (verdict == Verdict::CarryOut || verdict == Verdict::Refuse) {
-        faults_.Spoil(request_, reply, now);
+    if (decision == Decision::CarryOut || decision == Decision::Refuse) {
+        faults_.ApplyToReply(request_, reply, now);
     }
-    // All that goes out now goes by way of the injector.
+    // The injector sends the reply.
     reply.Suppress();
 }
 
@@ -97,14 +97,14 @@ bool VirtualController::Tick() {
     if (parts_.NeedsTicks()) {
         parts_.Tick();
     }
-    NoteActivity();
+    UpdateActive();
     return active_;
 }
 
 std::vector<Delivery> VirtualController::TakeDeliveries() {
     std::scoped_lock const lock(mutex_);
     auto due = faults_.TakeDue(clock_.Now());
-    NoteActivity();
+    UpdateActive();
     return due;
 }
 

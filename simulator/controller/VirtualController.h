@@ -17,22 +17,22 @@
 
 namespace harvlink::simulator {
 
-/// What a controller counted since it was made.
+/// The counters of a controller since it was created.
 struct TrafficCounts {
     std::uint64_t requests = 0; ///< datagrams of this protocol
-    std::uint64_t refused = 0; ///< of these, how many got an error code
-    std::uint64_t ignored = 0; ///< datagrams that are not of this protocol: nobody answers them
+    std::uint64_t refused = 0; ///< requests that were answered with an error code
+    std::uint64_t ignored = 0; ///< datagrams of another protocol, which are not answered
 };
 
-/// One controller: its model, its clock, and the road from a datagram to an answer. Sockets are the server's.
+/// One controller: its parts, its clock, and the way from a datagram to an answer. The server has the sockets.
 class VirtualController {
 public:
     VirtualController(std::string address, ControllerOptions const& options);
 
     std::string const& Address() const { return address_; }
 
-    /// Calls `function` with the model, locked against the server, and returns what it returns. What changed takes effect
-    /// at once, running jobs and motion included.
+    /// Calls `function` with the model, locked against the server, and returns its result. Changes take effect at once,
+    /// also for running jobs and motion.
     template <typename Function>
     decltype(auto) With(Function&& function) {
         return WithParts(
@@ -44,7 +44,7 @@ public:
     decltype(auto) WithParts(Function&& function) {
         ChangeNotice const notice{*this};
         std::scoped_lock const lock(mutex_);
-        ActivityNote const note{*this};
+        ActiveUpdate const update{*this};
         return std::forward<Function>(function)(parts_);
     }
 
@@ -55,32 +55,32 @@ public:
         return std::forward<Function>(function)(faults_);
     }
 
-    /// Moves the clock forward by hand, in steps of a millisecond, and lets jobs and motion follow.
+    /// Advances the clock in steps of a millisecond, and jobs and motion with it.
     void Advance(Clock::Duration step);
 
     TrafficCounts Traffic();
 
-    /// Called from any thread after With, when there may be something to tick. The server sets it.
+    /// The server sets it. Called after With, from any thread, because Tick may be needed then.
     void SetChangeListener(std::function<void()> listener) { changed_ = std::move(listener); }
 
-    /// Answers one datagram into `reply`. Null if it is not of this protocol and must stay unanswered; otherwise the
-    /// request, which is valid until the next call.
+    /// Answers one datagram into `reply`. Returns the request, which is valid until the next call. Null if the datagram
+    /// is not of this protocol; it must not be answered.
     Request const* Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram, Reply& reply);
 
     /// Lets jobs and motion advance. Returns whether Tick or TakeDeliveries are needed again.
     bool Tick();
 
-    /// What is due to go out besides the replies of Handle: only faults send such.
+    /// The datagrams to be sent besides the replies of Handle. Only faults cause them.
     std::vector<Delivery> TakeDeliveries();
 
-    /// Whether Tick and TakeDeliveries are needed, as of the last datagram or change. May be asked from any thread.
+    /// Whether Tick and TakeDeliveries are needed, as of the last datagram or change. May be called from any thread.
     bool IsActive() const { return active_; }
 
 private:
-    /// Both act when they go out of scope: the note still under the lock, the notice after it.
-    struct ActivityNote {
+    /// Both act when they go out of scope: the update under the lock, the notice after it.
+    struct ActiveUpdate {
         VirtualController& controller;
-        ~ActivityNote() { controller.NoteActivity(); }
+        ~ActiveUpdate() { controller.UpdateActive(); }
     };
     struct ChangeNotice {
         VirtualController& controller;
@@ -93,7 +93,7 @@ private:
 
     bool Parse(std::span<std::byte const> datagram);
     void AnswerWithFaults(Reply& reply);
-    void NoteActivity() { active_.store(parts_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }
+    void UpdateActive() { active_.store(parts_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }
 
     std::string address_;
     std::mutex mutex_;

@@ -9,10 +9,10 @@
 
 namespace harvlink::simulator {
 
-/// A datagram on its way out, other than straight back.
+/// A datagram to be sent other than as the direct answer to a request.
 struct Delivery {
-    /// The socket it leaves from. Stray is none that a client knows.
-    enum class Source : std::uint8_t { RobotPort, FilePort, Stray };
+    /// The socket that sends it. UnknownPort is a port that no client knows.
+    enum class Source : std::uint8_t { RobotPort, FilePort, UnknownPort };
 
     Source source = Source::RobotPort;
     std::uint64_t peer = 0; ///< Request::peer of whom it goes to

@@ -34,7 +34,7 @@ void FaultInjector::Arm(Fault fault, std::uint32_t count) {
 }
 
 void FaultInjector::UpdateActive() {
-    // Never off again once it was on: silence and the like go on after the last armed fault has happened.
+    // Stays on once it was on, because a silence continues after the last armed fault has happened.
     isActive_ = isActive_ || std::ranges::any_of(plan_.rates, [](double rate) { return rate > 0; }) ||
                 std::ranges::any_of(plan_.fileRates, [](auto const& rate) { return rate > 0.0; }) ||
                 std::ranges::any_of(armed_, [](std::uint32_t count) { return count > 0; });
@@ -54,22 +54,22 @@ std::size_t FaultInjector::Random(std::size_t lowest, std::size_t highest) {
     return std::uniform_int_distribution<std::size_t>(lowest, highest)(random_);
 }
 
-void FaultInjector::NoteHeard(Request const& request) {
-    auto& heard = heard_.at(PortIndex(request.port));
-    heard.isOnlyOne = heard.isOnlyOne && (heard.peer == 0 || heard.peer == request.peer);
-    heard.peer = request.peer;
+void FaultInjector::NoteClient(Request const& request) {
+    auto& seen = clients_.at(PortIndex(request.port));
+    seen.isOnlyOne = seen.isOnlyOne && (seen.peer == 0 || seen.peer == request.peer);
+    seen.peer = request.peer;
 }
 
-FaultInjector::Verdict FaultInjector::Judge(Request const& request, Clock::Duration now) {
+FaultInjector::Decision FaultInjector::Decide(Request const& request, Clock::Duration now) {
     if (now < silentUntil_) {
-        return Verdict::Ignore;
+        return Decision::Ignore;
     }
     if (Happens(Fault::Silence, request.port)) {
         silentUntil_ = now + plan_.silence;
-        return Verdict::Ignore;
+        return Decision::Ignore;
     }
     if (Happens(Fault::Restart, request.port)) {
-        return Verdict::Restart;
+        return Decision::Restart;
     }
     if (Happens(Fault::Refuse, request.port)) {
         refusalsLeft_ = plan_.refuseCount;
@@ -77,7 +77,7 @@ FaultInjector::Verdict FaultInjector::Judge(Request const& request, Clock::Durat
     if (refusalsLeft_ > 0) {
         --refusalsLeft_;
         refusal_ = plan_.refuseCode;
-        return Verdict::Refuse;
+        return Decision::Refuse;
     }
     bool const isTarget = request.port == Port::Robot && request.Command() == CommandNumber::MotionSendTarget;
     if (isTarget && Happens(Fault::BufferFull, request.port)) {
@@ -85,12 +85,12 @@ FaultInjector::Verdict FaultInjector::Judge(Request const& request, Clock::Durat
     }
     if (isTarget && now < bufferFullUntil_) {
         refusal_ = BufferIsFull;
-        return Verdict::Refuse;
+        return Decision::Refuse;
     }
-    return Verdict::CarryOut;
+    return Decision::CarryOut;
 }
 
-void FaultInjector::Spoil(Request const& request, Reply const& reply, Clock::Duration now) {
+void FaultInjector::ApplyToReply(Request const& request, Reply const& reply, Clock::Duration now) {
     if (reply.IsSuppressed()) {
         return;
     }
@@ -100,8 +100,8 @@ void FaultInjector::Spoil(Request const& request, Reply const& reply, Clock::Dur
     bool const isDoubled = Happens(Fault::Duplicate, request.port);
     bool const isHeldBack = Happens(Fault::Reorder, request.port);
     delivery.bytes.assign(reply.Bytes().begin(), reply.Bytes().end());
-    SpoilBytes(delivery.bytes, request.port);
-    SpoilRoute(request, delivery);
+    CorruptBytes(delivery.bytes, request.port);
+    ChangeRoute(request, delivery);
     if (isDropped) {
         return;
     }
@@ -117,7 +117,7 @@ void FaultInjector::Spoil(Request const& request, Reply const& reply, Clock::Dur
     ReleaseOvertaken(request.peer, outbox_.back().due);
 }
 
-void FaultInjector::SpoilBytes(std::vector<std::byte>& bytes, Port port) {
+void FaultInjector::CorruptBytes(std::vector<std::byte>& bytes, Port port) {
     if (Happens(Fault::WrongId, port)) {
         bytes[IdOffset] ^= static_cast<std::byte>(Random(1, IdMask));
     }
@@ -134,24 +134,24 @@ void FaultInjector::SpoilBytes(std::vector<std::byte>& bytes, Port port) {
     if (isCut) {
         bytes.resize(Random(0, bytes.size() - 1));
     }
-    // Not both: random bytes in the place of those that were cut off are damage of another kind.
+    // Never both: replacing the end by random bytes is another kind of fault.
     if (Happens(Fault::Extend, port) && !isCut) {
         std::generate_n(std::back_inserter(bytes), Random(1, 64),
                         [this] { return static_cast<std::byte>(Random(0, 255)); });
     }
 }
 
-void FaultInjector::SpoilRoute(Request const& request, Delivery& delivery) {
+void FaultInjector::ChangeRoute(Request const& request, Delivery& delivery) {
     if (Happens(Fault::OtherPort, request.port)) {
         auto const other = request.port == Port::Robot ? Port::File : Port::Robot;
         delivery.source = SourceOf(other);
-        // Which sockets belong together can be told while there is one client only.
-        auto const& heard = heard_.at(PortIndex(other));
-        bool const isKnown = heard.peer != 0 && heard.isOnlyOne && heard_.at(PortIndex(request.port)).isOnlyOne;
-        delivery.peer = isKnown ? heard.peer : delivery.peer;
+        // Only with a single client is it known which sockets belong together.
+        auto const& seen = clients_.at(PortIndex(other));
+        bool const isKnown = seen.peer != 0 && seen.isOnlyOne && clients_.at(PortIndex(request.port)).isOnlyOne;
+        delivery.peer = isKnown ? seen.peer : delivery.peer;
     }
     if (Happens(Fault::OtherSource, request.port)) {
-        delivery.source = Delivery::Source::Stray;
+        delivery.source = Delivery::Source::UnknownPort;
     }
 }
 
@@ -165,7 +165,7 @@ void FaultInjector::ReleaseOvertaken(std::uint64_t peer, Clock::Duration now) {
 
 std::vector<Delivery> FaultInjector::TakeDue(Clock::Duration now) {
     std::vector<Delivery> due;
-    // What was held back goes behind what overtook it.
+    // A held-back reply is sent after the reply that overtook it.
     for (auto* const list : {&outbox_, &heldBack_}) {
         auto const later =
             std::stable_partition(list->begin(), list->end(), [now](Delivery const& item) { return item.due <= now; });

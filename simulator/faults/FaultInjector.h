@@ -13,45 +13,45 @@
 
 namespace harvlink::simulator {
 
-/// Makes a controller and the network before it misbehave, by chance (SetPlan) or to order (Arm). Faults are drawn in the
-/// order of Fault with one number each, so that a seed repeats them.
+/// Injects faults of a controller and of its network, at random (SetPlan) or on request (Arm). Each fault takes one
+/// random number, in the order of Fault, so that the same seed gives the same faults.
 class FaultInjector {
 public:
-    /// What becomes of a request.
-    enum class Verdict : std::uint8_t { CarryOut, Ignore, Refuse, Restart };
+    /// What happens to a request.
+    enum class Decision : std::uint8_t { CarryOut, Ignore, Refuse, Restart };
 
     /// Starts the sequence of the plan's seed from its beginning.
     void SetPlan(FaultPlan const& plan);
     FaultPlan const& Plan() const { return plan_; }
 
-    /// The next `count` requests meet this fault, whatever its rate.
+    /// Injects this fault into the next `count` requests, whatever its rate is.
     void Arm(Fault fault, std::uint32_t count = 1);
 
     /// How often a fault has happened.
     std::uint64_t Happened(Fault fault) const { return happened_.at(static_cast<std::size_t>(fault)); }
 
-    /// Whether Judge and Spoil have anything to do.
+    /// Whether Decide and ApplyToReply have to be called.
     bool IsActive() const { return isActive_; }
 
-    /// Every request, whether anything goes wrong or not.
-    void NoteHeard(Request const& request);
+    /// Must be called for every request, with or without faults.
+    void NoteClient(Request const& request);
 
-    /// Before a request is carried out. With `Refuse`, RefusalCode is what to answer.
-    Verdict Judge(Request const& request, Clock::Duration now);
+    /// Called before a request is carried out. After `Refuse`, RefusalCode is the code of the answer.
+    Decision Decide(Request const& request, Clock::Duration now);
     Refusal RefusalCode() const { return refusal_; }
 
-    /// Turns a reply into what really goes out, now or later.
-    void Spoil(Request const& request, Reply const& reply, Clock::Duration now);
+    /// Queues a reply with the faults that hit it.
+    void ApplyToReply(Request const& request, Reply const& reply, Clock::Duration now);
 
-    /// Whether something is still to go out.
+    /// Whether datagrams are waiting to be sent.
     bool HasDeliveries() const { return !outbox_.empty() || !heldBack_.empty(); }
 
-    /// Hands over what is due. Nothing is due before its time, unless a reply that was held back has been overtaken.
+    /// Takes the datagrams that are due. A held-back reply is also due as soon as another one has overtaken it.
     std::vector<Delivery> TakeDue(Clock::Duration now);
 
 private:
-    /// Who was heard on a port: the last one, and whether all that was heard came from there.
-    struct Heard {
+    /// The last client on a port, and whether it is the only one so far.
+    struct ClientsSeen {
         std::uint64_t peer = 0;
         bool isOnlyOne = true;
     };
@@ -59,8 +59,8 @@ private:
     bool Happens(Fault fault, Port port);
     void UpdateActive();
     std::size_t Random(std::size_t lowest, std::size_t highest);
-    void SpoilBytes(std::vector<std::byte>& bytes, Port port);
-    void SpoilRoute(Request const& request, Delivery& delivery);
+    void CorruptBytes(std::vector<std::byte>& bytes, Port port);
+    void ChangeRoute(Request const& request, Delivery& delivery);
     void ReleaseOvertaken(std::uint64_t peer, Clock::Duration now);
 
     FaultPlan plan_;
@@ -69,7 +69,7 @@ private:
     std::array<std::uint64_t, FaultKinds> happened_{};
     std::vector<Delivery> outbox_;
     std::vector<Delivery> heldBack_;
-    std::array<Heard, 2> heard_{}; ///< on the robot port and on the file port
+    std::array<ClientsSeen, 2> clients_{}; ///< on the robot port and on the file port
     Clock::Duration silentUntil_{0};
     Clock::Duration bufferFullUntil_{0};
     std::uint32_t refusalsLeft_ = 0;

@@ -76,7 +76,7 @@ constexpr std::array<Setting, 6> Settings{{
 
 constexpr std::string_view FilePortPrefix = "file-";
 
-/// As it was written: with "%" behind it the value is a hundredth of the number.
+/// A number as written. With "%" the value is a hundredth of it.
 struct Amount {
     double number = 0;
     bool isPercent = false;

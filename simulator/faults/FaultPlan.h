@@ -14,21 +14,21 @@
 
 namespace harvlink::simulator {
 
-/// What can go wrong between a request and its answer. The first eleven concern the reply of a request that was carried
-/// out; the others keep it from being carried out.
+/// The kinds of fault. The first eleven change the reply of a request that was carried out; with the others the request
+/// is not carried out.
 enum class Fault : std::uint8_t {
     Drop,
     Delay,
     Duplicate,
-    Reorder, ///< goes out after the next reply to the same client, at the latest after ReorderLimit
+    Reorder, ///< sent after the next reply to the same client, at the latest after ReorderLimit
     Truncate, ///< to a random length, which may be shorter than a header
     Extend, ///< by 1 to 64 random bytes
     FlipBits, ///< 1 to 8 of them, anywhere
     WrongId,
     StaleId, ///< the id of the request before
-    OtherPort, ///< from the controller's other port, to the socket that the client uses with that if there is only one
-    OtherSource, ///< from a port of the controller that is none of its two
-    Silence, ///< nothing is answered from here on, for FaultPlan::silence
+    OtherPort, ///< from the controller's other port; with a single client, to the socket that it uses there
+    OtherSource, ///< from a third port of the controller
+    Silence, ///< no request is answered for FaultPlan::silence
     Refuse, ///< this and the following requests, FaultPlan::refuseCount in all
     BufferFull, ///< targets are refused with the code of a full buffer, for FaultPlan::bufferFull
     Restart, ///< servo power is lost and open file transfers are forgotten; the request is not answered
@@ -36,16 +36,16 @@ enum class Fault : std::uint8_t {
 
 inline constexpr std::size_t FaultKinds = 15;
 
-/// As FaultPlan::Set takes it.
+/// The name that FaultPlan::Set takes.
 std::string_view NameOf(Fault fault);
 
-/// How often and how much. Without a rate above 0 nothing goes wrong by itself.
+/// The rates of faults and their settings. Without a rate above 0 no fault happens at random.
 struct FaultPlan {
     static constexpr Clock::Duration ReorderLimit = std::chrono::milliseconds(100);
 
     std::uint64_t seed = 1; ///< the same seed and the same requests give the same faults
-    std::array<double, FaultKinds> rates{}; ///< by Fault: the share of requests that it hits, 0 to 1
-    std::array<std::optional<double>, FaultKinds> fileRates{}; ///< those on the file port, where they differ
+    std::array<double, FaultKinds> rates{}; ///< by Fault: the share of requests that are hit, 0 to 1
+    std::array<std::optional<double>, FaultKinds> fileRates{}; ///< rates on the file port, where they differ
     Clock::Duration delay = std::chrono::milliseconds(20);
     Clock::Duration silence = std::chrono::milliseconds(500);
     Clock::Duration bufferFull = std::chrono::milliseconds(50);
@@ -59,16 +59,16 @@ struct FaultPlan {
         return port == Port::File ? fileRates.at(index).value_or(rates.at(index)) : rates.at(index);
     }
 
-    /// Sets one value by its name: a fault in lower case with hyphens ("flip-bits") and its rate, with "file-" before it
-    /// the rate on the file port alone, or "seed", "delay-ms", "silence-ms", "buffer-full-ms", "refuse-code",
-    /// "refuse-count". Returns what is wrong, empty if nothing is.
+    /// Sets one value by its name: a fault in lower case with hyphens ("flip-bits") and its rate, with "file-" before
+    /// it the rate on the file port alone, or "seed", "delay-ms", "silence-ms", "buffer-full-ms", "refuse-code",
+    /// "refuse-count". Returns an error message, empty on success.
     std::string Set(std::string_view name, double value);
 
-    /// Reads "seed=7, drop=2%, delay=0.1, delay-ms=30". Returns what is wrong, empty if nothing is.
+    /// Reads "seed=7, drop=2%, delay=0.1, delay-ms=30". Returns an error message, empty on success.
     std::string Parse(std::string_view text);
 };
 
-/// A name that FaultPlan::Set takes, and what it means in a few words.
+/// A name that FaultPlan::Set takes, and its meaning in a few words.
 struct FaultName {
     std::string_view name;
     std::string_view meaning;

@@ -22,13 +22,13 @@ struct DirectoryCloser {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-/// Opened without waiting, so that a pipe put under a file's name can't block.
+/// O_NONBLOCK, so that a named pipe in the folder can't block.
 constexpr int ReadFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 constexpr int CreateFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
 constexpr mode_t NewFileMode = 0644;
 constexpr mode_t AnyWriteBit = 0222;
 
-/// Several controllers may serve one folder.
+/// Unique, because several controllers may serve one folder.
 std::string TemporaryName() {
     static std::atomic<unsigned> counter{0};
     return ".harvlink-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
@@ -75,7 +75,7 @@ FileFolder::FileFolder(std::filesystem::path const& path) {
 
 template <typename Visitor>
 void FileFolder::VisitFiles(Visitor&& visit) const {
-    // A second descriptor of its own: reading a folder moves its position.
+    // Uses a second descriptor, because reading a folder moves its position.
     int const descriptor = openat(folder_.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     std::unique_ptr<DIR, DirectoryCloser> const directory(descriptor < 0 ? nullptr : fdopendir(descriptor));
     if (directory == nullptr) {
@@ -106,7 +106,7 @@ std::vector<std::string> FileFolder::Names() const {
     return names;
 }
 
-/// Of spellings that differ in case only the first in byte order counts.
+/// If several spellings differ only in case, the first in byte order is used.
 std::optional<std::string> FileFolder::FindSpelling(std::string_view wanted) const {
     std::optional<std::string> found;
     VisitFiles([&](std::string const& name, char const* spelling) {
@@ -140,7 +140,7 @@ bool FileFolder::IsReplaceable(std::string const& spelling) const {
     if (fstatat(folder_.Get(), spelling.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return errno == ENOENT;
     }
-    // Renaming would replace a write-protected file as well, so its bits are asked.
+    // Renaming would also replace a write-protected file, so the permission bits are checked.
     return S_ISREG(status.st_mode) && (status.st_mode & AnyWriteBit) != 0;
 }
 

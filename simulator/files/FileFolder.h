@@ -13,12 +13,12 @@
 
 namespace harvlink::simulator {
 
-/// A folder of the user's computer as a place of files. Only regular files with the controller's extensions are seen, no
-/// matter in which case they are spelled; links are not followed, subfolders not entered. All names are names of the
-/// store (FileNameFrom). The folder is looked at anew each time, so the user may change it meanwhile.
+/// A folder of the user's computer that serves as file storage. Only regular files with the controller's extensions, in
+/// upper or lower case, are visible; links and subfolders are ignored. All names are names of the store (FileNameFrom).
+/// The folder is read on every call, so the user may change it at any time.
 class FileFolder {
 public:
-    /// An empty path is no folder at all. For one that can't be opened Error tells why.
+    /// An empty path means no folder. Error says why a folder can't be opened.
     explicit FileFolder(std::filesystem::path const& path);
 
     bool IsOpen() const { return folder_.IsOpen(); }
@@ -30,7 +30,7 @@ public:
     /// Nothing if there is no such file, it can't be read, or it is longer than `sizeLimit`.
     std::optional<std::string> Read(std::string_view name, std::size_t sizeLimit) const;
 
-    /// Replaces or makes a file, in one piece: a failure leaves the old one.
+    /// Creates or replaces a file atomically: after a failure the old file is still there.
     Refusal Write(std::string const& name, std::string_view content) const;
 
     Refusal Remove(std::string_view name) const;

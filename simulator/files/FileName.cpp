@@ -47,7 +47,7 @@ bool IsFilePattern(std::string_view pattern) {
 bool MatchesPattern(std::string_view pattern, std::string_view name) {
     std::size_t at = 0;
     std::size_t in = 0;
-    std::size_t star = std::string_view::npos; ///< the last '*' met, which takes one character more after each failure
+    std::size_t star = std::string_view::npos; ///< the last '*', which takes one more character after each mismatch
     std::size_t starIn = 0;
     while (in < name.size()) {
         if (at < pattern.size() && pattern[at] == '*') {

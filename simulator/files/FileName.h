@@ -8,20 +8,20 @@
 
 namespace harvlink::simulator {
 
-/// A name as the store keeps it: upper case, at most 32 bytes, ending in a known extension, made of letters, digits and
-/// "-_#$.+&%" only, not starting with a dot. So no name leads out of a folder. Nothing if the text can't be such a name.
+/// A file name as the store keeps it: upper case, at most 32 bytes, with a known extension, made of letters, digits and
+/// "-_#$.+&%", not starting with a dot. So no name leads out of a folder. Nothing if the text is not such a name.
 std::optional<std::string> FileNameFrom(std::string_view text);
 
 /// By extension, in any case; nothing if the controller has no such files.
 std::optional<FileType> FileTypeOf(std::string_view name);
 
-/// Whether a client may write files of this kind at all.
+/// Whether a client may write files of this kind.
 bool IsWritable(FileType type);
 
-/// Whether a pattern names files that the controller has: its extension is a known one, or has '*' or '?' in it.
+/// Whether a pattern can match files of the controller: its extension is a known one, or contains '*' or '?'.
 bool IsFilePattern(std::string_view pattern);
 
-/// '*' stands for any run of characters, '?' for any one. Both sides in upper case.
+/// '*' matches any number of characters, '?' exactly one. Both texts are in upper case.
 bool MatchesPattern(std::string_view pattern, std::string_view name);
 
 } // namespace harvlink::simulator

@@ -16,29 +16,29 @@ namespace harvlink::simulator {
 
 class ControllerModel;
 
-/// Says whether a text is the job of this name, which is a file's name without its extension.
+/// Checks that a text is a valid job with this name, which is the file's name without its extension.
 using JobTextCheck = Refusal (*)(std::string_view name, std::string_view text);
 
 /// The files on the controller, by upper-case name (FileNameFrom).
 ///
-/// Without a folder there are the generated files and the sample jobs, and all that is written stays in memory. With one
-/// (ControllerOptions::filesFolder) its files are served and updated instead; of the generated ones only the three that
-/// describe the controller remain, each until the folder has a file of its name. A file that was Put or written stands in
-/// front of a generated one.
+/// Without a folder the store has the generated files and the sample jobs, and written files stay in memory. With a
+/// folder (ControllerOptions::filesFolder) it serves and updates the files of the folder; of the generated files only
+/// the three that describe the controller remain. A file from the folder, from Put or from a client hides a generated
+/// file of the same name.
 class FileStore final : public JobSource {
 public:
     static constexpr std::size_t MaxFileSize = std::size_t{16} << 20U;
     static constexpr std::size_t MaxMemory = std::size_t{64} << 20U; ///< of all files that are kept in memory
     static constexpr std::size_t MaxFiles = 1024; ///< kept in memory
 
-    /// An empty folder is none. Allows overwriting: sets RS214 to 2.
+    /// An empty path means no folder. Sets RS214 to 2, which allows overwriting.
     FileStore(ControllerModel& model, std::filesystem::path const& folder, JobTextCheck checkJob);
 
-    /// Why the folder can't be served; empty if all is well.
+    /// Why the folder can't be served; empty if it can.
     std::string const& FolderError() const { return folder_.Error(); }
 
-    /// Puts a file in place, of any kind and whatever it says, replacing one of the same name; lone line feeds become
-    /// CR LF. Used by scene files. Never changes the folder. Refuses a bad name and what goes beyond the limits.
+    /// Stores a file of any kind and content in memory and replaces one of the same name. Single line feeds become CR
+    /// LF. Used by scenes; never changes the folder. Refuses a bad name and a file beyond the limits.
     Refusal Put(std::string_view name, std::string_view content);
 
     /// Null if there is no such file.
@@ -47,14 +47,14 @@ public:
     /// Sorted.
     std::vector<std::string> Names(std::string_view pattern) const;
 
-    /// Whether a client may load a file of this name now. Refused are kinds that can't be written, all of them outside
-    /// remote mode, existing files unless RS214 is 2, and jobs that are being executed.
+    /// Whether a client may load a file of this name now. Refused: kinds of files that can't be written, any file
+    /// outside remote mode, an existing file unless RS214 is 2, and a job that is being executed.
     Refusal CheckLoad(std::string_view name) const;
 
-    /// Takes over what a client has loaded, after checking a job's text.
+    /// Stores a file that a client has loaded. The text of a job is checked first.
     Refusal Load(std::string const& name, std::string content);
 
-    /// Deletes for a client: jobs only, in remote mode only, and none that is being executed.
+    /// Deletes a file for a client: only jobs, only in remote mode, and not while the job is executed.
     Refusal Delete(std::string_view name);
 
     FileText JobText(std::string_view name) const override;

@@ -22,7 +22,7 @@ FileServices ServiceOf(Request const& request) {
     return static_cast<FileServices>(request.subHeader.service);
 }
 
-/// The client doesn't wait for an answer to it; one that came would be taken for that of its next request.
+/// The client doesn't wait for an answer to it. It would take an answer for that of its next request.
 bool IsLastAcknowledgement(Request const& request) {
     auto const service = ServiceOf(request);
     return (service == FileServices::SaveFile || service == FileServices::ListFile) && request.payload.empty() &&
@@ -32,7 +32,7 @@ bool IsLastAcknowledgement(Request const& request) {
 } // namespace
 
 std::uint32_t OutgoingTransfer::BlockCount() const {
-    // An empty listing still is one block, which says that it is the last.
+    // An empty listing is still one block, marked as the last.
     return static_cast<std::uint32_t>(std::max<std::size_t>(1, (Size() + FileBlockSize - 1) / FileBlockSize));
 }
 
@@ -63,7 +63,7 @@ Refusal IncomingTransfer::Take(std::uint32_t number, std::string_view data, File
     }
     last_ = number;
     bool const isLast = (number & LastBlockFlag) != 0;
-    // Blocks always come whole: what fills up the last one is no part of the file.
+    // Clients always send full blocks. The zeros that fill up the last block are not part of the file.
     text_ += isLast ? WithoutTrailingZeros(data) : data;
     isComplete_ = isLast || text_.size() > FileStore::MaxFileSize;
     result_ = isComplete_ ? Finish(files) : Refusal::None;
@@ -124,7 +124,7 @@ void FileTransfers::OpenOutgoing(Request const& request, FileText text, TimePoin
 void FileTransfers::List(Request const& request, std::string_view pattern, TimePoint now, Reply& reply) {
     if (!IsFilePattern(pattern)) {
         reply.Refuse(FileRefusal::NotInFileList);
-        // A client looks at this number before the status: without the mark it would ask for more.
+        // A client reads this number before the status. Without the mark it would ask for more blocks.
         reply.SetBlockNumber(1 | LastBlockFlag);
         return;
     }
@@ -166,21 +166,21 @@ void FileTransfers::Continue(Request const& request, TimePoint now, Reply& reply
     auto const found = transfers_.find(request.peer);
     if (IsLastAcknowledgement(request)) {
         reply.Suppress();
-        if (found != transfers_.end() && std::holds_alternative<OutgoingTransfer>(found->second.road)) {
+        if (found != transfers_.end() && std::holds_alternative<OutgoingTransfer>(found->second.state)) {
             transfers_.erase(found);
         }
         return;
     }
-    auto const isAsked = [&](auto const& road) { return road.Service() == ServiceOf(request); };
-    if (found == transfers_.end() || !std::visit(isAsked, found->second.road)) {
+    auto const isAsked = [&](auto const& state) { return state.Service() == ServiceOf(request); };
+    if (found == transfers_.end() || !std::visit(isAsked, found->second.state)) {
         reply.Refuse(Refusal::AckError);
         return;
     }
-    found->second.lastHeard = now;
-    if (auto* const incoming = std::get_if<IncomingTransfer>(&found->second.road)) {
+    found->second.lastRequest = now;
+    if (auto* const incoming = std::get_if<IncomingTransfer>(&found->second.state)) {
         reply.RefuseIf(Take(*incoming, request));
     } else {
-        Acknowledge(std::get<OutgoingTransfer>(found->second.road), request, reply);
+        Acknowledge(std::get<OutgoingTransfer>(found->second.state), request, reply);
     }
 }
 
@@ -201,14 +201,14 @@ Refusal FileTransfers::Take(IncomingTransfer& transfer, Request const& request) 
 }
 
 void FileTransfers::DropSilent(TimePoint now) {
-    std::erase_if(transfers_, [now](auto const& entry) { return now - entry.second.lastHeard > Patience; });
+    std::erase_if(transfers_, [now](auto const& entry) { return now - entry.second.lastRequest > IdleLimit; });
 }
 
-void FileTransfers::Add(std::uint64_t peer, Transfer transfer) {
-    auto const size = std::visit([](auto const& road) { return road.Size(); }, transfer.road);
+void FileTransfers::Add(std::uint64_t peer, OpenTransfer transfer) {
+    auto const size = std::visit([](auto const& state) { return state.Size(); }, transfer.state);
     while (transfers_.size() >= MaxTransfers || (!transfers_.empty() && MemoryInUse() + size > MaxMemory)) {
         transfers_.erase(
-            std::ranges::min_element(transfers_, {}, [](auto const& entry) { return entry.second.lastHeard; }));
+            std::ranges::min_element(transfers_, {}, [](auto const& entry) { return entry.second.lastRequest; }));
     }
     transfers_.insert_or_assign(peer, std::move(transfer));
 }
@@ -216,7 +216,7 @@ void FileTransfers::Add(std::uint64_t peer, Transfer transfer) {
 std::size_t FileTransfers::MemoryInUse() const {
     std::size_t total = 0;
     for (auto const& [peer, transfer] : transfers_) {
-        total += std::visit([](auto const& road) { return road.Size(); }, transfer.road);
+        total += std::visit([](auto const& state) { return state.Size(); }, transfer.state);
     }
     return total;
 }

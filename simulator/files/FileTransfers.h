@@ -15,7 +15,7 @@
 
 namespace harvlink::simulator {
 
-/// A text on its way to a client: one block per acknowledgement.
+/// A text that is sent to a client, one block per acknowledgement.
 class OutgoingTransfer {
 public:
     OutgoingTransfer(FileServices service, FileText text) : service_(service), text_(std::move(text)) {}
@@ -23,7 +23,7 @@ public:
     FileServices Service() const { return service_; }
     std::size_t Size() const { return text_->size(); }
 
-    /// The block after the acknowledged one; the same once more if the one before it is acknowledged again.
+    /// Moves on to the next block. If the previous block is acknowledged again, the current one is sent again.
     Refusal Acknowledge(std::uint32_t block);
 
     /// Puts the current block into the reply.
@@ -34,10 +34,10 @@ private:
 
     FileServices service_;
     FileText text_;
-    std::uint32_t block_ = 1; ///< the one sent last
+    std::uint32_t block_ = 1; ///< the block that was sent last
 };
 
-/// A file on its way from a client: blocks numbered from 1, the last one marked.
+/// A file that comes from a client. Its blocks are numbered from 1, and the last one is marked.
 class IncomingTransfer {
 public:
     explicit IncomingTransfer(std::string name) : name_(std::move(name)) {}
@@ -45,8 +45,7 @@ public:
     FileServices Service() const { return FileServices::LoadFile; }
     std::size_t Size() const { return text_.size(); }
 
-    /// A block that is repeated gets its answer again. After the last one the file is in the store, or the refusal of it
-    /// is the answer.
+    /// A repeated block gets the same answer again. The last block stores the file; its answer is the result of that.
     Refusal Take(std::uint32_t number, std::string_view data, FileStore& files);
 
 private:
@@ -54,30 +53,30 @@ private:
 
     std::string name_;
     std::string text_;
-    std::uint32_t last_ = 0; ///< number of the block taken last, its mark included
+    std::uint32_t last_ = 0; ///< number of the last block taken, with its mark
     bool isComplete_ = false;
     Refusal result_ = Refusal::None; ///< the answer to that block
 };
 
-/// The transfers of all clients, one per client at a time: a new request ends the one before. A transfer that nothing was
-/// heard of for `Patience` is dropped, and so is the one heard of longest ago when a new one finds no room.
+/// The transfers of all clients. Each client has one at a time; a new request ends the previous one. A transfer without
+/// a request for `IdleLimit` is dropped. When there is no room for a new one, the longest idle one is dropped.
 class FileTransfers {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
     static constexpr std::size_t MaxTransfers = 32;
     static constexpr std::size_t MaxMemory = std::size_t{256} << 20U; ///< of all their texts together
-    static constexpr std::chrono::seconds Patience{30};
+    static constexpr std::chrono::seconds IdleLimit{30};
 
     explicit FileTransfers(FileStore& files) : files_(files) {}
 
-    /// Answers a datagram of the file port whose size was checked against its header.
+    /// Answers a request of the file port. Its size has been checked against its header.
     void Handle(Request const& request, TimePoint now, Reply& reply);
 
 private:
-    struct Transfer {
-        std::variant<OutgoingTransfer, IncomingTransfer> road;
-        TimePoint lastHeard;
+    struct OpenTransfer {
+        std::variant<OutgoingTransfer, IncomingTransfer> state;
+        TimePoint lastRequest;
     };
 
     void Open(Request const& request, TimePoint now, Reply& reply);
@@ -92,11 +91,11 @@ private:
     Refusal Take(IncomingTransfer& transfer, Request const& request);
 
     void DropSilent(TimePoint now);
-    void Add(std::uint64_t peer, Transfer transfer);
+    void Add(std::uint64_t peer, OpenTransfer transfer);
     std::size_t MemoryInUse() const;
 
     FileStore& files_;
-    std::unordered_map<std::uint64_t, Transfer> transfers_;
+    std::unordered_map<std::uint64_t, OpenTransfer> transfers_;
 };
 
 } // namespace harvlink::simulator

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t ValuesPerLine = 10;
 
-/// Ten values to a line, separated by commas.
+/// Ten values per line, separated by commas.
 template <typename Values>
 void AppendLines(std::string& text, Values const& values) {
     for (std::size_t first = 0; first < values.size(); first += ValuesPerLine) {
@@ -59,8 +59,8 @@ std::string GroupText(ControlGroupId id) {
     return id >= ControlGroupId::B1 ? fmt::format("B{}", number - 10) : fmt::format("R{}", number);
 }
 
-/// The robot's place, not its number, ties it to its base: base n belongs to the n-th robot. A 'B' stands in the line only
-/// if there is a base.
+/// Base n belongs to the n-th robot of the list, whatever the number of that robot is. The line names a base only if it
+/// exists.
 std::string RobotNames(ControlGroups const& groups) {
     std::string text;
     int place = 0;
@@ -87,7 +87,7 @@ std::string SystemText(ControllerModel const& model) {
     }
     text += "//ROBOT NAME\r\n" + RobotNames(model.groups);
     fmt::format_to(std::back_inserter(text), "//TOOL FILES\r\n{}\r\n//USER COORDINATES\r\n{}\r\n",
-                   model.frames.tools.size(), Frames::HighestUser);
+                   model.frames.tools.size(), TaughtFrames::HighestUser);
     return text;
 }
 

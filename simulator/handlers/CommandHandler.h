@@ -9,10 +9,10 @@ namespace harvlink::simulator {
 
 /// Answers the commands of one interface.
 ///
-/// Before a request reaches a handler, the dispatcher has refused what the catalogue (protocol/Catalogue.cpp) forbids: a command
-/// that the generation doesn't know, an instance outside the catalogue's range, an attribute and service that don't go
-/// with the command, a payload of a wrong size. What depends on the model (a group that isn't there, a variable beyond
-/// the last, a wrong mode) is the handler's.
+/// Before a request reaches a handler, the dispatcher has refused everything that the catalogue
+/// (protocol/Catalogue.cpp) forbids: a command that the generation doesn't know, an instance out of range, an attribute
+/// or service that the command doesn't have, a payload of a wrong size. The handler refuses what depends on the model:
+/// a missing group, a variable beyond the last, a wrong mode.
 ///
 /// Handlers run on the server's thread with the controller locked. They don't block.
 class CommandHandler {
@@ -22,11 +22,11 @@ public:
     CommandHandler& operator=(CommandHandler const&) = delete;
     virtual ~CommandHandler() = default;
 
-    /// The commands that are this handler's, each of which belongs to one handler only. The handler of the file port has
-    /// none: all that arrives there is its own.
+    /// The commands of this handler. A command belongs to one handler only. The handler of the file port names none,
+    /// because it gets every request of that port.
     virtual std::span<CommandNumber const> Commands() const = 0;
 
-    /// Fills `reply`, which comes as a success without payload.
+    /// Fills `reply`, which is at first a success without payload.
     virtual void Handle(Request const& request, Reply& reply) = 0;
 };
 

@@ -13,9 +13,9 @@ namespace {
 
 using enum CommandNumber;
 
-// The older position read tells base coordinates by an instance that is higher by this.
+// The older position read selects base coordinates by an instance that is higher by this.
 constexpr std::uint16_t BaseCoordinateOffset = 100;
-constexpr std::uint16_t HighestUserSelector = Frames::HighestUser + 1;
+constexpr std::uint16_t HighestUserSelector = TaughtFrames::HighestUser + 1;
 constexpr Refusal UserCoordinateNotTaught{0x3350};
 
 class ControlGroupHandler final : public CommandHandler {
@@ -76,7 +76,7 @@ private:
         return message;
     }
 
-    /// A group that has no pose answers in pulses, whatever is asked; base axes in the millimetres of their travel.
+    /// A group without a pose always answers in pulses. Base axes answer in millimetres.
     RobotPositionMsg BasePosition(ControlGroup const& group) const {
         RobotPositionMsg message = PulsePosition(group);
         auto const& axes = motion_.Cell().Axes(group);
@@ -126,7 +126,7 @@ private:
         }
         auto const cartesian = CartesianOf(group, SystemOf(selector), tool);
         position.coordinateType = TypeOf(selector);
-        // Counted from 0 here, unlike everywhere else: who asks adds the one.
+        // Counted from 0 here, unlike everywhere else; the client adds 1.
         position.userCoordinateNumber = static_cast<std::int16_t>(selector > 1 ? selector - 2 : 0);
         position.figure = cartesian.figure.Word();
         position.axes = cartesian.ToWire();

@@ -98,7 +98,7 @@ private:
         reply.Set(message);
     }
 
-    /// Each hundred holds one kind of time: of all together at 10, of a robot from 11, of a station from 21.
+    /// Each hundred is one kind of time: 10 is the total, robots start at 11, stations at 21.
     Refusal FindCounter(std::uint16_t instance, Counter& counter) const {
         if (instance == 1) {
             counter = Counter::ControlPower;
@@ -139,7 +139,7 @@ private:
         reply.Set(message);
     }
 
-    /// Id 11 is always known: a client tells the generation by it.
+    /// Id 11 always exists, because a client recognises the generation by it.
     std::optional<std::string_view> ModelName(int id) const {
         if (id == 11 || (id >= 12 && id <= 18 && HasGroup(id - 10))) {
             return "HV012-1440-A00";

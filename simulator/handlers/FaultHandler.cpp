@@ -10,7 +10,7 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// The numbers that a program may raise; all others are the controller's own.
+/// The alarm numbers that a program may raise. All others belong to the controller.
 constexpr std::uint16_t FirstUserAlarm = 8000;
 constexpr std::uint16_t LastUserAlarm = 8999;
 

@@ -7,14 +7,14 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// Answers all that arrives on the file port.
+/// Answers every request of the file port.
 class FileTransferHandler final : public CommandHandler {
 public:
     explicit FileTransferHandler(FileStore& files) : transfers_(files) {}
 
     std::span<CommandNumber const> Commands() const override { return {}; }
 
-    /// Patience with a client is measured in the client's time, however fast the controller's own runs.
+    /// Uses real time, because clients live in real time however fast the controller's clock runs.
     void Handle(Request const& request, Reply& reply) override {
         transfers_.Handle(request, std::chrono::steady_clock::now(), reply);
     }

@@ -5,8 +5,8 @@
 #include "simulator/handlers/CommandHandler.h"
 
 /// @file
-/// The handlers, one per interface, each defined in the .cpp of its name. A handler is given the parts of the controller
-/// that it translates for, and no more.
+/// The handlers, one per interface. Each is defined in the .cpp file with its name and gets only the parts of the
+/// controller that it needs.
 
 namespace harvlink::simulator {
 

@@ -9,7 +9,7 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// A number comes in its own size, a bit set in the 8 bytes that it fills in the client's memory.
+/// A number has its own size; a bit set has the 8 bytes that it takes in the memory of the client.
 bool IsSizeOf(Request const& request, std::size_t numberSize) {
     return request.payload.size() == numberSize || request.payload.size() == 8;
 }
@@ -53,7 +53,7 @@ private:
         }
     }
 
-    /// By group only the network inputs can be written, on every generation.
+    /// On every generation, only network inputs can be written by group.
     Refusal WriteGroup(Request const& request) {
         auto const group = request.subHeader.instance;
         auto const type = model_.signals.TypeOf(group);

@@ -12,7 +12,7 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// Task 0 runs the selected job. The other tasks are there and have nothing to do.
+/// Task 0 runs the selected job. The other tasks exist but are always idle.
 constexpr std::uint32_t TaskCount = 8;
 constexpr std::uint32_t FullSpeed = 10000; ///< hundredths of a per cent
 constexpr Refusal NoSuchTask{65535};

@@ -22,12 +22,12 @@ constexpr Refusal GroupOutOfRange{65533};
 constexpr Refusal InverseKinematicsWrong{65531};
 constexpr Refusal InvalidCartesianPosition{65530};
 
-/// Between pulses, joint angles and poses, with tools and user coordinates as the position names them, and base axes as
-/// they stand now.
+/// Converts between pulses, joint angles and poses. Tool and user coordinates are those of the position; base axes are
+/// taken at their present position.
 ///
 /// - A wrong kind of position or kinematic type: ConversionFailed.
-/// - A group without joint angles (base axes) or without a pose (all but six-axis robots), a Delta robot, an unknown tool
-///   beside joint angles, a result beyond 32 bits: ConversionImpossible.
+/// - A group without joint angles (base axes) or without a pose (all but six-axis robots), a Delta robot, an unknown
+///   tool beside joint angles, a result beyond 32 bits: ConversionImpossible.
 /// - A position that isn't Cartesian, or with an unknown tool or user coordinate: InvalidCartesianPosition.
 /// - A pose that can't be reached in its figure, within the joint limits: InverseKinematicsWrong.
 class KinematicsHandler final : public CommandHandler {

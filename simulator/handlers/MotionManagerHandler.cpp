@@ -56,7 +56,7 @@ private:
         }
     }
 
-    /// Every setting begins with the motion slot that it is for.
+    /// Every setting begins with its motion slot.
     Refusal WriteSetting(Request const& request) {
         TargetSettings* const settings = motion_.Settings(request.As<TargetControlGroup>());
         if (settings == nullptr) {

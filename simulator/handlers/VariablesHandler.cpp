@@ -63,7 +63,7 @@ private:
         }
     }
 
-    /// Parameter RS022 tells whether instances count from the index or from one above it.
+    /// Parameter RS022 decides whether an instance equals the index or is one higher.
     template <typename Value>
     Value* Find(std::vector<Value>& list, std::uint32_t instance) const {
         auto const first = model_.parameters.Rs022() == 1 ? 0U : 1U;
@@ -96,7 +96,7 @@ private:
         if (position.toolNumber >= model_.frames.tools.size()) {
             return Refusal::ToolNumberError;
         }
-        if (position.userCoordinateNumber > Frames::HighestUser) {
+        if (position.userCoordinateNumber > TaughtFrames::HighestUser) {
             return Refusal::UserNumberError;
         }
         variable = position;

@@ -21,7 +21,7 @@ constexpr std::size_t MaxIndexDigits = 5;
 constexpr double MinTimer = 0.01;
 constexpr double MaxTimer = 655.35;
 
-/// The words behind the instruction's own.
+/// The words that follow the name of the instruction.
 using Words = std::span<std::string_view const>;
 
 struct WordList {

@@ -8,14 +8,14 @@
 
 namespace harvlink::simulator {
 
-/// What a line says, with the name that it refers to still as text.
+/// A parsed line. The label or job that it refers to is still a name.
 struct ParsedInstruction {
     Refusal refusal = Refusal::None;
     Instruction instruction;
-    std::string_view name; ///< of the label or of the job called
+    std::string_view name; ///< of the label or of the called job
 };
 
-/// Parses one line between NOP and END, without blanks at its ends.
+/// Parses one line between NOP and END. The blanks at its ends have been removed.
 ParsedInstruction ParseInstruction(std::string_view line);
 
 } // namespace harvlink::simulator

@@ -83,33 +83,33 @@ Refusal JobEngine::Select(std::string_view name, std::uint32_t line) {
     if (isRunning_) {
         return Refusal::RobotIsOperating;
     }
-    Frame frame{.name = UpperCase(name), .program = nullptr, .line = line};
+    StackEntry entry{.name = UpperCase(name), .program = nullptr, .line = line};
     programs_.clear();
-    if (auto const refusal = Load(frame.name, frame.program); refusal != Refusal::None) {
+    if (auto const refusal = Load(entry.name, entry.program); refusal != Refusal::None) {
         return refusal;
     }
-    if (line >= frame.program->lines.size()) {
+    if (line >= entry.program->lines.size()) {
         return Refusal::DataOverRange;
     }
-    remaining_ = TimeOf(frame.Current());
+    remaining_ = TimeOf(entry.Current());
     stack_.clear();
-    stack_.push_back(std::move(frame));
+    stack_.push_back(std::move(entry));
     return Refusal::None;
 }
 
-/// Takes up what became of the jobs' files while the job stood.
+/// Parses the jobs on the stack again, because their files may have changed while the job was stopped.
 Refusal JobEngine::Reload() {
     programs_.clear();
-    for (auto& frame : stack_) {
+    for (auto& entry : stack_) {
         Program program;
-        if (auto const refusal = Load(frame.name, program); refusal != Refusal::None) {
+        if (auto const refusal = Load(entry.name, program); refusal != Refusal::None) {
             return refusal;
         }
-        bool const isCaller = &frame != &stack_.back();
-        if (frame.line >= program->lines.size() || (isCaller && program->lines[frame.line].opcode != Opcode::Call)) {
+        bool const isCaller = &entry != &stack_.back();
+        if (entry.line >= program->lines.size() || (isCaller && program->lines[entry.line].opcode != Opcode::Call)) {
             return Refusal::DataOverRange;
         }
-        frame.program = std::move(program);
+        entry.program = std::move(program);
     }
     return Refusal::None;
 }
@@ -134,15 +134,15 @@ Refusal JobEngine::Start() {
 }
 
 bool JobEngine::IsExecuting(std::string_view job) const {
-    return isRunning_ && std::ranges::find(stack_, job, &Frame::name) != stack_.end();
+    return isRunning_ && std::ranges::find(stack_, job, &StackEntry::name) != stack_.end();
 }
 
 JobEngine::Place JobEngine::Current() const {
     if (stack_.empty()) {
         return {};
     }
-    auto const& frame = stack_.back();
-    return {.name = frame.name, .line = frame.line, .step = frame.Current().step};
+    auto const& entry = stack_.back();
+    return {.name = entry.name, .line = entry.line, .step = entry.Current().step};
 }
 
 void JobEngine::OnStateChange() {
@@ -165,7 +165,7 @@ void JobEngine::Tick(Clock::Duration now) {
 }
 
 void JobEngine::Execute(Instruction const& instruction) {
-    // Whatever the instruction changes, the program that it stands in must outlive it.
+    // Keeps the program alive while one of its instructions is executed, even if that changes the stack.
     auto const program = stack_.back().program;
     bool const endsStep = model_.state.cycle == CycleMode::Step && TimeOf(instruction) > Clock::Duration{0};
     auto const line = &instruction;
@@ -249,12 +249,12 @@ void JobEngine::Call(std::string const& name) {
         Raise(JobAlarm::CallTooDeep, "JOB CALLS TOO DEEP");
         return;
     }
-    Frame frame{.name = name, .program = nullptr, .line = 0};
-    if (Load(name, frame.program) != Refusal::None) {
+    StackEntry entry{.name = name, .program = nullptr, .line = 0};
+    if (Load(name, entry.program) != Refusal::None) {
         Raise(JobAlarm::JobNotFound, "NO JOB " + name);
         return;
     }
-    stack_.push_back(std::move(frame));
+    stack_.push_back(std::move(entry));
     GoTo(0);
 }
 

@@ -19,9 +19,9 @@ namespace harvlink::simulator {
 
 class ControllerModel;
 
-/// Alarms that a running job raises; the sub-code is the line.
+/// The alarms that a running job raises. The sub-code is the line.
 enum class JobAlarm : std::uint32_t {
-    JobNotFound = 4450, ///< the job called doesn't exist or is no job
+    JobNotFound = 4450, ///< the called job doesn't exist or is not a valid job
     CallTooDeep = 4451,
     NoSuchVariable = 4452,
     NoSuchSignal = 4453,
@@ -29,31 +29,32 @@ enum class JobAlarm : std::uint32_t {
 
 /// Runs the selected job, in the language of JobParser.h, on variables and signals of the model.
 ///
-/// Every line takes InstructionTime of the controller's clock, but TIMER its own time, labels and comments none; what it
-/// does, it does at the end of this. Hold, an alarm, the loss of servo power and leaving remote mode stop the job at once;
-/// the next start goes on within the line where it stood. After END of the selected job the next line is its first: the
-/// job stops there in cycle mode, and goes on in automatic mode. In step mode each start carries out one line, labels and
-/// comments before it included.
+/// Every line takes InstructionTime of the controller's clock. TIMER takes its own time; labels and comments take none.
+/// A line has its effect at the end of its time. Hold, an alarm, loss of servo power and leaving remote mode stop the
+/// job at once; the next start continues within the same line. After END the selected job is at its first line: it
+/// stops there in cycle mode and runs again in automatic mode. In step mode each start executes one line, with the
+/// labels and comments before it.
 class JobEngine final : public JobActivity {
 public:
     static constexpr Clock::Duration InstructionTime = std::chrono::milliseconds(20);
-    static constexpr std::size_t MaxDepth = 12; ///< of calls, the selected job included: as many as a stack reply names
-    static constexpr std::size_t MaxPerTick = 1000; ///< lines; a clock that runs faster than this is not followed
+    static constexpr std::size_t MaxDepth =
+        12; ///< of the call stack, the selected job included; a stack reply has room for as many names
+    static constexpr std::size_t MaxPerTick = 1000; ///< lines; a job on a faster clock falls behind
 
-    /// Becomes the job activity of the model. Both outlive it.
+    /// Registers as the job activity of the model. Model and source must outlive the engine.
     JobEngine(ControllerModel& model, JobSource const& source);
 
-    /// Where the innermost job stands: the line that it carries out or would start with.
+    /// The current line of the innermost job: the one that is executed, or that a start would begin with.
     struct Place {
         std::string_view name; ///< empty if no job was selected
         std::uint32_t line = 0;
         std::uint32_t step = 0;
     };
 
-    /// Makes a job of the store the one that a start runs, from `line` on.
+    /// Selects the job that a start runs, from `line` on.
     Refusal Select(std::string_view name, std::uint32_t line);
 
-    /// Starts or continues the selected job, in remote mode with servo power, without alarm and hold, if nothing runs.
+    /// Starts or continues the selected job. Refused unless the controller is ready to move and nothing is running.
     Refusal Start();
 
     bool IsRunning() const override { return isRunning_; }
@@ -62,7 +63,7 @@ public:
 
     Place Current() const;
 
-    /// The call stack, from 0, the selected job, to Depth() - 1, where Current is.
+    /// The call stack. Level 0 is the selected job, level Depth() - 1 the innermost one.
     std::size_t Depth() const { return stack_.size(); }
     std::string_view NameAt(std::size_t depth) const { return stack_.at(depth).name; }
 
@@ -77,7 +78,7 @@ public:
 private:
     using Program = std::shared_ptr<JobProgram const>;
 
-    struct Frame {
+    struct StackEntry {
         std::string name;
         Program program;
         std::uint32_t line = 0;
@@ -102,12 +103,12 @@ private:
 
     ControllerModel& model_;
     JobSource const& source_;
-    std::vector<Frame> stack_;
-    std::map<std::string, Program> programs_; ///< those met since the last start or change of the store
-    std::uint64_t programsRevision_ = 0; ///< of the store, when they were parsed
+    std::vector<StackEntry> stack_;
+    std::map<std::string, Program> programs_; ///< the jobs parsed since the last start or change of a file
+    std::uint64_t programsRevision_ = 0; ///< JobSource::Revision when they were parsed
     bool isRunning_ = false;
-    Clock::Duration due_{0}; ///< when the current line is done; of a job that runs
-    Clock::Duration remaining_{0}; ///< of the current line; of a job that stands
+    Clock::Duration due_{0}; ///< when the current line ends; for a running job
+    Clock::Duration remaining_{0}; ///< time left of the current line; for a stopped job
 };
 
 } // namespace harvlink::simulator

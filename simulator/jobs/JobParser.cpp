@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view LineEnd = "\r\n";
 constexpr std::string_view NamePrefix = "//NAME ";
 
-/// Takes the lines of a job one by one.
+/// Parses a job line by line.
 class Parser {
 public:
     explicit Parser(std::string_view text) : rest_(text) {}
@@ -36,7 +36,7 @@ public:
 private:
     enum class Section { Header, Instructions, Closed };
 
-    /// What doesn't end in a line end is no line.
+    /// Text without a line end is not a line.
     bool NextLine() {
         auto const end = rest_.find(LineEnd);
         if (end == std::string_view::npos) {
@@ -98,7 +98,7 @@ private:
         return Register(parsed);
     }
 
-    /// Keeps the names that a line brings or asks for.
+    /// Records the label that a line defines, or the name that it refers to.
     Refusal Register(ParsedInstruction& parsed) {
         auto const line = static_cast<std::uint32_t>(result_.program.lines.size());
         auto& instruction = parsed.instruction;

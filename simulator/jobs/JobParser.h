@@ -25,24 +25,25 @@
 ///     JUMP *AGAIN IF B000>0
 ///     END
 ///
-/// Every line ends in CR LF, the last one too; blanks at its ends don't count, and empty lines are no lines. Lines before
-/// NOP start with a slash; one of them is "//NAME " and the name of the job, which is the file's name without its
-/// extension; the others say what they like. Lines are counted from NOP, which is line 0, to END. All is upper case.
+/// Every line, the last one too, ends in CR LF; blanks at its ends are ignored, and so are empty lines. Lines before
+/// NOP start with a slash. One of them is "//NAME " and the name of the job, which is the file's name without its
+/// extension; the content of the others is ignored. Lines are counted from NOP, which is line 0, to END. Everything is
+/// in upper case.
 ///
 /// | instruction | what it does |
 /// |---|---|
-/// | `NOP`, `END` | open and close the job; END of a called job goes back to its caller |
-/// | `CALL JOB:NAME` | runs another job of the store |
-/// | `*LABEL` | a place to jump to: up to 8 letters and digits |
-/// | `JUMP *LABEL` | goes on there; with `IF` and a condition behind it only if that holds |
+/// | `NOP`, `END` | begin and end the job; END of a called job returns to its caller |
+/// | `CALL JOB:NAME` | calls another job of the controller |
+/// | `*LABEL` | a label: up to 8 letters and digits |
+/// | `JUMP *LABEL` | jumps to a label; with `IF` and a condition only if the condition holds |
 /// | `TIMER T=1.50` | waits, 0.01 to 655.35 s |
 /// | `WAIT IN#(1)=ON` | waits until a condition holds |
 /// | `DOUT OT#(1) ON` | switches a general output ON or OFF |
-/// | `SET B000 5` | gives a variable a value of its range |
-/// | `INC I001`, `DEC D000` | adds or subtracts 1; beyond the range a number goes on at its other end |
+/// | `SET B000 5` | sets a variable to a value within its range |
+/// | `INC I001`, `DEC D000` | adds or subtracts 1; a number that leaves its range wraps around |
 ///
-/// Variables are `B`, `I`, `D` and `R` with an index of up to five digits. A condition is a variable, one of = <> < <= >
-/// >= and a number, or `IN#(n)` or `OT#(n)`, = and ON or OFF, without blanks.
+/// Variables are `B`, `I`, `D` and `R` with an index of up to five digits. A condition is a variable, one of = <> < <=
+/// > >= and a number, or `IN#(n)` or `OT#(n)`, = and ON or OFF, without blanks.
 
 namespace harvlink::simulator {
 
@@ -61,14 +62,14 @@ inline constexpr Refusal NameRecord{0x5390};
 inline constexpr std::size_t MaxJobLines = 65536;
 
 struct JobParseResult {
-    Refusal refusal = Refusal::None; ///< if it is one, the program is of no use
-    std::uint32_t fileLine = 0; ///< where, from 1; 0 if it concerns the file as a whole
+    Refusal refusal = Refusal::None; ///< unless `None`, the program is not valid
+    std::uint32_t fileLine = 0; ///< the line with the error, from 1; 0 if the error concerns the whole file
     JobProgram program;
 };
 
 JobParseResult ParseJob(std::string_view text);
 
-/// Whether the text is a job and names itself `name`, which is a file's name without its extension.
+/// Checks that a text is a valid job with the name `name`, which is the file's name without its extension.
 Refusal CheckJobText(std::string_view name, std::string_view text);
 
 } // namespace harvlink::simulator

@@ -34,7 +34,7 @@ struct Operand {
     bool operator==(Operand const&) const = default;
 };
 
-/// One line of a job. Which members count depends on the opcode:
+/// One line of a job. The opcode decides which members are used:
 ///
 /// | opcode | members |
 /// |---|---|

@@ -10,7 +10,7 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// Signals of a class are counted from 1, eight to a group.
+/// The signals of a class are numbered from 1, eight in a group.
 std::optional<std::uint32_t> SignalAddress(Signals const& signals, Operand const& operand) {
     constexpr std::uint32_t FirstInputGroup = 1;
     constexpr std::uint32_t FirstOutputGroup = 1001;

@@ -4,8 +4,8 @@
 
 namespace harvlink::simulator {
 
-/// Something that moves the robot by itself once it was started: the selected job, or a trajectory. The model asks it what
-/// it does and tells it what changed, and so needs to know neither the job engine nor the motion engine.
+/// Something that moves the robot by itself after a start: the selected job or a trajectory. The model uses the job
+/// engine and the motion engine only through this interface, so it does not depend on them.
 class Activity {
 public:
     Activity() = default;
@@ -21,7 +21,7 @@ protected:
     ~Activity() = default;
 };
 
-/// The selected job. A file that it executes can't be replaced.
+/// The selected job. The files of a running job can't be replaced.
 class JobActivity : public Activity {
 public:
     /// Whether the job is on the call stack of a running job.

@@ -11,7 +11,7 @@
 
 namespace harvlink::simulator {
 
-/// The alarms that are active and those that were. They are kept in the form in which they are read.
+/// The active alarms and the alarm history. They are kept as the records that a client reads.
 class Alarms {
 public:
     using Entry = FaultMessages::AlarmDataMsg;
@@ -22,10 +22,10 @@ public:
     /// The block of the history to which an alarm number belongs.
     static AlarmCategory CategoryOf(std::uint32_t code);
 
-    /// Puts an alarm in front of the active ones and of its history. The oldest falls off the end.
+    /// Puts an alarm at the front of the active alarms and of its history. The oldest alarm is dropped.
     void Raise(std::uint32_t code, std::uint32_t subcode, std::string_view name, std::time_t when);
 
-    /// Enters an alarm that is over already into its history.
+    /// Puts an alarm that is no longer active into its history.
     void Record(std::uint32_t code, std::uint32_t subcode, std::string_view name, std::time_t when);
 
     void Reset() { active_ = {}; }

@@ -29,7 +29,7 @@ public:
     /// Null if the controller has no such group.
     ControlGroup const* Find(ControlGroupId id) const;
 
-    /// The same for the form in which the extended commands name a group.
+    /// The same for a group as the extended commands name it.
     ControlGroup const* Find(GroupAddress const& address) const;
 
     /// The group of a motion slot, from 0; null for an empty one.
@@ -40,8 +40,8 @@ public:
     /// The controller's own numbering has no gaps: robots 1 to 8, bases 9 to 16, stations from 17.
     static std::uint32_t ContinuousNumber(ControlGroupId id);
 
-    /// From "R1", "B2:3" or "S12:1": the group, and after the colon its number of axes, which is 6 for a robot, 1 for a
-    /// base and 2 for a station unless given. Nothing if the text names no group or not 1 to 8 axes.
+    /// Reads a group such as "R1", "B2:3" or "S12:1". The number of axes follows the colon; without it a robot has 6, a
+    /// base 1 and a station 2. Nothing if the text is not a group with 1 to 8 axes.
     static std::optional<ControlGroup> FromText(std::string_view text);
 
 private:

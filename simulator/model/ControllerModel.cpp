@@ -64,7 +64,7 @@ Refusal ControllerModel::CommandServo(bool on) {
 }
 
 Refusal ControllerModel::CommandHold(bool on) {
-    // Stopping is possible in every mode, going on is not.
+    // A hold may be set in every mode, but released only in remote mode.
     if (!on && state.mode != Mode::Remote) {
         return Refusal::RemoteModeNeeded;
     }
@@ -117,7 +117,7 @@ void ControllerModel::UpdateTimes() {
 
 void ControllerModel::StateChanged() {
     UpdateTimes();
-    // The job first: motion is refused while a job runs.
+    // The job first, because motion is refused while a job runs.
     if (job_ != nullptr) {
         job_->OnStateChange();
     }

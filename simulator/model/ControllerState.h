@@ -7,11 +7,11 @@ namespace harvlink::simulator {
 
 using Mode = ControllerStateData::ControlMode;
 
-/// Who asks for hold. Motion goes on when nobody does any more.
+/// The source of a hold. Motion continues when no source holds any more.
 enum class HoldSource { Pendant, External, Command };
 
-/// The state of the controller as a whole. Read it freely; change it through ControllerModel, which knows what else a
-/// change brings about.
+/// The state of the controller as a whole. Read it freely; change it through ControllerModel, which also carries out
+/// the consequences of a change.
 struct ControllerState {
     ControllerVersion generation = ControllerVersion::VersionYA;
     Mode mode = Mode::Remote;

@@ -7,7 +7,7 @@
 
 namespace harvlink::simulator {
 
-/// What a controller says of itself. Its software version is what a client tells the generation by.
+/// The texts by which a controller describes itself. A client recognises the generation by the software version.
 struct GenerationTexts {
     std::string_view softwareVersion;
     std::string_view parameterVersion;

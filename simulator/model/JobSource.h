@@ -7,10 +7,11 @@
 
 namespace harvlink::simulator {
 
-/// The content of a file as it was when it was read, whatever becomes of the file.
+/// The content of a file at the time of reading. It stays valid when the file is changed or deleted.
 using FileText = std::shared_ptr<std::string const>;
 
-/// Where a controller keeps its jobs: in its files. The job engine reads them through this and knows nothing of files.
+/// The place where a controller keeps its jobs, which is its files. The job engine reads jobs through this interface,
+/// so it does not depend on the file store.
 class JobSource {
 public:
     JobSource() = default;
@@ -20,7 +21,7 @@ public:
     /// By upper-case name, without extension. Null if there is no such job.
     virtual FileText JobText(std::string_view name) const = 0;
 
-    /// Grows with every change of a job that the controller itself makes.
+    /// Increases with every change that is made through the controller.
     virtual std::uint64_t Revision() const = 0;
 
 protected:

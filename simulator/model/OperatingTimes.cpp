@@ -4,16 +4,15 @@
 
 namespace harvlink::simulator {
 
-void OperatingTimes::Update(Clock::Duration now, Activity activity) {
+void OperatingTimes::Update(Clock::Duration now, Running running) {
     auto const step = std::max(now - updated_, Clock::Duration{0});
-    // An application is at work while a job plays.
-    std::array<bool, Counters> const runs{true, activity_.servo, activity_.playback, activity_.moving,
-                                          activity_.playback};
+    // An application is counted as active while a job runs.
+    std::array<bool, Counters> const runs{true, running_.servo, running_.playback, running_.moving, running_.playback};
     for (std::size_t i = 0; i < Counters; ++i) {
         totals_[i] += runs[i] ? step : Clock::Duration{0};
     }
     updated_ = now;
-    activity_ = activity;
+    running_ = running;
 }
 
 std::uint64_t OperatingTimes::Seconds(Counter counter) const {

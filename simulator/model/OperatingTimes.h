@@ -8,20 +8,20 @@
 
 namespace harvlink::simulator {
 
-/// The counters of operating time. They start with what an older machine would show and go on while their condition
-/// holds.
+/// The counters of operating time. They start at the values of a used machine. Each counts while its condition holds.
 class OperatingTimes {
 public:
     enum class Counter : std::uint8_t { ControlPower, Servo, Playback, Moving, Application };
 
-    struct Activity {
+    struct Running {
         bool servo = false;
         bool playback = false;
         bool moving = false;
     };
 
-    /// Adds the time since the last update to the counters that ran until now; from now on those of `activity` run.
-    void Update(Clock::Duration now, Activity activity);
+    /// Adds the time since the last update to the counters that were running. From now on the counters of `running`
+    /// run.
+    void Update(Clock::Duration now, Running running);
 
     std::uint64_t Seconds(Counter counter) const;
 
@@ -31,7 +31,7 @@ private:
     std::array<Clock::Duration, Counters> totals_{std::chrono::hours(9876), std::chrono::hours(4321),
                                                   std::chrono::hours(2468), std::chrono::hours(1357),
                                                   std::chrono::hours(864)};
-    Activity activity_{};
+    Running running_{};
     Clock::Duration updated_{0};
 };
 

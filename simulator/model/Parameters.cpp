@@ -17,7 +17,7 @@ constexpr std::uint32_t Number(SystemParameterType type) {
 
 Parameters::Parameters(ControlGroups const& groups, int rs022) : groups_(groups) {
     values_[Key{Number(SystemParameterType::RS), 0, 22}] = rs022;
-    values_[Key{Number(SystemParameterType::S2C), 0, 430}] = 0; // the figure of a position resolves the arm
+    values_[Key{Number(SystemParameterType::S2C), 0, 430}] = 0; // positions are resolved by their figure
 }
 
 bool Parameters::BelongsToGroup(std::uint32_t type) {

@@ -15,7 +15,7 @@ class Parameters {
 public:
     Parameters(ControlGroups const& groups, int rs022);
 
-    /// Whether each group has parameters of this family to itself.
+    /// Whether each group has its own parameters of this family.
     static bool BelongsToGroup(std::uint32_t type);
 
     /// `group` is a number of the continuous kind, for the families that belong to a group; 0 or 1 for the others.

@@ -11,7 +11,7 @@
 
 namespace harvlink::simulator {
 
-/// The groups of eight signals that a class has, by group number, which is the address of its signals divided by ten.
+/// The signal groups of a class. A group has eight signals; its number is their address divided by ten.
 struct SignalRange {
     std::uint16_t first = 0;
     std::uint16_t last = 0;
@@ -19,19 +19,19 @@ struct SignalRange {
 
 SignalRange SignalRangeOf(IOType type, ControllerVersion generation);
 
-/// All signals, one byte per group of eight. The last digit of a signal's address is its bit, 0 to 7.
+/// All signals, one byte per group. The last digit of a signal's address is its bit, 0 to 7.
 class Signals {
 public:
     explicit Signals(ControllerVersion generation);
 
-    /// The class that a group number belongs to; nothing if no class of this generation has it.
+    /// The class of a signal group. Nothing if this generation has no such group.
     std::optional<IOType> TypeOf(std::uint32_t group) const;
 
     /// Nothing if the group doesn't exist.
     std::optional<std::uint8_t> ReadGroup(std::uint32_t group) const;
     bool WriteGroup(std::uint32_t group, std::uint8_t value);
 
-    /// Nothing or false if there is no signal with this address.
+    /// Nothing or false if the signal doesn't exist.
     std::optional<bool> Read(std::uint32_t address) const;
     bool Write(std::uint32_t address, bool value);
 

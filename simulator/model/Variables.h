@@ -10,14 +10,14 @@
 
 namespace harvlink::simulator {
 
-/// How many variables of each kind a controller holds. The last index is one less.
+/// The number of variables of each kind. The last index is one less.
 struct VariableCounts {
     std::size_t bytes, integers, doubleInts, reals, strings, robotPositions, basePositions, stationPositions;
 };
 
 VariableCounts VariableCountsOf(ControllerVersion generation);
 
-/// The controller's variables, by index. All start as zero, the positions as zero pulses. The vectors' sizes are fixed.
+/// The controller's variables, by index. Numbers start as 0, positions as 0 pulses. The sizes of the vectors are fixed.
 struct Variables {
     explicit Variables(ControllerVersion generation);
 

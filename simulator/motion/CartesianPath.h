@@ -6,7 +6,7 @@
 
 namespace harvlink::simulator {
 
-/// One turn of constant speed from one orientation to another.
+/// A turn at constant speed from one orientation to another.
 class Turn {
 public:
     Turn() = default;
@@ -20,16 +20,16 @@ private:
     AxisAndAngle turn_{};
 };
 
-/// The way of a tool's tip from one frame to another: straight, or through a third frame on an arc. A fraction from 0 to
-/// 1 stands for the same part of the way's length.
+/// The path of a tool tip from one frame to another: a straight line, or an arc through a third frame. A fraction from
+/// 0 to 1 is that part of the length of the path.
 class CartesianPath {
 public:
     CartesianPath() = default;
 
     static CartesianPath Line(Frame const& from, Frame const& to);
 
-    /// Three points on one line make a straight way if `through` lies between the others. Nothing if they make neither an
-    /// arc nor that, as when two of them coincide.
+    /// Three points on one line give a straight path if `through` lies between the others. Nothing if they give neither
+    /// an arc nor a line, for example if two of them coincide.
     static std::optional<CartesianPath> Arc(Frame const& from, Frame const& through, Frame const& to);
 
     Frame At(double fraction) const;
@@ -41,10 +41,10 @@ private:
     Vector3 PositionAt(double fraction) const;
 
     Vector3 start_{};
-    Vector3 span_{}; ///< of a straight way
+    Vector3 span_{}; ///< of a straight path
     Vector3 radius_{}; ///< from the centre to the start
     Vector3 axis_{};
-    double arcDegrees_ = 0.0; ///< 0 if the way is straight
+    double arcDegrees_ = 0.0; ///< 0 if the path is straight
     double length_ = 0.0;
     double fractionThrough_ = 1.0; ///< where the second of the two turns begins
     Turn first_{};

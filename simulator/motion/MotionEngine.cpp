@@ -44,7 +44,7 @@ void MotionEngine::UpdateRun() {
 }
 
 void MotionEngine::Tick(Clock::Duration now) {
-    // The time until now passed in the state before the change.
+    // The time until now belongs to the state before the change.
     double const seconds = std::chrono::duration<double>(now - time_).count();
     if (seconds > 0.0) {
         time_ = now;
@@ -140,7 +140,7 @@ Refusal MotionEngine::CheckSlots(std::uint32_t groupBits) const {
 }
 
 Refusal MotionEngine::PlanStep(MotionTargetSend const& message, PlannedStep& step) {
-    // Base coordinates of an arm depend on where its base goes in the same step.
+    // Base coordinates of an arm depend on the target of its base in the same step.
     planned_ = player_.Planned();
     auto const refusal = PlanGroups(message, false, step);
     return refusal == Refusal::None ? PlanGroups(message, true, step) : refusal;

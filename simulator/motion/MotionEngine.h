@@ -15,23 +15,24 @@ namespace harvlink::simulator {
 
 class ControllerModel;
 
-/// Plays targets and knows where the control groups are.
+/// Plays targets and knows the positions of the control groups.
 ///
-/// - Targets are taken before Start too, up to TargetBuffer::Capacity steps, the one being played included; the next is
-///   refused with BufferIsFull until there is room. A target counts with the settings of its slot at that moment.
-/// - Start is refused unless the controller is in remote mode, without alarm, hold and running job, and has servo power.
-///   It holds until Stop: later targets are played as they come.
-/// - Stop and hold bring the groups to a standstill on their paths and keep the buffer; motion goes on along the path
-///   with the next Start, or when the hold ends.
-/// - An alarm, loss of servo power or of remote mode, or a job that starts interrupts a trajectory: it goes on only with a
-///   new Start, and until then, or until the targets are cleared, more targets are refused, with the reason while it
-///   lasts and then with PlaybackInterrupted. When nothing was left to play, nothing is interrupted.
+/// - Targets are also accepted before Start, up to TargetBuffer::Capacity steps including the one being played. Further
+///   steps are refused with BufferIsFull until there is room. A target uses the settings that its slot has when it
+///   arrives.
+/// - Start is refused unless the controller is in remote mode, without alarm, hold and running job, and has servo
+///   power. It stays in effect until Stop: later targets are played as they arrive.
+/// - Stop and hold stop the groups on their paths and keep the buffer. Motion continues along the path with the next
+///   Start, or when the hold ends.
+/// - An alarm, loss of servo power or of remote mode, or the start of a job interrupts a trajectory. It continues only
+///   with a new Start. Until then, or until the targets are cleared, more targets are refused: with the reason while it
+///   lasts, and then with PlaybackInterrupted. If nothing is left to play, nothing is interrupted.
 class MotionEngine final : public Activity {
 public:
-    /// Becomes the motion activity of the model, which outlives it.
+    /// Registers as the motion activity of the model, which must outlive the engine.
     explicit MotionEngine(ControllerModel& model);
 
-    /// Whether a trajectory is being played, also while it is held.
+    /// Whether a trajectory is being played, even during a hold.
     bool IsRunning() const override { return isStarted_ && !isInterrupted_ && player_.HasSteps(); }
 
     void OnStateChange() override;
@@ -39,8 +40,8 @@ public:
     /// Whether Tick has anything to do.
     bool NeedsTicks() const { return player_.IsMoving() || !servos_.IsAtRest(); }
 
-    /// Advances to `now`, the time of the model's clock. While nothing moves nobody needs to call it: what starts something
-    /// brings the time up first.
+    /// Advances to `now`, the time of the model's clock. It need not be called while nothing moves, because every
+    /// operation first advances to the present time.
     void Tick(Clock::Duration now);
 
     Refusal Start();
@@ -53,14 +54,14 @@ public:
     /// Null if the controller has no group in this slot.
     TargetSettings* Settings(TargetControlGroup slot);
 
-    /// The slot has a group.
+    /// There must be a group in this slot.
     double Progress(TargetControlGroup slot) const { return player_.Progress(static_cast<std::size_t>(slot)); }
 
     Workcell const& Cell() const { return cell_; }
-    Stance const& Positions() const { return player_.Now(); }
+    GroupPositions const& Positions() const { return player_.Now(); }
     AxisValues const& PositionOf(ControlGroup const& group) const { return Positions()[cell_.Index(group)]; }
 
-    /// The tool that a group's targets are read with; 0 for a group that has no motion slot.
+    /// The tool that is set for the targets of a group; 0 if the group has no motion slot.
     std::int32_t ActiveTool(ControlGroup const& group) const;
 
     WireAxes PositionError(ControlGroup const& group) const { return servos_.PositionError(group); }
@@ -78,7 +79,7 @@ private:
     MotionPlayer player_;
     ServoMonitor servos_;
     std::array<TargetSettings, MotionSlots> settings_{};
-    Stance planned_; ///< room for planning a step, kept so that no datagram allocates
+    GroupPositions planned_; ///< for planning a step; a member, so that no datagram allocates memory
     Clock::Duration time_{0};
     bool isStarted_ = false;
     bool isInterrupted_ = false;

@@ -7,8 +7,8 @@ namespace harvlink::simulator {
 MotionPlayer::MotionPlayer(Workcell const& cell, ControlGroups const& groups)
     : cell_(cell), groups_(groups), now_(cell.Home()), planned_(now_) {}
 
-AxisValues& MotionPlayer::At(Stance& stance, std::size_t slot) const {
-    return stance[cell_.Index(*groups_.Slot(slot))];
+AxisValues& MotionPlayer::At(GroupPositions& positions, std::size_t slot) const {
+    return positions[cell_.Index(*groups_.Slot(slot))];
 }
 
 void MotionPlayer::Add(PlannedStep const& step) {
@@ -61,7 +61,7 @@ void MotionPlayer::Advance(double seconds) {
     }
 }
 
-/// Takes from `seconds` what the front step needs. Whether it ended, so that the next may begin.
+/// Plays the front step and subtracts the time it needs from `seconds`. Returns whether the step has ended.
 bool MotionPlayer::PlayFront(double& seconds) {
     if (buffer_.IsEmpty() || (!hasBegun_ && !run_)) {
         return false;
@@ -93,7 +93,7 @@ void MotionPlayer::BeginFront() {
     hasBegun_ = true;
 }
 
-/// Returns the seconds that the move didn't need any more.
+/// Returns the seconds that are left after the end of the move.
 double MotionPlayer::AdvanceMove(std::size_t slot, double seconds) {
     Playing& playing = playing_[slot];
     PlannedMove const& move = *buffer_[0].moves[slot];

@@ -9,8 +9,8 @@
 
 namespace harvlink::simulator {
 
-/// Plays the buffered steps one after the other and keeps where the axes are. Every move runs from standstill to
-/// standstill, passes every point of its path and ends on it exactly.
+/// Plays the buffered steps one after the other and knows the present positions. Every move starts and ends at
+/// standstill, stays on its path and ends exactly at its target.
 class MotionPlayer {
 public:
     MotionPlayer(Workcell const& cell, ControlGroups const& groups);
@@ -18,26 +18,26 @@ public:
     bool IsFull() const { return buffer_.IsFull(); }
     bool HasSteps() const { return !buffer_.IsEmpty(); }
 
-    /// Where the axes are, and where they will be after all steps.
-    Stance const& Now() const { return now_; }
-    Stance const& Planned() const { return planned_; }
+    /// The present positions, and the positions after all steps.
+    GroupPositions const& Now() const { return now_; }
+    GroupPositions const& Planned() const { return planned_; }
 
-    /// Puts a step behind the others. Its moves start at Planned; there must be room.
+    /// Adds a step at the end. Its moves start at Planned; there must be room.
     void Add(PlannedStep const& step);
 
-    /// Plays, or brings all moves to a standstill on their paths. The buffer stays.
+    /// Plays, or stops all moves on their paths. The buffer is kept.
     void Run(bool run);
 
-    /// Drops all moves of a slot; one that is under way slows down and ends where it then stands.
+    /// Drops all moves of a slot. A move that is being played slows down and ends where it comes to a standstill.
     void Clear(std::size_t slot);
 
     void Advance(double seconds);
 
-    /// Whether time changes anything.
+    /// Whether anything moves.
     bool IsMoving() const;
 
-    /// How many targets of a slot were reached since its targets were last cleared, plus the part of the way to the
-    /// present one that is done.
+    /// The number of targets reached since the targets of the slot were last cleared, plus the completed fraction of
+    /// the present move.
     double Progress(std::size_t slot) const;
 
 private:
@@ -53,13 +53,13 @@ private:
     void BeginFront();
     double AdvanceMove(std::size_t slot, double seconds);
     void Abandon(std::size_t slot);
-    AxisValues& At(Stance& stance, std::size_t slot) const;
+    AxisValues& At(GroupPositions& positions, std::size_t slot) const;
 
     Workcell const& cell_;
     ControlGroups const& groups_;
     TargetBuffer buffer_;
-    Stance now_;
-    Stance planned_;
+    GroupPositions now_;
+    GroupPositions planned_;
     std::array<Playing, MotionSlots> playing_{}; ///< of the front step, once it has begun
     std::array<std::uint64_t, MotionSlots> reached_{};
     bool hasBegun_ = false;

@@ -4,7 +4,7 @@
 
 namespace harvlink::simulator::MotionRefusal {
 
-/// What the motion commands are refused with, beside the general codes.
+/// The codes that only motion commands use.
 inline constexpr Refusal RemoteModeNeeded{65535};
 inline constexpr Refusal ServoOff{65534};
 inline constexpr Refusal HoldIsOn{65533};
@@ -25,7 +25,7 @@ inline constexpr Refusal ToolUnspecified{65445};
 
 /// A target, or a point on the way to it, that the axes can't reach.
 inline constexpr Refusal PositionDataError{0x5120};
-/// A coordinate system that a target can't be given in.
+/// A coordinate system in which a target can't be given.
 inline constexpr Refusal CoordinateSystemError{45067};
 
 } // namespace harvlink::simulator::MotionRefusal

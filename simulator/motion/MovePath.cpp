@@ -8,14 +8,14 @@
 namespace harvlink::simulator {
 namespace {
 
-// A step is as long as the posture can safely be followed, and there are never more than can be computed at once.
+// Within a step the posture can be followed safely. The number of steps is limited because all are computed at once.
 constexpr double StepLength = 20.0;
 constexpr double StepDegrees = 10.0;
 constexpr int MostSteps = 64;
 
 int StepsOf(CartesianPath const& tip) {
     double const steps = std::ceil(std::max(tip.Length() / StepLength, tip.Degrees() / StepDegrees));
-    // A tool or a user coordinate may hold anything: what is not a number counts as too many.
+    // A tool or user coordinate may have any values, so NaN counts as too many steps.
     return steps < MostSteps ? std::max(1, static_cast<int>(steps)) : MostSteps;
 }
 
@@ -49,7 +49,8 @@ AxisValues MovePath::Follow(AxisValues const& at, double before, double fraction
     if (!IsCartesian()) {
         return InProportion(fraction);
     }
-    // The whole way was followed when it was planned; should it fail between those points, the arm waits for the next.
+    // The whole path was followed when it was planned. If it can't be followed at a point in between, the arm waits for
+    // the next point.
     return FollowTip(at, before, fraction).value_or(at);
 }
 

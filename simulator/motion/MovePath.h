@@ -7,8 +7,8 @@
 
 namespace harvlink::simulator {
 
-/// The way of one group's axes from where they are to a target. Along a Cartesian way the arm goes on in the posture in
-/// which it is, so the joints follow by steps, each from the one before.
+/// The path of one group's axes to a target. Along a Cartesian path the arm keeps its posture, so the joint angles are
+/// computed in steps, each from the previous one.
 class MovePath {
 public:
     MovePath() = default;
@@ -16,15 +16,15 @@ public:
     /// All axes in proportion.
     static MovePath Joint(AxisValues const& from, AxisValues const& to);
 
-    /// The tool's tip, in robot coordinates, along `tip`; the 7th and 8th axis in proportion to those of `to`. Nothing if
-    /// the arm can't follow.
+    /// The tool tip moves along `tip`, which is in robot coordinates; the 7th and 8th axis move in proportion to those
+    /// of `to`. Nothing if the arm can't follow.
     static std::optional<MovePath> Cartesian(AxisValues const& from, CartesianPath const& tip, Frame const& tool,
                                              AxisValues const& to);
 
     AxisValues const& From() const { return from_; }
     AxisValues const& To() const { return to_; }
 
-    /// The axes at `fraction` of the way, for axes that stand at `fraction` `before` with the values `at`.
+    /// The axes at `fraction` of the path. At the fraction `before` they have the values `at`.
     AxisValues Follow(AxisValues const& at, double before, double fraction) const;
 
     bool IsCartesian() const { return steps_ > 0; }
@@ -38,7 +38,7 @@ private:
     AxisValues to_{};
     CartesianPath tip_{};
     Frame flangeFromTip_{};
-    int steps_ = 0; ///< into which a Cartesian way is divided at least
+    int steps_ = 0; ///< least number of steps of a Cartesian path; 0 for a joint move
 };
 
 } // namespace harvlink::simulator

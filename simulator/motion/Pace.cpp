@@ -17,7 +17,7 @@ double Pace::Advance(double seconds, double end) {
 }
 
 double Pace::SecondsTo(double way, double slope) const {
-    // Under the square root is the squared rate at the end of the way; if it is negative, the ramp halts before.
+    // Under the square root is the squared rate at the end of the way. If it is negative, the ramp ends earlier.
     double const square = rate_ * rate_ + 2.0 * slope * way;
     double const sum = square >= 0.0 ? rate_ + std::sqrt(square) : 0.0;
     return sum > 0.0 ? 2.0 * way / sum : std::numeric_limits<double>::infinity();

@@ -30,19 +30,19 @@ AxisValues GravityOf(AxisValues const& values) {
 
 ServoMonitor::ServoMonitor(Workcell const& cell) : cell_(cell), stance_(cell.Home()), speed_(stance_.size()) {}
 
-void ServoMonitor::Update(Stance const& stance, double seconds) {
+void ServoMonitor::Update(GroupPositions const& positions, double seconds) {
     if (!(seconds > 0.0)) {
         return;
     }
     isAtRest_ = true;
-    for (std::size_t group = 0; group < stance.size(); ++group) {
+    for (std::size_t group = 0; group < positions.size(); ++group) {
         for (std::size_t axis = 0; axis < MaxAxes; ++axis) {
-            double const way = stance[group][axis] - stance_[group][axis];
+            double const way = positions[group][axis] - stance_[group][axis];
             speed_[group][axis] = way / seconds;
             isAtRest_ = isAtRest_ && way == 0.0;
         }
     }
-    stance_ = stance;
+    stance_ = positions;
 }
 
 WireAxes ServoMonitor::PositionError(ControlGroup const& group) const {

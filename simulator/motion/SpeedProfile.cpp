@@ -10,7 +10,7 @@ SpeedProfile::SpeedProfile(double length, double speed, double acceleration, dou
         return;
     }
     length_ = length;
-    // The ramps together take peak^2 (1 / a + 1 / d) / 2 of the way.
+    // Both ramps together have the length peak^2 (1 / a + 1 / d) / 2.
     double const rampsPerSquare = 0.5 * (1.0 / acceleration + 1.0 / deceleration);
     peak_ = std::min(speed, std::sqrt(length / rampsPerSquare));
     rampUp_ = peak_ / acceleration;

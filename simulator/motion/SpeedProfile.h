@@ -2,23 +2,23 @@
 
 namespace harvlink::simulator {
 
-/// Speed over time of a move from standstill to standstill: up at constant acceleration, on at constant speed, down. A
-/// way too short for the full speed has no middle part.
+/// The speed of a move over time: constant acceleration, constant speed, constant deceleration. A path too short for
+/// the full speed has no part at constant speed.
 class SpeedProfile {
 public:
     SpeedProfile() = default;
 
-    /// All in one unit of length, which the caller chooses, and seconds. A length that isn't above 0 takes no time; the
-    /// other arguments are above 0.
+    /// The caller chooses the unit of length; times are in seconds. A length of 0 or less takes no time. The other
+    /// arguments must be above 0.
     SpeedProfile(double length, double speed, double acceleration, double deceleration);
 
     double Length() const { return length_; }
     double Duration() const { return rampUp_ + cruise_ + rampDown_; }
 
-    /// From 0 to Length, which it is exactly at Duration and later.
+    /// From 0 to Length. Exactly Length at Duration and later.
     double DistanceAt(double seconds) const;
 
-    /// DistanceAt as a part of the whole, 0 to 1.
+    /// DistanceAt as a fraction of the length, 0 to 1.
     double FractionAt(double seconds) const;
 
 private:

@@ -8,7 +8,7 @@
 
 namespace harvlink::simulator {
 
-/// The moves of up to four groups, by motion slot, that start together. The next step starts when all have ended.
+/// The moves of up to four groups, by motion slot. They start together. The next step starts when all have ended.
 struct PlannedStep {
     std::array<std::optional<PlannedMove>, MotionSlots> moves{};
 
@@ -22,7 +22,7 @@ struct PlannedStep {
     }
 };
 
-/// The steps that are yet to be played, with the one that is being played in front.
+/// The steps to be played. The front step is the one being played.
 class TargetBuffer {
 public:
     static constexpr std::size_t Capacity = 24;
@@ -31,19 +31,19 @@ public:
     bool IsEmpty() const { return size_ == 0; }
     bool IsFull() const { return size_ == Capacity; }
 
-    /// Needs room.
+    /// There must be room.
     void Push(PlannedStep const& step) { steps_[(first_ + size_++) % Capacity] = step; }
 
     /// From the front; `index` is below Size.
     PlannedStep& operator[](std::size_t index) { return steps_[(first_ + index) % Capacity]; }
 
-    /// Needs a step.
+    /// There must be a step.
     void PopFront() {
         first_ = (first_ + 1) % Capacity;
         --size_;
     }
 
-    /// Takes away a slot's moves from the steps at `from` and behind, and the steps that are then empty.
+    /// Removes the moves of a slot from the steps from `from` on, and the steps that are empty then.
     void RemoveSlot(std::size_t slot, std::size_t from) {
         std::size_t kept = from;
         for (std::size_t i = from; i < size_; ++i) {

@@ -14,7 +14,8 @@ namespace {
 // At a ratio of 100 %.
 constexpr double SecondsToFullSpeed = 0.3; // of an axis
 constexpr double LinearAcceleration = 5000.0; // mm/s^2
-// A turn of the hand counts like a way of this length, so that the fastest line turns it by 180 degrees a second.
+// One degree of rotation of the hand counts as this length, so that the fastest line turns it by 180 degrees per
+// second.
 constexpr double LengthOfDegree = 1500.0 / 180.0; // mm
 
 Frame FrameOfWire(WireAxes const& wire) {
@@ -22,7 +23,7 @@ Frame FrameOfWire(WireAxes const& wire) {
     return FrameOfPose({axes[0], axes[1], axes[2], axes[3], axes[4], axes[5]});
 }
 
-/// Its unit of length is the time that an axis would take at full speed.
+/// The unit of length is the time that an axis needs at full speed.
 SpeedProfile JointProfile(GroupAxes const& axes, TargetSettings const& settings, MovePath const& path) {
     double longest = 0.0;
     for (std::size_t i = 0; i < axes.count; ++i) {
@@ -56,7 +57,7 @@ double TipPathLength(MovePath const& path) {
 } // namespace
 
 TargetPlanner::TargetPlanner(Workcell const& cell, ControlGroup const& group, TargetSettings const& settings,
-                             Stance const& start, Stance const& end)
+                             GroupPositions const& start, GroupPositions const& end)
     : cell_(cell),
       group_(group),
       axes_(cell.Axes(group)),

@@ -15,17 +15,17 @@ struct PlannedMove {
     SpeedProfile profile{};
 };
 
-/// Turns one target of one group into a move, or refuses what can't be moved to, before anything moves.
+/// Plans the move of one group to one target. Refuses a target that can't be reached before anything moves.
 ///
-/// A joint move goes to the posture that the set figure tells; a line or an arc keeps the posture. Coordinates of type
-/// tool count from the tool's place at the start of the move. Base coordinates refer to where the base axes stand at the
-/// end of the step.
+/// A joint move goes to the posture of the set figure; a line or an arc keeps the posture. Tool coordinates refer to
+/// the tool position at the start of the move. Base coordinates refer to the positions of the base axes at the end of
+/// the step.
 class TargetPlanner {
 public:
-    /// `start` is where the groups stand when the move begins, `end` where those stand that were planned before in the
-    /// same step.
-    TargetPlanner(Workcell const& cell, ControlGroup const& group, TargetSettings const& settings, Stance const& start,
-                  Stance const& end);
+    /// `start` are the positions at the start of the move. `end` are the positions at the end of the step, as far as it
+    /// is planned.
+    TargetPlanner(Workcell const& cell, ControlGroup const& group, TargetSettings const& settings,
+                  GroupPositions const& start, GroupPositions const& end);
 
     Refusal Plan(Target const& target, PlannedMove& move) const;
 
@@ -43,7 +43,7 @@ private:
     GroupAxes const& axes_;
     TargetSettings const& settings_;
     AxisValues const& from_;
-    Stance const& end_;
+    GroupPositions const& end_;
     Frame const tool_;
 };
 

@@ -33,7 +33,7 @@ Refusal SetRatio(std::int32_t ratio, Refusal outOfRange, double& setting) {
 }
 
 Refusal CheckUser(std::int32_t number, Workcell const& cell) {
-    if (number < 0 || number > static_cast<std::int32_t>(Frames::HighestUser)) {
+    if (number < 0 || number > static_cast<std::int32_t>(TaughtFrames::HighestUser)) {
         return MotionRefusal::UserFrameOutOfRange;
     }
     return cell.HasUser(number) ? Refusal::None : MotionRefusal::UserFrameUnspecified;

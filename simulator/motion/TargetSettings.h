@@ -10,12 +10,12 @@
 
 namespace harvlink::simulator {
 
-/// What the targets of one motion slot are read by. Each setting holds for the targets that come after it, until it is
-/// set again: clearing targets and stopping leave it.
+/// The settings of one motion slot. Each applies to the targets that come after it, until it is set again. Clearing
+/// targets and stopping don't change it.
 struct TargetSettings {
     UAPICoordType coordinateType = UAPICoordType::UAPIPulse;
     std::int32_t userNumber = 0;
-    std::optional<std::int32_t> tool; ///< unspecified until the first is set; targets then use tool 0
+    std::optional<std::int32_t> tool; ///< unspecified until a tool is set; targets then use tool 0
     std::uint32_t figure = 0;
     double jointSpeed = 0.1; ///< part of the full speed
     double linearSpeed = 100.0; ///< mm/s
@@ -24,7 +24,7 @@ struct TargetSettings {
 
     Refusal SetCoordinates(harvlink::MotionSetCoord const& message, Workcell const& cell);
     Refusal SetTool(std::int32_t number, Workcell const& cell);
-    Refusal SetSpeed(SpeedStruct const& speed); ///< a speed of 0 leaves what was set before
+    Refusal SetSpeed(SpeedStruct const& speed); ///< a speed of 0 keeps the former one
     Refusal SetAccelerationRatio(std::int32_t ratio); ///< 20 to 100 % in 0.01 %
     Refusal SetDecelerationRatio(std::int32_t ratio);
 };

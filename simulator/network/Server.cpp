@@ -17,7 +17,7 @@ namespace {
 constexpr auto TickPeriod = std::chrono::milliseconds(1);
 constexpr int MaxEvents = 64;
 
-/// An address in network order above a port in network order.
+/// The address above the port, both in network order.
 std::uint64_t PeerOf(sockaddr_in const& from) {
     return std::uint64_t{from.sin_addr.s_addr} << 16U | from.sin_port;
 }
@@ -130,7 +130,7 @@ void Server::HandleWake() {
     static_cast<void>(!read(wake_.Get(), &count, sizeof(count)));
     if (changed_.exchange(false)) {
         for (auto const& controller : controllers_) {
-            NoteActivity(*controller);
+            AddIfActive(*controller);
         }
     }
 }
@@ -159,7 +159,7 @@ void Server::Answer(Endpoint const& endpoint) {
     if (controller.IsActive()) {
         Deliver(controller);
     }
-    NoteActivity(controller);
+    AddIfActive(controller);
 }
 
 void Server::Send(Socket const& socket, std::span<std::byte const> datagram, sockaddr_in const& to) const {
@@ -172,12 +172,12 @@ void Server::Send(Socket const& socket, std::span<std::byte const> datagram, soc
 void Server::Deliver(VirtualController& controller) {
     for (auto const& delivery : controller.TakeDeliveries()) {
         auto& sockets = sockets_.at(&controller);
-        if (delivery.source == Delivery::Source::Stray && !sockets.stray.IsOpen()) {
-            sockets.stray = Socket::Bind(controller.Address(), 0);
+        if (delivery.source == Delivery::Source::UnknownPort && !sockets.unknown.IsOpen()) {
+            sockets.unknown = Socket::Bind(controller.Address(), 0);
         }
         auto const& socket = delivery.source == Delivery::Source::RobotPort  ? sockets.robot
                              : delivery.source == Delivery::Source::FilePort ? sockets.file
-                                                                             : sockets.stray;
+                                                                             : sockets.unknown;
         Send(socket, delivery.bytes, AddressOf(delivery.peer));
     }
 }
@@ -190,7 +190,7 @@ bool Server::Tick(VirtualController& controller) {
     return goesOn;
 }
 
-void Server::NoteActivity(VirtualController& controller) {
+void Server::AddIfActive(VirtualController& controller) {
     if (controller.IsActive() && std::ranges::find(active_, &controller) == active_.end()) {
         active_.push_back(&controller);
     }

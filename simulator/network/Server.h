@@ -17,7 +17,7 @@
 
 namespace harvlink::simulator {
 
-/// Serves any number of virtual controllers on one thread, each on ports 10040 and 10041 of an address of its own.
+/// Serves any number of virtual controllers on one thread, each on ports 10040 and 10041 of its own address.
 ///
 ///     Server server;
 ///     auto& controller = server.Add("127.0.3.1");
@@ -27,10 +27,10 @@ namespace harvlink::simulator {
 /// Add, SetObserver, SetRecorder, Start and Stop belong to one thread; the controllers may be used from any.
 class Server {
 public:
-    /// Told of every datagram that is of the protocol, after it was answered, on the server's thread.
+    /// Called on the server's thread for every datagram of the protocol, after it was answered.
     using Observer = std::function<void(VirtualController const&, Request const&, Reply const&)>;
 
-    /// Told of every datagram as it comes in or goes out, with sender and receiver, on the server's thread.
+    /// Called on the server's thread for every datagram in both directions, with sender and receiver.
     using Recorder = std::function<void(sockaddr_in const&, sockaddr_in const&, std::span<std::byte const>)>;
 
     Server();
@@ -47,21 +47,21 @@ public:
     /// Only before Start.
     void SetRecorder(Recorder recorder) { recorder_ = std::move(recorder); }
 
-    /// Binds all addresses, then answers on a thread of its own. False if an address can't be bound: Error tells which
-    /// and why, and nothing is left bound.
+    /// Binds all addresses, then answers on its own thread. False if an address can't be bound: Error then says which
+    /// and why, and no address stays bound.
     [[nodiscard]] bool Start();
 
-    /// Ends the thread and closes the sockets. The controllers and what they remember stay; Start may be called again.
+    /// Ends the thread and closes the sockets. The controllers keep their state; Start may be called again.
     void Stop();
 
     std::string const& Error() const { return error_; }
 
 private:
-    /// The sockets of a controller. The last is bound when a fault asks for it.
+    /// The sockets of a controller. The last one is bound when a fault needs it.
     struct Sockets {
         Socket robot;
         Socket file;
-        Socket stray;
+        Socket unknown;
     };
 
     struct Endpoint {
@@ -84,12 +84,12 @@ private:
     void TickIfDue();
     bool Tick(VirtualController& controller);
     void Deliver(VirtualController& controller);
-    void NoteActivity(VirtualController& controller);
+    void AddIfActive(VirtualController& controller);
 
     std::vector<std::unique_ptr<VirtualController>> controllers_;
     std::unordered_map<VirtualController const*, Sockets> sockets_;
     std::vector<std::unique_ptr<Endpoint>> endpoints_;
-    std::vector<VirtualController*> active_; ///< those with something going on in time
+    std::vector<VirtualController*> active_; ///< controllers that need Tick or TakeDeliveries
     Observer observer_;
     Recorder recorder_;
     Descriptor epoll_;
@@ -98,7 +98,7 @@ private:
     Reply reply_;
     std::array<std::byte, 2048> buffer_{};
     std::atomic<bool> stopping_ = false;
-    std::atomic<bool> changed_ = false; ///< some controller was changed by another thread
+    std::atomic<bool> changed_ = false; ///< another thread has changed a controller
     std::chrono::steady_clock::time_point nextTick_;
     std::thread thread_;
 };

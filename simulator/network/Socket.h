@@ -14,19 +14,20 @@ namespace harvlink::simulator {
 /// A non-blocking UDP socket bound to one address and port.
 class Socket {
 public:
-    /// On failure the socket is not open and errno tells why.
+    /// On failure the socket is not open and errno gives the reason.
     static Socket Bind(std::string const& address, std::uint16_t port);
 
     bool IsOpen() const { return descriptor_.IsOpen(); }
     int Get() const { return descriptor_.Get(); }
 
-    /// Where it is bound.
+    /// The address and port to which it is bound.
     sockaddr_in Address() const;
 
-    /// Takes one datagram, cut at the buffer's size, without waiting. -1 if there is none, its length otherwise.
+    /// Receives one datagram without waiting, cut at the size of the buffer. Returns its length, or -1 if there is
+    /// none.
     std::ptrdiff_t Receive(std::span<std::byte> buffer, sockaddr_in& from) const;
 
-    /// A datagram that can't be sent is lost, as any datagram may be.
+    /// A datagram that can't be sent is dropped, as the network may drop any datagram.
     void Send(std::span<std::byte const> datagram, sockaddr_in const& to) const;
 
 private:

@@ -20,12 +20,12 @@ struct Arguments {
     bool verbose = false;
 };
 
-/// The command line. What it says goes before what the scene says.
+/// The command line. It takes precedence over the scene.
 class ArgumentParser {
 public:
     explicit ArgumentParser(CLI::App& app);
 
-    /// After parsing. Throws SceneError.
+    /// Call after parsing. Throws SceneError.
     Arguments Result() const;
 
 private:

@@ -26,17 +26,18 @@ using namespace harvlink::simulator;
 
 constexpr int WrongUsage = 2;
 
-/// What is opened later must not take the place of a closed standard stream, or output would go into it.
+/// Fills the places of closed standard streams. Otherwise a file opened later would take such a place and output would
+/// go into it.
 void OccupyStandardStreams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
         if (fcntl(stream, F_GETFD) == -1) {
-            open("/dev/null", O_RDONLY); // the lowest free number, where writing fails as before
+            open("/dev/null", O_RDONLY); // takes the lowest free number; writing to it fails as before
         }
     }
 }
 
-/// Blocks the signals that end the program. Before the server's thread starts, so that it inherits the mask and the
-/// signal comes to AwaitEnd.
+/// Blocks the signals that end the program. Called before the server's thread starts, which inherits the mask, so that
+/// AwaitEnd gets the signal.
 sigset_t BlockEndSignals() {
     sigset_t signals;
     sigemptyset(&signals);

@@ -9,7 +9,7 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// The file's own numbers have the byte order of who wrote it, which its first number tells.
+/// The numbers of the file have the byte order of the writing machine. Readers recognise it by the first number.
 struct FileHeader {
     std::uint32_t magic = 0xA1B23C4D; ///< times in nanoseconds
     std::uint16_t majorVersion = 2;
@@ -28,7 +28,7 @@ struct RecordHeader {
 };
 static_assert(sizeof(RecordHeader) == 16);
 
-/// IPv4 and UDP, in network order. Without checksums: the kernel has already seen to what they protect.
+/// IPv4 and UDP, in network order. The checksums stay 0, because the kernel has already checked the datagram.
 struct NetworkHeaders {
     std::uint8_t versionAndSize = 0x45;
     std::uint8_t service = 0;

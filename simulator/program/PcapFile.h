@@ -9,8 +9,8 @@
 
 namespace harvlink::simulator {
 
-/// A recording of datagrams that packet sniffers read. Each datagram is in the file when Write returns, so that a sniffer
-/// may follow the file and nothing is lost if the program is killed.
+/// A recording of datagrams for packet sniffers. Each datagram is in the file when Write returns, so a sniffer can
+/// follow the file, and nothing is lost if the program is killed.
 class PcapFile {
 public:
     /// Throws std::system_error if the file can't be written.
@@ -18,7 +18,7 @@ public:
 
     void Write(sockaddr_in const& from, sockaddr_in const& to, std::span<std::byte const> datagram);
 
-    /// Whether all could be written so far.
+    /// Whether everything has been written so far.
     bool IsWhole() const { return file_.good(); }
 
 private:

@@ -7,11 +7,11 @@
 
 namespace harvlink::simulator {
 
-/// What the controllers were asked and which faults happened to them, as JSON:
+/// The numbers of requests and faults of each controller, as JSON:
 ///
 ///     {"controllers": [{"address": "127.0.0.1", "requests": 9, "refused": 0, "ignored": 0, "faults": {"drop": 1, ...}}]}
 ///
-/// Writes it to a file. False if that fails; errno tells why.
+/// Writes it to a file. False on failure; errno gives the reason.
 bool WriteTrafficReport(std::string const& path, std::span<VirtualController* const> controllers);
 
 } // namespace harvlink::simulator

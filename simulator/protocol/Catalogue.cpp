@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint16_t FirstExtendedCommand = 829;
 constexpr std::uint16_t AnyInstance = 0xFFFF;
 
-/// One way in which a command may be asked.
+/// One allowed form of a command.
 struct Row {
     CommandNumber command;
     std::uint8_t attribute;
@@ -24,7 +24,7 @@ struct Row {
 
 using enum CommandNumber;
 
-/// Sorted by command. A bit set travels in its 8 bytes of memory, a number in its own size: both are welcome.
+/// Sorted by command. A client may send a number in its own size or, as a bit set, in 8 bytes.
 constexpr std::array Rows{
     Row{AlarmDataRead, 0, ServiceReadAll, 1, 4, 0, 0},
     Row{AlarmHistoryRead, 0, ServiceReadAll, 1, 4100, 0, 0},
@@ -91,7 +91,7 @@ constexpr std::size_t Number(Row const& row) {
 
 static_assert(std::ranges::is_sorted(Rows, {}, Number));
 
-/// By command, its first row; the number of rows for a command that isn't there.
+/// The first row of each command; the number of rows for an unknown command.
 constexpr auto FirstRows = [] {
     std::array<std::uint8_t, CommandLimit> first{};
     first.fill(Rows.size());
@@ -101,7 +101,7 @@ constexpr auto FirstRows = [] {
     return first;
 }();
 
-/// Null if the command can't be asked in this way.
+/// Null if the command has no such form.
 Row const* FindRow(SubHeaderForSending const& asked) {
     for (std::size_t i = FirstRows[asked.command]; i < Rows.size() && Number(Rows[i]) == asked.command; ++i) {
         if (Rows[i].attribute == asked.attribute && Rows[i].service == asked.service) {

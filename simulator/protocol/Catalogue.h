@@ -8,12 +8,11 @@
 
 namespace harvlink::simulator {
 
-/// All numbers of commands are below it.
+/// All command numbers are below this limit.
 inline constexpr std::size_t CommandLimit = 1024;
 
-/// Checks a request of the robot control port against the catalogue of commands: is the command known, do attribute and
-/// service go with it, is the instance in the command's range, has the payload a size that the command can have.
-/// `extended` says whether the controller understands the commands from 829 up.
+/// Checks a request of the robot control port against the catalogue of commands: command, attribute, service, range of
+/// the instance and size of the payload. `extended` says whether the controller knows the commands from 829 up.
 Refusal CheckAgainstCatalogue(Request const& request, bool extended);
 
 } // namespace harvlink::simulator

@@ -4,9 +4,8 @@
 
 namespace harvlink::simulator {
 
-/// Why a request is refused: the controller's code, which goes out as the added status. The list is open: a handler with
-/// codes of its own writes `Refusal{65534}`. The four-digit error numbers are spelled in hexadecimal, as a controller
-/// does.
+/// The code of a refused request, which the reply carries as added status. The list is open: a handler writes its own
+/// codes as `Refusal{65534}`. The four-digit error numbers are written in hexadecimal, as controllers show them.
 enum class Refusal : std::uint16_t {
     None = 0,
 

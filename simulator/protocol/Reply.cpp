@@ -6,7 +6,7 @@ namespace harvlink::simulator {
 
 namespace {
 
-/// The status byte of a reply says in one number what kind of refusal the added status tells in detail.
+/// The status byte of a reply: the kind of refusal. The added status has the details.
 std::uint8_t StatusByte(Refusal code) {
     switch (code) {
     case Refusal::None:

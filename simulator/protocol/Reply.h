@@ -12,17 +12,17 @@
 
 namespace harvlink::simulator {
 
-/// The answer under construction. One object is used over and over, so its payload holds old bytes: a handler sets what
-/// it means to send. A fresh reply is a success without payload.
+/// A reply under construction. The object is reused, so its buffer holds old bytes; a handler sets everything that it
+/// sends. After Begin a reply is a success without payload.
 class Reply {
 public:
-    /// The largest payload that travels in either direction.
+    /// The largest payload in either direction.
     static constexpr std::size_t MaxPayload = FileBlockSize;
 
     /// Starts the answer to `request`: same id, division and block number, success, no payload.
     void Begin(Request const& request);
 
-    /// Answers with the controller's code instead. Drops the payload.
+    /// Makes the reply a refusal with this code and without payload.
     void Refuse(Refusal code);
 
     /// Refuses unless the code is `None`. Returns whether the request was refused.
@@ -33,7 +33,7 @@ public:
         return code != Refusal::None;
     }
 
-    /// The payload becomes the memory of `record`.
+    /// Sets the payload to the memory of `record`.
     template <typename Record>
     void Set(Record const& record) {
         static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) <= MaxPayload);
@@ -41,23 +41,23 @@ public:
         SetPayloadSize(sizeof(Record));
     }
 
-    /// The payload becomes a copy of `bytes`, cut at `MaxPayload`.
+    /// Sets the payload to a copy of `bytes`, cut at `MaxPayload`.
     void SetBytes(std::span<std::byte const> bytes);
 
-    /// All of the payload's room, to be filled in place; then call SetPayloadSize.
+    /// The whole payload buffer, to be filled in place. Call SetPayloadSize afterwards.
     std::span<std::byte, MaxPayload> Payload() { return std::span(datagram_).subspan<HeaderSize, MaxPayload>(); }
     void SetPayloadSize(std::size_t size);
 
     void SetBlockNumber(std::uint32_t number);
 
-    /// Sends nothing at all: the last acknowledgement of a file transfer has no answer.
+    /// Sends no reply, as after the last acknowledgement of a file transfer.
     void Suppress() { suppressed_ = true; }
 
     bool IsSuppressed() const { return suppressed_; }
     bool IsRefused() const { return code_ != Refusal::None; }
     Refusal Code() const { return code_; }
 
-    /// The datagram as it goes out.
+    /// The complete datagram.
     std::span<std::byte const> Bytes() const { return std::span(datagram_).first(HeaderSize + payloadSize_); }
 
 private:

@@ -13,10 +13,11 @@ namespace harvlink::simulator {
 
 enum class Port : std::uint16_t { Robot = 10040, File = 10041 };
 
-/// A well-formed datagram as it came in. The payload stands in the receive buffer and is gone after the handler returns.
+/// A received datagram with a valid header. The payload lies in the receive buffer and is valid until the handler
+/// returns.
 struct Request {
     Port port = Port::Robot;
-    std::uint64_t peer = 0; ///< who asked: equal for datagrams of one client socket, different for any other
+    std::uint64_t peer = 0; ///< the client's socket: equal for datagrams of one socket, different for any other
     CommonHeader header{};
     SubHeaderForSending subHeader{};
     std::span<std::byte const> payload;
@@ -24,8 +25,8 @@ struct Request {
     CommandNumber Command() const { return static_cast<CommandNumber>(subHeader.command); }
     bool IsWrite() const { return subHeader.service == ServiceWriteOne || subHeader.service == ServiceWriteAll; }
 
-    /// The payload as a wire record. A shorter payload leaves the rest of the record zero, a longer one is cut: whether a
-    /// command may have such a size was decided before, by its row in the catalogue.
+    /// The payload as a wire record. A shorter payload leaves the rest of the record zero, a longer one is cut. The
+    /// catalogue has already checked that the command may have this size.
     template <typename Record>
     Record As() const {
         static_assert(std::is_trivially_copyable_v<Record>);

@@ -35,7 +35,7 @@ struct Section {
     void (*apply)(SceneNode const&, ControllerParts&);
 };
 
-/// In the order in which they are applied: files may depend on the parameters, and an alarm drops servo power.
+/// In the order of application. Files may depend on parameters, and an alarm switches servo power off.
 constexpr std::array Sections{
     Section{"parameters", OnModel<ApplyParameters>},
     Section{"variables", OnModel<ApplyVariables>},

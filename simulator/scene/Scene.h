@@ -12,11 +12,11 @@ namespace harvlink::simulator {
 
 struct ControllerParts;
 
-/// What a controller is like when it is switched on, read from a TOML file: simulator/scenes/example.toml shows all there
-/// is. Reading and applying throw a SceneError that names file, line and key.
+/// The state in which a controller starts, read from a TOML file. simulator/scenes/example.toml shows everything that
+/// can be set. Reading and applying throw a SceneError that names file, line and key.
 class Scene {
 public:
-    /// Reads a scene and tries it out. A path in it is relative to the scene's own folder.
+    /// Reads a scene and checks it by applying it to a controller. Paths in it are relative to the folder of the scene.
     static Scene FromFile(std::filesystem::path const& path);
 
     /// The same from text; `name` stands for the file in messages.
@@ -26,10 +26,10 @@ public:
     Scene& operator=(Scene&&) noexcept;
     ~Scene();
 
-    /// What the controller must be built as.
+    /// The options with which the controller must be built.
     ControllerOptions const& Options() const { return options_; }
 
-    /// Sets everything else. Fails if the controller was built as something that lacks what the scene sets.
+    /// Sets everything else. Fails if the controller was built without something that the scene sets.
     void ApplyTo(ControllerParts& parts) const;
 
 private:

@@ -16,11 +16,11 @@
 
 namespace harvlink::simulator {
 
-/// A value of a scene and the place it stands at. Every access says what it expects and throws a SceneError that names
-/// file, line and key if that isn't there.
+/// A value of a scene and its position in the file. Every access states what it expects. Otherwise it throws a
+/// SceneError that names file, line and key.
 class SceneNode {
 public:
-    /// `file` is how the scene is called in messages. Both must outlive the node.
+    /// `file` is the name of the scene in messages. Both must outlive the node.
     SceneNode(toml::table const& root, std::string const& file) : node_(&root), file_(&file) {}
 
     [[noreturn]] void Fail(std::string_view what) const;
@@ -42,11 +42,11 @@ public:
     /// Like Entries, for a table whose keys are numbers from `lowest` to `highest`.
     std::vector<std::pair<std::size_t, SceneNode>> NumberedEntries(std::size_t lowest, std::size_t highest) const;
 
-    /// A value of a table, nothing if it has none of that key.
+    /// A value of a table. Nothing if the table has no such key.
     std::optional<SceneNode> Find(std::string_view key) const;
     SceneNode Require(std::string_view key) const;
 
-    /// Fails at the first key that is not among these: a slip of the pen shall not go unnoticed.
+    /// Fails at the first key that is not one of these, so that typing errors are found.
     void AllowOnly(std::initializer_list<std::string_view> keys) const;
 
 private:

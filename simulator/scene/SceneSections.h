@@ -6,7 +6,7 @@
 #include "simulator/scene/SceneNode.h"
 
 /// @file
-/// The sections of a scene. Each function reads one, checks it, and puts what it says into effect.
+/// The sections of a scene. Each function reads one section, checks it and applies it.
 
 namespace harvlink::simulator {
 

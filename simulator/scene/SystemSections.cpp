@@ -8,12 +8,12 @@ namespace harvlink::simulator {
 
 namespace {
 
-FrameEntry ReadFrame(SceneNode const& node) {
+TaughtFrame ReadFrame(SceneNode const& node) {
     node.AllowOnly({"name", "pose"});
-    FrameEntry frame;
+    TaughtFrame frame;
     frame.isDefined = true;
     if (auto const name = node.Find("name")) {
-        frame.name = name->Text(FrameEntry::NameLength);
+        frame.name = name->Text(TaughtFrame::NameLength);
     }
     auto const pose = node.Require("pose");
     auto const items = pose.Items();
@@ -57,7 +57,7 @@ void ApplyTools(SceneNode const& tools, ControllerModel& model) {
 }
 
 void ApplyUserFrames(SceneNode const& frames, ControllerModel& model) {
-    for (auto const& [number, node] : frames.NumberedEntries(1, Frames::HighestUser)) {
+    for (auto const& [number, node] : frames.NumberedEntries(1, TaughtFrames::HighestUser)) {
         model.frames.users[number] = ReadFrame(node);
     }
 }

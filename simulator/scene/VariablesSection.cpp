@@ -28,7 +28,7 @@ std::uint32_t ReadType(SceneNode const& node) {
     return choice == 0 ? 0 : FirstCartesian + choice - 1;
 }
 
-/// Pulses as they are; otherwise millimetres for the first `linearAxes` axes and degrees for the others.
+/// Pulses are taken as written. Otherwise the first `linearAxes` axes are in millimetres, the others in degrees.
 WireAxes ReadAxes(SceneNode const& node, bool isPulse, std::size_t linearAxes) {
     auto const items = node.Items();
     WireAxes axes{};
@@ -58,7 +58,7 @@ void Assign(RobotPositionMsg& variable, SceneNode const& node) {
         return value ? static_cast<std::uint32_t>(value->Integer(0, highest)) : 0U;
     };
     variable.toolNumber = number("tool", 63);
-    variable.userCoordinateNumber = number("user", static_cast<std::int64_t>(Frames::HighestUser));
+    variable.userCoordinateNumber = number("user", static_cast<std::int64_t>(TaughtFrames::HighestUser));
     variable.figure = number("figure", 0x3F);
     variable.extendedFigure = number("extended_figure", 0x1F);
 }

@@ -120,7 +120,7 @@ TEST(Kinematics, NearestGoesOnThroughTheTurnsOfAnAxis) {
     EXPECT_NEAR(at[5], 330.0, 1e-6);
 }
 
-TEST(Frames, PoseInTheGimbalPositionIsUnique) {
+TEST(TaughtFrames, PoseInTheGimbalPositionIsUnique) {
     for (double const ry : {90.0, -90.0}) {
         Frame const frame = FrameOfPose({1, 2, 3, 20, ry, 50});
         Pose const pose = PoseOfFrame(frame);
@@ -130,7 +130,7 @@ TEST(Frames, PoseInTheGimbalPositionIsUnique) {
     }
 }
 
-TEST(Frames, AxisAndAngleSurvivesHalfTurns) {
+TEST(TaughtFrames, AxisAndAngleSurvivesHalfTurns) {
     std::mt19937_64 random(2);
     std::uniform_real_distribution<> unit(-1.0, 1.0);
     for (double const degrees : {0.0, 1e-6, 1.0, 90.0, 179.999999, 180.0}) {

@@ -36,7 +36,7 @@ inline bool IsTimeout(StatusInfo const& status) {
 
 /// What a fault can come to in a program that uses the library as it is documented. None of them is a failure; all are
 /// told from wrong values by what they look like, and are bounded by the faults that were injected.
-enum class Survived : std::uint8_t {
+enum class FaultEffect : std::uint8_t {
     NoAnswer, ///< ResponseTimeout
     CutAnswer, ///< zeros from some byte on: a shortened reply, or silence on request id 0. The next read was right
     LostWrite, ///< a write or target that succeeded on id 0 and was not taken: its refusal, or itself, was lost
@@ -45,15 +45,15 @@ enum class Survived : std::uint8_t {
     BrokenTrajectory, ///< the monitor raised its alarm and emptied the queue
     IncompleteStart, ///< a connection that could not be opened, or did not learn all of its controller
 };
-inline constexpr std::size_t SurvivedKinds = 7;
-std::string_view NameOf(Survived kind);
+inline constexpr std::size_t FaultEffects = 7;
+std::string_view NameOf(FaultEffect kind);
 
 /// What all workers count together.
-class Ledger {
+class Results {
 public:
     /// Counts an operation and, by its status, an answer that did not come.
     void Note(Family family, StatusInfo const& status);
-    void Note(Survived kind) { ++survived_.at(static_cast<std::size_t>(kind)); }
+    void Note(FaultEffect kind) { ++effects_.at(static_cast<std::size_t>(kind)); }
     void NoteFileBytes(std::uint64_t bytes) { fileBytes_ += bytes; }
 
     /// The run has failed. Printed at once; the first ones are kept for the report.
@@ -61,14 +61,14 @@ public:
 
     std::uint64_t Operations(Family family) const { return operations_.at(static_cast<std::size_t>(family)); }
     std::uint64_t Operations() const;
-    std::uint64_t Count(Survived kind) const { return survived_.at(static_cast<std::size_t>(kind)); }
+    std::uint64_t Count(FaultEffect kind) const { return effects_.at(static_cast<std::size_t>(kind)); }
     std::uint64_t FileBytes() const { return fileBytes_; }
     std::uint64_t FailureCount() const { return failureCount_; }
     std::vector<std::string> Failures() const;
 
 private:
     std::array<std::atomic<std::uint64_t>, Families> operations_{};
-    std::array<std::atomic<std::uint64_t>, SurvivedKinds> survived_{};
+    std::array<std::atomic<std::uint64_t>, FaultEffects> effects_{};
     std::atomic<std::uint64_t> fileBytes_ = 0;
     std::atomic<std::uint64_t> failureCount_ = 0;
     mutable std::mutex mutex_;

@@ -1,4 +1,4 @@
-#include "soak/Ledger.h"
+#include "soak/Results.h"
 
 #include <fmt/format.h>
 
@@ -9,10 +9,10 @@ namespace {
 constexpr std::array<std::string_view, Families> FamilyNames{
     "Connection",      "ControlGroup", "Status", "Variables",     "IO",        "Faults",
     "ControlCommands", "Job",          "Files",  "MotionManager", "Kinematics"};
-constexpr std::array<std::string_view, SurvivedKinds> SurvivedNames{
+constexpr std::array<std::string_view, FaultEffects> FaultEffectNames{
     "no-answer",       "cut-answer",        "lost-write",      "repeated-block",
     "broken-transfer", "broken-trajectory", "incomplete-start"};
-constexpr std::size_t MostFailuresKept = 20;
+constexpr std::size_t MaxFailuresKept = 20;
 
 } // namespace
 
@@ -20,27 +20,27 @@ std::string_view NameOf(Family family) {
     return FamilyNames.at(static_cast<std::size_t>(family));
 }
 
-std::string_view NameOf(Survived kind) {
-    return SurvivedNames.at(static_cast<std::size_t>(kind));
+std::string_view NameOf(FaultEffect kind) {
+    return FaultEffectNames.at(static_cast<std::size_t>(kind));
 }
 
-void Ledger::Note(Family family, StatusInfo const& status) {
+void Results::Note(Family family, StatusInfo const& status) {
     ++operations_.at(static_cast<std::size_t>(family));
     if (IsTimeout(status)) {
-        Note(Survived::NoAnswer);
+        Note(FaultEffect::NoAnswer);
     }
 }
 
-void Ledger::Fail(std::string const& what) {
+void Results::Fail(std::string const& what) {
     ++failureCount_;
     std::scoped_lock const lock(mutex_);
-    if (failures_.size() < MostFailuresKept) {
+    if (failures_.size() < MaxFailuresKept) {
         failures_.push_back(what);
         fmt::print(stderr, "FAILED: {}\n", what);
     }
 }
 
-std::uint64_t Ledger::Operations() const {
+std::uint64_t Results::Operations() const {
     std::uint64_t total = 0;
     for (auto const& count : operations_) {
         total += count;
@@ -48,7 +48,7 @@ std::uint64_t Ledger::Operations() const {
     return total;
 }
 
-std::vector<std::string> Ledger::Failures() const {
+std::vector<std::string> Results::Failures() const {
     std::scoped_lock const lock(mutex_);
     return failures_;
 }

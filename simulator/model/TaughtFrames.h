@@ -8,7 +8,7 @@
 namespace harvlink::simulator {
 
 /// A frame: X, Y, Z in millimetres, then Rx, Ry, Rz in degrees.
-struct FrameEntry {
+struct TaughtFrame {
     static constexpr std::size_t NameLength = 32;
 
     std::array<double, 6> pose{};
@@ -16,9 +16,9 @@ struct FrameEntry {
     bool isDefined = false;
 };
 
-/// Tools and user coordinates. Tool 0 is always defined; a user coordinate is one only when it was taught.
-struct Frames {
-    explicit Frames(std::size_t toolCount) : tools(toolCount) {
+/// Tools and user coordinates. Tool 0 is always defined; a user coordinate is defined only after it was taught.
+struct TaughtFrames {
+    explicit TaughtFrames(std::size_t toolCount) : tools(toolCount) {
         if (!tools.empty()) {
             tools.front().isDefined = true;
         }
@@ -26,8 +26,8 @@ struct Frames {
 
     static constexpr std::size_t HighestUser = 63;
 
-    std::vector<FrameEntry> tools; ///< by tool number, from 0
-    std::array<FrameEntry, HighestUser + 1> users; ///< by user coordinate number, from 1
+    std::vector<TaughtFrame> tools; ///< by tool number, from 0
+    std::array<TaughtFrame, HighestUser + 1> users; ///< by user coordinate number, from 1
 };
 
 } // namespace harvlink::simulator

@@ -9,7 +9,7 @@
 namespace harvlink::soak {
 
 /// A connection that several workers use at the same time.
-struct Session {
+struct SharedConnection {
     std::string address;
     bool isExtended = false; ///< of a generation that has motion, conversion and job stack
     Connection robot;
@@ -18,9 +18,9 @@ struct Session {
 
 /// Opens a connection and makes sure that it has learnt all of its controller: a reply that is lost or cut while it opens
 /// leaves it with fewer tools, groups or motion slots, or counting variables from the wrong end. Empty if that failed.
-Connection OpenWhole(std::string const& address, bool isExtended, Options const& options, Ledger& ledger);
+Connection OpenComplete(std::string const& address, bool isExtended, Options const& options, Results& results);
 
 /// The same, until it succeeds. Throws std::runtime_error if it never does.
-Connection OpenAtLast(std::string const& address, bool isExtended, Options const& options, Ledger& ledger);
+Connection OpenWithRetries(std::string const& address, bool isExtended, Options const& options, Results& results);
 
 } // namespace harvlink::soak
