@@ -25,7 +25,7 @@ std::string ReadWhole(std::filesystem::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Whether all blocks came, in order, and some more than once: a doubled datagram is taken for the next block.
+/// Whether all blocks came in order, and some more than once. A doubled datagram is taken for the next block.
 bool HasRepeatedBlocks(std::string_view whole, std::string_view got) {
     while (!whole.empty()) {
         auto const block = whole.substr(0, BlockSize);
@@ -42,7 +42,7 @@ bool HasRepeatedBlocks(std::string_view whole, std::string_view got) {
 
 std::string Difference(std::string const& wanted, std::string const& got) {
     auto const at = std::ranges::mismatch(wanted, got).in1 - wanted.begin();
-    return fmt::format("{} bytes instead of {}, different from byte {} on", got.size(), wanted.size(), at);
+    return fmt::format("{} bytes instead of {}, first difference at byte {}", got.size(), wanted.size(), at);
 }
 
 } // namespace
@@ -77,7 +77,7 @@ void FilesWorker::Step() {
     }
 }
 
-/// Any bytes but zero, which would end a block. A job needs its frame; the rest goes into comments.
+/// Any bytes except zero, which would end a block. A job has a valid header and consists of comments.
 std::string FilesWorker::RandomContent(std::string const& name) {
     auto const size = std::min(Sizes.at(Draw(0, Sizes.size() - 1)), options_.LargestFile());
     std::string content;
@@ -111,15 +111,15 @@ StatusInfo FilesWorker::Save(QuorvanController& robot, std::string const& name, 
     return status;
 }
 
-/// Whether a transfer that did not succeed broke off for want of an answer.
+/// Checks that a failed transfer failed because of a missing answer. True if it succeeded.
 bool FilesWorker::CheckTransfer(std::string const& what, StatusInfo const& status) {
     if (status.StatusCode == 0) {
         return true;
     }
     results_.Note(FaultEffect::BrokenTransfer);
-    // Silence on id 0 passes for a block with the number 0, and acknowledging that one is refused.
+    // Silence on id 0 is taken for a block with the number 0, and its acknowledgement is refused.
     bool const isOutOfStep = status.StatusCode == BlockNumberError;
-    // Where requests get lost the controller may miss a block, or have dropped the transfer.
+    // If requests are lost, the controller may miss a block or drop the transfer.
     if (!isOutOfStep && !options_.badNetwork) {
         IsSent(what, status);
     }

@@ -21,9 +21,9 @@ public:
     std::size_t KeptBytes() const override;
 
 private:
-    using Content = std::optional<std::string>; ///< nothing: there is no such file
+    using Content = std::optional<std::string>; ///< nothing: the file doesn't exist
 
-    /// What is known of a controller's files: those of this worker, each with all that it may hold.
+    /// The files of this worker on a controller, each with all its possible contents.
     struct Store {
         SharedConnection* connection = nullptr;
         std::map<std::string, std::set<Content>> files;

@@ -9,12 +9,12 @@
 
 namespace harvlink::soak {
 
-/// Something that a controller tells and that never changes while its arm is at rest.
+/// Something that a client can read and that never changes while the arm is at rest.
 struct FixedReading {
     std::string name;
     Family family;
     std::function<StatusInfo(WireImage&)> read;
-    WireImage known{}; ///< empty until it has been learnt
+    WireImage known{}; ///< empty until the first reading
 };
 
 std::vector<FixedReading> FixedReadings(SharedConnection& connection);

@@ -6,7 +6,7 @@
 
 namespace harvlink::soak {
 
-/// Sets some variables, by way of a job that it calls, and ends.
+/// Sets some variables, one of them in a job that it calls.
 inline constexpr std::string_view RunJobName = "SOAKRUN";
 inline constexpr std::string_view RunJob = "/JOB\r\n"
                                            "//NAME SOAKRUN\r\n"
@@ -34,7 +34,7 @@ inline constexpr std::string_view BadJob = "/JOB\r\n"
                                            "CALL JOB:NOWHERE\r\n"
                                            "END\r\n";
 
-inline constexpr std::uint16_t JobVariable = 90; ///< the index of those that RunJob sets, one of each kind
+inline constexpr std::uint16_t JobVariable = 90; ///< index of the variables that RunJob sets, one of each kind
 inline constexpr std::uint8_t JobDone = 77;
 inline constexpr std::int16_t JobInteger = -1234;
 inline constexpr std::int32_t JobDouble = 56789012;

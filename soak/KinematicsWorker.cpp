@@ -28,7 +28,7 @@ WireImage ConversionImage(PositionData const& position) {
 } // namespace
 
 PositionData KinematicsWorker::RandomAngles() {
-    // Within the arm's limits and away from its singular places, where the way back is not unique.
+    // Within the limits of the arm and away from its singularities, where the conversion back is not unique.
     constexpr std::array<std::array<double, 2>, 6> ranges{
         {{-150, 150}, {-20, 60}, {-40, 40}, {-60, 60}, {-110, -30}, {-150, 150}}};
     PositionData position{.coordinateType = CoordinateType::JointAngle};
@@ -104,7 +104,7 @@ void KinematicsWorker::Compare(std::string const& what, PositionData const& one,
         double const difference = one.axes[i] - other.axes[i];
         bool const isTurn = i >= 3 && one.coordinateType != CoordinateType::Pulse;
         if (!(std::abs(isTurn ? std::remainder(difference, 360.0) : difference) <= tolerance)) {
-            Fail(fmt::format("{}: axis {} is {} there and {} back", what, i, one.axes[i], other.axes[i]));
+            Fail(fmt::format("{}: axis {} is {}, and {} after converting back", what, i, one.axes[i], other.axes[i]));
             return;
         }
     }

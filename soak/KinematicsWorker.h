@@ -5,7 +5,7 @@
 
 namespace harvlink::soak {
 
-/// Converts random positions there and back.
+/// Converts random positions and converts them back.
 class KinematicsWorker final : public Worker {
 public:
     KinematicsWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,

@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int AlarmIsActive = 8288;
-/// What is left of that refusal when its reply is cut short: the status byte alone, or the low byte of the code.
+/// The same refusal in a cut reply: only the status byte, or the low byte of the code.
 constexpr std::array CutRefusals{31, AlarmIsActive % 256, 0};
 constexpr auto JobTimeout = 20s;
 
@@ -23,10 +23,10 @@ SignalStatus SwitchOf(bool on) {
     return on ? SignalStatus::On : SignalStatus::Off;
 }
 
-/// How a state without any bit reads.
+/// The state that is read from a reply of zeros.
 constexpr ControllerStateData StateOfZeros{.cycleMode = CycleMode::Automatic};
 
-/// Whether the state's second word tells anything.
+/// Whether any bit of the second word is set.
 bool HasSecondWord(ControllerStateData const& state) {
     return state.isProgramPendantHold || state.isAlarming || state.isErroring || state.isServoOn;
 }
@@ -143,7 +143,7 @@ Answer MachineWorker::CompareState(ControllerStateData& got) {
     return isCut ? Answer::Cut : Answer::Wrong;
 }
 
-/// Until there is a whole answer.
+/// Repeats until there is a complete answer.
 Answer MachineWorker::AskState() {
     ControllerStateData got;
     auto answer = Answer::Missing;
@@ -184,7 +184,7 @@ void MachineWorker::ShowText() {
     IsSent("pendant text", Done(Family::ControlCommands, robot_.ControlCommands->DisplayStringToPendant(text)));
 }
 
-/// The playback time never runs backwards.
+/// The playback time must never decrease.
 void MachineWorker::ReadTimes() {
     TimeData data;
     std::int64_t seconds = 0;
@@ -194,7 +194,7 @@ void MachineWorker::ReadTimes() {
             status = Done(Family::Status, robot_.Status->ReadOperatingTimes(ControlGroupId::R1, TimeType::PlaybackTotal,
                                                                             data, ApplicationNumber::None));
         } catch (std::exception const&) {
-            return Answer::Cut; // as documented for an answer that holds no readable time
+            return Answer::Cut; // as documented for an answer without a readable time
         }
         auto const& elapsed = data.elapsedTime;
         seconds = (std::int64_t{elapsed.hours} * 60 + elapsed.minutes) * 60 + elapsed.seconds;
@@ -240,7 +240,7 @@ bool MachineWorker::SelectAndStart(std::string_view name) {
     auto const send = [&](char const* what, Family family, auto const& command) {
         WaitForLateReplies();
         auto const status = Done(family, command());
-        // Where requests get lost, a job that did not start is found out by what it did not do.
+        // If requests are lost, AwaitJob notices a job that did not start.
         return options_.badNetwork ? status.StatusCode == 0 : IsSent(fmt::format("{} of {}", what, name), status);
     };
     return send("selection", Family::Job, [&] { return robot_.Job->SetActiveJob(std::string(name), 0); }) &&
@@ -248,7 +248,7 @@ bool MachineWorker::SelectAndStart(std::string_view name) {
            send("start", Family::ControlCommands, [&] { return robot_.ControlCommands->StartJob(); });
 }
 
-/// A selection that was lost on id 0 would let another job start.
+/// Without this check another job would start if the selection was lost on id 0.
 bool MachineWorker::IsSelected(std::string_view name) {
     JobData data;
     auto const status = Done(Family::Job, robot_.Job->GetExecutingJobInformation(TesselTaskNumber::Master, data));
@@ -270,7 +270,7 @@ void MachineWorker::ResetJobVariables() {
     AskUntilRight("reset of the job's variables", ask, [&] { return fmt::format("{}", got.value); });
 }
 
-/// Waits until the job has set its last variable and come back to its beginning.
+/// Waits until the job has set its last variable and returned to its first line.
 bool MachineWorker::AwaitJob() {
     auto const deadline = SteadyClock::now() + JobTimeout;
     auto lastStart = SteadyClock::now();
@@ -278,7 +278,7 @@ bool MachineWorker::AwaitJob() {
     while (SteadyClock::now() < deadline) {
         auto const status = Done(Family::Variables, robot_.Variables->byteVariable->Read(JobVariable, got));
         if (status.StatusCode == 0 && got.value == JobDone) {
-            std::this_thread::sleep_for(50ms); // it still has its last line to do
+            std::this_thread::sleep_for(50ms); // the last line is still to be executed
             return ExpectState("end of the job");
         }
         if (options_.badNetwork && SteadyClock::now() - lastStart > 3s) {

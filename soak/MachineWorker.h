@@ -8,8 +8,8 @@
 
 namespace harvlink::soak {
 
-/// Commands one controller: servo power, hold, cycle, pendant, jobs that run and jobs that raise an alarm; and reads what
-/// it tells of itself. Nobody else changes its state.
+/// Commands one controller: servo power, hold, cycle, pendant, jobs that run and jobs that raise an alarm. Reads its
+/// state and its description. No other worker changes this state.
 class MachineWorker final : public Worker {
 public:
     MachineWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
@@ -20,7 +20,7 @@ private:
     void LoadJobs();
     void LoadJob(std::string_view name, std::string_view text);
 
-    /// Repeats a command until the state is as wanted. Where only replies get lost once must do.
+    /// Repeats a command until the state is as expected. If only replies can be lost, one command must be enough.
     void Command(std::string const& what, std::function<StatusInfo()> const& send,
                  Family family = Family::ControlCommands);
     bool ExpectState(std::string const& what);
@@ -49,7 +49,7 @@ private:
     SharedConnection& connection_;
     QuorvanController& robot_;
     std::vector<FixedReading> readings_;
-    ControllerStateData state_; ///< as it must be
+    ControllerStateData state_; ///< the expected state
     std::int64_t playbackSeconds_ = 0;
     bool hasJobs_ = false;
 };

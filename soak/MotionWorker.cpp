@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 constexpr std::uint32_t MonitorAlarm = 8015;
 constexpr auto ArrivalTimeout = 60s;
 constexpr auto StallTime = 3s; ///< longer than any pause between targets
-/// Where the arm of a fresh virtual controller stands, and how far from there it is sent.
+/// The position of the arm of a new virtual controller, and the greatest distance of a target from it.
 constexpr std::array<int, 6> HomePulses{0, 0, 0, 0, -122850, 0};
 constexpr int Reach = 6000;
 
@@ -43,7 +43,7 @@ void MotionWorker::Step() {
     } else {
         Move();
     }
-    // Opening and closing count as signs too.
+    // Opening and closing count as progress too.
     static_cast<void>(Done(Family::Connection, StatusInfo{}));
 }
 
@@ -85,7 +85,7 @@ void MotionWorker::Move() {
     static_cast<void>(Done(Family::MotionManager, robot->MotionManager->MotionStop(true)));
 }
 
-/// Clears what a broken trajectory left behind and gives servo power. False if the answers don't come.
+/// Clears the remains of a broken trajectory and switches servo power on. False if the answers don't come.
 bool MotionWorker::MakeReady(QuorvanController& robot) {
     for (int tries = 0; tries < 20; ++tries) {
         static_cast<void>(Done(Family::Faults, robot.Faults->ClearAllFaults()));
@@ -100,7 +100,7 @@ bool MotionWorker::MakeReady(QuorvanController& robot) {
             }
         }
     }
-    Fail("the controller does not get ready to move");
+    Fail("the controller does not become ready to move");
     return false;
 }
 
@@ -121,12 +121,12 @@ std::size_t MotionWorker::AddPoints(QuorvanController& robot, std::size_t count,
     return count;
 }
 
-/// False if the connection is to be left: the trajectory is broken, or the run has failed.
+/// False if the connection must be closed: the trajectory is broken, or the run has failed.
 bool MotionWorker::RunTrajectory(QuorvanController& robot) {
     WaitForLateReplies();
     auto const cleared = Done(Family::MotionManager, robot.MotionManager->ClearAllTrajectory());
     if (cleared.StatusCode != 0) {
-        return false; // without it the count of reached targets is not known
+        return false; // without this answer the number of reached targets is unknown
     }
     PositionData last;
     auto const count = AddPoints(robot, Draw(1, options_.LongestTrajectory()), last);
@@ -164,12 +164,12 @@ MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::
         }
         std::this_thread::sleep_for(5ms);
     }
-    Fail(fmt::format("{} points neither arrived nor failed: {} reached", count, before));
+    Fail(fmt::format("the trajectory of {} points neither arrived nor failed: {} points reached", count, before));
     return Outcome::Failed;
 }
 
-/// Whether the arm stands at a target with too few reached. A refusal for want of room that is lost on id 0 reads as taken.
-/// Where requests get lost, targets and the alarm of the monitor may too.
+/// Whether the arm has stopped with too few targets reached. If the refusal of a full buffer is lost on id 0, the
+/// target seems to be accepted. If requests are lost, targets and the alarm of the monitor may be lost too.
 bool MotionWorker::LacksTargets(QuorvanController& robot, double progress, std::size_t count) {
     constexpr double mostLost = 2.0;
     ControllerStateData state;
@@ -178,9 +178,9 @@ bool MotionWorker::LacksTargets(QuorvanController& robot, double progress, std::
     return ReadState(robot, state) && !state.isRunning && (options_.badNetwork || (isAtTarget && isNearEnd));
 }
 
-/// False if the count went back, as it does when the targets are cleared, or for once in a cut answer.
+/// False if the count has decreased, because the targets were cleared or the answer was cut.
 bool MotionWorker::CheckProgress(double progress, double& before, std::size_t count) {
-    bool const isDoubled = options_.badNetwork; // a target that came twice counts twice
+    bool const isDoubled = options_.badNetwork; // a target that arrives twice counts twice
     if (!std::isfinite(progress) || progress < 0.0 || (progress > static_cast<double>(count) && !isDoubled)) {
         Fail(fmt::format("progress {} of {} points", progress, count));
     }
@@ -198,9 +198,9 @@ bool MotionWorker::HasAlarm(QuorvanController& robot) {
         return false;
     }
     for (auto const& alarm : alarms.alarms) {
-        // A cut number has bits of it, and no others.
+        // A cut number has only bits of the whole number.
         if ((alarm.code & ~MonitorAlarm) != 0) {
-            Fail(fmt::format("alarm {} where only {} is raised", alarm.code, MonitorAlarm));
+            Fail(fmt::format("alarm {}, expected only {}", alarm.code, MonitorAlarm));
         }
     }
     return true;
@@ -208,7 +208,7 @@ bool MotionWorker::HasAlarm(QuorvanController& robot) {
 
 void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& wanted) {
     if (options_.badNetwork) {
-        return; // a target that was doubled on its way may have been the last to arrive
+        return; // a target that the network doubled may have arrived last
     }
     PositionData got;
     auto const ask = [&] {
@@ -227,7 +227,7 @@ void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& w
                   [&] { return ToHex(ImageOfPosition(got)) + " instead of " + ToHex(ImageOfPosition(wanted)); });
 }
 
-/// Stops on the way: the arm comes to rest and stays.
+/// Stops during a trajectory. The arm must come to rest and stay there.
 bool MotionWorker::RunAndStop(QuorvanController& robot) {
     PositionData last;
     AddPoints(robot, Draw(5, 20), last);

@@ -8,8 +8,9 @@
 
 namespace harvlink::soak {
 
-/// Opens a connection, works with it and closes it, over and over: with a controller of the older generation a look
-/// around, with one of the newer a few trajectories, each of which must arrive or fail as documented.
+/// Opens a connection, uses it and closes it, again and again. With a controller of the older generation it reads and
+/// writes a variable, with one of the newer generation it runs a few trajectories. Each must arrive or fail as
+/// documented.
 class MotionWorker final : public Worker {
 public:
     MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed);

@@ -40,7 +40,7 @@ ValueKind Scalars(std::string name, Interface& variables) {
                 }};
 }
 
-/// The length, as the reply's header has it, and the text in its field.
+/// The length from the header of the reply, and the text in its field.
 WireImage ImageOfText(std::string const& text) {
     auto image = ImageOf(static_cast<std::uint16_t>(text.size()));
     AppendText(image, text, TextWidth);

@@ -8,8 +8,9 @@
 
 namespace harvlink::soak {
 
-/// A controller of each generation for the long connections, and one for those that come and go: the motion targets of a
-/// controller belong to who connected last, and only with one client can a controller tell which sockets belong together.
+/// For each generation one controller for the long connections and one for the short ones. The motion targets of a
+/// controller belong to the client that connected last, and only with one client does a controller know which sockets
+/// belong together.
 struct Addresses {
     std::string older;
     std::string olderVisited;
@@ -20,18 +21,18 @@ struct Addresses {
 struct Options {
     double minutes = 1.0;
     std::uint64_t seed = 1;
-    double rate = 0.0; ///< most operations per second of all workers together; 0: as many as go
+    double rate = 0.0; ///< limit of operations per second of all workers together; 0: none
     Addresses addresses;
     std::string simulator; ///< the program
-    std::vector<std::string> simulatorPrefix; ///< what starts it elsewhere, such as: ip netns exec NAME
+    std::vector<std::string> simulatorPrefix; ///< command that starts it, such as: ip netns exec NAME
     std::string faults; ///< for the simulator; empty: none
-    bool badNetwork = false; ///< requests too get lost, late and doubled on their way
+    bool badNetwork = false; ///< the network also loses, delays and doubles requests
     std::string report;
 
-    /// For the datagrams of an operation to be gone before the next one that they could be taken for.
+    /// The time after which late datagrams of an operation can no longer be taken for those of the next one.
     std::chrono::milliseconds SettleTime() const { return std::chrono::milliseconds(badNetwork ? 60 : 0); }
 
-    /// A transfer asks for an answer to every block, and where most of them fail it must be short to come through at all.
+    /// Every block of a transfer needs an answer. Where most transfers fail, only short ones can succeed.
     int HighestTool() const { return badNetwork ? 1 : 63; }
     std::size_t LargestFile() const { return badNetwork ? 1000 : 100'000; }
     unsigned LongestTrajectory() const { return badNetwork ? 6 : 40; }
@@ -41,8 +42,8 @@ struct Options {
     static constexpr unsigned Retries = 3;
 };
 
-/// About two of a hundred replies are hit. What nobody could tell from a right answer is left out: damaged bytes, and on
-/// the file port a doubled or changed block.
+/// These hit about two of a hundred replies. Faults that can't be recognised are left out: damaged bytes, and on the
+/// file port a doubled or changed block.
 inline constexpr char const* DefaultFaults =
     "drop=0.4%,delay=0.3%,duplicate=0.3%,reorder=0.1%,truncate=0.2%,extend=0.2%,wrong-id=0.15%,stale-id=0.15%,"
     "other-port=0.1%,other-source=0.1%,buffer-full=2%,file-drop=0.1%,file-delay=1%,file-duplicate=0,file-reorder=0.2%,"

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t WordsBeforeAxes = 5;
 constexpr std::size_t AxisCount = 8;
-constexpr double BaseUnits = 1000.0; ///< of all axes of a base axis, in a millimetre
+constexpr double BaseUnits = 1000.0; ///< per millimetre, for all axes of a base
 constexpr std::size_t ShortImage = sizeof(std::int32_t) * (1 + AxisCount); ///< type and axes
 
 std::int32_t RandomAxis(Random& random) {
@@ -50,7 +50,7 @@ ValueKind RobotPositions(RobotPositionVariableInterface& variables, int highestT
                 }};
 }
 
-/// Base and station positions have a type and axes, all of one unit.
+/// Base and station positions have a type and axes, all in the same unit.
 WireImage ShortImageOf(PositionData const& position, double units) {
     auto image = ImageOf(static_cast<std::int32_t>(position.coordinateType));
     for (auto const axis : position.axes) {

@@ -13,7 +13,7 @@
 
 namespace harvlink::soak {
 
-/// The ten interfaces of a connection, and its opening.
+/// The ten interfaces of a connection, and the opening of one.
 enum class Family : std::uint8_t {
     Connection,
     ControlGroup,
@@ -34,29 +34,29 @@ inline bool IsTimeout(StatusInfo const& status) {
     return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
 }
 
-/// What a fault can come to in a program that uses the library as it is documented. None of them is a failure; all are
-/// told from wrong values by what they look like, and are bounded by the faults that were injected.
+/// The documented effects of a network fault on a program that uses the library. None of them is a failure. The soak
+/// test distinguishes them from wrong values by their form, and limits their number by that of the injected faults.
 enum class FaultEffect : std::uint8_t {
     NoAnswer, ///< ResponseTimeout
-    CutAnswer, ///< zeros from some byte on: a shortened reply, or silence on request id 0. The next read was right
-    LostWrite, ///< a write or target that succeeded on id 0 and was not taken: its refusal, or itself, was lost
-    RepeatedBlock, ///< a file with a block twice: a doubled datagram. Only where the network doubles
+    CutAnswer, ///< zeros from some byte on: a shortened reply, or silence on request id 0. The next read is right
+    LostWrite, ///< a write or target that seemed to succeed on id 0: it, or its refusal, was lost
+    RepeatedBlock, ///< a file with a block twice, from a doubled datagram. Only where the network doubles
     BrokenTransfer,
     BrokenTrajectory, ///< the monitor raised its alarm and emptied the queue
-    IncompleteStart, ///< a connection that could not be opened, or did not learn all of its controller
+    IncompleteStart, ///< a connection that could not be opened, or did not read everything about its controller
 };
 inline constexpr std::size_t FaultEffects = 7;
 std::string_view NameOf(FaultEffect kind);
 
-/// What all workers count together.
+/// The counters and failures of all workers.
 class Results {
 public:
-    /// Counts an operation and, by its status, an answer that did not come.
+    /// Counts an operation and, if its status is a time-out, a missing answer.
     void Note(Family family, StatusInfo const& status);
     void Note(FaultEffect kind) { ++effects_.at(static_cast<std::size_t>(kind)); }
     void NoteFileBytes(std::uint64_t bytes) { fileBytes_ += bytes; }
 
-    /// The run has failed. Printed at once; the first ones are kept for the report.
+    /// Records a failure of the run. Prints it at once; the first ones are kept for the report.
     void Fail(std::string const& what);
 
     std::uint64_t Operations(Family family) const { return operations_.at(static_cast<std::size_t>(family)); }

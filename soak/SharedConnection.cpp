@@ -12,9 +12,9 @@ constexpr int MaxTimeouts = 20;
 constexpr int MaxAttempts = 200;
 constexpr std::uint16_t OldestLastIndex = 99; ///< of byte variables of the older generation
 constexpr std::uint16_t NewestLastIndex = 511;
-constexpr std::uint16_t UnusedPosition = 100; ///< a position variable that no worker looks at
+constexpr std::uint16_t UnusedPosition = 100; ///< a position variable that no worker uses
 
-/// Repeats over missing answers.
+/// Repeats a call while answers are missing.
 template <typename Call>
 bool Succeeds(Results& results, Family family, Call const& call) {
     for (int tries = 0; tries < MaxTimeouts; ++tries) {
@@ -43,14 +43,14 @@ bool KnowsTools(QuorvanController& robot, int highest, Results& results) {
                     [&] { return robot.Variables->robotPositionVariable->Write(variable); });
 }
 
-/// The last one exists only if counting is right.
+/// The last variable can be read only if the first index is right.
 bool CountsVariables(QuorvanController& robot, bool isExtended, Results& results) {
     ByteVariableData variable;
     auto const last = isExtended ? NewestLastIndex : OldestLastIndex;
     return Succeeds(results, Family::Variables, [&] { return robot.Variables->byteVariable->Read(last, variable); });
 }
 
-/// Asked for their progress, as only the slots that the connection knows can be.
+/// Reads their progress, which works only for slots that the connection knows.
 bool KnowsMotionSlots(QuorvanController& robot, Results& results) {
     StatusInfo status;
     constexpr std::array groups{ControlGroupId::R1, ControlGroupId::B1, ControlGroupId::S1};

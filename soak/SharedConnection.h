@@ -11,16 +11,17 @@ namespace harvlink::soak {
 /// A connection that several workers use at the same time.
 struct SharedConnection {
     std::string address;
-    bool isExtended = false; ///< of a generation that has motion, conversion and job stack
+    bool isExtended = false; ///< the generation has motion, conversion and job stack
     Connection robot;
-    std::mutex transfers; ///< two files at a time would mix up on the controller
+    std::mutex transfers; ///< two transfers at a time would disturb each other
 };
 
-/// Opens a connection and makes sure that it has learnt all of its controller: a reply that is lost or cut while it opens
-/// leaves it with fewer tools, groups or motion slots, or counting variables from the wrong end. Empty if that failed.
+/// Opens a connection and checks that it has read everything about its controller. A reply that is lost or cut during
+/// the opening leaves it with fewer tools, groups or motion slots, or with a wrong first index of variables. Empty on
+/// failure.
 Connection OpenComplete(std::string const& address, bool isExtended, Options const& options, Results& results);
 
-/// The same, until it succeeds. Throws std::runtime_error if it never does.
+/// The same, repeated until it succeeds. Throws std::runtime_error if it never does.
 Connection OpenWithRetries(std::string const& address, bool isExtended, Options const& options, Results& results);
 
 } // namespace harvlink::soak

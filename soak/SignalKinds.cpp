@@ -6,7 +6,7 @@ namespace {
 
 constexpr unsigned GroupsOfAKind = 20;
 
-/// The groups of a class that a kind has for itself.
+/// The signal groups of a class that only one kind uses.
 struct Groups {
     IOType type;
     unsigned first;
@@ -48,7 +48,7 @@ ValueKind ByteKind(std::string name, IOInterface& io, Groups groups, bool isPiec
     return kind;
 }
 
-/// Two groups each, so that they lie twice as far apart. By address one way, by class the other.
+/// Each word takes two groups. It is written by address and read by class, or the other way round.
 ValueKind WordKind(std::string name, IOInterface& io, Groups groups) {
     auto kind = Kind(std::move(name), 2, true);
     auto const group = [groups](unsigned index) { return groups.At(2 * index); };

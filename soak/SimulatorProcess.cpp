@@ -53,7 +53,7 @@ pid_t Spawn(std::vector<std::string> const& command, int output) {
     return process;
 }
 
-/// Whether the line that says so comes before the end of the output.
+/// Whether the line with ReadyMark comes before the end of the output.
 bool SaysReady(int output) {
     std::string text;
     std::array<char, 256> buffer{};
@@ -76,7 +76,7 @@ SimulatorProcess::SimulatorProcess(std::string name, std::vector<std::string> co
     output.ends[1] = -1;
     if (!SaysReady(output.ends[0])) {
         Stop();
-        throw std::runtime_error(name_ + " did not get ready: " + command[0]);
+        throw std::runtime_error(name_ + " did not start: " + command[0]);
     }
 }
 
@@ -86,7 +86,7 @@ SimulatorProcess::~SimulatorProcess() {
 
 ProcessFigures SimulatorProcess::Figures() const {
     auto figures = FiguresOf(name_, process_);
-    figures.spareDescriptors = 1; // the socket from which it answers when a fault asks for a strange source
+    figures.spareDescriptors = 1; // the socket for the fault other-source
     return figures;
 }
 

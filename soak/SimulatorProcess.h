@@ -9,10 +9,10 @@
 
 namespace harvlink::soak {
 
-/// A running harvlink-sim. Ends it when it goes out of scope.
+/// A running harvlink-sim. The destructor ends it.
 class SimulatorProcess {
 public:
-    /// Returns when it is ready. Throws std::runtime_error if it does not get there.
+    /// Returns when it is ready. Throws std::runtime_error if it ends before that.
     SimulatorProcess(std::string name, std::vector<std::string> const& command);
     SimulatorProcess(SimulatorProcess const&) = delete;
     SimulatorProcess& operator=(SimulatorProcess const&) = delete;
@@ -20,7 +20,7 @@ public:
 
     ProcessFigures Figures() const;
 
-    /// Asks it to end and waits. False if it ended in any other way than asked.
+    /// Asks it to end and waits for it. False if it ended in any other way.
     bool Stop();
 
 private:

@@ -59,7 +59,7 @@ nlohmann::json ToJson(std::vector<ProcessFigures> const& figures) {
 Soak::Soak(Options const& options)
     : options_(options), folder_(std::filesystem::absolute(options.report).parent_path() / "work") {
     auto const& at = options_.addresses;
-    // A shortened refusal of a target would read as taken, and a point would be missing.
+    // A shortened refusal of a target would look like success, and a point would be missing.
     auto const forMotion = options_.faults.empty() ? "" : options_.faults + ",truncate=0,extend=0.4%";
     controllers_ = {{"FS", at.older, options_.faults},
                     {"FS", at.olderVisited, options_.faults},
@@ -91,7 +91,7 @@ std::filesystem::path Soak::TrafficFile(std::size_t controller) const {
 }
 
 void Soak::StartControllers() {
-    constexpr auto timeScale = "10"; // jobs and arm then get done between two looks at them
+    constexpr auto timeScale = "10"; // so that jobs and moves end between two checks
     auto const scene = folder_ / "scene.toml";
     std::ofstream(scene) << fmt::format("[controller]\ntools = {}\n", options_.HighestTool() + 1);
     for (std::size_t i = 0; i < controllers_.size(); ++i) {
@@ -163,12 +163,12 @@ void Soak::RunRound(SteadyClock::duration duration) {
     for (auto& thread : threads) {
         thread.request_stop();
     }
-    // Ends when all have ended, or not at all: then the watch ends the program.
+    // The watch ends the program if a thread doesn't end.
     std::jthread const watch([](std::stop_token const& stop) {
         for (auto const end = SteadyClock::now() + 2 * HangTime; !stop.stop_requested();) {
             std::this_thread::sleep_for(50ms);
             if (SteadyClock::now() > end) {
-                fmt::print(stderr, "FAILED: a worker does not end\n");
+                fmt::print(stderr, "FAILED: a worker did not end\n");
                 std::_Exit(HangExit);
             }
         }
@@ -176,7 +176,7 @@ void Soak::RunRound(SteadyClock::duration duration) {
     threads.clear();
 }
 
-/// Until the end of the round: prints, and ends the program if a worker gets nothing done any more.
+/// Prints the progress until the end of the round. Ends the program if a worker hangs.
 void Soak::Watch(SteadyClock::time_point end) {
     while (SteadyClock::now() < end) {
         std::this_thread::sleep_until(std::min(end, SteadyClock::now() + 500ms));
@@ -223,12 +223,12 @@ void Soak::CompareFigures(std::vector<ProcessFigures> const& now) {
     }
 }
 
-/// Ends all and adds up what they report.
+/// Stops all controllers and adds up their reports.
 nlohmann::json Soak::StopControllers() {
     nlohmann::json total{{"requests", 0}, {"faults", nlohmann::json::object()}};
     for (std::size_t i = 0; i < simulators_.size(); ++i) {
         if (!simulators_[i]->Stop()) {
-            results_.Fail(fmt::format("harvlink-sim on {} did not end well", controllers_[i].address));
+            results_.Fail(fmt::format("harvlink-sim on {} did not end normally", controllers_[i].address));
             continue;
         }
         auto const report = nlohmann::json::parse(std::ifstream(TrafficFile(i)));
@@ -241,8 +241,8 @@ nlohmann::json Soak::StopControllers() {
     return total;
 }
 
-/// Cut answers and lost writes are told from right ones by what they look like. So that nothing else passes for one, there
-/// may not be more of them than faults that make them: shortened replies, and one in 128 of those that never came.
+/// Cut answers and lost writes are recognised by their form. So that no wrong value is taken for one, there must not be
+/// more of them than faults that cause them: shortened replies, and one in 128 of the lost replies.
 void Soak::CheckBounds(nlohmann::json const& faults) {
     if (options_.badNetwork || faults.empty()) {
         return;
@@ -250,15 +250,15 @@ void Soak::CheckBounds(nlohmann::json const& faults) {
     auto const count = [&](char const* name) { return faults.value(name, 0.0); };
     double const onIdZero = (count("drop") + count("wrong-id") + count("stale-id") + count("truncate")) / 128.0;
     double const likely = onIdZero + 6.0 * std::sqrt(onIdZero) + 6.0;
-    // A cut answer may be seen in up to three comparisons.
+    // A cut answer may be counted in up to three comparisons.
     double const mostCut = 3.0 * (count("truncate") + likely);
     if (static_cast<double>(results_.Count(FaultEffect::CutAnswer)) > mostCut) {
-        results_.Fail(
-            fmt::format("{} cut answers, of which faults explain {}", results_.Count(FaultEffect::CutAnswer), mostCut));
+        results_.Fail(fmt::format("{} cut answers, but the faults explain only {}",
+                                  results_.Count(FaultEffect::CutAnswer), mostCut));
     }
     if (static_cast<double>(results_.Count(FaultEffect::LostWrite)) > likely) {
-        results_.Fail(
-            fmt::format("{} lost writes, of which faults explain {}", results_.Count(FaultEffect::LostWrite), likely));
+        results_.Fail(fmt::format("{} lost writes, but the faults explain only {}",
+                                  results_.Count(FaultEffect::LostWrite), likely));
     }
 }
 

@@ -15,16 +15,16 @@
 
 namespace harvlink::soak {
 
-/// The whole run: controllers as processes of their own, two connections that stay open and are shared by several
-/// workers, and rounds of load. Between rounds nothing goes on, and what is in use is counted.
+/// The whole run: controllers in their own processes, two connections that stay open and are shared by several workers,
+/// and rounds of load. Between rounds all workers pause, and the resources in use are measured.
 class Soak {
 public:
     explicit Soak(Options const& options);
 
-    /// Throws std::runtime_error if the load can't even begin. False if anything failed.
+    /// False if anything failed. Throws std::runtime_error if the load can't be started.
     bool Run();
 
-    /// Figures of the run, once it is over.
+    /// The figures of the finished run.
     nlohmann::json Report() const { return report_; }
 
 private:

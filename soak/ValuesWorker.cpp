@@ -9,7 +9,7 @@ namespace harvlink::soak {
 
 namespace {
 
-/// Whether every bit is that of one or the other.
+/// Whether every bit comes from one of the two.
 bool IsMixture(WireImage const& one, WireImage const& other, WireImage const& got) {
     for (std::size_t i = 0; i < got.size(); ++i) {
         if (((got[i] ^ one[i]) & (got[i] ^ other[i])) != 0) {
@@ -19,14 +19,14 @@ bool IsMixture(WireImage const& one, WireImage const& other, WireImage const& go
     return true;
 }
 
-/// Every bit that one or the other has.
+/// Every bit that is set in one of the two.
 WireImage Union(WireImage const& one, WireImage const& other) {
     auto both = one;
     std::transform(one.begin(), one.end(), other.begin(), both.begin(), std::bit_or<>());
     return both;
 }
 
-/// Whether cut replies explain what came: of a value that is read or written in pieces, any piece may be missing.
+/// Whether cut replies explain the value. If it is read or written in pieces, any piece may be missing.
 bool IsCut(ValueKind const& kind, WireImage const& whole, WireImage const& got) {
     return IsCutFrom(whole, got) || (kind.isPiecewise && IsMixture(WireImage(got.size(), 0), whole, got));
 }
@@ -64,7 +64,7 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
         return;
     }
     bool const isWhole = status.StatusCode == 0 || !kind.isPiecewise;
-    // Of a write that failed on its way, bits of before are there too: a cut read then lacks some of both.
+    // A write that failed halfway leaves some bits of the former value. A cut read then lacks some bits of both.
     auto const possible = isWhole ? wanted : Union(before, wanted);
     auto& got = cell.value;
     WireImage last;
@@ -78,14 +78,14 @@ void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
         last = got;
         bool const isAgreed = alike >= EnoughAlike;
         if (!isWhole && IsMixture(before, wanted, got)) {
-            // The status said that it failed, and where is known when reads agree: a cut one looks like a mixture too.
+            // The status said that the write failed. A cut answer looks like a mixture too, so the reads must agree.
             return isAgreed ? Answer::Right : Answer::Missing;
         }
         if (kind.isReadAndWritten && isAgreed && IsCut(kind, possible, got)) {
             results_.Note(FaultEffect::CutAnswer);
-            return Answer::Right; // the answer that was cut is the one that the write began with
+            return Answer::Right; // the cut answer was the one that the write began with
         }
-        // Once, the value from before may also be an empty answer.
+        // The first time, the former value may also be a cut answer.
         auto const reason = Compare(kind, before, possible, got);
         return reason == Answer::LostWrite && alike == 1 ? Answer::Cut : reason;
     };
@@ -105,7 +105,7 @@ void ValuesWorker::Check(ValueKind const& kind, unsigned index, Cell const& cell
                   [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(cell.value)); });
 }
 
-/// Right if something was read, whatever it is.
+/// Right if anything was read.
 Answer ValuesWorker::Read(ValueKind const& kind, unsigned index, WireImage& got) {
     auto const status = Done(kind.family, kind.read(index, got));
     if (IsTimeout(status)) {
@@ -114,7 +114,7 @@ Answer ValuesWorker::Read(ValueKind const& kind, unsigned index, WireImage& got)
     return status.StatusCode == 0 ? Answer::Right : Answer::Wrong;
 }
 
-/// What a successful write has come to that does not read as it was written.
+/// Classifies a successful write whose value reads differently.
 Answer ValuesWorker::Compare(ValueKind const& kind, WireImage const& before, WireImage const& wanted,
                              WireImage const& got) const {
     if (options_.badNetwork && (got == before || (kind.isPiecewise && IsMixture(before, wanted, got)))) {

@@ -7,7 +7,7 @@
 
 namespace harvlink::soak {
 
-/// Writes variables, signals and registers of all kinds, and reads back what it or an earlier step wrote.
+/// Writes variables, signals and registers of all kinds, and reads back what it has written.
 class ValuesWorker final : public Worker {
 public:
     ValuesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,

@@ -11,8 +11,8 @@
 
 namespace harvlink::soak {
 
-/// A value as the bytes of its reply, in their order. So values of all kinds compare alike, and a reply that was cut short
-/// shows: it is right up to some byte, and zero behind it.
+/// A value as the bytes of its reply, in their order. So values of all kinds are compared in the same way, and a cut
+/// reply can be recognised: it is right up to some byte and zero after it.
 using WireImage = std::vector<std::uint8_t>;
 
 bool IsCutFrom(WireImage const& whole, WireImage const& got);
@@ -42,7 +42,7 @@ Value ValueAt(WireImage const& image, std::size_t offset = 0) {
 /// The text in a field of `width` bytes.
 void AppendText(WireImage& image, std::string const& text, std::size_t width);
 
-/// A position as the replies of the robot port carry it, in the controller's units.
+/// A position as in the replies of the robot port, in the units of the controller.
 WireImage ImageOfPosition(PositionData const& position);
 PositionData PositionOf(WireImage const& image);
 

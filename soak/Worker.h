@@ -18,11 +18,11 @@ namespace harvlink::soak {
 using Random = std::mt19937_64;
 using SteadyClock = std::chrono::steady_clock;
 
-/// What an answer is against what was expected of it.
+/// How an answer compares to the expected one.
 enum class Answer : std::uint8_t { Right, Cut, LostWrite, Missing, Wrong };
 
-/// Carries out one kind of load, step by step, on a thread of its own. What it learnt and wrote it keeps from round to
-/// round: the controllers do too.
+/// Produces one kind of load, step by step, on its own thread. It keeps what it has read and written from round to
+/// round, as the controllers do.
 class Worker {
 public:
     Worker(std::string name, Options const& options, Results& results, std::uint64_t seed);
@@ -32,36 +32,35 @@ public:
 
     std::string const& Name() const { return name_; }
 
-    /// Steps until it is asked to stop.
+    /// Repeats Step until a stop is requested.
     void Run(std::stop_token const& stop);
 
-    /// What it has to remember of the controllers' contents, and may grow with them. Asked between rounds.
+    /// The memory that it needs for the expected contents of the controllers, which may grow. Called between rounds.
     virtual std::size_t KeptBytes() const { return 0; }
 
-    /// When it last got an operation done.
+    /// The time of the last completed operation.
     SteadyClock::time_point LastProgress() const { return lastProgress_; }
 
 protected:
     virtual void Step() = 0;
 
-    /// Counts an operation that was carried out, keeps the pace, and hands its status on.
+    /// Counts a completed operation, waits if the rate is limited, and returns the status.
     StatusInfo Done(Family family, StatusInfo status);
 
-    /// Asks until the answer is right, over missing and cut ones. False, and the run has failed, if it is wrong or never
-    /// comes; `describe` tells what came.
+    /// Repeats `ask` while answers are missing or cut. If the answer is wrong or never comes, the run fails with the
+    /// text of `describe`, and false is returned.
     bool AskUntilRight(std::string const& what, std::function<Answer()> const& ask,
                        std::function<std::string()> const& describe);
 
-    /// Asks until as many answers in a row agree as chance hardly cuts alike. Nothing is known of the right one beforehand,
-    /// so one of two different answers must be a cut form of the other, unless `isComputed` from an answer in between.
-    /// Empty on failure.
+    /// Reads a value that is not known beforehand, until EnoughAlike answers in a row agree. Of two different answers
+    /// one must be a cut form of the other, unless the value `isComputed` from an answer. Empty on failure.
     WireImage ReadUntilAgreed(std::string const& what, std::function<StatusInfo(WireImage&)> const& read,
                               bool isComputed = false);
 
-    /// Whether a command got through, as far as its status tells: done, or without an answer.
+    /// Whether a command was sent, by its status: done, or without an answer. Otherwise the run fails.
     bool IsSent(std::string const& what, StatusInfo const& status);
 
-    /// Two answers that were cut at the same place come about once an hour.
+    /// Two answers that are cut at the same place occur about once an hour.
     static constexpr int EnoughAlike = 3;
 
     void Fail(std::string const& what);
@@ -79,7 +78,7 @@ private:
     SteadyClock::time_point next_ = SteadyClock::now();
 };
 
-/// How many workers there are, among whom the rate is divided.
+/// The number of workers, which share the rate.
 inline constexpr double WorkerCount = 7.0;
 
 } // namespace harvlink::soak

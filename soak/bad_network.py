@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""A bad network for kernels without netem: joins two network namespaces by a pair of tunnel interfaces and does to every
-packet between them what it is told, each way.
+"""A bad network for kernels without netem. It joins two network namespaces by a pair of tunnel interfaces and loses,
+delays, doubles, reorders and damages the packets in both directions, as the options say.
 
     bad_network.py --join NAMESPACE ADDRESS/BITS... --join NAMESPACE ADDRESS/BITS... [--loss 5] [--delay 5 3] ...
 
-Prints "ready" when packets pass, and when it is ended by SIGTERM how many it lost and so on, as JSON. A flipped bit is left
-to the receiving kernel, which has to find it by the checksum: tunnel interfaces are handed no packet without one.
+Prints "ready" when packets pass, and after SIGTERM the number of lost packets and so on, as JSON. The receiving kernel
+has to find a flipped bit by the checksum, which every packet of a tunnel interface has.
 """
 
 import argparse
@@ -26,7 +26,7 @@ MAX_PACKET = 65536
 
 
 class Link:
-    """One direction: from the interface it reads to the interface it writes."""
+    """One direction, from the interface that it reads to the interface that it writes."""
 
     def __init__(self, options, seed):
         self.options = options
@@ -54,7 +54,7 @@ class Link:
             packet[self.random.randrange(len(packet))] ^= 1 << self.random.randrange(8)
         mean, spread = self.options.delay
         delay = max(0.0, self.random.uniform(mean - spread, mean + spread)) / 1000
-        # Out of order is what does not wait.
+        # A packet that does not wait overtakes the others.
         if self.happens(self.options.reorder, "reordered"):
             delay = 0.0
         self.order += 1
@@ -80,7 +80,7 @@ def send(tunnel, packet):
     try:
         os.write(tunnel, packet)
     except OSError:
-        pass  # what the kernel does not take at once, or can't read any more, is lost
+        pass  # the packet is lost if the kernel does not take it at once or can't read it any more
 
 
 def relay(tunnels, links):

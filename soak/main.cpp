@@ -12,7 +12,7 @@ namespace {
 
 using namespace harvlink::soak;
 
-/// Addresses of the loopback network that hardly any other process uses.
+/// Loopback addresses that other processes are unlikely to use.
 Addresses OwnAddresses() {
     auto const process = static_cast<unsigned>(getpid());
     auto const address = [&](unsigned last) {
@@ -22,16 +22,19 @@ Addresses OwnAddresses() {
 }
 
 void AddOptions(CLI::App& app, Options& options, std::vector<std::string>& addresses) {
-    app.add_option("--minutes", options.minutes, "How long")->check(CLI::Range(0.1, 100000.0))->capture_default_str();
-    app.add_option("--seed", options.seed, "Of load and faults")->capture_default_str();
-    app.add_option("--rate", options.rate, "Most operations per second, to leave the machine to others [no limit]")
-        ->check(CLI::NonNegativeNumber);
+    app.add_option("--minutes", options.minutes, "Duration of the run")
+        ->check(CLI::Range(0.1, 100000.0))
+        ->capture_default_str();
+    app.add_option("--seed", options.seed, "Seed of the load and of the faults")->capture_default_str();
+    app.add_option("--rate", options.rate, "Limit of operations per second [no limit]")->check(CLI::NonNegativeNumber);
     app.add_option("--simulator", options.simulator, "The program harvlink-sim")->required()->check(CLI::ExistingFile);
-    app.add_option("--simulator-prefix", options.simulatorPrefix, "What starts it elsewhere: ip netns exec NAME")
+    app.add_option("--simulator-prefix", options.simulatorPrefix, "Command that starts it, such as: ip netns exec NAME")
         ->delimiter(' ');
-    app.add_option("--addresses", addresses, "Four, for the controllers [of the loopback network]")->expected(4);
-    app.add_option("--faults", options.faults, "For the simulators' --faults; empty for none")->capture_default_str();
-    app.add_flag("--bad-network", options.badNetwork, "Requests too get lost, late and doubled on their way");
+    app.add_option("--addresses", addresses, "Four addresses for the controllers [on the loopback network]")
+        ->expected(4);
+    app.add_option("--faults", options.faults, "Faults for harvlink-sim --faults; empty for none")
+        ->capture_default_str();
+    app.add_flag("--bad-network", options.badNetwork, "The network also loses, delays and doubles requests");
     app.add_option("--report", options.report, "File for the figures")->required();
 }
 
@@ -47,7 +50,7 @@ void PrintSummary(nlohmann::json const& report) {
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("Loads virtual controllers in all ways at once and checks every value that comes back.",
+    CLI::App app("Loads virtual controllers in many ways at once and checks every value that it reads.",
                  "harvlink_soak");
     Options options;
     options.faults = DefaultFaults;

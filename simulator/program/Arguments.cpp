@@ -15,16 +15,17 @@ std::string CheckFaults(std::string const& text) {
 }
 
 std::string CheckGroup(std::string const& text) {
-    return ControlGroups::FromText(text) ? "" : "'" + text + "' is no control group such as R1, B1, S12 or R1:7";
+    return ControlGroups::FromText(text) ? "" : "'" + text + "' is not a control group such as R1, B1, S12 or R1:7";
 }
 
 std::string CheckGeneration(std::string const& text) {
-    return GenerationFromName(text) ? "" : "'" + text + "' is no generation; there are: DS, DN, FS, YA, YB, YN";
+    return GenerationFromName(text) ? "" : "'" + text + "' is not a generation; there are: DS, DN, FS, YA, YB, YN";
 }
 
 std::string CheckAddress(std::string const& text) {
     in_addr address{};
-    return inet_pton(AF_INET, text.c_str(), &address) == 1 ? "" : "'" + text + "' is no IPv4 address such as 127.0.0.1";
+    return inet_pton(AF_INET, text.c_str(), &address) == 1 ? ""
+                                                           : "'" + text + "' is not an IPv4 address such as 127.0.0.1";
 }
 
 std::string CheckTimeScale(std::string const& text) {
@@ -32,7 +33,7 @@ std::string CheckTimeScale(std::string const& text) {
     bool const isNumber = CLI::detail::lexical_cast(text, factor);
     return isNumber && factor >= SlowestTimeScale && factor <= FastestTimeScale
                ? ""
-               : fmt::format("'{}' is no number from {} to {}", text, SlowestTimeScale, FastestTimeScale);
+               : fmt::format("'{}' is not a number from {} to {}", text, SlowestTimeScale, FastestTimeScale);
 }
 
 std::string NameLines(std::vector<FaultName> const& names) {
@@ -45,9 +46,9 @@ std::string NameLines(std::vector<FaultName> const& names) {
 
 std::string Footer() {
     return fmt::format(
-        "With --faults each named fault hits a share of the requests, from 0 to 1 or 0 to 100 %. With file-\n"
-        "before its name, such as file-drop=5%, the share is that of the file port, and the one without\n"
-        "that of the robot port.\n\n"
+        "With --faults each named fault hits a share of the requests, from 0 to 1 or 0 to 100 %. A name with\n"
+        "file-, such as file-drop=5%, sets the share on the file port; the name without it then applies to\n"
+        "the robot port only.\n\n"
         "Faults:\n{}\nSettings of faults:\n{}\n"
         "Examples:\n"
         "  harvlink-sim\n"
@@ -66,32 +67,32 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--generation", generation_, "Generation of the controller: DS, DN, FS, YA, YB, YN [YA]")
         ->check(CheckGeneration)
         ->type_name("NAME");
-    app.add_option("--rs022", rs022_, "1: variable instances equal the index, 0: they are one higher [1]")
+    app.add_option("--rs022", rs022_, "1: the instance of a variable is its index, 0: it is one higher [1]")
         ->check(CLI::IsMember({0, 1}).description(""))
         ->type_name("0|1");
     app.add_option("--groups", groups_, "Control groups, such as R1,B1,S1 or with axes R1:7 [R1]")
         ->delimiter(',')
         ->check(CheckGroup)
         ->type_name("GROUP");
-    app.add_option("--files", files_, "Folder to serve and to store files in, instead of generated ones")
+    app.add_option("--files", files_, "Folder whose files are served, instead of generated files")
         ->check(CLI::ExistingDirectory.description(""))
         ->type_name("FOLDER");
     app.add_option("--scene", scene_, "TOML file with the state to start from")
         ->check(CLI::ExistingFile.description(""))
         ->type_name("FILE");
-    app.add_option("--time-scale", timeScale_, "How much faster than real time all goes, 0.001 to 10000 [1]")
+    app.add_option("--time-scale", timeScale_, "Speed of jobs and motion against real time, 0.001 to 10000 [1]")
         ->check(CheckTimeScale)
         ->type_name("FACTOR");
-    app.add_option("--faults", faults_, "What shall go wrong, such as drop=2%,delay=10%; all faults see below")
+    app.add_option("--faults", faults_, "Faults to inject, such as drop=2%,delay=10%; see below")
         ->check(CheckFaults)
         ->type_name("LIST");
-    app.add_option("--report", report_, "File to write at the end: what was asked and what went wrong, as JSON")
+    app.add_option("--report", report_, "JSON file to write at the end: numbers of requests and faults")
         ->type_name("FILE");
     app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers")->type_name("FILE");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
     app.footer(Footer());
     app.failure_message([](CLI::App const*, CLI::Error const& error) {
-        return fmt::format("harvlink-sim: {}\nRun harvlink-sim --help for how it is used\n", error.what());
+        return fmt::format("harvlink-sim: {}\nRun harvlink-sim --help for all options\n", error.what());
     });
 }
 

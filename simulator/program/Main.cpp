@@ -106,7 +106,7 @@ int Serve(Arguments const& arguments) {
     AwaitEnd(signals);
     server.Stop();
     if (recording && !recording->IsWhole()) {
-        fmt::print(stderr, "harvlink-sim: not all could be written to {}\n", *arguments.pcap);
+        fmt::print(stderr, "harvlink-sim: could not write all datagrams to {}\n", *arguments.pcap);
         return 1;
     }
     if (arguments.report && !WriteTrafficReport(*arguments.report, controllers)) {

@@ -24,12 +24,12 @@ std::vector<ControlGroup> ReadGroups(SceneNode const& node) {
             item.Fail("must be a control group such as R1, B1 or S12, or with a number of axes R1:7");
         }
         if (std::ranges::find(groups, group->id, &ControlGroup::id) != groups.end()) {
-            item.Fail("is in the list already");
+            item.Fail("is already in the list");
         }
         groups.push_back(*group);
     }
     if (groups.empty()) {
-        node.Fail("must name one control group at least");
+        node.Fail("must name at least one control group");
     }
     return groups;
 }
@@ -86,7 +86,7 @@ void ApplyControllerState(SceneNode const& controller, ControllerModel& model) {
     }
     if (auto const node = controller.Find("servo")) {
         if (node->Flag() && model.state.mode == Mode::Teach) {
-            node->Fail("there is no servo power in teach mode");
+            node->Fail("servo power is not possible in teach mode");
         }
         model.SetServo(node->Flag());
     }

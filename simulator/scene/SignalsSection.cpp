@@ -8,7 +8,7 @@ namespace harvlink::simulator {
 void ApplySignals(SceneNode const& signals, ControllerModel& model) {
     for (auto const& [address, node] : signals.NumberedEntries(0, 99999)) {
         if (!model.signals.Write(static_cast<std::uint32_t>(address), node.Flag())) {
-            node.Fail("there is no signal with this address");
+            node.Fail("a signal with this address does not exist");
         }
     }
 }
@@ -17,7 +17,7 @@ void ApplySignalGroups(SceneNode const& groups, ControllerModel& model) {
     for (auto const& [group, node] : groups.NumberedEntries(0, 9999)) {
         auto const value = node.Integer(0, std::numeric_limits<std::uint8_t>::max());
         if (!model.signals.WriteGroup(static_cast<std::uint32_t>(group), static_cast<std::uint8_t>(value))) {
-            node.Fail("there is no signal group with this number");
+            node.Fail("a signal group with this number does not exist");
         }
     }
 }

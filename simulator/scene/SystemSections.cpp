@@ -37,7 +37,7 @@ void ApplyParameters(SceneNode const& parameters, ControllerModel& model) {
         bool const isOfGroup = Parameters::BelongsToGroup(type);
         auto const group = item.Find("group");
         if (group.has_value() != isOfGroup) {
-            item.Fail(isOfGroup ? "needs the key 'group'" : "belongs to no group");
+            item.Fail(isOfGroup ? "needs the key 'group'" : "this parameter does not belong to a group");
         }
         auto const refusal = model.parameters.Set(
             static_cast<SystemParameterType>(type),
@@ -45,7 +45,7 @@ void ApplyParameters(SceneNode const& parameters, ControllerModel& model) {
             static_cast<std::uint32_t>(item.Require("number").Integer(0, Limits::max())),
             static_cast<std::int32_t>(item.Require("value").Integer(Limits::min(), Limits::max())));
         if (refusal != Refusal::None) {
-            item.Fail("there is no such parameter, or not of this group");
+            item.Fail("this parameter does not exist, or not in this group");
         }
     }
 }
@@ -66,7 +66,7 @@ void ApplyFiles(SceneNode const& files, FileStore& store) {
     for (auto const& [name, node] : files.Entries()) {
         auto const refusal = store.Put(name, node.Text());
         if (refusal != Refusal::None) {
-            node.Fail("the controller refuses this file: its name, its size or the number of files");
+            node.Fail("the controller refuses this file: check its name, its size and the number of files");
         }
     }
 }

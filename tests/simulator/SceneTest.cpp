@@ -53,8 +53,8 @@ TEST(Scene, NamesFileLineAndKeyOfAnError) {
               "cell.toml:1: parameters[0]: needs the key 'group'"},
              {"[variables.P]\n1 = { type = \"pulse\", axes = [1.5] }",
               "cell.toml:2: variables.P.1.axes[0]: must be a whole"},
-             {"[controller]\ngroups = [\"R1\", \"R1:6\"]", "cell.toml:2: controller.groups[1]: is in the list already"},
-             {"[controller]\ngroups = []", "cell.toml:2: controller.groups: must name one"},
+             {"[controller]\ngroups = [\"R1\", \"R1:6\"]", "cell.toml:2: controller.groups[1]: is already in the list"},
+             {"[controller]\ngroups = []", "cell.toml:2: controller.groups: must name at least one"},
              {"[tools]\n64 = { pose = [0, 0, 0, 0, 0, 0] }", "cell.toml:2: tools.64: "},
              {"[faults]\ndrop = 1.5", "cell.toml:2: faults.drop: drop must be from 0 to 1"}}) {
         try {
