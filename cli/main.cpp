@@ -8,11 +8,11 @@
 
 namespace {
 
-/// What is opened later must not take the place of a closed standard stream, or output would go into it.
+/// A file that is opened later must not get the number of a closed standard stream, or output would go into it.
 void OccupyStandardStreams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
         if (fcntl(stream, F_GETFD) == -1) {
-            open("/dev/null", O_RDONLY); // the lowest free number, where writing fails as before
+            open("/dev/null", O_RDONLY); // gets the lowest free number; writing to it fails, as before
         }
     }
 }

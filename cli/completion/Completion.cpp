@@ -15,7 +15,7 @@ namespace harvlink::cli {
 
 namespace {
 
-/// In the shell: harvlink_words holds what fits, harvlink_files is "file" or "folder" if names of such fit too.
+/// In the shell harvlink_words holds the words that fit; harvlink_files is "file" or "folder" if their names fit too.
 constexpr char const* Finder = R"(# Made by harvlink completion; do not edit.
 
 # Takes the words before the one to complete.
@@ -74,8 +74,8 @@ else
 fi
 )";
 
-/// What fits in the place of an argument.
-struct Words {
+/// What an argument may be.
+struct Candidates {
     std::string words;
     std::string files;
 };
@@ -96,12 +96,12 @@ std::string AllGroups() {
     return groups;
 }
 
-Words WordsFor(CLI::Option const& option) {
+Candidates CandidatesFor(CLI::Option const& option) {
     std::string const type = option.get_type_name();
     if (type.find('|') != std::string::npos) {
         std::string words;
         for (std::string_view word : Split(type, '|')) {
-            // Of "user:N" the number is left to the user.
+            // For "user:N" the user types the number.
             word.remove_suffix(word.ends_with(":N") ? 1 : 0);
             words += (words.empty() ? "" : " ") + std::string(word);
         }
@@ -137,17 +137,17 @@ std::string OptionNames(CLI::App const& app) {
     return names;
 }
 
-class Tables {
+class CompletionScript {
 public:
-    explicit Tables(CLI::App const& program) { Add(program, program.get_name(), true); }
+    explicit CompletionScript(CLI::App const& program) { Add(program, program.get_name(), true); }
 
-    std::string Script(CLI::App const& program) const {
+    std::string Text(CLI::App const& program) const {
         return fmt::format(Finder, commands_, values_, globals_, arguments_, OptionNames(program));
     }
 
 private:
     void Add(CLI::App const& app, std::string const& path, bool isProgram) {
-        Words here;
+        Candidates here;
         for (CLI::App const* const command : CommandsOf(app)) {
             std::vector<std::string> names = command->get_aliases();
             names.insert(names.begin(), command->get_name());
@@ -159,19 +159,19 @@ private:
             }
         }
         for (CLI::Option const* const option : OptionsOf(app)) {
-            Words const words = WordsFor(*option);
+            Candidates const words = CandidatesFor(*option);
             if (option->get_positional()) {
                 here.words += (here.words.empty() || words.words.empty() ? "" : " ") + words.words;
                 here.files += words.files;
             }
             AddValues(*option, words, path, isProgram);
         }
-        // Those of the program fit everywhere.
+        // The options of the program fit after every command.
         here.words += isProgram ? "" : " " + OptionNames(app);
         arguments_ += fmt::format("    \"{}\") {} ;;\n", path, Assignments(here));
     }
 
-    void AddValues(CLI::Option const& option, Words const& words, std::string const& path, bool isProgram) {
+    void AddValues(CLI::Option const& option, Candidates const& words, std::string const& path, bool isProgram) {
         for (std::string const& name : option.get_lnames()) {
             if (option.get_type_size() > 0 && isProgram) {
                 globals_ += fmt::format("    --{}) {} return ;;\n", name, Assignments(words));
@@ -181,7 +181,7 @@ private:
         }
     }
 
-    static std::string Assignments(Words const& words) {
+    static std::string Assignments(Candidates const& words) {
         return fmt::format("harvlink_words='{}' harvlink_files={};", words.words, words.files);
     }
 
@@ -192,7 +192,7 @@ private:
 };
 
 std::string FinderFor(CLI::App const& program) {
-    return Tables(program).Script(program);
+    return CompletionScript(program).Text(program);
 }
 
 } // namespace

@@ -8,7 +8,8 @@ class App;
 
 namespace harvlink::cli {
 
-/// A script that completes the program's commands, options and the words that these take, made of the command tree itself.
+/// A script that completes the program's commands, their options and the words that these take. It is made from the
+/// commands that the program has.
 /// @{
 std::string BashCompletion(CLI::App const& program);
 std::string ZshCompletion(CLI::App const& program);

@@ -17,12 +17,12 @@ namespace harvlink::cli {
 namespace {
 
 using State = PortReport::State;
-using Garble = PortReport::Garble;
+using BadAnswer = PortReport::BadAnswer;
 
-/// Somebody on the way says that he does not let it through, or can't.
+/// A router or firewall between here and the host refused to pass the datagram on.
 Finding Rejected(PortReport const& port, Expectation const& expected) {
     return {"rejected",
-            fmt::format("The device {} on the way to {} turns UDP {} back: {}", port.reporter, expected.host, port.port,
+            fmt::format("The device {} between here and {} rejects UDP {}: {}", port.reporter, expected.host, port.port,
                         std::strerror(port.error)),
             fmt::format("Check that {} is the controller's address; if it is, let UDP 10040 and 10041 through at {}, "
                         "which is a firewall or router",
@@ -38,16 +38,17 @@ Finding Unreachable(PortReport const& port, Expectation const& expected) {
                             "set on it",
                             host)};
     case ENETUNREACH:
-        return {"no-route", fmt::format("This computer knows no way to {}", host),
+        return {"no-route", fmt::format("This computer has no route to {}", host),
                 fmt::format("Give this computer an address in the controller's network, or a route to it, until ip "
                             "route get {} shows one",
                             host)};
     case EACCES:
     case EPERM:
-        return {"no-route",
-                fmt::format("This computer does not let a program send to {}: {}", host, std::strerror(port.error)),
-                fmt::format("Check that {} is no broadcast address, then this computer's own firewall for outgoing UDP",
-                            host)};
+        return {
+            "no-route",
+            fmt::format("This computer does not let a program send to {}: {}", host, std::strerror(port.error)),
+            fmt::format("Check that {} is not a broadcast address, then this computer's own firewall for outgoing UDP",
+                        host)};
     default:
         return {"no-route", fmt::format("This computer can't send to {}: {}", host, std::strerror(port.error)),
                 fmt::format("Check this computer's network settings: ip route get {}", host)};
@@ -55,7 +56,7 @@ Finding Unreachable(PortReport const& port, Expectation const& expected) {
 }
 
 Finding Closed(Expectation const& expected) {
-    return {"port-closed", fmt::format("{} is there, but nothing listens on its port UDP 10040", expected.host),
+    return {"port-closed", fmt::format("{} is there, but no program listens on its port UDP 10040", expected.host),
             "Check that this is the controller's address and not another device's; if it is, enable the controller's "
             "Ethernet server function, and wait until it has started"};
 }
@@ -68,17 +69,18 @@ Finding Silent(Expectation const& expected) {
                     expected.host)};
 }
 
-Finding Garbled(PortReport const& port, Expectation const& expected) {
-    switch (port.garble) {
-    case Garble::Damaged:
-        return {"damaged", fmt::format("Every answer from {} comes damaged", expected.host), DamageStep()};
-    case Garble::WrongId:
-        return {"wrong-answers", fmt::format("{} answers on UDP 10040, but never to what was asked", expected.host),
+Finding BadAnswers(PortReport const& port, Expectation const& expected) {
+    switch (port.badAnswer) {
+    case BadAnswer::Damaged:
+        return {"damaged", fmt::format("Every answer from {} arrives damaged", expected.host), DamageStep()};
+    case BadAnswer::WrongId:
+        return {"wrong-answers",
+                fmt::format("{} answers on UDP 10040, but its answers never fit the questions", expected.host),
                 "Stop every other program and gateway that talks to this controller and run harvlink doctor again: "
                 "their answers may come here"};
     default:
         return {"wrong-answers",
-                fmt::format("Something answers at {} on UDP 10040, but it is no robot controller", expected.host),
+                fmt::format("Something answers at {} on UDP 10040, but it is not a robot controller", expected.host),
                 fmt::format("Check the address: {} is another device, or another program there uses the port",
                             expected.host)};
     }
@@ -86,7 +88,7 @@ Finding Garbled(PortReport const& port, Expectation const& expected) {
 
 Finding FilesOnly(PortReport const& commands) {
     if (commands.state == State::Closed) {
-        return {"files-only", "UDP 10041 (files) answers, but nothing listens on UDP 10040 (commands)",
+        return {"files-only", "UDP 10041 (files) answers, but no program listens on UDP 10040 (commands)",
                 "Enable the controller's Ethernet server function for commands, and wait until it has started"};
     }
     return {"files-only", "UDP 10041 (files) answers, UDP 10040 (commands) does not",
@@ -96,19 +98,20 @@ Finding FilesOnly(PortReport const& commands) {
 Finding CommandsOnly(PortReport const& files, Expectation const& expected) {
     std::string const subject = "UDP 10040 (commands) answers, ";
     if (!files.reporter.empty()) {
-        return {"commands-only", fmt::format("{}UDP 10041 (files) is turned back by {}", subject, files.reporter),
+        return {"commands-only", fmt::format("{}UDP 10041 (files) is rejected by {}", subject, files.reporter),
                 fmt::format("Let UDP 10041 through at {}, which is a firewall or router", files.reporter)};
     }
     switch (files.state) {
     case State::Closed:
-        return {"commands-only", subject + "but nothing listens on UDP 10041 (files)",
+        return {"commands-only", subject + "but no program listens on UDP 10041 (files)",
                 "Enable file transfer on the controller; controllers of the generations DS, DN and FS need it even to "
                 "connect"};
-    case State::Garbled:
+    case State::BadAnswers:
         return {"commands-only",
-                subject + (files.garble == Garble::Damaged ? "but every answer of UDP 10041 (files) comes damaged"
-                                                           : "but UDP 10041 (files) never answers what it was asked"),
-                files.garble == Garble::Damaged
+                subject + (files.badAnswer == BadAnswer::Damaged
+                               ? "but every answer of UDP 10041 (files) arrives damaged"
+                               : "but the answers of UDP 10041 (files) never fit the questions"),
+                files.badAnswer == BadAnswer::Damaged
                     ? DamageStep()
                     : fmt::format("Look for another program that uses UDP 10041 of {}", expected.host)};
     default:
@@ -133,10 +136,10 @@ std::vector<Finding> DiagnosePorts(ControllerReport const& report, Expectation c
         return {Closed(expected)};
     case State::Silent:
         return {Silent(expected)};
-    case State::Garbled:
-        return {Garbled(commands, expected)};
+    case State::BadAnswers:
+        return {BadAnswers(commands, expected)};
     case State::Refuses:
-        return {Refusing("to tell what it is", commands.code)};
+        return {Refusing("to give its model and software", commands.code)};
     case State::Answers:
         break;
     }
@@ -148,9 +151,9 @@ void DiagnoseIdentity(ControllerReport const& report, Expectation const& expecte
     if (generation.empty()) {
         findings.push_back({"unknown-generation",
                             report.software.empty()
-                                ? "The controller names no software version, so its generation is unknown"
-                                : fmt::format("The controller's software version '{}' names no generation that is "
-                                              "known here",
+                                ? "The controller gave no software version, so its generation is unknown"
+                                : fmt::format("The controller's software version '{}' is not of a generation that "
+                                              "this program knows",
                                               Printable(report.software)),
                             "Ask for support of this generation; until then use only what all generations have, such "
                             "as harvlink status"});
@@ -164,7 +167,7 @@ void DiagnoseIdentity(ControllerReport const& report, Expectation const& expecte
     }
 }
 
-/// The same text with the host in every command that needs it, so that it runs as it is written.
+/// The same text with --host in every command that needs it, so that the command can be copied.
 std::string WithHost(std::string const& text, std::string const& host) {
     static std::regex const command("harvlink (?=--timeout|[a-z])(?!explain)");
     return std::regex_replace(text, command, "harvlink --host " + host + " ");
@@ -187,7 +190,7 @@ std::vector<Finding> Diagnose(ControllerReport const& report, Expectation const&
 
 std::optional<Explanation> ExplainRefusal(int code) {
     for (Explanation& each : Explain(std::to_string(code))) {
-        // Others are alarms of the same number, or codes of which it is a part.
+        // The others are alarms with the same number, or codes of which it is only a part.
         if (each.match == ExactMatch && each.controllerCode) {
             return std::move(each);
         }
@@ -200,7 +203,7 @@ Finding Refusing(std::string const& subject, int code) {
     auto const explanation = ExplainRefusal(code);
     if (!explanation) {
         return {"refusing", fmt::format("The controller refuses {}, with the unknown code {}", subject, code),
-                fmt::format("Look the code {} (0x{:X}) up in the manual of the controller", code, code)};
+                fmt::format("Look up the code {} (0x{:X}) in the manual of the controller", code, code)};
     }
     return {"refusing",
             fmt::format("The controller refuses {}, with code {}: {}", subject, code, withoutStop(explanation->text)),

@@ -12,11 +12,11 @@
 
 namespace harvlink::cli {
 
-/// One thing that is not as it should be.
+/// Something that is wrong with a connection.
 struct Finding {
     std::string name; ///< "port-closed"; stable, for programs
     std::string detail; ///< one sentence, without its full stop
-    std::string nextStep; ///< the one thing to do next, likewise
+    std::string nextStep; ///< the one thing to do next, also without its full stop
 };
 
 /// What the connection was meant to be.
@@ -26,20 +26,20 @@ struct Expectation {
     std::string generation; ///< empty: any
 };
 
-/// Everything that a report shows to be wrong, what hinders most first. Empty: all is well.
+/// Everything that is wrong, the worst first. Empty: nothing is wrong.
 std::vector<Finding> Diagnose(ControllerReport const& report, Expectation const& expected);
 
-/// The part of it that is about the series of probes.
+/// The findings about the series of probes.
 void DiagnoseDamage(LinkReport const& link, std::vector<Finding>& findings);
 void DiagnoseLink(LinkReport const& link, Expectation const& expected, std::vector<Finding>& findings);
 
-/// What to do about damage.
+/// What to do about damaged answers.
 std::string DamageStep();
 
-/// That requests are refused with a code: `subject` are those that are.
+/// A finding that the controller refuses `subject` with a code.
 Finding Refusing(std::string const& subject, int code);
 
-/// What is known of a code by which a controller refuses.
+/// What is known about the code of a refusal.
 std::optional<Explanation> ExplainRefusal(int code);
 
 /// The value below which a share of the sorted values lies; 0 without values.
@@ -48,10 +48,10 @@ double Quantile(std::vector<double> const& sorted, double share);
 /// "3 of 200 probes (1.5 %)"
 std::string Count(unsigned count, unsigned sent);
 
-/// "0.12 ms", with as many digits as are worth reading.
+/// "0.12 ms", with fewer digits for longer times.
 std::string Milliseconds(double time);
 
-/// The generation that a software version names, "YA"; empty if it is none that is known.
+/// The generation of a software version, such as "YA"; empty if it is unknown.
 std::string GenerationOf(std::string const& software);
 
 } // namespace harvlink::cli

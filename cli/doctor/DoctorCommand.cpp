@@ -26,9 +26,9 @@ namespace harvlink::cli {
 namespace {
 
 constexpr char const* DoctorHelp =
-    "It only reads, and asks for a file that does not exist; it opens no connection, because\n"
-    "that would clear the motion targets of a controller from YA up. Don't use it while\n"
-    "files are transferred. What it can find: no-route, rejected, no-answer, port-closed,\n"
+    "It only reads, and asks for a file that does not exist. It opens no connection, because\n"
+    "that would clear the motion targets of a controller from YA up. Do not use it while\n"
+    "files are transferred. It can find: no-route, rejected, no-answer, port-closed,\n"
     "wrong-answers, files-only, commands-only, refusing, damaged, unknown-generation,\n"
     "other-generation, other-source, duplicates, stopped, lossy, slow.\n"
     "Exit status: 0 if all is well, 1 if it found something, 2 for wrong usage.";
@@ -48,7 +48,7 @@ char const* StateName(PortReport::State state) {
         return "closed";
     case PortReport::State::Unreachable:
         return "unreachable";
-    case PortReport::State::Garbled:
+    case PortReport::State::BadAnswers:
         return "garbled";
     case PortReport::State::Silent:
         break;
@@ -118,13 +118,13 @@ int Show(Output& output, ControllerReport const& report, Expectation const& expe
     return findings.empty() ? ExitStatus::Success : ExitStatus::Failure;
 }
 
-/// Throws InputError for addresses that are none of one device: of this network, of groups, of all.
+/// Throws InputError for addresses that do not belong to one device: this network, multicast and broadcast.
 void CheckAddress(std::string const& host) {
     in_addr address{};
     bool const isAddress = ::inet_pton(AF_INET, host.c_str(), &address) == 1;
     std::uint32_t const value = ntohl(address.s_addr);
     if (isAddress && (value >> 24 == 0 || IN_MULTICAST(value) || value == INADDR_BROADCAST)) {
-        throw InputError(fmt::format("{} is the address of no single device", host));
+        throw InputError(fmt::format("{} is not the address of one device", host));
     }
 }
 
@@ -135,7 +135,7 @@ int Run(Output& output, Expectation const& expected, unsigned probes) {
         progress->Count("Probe", done + 1, probes);
         return !interrupt.Wait(std::chrono::milliseconds(0));
     };
-    ControllerReport const report = Examine(expected.host, expected.timeout, probes, goesOn);
+    ControllerReport const report = ProbeController(expected.host, expected.timeout, probes, goesOn);
     progress.reset();
     return Show(output, report, expected);
 }
@@ -144,9 +144,9 @@ int Run(Output& output, Expectation const& expected, unsigned probes) {
 
 void AddDoctorCommand(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<DoctorArguments>();
-    CLI::App* const verb = app.add_subcommand("doctor", "Find out why a controller can't be reached, or only badly");
+    CLI::App* const verb = app.add_subcommand("doctor", "Find out why a controller can't be reached, or answers badly");
     verb->add_option("HOST", arguments->host, "IPv4 address, instead of --host")->check(CLI::ValidIPV4);
-    verb->add_option("--probes", arguments->probes, "How often to ask for the state, to measure the link")
+    verb->add_option("--probes", arguments->probes, "How often to read the state, to measure the link")
         ->check(CLI::Range(1U, 100'000U))
         ->type_name("N")
         ->capture_default_str();

@@ -9,12 +9,12 @@ namespace harvlink::cli {
 
 namespace {
 
-/// Above it a control loop over the network, or a transfer of thousands of blocks, is felt to be slow.
+/// Above this a control loop over the network, or a transfer of thousands of blocks, is too slow.
 constexpr double SlowMilliseconds = 15.0;
-/// Of the answers, so many must be faster: a loop meets the others too often to get around them.
+/// The share of answers that must be faster. If fewer are, a control loop meets slow ones too often.
 constexpr double SlowShare = 0.95;
 
-/// `outcome` is what to tell from it.
+/// `outcome` says what follows from the result.
 std::string CompareByCable(std::string_view outcome) {
     return fmt::format("Connect this computer to the controller by a single cable and run harvlink doctor again: {}",
                        outcome);
@@ -26,14 +26,15 @@ void DiagnoseSources(LinkReport const& link, std::vector<Finding>& findings) {
     }
     findings.push_back(
         {"other-source",
-         fmt::format("Answers come from another place than was asked: {}, the last from {}",
+         fmt::format("Answers come from another address or port than was asked: {}, the last from {}",
                      Count(link.otherSources, link.sent),
                      link.otherHost.empty() ? fmt::format("its port {}", link.otherPort)
                                             : fmt::format("{}:{}", link.otherHost, link.otherPort)),
          link.otherHost.empty()
-             ? CompareByCable("if it finds nothing then, a NAT, VPN or gateway on the usual way changes the port")
-             : fmt::format("Find out what {} is: another address of the controller, which to use then, or a device "
-                           "that answers in its place",
+             ? CompareByCable(
+                   "if it finds nothing then, a NAT, VPN or gateway in the usual connection changes the port")
+             : fmt::format("Find out what {} is: another address of the controller, which you then use, or a "
+                           "device that answers in its place",
                            link.otherHost)});
 }
 
@@ -42,15 +43,15 @@ void DiagnoseLoss(LinkReport const& link, std::vector<Finding>& findings) {
     if (link.silentAtEnd > 0 && 2 * link.answered >= before) {
         findings.push_back(
             {"stopped",
-             before == 0 ? "The controller told what it is, and then stopped answering"
+             before == 0 ? "The controller gave its model and software, and then stopped answering"
                          : fmt::format("The controller stopped answering after {} of {} probes", before, link.sent),
              "Check whether the controller was switched off, restarted or unplugged just now, and run "
              "harvlink doctor again"});
     } else if (link.lost > 0) {
         findings.push_back(
             {"lossy", fmt::format("Answers get lost: {}", Count(link.lost, link.sent)),
-             CompareByCable("if nothing is lost then, replace the cables and switches of the usual way one by "
-                            "one; else look for other programs that load the controller")});
+             CompareByCable("if nothing is lost then, replace the cables and switches of the usual connection "
+                            "one by one; else look for other programs that load the controller")});
     }
 }
 
@@ -80,8 +81,8 @@ void DiagnoseTime(LinkReport const& link, Expectation const& expected, std::vect
             {"slow",
              fmt::format("Answers are slow: {} {} or longer", isHalf ? "half of them take" : "1 in 20 takes",
                          Milliseconds(isHalf ? median : tail)),
-             CompareByCable("if the answers are quick then, Wi-Fi, a VPN or a switch on the usual way "
-                            "delays them; else the controller is busy")});
+             CompareByCable("if the answers are quick then, Wi-Fi, a VPN or a switch in the usual "
+                            "connection delays them; else the controller is busy")});
     }
 }
 
@@ -91,17 +92,17 @@ void DiagnoseDamage(LinkReport const& link, std::vector<Finding>& findings) {
     if (link.damaged + link.wrongIds == 0) {
         return;
     }
-    // None is spoilt if a whole answer came with each damaged one.
+    // No probe is spoilt if a whole answer came with each damaged one.
     unsigned const count = link.spoilt > 0 ? link.spoilt : std::min(link.sent, link.damaged + link.wrongIds);
-    std::string const subject = link.wrongIds == 0  ? "Answers come damaged"
-                                : link.damaged == 0 ? "Answers are not to what was asked"
-                                                    : "Answers come damaged, or are not to what was asked";
+    std::string const subject = link.wrongIds == 0  ? "Answers arrive damaged"
+                                : link.damaged == 0 ? "Answers do not fit the questions"
+                                                    : "Answers arrive damaged, or do not fit the questions";
     findings.push_back({"damaged", fmt::format("{}: {}", subject, Count(count, link.sent)), DamageStep()});
 }
 
 std::string DamageStep() {
     return CompareByCable(
-        "if the answers are right then, a device on the usual way changes them, such as a NAT, VPN or "
+        "if the answers are right then, a device in the usual connection changes them, such as a NAT, VPN or "
         "gateway");
 }
 

@@ -14,39 +14,39 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Event = ProbeSocket::Event;
 using State = PortReport::State;
-using Garble = PortReport::Garble;
+using BadAnswer = PortReport::BadAnswer;
 
 constexpr std::size_t LargestDatagram = 2048;
-/// With the usual time-out long enough for this computer to find out that nobody has the address.
+/// With the usual time-out this is long enough for the operating system to find out that no device has the address.
 constexpr unsigned DiscoveryTries = 7;
-/// Nobody waits for a controller that has gone in the middle.
+/// A series ends early if the controller has stopped answering.
 constexpr unsigned MostSilentProbes = 20;
-/// For how long an answer may still come, if the time-out is shorter.
-constexpr std::chrono::seconds Patience{1};
+/// For how long an answer may still arrive, if the time-out is shorter.
+constexpr std::chrono::seconds LateAnswerTime{1};
 
-class Examination {
+class ControllerProbe {
     enum class Asked : std::uint8_t { Nothing, Identity, File, Probe };
-    enum class Fate : std::uint8_t { Unused, Awaited, Overdue, Done };
+    enum class Phase : std::uint8_t { Unused, Awaited, Overdue, Done };
 
     struct Question {
         Asked asked = Asked::Nothing;
-        Fate fate = Fate::Unused;
+        Phase phase = Phase::Unused;
         Clock::time_point sent{};
-        bool isDoubtful = false; ///< see Strays::IsDoubtful
+        bool isAmbiguous = false; ///< see OtherAnswers::IsAmbiguous
     };
 
-    /// What came while a probe waited and is no answer to it.
-    struct Strays {
+    /// What arrived while a probe waited and was not its answer.
+    struct OtherAnswers {
         unsigned spoilt = 0;
-        unsigned repeated = 0; ///< carry the id of a probe before the last, which had its answer
-        unsigned previous = 0; ///< carry the id of the last probe, which had its answer
-        unsigned early = 0; ///< carry the id of a question before the probes
-        /// A second answer of the usual kind, or the probe's own with a damaged id.
-        bool IsDoubtful() const { return previous + early > 0; }
+        unsigned repeated = 0; ///< with the id of an earlier probe, which had its answer
+        unsigned previous = 0; ///< with the id of the last probe, which had its answer
+        unsigned early = 0; ///< with the id of a question asked before the probes
+        /// Either an ordinary second answer, or the probe's own with a damaged id.
+        bool IsAmbiguous() const { return previous + early > 0; }
     };
 
 public:
-    Examination(std::string const& host, std::chrono::milliseconds timeout) : socket_(host), timeout_(timeout) {}
+    ControllerProbe(std::string const& host, std::chrono::milliseconds timeout) : socket_(host), timeout_(timeout) {}
 
     void Discover() {
         while (report_.attempts < DiscoveryTries && !IsKnown()) {
@@ -67,14 +67,14 @@ public:
     void Measure(unsigned probes, std::function<bool(unsigned)> const& progress) {
         LinkReport& link = report_.link;
         unsigned silent = 0;
-        unsigned heardBefore = 0;
+        unsigned receivedBefore = 0;
         while (link.sent < probes && silent < MostSilentProbes && progress(link.sent)) {
-            heardBefore = silent == 0 ? heard_ : heardBefore;
+            receivedBefore = silent == 0 ? received_ : receivedBefore;
             silent = ProbeOnce() ? 0 : silent + 1;
         }
-        AwaitLateOnes();
-        SettleDoubts();
-        link.silentAtEnd = silent == MostSilentProbes && heard_ == heardBefore ? silent : 0;
+        WaitForLateAnswers();
+        CountAmbiguous();
+        link.silentAtEnd = silent == MostSilentProbes && received_ == receivedBefore ? silent : 0;
         link.lost = link.sent - std::min(link.sent, link.answered + link.late + link.spoilt);
         std::sort(link.milliseconds.begin(), link.milliseconds.end());
     }
@@ -82,17 +82,19 @@ public:
     ControllerReport const& Report() const { return report_; }
 
 private:
-    static bool IsOpen(PortReport const& port) { return port.state == State::Silent || port.state == State::Garbled; }
+    static bool IsOpen(PortReport const& port) {
+        return port.state == State::Silent || port.state == State::BadAnswers;
+    }
 
     bool IsKnown() const { return !IsOpen(report_.commands) && !IsOpen(report_.files); }
 
-    /// Whether the answer may still come. If its id were given again, it would pass for the answer to that.
+    /// Whether the answer may still arrive. Its id must not be used again until then.
     static bool IsOutstanding(Question const& question) {
-        return question.fate == Fate::Awaited ||
-               (question.fate == Fate::Overdue && Clock::now() - question.sent < 2 * Patience);
+        return question.phase == Phase::Awaited ||
+               (question.phase == Phase::Overdue && Clock::now() - question.sent < 2 * LateAnswerTime);
     }
 
-    /// Odd ones only, so that an answer with the id before it is seen to be wrong.
+    /// Only odd ids are used, so that an answer with an id that is off by one is seen to be wrong.
     std::uint8_t NextId() {
         auto const after = [](std::uint8_t id) { return static_cast<std::uint8_t>((id + 2) % (HighestId + 1)); };
         std::uint8_t id = after(lastId_);
@@ -105,9 +107,9 @@ private:
 
     std::uint8_t Ask(PortReport& port, Asked asked, ProbeDatagram (*request)(std::uint8_t)) {
         std::uint8_t const id = NextId();
-        questions_.at(id) = {asked, Fate::Awaited, Clock::now()};
+        questions_.at(id) = {asked, Phase::Awaited, Clock::now()};
         int const error = socket_.Send(port.port, request(id));
-        // What answered once is not unreachable; the probe is lost.
+        // A port that has answered once is not unreachable; the probe counts as lost.
         if (error != 0 && IsOpen(port)) {
             port.state = State::Unreachable;
             port.error = error;
@@ -150,120 +152,121 @@ private:
             isWhole && std::ranges::equal(datagram, asked == Asked::File ? MissingFile(IdOf(datagram))
                                                                          : SystemInformation(IdOf(datagram)));
         if (isEcho) {
-            NoteGarble(source == report_.files.port ? report_.files : report_.commands, Garble::Foreign);
+            NoteBadAnswer(source == report_.files.port ? report_.files : report_.commands, BadAnswer::Foreign);
         } else if (asked == Asked::Identity && IsConsistent(datagram, SystemInformationSize)) {
             int const code = CodeOf(datagram);
             report_.commands.state = code == 0 ? State::Answers : State::Refuses;
             report_.commands.code = code;
             report_.software = TextOf(datagram, 0, 24);
             report_.model = TextOf(datagram, 24, 16);
-            question->fate = Fate::Done;
+            question->phase = Phase::Done;
         } else if (asked == Asked::File) {
-            // That there is no such file is the answer that was expected.
+            // The expected answer is that there is no such file.
             report_.files.state = State::Answers;
-            question->fate = Fate::Done;
+            question->phase = Phase::Done;
         } else {
-            NoteGarble(source == report_.files.port ? report_.files : report_.commands,
-                       isWhole && asked == Asked::Nothing ? Garble::WrongId
-                       : HasSignature(datagram)           ? Garble::Damaged
-                                                          : Garble::Foreign);
+            NoteBadAnswer(source == report_.files.port ? report_.files : report_.commands,
+                          isWhole && asked == Asked::Nothing ? BadAnswer::WrongId
+                          : HasSignature(datagram)           ? BadAnswer::Damaged
+                                                             : BadAnswer::Foreign);
         }
     }
 
-    static void NoteGarble(PortReport& port, Garble garble) {
-        port.garble = std::max(port.garble, garble);
-        port.state = IsOpen(port) ? State::Garbled : port.state;
+    static void NoteBadAnswer(PortReport& port, BadAnswer badAnswer) {
+        port.badAnswer = std::max(port.badAnswer, badAnswer);
+        port.state = IsOpen(port) ? State::BadAnswers : port.state;
     }
 
-    /// Returns whether something came back for it.
+    /// Returns whether anything came back.
     bool ProbeOnce() {
         std::uint8_t const previous = lastId_;
         std::uint8_t const id = Ask(report_.commands, Asked::Probe, ControllerState);
         LinkReport& link = report_.link;
         ++link.sent;
         Question& question = questions_.at(id);
-        Strays strays;
+        OtherAnswers others;
         auto const end = question.sent + timeout_;
-        while (question.fate == Fate::Awaited && Clock::now() < end) {
-            Judge(Receive(end), id, previous, strays);
+        while (question.phase == Phase::Awaited && Clock::now() < end) {
+            CountAnswer(Receive(end), id, previous, others);
         }
-        if (question.fate == Fate::Done) {
-            link.duplicates += strays.repeated + strays.previous;
+        if (question.phase == Phase::Done) {
+            link.duplicates += others.repeated + others.previous;
             return true;
         }
-        link.wrongIds += strays.repeated;
-        bool const isSpoilt = strays.spoilt + strays.repeated > 0;
+        link.wrongIds += others.repeated;
+        bool const isSpoilt = others.spoilt + others.repeated > 0;
         link.spoilt += isSpoilt ? 1 : 0;
-        question.fate = isSpoilt ? Fate::Done : Fate::Overdue;
-        question.isDoubtful = !isSpoilt && strays.IsDoubtful();
-        doubtful_ += question.isDoubtful ? 1 : 0;
-        doubtfulRepeats_ += strays.previous;
+        question.phase = isSpoilt ? Phase::Done : Phase::Overdue;
+        question.isAmbiguous = !isSpoilt && others.IsAmbiguous();
+        ambiguous_ += question.isAmbiguous ? 1 : 0;
+        ambiguousRepeats_ += others.previous;
         return isSpoilt;
     }
 
-    /// On a link that damages ids, those that may be damaged are.
-    void SettleDoubts() {
+    /// Ambiguous answers count as damaged on a link that damages ids, else as duplicates.
+    void CountAmbiguous() {
         LinkReport& link = report_.link;
         if (link.wrongIds > 0) {
-            link.spoilt += doubtful_;
-            link.wrongIds += doubtful_;
+            link.spoilt += ambiguous_;
+            link.wrongIds += ambiguous_;
         } else {
-            link.duplicates += doubtfulRepeats_;
+            link.duplicates += ambiguousRepeats_;
         }
     }
 
-    void AwaitLateOnes() {
+    void WaitForLateAnswers() {
         LinkReport const& link = report_.link;
-        auto const end = Clock::now() + std::max<Clock::duration>(timeout_, Patience);
-        Strays strays;
+        auto const end = Clock::now() + std::max<Clock::duration>(timeout_, LateAnswerTime);
+        OtherAnswers others;
         while (link.answered + link.late + link.spoilt < link.sent && Clock::now() < end) {
-            Judge(Receive(end), lastId_, lastId_, strays);
+            CountAnswer(Receive(end), lastId_, lastId_, others);
         }
     }
 
-    /// What a datagram means while the probe `id` waits for its answer, or after all of them.
-    void Judge(ProbeSocket::Received const& received, std::uint8_t id, std::uint8_t previous, Strays& strays) {
+    /// Counts a datagram that arrives while the probe `id` waits for its answer, or after all probes.
+    void CountAnswer(ProbeSocket::Received const& received, std::uint8_t id, std::uint8_t previous,
+                     OtherAnswers& others) {
         if (received.event != Event::Datagram) {
             return;
         }
-        ++heard_;
+        ++received_;
         LinkReport& link = report_.link;
         auto const datagram = BytesOf(received);
         Question* const question = IsWhole(datagram) ? &questions_.at(IdOf(datagram)) : nullptr;
         bool const isDamaged =
             question == nullptr || (question->asked == Asked::Probe && !IsConsistent(datagram, ControllerStateSize));
-        if (isDamaged || question->fate == Fate::Unused) {
+        if (isDamaged || question->phase == Phase::Unused) {
             (isDamaged ? link.damaged : link.wrongIds) += 1;
-            ++strays.spoilt;
+            ++others.spoilt;
             return;
         }
         if (question->asked == Asked::Probe) {
             NoteSource(received);
         }
-        if (question->fate != Fate::Done) {
-            strays.early += question->asked == Asked::Probe ? 0 : 1;
+        if (question->phase != Phase::Done) {
+            others.early += question->asked == Asked::Probe ? 0 : 1;
             NoteAnswer(*question, IdOf(datagram) == id, CodeOf(datagram));
         } else if (IdOf(datagram) == previous) {
-            ++strays.previous;
+            ++others.previous;
         } else {
-            ++strays.repeated;
+            ++others.repeated;
         }
     }
 
     void NoteAnswer(Question& question, bool isAwaited, int code) {
         LinkReport& link = report_.link;
         double const time = std::chrono::duration<double, std::milli>(Clock::now() - question.sent).count();
-        if (question.asked == Asked::Probe && isAwaited && question.fate == Fate::Awaited) {
+        if (question.asked == Asked::Probe && isAwaited && question.phase == Phase::Awaited) {
             ++link.answered;
             link.milliseconds.push_back(time);
             link.refused += code != 0 ? 1 : 0;
             link.refusalCode = code != 0 ? code : link.refusalCode;
         } else if (question.asked == Asked::Probe) {
             ++link.late;
-            doubtful_ -= question.isDoubtful ? 1 : 0;
+            ambiguous_ -= question.isAmbiguous ? 1 : 0;
             link.latestMilliseconds = std::max(link.latestMilliseconds, time);
         }
-        question.fate = Fate::Done;
+        question.phase = Phase::Done;
     }
 
     void NoteSource(ProbeSocket::Received const& received) {
@@ -282,21 +285,21 @@ private:
     std::array<std::byte, LargestDatagram> buffer_{};
     std::array<Question, 256> questions_{};
     std::uint8_t lastId_ = HighestId;
-    unsigned heard_ = 0;
-    unsigned doubtful_ = 0; ///< probes
-    unsigned doubtfulRepeats_ = 0;
+    unsigned received_ = 0;
+    unsigned ambiguous_ = 0; ///< probes
+    unsigned ambiguousRepeats_ = 0;
 };
 
 } // namespace
 
-ControllerReport Examine(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
-                         std::function<bool(unsigned)> const& progress) {
-    Examination examination(host, timeout);
-    examination.Discover();
-    if (examination.Report().commands.state == State::Answers) {
-        examination.Measure(probes, progress);
+ControllerReport ProbeController(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
+                                 std::function<bool(unsigned)> const& progress) {
+    ControllerProbe probe(host, timeout);
+    probe.Discover();
+    if (probe.Report().commands.state == State::Answers) {
+        probe.Measure(probes, progress);
     }
-    return examination.Report();
+    return probe.Report();
 }
 
 } // namespace harvlink::cli

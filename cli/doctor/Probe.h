@@ -10,37 +10,37 @@ namespace harvlink::cli {
 
 /// How one of the controller's two ports answers.
 struct PortReport {
-    enum class State { Silent, Answers, Refuses, Closed, Unreachable, Garbled };
+    enum class State { Silent, Answers, Refuses, Closed, Unreachable, BadAnswers };
 
-    /// What comes from a garbled port, the most hopeful of it.
-    enum class Garble {
+    /// How the answers of a port are wrong; the last value that was seen.
+    enum class BadAnswer {
         None,
-        Foreign, ///< nothing of this protocol
-        Damaged, ///< shorter or longer than it says, or at odds with itself
-        WrongId, ///< answers to what was not asked
+        Foreign, ///< not of this protocol
+        Damaged, ///< of a length or contents that do not fit its header
+        WrongId, ///< answers to something that was not asked
     };
 
     std::uint16_t port = 0;
     State state = State::Silent;
-    Garble garble = Garble::None;
-    int code = 0; ///< by which it refuses
+    BadAnswer badAnswer = BadAnswer::None;
+    int code = 0; ///< of its refusal
     int error = 0; ///< of the operating system, if it is closed or can't be reached
-    std::string reporter{}; ///< the address of the device on the way that says so; empty: the host or this computer
+    std::string reporter{}; ///< the address of the router that reported the error; empty: the host or this computer
 };
 
 /// What became of a series of probes: each was answered, late, spoilt or lost.
 struct LinkReport {
     unsigned sent = 0;
     unsigned answered = 0; ///< in time
-    unsigned late = 0; ///< after the time-out, before the end
-    unsigned spoilt = 0; ///< only a damaged answer came, or one to what was not asked
+    unsigned late = 0; ///< after the time-out, before the end of the series
+    unsigned spoilt = 0; ///< only a damaged answer came, or an answer to something else
     unsigned lost = 0;
     unsigned refused = 0; ///< of those answered
     unsigned duplicates = 0;
-    unsigned damaged = 0; ///< datagrams that are none of this protocol, or shorter or longer than they say
-    unsigned wrongIds = 0; ///< answers to what was not asked
+    unsigned damaged = 0; ///< datagrams that are not of this protocol, or have another length than their header gives
+    unsigned wrongIds = 0; ///< answers to something that was not asked
     unsigned otherSources = 0; ///< answers from another port or host than the one asked
-    unsigned silentAtEnd = 0; ///< the last probes, if they ended the series because nothing at all came back
+    unsigned silentAtEnd = 0; ///< number of unanswered probes that ended the series early
     int refusalCode = 0; ///< the last
     std::string otherHost{}; ///< the last of the other sources, if it is another host
     std::uint16_t otherPort = 0; ///< its port
@@ -51,16 +51,16 @@ struct LinkReport {
 struct ControllerReport {
     PortReport commands{.port = 10040};
     PortReport files{.port = 10041};
-    unsigned attempts = 0; ///< at getting a first answer of both ports
+    unsigned attempts = 0; ///< to get a first answer from both ports
     std::string software{};
     std::string model{};
     LinkReport link{};
 };
 
-/// Asks a controller for what it is, whether it serves files, and then `probes` times for its state. It only reads, and
-/// opens no connection, which would clear motion targets: the file that it asks for does not exist. `progress` is told
-/// the number of probes that are done, and ends the series by returning false.
-ControllerReport Examine(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
-                         std::function<bool(unsigned)> const& progress);
+/// Asks a controller for its model and software, then for a file that does not exist, and then `probes` times for its
+/// state. It only reads, and opens no connection, because that would clear motion targets. Calls `progress` with the number
+/// of probes that are done; the series ends if it returns false.
+ControllerReport ProbeController(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
+                                 std::function<bool(unsigned)> const& progress);
 
 } // namespace harvlink::cli

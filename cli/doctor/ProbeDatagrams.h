@@ -18,23 +18,23 @@ ProbeDatagram ControllerState(std::uint8_t id);
 /// Asks for a file that does not exist.
 ProbeDatagram MissingFile(std::uint8_t id);
 
-/// The least that a successful answer to each of them carries.
+/// The smallest payload of a successful answer to each of them.
 inline constexpr std::size_t SystemInformationSize = 24; ///< the software version; the model follows
 inline constexpr std::size_t ControllerStateSize = 8;
 
-/// Whether it begins as a datagram of this protocol does.
+/// Whether it begins as a datagram of this protocol.
 bool HasSignature(std::span<std::byte const> datagram);
 
-/// Whether it is a datagram of this protocol, as long as it says.
+/// Whether it is a datagram of this protocol with the length that its header gives.
 bool IsWhole(std::span<std::byte const> datagram);
 
-/// The rest is for whole ones.
+/// The functions below are for whole datagrams.
 std::uint8_t IdOf(std::span<std::byte const> datagram);
 
 /// 0 for success, else the code that the library would return.
 int CodeOf(std::span<std::byte const> datagram);
 
-/// Whether code and payload go together: a success carries what was asked for, a refusal does not.
+/// Whether code and payload fit: a success has the payload that was asked for, a refusal has none.
 bool IsConsistent(std::span<std::byte const> datagram, std::size_t leastPayload);
 
 /// The text in a field of the payload; empty beyond its end.

@@ -38,7 +38,7 @@ ProbeSocket::ProbeSocket(std::string const& host) : descriptor_(::socket(AF_INET
     host_.sin_family = AF_INET;
     ::inet_pton(AF_INET, host.c_str(), &host_.sin_addr);
 #ifdef IP_RECVERR
-    // A socket without a fixed peer, which alone sees answers from a wrong port, learns of ICMP errors only by this.
+    // Only an unconnected socket sees answers from a wrong port, and such a socket gets ICMP errors only with this option.
     int const on = 1;
     ::setsockopt(descriptor_, IPPROTO_IP, IP_RECVERR, &on, sizeof(on));
 #endif
@@ -51,7 +51,7 @@ ProbeSocket::~ProbeSocket() {
 int ProbeSocket::Send(std::uint16_t port, std::span<std::byte const> datagram) const {
     sockaddr_in target = host_;
     target.sin_port = htons(port);
-    // An error of an earlier datagram is reported by the next call, which then does nothing.
+    // The next call reports the error of an earlier datagram, and then sends nothing.
     for (int attempt = 0; attempt < 3; ++attempt) {
         if (::sendto(descriptor_, datagram.data(), datagram.size(), MSG_NOSIGNAL,
                      reinterpret_cast<sockaddr const*>(&target), sizeof(target)) >= 0) {
@@ -103,7 +103,7 @@ ProbeSocket::Received ProbeSocket::ReadError() const {
     socklen_t size = sizeof(received.error);
     ::getsockopt(descriptor_, SOL_SOCKET, SO_ERROR, &received.error, &size);
 #ifdef IP_RECVERR
-    // The name that comes with a queued error is that of the datagram's target.
+    // The address that comes with a queued error is the one to which the datagram was sent.
     sockaddr_in target{};
     alignas(cmsghdr) std::array<std::byte, 256> control{};
     msghdr message{};

@@ -13,14 +13,14 @@ namespace harvlink::cli {
 /// "192.168.255.1"
 std::string AddressText(in_addr address);
 
-/// A socket of its own for questions that the library does not answer: who sent a datagram, and what came back by ICMP.
+/// A socket for what the library does not report: who sent a datagram, and what came back by ICMP.
 class ProbeSocket {
 public:
     enum class Event {
         Nothing, ///< within the time
         Datagram,
-        PortClosed, ///< the host says that nobody listens on the port
-        Unreachable, ///< this computer or one on the way knows no way to the host
+        PortClosed, ///< the host says that no program listens on the port
+        Unreachable, ///< this computer or a router has no route to the host
     };
 
     struct Received {
@@ -28,11 +28,11 @@ public:
         std::size_t length = 0;
         in_addr sender{}; ///< of the datagram, or of the ICMP message
         bool isFromHost = true;
-        std::uint16_t port = 0; ///< whence the datagram came, or where the one was sent that an error is about
+        std::uint16_t port = 0; ///< from which the datagram came, or to which the datagram went that an error is about
         int error = 0; ///< of the operating system
     };
 
-    /// Throws std::system_error if this computer has no socket left.
+    /// Throws std::system_error if no socket can be opened.
     explicit ProbeSocket(std::string const& host);
     ProbeSocket(ProbeSocket const&) = delete;
     ProbeSocket& operator=(ProbeSocket const&) = delete;
@@ -41,10 +41,10 @@ public:
     /// Returns 0 or the error of the operating system.
     int Send(std::uint16_t port, std::span<std::byte const> datagram) const;
 
-    /// Waits for the next thing that comes. Returns early if a signal interrupts it.
+    /// Waits for the next datagram or error. Returns early if a signal interrupts it.
     Received Receive(std::span<std::byte> buffer, std::chrono::microseconds time) const;
 
-    /// Whether this computer itself has the address, as that of messages about hosts which it does not find.
+    /// Whether the address is one of this computer, which itself reports a host that it does not find.
     static bool IsOwn(in_addr address);
 
 private:

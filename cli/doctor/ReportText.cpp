@@ -39,15 +39,15 @@ std::string PortText(PortReport const& port, std::string_view purpose, std::stri
         case State::Refuses:
             return fmt::format("refuses with code {}", port.code);
         case State::Closed:
-            return port.reporter.empty() ? "closed, as the host says" : "turned back" + by;
+            return port.reporter.empty() ? "closed (the host says so)" : "rejected" + by;
         case State::Unreachable:
-            return port.reporter.empty() ? "not reached" : "turned back" + by;
-        case State::Garbled:
-            return "answers nothing of use";
+            return port.reporter.empty() ? "not reached" : "rejected" + by;
+        case State::BadAnswers:
+            return "gives no usable answer";
         case State::Silent:
             break;
         }
-        return fmt::format("silent in {}", waited);
+        return fmt::format("no answer to {}", waited);
     };
     return fmt::format("UDP {} ({}) {}", port.port, purpose, state());
 }
@@ -63,10 +63,10 @@ std::string LinkText(LinkReport const& link) {
     add(link.lost, "lost");
     add(link.late, "late");
     add(link.spoilt, link.wrongIds == 0  ? "answered, but damaged"
-                     : link.damaged == 0 ? "answered, but not what was asked"
-                                         : "answered, but damaged or not what was asked");
+                     : link.damaged == 0 ? "answered, but not the question"
+                                         : "answered, but damaged or not the question");
     add(link.refused, "refused");
-    add(link.otherSources, "from another place");
+    add(link.otherSources, "from another address or port");
     add(link.duplicates, "twice");
     return text;
 }
@@ -106,8 +106,8 @@ std::string FormatReport(ControllerReport const& report, Expectation const& expe
         text += FormatFinding(finding, fmt::terminal_color::red, isColoured);
     }
     if (findings.empty()) {
-        text += FormatFinding({"ok", fmt::format("Nothing is wrong with the way to {}", expected.host),
-                               "Nothing to mend here. If a program still fails, look its status code up with harvlink "
+        text += FormatFinding({"ok", fmt::format("The connection to {} works without a fault", expected.host),
+                               "Nothing. If a program still fails, look up its status code with harvlink "
                                "explain CODE"},
                               fmt::terminal_color::green, isColoured);
     }

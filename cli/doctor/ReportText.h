@@ -7,7 +7,7 @@
 
 namespace harvlink::cli {
 
-/// For people: each finding with its next step, then the evidence, which has only what was measured.
+/// For people: each finding with its next step, then the evidence: what was measured.
 std::string FormatReport(ControllerReport const& report, Expectation const& expected,
                          std::vector<Finding> const& findings, bool isColoured);
 

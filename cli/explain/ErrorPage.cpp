@@ -15,7 +15,7 @@ namespace {
 
 constexpr char const* Head = R"(# Error cards
 
-What a status code means, where it comes from, what to look at, and whether the request may be sent again. The same
+What a status code means, where it comes from, what to check, and whether the request may be sent again. The same
 cards are in the tool, for any form of a code: `harvlink explain -49934480`. This page is written by
 `harvlink explain --all --markdown`; do not edit it.
 
@@ -33,7 +33,7 @@ std::string Legend() {
         legend += fmt::format("| {} | {} |\n", RetryName(retry), RetryAdvice(retry));
     }
     return legend + "\nA number of four digits comes as it is or as the number whose hexadecimal digits spell it. "
-                    "Where a subsystem\nsubtracts an offset, the controller's own number stands in brackets.\n";
+                    "Where a subsystem\nsubtracts an offset, the controller's own number follows in brackets.\n";
 }
 
 std::string CodeCell(Explanation const& explanation) {
@@ -47,7 +47,7 @@ std::string CodeCell(Explanation const& explanation) {
                                    : fmt::format("{}", explanation.code);
 }
 
-/// What is true of a whole family stands above its table only.
+/// What is true for a whole family stands above its table only.
 CodeFamily const* FamilyNamed(std::string const& name) {
     auto const families = CodeFamilies();
     auto const found =
@@ -83,7 +83,7 @@ std::string ErrorPage() {
             page += Section(all[i].subsystem);
         }
         codes += (codes.empty() ? "" : ", ") + CodeCell(all[i]);
-        // Two forms of one number are one row, unless their texts differ.
+        // The two forms of a number share a row, unless their texts differ.
         bool const isPair = i + 1 < all.size() && all[i + 1].subsystem == all[i].subsystem &&
                             all[i + 1].text == all[i].text && all[i].code < 10000 && all[i].code > 999 &&
                             fmt::format("{:x}", all[i + 1].code) == std::to_string(all[i].code);

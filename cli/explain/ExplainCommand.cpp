@@ -20,7 +20,7 @@ namespace harvlink::cli {
 
 namespace {
 
-/// For each code that was given all that it may mean.
+/// For each code that was given, all that it may mean.
 using Meanings = std::vector<std::vector<Explanation>>;
 
 struct ExplainArguments {
@@ -43,7 +43,7 @@ bool IsSimilar(Explanation const& explanation) {
     return explanation.match != ExactMatch && explanation.match != NoMatch;
 }
 
-/// What is known of one code: a card for each of its meanings, and a table of the codes that it is only a part of.
+/// Shows what is known about one code: a card for each meaning, and a table of the codes of which it is only a part.
 void ShowMeanings(Output& output, std::vector<Explanation> const& explanations) {
     bool const hasSimilar = IsSimilar(explanations.back());
     std::string_view gap;
@@ -87,7 +87,7 @@ int Show(Output& output, Meanings const& codes) {
 void AddExplainCommand(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<ExplainArguments>();
     CLI::App* const verb =
-        app.add_subcommand("explain", "Tell what a status code or alarm means and what to do; needs no controller");
+        app.add_subcommand("explain", "Explain a status code or alarm and what to do; needs no controller");
     verb->add_option("CODE", arguments->codes, "Codes, such as 8288, 0x30006, -49934480 or 8015-112")
         ->type_name("CODE");
     verb->add_flag("--all", arguments->all, "Every code that has a text");
@@ -101,7 +101,7 @@ void AddExplainCommand(CLI::App& app, Session& session) {
             explanations.push_back(Explain(code));
         }
         if (arguments->codes.empty() != arguments->all || (arguments->markdown && !arguments->all)) {
-            throw InputError("give codes, or --all with or without --markdown");
+            throw InputError("give codes or --all; --markdown needs --all");
         }
         session.Locally([arguments, explanations](Output& output) {
             if (arguments->markdown) {

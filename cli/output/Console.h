@@ -4,7 +4,7 @@
 
 namespace harvlink::cli {
 
-/// Where the program reads and writes, so that a test can run it whole in memory.
+/// The streams that the program reads and writes, so that a test can run the whole program in memory.
 struct Console {
     std::istream& in;
     std::ostream& out;

@@ -22,7 +22,7 @@ bool ColourAllowed() {
     return !refused && (terminal == nullptr || std::string_view(terminal) != "dumb");
 }
 
-// Texts of a controller may hold any bytes; what is no UTF-8 is replaced, so that every document can be read.
+// Texts of a controller may hold any bytes. Bytes that are not UTF-8 are replaced, so that every document can be parsed.
 std::string Dump(Json const& document, int indent) {
     return document.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
@@ -40,9 +40,9 @@ void Output::Show(Json const& document) {
 
 void Output::ShowEvent(Json const& event, std::string_view text) {
     console_.out << (json ? Dump(event, -1) : std::string(text)) << '\n' << std::flush;
-    // Events go on until somebody ends them, for whom this is the end.
+    // A series goes on until Ctrl-C, or until the reader of the output is gone.
     if (!console_.out) {
-        throw std::runtime_error("nobody takes the output any more");
+        throw std::runtime_error("the reader of the output is gone");
     }
 }
 

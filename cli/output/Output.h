@@ -10,9 +10,9 @@
 
 namespace harvlink::cli {
 
-/// What a command found out, said once as JSON and shown as such or, for people, as a table made of it:
-/// an array of objects is a table with a header, an object a list of its fields, a list in a field follows it as a table.
-/// Keys in snake case ("servo_on") become labels ("Servo on").
+/// Shows the result of a command. The command makes one JSON document, which is shown as it is or, for people, as tables:
+/// an array of objects is a table with a header, an object is a list of its fields, and a list in a field becomes a table
+/// after it. Keys in snake case ("servo_on") become labels ("Servo on").
 class Output {
 public:
     explicit Output(Console& console);
@@ -21,23 +21,23 @@ public:
 
     void Show(Json const& document);
 
-    /// One of a series of records that go out as they come: JSON on one line, or `text` for people.
+    /// Shows one record of a series at once: JSON on one line, or `text` for people.
     void ShowEvent(Json const& event, std::string_view text);
 
-    /// The end of a command that has nothing to show but its success, and the note that this may carry. Shows nothing of a
-    /// failure, and hands the status on.
+    /// Ends a command that has no result but its success: shows the status, with the note that it may carry. Shows nothing
+    /// if the command failed. Returns the status.
     StatusInfo Done(StatusInfo status);
 
-    /// The library's own status line, on the error stream, behind what it is about if several things were asked for.
+    /// Shows the library's status line on the error stream. `subject` stands before it if the command was for several things.
     void Failure(StatusInfo const& status, std::string_view subject = {});
 
-    /// Anything else that went wrong, on the error stream.
+    /// Shows any other error on the error stream.
     void Problem(std::string_view message);
 
     /// Whether a failure or problem was shown.
     bool HasFailed() const { return hasFailed_; }
 
-    /// Whether somebody watches who would like to see progress.
+    /// Whether to show progress: the output is for people and goes to a terminal.
     bool Interactive() const;
 
     /// Whether standard output may be coloured.

@@ -73,7 +73,7 @@ void Progress::Redraw() {
     bool isShown = false;
     while (!ended_.wait_for(lock, isShown ? Refresh : FirstShown, hasEnded)) {
         std::string const line = Line();
-        // A terminal that takes nothing must not stop the command: it may have to stop a robot.
+        // A terminal that is stuck must not stop the command, which may have to stop a robot.
         lock.unlock();
         console_.err << EraseLine << line << std::flush;
         lock.lock();

@@ -5,8 +5,8 @@
 
 namespace harvlink::cli {
 
-/// Collects rows by `read(item, rows)` and shows them. The first failure ends the reading and is the result; what was
-/// read before it is shown all the same.
+/// Collects rows by `read(item, rows)` and shows them. The first failure ends the reading and is returned; the rows before
+/// it are shown all the same.
 template <typename Items, typename Read>
 StatusInfo ShowRows(Output& output, Items const& items, Read const& read) {
     Json rows = Json::array();

@@ -6,7 +6,7 @@
 
 namespace harvlink::cli {
 
-/// The text of a document for people, each line ended. `bold` sets header lines off.
+/// The text of a document for people, with an end on each line. `bold` prints header lines in bold.
 std::string FormatTable(Json const& document, bool bold);
 
 } // namespace harvlink::cli

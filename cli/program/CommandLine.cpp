@@ -12,8 +12,8 @@
 #include <fmt/format.h>
 
 #include "cli/output/Output.h"
-#include "cli/program/Complaint.h"
 #include "cli/program/Help.h"
+#include "cli/program/ParseErrorText.h"
 #include "cli/program/Session.h"
 #include "harvlink/Version.h"
 #include "words/text/InputError.h"
@@ -22,13 +22,14 @@ namespace harvlink::cli {
 
 namespace {
 
-constexpr char const* Footer = "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage.\n"
-                               "Options may stand before or behind the command. Each wins over its environment\n"
-                               "variable, in brackets, and this over the configuration file: see harvlink config.\n\n"
-                               "Examples:\n"
-                               "  harvlink --host 192.168.255.1 status\n"
-                               "  harvlink --host 192.168.255.1 position R1 --coordinate base --json\n"
-                               "  HARVLINK_HOST=192.168.255.1 harvlink var get B0..B9 P1";
+constexpr char const* Footer =
+    "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage.\n"
+    "Options may stand before or after the command. An option comes before its environment\n"
+    "variable (in brackets), and this before the configuration file: see harvlink config.\n\n"
+    "Examples:\n"
+    "  harvlink --host 192.168.255.1 status\n"
+    "  harvlink --host 192.168.255.1 position R1 --coordinate base --json\n"
+    "  HARVLINK_HOST=192.168.255.1 harvlink var get B0..B9 P1";
 
 /// The words that lead to the command at which the parsing stopped.
 std::string CommandName(CLI::App const& app) {
@@ -40,8 +41,8 @@ std::string CommandName(CLI::App const& app) {
     return name;
 }
 
-/// In the order that the parser wants, the last first. A negative code behind "explain", which it would take for an
-/// option, is written as the controller's tools do, in hexadecimal.
+/// The arguments in the order that the parser wants, the last first. A negative code after "explain" is written in
+/// hexadecimal, as the parser would take it for an option.
 std::vector<std::string> Arguments(int argc, char const* const* argv) {
     std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
     bool isExplained = false;
@@ -65,7 +66,7 @@ int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* ar
         if (error.get_exit_code() == 0) {
             return app.exit(error, console.out, console.err);
         }
-        throw InputError(fmt::format("{}\nRun {} --help for how it is used", Complaint(app, error), CommandName(app)));
+        throw InputError(fmt::format("{}\nFor help run: {} --help", ParseErrorText(app, error), CommandName(app)));
     }
     return session.Run();
 }
@@ -76,13 +77,13 @@ int Run(int argc, char const* const* argv, Console& console, std::span<AddComman
     UseHelpFormat(app);
     app.set_version_flag("--version", "harvlink " + std::string(HeaderVersion));
     app.require_subcommand(1);
-    // Lets the global options stand behind the command too; subcommands inherit it.
+    // Lets the global options stand after the command too; subcommands inherit it.
     app.fallthrough();
     session.AddOptions(app);
     for (AddCommands const add : commands) {
         add(app, session);
     }
-    // Behind the commands, which would inherit it.
+    // After the commands are added, as they would inherit it.
     app.footer(Footer);
     try {
         return ParseAndRun(app, session, argc, argv, console);
@@ -101,7 +102,7 @@ int RunCommandLine(int argc, char const* const* argv, Console& console, std::spa
     Output output(console);
     int const exit = Run(argc, argv, console, commands, output);
     if (!console.out.flush()) {
-        output.Problem("the output can't be written");
+        output.Problem("can't write the output");
         return exit == ExitStatus::Success ? ExitStatus::Failure : exit;
     }
     return exit;

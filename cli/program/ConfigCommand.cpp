@@ -27,9 +27,10 @@ int ShowSettings(Settings const& settings, Output& output) {
 } // namespace
 
 void AddConfigCommand(CLI::App& app, Session& session) {
-    CLI::App* const verb = app.add_subcommand("config", "Show the settings that count and where each comes from");
+    CLI::App* const verb = app.add_subcommand("config", "Show the settings that apply and where each comes from");
     SetExamples(*verb, {"config", "--host 192.168.255.1 config --json"},
-                "An option wins over the environment, this over the configuration file, this over what is built in.\n"
+                "An option comes before the environment, the environment before the configuration file, and the\n"
+                "file before the built-in value.\n"
                 "The file has lines such as:\n"
                 "  host = \"192.168.255.1\"\n"
                 "  timeout = 300\n"

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t ColumnWidth = 28;
 constexpr std::size_t TextWidth = 80 - ColumnWidth;
 
-/// Breaks lines at blanks; the library indents what follows a line end.
+/// Breaks lines at blanks; the parser's library indents the lines after the first.
 std::string Wrap(std::string_view text) {
     std::string wrapped;
     std::size_t width = 0;
@@ -31,7 +31,7 @@ std::string Wrap(std::string_view text) {
     return wrapped;
 }
 
-/// What a check of a range adds to a type name, "UINT in [1 - 100]", as words.
+/// A range check adds " in [1 - 100]" to a type name. This is the same in words.
 std::string RangeOf(std::string const& type) {
     constexpr std::string_view Start = " in [";
     std::size_t const start = type.find(Start);

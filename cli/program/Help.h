@@ -9,11 +9,11 @@ class App;
 
 namespace harvlink::cli {
 
-/// Closes a command's help with notes on its arguments and with examples, given without the program's name.
+/// Ends a command's help with notes on its arguments and with examples, which are given without the program's name.
 void SetExamples(CLI::App& verb, std::initializer_list<std::string_view> examples, std::string_view notes = {});
 
-/// Lets the help of a command, and of all that are added to it later, look as every help does here. A type name
-/// "a|b|c" lists the words that an argument takes: the help names them behind the description, completion offers them.
+/// Sets the format of the help of a command and of all commands that are added to it later. A type name "a|b|c" lists the
+/// words that an argument takes: the help names them after the description, and completion offers them.
 void UseHelpFormat(CLI::App& app);
 
 } // namespace harvlink::cli

@@ -11,7 +11,7 @@ namespace harvlink::cli {
 
 namespace {
 
-// A signal that comes between a look at a flag and the wait would be slept over; a byte in a pipe is not.
+// A signal between the check of a flag and the wait would be missed until the wait ends; a byte in a pipe is not.
 std::array<int, 2> wakePipe{-1, -1};
 
 void Wake(int) {
@@ -24,11 +24,11 @@ void Wake(int) {
 
 Interrupt::Interrupt() {
     if (pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
-        throw std::runtime_error("no pipe for signals");
+        throw std::runtime_error("can't open a pipe for signals");
     }
     struct sigaction action {};
     action.sa_handler = Wake;
-    // Back to the default after the first, so that a second one ends the process whatever it is waiting for.
+    // The first signal restores the default, so that a second one ends the process whatever it is waiting for.
     action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
     for (std::size_t i = 0; i < Signals.size(); ++i) {
         sigaction(Signals.at(i), &action, &previous_.at(i));

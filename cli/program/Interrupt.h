@@ -6,8 +6,8 @@
 
 namespace harvlink::cli {
 
-/// While it lives, the first Ctrl-C, Ctrl-\, SIGTERM or hang-up is kept for the program to act on, and a second one ends the
-/// process. One at a time.
+/// While it lives, the program gets the first Ctrl-C, Ctrl-\, SIGTERM or hang-up itself, and the second ends the process.
+/// There can be only one at a time.
 class Interrupt {
 public:
     Interrupt();
@@ -15,10 +15,10 @@ public:
     Interrupt& operator=(Interrupt const&) = delete;
     ~Interrupt();
 
-    /// Waits for a time, shorter if the signal comes or has come. Returns whether it has.
+    /// Waits until the time is over or the signal comes. Returns whether the signal has come.
     bool Wait(std::chrono::milliseconds time) const;
 
-    /// Becomes readable with the signal, to be waited for together with other things.
+    /// Becomes readable with the signal, so that poll can wait for it together with other descriptors.
     int Descriptor() const;
 
 private:
@@ -26,7 +26,7 @@ private:
     std::array<struct sigaction, Signals.size()> previous_{};
 };
 
-/// While it lives, output that nobody reads any more does not end the process.
+/// While it lives, writing to a closed pipe does not end the process.
 class BrokenPipesIgnored {
 public:
     BrokenPipesIgnored();

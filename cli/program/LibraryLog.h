@@ -6,8 +6,8 @@
 
 namespace harvlink::cli {
 
-/// What the library has added to its log file since this was made. It writes the file into the working directory, and
-/// only failures that no caller learns of.
+/// What the library has written to its log file since this object was made. The file is in the working directory; the
+/// library writes only failures of motion, which no caller gets.
 class LibraryLog {
 public:
     LibraryLog();

@@ -26,9 +26,9 @@ void CheckGeneration(QuorvanController& robot, std::string const& wanted) {
     SystemInfoData data;
     StatusInfo const status = robot.Status->ReadSystemInformation(SystemInfoId::Robot1, data);
     if (status.StatusCode != 0 || !data.softwareVersion.starts_with(wanted)) {
-        throw std::runtime_error(
-            fmt::format("the controller is no {} but says '{}'; beyond the connection nothing was asked of it", wanted,
-                        Printable(TrimField(data.softwareVersion))));
+        throw std::runtime_error(fmt::format(
+            "the controller's software version is '{}', not of generation {}; only the connection was opened",
+            Printable(TrimField(data.softwareVersion)), wanted));
     }
 }
 
@@ -64,7 +64,8 @@ Settings const& Session::settings() {
 
 void Session::CheckHost() {
     if (settings().host.empty()) {
-        throw InputError("which controller? Give --host, set HARVLINK_HOST or write host into the configuration file");
+        throw InputError(
+            "no controller is given; give --host, set HARVLINK_HOST or write host into the configuration file");
     }
 }
 
@@ -76,7 +77,7 @@ int Session::Confirm(std::string const& consequence) {
     if (!console.inputIsTerminal || !console.errorIsTerminal) {
         throw InputError(fmt::format("{}; give --yes to confirm it", consequence));
     }
-    // An answer is one only to a question that was read.
+    // What was typed before the question is not an answer to it.
     tcflush(STDIN_FILENO, TCIFLUSH);
     console.err << fmt::format("{}. Go on? [y/N] ", consequence) << std::flush;
     std::string answer;
@@ -113,7 +114,7 @@ int Session::RunConnected(ConnectedPlan const& plan) {
     if (Connection const connection = Open(status)) {
         status = plan(*connection, output_);
     }
-    // Behind the connection, whose end is also that of the thread that logs.
+    // After the connection is closed: its thread may write to the log until then.
     ShowLog(log);
     if (status.StatusCode != 0) {
         output_.Failure(status);

@@ -17,10 +17,10 @@ namespace harvlink::cli {
 
 class LibraryLog;
 
-/// The options that all commands share, and the one thing that the command line asked for.
+/// The options that all commands share, and the plan of the command that was given.
 ///
-/// A command's callback only checks its arguments and plans; the plan runs when the whole line was understood. So wrong
-/// usage is found before a connection is opened, and the connection is opened once, however much a command does with it.
+/// The callback of a command checks its arguments and makes a plan. The plan runs after the whole command line was parsed.
+/// So wrong usage is found before a connection is opened, and each command opens at most one connection.
 class Session {
 public:
     using ConnectedPlan = std::function<StatusInfo(QuorvanController&, Output&)>;
@@ -30,18 +30,18 @@ public:
 
     void AddOptions(CLI::App& app);
 
-    /// Plans work on a connection. A failed status of it ends the program with its status line and exit status 1, as does a
-    /// failure that it showed itself.
+    /// Plans work on a connection. If it returns a failed status, the program shows it and ends with exit status 1; so it
+    /// does if the work has shown a failure itself.
     void OnConnection(ConnectedPlan plan);
 
-    /// The same for work that moves the machine or changes its power: asks for confirmation first.
+    /// The same for work that moves the machine or changes its servo power: the user has to confirm it first.
     void OnConnectionConfirmed(std::string const& consequence, ConnectedPlan plan);
 
     /// Plans work that needs no controller. It returns the exit status.
     void Locally(LocalPlan plan) { plan_ = std::move(plan); }
 
-    /// Opens a connection as the options say, for plans that end by an exit status of their own. Empty on failure. Throws
-    /// InputError if no host is given.
+    /// Opens a connection by the settings, for plans with an exit status of their own. Empty on failure. Throws InputError if
+    /// no host is given.
     Connection Open(StatusInfo& status);
 
     /// Throws InputError if no host is given.
@@ -51,8 +51,7 @@ public:
     /// stopped by a bad configuration file; throws InputError then.
     Settings const& settings();
 
-    /// Lets the library write motion failures that have no caller to its log file. What it wrote is shown, with the
-    /// place.
+    /// Lets the library write failures of motion to its log file. The program shows what was written, and where.
     void EnableLogging() { logging_ = true; }
 
     int Run() { return plan_ ? plan_(output_) : 0; }

@@ -28,8 +28,8 @@ struct SettingOption {
 /// In the order of AllSettings.
 constexpr std::array<SettingOption, SettingCount> Options{{
     {"HARVLINK_HOST", "", "ADDRESS", "IPv4 address of the controller"},
-    {"HARVLINK_TIMEOUT", "500", "MS", "Milliseconds for which an exchange listens for its answer"},
-    {"HARVLINK_RETRIES", "3", "N", "How many further such periods it listens"},
+    {"HARVLINK_TIMEOUT", "500", "MS", "Milliseconds for which an exchange waits for its answer"},
+    {"HARVLINK_RETRIES", "3", "N", "How many more times it waits as long"},
     {"HARVLINK_GENERATION", "", "", "Refuse to work with a controller of another generation"},
 }};
 

@@ -22,7 +22,7 @@ struct Settings {
         std::string source;
     };
 
-    std::string file; ///< that is read if it exists; empty if there is no place for one
+    std::string file; ///< is read if it exists; empty if the environment names no folder for it
     std::array<Entry, SettingCount> entries{}; ///< in the order in which the help names them
 
     std::string host{}; ///< empty: none was named

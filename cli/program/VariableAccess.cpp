@@ -6,7 +6,7 @@ namespace harvlink::cli {
 
 namespace {
 
-// The member of a record that holds its value has one of two names.
+// The records of the library have the value in a member with one of two names.
 template <typename Record>
 auto& ValueOf(Record& record) {
     if constexpr (requires { record.positionData; }) {
@@ -16,7 +16,7 @@ auto& ValueOf(Record& record) {
     }
 }
 
-/// Calls `visit` with the interface of a kind.
+/// Calls `visit` with the library's interface for a kind of variables.
 template <typename Visitor>
 StatusInfo VisitKind(VariablesInterface& variables, VariableKind kind, Visitor const& visit) {
     switch (kind) {

@@ -10,7 +10,7 @@ namespace harvlink::cli {
 /// Reads a variable of any kind.
 StatusInfo ReadVariable(VariablesInterface& variables, VariableAddress address, VariableValue& value);
 
-/// Writes a variable; the value must be of the address's kind, as ParseVariableValue gives it.
+/// Writes a variable. The value must have the kind of the address, as ParseVariableValue returns it.
 StatusInfo WriteVariable(VariablesInterface& variables, VariableAssignment const& assignment);
 
 } // namespace harvlink::cli

@@ -27,7 +27,7 @@ struct SectionReader {
     void (*read)(Source&, Snapshot&);
 };
 
-// Groups come first: the parameters go by them.
+// Groups come first: the parameters of groups are read for these.
 constexpr std::array<SectionReader, 5> SectionReaders{{{"groups", ReadGroups},
                                                        {"variables", ReadVariables},
                                                        {"signals", ReadSignals},
@@ -47,7 +47,7 @@ void ReadController(Source& source, Snapshot& snapshot) {
         {"model", TrimField(data.modelName)}, {"software", software}, {"generation", software.substr(0, 2)}};
 }
 
-// What was not come to at all is missing too.
+// A section that was not reached is missing too.
 void ReadSection(Source& source, Snapshot& snapshot, SectionReader const& reader) {
     if (!snapshot.selection.Has(reader.section)) {
         return;
@@ -88,7 +88,7 @@ void Check(Selection const& selection) {
         bool const isTable = std::any_of(TableKinds.begin(), TableKinds.end(),
                                          [&](TableKind const& kind) { return kind.section == section; });
         if (!isTable && section != FilesSection) {
-            throw InputError(fmt::format("'{}' is no section; there are: groups, variables, signals, registers, "
+            throw InputError(fmt::format("'{}' is not a section; there are: groups, variables, signals, registers, "
                                          "parameters, files",
                                          section));
         }
@@ -101,7 +101,8 @@ void Check(Selection const& selection) {
     }
     for (std::string const& glob : selection.files) {
         if (KindsOf(glob).empty()) {
-            throw InputError(fmt::format("'{}' is no kind of file; there are JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
+            throw InputError(
+                fmt::format("'{}' is not a kind of file; there are JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
         }
     }
 }

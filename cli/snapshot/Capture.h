@@ -9,12 +9,12 @@
 
 namespace harvlink::cli::snapshot {
 
-/// Reads what is selected of a controller, section by section. What can't be read is noted in the snapshot, and the rest is
-/// gone on with; after silence or Ctrl-C only what was read until then is in it.
+/// Reads the selected sections of a controller one after the other. A part that can't be read is noted in the snapshot,
+/// and the reading goes on. A controller that stops answering, and Ctrl-C, end it.
 Snapshot Capture(QuorvanController& robot, std::string const& host, Selection const& selection, Output& output,
                  std::filesystem::path const& scratch);
 
-/// Throws InputError if a range or name of a section can't be understood.
+/// Throws InputError if a range or the name of a section is wrong.
 void Check(Selection const& selection);
 
 } // namespace harvlink::cli::snapshot

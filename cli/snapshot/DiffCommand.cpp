@@ -25,14 +25,14 @@ namespace filesystem = std::filesystem;
 
 constexpr char const* Live = "live";
 
-// As diff(1) has them.
+// The exit status of diff(1).
 constexpr int Same = 0;
 constexpr int Different = 1;
 constexpr int Trouble = 2;
 
-constexpr char const* DiffNotes = "Each of the two is the folder of a snapshot or the word live: the controller of\n"
-                                  "--host, of which the same is read as the other has. A folder of that name is\n"
-                                  "given as ./live.\n"
+constexpr char const* DiffNotes = "A and B are folders of snapshots. One of them may be the word live: the controller\n"
+                                  "of --host, from which the same parts are read as the snapshot has. A folder with\n"
+                                  "the name live is given as ./live.\n"
                                   "Exit status: 0 the same, 1 different, 2 something could not be compared.\n"
                                   "With live, opening the connection clears the motion targets of a controller from\n"
                                   "generation YA up: do not do it while another program moves the arm.";
@@ -92,7 +92,7 @@ void ShowForPeople(std::ostream& out, Difference const& difference, bool hasColo
 
 void ShowNotes(Output& output, Difference const& difference) {
     for (std::string const& section : difference.notTaken) {
-        output.console().err << fmt::format("harvlink: only one of them has {}, which were not compared\n", section);
+        output.console().err << fmt::format("harvlink: only one of the two has {}; they were not compared\n", section);
     }
     for (std::string const& section : difference.incomplete) {
         output.Problem(fmt::format("{} were not read completely; only what both have was compared", section));
@@ -137,14 +137,14 @@ int Diff(Session& session, Output& output, DiffArguments const& arguments) {
 
 void AddDiff(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<DiffArguments>();
-    CLI::App* const verb = family.add_subcommand("diff", "Tell what has changed from one snapshot to another");
-    verb->add_option("A", arguments->before, "Folder of the former snapshot, or live")->required();
-    verb->add_option("B", arguments->after, "Folder of the latter snapshot, or live")->required();
+    CLI::App* const verb = family.add_subcommand("diff", "Show what has changed from one snapshot to another");
+    verb->add_option("A", arguments->before, "Folder of the older snapshot, or live")->required();
+    verb->add_option("B", arguments->after, "Folder of the newer snapshot, or live")->required();
     SetExamples(*verb, {"snapshot diff cell3 live", "snapshot diff monday tuesday --json"}, DiffNotes);
     verb->callback([arguments, &session] {
         bool const isLive = arguments->before == Live || arguments->after == Live;
         if (arguments->before == Live && arguments->after == Live) {
-            throw InputError("live and live are the same controller; name the folder of a snapshot");
+            throw InputError("both are live, the same controller; give the folder of a snapshot for one of them");
         }
         if (isLive) {
             session.CheckHost();

@@ -21,7 +21,7 @@ Index IndexOf(Table const& table) {
     return index;
 }
 
-// The names of both in the order of the latter; those that only the former has follow what they followed there.
+// The names of both, in the order of the newer. A name that only the older has stands after the name it followed there.
 std::vector<std::string_view> NamesOf(Table const& before, Table const& after) {
     std::vector<std::string_view> names;
     std::set<std::string_view> known;
@@ -47,7 +47,7 @@ std::optional<std::string> Find(Index const& index, std::string_view name) {
     return found == index.end() ? std::nullopt : std::optional<std::string>(found->second);
 }
 
-// A group of eight that both have becomes one change for each of its signals.
+// A group of eight signals that both have becomes one change for each signal that differs.
 void AddSignals(Change const& group, std::vector<Change>& changes) {
     unsigned address = 0;
     std::from_chars(group.name.data(), group.name.data() + group.name.size(), address);
@@ -109,7 +109,7 @@ void CompareFiles(Snapshot const& before, Snapshot const& after, bool onlyCommon
     }
 }
 
-/// Compares a section that both have, and notes it if they don't.
+/// Compares a section that both have; notes a section that only one has.
 void CompareSection(std::string_view section, Snapshot const& before, Snapshot const& after, Difference& difference,
                     std::function<void(bool onlyCommon)> const& compare) {
     bool const isComplete = before.IsComplete(section) && after.IsComplete(section);

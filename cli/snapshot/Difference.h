@@ -9,12 +9,12 @@
 
 namespace harvlink::cli::snapshot {
 
-/// One value or file that is not the same. A file's values are its sizes in bytes.
+/// A value or file that differs. The values of a file are its sizes in bytes.
 struct Change {
     std::string section;
     std::string name;
-    std::optional<std::string> before; ///< nothing if it was not there
-    std::optional<std::string> after; ///< nothing if it is there no longer
+    std::optional<std::string> before; ///< empty: it was not there
+    std::optional<std::string> after; ///< empty: it is no longer there
     std::vector<LineChange> lines; ///< of a file that both have
 };
 
@@ -22,12 +22,12 @@ struct Difference {
     std::vector<Change> changes; ///< in the order of sections and names
     std::vector<std::string> notTaken; ///< sections that only one of them has
     std::vector<std::string>
-        incomplete; ///< sections of which something could not be read: only what both have is compared
+        incomplete; ///< sections that could not be read completely: only what both have is compared
 
     bool IsSame() const { return changes.empty(); }
 };
 
-/// What has changed from one snapshot to another. A group of signals that differs is told signal by signal.
+/// What has changed from one snapshot to another. A group of signals that differs is listed signal by signal.
 Difference Compare(Snapshot const& before, Snapshot const& after);
 
 } // namespace harvlink::cli::snapshot

@@ -18,7 +18,7 @@ bool IsSelected(Selection const& selection, std::string const& name) {
                                                   [&](std::string const& glob) { return FitsGlob(glob, name); });
 }
 
-// A kind of which nothing can be listed leaves the others.
+// If one kind can't be listed, the others still are.
 std::vector<std::string> ListAll(Source& source, Snapshot& snapshot) {
     std::vector<std::string> all;
     for (FileType const type : KindsOf("*")) {

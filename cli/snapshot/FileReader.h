@@ -7,8 +7,8 @@
 
 namespace harvlink::cli::snapshot {
 
-/// Fetches the controller's files, each by way of `scratch`, a file on this computer that is left over: only so do they
-/// arrive byte for byte.
+/// Fetches the controller's files. Each goes through the file `scratch`, which stays: only a transfer to a file keeps every
+/// byte.
 void ReadFiles(Source& source, Snapshot& snapshot, std::filesystem::path const& scratch);
 
 } // namespace harvlink::cli::snapshot

@@ -20,7 +20,7 @@ namespace filesystem = std::filesystem;
 
 constexpr char const* ManifestName = "snapshot.json";
 constexpr char const* AttributesName = ".gitattributes";
-// Jobs end their lines in CR LF, and a restored one must still do so.
+// The lines of a job end in CR LF, and must still do so after it is restored.
 constexpr char const* Attributes = "# Keeps git from changing line ends.\n* -text\n";
 
 std::string TableFile(std::string_view section) {
@@ -61,7 +61,7 @@ Table ReadTable(filesystem::path const& path) {
 
 void ReadFiles(filesystem::path const& folder, Snapshot& snapshot) {
     if (!filesystem::exists(folder)) {
-        return; // git keeps no empty folders
+        return; // git does not keep empty folders
     }
     for (auto const& entry : filesystem::directory_iterator(folder)) {
         if (entry.is_regular_file()) {
@@ -92,7 +92,7 @@ void Write(Snapshot const& snapshot, filesystem::path const& folder) {
 Snapshot Read(filesystem::path const& folder) {
     filesystem::path const path = folder / ManifestName;
     if (!IsSnapshot(folder)) {
-        throw InputError(fmt::format("{} is no snapshot: it has no {}", folder.string(), ManifestName));
+        throw InputError(fmt::format("{} is not a snapshot: it has no {}", folder.string(), ManifestName));
     }
     try {
         Snapshot snapshot = ParseManifest(Json::parse(ReadTextFile(path.string())));

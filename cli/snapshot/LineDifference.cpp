@@ -15,7 +15,7 @@ using Lines = std::vector<std::string_view>;
 
 constexpr std::size_t MostCells = 4'000'000; ///< of the table below, 16 MB
 
-/// Lengths of the longest common subsequences of all ends of two texts, by the lines where these begin.
+/// The length of the longest common subsequence of each pair of tails of two texts, by the lines at which these begin.
 class CommonLengths {
 public:
     CommonLengths(std::span<std::string_view const> before, std::span<std::string_view const> after)

@@ -9,15 +9,15 @@ namespace harvlink::cli::snapshot {
 
 /// A line that only one of two texts has.
 struct LineChange {
-    char sign = '-'; ///< '-' of the former text, '+' of the latter
+    char sign = '-'; ///< '-' only in the older text, '+' only in the newer
     std::size_t line = 0; ///< in its text, from 1
     std::string text; ///< without its end
 
     bool operator==(LineChange const&) const = default;
 };
 
-/// The fewest lines whose removal and addition turn one text into the other, in order. Nothing for texts that hold zero
-/// bytes, and for so much between the first and the last difference that comparing it would take long.
+/// The fewest lines whose removal and addition turn one text into the other, in order. Empty for texts with zero bytes, and
+/// if there are so many lines between the first and the last difference that the comparison would take long.
 std::vector<LineChange> LineDifference(std::string_view before, std::string_view after);
 
 } // namespace harvlink::cli::snapshot

@@ -92,11 +92,11 @@ Json ManifestJson(Snapshot const& snapshot) {
 Snapshot ParseManifest(Json const& manifest) {
     try {
         if (manifest.at("format") != Format) {
-            throw InputError("it is of another program");
+            throw InputError("another program has written it");
         }
         int const version = manifest.at("format_version");
         if (version != FormatVersion) {
-            throw InputError(fmt::format("its format is {}, this program knows {}", version, FormatVersion));
+            throw InputError(fmt::format("its format is {}, but this program reads format {}", version, FormatVersion));
         }
         return ParseContents(manifest);
     } catch (Json::exception const& error) {

@@ -5,10 +5,11 @@
 
 namespace harvlink::cli::snapshot {
 
-/// What "snapshot.json" says: everything of a snapshot but its tables and files, of which it has the number.
+/// The contents of "snapshot.json": everything of a snapshot but its tables and files, which it only counts.
 Json ManifestJson(Snapshot const& snapshot);
 
-/// A snapshot with empty tables for the sections that the manifest names. Throws InputError if it is none of ours.
+/// A snapshot with empty tables for the sections that the manifest names. Throws InputError if the manifest was written
+/// by another program or in another format.
 Snapshot ParseManifest(Json const& manifest);
 
 } // namespace harvlink::cli::snapshot

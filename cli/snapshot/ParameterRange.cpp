@@ -24,7 +24,7 @@ ParameterRange ParseParameterRange(std::string const& text) {
             isNumber ? Parameter{end, first.type, ParseNumber<int>(end, "parameter number")} : ParseParameter(end);
         range.last = last.number;
         if (last.type != first.type || last.number < first.number) {
-            throw InputError(fmt::format("'{}' is no range of parameters", text));
+            throw InputError(fmt::format("'{}' is not a range of parameters such as RS0..RS299", text));
         }
     }
     return range;

@@ -7,7 +7,7 @@
 
 namespace harvlink::cli::snapshot {
 
-/// Parameters of one family that follow each other.
+/// Consecutive parameters of one family.
 struct ParameterRange {
     std::string family; ///< its name, such as "S2C"
     SystemParameterType type{};

@@ -17,7 +17,7 @@ bool Is(StatusInfo const& status, ErrorStatusCodes code) {
     return status.StatusCode == static_cast<int>(code);
 }
 
-// Parameters count the groups without gaps: robots from 1, bases from 9, stations from 17.
+// Parameters number the groups: robots from 1, bases from 9, stations from 17.
 int ParameterGroup(ControlGroupId group) {
     int const number = static_cast<int>(group);
     return group >= ControlGroupId::S1 ? number - 4 : group >= ControlGroupId::B1 ? number - 2 : number;
@@ -62,7 +62,7 @@ StatusInfo ReadOne(ControllerStateInterface& state, ParameterRun const& run, int
                           : state.ReadSystemParam(run.range.type, number, run.group, value);
 }
 
-// Ends with the first number or group that the controller does not have. False if it has no parameters at all.
+// Ends at the first number or group that the controller does not have. Returns false if it has no parameters at all.
 bool ReadParameterRun(Source& source, Snapshot& snapshot, ParameterRun const& run) {
     for (int number = run.range.first; number <= run.range.last; ++number) {
         int value = 0;
@@ -93,7 +93,7 @@ std::vector<ParameterRange> SelectedRanges(std::vector<std::string> const& texts
     return ranges.empty() ? AllParameterRanges() : ranges;
 }
 
-// No operation lists the groups, so each possible one is asked for.
+// No operation lists the groups, so each possible group is asked for.
 Table FindGroups(Source& source, Snapshot& snapshot) {
     Table groups;
     for (ControlGroupId const group : AllGroups()) {

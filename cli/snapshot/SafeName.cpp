@@ -20,7 +20,7 @@ bool IsSafe(char byte) {
 std::string SafeName(std::string_view name) {
     std::string safe;
     for (char const byte : name) {
-        // A dot in front would hide the file, or name a folder.
+        // A leading dot would hide the file, or make the name that of a folder.
         bool const isHidden = safe.empty() && byte == '.';
         safe +=
             IsSafe(byte) && !isHidden ? std::string(1, byte) : fmt::format("%{:02X}", static_cast<unsigned char>(byte));

@@ -5,11 +5,11 @@
 
 namespace harvlink::cli::snapshot {
 
-/// A file name of a controller as one that every computer takes and that leads into no other folder: bytes other than
-/// letters, digits, blanks and a few marks become "%" and two hexadecimal digits.
+/// The name under which a file of a controller is stored here. It is valid on every computer and can't lead into another
+/// folder: bytes other than letters, digits, blanks and a few marks become "%" and two hexadecimal digits.
 std::string SafeName(std::string_view name);
 
-/// The name that SafeName made it of. A '%' that no two digits follow stays.
+/// The name from which SafeName made it. A '%' without two digits after it stays.
 std::string OriginalName(std::string_view safeName);
 
 } // namespace harvlink::cli::snapshot

@@ -22,11 +22,11 @@ namespace {
 
 namespace filesystem = std::filesystem;
 
-constexpr char const* SaveNotes = "The folder is written beside its place and moved there when all is read; on\n"
-                                  "Ctrl-C it is dropped. What the controller did not give is named, and the exit\n"
-                                  "status is 1; if that would replace a snapshot, it goes to FOLDER.incomplete\n"
-                                  "instead. Variables, signals, registers and parameters are read from their first\n"
-                                  "number to the first that the controller refuses, parameters to 999 at most.\n"
+constexpr char const* SaveNotes = "The folder gets its name when everything is read; Ctrl-C removes it. Parts that\n"
+                                  "could not be read are listed, and the exit status is 1. An incomplete snapshot\n"
+                                  "never replaces another: it is written to FOLDER.incomplete instead. Variables,\n"
+                                  "signals, registers and parameters are read from their first number to the first\n"
+                                  "that the controller refuses, parameters to 999 at most.\n"
                                   "Opening the connection clears the motion targets of a controller from generation\n"
                                   "YA up: do not save while another program moves the arm.";
 
@@ -69,7 +69,7 @@ StatusInfo Save(QuorvanController& robot, std::string const& host, Output& outpu
     filesystem::path const finished = scratch.Path() / "finished";
     filesystem::create_directory(finished);
     Write(snapshot, finished);
-    // Something may have come there since the first look, which was only to save the user a long wait for a refusal.
+    // The first check saved the user a long wait for a refusal. Something may have been written there since.
     place = CheckTarget(place, arguments.force);
     if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {
         place = CheckTarget(IncompletePlace(place), true);
@@ -84,7 +84,7 @@ StatusInfo Save(QuorvanController& robot, std::string const& host, Output& outpu
 void AddSave(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<SaveArguments>();
     CLI::App* const verb =
-        family.add_subcommand("save", "Read all that a controller keeps into a folder of text files");
+        family.add_subcommand("save", "Read the contents of a controller into a folder of text files");
     verb->add_option("FOLDER", arguments->folder, "Folder to write; it may be new, empty or, with --force, a snapshot")
         ->required();
     Selection& selection = arguments->selection;

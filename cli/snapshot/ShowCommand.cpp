@@ -42,7 +42,7 @@ Json FilesJson(Snapshot const& snapshot) {
     return rows;
 }
 
-// A manifest also says how to take it again, which is of no use for people.
+// The manifest also holds what the program needs to compare it, which people do not want to see.
 Json Summary(Snapshot const& snapshot, bool json) {
     Json summary = ManifestJson(snapshot);
     if (!json) {
@@ -68,7 +68,7 @@ void ShowFile(Output& output, Snapshot const& snapshot, std::string const& name)
     }
 }
 
-/// Those that can be shown, in the order in which the help names them.
+/// The sections that can be shown, in the order in which the help names them.
 std::vector<std::string_view> SectionsOf(Snapshot const& snapshot) {
     std::vector<std::string_view> sections;
     for (TableKind const& kind : TableKinds) {

@@ -15,8 +15,8 @@ constexpr int NoSuchRegister = 65535;
 constexpr unsigned GroupLimit = 10'000;
 constexpr unsigned RegisterLimit = 2048;
 
-// The groups of eight at which classes of signals begin on one generation or another. From each on they follow each other
-// without a gap, so that the controller's refusal tells where they end.
+// The groups of eight at which classes of signals begin, on any generation. The groups of a class follow each other
+// without a gap, so the first that the controller refuses is the end of the class.
 constexpr std::array<unsigned, 16> FirstGroups{1,    1001, 2001, 2501, 2701, 3001, 3501, 3701,
                                                4001, 5001, 6001, 7001, 8001, 8201, 8701, GroupLimit};
 

@@ -21,7 +21,7 @@ struct Entry {
 /// One kind of values, in the order of their numbers.
 using Table = std::vector<Entry>;
 
-/// A section that is kept as a table, with the header of its file.
+/// A section that is stored as a table, with the header of its file.
 struct TableKind {
     std::string_view section;
     std::string_view name;
@@ -37,10 +37,10 @@ inline constexpr std::array<TableKind, 5> TableKinds{{{"groups", "group", "axes"
 /// The section whose parts are files of the controller, byte for byte.
 inline constexpr std::string_view FilesSection = "files";
 
-/// The section of what the controller says of itself: model, software and generation.
+/// The section that identifies the controller: model, software and generation.
 inline constexpr std::string_view ControllerSection = "controller";
 
-/// What is to be taken. An empty list stands for all that the controller has.
+/// What to read. An empty list stands for all that the controller has.
 struct Selection {
     std::vector<std::string> sections;
     std::vector<std::string> variables; ///< ranges
@@ -50,28 +50,28 @@ struct Selection {
     bool Has(std::string_view section) const;
 };
 
-/// Something that was asked for and not got, such as "files/TOOL.CND".
+/// A part that could not be read, such as "files/TOOL.CND".
 struct Missing {
     std::string what;
     StatusInfo status;
 };
 
-/// All that was got of a controller at one time.
+/// Everything that was read from a controller at one time.
 struct Snapshot {
     std::string host;
     std::string created; ///< in UTC, such as "2026-11-21T10:00:00Z"
     Selection selection;
     Table controller;
     std::map<std::string, Table, std::less<>>
-        tables; ///< by section; one that the controller doesn't offer is not there
+        tables; ///< by section; a section that the controller does not have is not there
     std::map<std::string, std::string, std::less<>> files; ///< contents by name
     std::vector<Missing> missing;
 
     bool IsComplete() const { return missing.empty(); }
     bool HasSection(std::string_view section) const;
-    /// Whether nothing of a section is missing.
+    /// Whether no part is missing.
     bool IsComplete(std::string_view section) const;
-    /// Whether anything was got at all.
+    /// Whether anything was read at all.
     bool IsEmpty() const;
 };
 

@@ -7,7 +7,7 @@
 namespace harvlink::cli {
 
 void AddSnapshotCommands(CLI::App& app, Session& session) {
-    CLI::App* const family = app.add_subcommand("snapshot", "Save, compare and show all that a controller keeps");
+    CLI::App* const family = app.add_subcommand("snapshot", "Save, compare and show the contents of a controller");
     family->require_subcommand(1);
     snapshot::AddSave(*family, session);
     snapshot::AddDiff(*family, session);

@@ -13,7 +13,7 @@
 
 namespace harvlink::cli::snapshot {
 
-/// A controller that thousands of values are read from, and what goes wrong meanwhile.
+/// A controller from which thousands of values are read. Knows whether it still answers.
 class Source {
 public:
     Source(QuorvanController& controller, Progress& progress, Interrupt const& interrupt)
@@ -21,8 +21,8 @@ public:
 
     QuorvanController& robot;
 
-    /// Reads by `read()`, up to three times if nobody answers: among thousands of datagrams one gets lost, and reading twice
-    /// is safe. After that the controller counts as gone.
+    /// Calls `read()`, up to three times if there is no answer: among thousands of datagrams one may get lost, and a read
+    /// may be repeated. After that the controller counts as gone.
     template <typename ReadOnce>
     StatusInfo Ask(std::string_view what, ReadOnce const& read) {
         progress_.Show(fmt::format("Reading {}", what));
@@ -38,7 +38,7 @@ public:
         return reason_;
     }
 
-    /// Whether there is no use in asking for anything more: nobody answers, or the user has had enough.
+    /// Whether to stop reading: the controller does not answer, or the user has pressed Ctrl-C.
     bool IsGone() {
         if (reason_.StatusCode == 0 && interrupt_.Wait(std::chrono::milliseconds(0))) {
             reason_ = StatusInformation(ErrorStatusCodes::OperationInterrupted, "Interrupted.");

@@ -43,17 +43,17 @@ filesystem::path CheckTarget(filesystem::path const& target, bool force) {
         return place;
     }
     if (!filesystem::is_directory(place)) {
-        throw InputError(fmt::format("{} exists and is no folder", name));
+        throw InputError(fmt::format("{} exists and is not a folder", name));
     }
     if (filesystem::is_empty(place)) {
         return place;
     }
     if (!IsSnapshot(place)) {
-        throw InputError(fmt::format("{} exists and is no snapshot; it was left alone", name));
+        throw InputError(fmt::format("{} exists and is not a snapshot; it was not changed", name));
     }
     if (filesystem::path const foreign = ForeignEntry(place); !foreign.empty()) {
-        throw InputError(fmt::format("{} is no part of a snapshot and would be lost; save into a folder of its own",
-                                     foreign.string()));
+        throw InputError(
+            fmt::format("{} is not part of a snapshot and would be lost; save into another folder", foreign.string()));
     }
     if (!force) {
         throw InputError(fmt::format("{} is a snapshot already; give --force to replace it", name));
@@ -74,7 +74,7 @@ void MoveInto(filesystem::path const& finished, filesystem::path const& target, 
         filesystem::rename(former, target, lost);
         if (lost) {
             scratch.Keep();
-            throw filesystem::filesystem_error("the former snapshot is kept beside its place", former, lost);
+            throw filesystem::filesystem_error("the old snapshot was moved away and is kept", former, lost);
         }
     }
     if (error) {

@@ -4,10 +4,10 @@
 
 namespace harvlink::cli::snapshot {
 
-/// A folder of our own in `parent`, gone at the end of the scope with all that is still in it, unless it is to be kept.
+/// A new folder in `parent`. The destructor removes it with all that is still in it, unless Keep was called.
 class ScratchFolder {
 public:
-    /// Throws InputError if nothing can be written there.
+    /// Throws InputError if the program can't write there.
     explicit ScratchFolder(std::filesystem::path const& parent);
     ScratchFolder(ScratchFolder const&) = delete;
     ScratchFolder& operator=(ScratchFolder const&) = delete;
@@ -15,7 +15,7 @@ public:
 
     std::filesystem::path const& Path() const { return path_; }
 
-    /// At the end of the scope, leaves the folder where it is.
+    /// Lets the destructor leave the folder where it is.
     void Keep() { isKept_ = true; }
 
 private:
@@ -23,12 +23,12 @@ private:
     bool isKept_ = false;
 };
 
-/// The place of a snapshot, without links and closing slashes. Throws InputError if it can't be one: its parent does not
-/// exist, or it is there and is not empty, unless it is a snapshot with nothing else in it and `force` is given.
+/// The path of a snapshot to be written, without links and closing slashes. Throws InputError if its parent does not exist,
+/// or if the folder exists and is not empty. With `force` it may be a snapshot with nothing else in it.
 std::filesystem::path CheckTarget(std::filesystem::path const& target, bool force);
 
-/// Moves a finished folder to its place. What was there is moved into `scratch` first, and back if the move fails;
-/// where that fails too, it stays in `scratch`, which is kept. Throws std::filesystem::filesystem_error.
+/// Moves a finished folder to its place. What was there is moved into `scratch` first, and back if the move fails. If it
+/// can't be moved back, it stays in `scratch`, which is kept. Throws std::filesystem::filesystem_error.
 void MoveInto(std::filesystem::path const& finished, std::filesystem::path const& target, ScratchFolder& scratch);
 
 } // namespace harvlink::cli::snapshot

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint16_t HighestVariable = 2048;
 
-/// Variables of one kind that follow each other.
+/// Consecutive variables of one kind.
 struct VariableRun {
     VariableKind kind{};
     std::uint16_t first = 0;
@@ -32,7 +32,7 @@ std::vector<VariableRun> VariableRunsOf(std::vector<std::string> const& ranges) 
     return runs;
 }
 
-// Ends at the first number that the controller doesn't have.
+// Ends at the first number that the controller does not have.
 void ReadVariableRun(Source& source, Snapshot& snapshot, VariableRun const& run) {
     for (unsigned index = run.first; index <= run.last; ++index) {
         VariableAddress const address{run.kind, static_cast<std::uint16_t>(index)};

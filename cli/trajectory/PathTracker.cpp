@@ -12,8 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// A robot that went most of the way and stands at its end is there. One that seems not to have moved may not have begun, if
-// its way ends where it starts, so it gets time to.
+// A robot that has moved most of the path and stands at its end has arrived. If a path ends where it starts, a robot that
+// has not moved may not have begun yet, so it gets more time.
 constexpr milliseconds SettlingTime{200};
 constexpr milliseconds StartingTime{2'000};
 constexpr milliseconds StandstillTime{10'000};
@@ -51,7 +51,7 @@ double PathTracker::Distance(Axes const& from, Axes const& to) const {
     return std::sqrt(sum);
 }
 
-PathTracker::State PathTracker::Sample(Axes const& axes, Time now) {
+PathTracker::State PathTracker::Update(Axes const& axes, Time now) {
     bool const isCartesian = IsCartesian(type_);
     double const step = Distance(last_, axes);
     if (step > (isCartesian ? CartesianNoise : PulseNoise)) {

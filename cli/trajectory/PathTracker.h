@@ -8,8 +8,8 @@
 
 namespace harvlink::cli {
 
-/// Guesses from positions that are read now and then how far a robot is on its way through given points. The controller
-/// tells no such thing for a whole trajectory.
+/// Estimates from positions that are read now and then how far a robot has moved along given points. The controller does
+/// not report this for a whole trajectory.
 class PathTracker {
 public:
     using Axes = std::array<double, 8>;
@@ -17,15 +17,15 @@ public:
 
     enum class State { Moving, Arrived, Stopped };
 
-    /// `points` are in the axes of `type`, of which angles wrap at 360 degrees. If the end can't be compared with what is
-    /// read, as with points that are relative to the tool, standing still counts as having arrived.
+    /// `points` have the axes of `type`; angles wrap at 360 degrees. If the end can't be compared with the positions that are
+    /// read, as with points relative to the tool, a robot that stands still counts as arrived.
     PathTracker(CoordinateType type, Axes const& start, std::vector<Axes> const& points, bool isEndComparable,
                 Time now);
 
-    /// Takes a position in. Arrived: at the last point, and still. Stopped: still for long, elsewhere.
-    State Sample(Axes const& axes, Time now);
+    /// Adds a position. Arrived: it stands still at the last point. Stopped: it has stood still elsewhere for long.
+    State Update(Axes const& axes, Time now);
 
-    /// From 0 to 1, never falling back.
+    /// From 0 to 1; never becomes smaller.
     double Fraction() const { return fraction_; }
 
 private:

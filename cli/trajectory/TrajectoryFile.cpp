@@ -28,7 +28,7 @@ constexpr std::array<Named<MoveInterpolationType>, 3> MoveNames{{{"joint", MoveI
                                                                  {"line", MoveInterpolationType::Line},
                                                                  {"circle", MoveInterpolationType::Circle}}};
 
-// What the controller's 32 bits hold, in 0.001 mm, 0.0001 degree and pulses.
+// The largest values that fit the controller's 32 bits, in 0.001 mm, 0.0001 degree and pulses.
 constexpr double LargestWireValue = 2147483647.0;
 
 void Require(bool condition, ErrorStatusCodes code) {
@@ -50,7 +50,7 @@ void CheckAxes(std::array<double, 8> const& axes, CoordinateType type) {
     }
 }
 
-/// The columns of one file and what its rows mean by them.
+/// The columns of one file, by which its rows are read.
 class TrajectoryColumns {
 public:
     TrajectoryColumns(std::string const& file, CsvRow const& header) {
@@ -58,13 +58,13 @@ public:
             std::string const name = LowerCase(header.cells[i]);
             bool const isNew = columns_.emplace(name, i).second;
             if (!isNew || !IsKnown(name)) {
-                Fail(file, header, fmt::format("column '{}' is {}", name, isNew ? "unknown" : "there twice"));
+                Fail(file, header, fmt::format("column '{}' is {}", name, isNew ? "unknown" : "given twice"));
             }
             isPulse_ |= Contains(PulseColumns, Stem(name));
             isCartesian_ |= Contains(CartesianColumns, Stem(name));
         }
         if (isPulse_ == isCartesian_) {
-            Fail(file, header, "there must be columns x, y, z, rx, ry, rz or s, l, u, r, b, t, but not both");
+            Fail(file, header, "the columns must be x, y, z, rx, ry, rz or s, l, u, r, b, t, but not both");
         }
         if (!columns_.contains("speed")) {
             Fail(file, header, "the column speed is missing");
@@ -164,10 +164,10 @@ void CheckMotion(Motion const& motion) {
     }
     if (position.coordinateType == CoordinateType::UserCoordinate &&
         (position.userCoordinateNumber < 1 || position.userCoordinateNumber > 63)) {
-        throw InputError("user coordinates count from 1 to 63");
+        throw InputError("the user coordinate number must be from 1 to 63");
     }
     if (position.toolNumber < 0 || position.toolNumber > 63) {
-        throw InputError("tools count from 0 to 63");
+        throw InputError("the tool number must be from 0 to 63");
     }
     CheckAxes(position.axes, position.coordinateType);
 }
@@ -180,7 +180,7 @@ Trajectory ParseTrajectory(std::string const& file, std::string_view text) {
     TrajectoryColumns const columns(file, rows.front());
     rows.erase(rows.begin());
     if (rows.empty()) {
-        throw InputError(fmt::format("{}: there is no point", file));
+        throw InputError(fmt::format("{}: the file has no points", file));
     }
     Trajectory trajectory;
     trajectory.reserve(rows.size());

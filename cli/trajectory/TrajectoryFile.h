@@ -9,7 +9,8 @@
 namespace harvlink::cli {
 
 inline constexpr char const* TrajectoryHelp =
-    "FILE.csv has one point a line below a header line that names its columns, in any order:\n"
+    "FILE.csv has a header line and one point on each line after it. The header line that names its columns, in any "
+    "order:\n"
     "  speed                            required: per cent for joint, mm/s for line and circle\n"
     "  x,y,z,rx,ry,rz[,re,rw]           the point in mm and degrees, or\n"
     "  s,l,u,r,b,t[,e,w]                the point in pulses\n"
@@ -17,11 +18,11 @@ inline constexpr char const* TrajectoryHelp =
     "  via_x, via_y, ... or via_s, ...  the point through which a circle passes\n"
     "  group, coordinate, tool, figure  as in positions (defaults R1, base or pulse, 0, front+upper+flip)\n"
     "  acceleration, deceleration       per cent, 20 to 100 (default: what the controller has)\n"
-    "Lines that begin with # are left out.";
+    "Lines that begin with # are ignored.";
 
-/// Every point is a circular motion: only for one with move type Circle is the auxiliary point looked at.
+/// Every point is a circular motion; the auxiliary point is used only if the move type is Circle.
 struct TrajectoryPoint : CircularMotion {
-    std::string place{}; ///< "square.csv:3"; empty if it comes from no file
+    std::string place{}; ///< "square.csv:3"; empty if it does not come from a file
 };
 
 using Trajectory = std::vector<TrajectoryPoint>;
@@ -30,7 +31,7 @@ using Trajectory = std::vector<TrajectoryPoint>;
 /// names every wrong line.
 Trajectory ParseTrajectory(std::string const& file, std::string_view text);
 
-/// Throws InputError with the text of the status by which the library would refuse the point.
+/// Throws InputError with the text of the status with which the library would refuse the point.
 void CheckMotion(Motion const& motion);
 
 } // namespace harvlink::cli

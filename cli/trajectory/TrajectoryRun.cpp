@@ -28,7 +28,7 @@ constexpr std::chrono::milliseconds PollInterval{50};
 constexpr int MostStops = 3;
 constexpr int BarWidth = 20;
 
-/// The way of the group that the last point moves, as far as it is told in that point's coordinates.
+/// The path of the group that the last point moves: its points with the coordinate system of the last one.
 struct FollowedPath {
     Motion const& last;
     CoordinateType readType;
@@ -74,12 +74,12 @@ public:
             status = Follow(interrupt, tracker);
         }
         if (status.StatusCode != 0) {
-            // Before anything is told: who reads it may be slow, or gone.
-            StatusInfo const stopped = Abandon();
+            // Stop before anything is printed: the reader of the output may be slow, or gone.
+            StatusInfo const stopped = StopAndClear();
             progress_.reset();
-            TellTrouble();
+            ReportProblems();
             if (stopped.StatusCode != 0) {
-                output_.Failure(stopped, "the machine may still move, its stop failed");
+                output_.Failure(stopped, "the stop failed, the machine may still move");
             }
         }
         progress_.reset();
@@ -109,12 +109,12 @@ private:
         for (std::size_t i = 0; i < trajectory_.size(); ++i) {
             StatusInfo status = robot_.MotionManager->AddPointToTrajectory(trajectory_[i]);
             if (status.StatusCode != 0) {
-                troubles_.push_back(fmt::format("point {} was refused, nothing was moved", i + 1));
+                problems_.push_back(fmt::format("point {} was refused, nothing was moved", i + 1));
                 return status;
             }
         }
         if (interrupt.Wait(std::chrono::milliseconds(0))) {
-            troubles_.emplace_back("interrupted before the start, nothing was moved");
+            problems_.emplace_back("interrupted before the start, nothing was moved");
             return StatusInformation(ErrorStatusCodes::OperationInterrupted);
         }
         StatusInfo status = robot_.MotionManager->MotionStart();
@@ -125,10 +125,10 @@ private:
     StatusInfo Follow(Interrupt const& interrupt, PathTracker& tracker) {
         while (true) {
             if (interrupt.Wait(PollInterval)) {
-                troubles_.emplace_back("interrupted: stopping the motion and clearing the queue");
+                problems_.emplace_back("interrupted: stopping the motion and clearing the queue");
                 return StatusInformation(ErrorStatusCodes::OperationInterrupted);
             }
-            StatusInfo status = LookForTrouble();
+            StatusInfo status = CheckForAlarms();
             if (status.StatusCode == 0) {
                 ReadReached();
                 status = ReadPosition();
@@ -136,20 +136,20 @@ private:
             if (status.StatusCode != 0) {
                 return status;
             }
-            PathTracker::State const state = tracker.Sample(position_.axes, Clock::now());
+            PathTracker::State const state = tracker.Update(position_.axes, Clock::now());
             ShowProgress(tracker.Fraction());
             if (state == PathTracker::State::Arrived) {
                 return {};
             }
             if (state == PathTracker::State::Stopped && !isHeld_) {
-                troubles_.emplace_back("the machine stands still before the last point");
+                problems_.emplace_back("the machine stands still before the last point");
                 return StatusInformation(ErrorStatusCodes::OperationInterrupted);
             }
         }
     }
 
-    // The library calls nobody back when the controller refuses a point: it raises an alarm and empties its queue.
-    StatusInfo LookForTrouble() {
+    // If the controller refuses a point, the library raises an alarm there and empties its queue; it has no call-back.
+    StatusInfo CheckForAlarms() {
         ControllerStateData state;
         StatusInfo status = robot_.Status->ReadState(state);
         isHeld_ = state.isProgramPendantHold;
@@ -162,18 +162,18 @@ private:
         for (AlarmData const& alarm : alarms.alarms) {
             if (alarm.code != 0) {
                 hasAlarm = true;
-                troubles_.push_back(
+                problems_.push_back(
                     fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(TrimField(alarm.name))));
             }
         }
-        // An alarm takes servo power with it.
+        // An alarm switches servo power off, so this alone is not worth a line.
         if (!state.isServoOn && !hasAlarm) {
-            troubles_.emplace_back("servo power is off");
+            problems_.emplace_back("servo power is off");
         }
         return StatusInformation(ErrorStatusCodes::OperationInterrupted);
     }
 
-    // A refused point clears the targets, and with them the count: the highest that was seen is kept.
+    // A refused point clears the targets and their count, so the highest count that was seen is kept.
     void ReadReached() {
         StatusInfo status;
         double const reached = robot_.MotionManager->GetMotionTargetProgress(path_.last.controlGroup, status);
@@ -182,16 +182,16 @@ private:
         }
     }
 
-    void TellTrouble() {
-        for (std::string const& trouble : troubles_) {
-            output_.Problem(trouble);
+    void ReportProblems() {
+        for (std::string const& problem : problems_) {
+            output_.Problem(problem);
         }
-        TellPlace();
+        ReportPoint();
     }
 
-    // The controller counts each group's own points, so that with several groups the count is that of no one point. It
-    // may have gone on since it was read, and points are refused ahead of the machine.
-    void TellPlace() {
+    // The controller counts the points of each group, so with several groups the count does not name a point. The machine
+    // may have moved on since the count was read, and points are refused before the machine reaches them.
+    void ReportPoint() {
         bool const isOneGroup = std::ranges::all_of(
             trajectory_, [&](Motion const& point) { return point.controlGroup == path_.last.controlGroup; });
         auto const point = static_cast<std::size_t>(reached_);
@@ -203,9 +203,9 @@ private:
                                     count, point + 1 < count ? " or to a later point" : ""));
     }
 
-    // How the stop went; a success if nothing was started. Clearing empties the library's queue even if the controller no
-    // longer answers.
-    StatusInfo Abandon() {
+    // Returns the status of the stop; a success if nothing was started. Clearing empties the library's queue even if the
+    // controller no longer answers.
+    StatusInfo StopAndClear() {
         StatusInfo stopped = isStarted_ ? StopMotion(*robot_.MotionManager, true) : StatusInfo{};
         if (!isStarted_ || stopped.StatusCode != 0) {
             robot_.MotionManager->ClearAllTrajectory();
@@ -233,7 +233,7 @@ private:
     FollowedPath path_;
     PositionData position_;
     Clock::time_point start_;
-    std::vector<std::string> troubles_;
+    std::vector<std::string> problems_;
     std::optional<Progress> progress_;
     double reached_ = 0.0; // points, with the part of the way to the next
     bool isStarted_ = false;

@@ -8,7 +8,7 @@ namespace harvlink::cli {
 
 class Session;
 
-// One family of commands each, named as the interface of the library that it uses.
+// Each adds one family of commands. It has the name of the library's interface that it uses.
 void AddControllerStateCommands(CLI::App& app, Session& session);
 void AddControlGroupCommands(CLI::App& app, Session& session);
 void AddVariableCommands(CLI::App& app, Session& session);

@@ -36,7 +36,7 @@ StatusInfo ShowPosition(QuorvanController& robot, Output& output, ControlGroupId
     if (status.StatusCode == 0) {
         Json document{{"group", GroupName(group)}};
         document.update(PositionJson(position));
-        // The library counts the user coordinate of the answer one above the one asked for.
+        // The library returns a user coordinate number that is one higher than the number asked for.
         document["coordinate"] = CoordinateName({position.coordinateType, coordinate.userNumber});
         output.Show(document);
     }
@@ -45,12 +45,12 @@ StatusInfo ShowPosition(QuorvanController& robot, Output& output, ControlGroupId
 
 void AddPosition(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<PositionArguments>();
-    CLI::App* const verb = app.add_subcommand("position", "Show where a control group stands");
+    CLI::App* const verb = app.add_subcommand("position", "Show the position of a control group");
     verb->add_option("GROUP", arguments->group, "Control group, such as R1, B1 or S1")->type_name("GROUP")->required();
     verb->add_option("--coordinate", arguments->coordinate, "Coordinate system")
         ->type_name("pulse|base|robot|user:N")
         ->capture_default_str();
-    verb->add_option("--tool", arguments->tool, "Tool number; 0 is the only one that older controllers know")
+    verb->add_option("--tool", arguments->tool, "Tool number; older controllers know only 0")
         ->check(CLI::Range(0, HighestTool))
         ->type_name("N")
         ->capture_default_str();
@@ -59,7 +59,7 @@ void AddPosition(CLI::App& app, Session& session) {
         ControlGroupId const group = ParseGroup(arguments->group);
         Coordinate const coordinate = ParseCoordinate(arguments->coordinate);
         if (coordinate.userNumber < 0 || coordinate.userNumber > 255) {
-            throw InputError("user coordinates count from 1 to 63");
+            throw InputError("the user coordinate number must be from 1 to 63");
         }
         session.OnConnection([group, coordinate, tool = arguments->tool](QuorvanController& robot, Output& output) {
             return ShowPosition(robot, output, group, coordinate, tool);
@@ -136,7 +136,7 @@ void AddControlGroupCommands(CLI::App& app, Session& session) {
     AddGroupVerb(app, session, "axes", "Show the axes that a control group has", ShowAxes);
     AddGroupVerb(app, session, "torque", "Show the torque of each axis, in the controller's unit",
                  AxisAction(ReadTorque));
-    AddGroupVerb(app, session, "position-error", "Show how far each axis is from its command, in pulses",
+    AddGroupVerb(app, session, "position-error", "Show the position error of each axis, in pulses",
                  AxisAction(ReadError));
 }
 

@@ -56,7 +56,7 @@ constexpr std::array<Named<TimeType>, 11> TimeNames{{{"control-power", TimeType:
 SystemInfoId ParseInfoId(std::string const& text) {
     bool const isNumber = !text.empty() && text[0] >= '0' && text[0] <= '9';
     return isNumber ? static_cast<SystemInfoId>(ParseNumber<std::uint16_t>(text, "system information number"))
-                    : ParseName(InfoNames, text, "system information");
+                    : ParseName(InfoNames, text, "kind of system information");
 }
 
 StatusInfo ShowInformation(QuorvanController& robot, Output& output, std::vector<SystemInfoId> const& ids) {
@@ -112,7 +112,7 @@ struct TimeArguments {
     int application = 0;
 };
 
-/// Programs also get the seconds since 1970, which say nothing to people.
+/// Programs also get the seconds since 1970.
 Json TimeJson(TimeType type, TimeData const& data, bool forPeople) {
     std::time_t const start = data.startTimeEpoch;
     std::tm local{};
@@ -143,7 +143,7 @@ StatusInfo ShowTimes(QuorvanController& robot, Output& output, std::vector<TimeT
 void AddTimes(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<TimeArguments>();
     CLI::App* const verb = app.add_subcommand("times", "Show operating time counters");
-    verb->add_option("COUNTER", arguments->counters, "Which counters; without any the four of the whole controller")
+    verb->add_option("COUNTER", arguments->counters, "Counters (default: the four of the whole controller)")
         ->type_name(Choices(TimeNames));
     verb->add_option("--group", arguments->group, "Group of a robot's or station's counter")
         ->type_name("GROUP")

@@ -25,7 +25,7 @@ constexpr std::array<Named<AlarmCategory>, 5> CategoryNames{{{"major", AlarmCate
                                                              {"user", AlarmCategory::User},
                                                              {"offline", AlarmCategory::Offline}}};
 
-// The filled places, which need not be the first ones.
+// Only the entries that hold an alarm; these need not be the first ones.
 Json AlarmRows(std::span<AlarmData const> alarms) {
     Json rows = Json::array();
     for (std::size_t place = 0; place < alarms.size(); ++place) {
@@ -74,7 +74,7 @@ void AddCategory(CLI::App& verb, HistoryArguments& arguments) {
 void AddHistory(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<HistoryArguments>();
     CLI::App* const verb = family.add_subcommand("history", "Show the newest alarms of a category, newest first");
-    verb->add_option("COUNT", arguments->count, "How many at most")
+    verb->add_option("COUNT", arguments->count, "The most alarms to show")
         ->check(CLI::Range(1U, MostHistory))
         ->capture_default_str();
     AddCategory(*verb, *arguments);
@@ -97,7 +97,9 @@ void AddFaultCommands(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<HistoryArguments>();
     CLI::App* const family = app.add_subcommand("alarms", "Show active alarms or their history, or clear them");
     CLI::Option const* const history =
-        family->add_option("--history", arguments->count, "Show so many of the history, as the command history does")
+        family
+            ->add_option("--history", arguments->count,
+                         "Show this many alarms of the history, as the command history does")
             ->check(CLI::Range(1U, MostHistory))
             ->type_name("N");
     AddCategory(*family, *arguments);

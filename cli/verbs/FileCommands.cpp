@@ -24,7 +24,7 @@ namespace harvlink::cli {
 
 namespace {
 
-/// The files of this computer that fit a glob or are named as they are, sorted.
+/// The files of this computer that fit a glob, sorted. A name without wildcards is returned as it is.
 std::vector<std::string> LocalFiles(std::string const& glob) {
     glob_t found{};
     std::vector<std::string> files;
@@ -38,7 +38,7 @@ std::vector<std::string> LocalFiles(std::string const& glob) {
 namespace filesystem = std::filesystem;
 using TextList = std::vector<std::string>;
 
-/// What the controller has, each kind listed at most once.
+/// The files of the controller. Each kind is listed at most once.
 class RemoteFiles {
 public:
     explicit RemoteFiles(FileInterface& files) : files_(files) {}
@@ -57,7 +57,7 @@ public:
         return status;
     }
 
-    /// Whether there is such a file, in any case of its name.
+    /// Whether there is such a file; upper and lower case are the same.
     StatusInfo Contains(FileType type, std::string const& name, bool& contains) {
         TextList names;
         StatusInfo status = List(type, names);
@@ -109,12 +109,12 @@ private:
     std::map<FileType, TextList> lists_;
 };
 
-/// Counts and reports the files of one command, and sums them up at its end.
+/// Reports each file of one command, and the sum at its end.
 class TransferReport {
 public:
     TransferReport(Output& output, std::string verb) : output_(output), verb_(std::move(verb)) {}
 
-    /// Returns whether it is worth going on: nobody is waited for twice who does not answer.
+    /// Returns false after a time-out: the other files would only wait for one each.
     bool Add(std::string const& name, StatusInfo const& status, std::uintmax_t bytes) {
         bool const succeeded = status.StatusCode == 0;
         if (!succeeded || (status.Message != "OK" && !output_.json)) {
@@ -193,14 +193,14 @@ StatusInfo ShowList(QuorvanController& robot, Output& output, TextList const& gl
 void AddList(CLI::App& family, Session& session) {
     auto globs = std::make_shared<TextList>();
     CLI::App* const verb = family.add_subcommand("list", "List the files of the controller");
-    verb->add_option("NAME", *globs, "Names, globs, or extensions such as JBI; without any all files");
+    verb->add_option("NAME", *globs, "Names, globs, or extensions such as JBI (default: all files)");
     SetExamples(*verb, {"files list", "files list JBI", "files list 'A*.JBI'"}, FileNamesHelp);
     verb->callback([globs, &session] {
         for (std::string& glob : *globs) {
             glob.erase(0, glob.starts_with('.') ? 1 : 0);
             if (KindsOf(glob).empty()) {
                 throw InputError(
-                    fmt::format("'{}' is no kind of file; there are: JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
+                    fmt::format("'{}' is not a kind of file; there are: JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
             }
         }
         session.OnConnection([names = globs->empty() ? TextList{"*.*"} : *globs](
@@ -262,8 +262,8 @@ StatusInfo Load(QuorvanController& robot, Output& output, filesystem::path const
     return robot.Files->LoadToControllerFromPath(path.string());
 }
 
-// A load replaces what is there, so the controller is asked first what it has. A name that the library will refuse needs
-// no asking.
+// A load replaces a file of the same name, so the files of the controller are listed first. A name that the library refuses
+// needs no list.
 StatusInfo Store(QuorvanController& robot, Output& output, RemoteFiles& remote, filesystem::path const& path,
                  bool force) {
     std::string const name = path.filename().string();
@@ -342,7 +342,7 @@ void AddDelete(CLI::App& family, Session& session) {
             std::vector<FileType> const kinds =
                 glob.find('.') == std::string::npos ? std::vector<FileType>{} : KindsOf(glob);
             if (!kinds.empty() && std::ranges::find(kinds, FileType::JobFile) == kinds.end()) {
-                throw InputError(fmt::format("only jobs can be deleted, and '{}' is none", glob));
+                throw InputError(fmt::format("'{}' is not a job; only jobs can be deleted", glob));
             }
             glob += hasExtension ? "" : ".JBI";
         }

@@ -50,7 +50,7 @@ StatusInfo ShowSignals(QuorvanController& robot, Output& output, std::vector<Sig
         StatusInfo status = robot.IO->ReadBit(signal.address, value);
         if (status.StatusCode == 0) {
             Json row{{"signal", signal.name}, {"address", signal.address}};
-            // People read the words that io set takes.
+            // For people the same words that io set takes.
             row.update(output.json ? Json{{"on", value}} : Json{{"state", value ? "on" : "off"}});
             rows.push_back(std::move(row));
         }
@@ -104,7 +104,7 @@ StatusInfo SetSignals(QuorvanController& robot, Output& output, std::vector<Sign
 
 void AddSetSignal(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
-    CLI::App* const verb = family.add_subcommand("set", "Switch signals; what they are wired to may move");
+    CLI::App* const verb = family.add_subcommand("set", "Switch signals; whatever is wired to them may move");
     verb->add_option("SIGNAL=STATE", *texts, "Such as 10010=1 or general-output:1.0=off")->required();
     SetExamples(*verb, {"io set 10010=1 10011=off", "io set general-output:1.0=on"}, SignalHelp);
     verb->callback([texts, &session] {
@@ -186,7 +186,7 @@ std::string TimeStamp() {
                        fraction);
 }
 
-// Reads all signals and shows those that are not as they were.
+// Reads all signals and shows those that have changed.
 StatusInfo ShowChanges(IOInterface& io, Output& output, std::vector<Signal> const& signals,
                        std::vector<std::optional<bool>>& known) {
     for (std::size_t i = 0; i < signals.size(); ++i) {
@@ -226,7 +226,7 @@ void AddWatch(CLI::App& family, Session& session) {
     auto interval = std::make_shared<unsigned>(100);
     CLI::App* const verb = family.add_subcommand("watch", "Print signals and then each change, until Ctrl-C");
     verb->add_option("SIGNAL", *names, "Such as 10010 or general-output:1")->required();
-    verb->add_option("--interval", *interval, "Milliseconds between two looks")
+    verb->add_option("--interval", *interval, "Milliseconds between two readings")
         ->check(CLI::Range(1U, 3'600'000U))
         ->type_name("MS")
         ->capture_default_str();
@@ -249,7 +249,7 @@ std::vector<unsigned short> ParseRegisters(std::vector<std::string> const& texts
                               ? first
                               : ParseNumber<unsigned short>(text.substr(dots + 2), "register number");
         if (last < first) {
-            throw InputError(fmt::format("'{}' is no range of registers", text));
+            throw InputError(fmt::format("'{}' is not a range of registers such as 0..9", text));
         }
         for (unsigned index = first; index <= last; ++index) {
             registers.push_back(static_cast<unsigned short>(index));

@@ -50,7 +50,7 @@ Form FormOf(CoordinateType type) {
 
 KinematicConversions ChooseConversion(Form from, Form to) {
     if (from == to) {
-        throw InputError("the position is of that form already");
+        throw InputError("the position has that form already");
     }
     switch (from) {
     case Form::Pulse:
@@ -70,7 +70,7 @@ std::array<double, 8> ParseAngles(std::string_view text) {
     std::size_t count = 0;
     for (std::string_view const item : text.empty() ? std::vector<std::string_view>{} : Split(text, ',')) {
         if (count == angles.size()) {
-            throw InputError("there are at most 8 previous angles");
+            throw InputError("give at most 8 previous angles");
         }
         angles.at(count++) = ParseNumber<double>(TrimBlanks(item), "angle");
     }
@@ -112,7 +112,7 @@ void AddKinematicsCommands(CLI::App& app, Session& session) {
     verb->add_option("GROUP", arguments->group, "Control group, such as R1")->type_name("GROUP")->required();
     verb->add_option("POSITION", arguments->position, "The position to convert")->required();
     verb->add_option("--to", arguments->to, "Form to convert to")->type_name(Choices(FormNames))->required();
-    verb->add_option("--type", arguments->type, "What resolves the arm configuration of a Cartesian position")
+    verb->add_option("--type", arguments->type, "How the arm configuration of a Cartesian position is chosen")
         ->type_name(Choices(TypeNames))
         ->capture_default_str();
     verb->add_option("--previous", arguments->previous, "Previous angles of a Delta robot, in the controller's unit")

@@ -40,7 +40,7 @@ void PlanTrajectory(Session& session, Trajectory trajectory) {
 
 CircularMotion MakeMotion(MoveArguments const& arguments) {
     if (arguments.joint == arguments.line) {
-        throw InputError("give --joint or --line, the kind of move");
+        throw InputError("the kind of move is missing; give --joint or --line");
     }
     CircularMotion motion;
     motion.controlGroup = ParseGroup(arguments.group);
@@ -64,9 +64,11 @@ void AddMove(CLI::App& app, Session& session) {
     verb->add_option("--speed", arguments->speed, "Speed in per cent (joint) or mm/s (line)")
         ->required()
         ->type_name("SPEED");
-    verb->add_option("--acceleration", arguments->acceleration, "20 to 100 per cent; else what the controller has")
+    verb->add_option("--acceleration", arguments->acceleration,
+                     "20 to 100 per cent (default: the controller's setting)")
         ->type_name("PERCENT");
-    verb->add_option("--deceleration", arguments->deceleration, "20 to 100 per cent; else what the controller has")
+    verb->add_option("--deceleration", arguments->deceleration,
+                     "20 to 100 per cent (default: the controller's setting)")
         ->type_name("PERCENT");
     SetExamples(*verb,
                 {"move R1 --line --to base:480,0,600,180,0,0 --speed 100",
@@ -76,7 +78,7 @@ void AddMove(CLI::App& app, Session& session) {
 }
 
 void AddTrajectory(CLI::App& app, Session& session) {
-    CLI::App* const family = app.add_subcommand("trajectory", "Run or check a trajectory of a CSV file");
+    CLI::App* const family = app.add_subcommand("trajectory", "Run or check a trajectory from a CSV file");
     family->require_subcommand(1);
     SetExamples(*family, {"trajectory check square.csv", "trajectory run square.csv"}, TrajectoryHelp);
     auto path = std::make_shared<std::string>();
@@ -107,8 +109,7 @@ StatusInfo ShowProgress(QuorvanController& robot, Output& output, ControlGroupId
 
 void AddProgress(CLI::App& app, Session& session) {
     auto group = std::make_shared<std::string>("R1");
-    CLI::App* const verb =
-        app.add_subcommand("progress", "Show the controller's number for how far a group is with its target");
+    CLI::App* const verb = app.add_subcommand("progress", "Show how far a control group has moved towards its target");
     verb->add_option("GROUP", *group, "Control group, such as R1")->type_name("GROUP")->capture_default_str();
     SetExamples(*verb, {"progress R1"});
     verb->callback([group, &session] {
@@ -142,7 +143,7 @@ void AddClear(CLI::App& parent, Session& session, char const* description) {
 
 void AddStart(CLI::App& family, Session& session) {
     CLI::App* const verb =
-        family.add_subcommand("start", "Let the controller move to the targets it has: MOVES THE MACHINE");
+        family.add_subcommand("start", "Start the motion to the targets that the controller has: MOVES THE MACHINE");
     SetExamples(*verb, {"motion start --yes"});
     verb->callback([&session] {
         session.OnConnectionConfirmed(MoveWarning, [](QuorvanController& robot, Output& output) {

@@ -89,7 +89,7 @@ struct DumpArguments {
     bool force = false;
 };
 
-// The first index that the controller does not have ends its kind.
+// A kind ends at the first index that the controller does not have.
 StatusInfo ReadKind(VariablesInterface& variables, VariableKind kind, std::vector<VariableAssignment>& read) {
     for (std::uint16_t index = 0; index <= HighestIndex; ++index) {
         VariableAssignment variable{{kind, index}, {}};
@@ -148,9 +148,9 @@ std::vector<VariableKind> ParseKinds(std::vector<std::string> const& names) {
 void AddDump(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<DumpArguments>();
     CLI::App* const verb = family.add_subcommand("dump", "Write all variables to a CSV file that load reads");
-    verb->add_option("--kind", arguments->kinds, "Kinds of variables; without any all")
+    verb->add_option("--kind", arguments->kinds, "Kinds of variables (default: all)")
         ->type_name(Choices(VariableKindNames));
-    verb->add_option("--out", arguments->path, "File to write; without it standard output")->type_name("FILE");
+    verb->add_option("--out", arguments->path, "File to write (default: standard output)")->type_name("FILE");
     verb->add_flag("--force", arguments->force, "Overwrite an existing file");
     SetExamples(*verb, {"var dump --kind B --out vars.csv", "var dump > all.csv"});
     verb->callback([arguments, &session] {

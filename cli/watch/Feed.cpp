@@ -11,7 +11,7 @@ namespace harvlink::cli::watch {
 
 Feed::Feed(Reader& reader, std::chrono::milliseconds interval) : reader_(reader), interval_(interval) {
     if (pipe2(wake_.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
-        throw std::runtime_error("no pipe for the pictures");
+        throw std::runtime_error("can't open a pipe for the samples");
     }
     thread_ = std::thread([this] { Run(); });
 }
@@ -29,7 +29,7 @@ Feed::~Feed() {
     }
 }
 
-std::optional<Frame> Feed::Take() {
+std::optional<Sample> Feed::Take() {
     std::lock_guard const lock(mutex_);
     char byte = 0;
     [[maybe_unused]] ssize_t const taken = read(wake_[0], &byte, 1);
@@ -43,17 +43,17 @@ void Feed::Run() {
     std::unique_lock lock(mutex_);
     do {
         lock.unlock();
-        std::optional<Frame> frame;
+        std::optional<Sample> sample;
         std::exception_ptr failure;
         try {
-            frame = reader_.Look();
+            sample = reader_.Read();
         } catch (...) {
             failure = std::current_exception();
         }
         lock.lock();
-        newest_ = std::move(frame);
+        newest_ = std::move(sample);
         failure_ = failure;
-        [[maybe_unused]] ssize_t const told = write(wake_[1], "", 1);
+        [[maybe_unused]] ssize_t const ignored = write(wake_[1], "", 1);
     } while (!failure_ && !ended_.wait_for(lock, interval_, [this] { return hasEnded_; }));
 }
 

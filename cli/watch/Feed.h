@@ -8,13 +8,13 @@
 #include <optional>
 #include <thread>
 
-#include "cli/watch/Frame.h"
 #include "cli/watch/Reader.h"
+#include "cli/watch/Sample.h"
 
 namespace harvlink::cli::watch {
 
-/// Looks at a controller from a thread of its own, so that keys are heard while an answer is waited for. Its end waits for
-/// the exchange that is going on.
+/// Reads from a controller in its own thread, so that keys are noticed while an exchange waits for its answer. Its
+/// destructor waits for the running exchange.
 class Feed {
 public:
     Feed(Reader& reader, std::chrono::milliseconds interval);
@@ -22,8 +22,8 @@ public:
     Feed& operator=(Feed const&) = delete;
     ~Feed();
 
-    /// The newest frame, once. Throws what looking has thrown.
-    std::optional<Frame> Take();
+    /// The newest sample, once. Throws what the thread has thrown.
+    std::optional<Sample> Take();
 
     /// Becomes readable when there is something to take.
     int Descriptor() const { return wake_[0]; }
@@ -37,7 +37,7 @@ private:
     std::mutex mutex_;
     std::condition_variable ended_;
     bool hasEnded_ = false;
-    std::optional<Frame> newest_;
+    std::optional<Sample> newest_;
     std::exception_ptr failure_;
     std::thread thread_;
 };

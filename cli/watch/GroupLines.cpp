@@ -16,13 +16,13 @@ constexpr std::size_t Narrowest = 8;
 constexpr std::size_t Widest = 12;
 constexpr std::size_t WholePart = 7; ///< of a value in mm: a gap, a sign, four digits and the point
 
-/// How many columns of which width the table has.
-struct Table {
+/// Number and width of the columns of axes.
+struct AxisColumns {
     std::size_t axes;
     std::size_t width;
 };
 
-Table TableOf(GroupFrame const& group, std::size_t columns) {
+AxisColumns AxisColumnsOf(GroupSample const& group, std::size_t columns) {
     std::size_t const axes = group.axes.empty() ? group.torque.value.size() : group.axes.size();
     std::size_t const room = columns > LabelWidth ? columns - LabelWidth : 0;
     return {axes, std::clamp(room / axes, Narrowest, Widest)};
@@ -33,7 +33,7 @@ Span Label(std::string_view label, Style style) {
 }
 
 template <typename Text>
-Line Row(Table table, Span label, Style style, Text const& text) {
+Line Row(AxisColumns table, Span label, Style style, Text const& text) {
     Line line{std::move(label)};
     for (std::size_t axis = 0; axis < table.axes; ++axis) {
         line.push_back({fmt::format("{:>{}}", text(axis), table.width), style});
@@ -41,7 +41,8 @@ Line Row(Table table, Span label, Style style, Text const& text) {
     return line;
 }
 
-Line ValueRow(Table table, std::string_view name, Reading<GroupFrame::Axes> const& reading, std::size_t decimals) {
+Line ValueRow(AxisColumns table, std::string_view name, Reading<GroupSample::Axes> const& reading,
+              std::size_t decimals) {
     Span label = Label(name, Style::Faint);
     if (!reading.IsValid()) {
         return {std::move(label), FailureSpan(reading.status)};
@@ -52,8 +53,8 @@ Line ValueRow(Table table, std::string_view name, Reading<GroupFrame::Axes> cons
 
 } // namespace
 
-std::vector<Line> GroupLines(GroupFrame const& group, std::size_t columns) {
-    Table const table = TableOf(group, columns);
+std::vector<Line> GroupLines(GroupSample const& group, std::size_t columns) {
+    AxisColumns const table = AxisColumnsOf(group, columns);
     std::vector<Line> lines;
     lines.push_back(Row(table, Label(group.name, Style::Title), Style::Faint, [&](std::size_t axis) {
         return group.axes.empty() ? fmt::format("{}", axis + 1) : ScreenText(group.axes.substr(axis, 1));

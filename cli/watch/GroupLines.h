@@ -6,7 +6,7 @@
 
 namespace harvlink::cli::watch {
 
-/// Positions and torque of a control group as a small table, an axis to a column.
-std::vector<Line> GroupLines(GroupFrame const& group, std::size_t columns);
+/// Positions and torque of a control group as a small table with one column for each axis.
+std::vector<Line> GroupLines(GroupSample const& group, std::size_t columns);
 
 } // namespace harvlink::cli::watch

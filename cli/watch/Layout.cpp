@@ -15,35 +15,35 @@ namespace harvlink::cli::watch {
 
 namespace {
 
-constexpr char const* Keys = "q quits   reading only: nothing is written to the controller";
+constexpr char const* Keys = "q quits   watch only reads and writes nothing to the controller";
 
 void Append(std::vector<Line>& lines, std::vector<Line> const& more) {
     lines.insert(lines.end(), more.begin(), more.end());
 }
 
-std::string ClockText(Frame::Time time) {
+std::string ClockText(Sample::Time time) {
     return fmt::format("{:%H:%M:%S}", fmt::localtime(std::chrono::system_clock::to_time_t(time)));
 }
 
-Line TitleLine(Frame const& frame, std::size_t columns) {
+Line TitleLine(Sample const& sample, std::size_t columns) {
     Line line{
-        {fmt::format("{}  {}  {}", frame.host, ScreenText(frame.model), ScreenText(frame.software)), Style::Title}};
+        {fmt::format("{}  {}  {}", sample.host, ScreenText(sample.model), ScreenText(sample.software)), Style::Title}};
     std::string const clock =
-        fmt::format("{}  {:.1f} ms", frame.lost ? "no answer" : ClockText(frame.time), frame.duration.count());
+        fmt::format("{}  {:.1f} ms", sample.lost ? "no answer" : ClockText(sample.time), sample.duration.count());
     std::size_t const used = WidthOf(line) + clock.size();
     line.push_back({std::string(used < columns ? columns - used : 2, ' ')});
     line.push_back({clock, Style::Faint});
     return line;
 }
 
-std::vector<Line> LostLines(Frame const& frame) {
-    if (!frame.lost) {
+std::vector<Line> LostLines(Sample const& sample) {
+    if (!sample.lost) {
         return {};
     }
-    std::string const age =
-        frame.time == Frame::Time{} ? "nothing was read yet" : "what follows was read at " + ClockText(frame.time);
-    return {{{fmt::format("NO ANSWER since {}. Asking again; {}.", ClockText(frame.lostSince), age), Style::Bad}},
-            {FailureSpan(*frame.lost)}};
+    std::string const age = sample.time == Sample::Time{} ? "nothing was read yet"
+                                                          : "the values below were read at " + ClockText(sample.time);
+    return {{{fmt::format("NO ANSWER since {}. Asking again; {}.", ClockText(sample.lostSince), age), Style::Bad}},
+            {FailureSpan(*sample.lost)}};
 }
 
 Line FlagItem(std::string_view name, bool isOn, Style onStyle) {
@@ -95,13 +95,13 @@ std::vector<Line> AlarmLines(Reading<ActiveAlarms> const& alarms, std::size_t co
     return Flow("Alarms", items, columns);
 }
 
-Line VariableItem(VariableFrame const& variable) {
+Line VariableItem(VariableSample const& variable) {
     return {{variable.name + " ", Style::Faint},
             variable.value.IsValid() ? Span{ScreenText(FormatVariableValue(variable.value.value))}
                                      : FailureSpan(variable.value.status)};
 }
 
-Line SignalItem(SignalFrame const& signal) {
+Line SignalItem(SignalSample const& signal) {
     Span const state = signal.on.value ? Span{"on", Style::Good} : Span{"off"};
     return {{signal.name + " ", Style::Faint}, signal.on.IsValid() ? state : FailureSpan(signal.on.status)};
 }
@@ -113,34 +113,34 @@ std::vector<Line> Items(Parts const& parts, Item const& item) {
     return items;
 }
 
-std::vector<Line> Body(Frame const& frame, std::size_t columns) {
-    std::vector<Line> lines{TitleLine(frame, columns)};
-    Append(lines, LostLines(frame));
-    if (frame.time == Frame::Time{}) {
+std::vector<Line> Body(Sample const& sample, std::size_t columns) {
+    std::vector<Line> lines{TitleLine(sample, columns)};
+    Append(lines, LostLines(sample));
+    if (sample.time == Sample::Time{}) {
         return lines;
     }
-    Append(lines, StateLines(frame.state, columns));
-    Append(lines, Flow("Job", {JobItem(frame.job)}, columns));
-    Append(lines, AlarmLines(frame.alarms, columns));
-    for (GroupFrame const& group : frame.groups) {
+    Append(lines, StateLines(sample.state, columns));
+    Append(lines, Flow("Job", {JobItem(sample.job)}, columns));
+    Append(lines, AlarmLines(sample.alarms, columns));
+    for (GroupSample const& group : sample.groups) {
         lines.emplace_back();
         Append(lines, GroupLines(group, columns));
     }
-    if (!frame.variables.empty() || !frame.signals.empty()) {
+    if (!sample.variables.empty() || !sample.signals.empty()) {
         lines.emplace_back();
     }
-    Append(lines, Flow("Values", Items(frame.variables, VariableItem), columns));
-    Append(lines, Flow("Signals", Items(frame.signals, SignalItem), columns));
+    Append(lines, Flow("Values", Items(sample.variables, VariableItem), columns));
+    Append(lines, Flow("Signals", Items(sample.signals, SignalItem), columns));
     return lines;
 }
 
 } // namespace
 
-std::vector<Line> LayOut(Frame const& frame, Size size) {
+std::vector<Line> LayOut(Sample const& sample, Size size) {
     if (size.rows == 0 || size.columns == 0) {
         return {};
     }
-    std::vector<Line> lines = Body(frame, size.columns);
+    std::vector<Line> lines = Body(sample, size.columns);
     std::size_t const room = size.rows - 1;
     Line footer{{Keys, Style::Faint}};
     if (lines.size() > room) {
@@ -154,9 +154,9 @@ std::vector<Line> LayOut(Frame const& frame, Size size) {
     return lines;
 }
 
-std::string PlainText(Frame const& frame, std::size_t columns) {
+std::string PlainText(Sample const& sample, std::size_t columns) {
     std::string text;
-    for (Line const& line : Body(frame, columns)) {
+    for (Line const& line : Body(sample, columns)) {
         std::string row;
         for (Span const& span : line) {
             row += span.text;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/watch/Frame.h"
+#include "cli/watch/Sample.h"
 
 namespace harvlink::cli::watch {
 
@@ -22,10 +22,10 @@ struct Size {
     std::size_t columns = 0;
 };
 
-/// The picture of a frame, never more than `size`. What does not fit is cut off, and a last line says so.
-std::vector<Line> LayOut(Frame const& frame, Size size);
+/// The lines that show a sample, never more than `size`. What does not fit is cut off, and the last line says so.
+std::vector<Line> LayOut(Sample const& sample, Size size);
 
-/// The picture as plain text, as long as it needs to be.
-std::string PlainText(Frame const& frame, std::size_t columns);
+/// The same as plain text, with as many lines as it takes.
+std::string PlainText(Sample const& sample, std::size_t columns);
 
 } // namespace harvlink::cli::watch

@@ -11,7 +11,7 @@ namespace harvlink::cli::watch {
 
 inline constexpr std::size_t LabelWidth = 9;
 
-/// Text of a controller for a screen that counts columns: what is no printable ASCII becomes '?', one for each byte.
+/// Text of a controller for a screen that counts columns: each byte that is not printable ASCII becomes '?'.
 std::string ScreenText(std::string_view text);
 
 /// "Code (40961): ...", for the place of the value.
@@ -19,10 +19,10 @@ Span FailureSpan(StatusInfo const& status);
 
 std::size_t WidthOf(Line const& line);
 
-/// The line without what goes beyond so many columns.
+/// The line, cut off after so many columns.
 Line Clip(Line line, std::size_t columns);
 
-/// A label and the items behind it in columns of equal width, as many beside each other as fit.
+/// A label and after it the items, in as many columns of equal width as fit.
 std::vector<Line> Flow(std::string_view label, std::vector<Line> const& items, std::size_t columns);
 
 } // namespace harvlink::cli::watch

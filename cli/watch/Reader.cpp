@@ -22,10 +22,10 @@ bool IsStation(ControlGroupId group) {
     return group >= ControlGroupId::S1;
 }
 
-void ReadAxisNames(ControlGroupInterface& controlGroup, ControlGroupId id, GroupFrame& group) {
+void ReadAxisNames(ControlGroupInterface& controlGroup, ControlGroupId id, GroupSample& group) {
     std::array<char, 8> letters{};
     group.name = GroupName(id);
-    // A group that can't tell its axes says so again with its position.
+    // A group without an axis configuration fails again with its position, which is where the user sees it.
     if (controlGroup.ReadAxisConfiguration(id, letters).StatusCode == 0) {
         std::copy_if(letters.begin(), letters.end(), std::back_inserter(group.axes),
                      [](char letter) { return letter != '\0'; });
@@ -33,7 +33,7 @@ void ReadAxisNames(ControlGroupInterface& controlGroup, ControlGroupId id, Group
 }
 
 StatusInfo ReadPosition(ControlGroupInterface& controlGroup, ControlGroupId group, CoordinateType type,
-                        Reading<GroupFrame::Axes>& reading) {
+                        Reading<GroupSample::Axes>& reading) {
     PositionData position;
     reading.status = controlGroup.ReadPositionData(group, type, 0, 0, position);
     reading.value = position.axes;
@@ -44,7 +44,7 @@ StatusInfo ReadPosition(ControlGroupInterface& controlGroup, ControlGroupId grou
 
 Reader::Reader(QuorvanController& robot, std::string host, Selection selection)
     : robot_(robot), selection_(std::move(selection)) {
-    frame_.host = std::move(host);
+    sample_.host = std::move(host);
 }
 
 StatusInfo Reader::Prepare() {
@@ -53,107 +53,108 @@ StatusInfo Reader::Prepare() {
     if (status.StatusCode != 0) {
         return status;
     }
-    frame_.model = TrimField(information.modelName);
-    frame_.software = TrimField(information.softwareVersion);
+    sample_.model = TrimField(information.modelName);
+    sample_.software = TrimField(information.softwareVersion);
     for (SignalName const& name : selection_.signals) {
         status = ResolveSignals(*robot_.IO, name, signals_);
         if (status.StatusCode != 0) {
             return status;
         }
     }
-    frame_.groups.resize(selection_.groups.size());
-    for (std::size_t i = 0; i < frame_.groups.size(); ++i) {
-        ReadAxisNames(*robot_.ControlGroup, selection_.groups[i], frame_.groups[i]);
+    sample_.groups.resize(selection_.groups.size());
+    for (std::size_t i = 0; i < sample_.groups.size(); ++i) {
+        ReadAxisNames(*robot_.ControlGroup, selection_.groups[i], sample_.groups[i]);
     }
     return status;
 }
 
-Frame const& Reader::Look() {
+Sample const& Reader::Read() {
     auto const start = std::chrono::steady_clock::now();
     silence_ = {};
-    Frame next = frame_;
+    Sample next = sample_;
     if (ReadAll(next)) {
         next.time = std::chrono::system_clock::now();
         next.lost.reset();
-        frame_ = std::move(next);
+        sample_ = std::move(next);
     } else if (silence_.StatusCode != 0) {
-        frame_.lostSince = frame_.lost ? frame_.lostSince : std::chrono::system_clock::now();
-        frame_.lost = silence_;
+        sample_.lostSince = sample_.lost ? sample_.lostSince : std::chrono::system_clock::now();
+        sample_.lost = silence_;
     }
-    ++frame_.number;
-    frame_.duration = std::chrono::steady_clock::now() - start;
-    return frame_;
+    ++sample_.number;
+    sample_.duration = std::chrono::steady_clock::now() - start;
+    return sample_;
 }
 
-// Whether to go on with the look: not after a silence, which would come again with each thing that is asked for.
-bool Reader::Went(StatusInfo const& status) {
+// Whether to go on reading. After a time-out each further read would only wait for another one.
+bool Reader::IsAnswered(StatusInfo const& status) {
     if (status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
         silence_ = status;
     }
     return silence_.StatusCode == 0 && !isStopped_;
 }
 
-bool Reader::ReadAll(Frame& frame) {
-    frame.state.status = robot_.Status->ReadState(frame.state.value);
-    if (!Went(frame.state.status)) {
+bool Reader::ReadAll(Sample& sample) {
+    sample.state.status = robot_.Status->ReadState(sample.state.value);
+    if (!IsAnswered(sample.state.status)) {
         return false;
     }
-    ReadAlarms(frame);
-    if (Went(frame.alarms.status)) {
-        frame.job.status = robot_.Job->GetExecutingJobInformation(TesselTaskNumber::Master, frame.job.value);
+    ReadAlarms(sample);
+    if (IsAnswered(sample.alarms.status)) {
+        sample.job.status = robot_.Job->GetExecutingJobInformation(TesselTaskNumber::Master, sample.job.value);
     }
-    for (std::size_t i = 0; i < frame.groups.size() && Went(frame.job.status); ++i) {
-        ReadGroup(frame.groups[i], selection_.groups[i]);
+    for (std::size_t i = 0; i < sample.groups.size() && IsAnswered(sample.job.status); ++i) {
+        ReadGroup(sample.groups[i], selection_.groups[i]);
     }
-    frame.variables.resize(selection_.variables.size());
-    for (std::size_t i = 0; i < frame.variables.size() && Went({}); ++i) {
-        VariableFrame& variable = frame.variables[i];
+    sample.variables.resize(selection_.variables.size());
+    for (std::size_t i = 0; i < sample.variables.size() && IsAnswered({}); ++i) {
+        VariableSample& variable = sample.variables[i];
         variable.name = VariableName(selection_.variables[i]);
         variable.value.status = ReadVariable(*robot_.Variables, selection_.variables[i], variable.value.value);
-        Went(variable.value.status);
+        IsAnswered(variable.value.status);
     }
-    ReadSignals(frame);
-    return Went({});
+    ReadSignals(sample);
+    return IsAnswered({});
 }
 
-// Four exchanges, which a controller without alarms is spared.
-void Reader::ReadAlarms(Frame& frame) {
-    frame.alarms = {};
-    if (!frame.state.IsValid() || frame.state.value.isAlarming || frame.state.value.isErroring) {
-        frame.alarms.status = robot_.Faults->GetActiveAlarms(frame.alarms.value);
+// Alarms take four exchanges, so they are read only if the state shows some.
+void Reader::ReadAlarms(Sample& sample) {
+    sample.alarms = {};
+    if (!sample.state.IsValid() || sample.state.value.isAlarming || sample.state.value.isErroring) {
+        sample.alarms.status = robot_.Faults->GetActiveAlarms(sample.alarms.value);
     }
 }
 
-void Reader::ReadGroup(GroupFrame& group, ControlGroupId id) {
+void Reader::ReadGroup(GroupSample& group, ControlGroupId id) {
     ControlGroupInterface& controlGroup = *robot_.ControlGroup;
-    if (!Went(ReadPosition(controlGroup, id, CoordinateType::Pulse, group.pulses))) {
+    if (!IsAnswered(ReadPosition(controlGroup, id, CoordinateType::Pulse, group.pulses))) {
         return;
     }
-    if (!IsStation(id) && !Went(ReadPosition(controlGroup, id, CoordinateType::BaseCoordinate, group.base.emplace()))) {
+    if (!IsStation(id) &&
+        !IsAnswered(ReadPosition(controlGroup, id, CoordinateType::BaseCoordinate, group.base.emplace()))) {
         return;
     }
     TorqueData torque;
     group.torque.status = controlGroup.ReadTorqueData(id, torque);
     std::copy(torque.axes.begin(), torque.axes.end(), group.torque.value.begin());
-    Went(group.torque.status);
+    IsAnswered(group.torque.status);
 }
 
-// A group of eight comes with one exchange, however many of its signals are asked for.
-void Reader::ReadSignals(Frame& frame) {
+// One exchange reads a group of eight, however many of its signals are wanted.
+void Reader::ReadSignals(Sample& sample) {
     std::map<unsigned, Reading<std::bitset<8>>> groups;
-    frame.signals.resize(signals_.size());
-    for (std::size_t i = 0; i < signals_.size() && Went({}); ++i) {
+    sample.signals.resize(signals_.size());
+    for (std::size_t i = 0; i < signals_.size() && IsAnswered({}); ++i) {
         unsigned const bit = signals_[i].address % SignalsOfGroup;
         auto const [found, isNew] = groups.try_emplace(signals_[i].address - bit);
         auto& [address, group] = *found;
         if (isNew) {
             group.status = robot_.IO->ReadByte(address, group.value);
-            Went(group.status);
+            IsAnswered(group.status);
         }
         bool const exists = bit < group.value.size();
-        frame.signals[i] = {signals_[i].name,
-                            {exists ? group.status : StatusInformation(ErrorStatusCodes::InvalidBitValue),
-                             exists && group.value.test(bit)}};
+        sample.signals[i] = {signals_[i].name,
+                             {exists ? group.status : StatusInformation(ErrorStatusCodes::InvalidBitValue),
+                              exists && group.value.test(bit)}};
     }
 }
 

@@ -5,48 +5,48 @@
 #include <vector>
 
 #include "cli/output/Words.h"
-#include "cli/watch/Frame.h"
+#include "cli/watch/Sample.h"
 #include "harvlink/QuorvanController.h"
 #include "words/values/SignalText.h"
 #include "words/values/VariableText.h"
 
 namespace harvlink::cli::watch {
 
-/// What to look at.
+/// What to read.
 struct Selection {
     std::vector<ControlGroupId> groups;
     std::vector<VariableAddress> variables;
     std::vector<SignalName> signals;
 };
 
-/// Looks at a controller again and again, and writes nothing to it. A controller that stops answering is asked again on the
-/// same connection, which UDP never closes: opening another would clear the motion targets of newer controllers.
+/// Reads from a controller again and again, and writes nothing to it. A controller that stops answering is asked again on
+/// the same connection, which UDP never closes: opening another would clear the motion targets of newer controllers.
 class Reader {
 public:
     Reader(QuorvanController& robot, std::string host, Selection selection);
 
-    /// What never changes: model, software, axes of the groups, addresses of the signals. A failure here is one of the
-    /// connection or of a wrong signal.
+    /// Reads what never changes: model, software, axes of the groups, addresses of the signals. It fails if the connection
+    /// fails or a signal does not exist.
     StatusInfo Prepare();
 
-    /// Looks once more. When nobody answers, the frame keeps what was read last and says so. May be stopped from another
-    /// thread, which ends it with the exchange that is going on.
-    Frame const& Look();
+    /// Reads everything once more. If the controller does not answer, the sample keeps the last values and says so.
+    /// Another thread may call Stop, which ends the reading after the running exchange.
+    Sample const& Read();
 
     void Stop() { isStopped_ = true; }
 
 private:
-    bool ReadAll(Frame& frame);
-    void ReadAlarms(Frame& frame);
-    void ReadGroup(GroupFrame& frame, ControlGroupId group);
-    void ReadSignals(Frame& frame);
-    bool Went(StatusInfo const& status);
+    bool ReadAll(Sample& sample);
+    void ReadAlarms(Sample& sample);
+    void ReadGroup(GroupSample& sample, ControlGroupId group);
+    void ReadSignals(Sample& sample);
+    bool IsAnswered(StatusInfo const& status);
 
     QuorvanController& robot_;
     Selection selection_;
     std::vector<Signal> signals_;
-    Frame frame_;
-    StatusInfo silence_; ///< of the look that is going on
+    Sample sample_;
+    StatusInfo silence_; ///< the time-out that ended the present reading, if one did
     std::atomic<bool> isStopped_ = false;
 };
 

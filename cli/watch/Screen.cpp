@@ -17,30 +17,30 @@ namespace {
 
 constexpr int Escape = 27;
 
-struct Look {
+struct Attributes {
     Style style;
     attr_t attributes;
-    short colour; ///< -1 for that of the terminal
+    short colour; ///< -1: the terminal's own
 };
 
-constexpr std::array<Look, 6> Looks{{{Style::Normal, A_NORMAL, -1},
-                                     {Style::Title, A_BOLD, -1},
-                                     {Style::Faint, A_DIM, -1},
-                                     {Style::Good, A_NORMAL, COLOR_GREEN},
-                                     {Style::Warning, A_NORMAL, COLOR_YELLOW},
-                                     {Style::Bad, A_BOLD, COLOR_RED}}};
+constexpr std::array<Attributes, 6> StyleAttributes{{{Style::Normal, A_NORMAL, -1},
+                                                     {Style::Title, A_BOLD, -1},
+                                                     {Style::Faint, A_DIM, -1},
+                                                     {Style::Good, A_NORMAL, COLOR_GREEN},
+                                                     {Style::Warning, A_NORMAL, COLOR_YELLOW},
+                                                     {Style::Bad, A_BOLD, COLOR_RED}}};
 
 void PrepareColours() {
     start_color();
     use_default_colors();
-    for (std::size_t i = 0; i < Looks.size(); ++i) {
-        init_pair(static_cast<short>(i + 1), Looks.at(i).colour, -1);
+    for (std::size_t i = 0; i < StyleAttributes.size(); ++i) {
+        init_pair(static_cast<short>(i + 1), StyleAttributes.at(i).colour, -1);
     }
 }
 
 } // namespace
 
-/// The one at which curses draws, until its end.
+/// The screen that curses draws on.
 struct Screen::Terminal {
     explicit Terminal(SCREEN* opened) : screen(opened) {}
     Terminal(Terminal const&) = delete;
@@ -85,8 +85,9 @@ void Screen::Draw(std::vector<Line> const& lines) {
     for (std::size_t row = 0; row < lines.size(); ++row) {
         wmove(stdscr, static_cast<int>(row), 0);
         for (Span const& span : lines[row]) {
-            auto const look = static_cast<std::size_t>(span.style);
-            wattr_set(stdscr, Looks.at(look).attributes, static_cast<short>(hasColours_ ? look + 1 : 0), nullptr);
+            auto const style = static_cast<std::size_t>(span.style);
+            wattr_set(stdscr, StyleAttributes.at(style).attributes, static_cast<short>(hasColours_ ? style + 1 : 0),
+                      nullptr);
             waddnstr(stdscr, span.text.c_str(), static_cast<int>(span.text.size()));
         }
     }

@@ -7,10 +7,10 @@
 
 namespace harvlink::cli::watch {
 
-/// The terminal as a canvas. Its former contents, cursor and modes come back at the end of the scope, however that ends.
+/// Draws on the whole terminal. The destructor restores its former contents, cursor and modes.
 class Screen {
 public:
-    /// Throws InputError if the terminal is of no known type.
+    /// Throws InputError if the type of the terminal is unknown.
     explicit Screen(bool hasColours);
     Screen(Screen const&) = delete;
     Screen& operator=(Screen const&) = delete;
@@ -18,12 +18,12 @@ public:
 
     Size GetSize() const;
 
-    /// Replaces the picture, sending only what differs.
+    /// Replaces what is shown; only the differences are sent to the terminal.
     void Draw(std::vector<Line> const& lines);
 
     enum class Key { None, Quit, Resize };
 
-    /// The next key that was pressed, without waiting for one.
+    /// The next key that was pressed. Does not wait for one.
     Key ReadKey();
 
 private:

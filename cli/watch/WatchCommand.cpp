@@ -16,9 +16,9 @@
 #include "cli/program/Interrupt.h"
 #include "cli/program/Session.h"
 #include "cli/watch/Feed.h"
-#include "cli/watch/FrameJson.h"
 #include "cli/watch/Layout.h"
 #include "cli/watch/Reader.h"
+#include "cli/watch/SampleJson.h"
 #include "cli/watch/Screen.h"
 #include "words/text/InputError.h"
 #include "words/values/PositionText.h"
@@ -32,11 +32,11 @@ using std::chrono::milliseconds;
 constexpr std::size_t PlainColumns = 80;
 
 constexpr char const* WatchNotes =
-    "Key q or Ctrl-C quits. No key changes anything on the controller, by design. But\n"
-    "opening the connection clears the motion targets of a controller from generation\n"
-    "YA up, as every command does: do not start it while another program moves the arm.\n"
-    "A controller that stops answering is shown as such and asked until it answers\n"
-    "again. With --json a line is printed for each look.";
+    "Key q or Ctrl-C quits. No key changes anything on the controller. But opening the\n"
+    "connection clears the motion targets of a controller from generation YA up, as every\n"
+    "command does: do not start watch while another program moves the arm.\n"
+    "If the controller stops answering, the screen says so, and watch asks until it answers\n"
+    "again. With --json each reading prints one line.";
 
 struct WatchArguments {
     std::vector<std::string> groups{"R1"};
@@ -62,14 +62,14 @@ Selection ParseSelection(WatchArguments const& arguments) {
 }
 
 StatusInfo ShowOnce(Reader& reader, Output& output) {
-    Frame const& frame = reader.Look();
-    if (frame.lost) {
-        return *frame.lost;
+    Sample const& sample = reader.Read();
+    if (sample.lost) {
+        return *sample.lost;
     }
     if (output.json) {
-        output.ShowEvent(FrameJson(frame), "");
+        output.ShowEvent(SampleJson(sample), "");
     } else {
-        output.console().out << PlainText(frame, PlainColumns) << std::flush;
+        output.console().out << PlainText(sample, PlainColumns) << std::flush;
     }
     return {};
 }
@@ -77,18 +77,18 @@ StatusInfo ShowOnce(Reader& reader, Output& output) {
 StatusInfo ShowLines(Reader& reader, Output& output, milliseconds interval) {
     Interrupt const interrupt;
     do {
-        output.ShowEvent(FrameJson(reader.Look()), "");
+        output.ShowEvent(SampleJson(reader.Read()), "");
     } while (output.console().out && !interrupt.Wait(interval));
     return {};
 }
 
-// Until a key, a signal, a new picture or another size of the window; false if there is no reason to go on. A change of
-// size may come just before the wait, so that this is not longer than people wait for one.
+// Waits for a key, a signal, a new sample or another size of the window. Returns false if the program shall end. A change
+// of size may come just before the wait and would be missed, so the wait is short.
 bool WaitForNews(Interrupt const& interrupt, Feed const& feed) {
-    constexpr int Patience = 250;
+    constexpr int LongestWait = 250;
     std::array<pollfd, 3> sources{
         {{interrupt.Descriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}, {feed.Descriptor(), POLLIN, 0}}};
-    if (poll(sources.data(), sources.size(), Patience) < 0) {
+    if (poll(sources.data(), sources.size(), LongestWait) < 0) {
         return errno == EINTR;
     }
     bool const isTerminalGone = (sources[1].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
@@ -98,18 +98,18 @@ bool WaitForNews(Interrupt const& interrupt, Feed const& feed) {
 StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
     Interrupt const interrupt;
     Feed feed(reader, interval);
-    // Behind the feed, whose end may have to wait: the terminal comes back first.
+    // Made after the feed and so destroyed first: the end of the feed may take a time-out, the terminal must come back now.
     Screen screen(output.HasColour());
-    Frame frame;
+    Sample sample;
     while (WaitForNews(interrupt, feed)) {
         Screen::Key const key = screen.ReadKey();
         if (key == Screen::Key::Quit) {
             break;
         }
-        std::optional<Frame> const newest = feed.Take();
-        frame = newest.value_or(frame);
-        if (frame.number > 0 && (newest || key == Screen::Key::Resize)) {
-            screen.Draw(LayOut(frame, screen.GetSize()));
+        std::optional<Sample> const newest = feed.Take();
+        sample = newest.value_or(sample);
+        if (sample.number > 0 && (newest || key == Screen::Key::Resize)) {
+            screen.Draw(LayOut(sample, screen.GetSize()));
         }
     }
     return {};
@@ -118,8 +118,8 @@ StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
 void CheckTerminal(WatchArguments const& arguments, Output& output) {
     Console const& console = output.console();
     if (!arguments.once && !output.json && !(console.inputIsTerminal && console.outputIsTerminal)) {
-        throw InputError("watch draws on a terminal, and this is none; give --once for one picture as text, or --json "
-                         "for a line of each look");
+        throw InputError("watch needs a terminal to draw on; give --once to print everything once, or --json for one "
+                         "line for each reading");
     }
 }
 
@@ -136,11 +136,11 @@ void AddWatchCommand(CLI::App& app, Session& session) {
     verb->add_option("--var", arguments->variables, "Variables and ranges, such as B5 S4 P12 B0..B9")
         ->type_name("VARIABLE");
     verb->add_option("--io", arguments->signals, "Signals, such as 10010 or general-output:1")->type_name("SIGNAL");
-    verb->add_option("--interval", arguments->interval, "Milliseconds between two looks")
+    verb->add_option("--interval", arguments->interval, "Milliseconds between two readings")
         ->check(CLI::Range(1U, 3'600'000U))
         ->type_name("MS")
         ->capture_default_str();
-    verb->add_flag("--once", arguments->once, "Print one picture as text and end; no terminal is needed");
+    verb->add_flag("--once", arguments->once, "Print everything once as text and end; needs no terminal");
     SetExamples(*verb, {"watch", "watch --group R1 S1 --var B0..B9 D0 --io 10010 general-input:1", "watch --once"},
                 watch::WatchNotes);
     verb->callback([arguments, &session] {

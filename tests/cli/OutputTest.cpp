@@ -77,7 +77,7 @@ protected:
 
     State After(PathTracker& progress, Axes const& axes, int milliseconds) {
         now_ += std::chrono::milliseconds(milliseconds);
-        return progress.Sample(axes, now_);
+        return progress.Update(axes, now_);
     }
 
     PathTracker::Time now_{};

@@ -114,7 +114,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"job status --json", 0, "\"name\": \"\"", ""},
         {"job select NONE", 1, "", "Code (-79983552): Invalid job name.\n"},
         {"job select A --line 10000", 1, "", "Code (-79979008): Invalid line number.\n"},
-        {"convert R1 joint:0,0,0,0,-90,0 --to joint", 2, "", "of that form already"},
+        {"convert R1 joint:0,0,0,0,-90,0 --to joint", 2, "", "has that form already"},
         {"convert R1 joint:0,0,0,0,-90,0 --to pulse", 0, "Position    pulse:0,0,0,0,", ""},
         {"servo on", 2, "", "give --yes to confirm it"},
         {"move R1 --line --to base:1,2,3,4,5,6 --speed 9999 --yes", 2, "", "Speed value is out of range"},
@@ -123,22 +123,22 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"hold off", 2, "", "give --yes to confirm it"},
         {"cycle sometimes", 2, "", "there are: step, cycle, auto"},
         {"stop --json", 0, "{\n  \"code\": 0,\n  \"message\": \"OK\"\n}\n", ""},
-        {"files list X", 2, "", "no kind of file"},
+        {"files list X", 2, "", "not a kind of file"},
         {"files get *.LST", 1, "", "Code (131078): No files found with this extension.\n"},
         {"", 2, "", "harvlink: a command is missing\n"},
         {"statsu", 2, "", "there is no command 'statsu'; is status meant?"},
         {"status extra", 2, "", "'extra' is one argument too many"},
-        {"var", 2, "", "a command is missing; there are: get, set, dump, load\nRun harvlink var --help"},
+        {"var", 2, "", "a command is missing; there are: get, set, dump, load\nFor help run: harvlink var --help"},
         {"alarms newest", 2, "", "there is no command 'newest'; there are: history, clear"},
         {"position R1 --tol 1", 2, "", "there is no option '--tol'; is --tool meant?"},
-        {"position R1 --tool 64", 2, "", "--tool: '64' is no number from 0 to 63"},
+        {"position R1 --tool 64", 2, "", "--tool: '64' is not a number from 0 to 63"},
         {"position --tool", 2, "", "--tool needs a value: N"},
         {"position R1 --coordinate world", 2, "", "robot, tool, user:N, master-tool"},
-        {"job select A --line x", 2, "", "--line: 'x' is no number"},
+        {"job select A --line x", 2, "", "--line: 'x' is not a number"},
         {"move R1 --to base:1,2,3,4,5,6 --speed 9", 2, "", "give --joint or --line"},
         {"move R1 --joint --line --to base:1,2,3,4,5,6 --speed 9", 2, "", "not both"},
         {"move R1 --joint --to base:1,2,3,4,5,6 --speed 9 --acceleration 19", 2, "", "from 20 to 100 per cent"},
-        {"register get 5..1", 2, "", "'5..1' is no range of registers"},
+        {"register get 5..1", 2, "", "'5..1' is not a range of registers"},
         {"files delete A.DAT", 2, "", "only jobs can be deleted"},
         {"pendant 1234567890123456789012345678901", 2, "", "the line has 31 bytes"},
         {"--version", 0, "harvlink 1.1.3\n", ""},
@@ -198,7 +198,7 @@ TEST_F(ProgramTest, DumpsAndLoadsVariables) {
     EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[7]}; }), 9);
     EXPECT_NE(RunTool("var get S1").out.find("a,\"b"), std::string::npos);
     test::WriteFile("bad.csv", "variable,value\nB7,1\nB8,x\n");
-    EXPECT_EQ(RunTool("var load bad.csv").err, "harvlink: bad.csv:3: 'x' is no byte\n");
+    EXPECT_EQ(RunTool("var load bad.csv").err, "harvlink: bad.csv:3: 'x' is not a valid byte\n");
     EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[7]}; }), 9);
 }
 
@@ -252,7 +252,7 @@ TEST(Program, FailsIfItsOutputIsLost) {
         std::ostringstream err;
         Console console{in, lost, err, false, false, false};
         EXPECT_EQ(RunCommandLine(2, argv.data(), console, AllCommands()), 1) << line;
-        EXPECT_NE(err.str().find("the output can't be written"), std::string::npos) << err.str();
+        EXPECT_NE(err.str().find("can't write the output"), std::string::npos) << err.str();
     }
 }
 

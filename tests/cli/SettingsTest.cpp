@@ -65,15 +65,15 @@ TEST_F(SettingsTest, NameTheSourceOfABadValue) {
         char const* problem;
     };
     std::array<Case, 11> const cases{{
-        {"host = \"1.2.3\"\n", "", "", "config.toml:1: '1.2.3' is no IPv4 address"},
-        {"host = \"127.1.2.010\"\n", "", "", "config.toml:1: '127.1.2.010' is no IPv4 address"},
+        {"host = \"1.2.3\"\n", "", "", "config.toml:1: '1.2.3' is not an IPv4 address"},
+        {"host = \"127.1.2.010\"\n", "", "", "config.toml:1: '127.1.2.010' is not an IPv4 address"},
         {"\nhost = 5\n", "", "", "config.toml:2: host must be a text in quotes"},
         {"\nhost = 192.168.0.1\n", "", "", "config.toml:2: host must be a text in quotes, such as host = \"192"},
         {"generation = ya\n", "", "", "config.toml:1: generation must be a text in quotes"},
         {"timeout = \"5\"\n", "", "", "config.toml:1: timeout must be a whole number"},
         {"timeout = 5\nhots = \"1.2.3.4\"\n", "", "", "config.toml:2: there is no setting 'hots'; there are: host, "},
         {"timeout = \n", "", "", "config.toml:1: "},
-        {"timeout = 5\n", "-1", "", "HARVLINK_TIMEOUT: '-1' is no number of milliseconds"},
+        {"timeout = 5\n", "-1", "", "HARVLINK_TIMEOUT: '-1' is not a valid number of milliseconds"},
         {"", "", "--retries 1001", "--retries: number of retries 1001 is out of range"},
         {"", "", "--config nowhere.toml", "can't read nowhere.toml"},
     }};
@@ -94,7 +94,7 @@ TEST_F(SettingsTest, RefuseAControllerOfAnotherGeneration) {
     EXPECT_EQ(RunTool("status --generation ya --host " + host).exit, 0);
     Result const result = RunTool("status --generation FS --host " + host);
     EXPECT_EQ(result.exit, 1);
-    EXPECT_NE(result.err.find("the controller is no FS"), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find("not of generation FS"), std::string::npos) << result.err;
 }
 
 TEST_F(SettingsTest, CompleteInBashAndZsh) {

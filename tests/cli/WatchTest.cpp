@@ -21,29 +21,29 @@ namespace {
 using simulator::ControllerModel;
 using namespace watch;
 
-Frame FrameOfEverything() {
-    Frame frame;
-    frame.host = "192.168.255.1";
-    frame.model = "MODEL\x1b[2J";
-    frame.time = Frame::Time(std::chrono::seconds(1));
-    frame.alarms.value.alarms[2] = {4107, 1, "2026/01/02 03:04", "Out of range"};
-    frame.groups.push_back({"R1", "SLURBTEW", {}, Reading<GroupFrame::Axes>{}, {}});
-    frame.groups.push_back({"S1", "", {StatusInformation(40961), {}}, {}, {}});
+Sample SampleOfEverything() {
+    Sample sample;
+    sample.host = "192.168.255.1";
+    sample.model = "MODEL\x1b[2J";
+    sample.time = Sample::Time(std::chrono::seconds(1));
+    sample.alarms.value.alarms[2] = {4107, 1, "2026/01/02 03:04", "Out of range"};
+    sample.groups.push_back({"R1", "SLURBTEW", {}, Reading<GroupSample::Axes>{}, {}});
+    sample.groups.push_back({"S1", "", {StatusInformation(40961), {}}, {}, {}});
     for (int i = 0; i < 40; ++i) {
-        frame.variables.push_back({fmt::format("B{}", i), {{}, std::uint8_t{200}}});
-        frame.signals.push_back({fmt::format("{}", 10010 + i), {{}, true}});
+        sample.variables.push_back({fmt::format("B{}", i), {{}, std::uint8_t{200}}});
+        sample.signals.push_back({fmt::format("{}", 10010 + i), {{}, true}});
     }
-    return frame;
+    return sample;
 }
 
 TEST(WatchLayout, FitsEveryWindow) {
-    Frame frame = FrameOfEverything();
+    Sample sample = SampleOfEverything();
     for (bool const isLost : {false, true}) {
-        frame.lost =
+        sample.lost =
             isLost ? std::optional<StatusInfo>(StatusInformation(ErrorStatusCodes::ResponseTimeout)) : std::nullopt;
         for (std::size_t rows = 0; rows < 70; rows += rows < 4 ? 1 : 13) {
             for (std::size_t columns = 0; columns < 200; columns += columns < 12 ? 1 : 17) {
-                std::vector<Line> const lines = LayOut(frame, {rows, columns});
+                std::vector<Line> const lines = LayOut(sample, {rows, columns});
                 EXPECT_EQ(lines.size(), columns == 0 ? 0 : rows);
                 for (Line const& line : lines) {
                     std::size_t width = 0;
@@ -55,13 +55,13 @@ TEST(WatchLayout, FitsEveryWindow) {
                 }
             }
         }
-        std::string const text = PlainText(frame, 80);
+        std::string const text = PlainText(sample, 80);
         EXPECT_EQ(text.find("NO ANSWER since") != std::string::npos, isLost);
         EXPECT_NE(text.find("4107-1 Out of range"), std::string::npos);
         EXPECT_NE(text.find("Code (40961)"), std::string::npos);
         EXPECT_NE(text.find("B39 200"), std::string::npos);
     }
-    EXPECT_NE(LayOut(frame, {10, 80}).back().front().text.find("more lines"), std::string::npos);
+    EXPECT_NE(LayOut(sample, {10, 80}).back().front().text.find("more lines"), std::string::npos);
 }
 
 class WatchTest : public ToolTest {};
@@ -77,12 +77,12 @@ TEST_F(WatchTest, ShowsOneLookAsTextAndAsJson) {
                                    "Pulses   Code (196629)", "B5 12", "10013 on", "B4000 Code (196616)"}) {
         EXPECT_NE(text.out.find(part), std::string::npos) << part << '\n' << text.out;
     }
-    Json const frame = Json::parse(RunTool("watch --once --json --group R1 S1 --var B5 --io 10013").out);
-    EXPECT_EQ(frame["variables"]["B5"], 12);
-    EXPECT_EQ(frame["signals"]["10013"], true);
-    EXPECT_EQ(frame["groups"][0]["base"].size(), 6U);
-    EXPECT_TRUE(frame["groups"][1]["pulses"].is_null());
-    EXPECT_EQ(frame["problems"][0]["what"], "S1 pulses");
+    Json const sample = Json::parse(RunTool("watch --once --json --group R1 S1 --var B5 --io 10013").out);
+    EXPECT_EQ(sample["variables"]["B5"], 12);
+    EXPECT_EQ(sample["signals"]["10013"], true);
+    EXPECT_EQ(sample["groups"][0]["base"].size(), 6U);
+    EXPECT_TRUE(sample["groups"][1]["pulses"].is_null());
+    EXPECT_EQ(sample["problems"][0]["what"], "S1 pulses");
     Result const refused = RunTool("watch");
     EXPECT_EQ(refused.exit, 2);
     EXPECT_NE(refused.err.find("give --once"), std::string::npos);
@@ -185,7 +185,7 @@ TEST_F(WatchTest, FollowsTheControllerAndTheWindow) {
     EXPECT_TRUE(terminal.Shows("more lines"));
     terminal.Resize(1, 1);
     terminal.Resize(30, 100);
-    EXPECT_TRUE(terminal.Shows("reading only"));
+    EXPECT_TRUE(terminal.Shows("only reads"));
     server_->Stop();
     EXPECT_TRUE(terminal.Shows("NO ANSWER"));
     With([](ControllerModel& model) { model.variables.bytes[5] = 206; });

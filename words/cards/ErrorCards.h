@@ -5,7 +5,7 @@
 #include <string_view>
 
 /// @file
-/// What is known of status codes beside their texts, as data.
+/// What is known about status codes besides their texts, as data.
 
 namespace harvlink::words {
 
@@ -13,7 +13,7 @@ namespace harvlink::words {
 enum class Retry {
     Yes, ///< at once
     Later, ///< the cause passes by itself
-    AfterFix, ///< somebody has to remove the cause first
+    AfterFix, ///< after the cause is removed
     ReadBackFirst, ///< it may have acted already
     No, ///< it would fail the same way
 };
@@ -24,7 +24,7 @@ struct Advice {
     Retry retry = Retry::No;
 };
 
-/// Codes of one origin. What is true of all of them goes for those without a card of their own.
+/// Codes of one origin. The advice is for the codes without a card of their own.
 struct CodeFamily {
     std::int32_t first = 0;
     std::int32_t last = 0;
@@ -32,24 +32,24 @@ struct CodeFamily {
     Advice advice{};
 };
 
-/// A code that people meet. A text stands here only if the library's table of codes has none.
+/// A single code. It has a text only if the library's table of codes has none.
 struct CodeCard {
     std::int32_t code = 0;
     std::string_view text{};
-    Advice advice{}; ///< an empty cause: that of the family
+    Advice advice{}; ///< if its cause is empty, the family's is used
 };
 
-/// A subsystem that gives some of the controller's numbers a meaning of its own, and marks them by an offset.
+/// A subsystem in which some of the controller's numbers have another meaning. The library marks them by an offset.
 struct CodeContext {
     std::string_view name{}; ///< "motion"
-    std::int64_t offset = 0; ///< what is subtracted from the controller's number; 0: the number stays
+    std::int64_t offset = 0; ///< is subtracted from the controller's number
     std::span<CodeCard const> cards{};
 };
 
 /// Sorted by their first code, without overlap.
 std::span<CodeFamily const> CodeFamilies();
 
-/// Of codes without a context, sorted. Of the four-digit numbers, which have two forms, the decimal one stands here.
+/// Codes without a context, sorted. Numbers of four digits have two forms; this list has the decimal one.
 std::span<CodeCard const> GeneralCards();
 
 std::span<CodeContext const> CodeContexts();

@@ -76,7 +76,7 @@ constexpr std::array<AlarmBlock, 5> AlarmBlocks{{
      {"Raised while the controller was offline.", "harvlink alarms history --category offline.", Retry::AfterFix}},
 }};
 
-// The library's table has words for every code; these are the ones for a code that it does not know.
+// The library returns a text for every code; this is the one for codes that it does not know.
 std::string const& UnknownText() {
     static std::string const text = StatusInformation(std::numeric_limits<std::int32_t>::min()).Message;
     return text;
@@ -87,7 +87,7 @@ std::string LibraryText(std::int32_t code) {
     return text == UnknownText() ? "" : text;
 }
 
-/// 2060 for 0x2060, whose hexadecimal digits spell it; the code itself for all others.
+/// 2060 for 0x2060: the number that the hexadecimal digits spell. The code itself if there is no such number.
 std::int32_t SpelledNumber(std::int32_t code) {
     std::int32_t number = 0;
     for (int shift = 12; shift >= 0; shift -= 4) {
@@ -162,7 +162,7 @@ std::vector<Explanation> ExplainAllCodes() {
         }
     }
     all.push_back(*ExplainGeneral(LocalFileCode));
-    // The two forms of a number stand together.
+    // Keeps the two forms of a number together.
     std::stable_sort(all.begin(), all.end(), [](Explanation const& left, Explanation const& right) {
         return SpelledNumber(left.code) < SpelledNumber(right.code);
     });
@@ -174,7 +174,7 @@ std::vector<Explanation> ExplainAllCodes() {
     return all;
 }
 
-/// In which way a number is a part of a code that somebody may have read off; empty if in none.
+/// Which part of a code a number is; empty if it is not a part.
 std::string_view PartialMatch(std::int32_t code, std::int32_t part) {
     bool const isLong = code < 0 || code > HighestControllerCode;
     if (part <= 0xFF && (code & 0xFF) == part) {
@@ -186,9 +186,9 @@ std::string_view PartialMatch(std::int32_t code, std::int32_t part) {
     return isLong && fmt::format("{:x}", code) == std::to_string(part) ? "hex-digits" : "";
 }
 
-/// From 0 for what a program's alarm most likely shows by its last byte: a refusal of motion, then what the library
-/// finds wrong with an answer, what the controller finds wrong with a target, and what keeps it from moving.
-int Unlikeliness(Explanation const& explanation) {
+/// An alarm shows only the last byte of a code. The likeliest codes get the lowest rank: refusals of motion, then faults
+/// of an answer, faults of a target, and states in which the controller does not move.
+int Rank(Explanation const& explanation) {
     if (explanation.subsystem == CodeContexts().front().name) {
         return 0;
     }
@@ -202,9 +202,9 @@ int Unlikeliness(Explanation const& explanation) {
     return isTarget ? 2 : isState ? 3 : 4;
 }
 
-/// Those of one subsystem, or of all, the likeliest first.
+/// The codes of one subsystem, or of all, that end in the part; the likeliest first.
 std::vector<Explanation> ExplainPart(std::int32_t part, std::string_view subsystem = {}) {
-    // The library has no list of its codes: to ask for each takes a while without optimisation.
+    // The library has no list of its codes, and asking for each takes a while without optimisation.
     static std::vector<Explanation> const all = ExplainAllCodes();
     std::vector<Explanation> found;
     for (Explanation each : all) {
@@ -213,7 +213,7 @@ std::vector<Explanation> ExplainPart(std::int32_t part, std::string_view subsyst
             found.push_back(std::move(each));
         }
     }
-    std::ranges::stable_sort(found, {}, Unlikeliness);
+    std::ranges::stable_sort(found, {}, Rank);
     return found;
 }
 
@@ -236,7 +236,7 @@ Explanation ExplainAlarm(std::int32_t number, std::optional<std::int32_t> subcod
                                       : "harvlink explain 8015-SUBNUMBER, and the program's HarvlinkLog.txt.",
                               Retry::AfterFix};
     }
-    // The subnumber is the low byte of the code by which the library saw the refusal.
+    // The subnumber is the low byte of the status code of the refusal.
     CodeContext const& motion = CodeContexts().front();
     for (CodeCard const& card : motion.cards) {
         if (number == MotionAlarm && subcode && ((card.code - motion.offset) & 0xFF) == *subcode) {
@@ -248,7 +248,7 @@ Explanation ExplainAlarm(std::int32_t number, std::optional<std::int32_t> subcod
     return explanation;
 }
 
-/// A target may have been refused by a code that is none of motion's; its last byte is all that the alarm shows of it.
+/// A target may have been refused with a code that is not one of motion's. The alarm shows only its last byte.
 std::vector<Explanation> ExplainAlarmOf(std::string_view number, std::string_view subnumber) {
     auto const subcode = ParseNumber<std::int32_t>(subnumber, "subnumber of an alarm");
     std::vector<Explanation> all{ExplainAlarm(ParseNumber<std::int32_t>(number, "alarm number"), subcode)};
@@ -281,7 +281,7 @@ std::vector<Explanation> ExplainNumber(std::int32_t code) {
         all.push_back(*general);
     }
     for (CodeContext const& context : CodeContexts()) {
-        // As it is returned, as the log file writes it, which leaves the sign away, or as the controller sent it.
+        // The code as it is returned, without its sign as the log file writes it, or as the controller sent it.
         for (std::int64_t const number : {code + context.offset, context.offset - code, std::int64_t{code}}) {
             if (CodeCard const* const card = FindCard(context.cards, number)) {
                 all.push_back(ExplainInContext(context, *card));
@@ -315,7 +315,7 @@ std::vector<Explanation> ExplainNamed(std::string_view name, std::string_view nu
         }
     }
     throw InputError(
-        fmt::format("'{}' is no subsystem; there are: alarm, motion, group, job, conversion, io, file", name));
+        fmt::format("'{}' is not a subsystem; there are: alarm, motion, group, job, conversion, io, file", name));
 }
 
 } // namespace

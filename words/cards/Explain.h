@@ -22,8 +22,8 @@ struct Explanation {
     std::string subsystem{};
     std::string text{};
     Advice advice{};
-    bool isLastOfBlock = false; ///< stands for all alarms from the block before it up to this one
-    std::string_view match = ExactMatch; ///< else the part that was given: "low-byte", "low-word", "hex-digits"
+    bool isLastOfBlock = false; ///< stands for all alarms after the previous block up to this one
+    std::string_view match = ExactMatch; ///< or the part that was given: "low-byte", "low-word", "hex-digits"
 };
 
 inline constexpr char const* CodeHelp =
@@ -33,9 +33,9 @@ inline constexpr char const* CodeHelp =
     "For a number that is only part of a code, such as the subnumber of alarm 8015, the codes that end in it are "
     "listed.";
 
-/// What a code may mean, the likeliest first: the controller's numbers mean several things. If nothing has just this
-/// code, those of which an alarm or a log may show it as a part follow. Throws InputError if `text` is no code, or none
-/// that anybody gives.
+/// What a code may mean, the likeliest meaning first, as a number of the controller may mean several things. If no meaning
+/// has exactly this code, the codes follow of which an alarm or a log shows it as a part. Throws InputError if `text` is
+/// not a code, or not one that exists.
 std::vector<Explanation> Explain(std::string_view text);
 
 /// Every code that has a text, in families and subsystems as they are sorted.

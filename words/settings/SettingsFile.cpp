@@ -22,13 +22,13 @@ constexpr unsigned MostRetries = 1'000;
 void CheckHost(std::string const& text) {
     in_addr address{};
     if (inet_pton(AF_INET, text.c_str(), &address) != 1) {
-        throw InputError(fmt::format("'{}' is no IPv4 address such as 192.168.255.1", text));
+        throw InputError(fmt::format("'{}' is not an IPv4 address such as 192.168.255.1", text));
     }
 }
 
 void CheckNumber(std::string const& text, char const* what, unsigned most) {
     if (ParseNumber<unsigned>(text, what) > most) {
-        throw InputError(fmt::format("{} {} is out of range, the most is {}", what, text, most));
+        throw InputError(fmt::format("{} {} is out of range, at most {} is allowed", what, text, most));
     }
 }
 
@@ -42,7 +42,7 @@ void CheckRetries(std::string const& text) {
 
 void CheckGeneration(std::string const& text) {
     if (std::find(Generations.begin(), Generations.end(), UpperCase(text)) == Generations.end()) {
-        throw InputError(fmt::format("'{}' is no generation; there are: {}", text, fmt::join(Generations, ", ")));
+        throw InputError(fmt::format("'{}' is not a generation; there are: {}", text, fmt::join(Generations, ", ")));
     }
 }
 
@@ -58,7 +58,7 @@ std::string TextOf(toml::node const& node, Setting const& setting, std::string c
                                                   : fmt::format("a text in quotes, such as {}", setting.example)));
 }
 
-/// The parser takes an address without quotes for a number and says so; what is missing are the quotes.
+/// The parser takes an address without quotes for a wrong number, but what is wrong is that the quotes are missing.
 Setting const* FindUnquoted(std::string_view line) {
     std::size_t const equals = std::min(line.find('='), line.size());
     std::string_view const name = TrimBlanks(line.substr(0, equals));

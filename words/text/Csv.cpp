@@ -84,7 +84,7 @@ private:
         ++at_;
         std::size_t const end = std::min(text_.find_first_of(",\n", at_), text_.size());
         if (!TrimBlanks(text_.substr(at_, end - at_)).empty()) {
-            throw InputError(fmt::format("{}:{}: text behind a closing quote", file_, line_));
+            throw InputError(fmt::format("{}:{}: text after a closing quote", file_, line_));
         }
         at_ = end;
         return cell;

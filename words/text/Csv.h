@@ -20,7 +20,7 @@ std::vector<CsvRow> ParseCsv(std::string const& file, std::string_view text);
 /// A cell as ParseCsv reads it back, quoted if it must be.
 std::string CsvCell(std::string_view text);
 
-/// Calls `read` for each row and throws one InputError that names "file:line" of every row for which it threw one.
+/// Calls `read` for each row. If it throws InputError for some rows, throws one InputError that names their "file:line".
 void ForEachRow(std::string const& file, std::vector<CsvRow> const& rows,
                 std::function<void(CsvRow const&)> const& read);
 

@@ -4,7 +4,7 @@
 
 namespace harvlink::words {
 
-/// What the user gave can't be understood. Ends the program as wrong usage, before anything is sent.
+/// The text or file that a user gave is wrong. Thrown before anything is sent to a controller.
 class InputError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

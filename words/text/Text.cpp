@@ -63,7 +63,7 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
 std::pair<std::string, std::string> SplitAssignment(std::string_view text) {
     std::size_t const equals = text.find('=');
     if (equals == std::string_view::npos) {
-        throw InputError(fmt::format("'{0}' is no assignment; write {0}=VALUE, without blanks", text));
+        throw InputError(fmt::format("'{0}' has no value; write {0}=VALUE, without blanks", text));
     }
     return {std::string(text.substr(0, equals)), std::string(text.substr(equals + 1))};
 }

@@ -19,10 +19,10 @@
 
 namespace harvlink::words {
 
-/// The text of a fixed field of the wire without the zero bytes that fill it up.
+/// The text of a fixed field of a datagram without the zero bytes that fill it up.
 std::string TrimField(std::string_view field);
 
-/// The text with control characters replaced, so that what a controller stores can't steer the user's terminal.
+/// The text with control characters replaced, so that text from a controller can't control the user's terminal.
 std::string Printable(std::string_view text);
 
 double RoundToMilli(double value);
@@ -64,11 +64,11 @@ Number ParseNumber(std::string_view text, std::string_view what) {
                 : fmt::format("{} {} is out of range", what, text));
     }
     if (result.ec != std::errc{} || !whole) {
-        throw InputError(fmt::format("'{}' is no {}", text, what));
+        throw InputError(fmt::format("'{}' is not a valid {}", text, what));
     }
     if constexpr (std::floating_point<Number>) {
         if (!std::isfinite(number)) {
-            throw InputError(fmt::format("'{}' is no {}", text, what));
+            throw InputError(fmt::format("'{}' is not a valid {}", text, what));
         }
     }
     return number;
@@ -96,14 +96,14 @@ std::string Choices(std::array<Named<Value>, Count> const& names) {
     return JoinNames(names, "|");
 }
 
-/// The value that a name stands for, in any case.
+/// The value with this name, in upper or lower case. `what` says in the message what the names are for.
 template <typename Value, std::size_t Count>
 Value ParseName(std::array<Named<Value>, Count> const& names, std::string_view text, std::string_view what) {
     std::string const wanted = LowerCase(text);
     auto const found =
         std::find_if(names.begin(), names.end(), [&](auto const& named) { return LowerCase(named.name) == wanted; });
     if (found == names.end()) {
-        throw InputError(fmt::format("'{}' is no {}; there are: {}", text, what, JoinNames(names)));
+        throw InputError(fmt::format("'{}' is not a {}; there are: {}", text, what, JoinNames(names)));
     }
     return found->value;
 }

@@ -8,7 +8,7 @@
 
 namespace harvlink::words {
 
-/// The controllers that the library knows, by the first letters of their software version. The oldest first.
+/// The names of the generations, the oldest first.
 inline constexpr auto Generations = [] {
     std::array<std::string_view, ControllerGenerations.size()> names{};
     std::transform(ControllerGenerations.begin(), ControllerGenerations.end(), names.begin(),

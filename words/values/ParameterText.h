@@ -25,7 +25,7 @@ struct Parameter {
 /// "S2C430", or "11:33" for a family without a name.
 Parameter ParseParameter(std::string const& text);
 
-/// Whether each control group has parameters of this family of its own.
+/// Whether each control group has its own parameters of this family.
 bool BelongsToGroup(SystemParameterType type);
 
 } // namespace harvlink::words

@@ -65,9 +65,10 @@ void SetFigureWord(Figure& figure, std::string_view word) {
     } else if (word == "flip" || word == "noflip") {
         figure.flipOrNoFlip = word == "flip" ? FlipOrNoFlip::Flip : FlipOrNoFlip::NoFlip;
     } else if (!SetAngleFlag(figure, word)) {
-        throw InputError(fmt::format("'{}' is no word of a figure; there are: front, back, upper, lower, flip, noflip, "
-                                     "s180, l180, u180, r180, b180, t180, e180, w180",
-                                     word));
+        throw InputError(
+            fmt::format("'{}' is not a word of a figure; there are: front, back, upper, lower, flip, noflip, "
+                        "s180, l180, u180, r180, b180, t180, e180, w180",
+                        word));
     }
 }
 
@@ -84,7 +85,7 @@ void AddItem(PositionData& position, std::string_view item, std::size_t& axisCou
     } else if (name == "figure") {
         position.figure = ParseFigure(item.substr(equals + 1));
     } else {
-        throw InputError(fmt::format("'{}' is no part of a position", item));
+        throw InputError(fmt::format("'{}' is not part of a position", item));
     }
 }
 
@@ -104,7 +105,7 @@ ControlGroupId ParseGroup(std::string_view text) {
             }
         }
     }
-    throw InputError(fmt::format("'{}' is no control group; there are R1 to R8, B1 to B8 and S1 to S24", text));
+    throw InputError(fmt::format("'{}' is not a control group; there are R1 to R8, B1 to B8 and S1 to S24", text));
 }
 
 std::string GroupName(ControlGroupId group) {
@@ -126,7 +127,7 @@ Coordinate ParseCoordinate(std::string_view text) {
     bool const isUser = type == CoordinateType::UserCoordinate;
     if (type == CoordinateType::Undefined || isUser != (colon != std::string_view::npos)) {
         throw InputError(fmt::format(
-            "'{}' is no coordinate system; there are: pulse, joint, base, robot, tool, user:N, master-tool", text));
+            "'{}' is not a coordinate system; there are: pulse, joint, base, robot, tool, user:N, master-tool", text));
     }
     return {type, isUser ? ParseNumber<int>(text.substr(colon + 1), "user coordinate number") : 0};
 }
@@ -164,7 +165,8 @@ std::string FigureText(Figure const& figure) {
 PositionData ParsePosition(std::string_view text, std::size_t leastAxes) {
     std::size_t const colon = text.rfind(':');
     if (colon == std::string_view::npos) {
-        throw InputError(fmt::format("'{}' is no position; it begins with a coordinate system and a colon", text));
+        throw InputError(
+            fmt::format("'{}' is not a position; a position begins with a coordinate system and a colon", text));
     }
     Coordinate const coordinate = ParseCoordinate(text.substr(0, colon));
     PositionData position{.coordinateType = coordinate.type, .userCoordinateNumber = coordinate.userNumber};
@@ -173,7 +175,7 @@ PositionData ParsePosition(std::string_view text, std::size_t leastAxes) {
         AddItem(position, TrimBlanks(item), axisCount);
     }
     if (axisCount < leastAxes) {
-        throw InputError(fmt::format("'{}' names {} axes, but at least {} are needed", text, axisCount, leastAxes));
+        throw InputError(fmt::format("'{}' has {} axes, but at least {} are needed", text, axisCount, leastAxes));
     }
     return position;
 }

@@ -30,19 +30,19 @@ struct Coordinate {
 ControlGroupId ParseGroup(std::string_view text);
 std::string GroupName(ControlGroupId group);
 
-/// The least number of axes that a position of this group must name: a robot's is given whole.
+/// The least number of axes that a position of this group must have: a robot needs all six.
 std::size_t LeastAxes(ControlGroupId group);
 
 Coordinate ParseCoordinate(std::string_view text);
 std::string CoordinateName(Coordinate coordinate);
 
-/// Whether X, Y, Z and rotations count, not the single axes of the machine.
+/// Whether positions are X, Y, Z and rotations, not the single axes of the machine.
 bool IsCartesian(CoordinateType type);
 
 Figure ParseFigure(std::string_view text);
 std::string FigureText(Figure const& figure);
 
-/// Understands what FormatPosition writes. Throws InputError.
+/// Reads what FormatPosition writes. Throws InputError.
 PositionData ParsePosition(std::string_view text, std::size_t leastAxes = 6);
 std::string FormatPosition(PositionData const& position);
 

@@ -36,7 +36,7 @@ SignalName ParseSignal(std::string_view text) {
     std::size_t const colon = text.find(':');
     if (colon == std::string_view::npos) {
         if (text.empty() || std::isdigit(static_cast<unsigned char>(text[0])) == 0) {
-            throw InputError(fmt::format("'{}' is no signal such as 10010 or general-output:1.0", text));
+            throw InputError(fmt::format("'{}' is not a signal such as 10010 or general-output:1.0", text));
         }
         name.address = ParseNumber<unsigned>(text, "address of a signal");
         return name;

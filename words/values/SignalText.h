@@ -18,7 +18,7 @@ inline constexpr char const* SignalHelp =
     "external-output, network-input, network-output, specific-input, specific-output,\n"
     "interface-panel-input, auxiliary-relay, robot-control-status, pseudo-input.";
 
-/// Where a signal is, as the user named it. A class becomes an address only with a controller, whose generation decides.
+/// A signal as the user named it. The address of a class depends on the generation, so it takes a controller to resolve it.
 struct SignalName {
     std::string text;
     std::optional<unsigned> address;
@@ -34,7 +34,7 @@ struct Signal {
     unsigned address = 0;
 };
 
-/// The signals that a name stands for: one, or all eight if it is a group without a bit.
+/// The signals of a name: one, or all eight if it is a group without a bit.
 StatusInfo ResolveSignals(IOInterface& io, SignalName const& name, std::vector<Signal>& signals);
 
 /// The address of a byte or word.

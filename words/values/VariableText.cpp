@@ -32,7 +32,7 @@ std::string ParseString(std::string_view text) {
     return std::string(text);
 }
 
-// The shortest decimal that gives the float back: 0.1 rather than 0.10000000149.
+// The shortest decimal that is read back as the same float: 0.1 rather than 0.10000000149.
 double ShortestDouble(float value) {
     return std::strtod(fmt::format("{}", value).c_str(), nullptr);
 }
@@ -62,7 +62,7 @@ std::vector<VariableAddress> ParseVariableRange(std::string_view text) {
         last = LetterCount(end) == 0 ? VariableAddress{first.kind, ParseIndex(end)} : ParseVariable(end);
     }
     if (last.kind != first.kind || last.index < first.index) {
-        throw InputError(fmt::format("'{}' is no range of variables", text));
+        throw InputError(fmt::format("'{}' is not a range of variables such as B0..B9", text));
     }
     std::vector<VariableAddress> addresses;
     for (unsigned index = first.index; index <= last.index; ++index) {

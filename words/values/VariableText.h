@@ -13,7 +13,7 @@
 
 namespace harvlink::words {
 
-/// In the order of VariableValue's alternatives; the three position kinds share the last.
+/// In the order of the alternatives of VariableValue; the three kinds of positions share the last.
 enum class VariableKind { Byte, Integer, DoubleInteger, Real, String, RobotPosition, BasePosition, StationPosition };
 
 inline constexpr std::array<Named<VariableKind>, 8> VariableKindNames{{{"B", VariableKind::Byte},
@@ -44,20 +44,20 @@ struct VariableAssignment {
     VariableValue value;
 };
 
-/// In any case. "EX", as the controller's own programs say, is the same as "SP".
+/// In upper or lower case. "EX", the word of the controller's own programs, is the same as "SP".
 VariableKind ParseVariableKind(std::string_view text);
 
 VariableAddress ParseVariable(std::string_view text);
 std::string VariableName(VariableAddress address);
 
-/// All variables that a name or a range such as "B0..B9" or "B0..9" stands for.
+/// All variables of a name or a range such as "B0..B9" or "B0..9".
 std::vector<VariableAddress> ParseVariableRange(std::string_view text);
 
 VariableValue ParseVariableValue(VariableKind kind, std::string_view text);
 std::string FormatVariableValue(VariableValue const& value);
 Json VariableValueJson(VariableValue const& value);
 
-/// "B5=12", or a range on the left side that gets the same value throughout.
+/// "B5=12", or a range on the left side, of which every variable gets the value.
 std::vector<VariableAssignment> ParseVariableAssignment(std::string_view text);
 
 } // namespace harvlink::words

@@ -16,7 +16,7 @@
 
 namespace harvlink::cli::watch {
 
-/// Something that was read, or why it could not be.
+/// A value that was read, or the status of the read that failed.
 template <typename Value>
 struct Reading {
     StatusInfo status{};
@@ -25,46 +25,46 @@ struct Reading {
     bool IsValid() const { return status.StatusCode == 0; }
 };
 
-struct GroupFrame {
+struct GroupSample {
     using Axes = std::array<double, 8>;
 
     std::string name;
     std::string axes; ///< the letters of its axes; their count is that of the group
     Reading<Axes> pulses;
-    std::optional<Reading<Axes>> base; ///< in mm and degrees; nothing for stations, which have no such position
+    std::optional<Reading<Axes>> base; ///< in mm and degrees; empty for stations, which have no such position
     Reading<Axes> torque;
 };
 
-struct VariableFrame {
+struct VariableSample {
     std::string name;
     Reading<VariableValue> value;
 };
 
-struct SignalFrame {
+struct SignalSample {
     std::string name;
     Reading<bool> on;
 };
 
-/// One look at a controller. Its parts are read one after the other: it is no atomic view.
-struct Frame {
+/// What one reading of a controller found. Its parts are read one after the other, not at one moment.
+struct Sample {
     using Time = std::chrono::system_clock::time_point;
 
     std::string host;
     std::string model;
     std::string software;
 
-    std::uint64_t number = 0; ///< of the look, from 1
-    Time time{}; ///< of the last look that was answered; what follows is as old
-    std::chrono::duration<double, std::milli> duration{}; ///< that this look took
-    std::optional<StatusInfo> lost; ///< why the controller is given for lost, if it is
+    std::uint64_t number = 0; ///< of the reading, from 1
+    Time time{}; ///< of the last reading that was answered; all values below are as old
+    std::chrono::duration<double, std::milli> duration{}; ///< of this reading
+    std::optional<StatusInfo> lost; ///< set if the controller no longer answers
     Time lostSince{};
 
     Reading<ControllerStateData> state;
     Reading<ActiveAlarms> alarms;
     Reading<JobData> job;
-    std::vector<GroupFrame> groups;
-    std::vector<VariableFrame> variables;
-    std::vector<SignalFrame> signals;
+    std::vector<GroupSample> groups;
+    std::vector<VariableSample> variables;
+    std::vector<SignalSample> signals;
 };
 
 } // namespace harvlink::cli::watch

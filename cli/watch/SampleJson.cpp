@@ -1,4 +1,4 @@
-#include "cli/watch/FrameJson.h"
+#include "cli/watch/SampleJson.h"
 
 #include <fmt/chrono.h>
 
@@ -10,13 +10,13 @@ namespace harvlink::cli::watch {
 
 namespace {
 
-std::string TimeText(Frame::Time time) {
+std::string TimeText(Sample::Time time) {
     auto const milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()) % 1000;
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", fmt::gmtime(std::chrono::system_clock::to_time_t(time)),
                        milliseconds.count());
 }
 
-/// Makes JSON of readings and keeps what was wrong with them.
+/// Makes JSON of readings and collects the failures among them.
 class Writer {
 public:
     void Note(std::string const& what, StatusInfo const& status) {
@@ -56,7 +56,7 @@ Json AlarmsJson(ActiveAlarms const& alarms) {
 }
 
 template <typename Number>
-std::vector<Number> AxesOf(GroupFrame const& group, GroupFrame::Axes const& values) {
+std::vector<Number> AxesOf(GroupSample const& group, GroupSample::Axes const& values) {
     std::size_t const count = group.axes.empty() ? values.size() : group.axes.size();
     std::vector<Number> axes;
     for (std::size_t axis = 0; axis < count; ++axis) {
@@ -65,9 +65,9 @@ std::vector<Number> AxesOf(GroupFrame const& group, GroupFrame::Axes const& valu
     return axes;
 }
 
-Json GroupJson(GroupFrame const& group, Writer& writer) {
-    auto const whole = [&](GroupFrame::Axes const& values) { return Json(AxesOf<std::int64_t>(group, values)); };
-    auto const decimal = [&](GroupFrame::Axes const& values) { return Json(AxesOf<double>(group, values)); };
+Json GroupJson(GroupSample const& group, Writer& writer) {
+    auto const whole = [&](GroupSample::Axes const& values) { return Json(AxesOf<std::int64_t>(group, values)); };
+    auto const decimal = [&](GroupSample::Axes const& values) { return Json(AxesOf<double>(group, values)); };
     return {{"group", group.name},
             {"axes", group.axes},
             {"pulses", writer.Of(group.name + " pulses", group.pulses, whole)},
@@ -75,41 +75,41 @@ Json GroupJson(GroupFrame const& group, Writer& writer) {
             {"torque", writer.Of(group.name + " torque", group.torque, whole)}};
 }
 
-void AddValues(Json& document, Frame const& frame, Writer& writer) {
-    document["state"] = writer.Of("state", frame.state, StateJson);
-    document["job"] = writer.Of("job", frame.job, JobJson);
-    document["alarms"] = writer.Of("alarms", frame.alarms, AlarmsJson);
-    for (GroupFrame const& group : frame.groups) {
+void AddValues(Json& document, Sample const& sample, Writer& writer) {
+    document["state"] = writer.Of("state", sample.state, StateJson);
+    document["job"] = writer.Of("job", sample.job, JobJson);
+    document["alarms"] = writer.Of("alarms", sample.alarms, AlarmsJson);
+    for (GroupSample const& group : sample.groups) {
         document["groups"].push_back(GroupJson(group, writer));
     }
-    for (VariableFrame const& variable : frame.variables) {
+    for (VariableSample const& variable : sample.variables) {
         document["variables"][variable.name] = writer.Of(variable.name, variable.value, VariableValueJson);
     }
-    for (SignalFrame const& signal : frame.signals) {
+    for (SignalSample const& signal : sample.signals) {
         document["signals"][signal.name] = writer.Of(signal.name, signal.on, [](bool on) { return Json(on); });
     }
 }
 
 } // namespace
 
-Json FrameJson(Frame const& frame) {
+Json SampleJson(Sample const& sample) {
     Writer writer;
-    Json document{{"time", TimeText(frame.lost ? std::chrono::system_clock::now() : frame.time)},
-                  {"host", frame.host},
-                  {"model", frame.model},
-                  {"software", frame.software},
-                  {"duration_ms", RoundToMilli(frame.duration.count())},
-                  {"answered", !frame.lost},
+    Json document{{"time", TimeText(sample.lost ? std::chrono::system_clock::now() : sample.time)},
+                  {"host", sample.host},
+                  {"model", sample.model},
+                  {"software", sample.software},
+                  {"duration_ms", RoundToMilli(sample.duration.count())},
+                  {"answered", !sample.lost},
                   {"state", nullptr},
                   {"job", nullptr},
                   {"alarms", nullptr},
                   {"groups", Json::array()},
                   {"variables", Json::object()},
                   {"signals", Json::object()}};
-    if (frame.lost) {
-        writer.Note("controller", *frame.lost);
+    if (sample.lost) {
+        writer.Note("controller", *sample.lost);
     } else {
-        AddValues(document, frame, writer);
+        AddValues(document, sample, writer);
     }
     document["problems"] = writer.problems();
     return document;

@@ -1,4 +1,4 @@
-#include "cli/program/Complaint.h"
+#include "cli/program/ParseErrorText.h"
 
 #include <algorithm>
 #include <array>
@@ -24,13 +24,13 @@ struct Wording {
     char const* words;
 };
 
-/// What the parser says, and how it is said here.
+/// A message of the parser, and its wording here.
 constexpr std::array<Wording, 7> Wordings{{
-    {"(\\S+): Value (.*) not in range (\\S+) to (\\S+)", "$1: '$2' is no number from $3 to $4"},
-    {"Could not convert: (\\S+) = (.*)", "$1: '$2' is no number"},
+    {"(\\S+): Value (.*) not in range (\\S+) to (\\S+)", "$1: '$2' is not a number from $3 to $4"},
+    {"Could not convert: (\\S+) = (.*)", "$1: '$2' is not a number"},
     {"(\\S+): 1 required ([^ :]+).* missing", "$1 needs a value: $2"},
     {"(\\S+): Directory does not exist: (.*)", "$1: there is no folder '$2'"},
-    {"(\\S+): Invalid IPV4 address.*\\((.*)\\)", "$1: '$2' is no IPv4 address such as 192.168.255.1"},
+    {"(\\S+): Invalid IPV4 address.*\\((.*)\\)", "$1: '$2' is not an IPv4 address such as 192.168.255.1"},
     {"(\\S+) excludes (\\S+)", "give $1 or $2, not both"},
     {"(\\S+) is required", "$1 is missing"},
 }};
@@ -55,7 +55,7 @@ void AddOptionNames(Names& names, CLI::App const& app) {
     }
 }
 
-/// How many letters have to be put in, left out or changed to make one word of the other.
+/// How many letters must be inserted, removed or changed to make one word into the other.
 std::size_t EditDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), 0U);
@@ -99,8 +99,8 @@ std::string UnknownWord(CLI::App const& app, Names const& unknown) {
                : fmt::format("there is no command '{}'{}", unknown.front(), Suggestion(unknown.front(), commands));
 }
 
-/// Words that nothing takes: those that are left over, or, once the parser has given up, those in its words, the last
-/// first.
+/// Words that no command takes: those that the parser left over, or, if it stopped, those that its message names, which
+/// has the last first.
 Names UnknownWords(CLI::App const& app, CLI::ParseError const& error) {
     constexpr std::string_view Start = "not expected: ";
     std::string const text = error.what();
@@ -129,8 +129,8 @@ CLI::App const& ReachedCommand(CLI::App const& app) {
     return *command;
 }
 
-std::string Complaint(CLI::App const& app, CLI::ParseError const& error) {
-    // The parser misses what is required before it looks at the word in its place that it does not know.
+std::string ParseErrorText(CLI::App const& app, CLI::ParseError const& error) {
+    // The parser reports a missing argument before it reports the unknown word that stands in its place.
     bool const isIncomplete = error.get_name() == "RequiredError";
     Names unknown = UnknownWords(app, error);
     unknown.erase(std::remove(unknown.begin(), unknown.end(), ""), unknown.end());

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "cli/output/Output.h"
+#include "cli/watch/Sample.h"
+
+namespace harvlink::cli::watch {
+
+/// A sample for programs. A value that could not be read is null, and "problems" says why. No value is older than the
+/// sample.
+Json SampleJson(Sample const& sample);
+
+} // namespace harvlink::cli::watch
