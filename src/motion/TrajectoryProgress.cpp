@@ -7,6 +7,7 @@ TrajectoryState TrajectoryProgress::State() const {
     TrajectoryState copy = state;
     if (isHeld) {
         copy.monitor = TrajectoryMonitorState::Stopped;
+        copy.heldBackSince = {};
     }
     return copy;
 }

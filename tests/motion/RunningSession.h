@@ -9,6 +9,8 @@
 
 namespace harvlink::test {
 
+using namespace std::chrono_literals;
+
 inline constexpr unsigned start = 839, stop = 840, clear = 841, target = 842, alarm = 916;
 
 /// Commands, and the first axis of each target.
@@ -25,7 +27,7 @@ inline Sequence Summary(std::vector<Datagram> const& sent) {
 
 /// Points whose settings the monitor has already sent, so that each needs one datagram.
 struct RunningSession : MotionSession {
-    explicit RunningSession(Rules rules = NoRules) : MotionSession({1}, "YA1.00", {.enforced = rules}) {
+    explicit RunningSession(ConnectionPolicy const& policy = {}) : MotionSession({1}, "YA1.00", policy) {
         controller.AnswerRest([this](Datagram const& datagram) {
             bool const isRefused = CommandOf(datagram) == target && isFull;
             return Replies{isRefused ? Refusal(65520) : Reply{}};

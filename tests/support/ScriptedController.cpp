@@ -165,7 +165,7 @@ Bytes ScriptedController::ReplyBytes(Reply const& reply, Datagram const& request
     auto const id = static_cast<std::uint8_t>(request.Id() - reply.staleBy);
     bool const isFile = request.port == 10041;
     return Text("TROZ") + U16(32) + U16(static_cast<std::int64_t>(reply.payload.size())) + U8(3) + U8(isFile ? 2 : 1) +
-           U8(1) + U8(id) + U32(reply.block) + Text("99999999") + U8(0x81) + U8(reply.status) +
+           U8(1) + U8(id) + U32(reply.block) + Text("99999999") + U8(request.Service() | 0x80) + U8(reply.status) +
            U8(reply.addedStatusSize) + U8(0) + U16(reply.addedStatus) + U16(0) + reply.payload;
 }
 

@@ -46,6 +46,7 @@ struct Datagram {
     std::chrono::steady_clock::time_point time;
 
     std::uint8_t Id() const { return bytes.size() > idOffset ? bytes[idOffset] : std::uint8_t{0}; }
+    std::uint8_t Service() const { return bytes.size() > 29 ? bytes[29] : std::uint8_t{0}; }
 };
 
 /// Plays a controller on ports 10040 and 10041 of its own loopback address, with the answers that the test sets. An
