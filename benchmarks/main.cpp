@@ -13,9 +13,8 @@
 // Times whole operations of the library against the bare socket on the same machine in the same run. Both sides take
 // turns, and the median of the ratios of the rounds counts.
 
+namespace harvlink::bench {
 namespace {
-
-using namespace harvlink::bench;
 
 struct Family {
     std::string_view name;
@@ -39,20 +38,21 @@ int RunFamilies(std::vector<std::string> const& wanted, std::string const& jsonP
 }
 
 } // namespace
+} // namespace harvlink::bench
 
 /// harvlink_bench JSON-FILE [FAMILY...]  or  harvlink_bench --exchanges COUNT
 int main(int argc, char** argv) {
     std::vector<std::string> const arguments(argv + 1, argv + argc);
     try {
         if (arguments.size() == 2 && arguments[0] == "--exchanges") {
-            RunExchanges(std::stoi(arguments[1]));
+            harvlink::bench::RunExchanges(std::stoi(arguments[1]));
             return 0;
         }
         if (arguments.empty()) {
             std::cerr << "usage: harvlink_bench JSON-FILE [FAMILY...] | --exchanges COUNT\n";
             return 2;
         }
-        return RunFamilies({arguments.begin() + 1, arguments.end()}, arguments[0]);
+        return harvlink::bench::RunFamilies({arguments.begin() + 1, arguments.end()}, arguments[0]);
     } catch (std::exception const& error) {
         std::cerr << "harvlink_bench: " << error.what() << '\n';
         return 1;

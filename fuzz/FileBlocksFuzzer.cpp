@@ -8,9 +8,7 @@
 // The blocks of file transfers. The first byte selects the direction: a text or a file of this computer goes to a correct
 // controller and comes back, while answers get lost; or the controller sends blocks that the input defines.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-
+namespace harvlink::fuzz {
 namespace {
 
 struct Folder {
@@ -111,3 +109,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     session.RequireUsable();
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -10,9 +10,9 @@
 #include <string_view>
 #include <type_traits>
 
-extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
-
 namespace harvlink::fuzz {
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
 /// Checks something that must hold for every input. A violation ends the fuzzer, which then keeps the input.
 inline void Require(bool holds, char const* condition) {

@@ -4,9 +4,12 @@
 // Jobs that a client loads to the virtual controller, and their execution. Input: cycle mode and whether the text already
 // has the head of a job, then the text.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-using namespace harvlink::simulator;
+namespace harvlink::fuzz {
+
+using simulator::ControllerParts;
+using simulator::JobEngine;
+using simulator::Refusal;
+using simulator::VirtualController;
 
 namespace {
 
@@ -43,3 +46,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     return 0;
 }
+
+} // namespace harvlink::fuzz

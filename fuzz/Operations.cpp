@@ -132,7 +132,7 @@ void CheckTextAndPositionVariables(Session& session, Arguments const& with) {
     CheckVariable(*variables.stationPositionVariable, with, false);
 }
 
-void CheckActiveAlarms(Session& session, Arguments const&) {
+void CheckActiveAlarms(Session& session, Arguments const& /*with*/) {
     ActiveAlarms alarms;
     Succeeded(session.robot.Faults->GetActiveAlarms(alarms));
     auto const filled = std::ranges::count_if(alarms.alarms, [](AlarmData const& alarm) { return alarm.code != 0; });
@@ -246,7 +246,7 @@ void CheckMotion(Session& session, Arguments const& with) {
 
 /// The work of the monitor for each point, on this thread.
 void CheckTargets(Session& session, Arguments const& with) {
-    auto& manager = static_cast<MotionManager&>(*session.robot.MotionManager);
+    auto& manager = dynamic_cast<MotionManager&>(*session.robot.MotionManager);
     StatusInfo status;
     for (std::uint8_t slot = 0; slot < MotionSlots; ++slot) {
         MotionStep step;

@@ -6,7 +6,10 @@
 // The records of the plain interface in both directions. Input records come from the fuzzer; outputs must fit their record,
 // and the caller must be able to free them. Input: family, generation, records, answers.
 
-using namespace harvlink::fuzz;
+using harvlink::fuzz::Input;
+using harvlink::fuzz::Require;
+using harvlink::fuzz::Session;
+using harvlink::fuzz::TakeAnswers;
 
 namespace {
 
@@ -22,7 +25,7 @@ struct Records {
 
 void Free(char* text) {
     Require(text != nullptr && std::strlen(text) < 0x10000, "a text exists and is terminated");
-    std::free(text);
+    std::free(text); // NOLINT(cppcoreguidelines-no-malloc): as a caller in another language does
 }
 
 template <typename... Texts>
@@ -146,7 +149,7 @@ constexpr std::array families{Variables, Positions, Alarms, State, Jobs, Files, 
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     auto const family = families.at(input.Take<std::uint8_t>() % families.size());
     Session session(input.Take<std::uint8_t>());

@@ -2,8 +2,7 @@
 
 // The replies to every operation and to the opening of a connection. Input: operation, generation, arguments, answers.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
+namespace harvlink::fuzz {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
@@ -28,3 +27,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -3,9 +3,13 @@
 // Requests to the virtual controller: datagrams at both of its ports, with and without faults in the replies.
 // Input: generation and whether there are faults, then datagrams, each with a control byte and its length.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-using namespace harvlink::simulator;
+namespace harvlink::fuzz {
+
+using simulator::ControllerModel;
+using simulator::ControllerOptions;
+using simulator::Port;
+using simulator::Request;
+using simulator::VirtualController;
 
 namespace {
 
@@ -70,3 +74,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -4,9 +4,7 @@
 
 // The parser of "RS.PRM", compared with a parser made of streams.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-
+namespace harvlink::fuzz {
 namespace {
 
 int Rs022Of(std::string const& text) {
@@ -37,3 +35,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Require(session.robot.GetRS22StateFromFile() == Rs022Of(text), "the third field of the fifth item");
     return 0;
 }
+
+} // namespace harvlink::fuzz

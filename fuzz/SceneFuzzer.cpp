@@ -4,9 +4,13 @@
 
 // Scene files, and the text of --faults. An accepted scene can be applied to a controller with its options.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-using namespace harvlink::simulator;
+namespace harvlink::fuzz {
+
+using simulator::ControllerParts;
+using simulator::FaultPlan;
+using simulator::Scene;
+using simulator::SceneError;
+using simulator::VirtualController;
 
 namespace {
 
@@ -37,3 +41,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -5,8 +5,8 @@
 #include "controller/StatusMessages.h"
 
 // Waiting makes no sense without a real controller, so the few pauses of the library end at once.
-extern "C" int __wrap_nanosleep(timespec const*, timespec*);
-extern "C" int __wrap_nanosleep(timespec const*, timespec*) {
+extern "C" int __wrap_nanosleep(timespec const* /*period*/, timespec* /*rest*/);
+extern "C" int __wrap_nanosleep(timespec const* /*period*/, timespec* /*rest*/) {
     return 0;
 }
 
@@ -103,7 +103,7 @@ void Transport::Ask(Division division, std::span<std::byte const> datagram) {
     losses >>= 1U;
 }
 
-Arrival Transport::Receive(Division, std::span<std::byte> buffer, timeval) {
+Arrival Transport::Receive(Division /*division*/, std::span<std::byte> buffer, timeval /*period*/) {
     auto const answer = Next();
     auto const length = std::min(answer.size(), buffer.size());
     std::copy_n(answer.begin(), length, buffer.begin());
@@ -132,7 +132,7 @@ Bytes Transport::Next() {
     return kind <= Answer::Kind::Cut ? std::exchange(honestAnswer, {}) : bytes;
 }
 
-Session::Session(std::uint8_t generation, std::optional<Answers> answers)
+Session::Session(std::uint8_t generation, std::optional<Answers> const& answers)
     : transport(MakeTransport(generation, answers)),
       robot(std::unique_ptr<DatagramTransport>(transport), 0, 0, false, status) {
     if (transport->isHonest) {

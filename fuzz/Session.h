@@ -44,7 +44,7 @@ public:
 
     /// Checks that every request is a valid datagram.
     void Send(Division division, std::span<std::byte const> datagram) override;
-    Arrival Receive(Division, std::span<std::byte> buffer, timeval period) override;
+    Arrival Receive(Division division, std::span<std::byte> buffer, timeval period) override;
 
     bool isHonest = true; ///< the virtual controller answers; otherwise only `answers`, and then silence
     Answers answers;
@@ -67,7 +67,7 @@ private:
 class Session {
 public:
     /// Opens the connection with correct answers, unless others are given.
-    explicit Session(std::uint8_t generation, std::optional<Answers> answers = std::nullopt);
+    explicit Session(std::uint8_t generation, std::optional<Answers> const& answers = std::nullopt);
 
     /// From now on only these answers come.
     void SetAnswers(Answers answers);

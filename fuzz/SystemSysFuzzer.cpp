@@ -8,9 +8,7 @@
 // The parser of "SYSTEM.SYS", and the control groups that a connection reads from it. The groups of each line are compared
 // with regular expressions that mean the same as the parser's patterns.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-
+namespace harvlink::fuzz {
 namespace {
 
 std::optional<ControlGroupId> GroupOf(std::string const& line) {
@@ -69,3 +67,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -5,8 +5,7 @@
 
 // The parser of "TOOL.CND", compared with a parser made of streams.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
+namespace harvlink::fuzz {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static Session session(3);
@@ -18,3 +17,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Require(session.robot.GetNumberOfToolFiles() == tools, "one tool for each tool section of the file");
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -5,8 +5,7 @@
 
 // Trajectory files of the command line tool. The library accepts every point that the tool accepts.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
+namespace harvlink::fuzz {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     try {
@@ -24,3 +23,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     }
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -5,9 +5,14 @@
 
 // CSV, and the CSV files of variables: reading a written file gives the same values.
 
-using namespace harvlink;
-using namespace harvlink::fuzz;
-using namespace harvlink::words;
+namespace harvlink::fuzz {
+
+using words::CsvCell;
+using words::CsvRow;
+using words::FormatVariableFile;
+using words::InputError;
+using words::ParseCsv;
+using words::ParseVariableFile;
 
 namespace {
 
@@ -44,3 +49,5 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     CheckRoundTrip(ParseVariableFile, FormatVariableFile, text);
     return 0;
 }
+
+} // namespace harvlink::fuzz

@@ -48,7 +48,7 @@ std::string Difference(std::string const& wanted, std::string const& got) {
 } // namespace
 
 FilesWorker::FilesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
-                         std::vector<SharedConnection*> connections, std::filesystem::path folder)
+                         std::vector<SharedConnection*> const& connections, std::filesystem::path folder)
     : Worker(std::move(name), options, results, seed), folder_(std::move(folder)) {
     for (auto* const connection : connections) {
         auto& store = stores_.emplace_back(Store{.connection = connection, .files = {}});

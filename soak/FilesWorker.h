@@ -16,7 +16,7 @@ namespace harvlink::soak {
 class FilesWorker final : public Worker {
 public:
     FilesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
-                std::vector<SharedConnection*> connections, std::filesystem::path folder);
+                std::vector<SharedConnection*> const& connections, std::filesystem::path folder);
 
     std::size_t KeptBytes() const override;
 

@@ -43,6 +43,11 @@ std::string ToText(ControllerStateData const& state) {
                        state.isProgramPendantHold, state.isAlarming, state.isErroring, state.isServoOn);
 }
 
+/// The name of the job as the controller holds it.
+std::string StoredJobName() {
+    return std::string(RunJobName) + std::string(32 - RunJobName.size(), '\0');
+}
+
 } // namespace
 
 MachineWorker::MachineWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
@@ -233,6 +238,7 @@ void MachineWorker::RunGoodJob() {
     if ((SelectAndStart(RunJobName) || options_.badNetwork) && AwaitJob()) {
         CheckJobVariables();
         CheckJobPlace();
+        CheckJobStack();
     }
 }
 
@@ -312,7 +318,7 @@ void MachineWorker::CheckJobVariables() {
 
 void MachineWorker::CheckJobPlace() {
     JobData data;
-    auto const name = std::string(RunJobName) + std::string(32 - RunJobName.size(), '\0');
+    auto const name = StoredJobName();
     auto const ask = [&] {
         auto const status = Done(Family::Job, robot_.Job->GetExecutingJobInformation(TesselTaskNumber::Master, data));
         if (status.StatusCode != 0) {
@@ -325,7 +331,10 @@ void MachineWorker::CheckJobPlace() {
     };
     AskUntilRight("executing job", ask,
                   [&] { return fmt::format("{} line {} at {}", data.name, data.line, data.speedOverride); });
+}
 
+void MachineWorker::CheckJobStack() {
+    auto const name = StoredJobName();
     std::vector<std::string> stack;
     auto const askStack = [&] {
         auto const status = Done(Family::Job, robot_.Job->GetJobStack(TesselTaskNumber::Master, stack));

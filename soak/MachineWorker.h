@@ -41,6 +41,7 @@ private:
     bool AwaitJob();
     void CheckJobVariables();
     void CheckJobPlace();
+    void CheckJobStack();
     void RaiseAlarm();
     void CheckActiveAlarms(bool isExpected);
     void CheckHistory();

@@ -22,8 +22,8 @@ WireImage RandomNumber<float>(Random& random) {
 }
 
 template <typename Value, typename Interface>
-ValueKind Scalars(std::string name, Interface& variables) {
-    return {.name = std::move(name),
+ValueKind Scalars(std::string const& name, Interface& variables) {
+    return {.name = name,
             .count = VariableCount,
             .size = sizeof(Value),
             .random = RandomNumber<Value>,

@@ -68,8 +68,8 @@ PositionData FromShortImage(WireImage const& image, double units) {
 }
 
 template <typename Record, CoordinateType type>
-ValueKind ShortPositions(std::string name, VariableInterface<Record>& variables, double units) {
-    return {.name = std::move(name),
+ValueKind ShortPositions(std::string const& name, VariableInterface<Record>& variables, double units) {
+    return {.name = name,
             .count = VariableCount,
             .size = ShortImage,
             .random =

@@ -10,8 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char** environ;
-
 namespace harvlink::soak {
 
 namespace {
@@ -34,10 +32,11 @@ struct Pipe {
 };
 
 pid_t Spawn(std::vector<std::string> const& command, int output) {
+    std::vector<std::string> words = command; // the interface takes them as if it wrote to them
     std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (auto const& word : command) {
-        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.reserve(words.size() + 1);
+    for (auto& word : words) {
+        arguments.push_back(word.data());
     }
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;

@@ -83,6 +83,7 @@ WireImage Worker::ReadUntilAgreed(std::string const& what, std::function<StatusI
             return ++alike >= EnoughAlike ? Answer::Right : Answer::Missing;
         }
         alike = 1;
+        // NOLINTNEXTLINE(readability-suspicious-call-argument): either may be the one that was cut
         return isComputed || IsCutFrom(last, got) || IsCutFrom(got, last) ? Answer::Cut : Answer::Wrong;
     };
     bool const isAgreed = AskUntilRight(what, ask, [&] { return ToHex(got) + " and then " + ToHex(last) + refusal; });

@@ -8,9 +8,8 @@
 
 #include "soak/Soak.h"
 
+namespace harvlink::soak {
 namespace {
-
-using namespace harvlink::soak;
 
 /// Loopback addresses that other processes are unlikely to use.
 Addresses OwnAddresses() {
@@ -47,9 +46,19 @@ void PrintSummary(nlohmann::json const& report) {
     fmt::print("before: {}\nafter:  {}\n", report["before"].dump(), report["after"].dump());
 }
 
-} // namespace
+int Run(Options options, std::vector<std::string> const& addresses) {
+    options.addresses =
+        addresses.empty() ? OwnAddresses() : Addresses{addresses[0], addresses[1], addresses[2], addresses[3]};
+    auto const reportFile = std::filesystem::absolute(options.report);
+    Soak soak(options);
+    bool const hasPassed = soak.Run();
+    PrintSummary(soak.Report());
+    std::ofstream(reportFile) << soak.Report().dump(2) << '\n';
+    fmt::print("{}\n", hasPassed ? "soak: passed" : "soak: FAILED");
+    return hasPassed ? 0 : 1;
+}
 
-int main(int argc, char** argv) {
+int ParseAndRun(int argc, char** argv) {
     CLI::App app("Loads virtual controllers in many ways at once and checks every value that it reads.",
                  "harvlink_soak");
     Options options;
@@ -57,18 +66,17 @@ int main(int argc, char** argv) {
     std::vector<std::string> addresses;
     AddOptions(app, options, addresses);
     CLI11_PARSE(app, argc, argv);
-    options.addresses =
-        addresses.empty() ? OwnAddresses() : Addresses{addresses[0], addresses[1], addresses[2], addresses[3]};
+    return Run(std::move(options), addresses);
+}
+
+} // namespace
+} // namespace harvlink::soak
+
+int main(int argc, char** argv) {
     try {
-        auto const reportFile = std::filesystem::absolute(options.report);
-        Soak soak(options);
-        bool const hasPassed = soak.Run();
-        PrintSummary(soak.Report());
-        std::ofstream(reportFile) << soak.Report().dump(2) << '\n';
-        fmt::print("{}\n", hasPassed ? "soak: passed" : "soak: FAILED");
-        return hasPassed ? 0 : 1;
+        return harvlink::soak::ParseAndRun(argc, argv);
     } catch (std::exception const& error) {
-        fmt::print(stderr, "harvlink_soak: {}\n", error.what());
+        std::fprintf(stderr, "harvlink_soak: %s\n", error.what());
         return 1;
     }
 }

@@ -64,6 +64,7 @@ double Time(Operation operation) {
 template <typename Operation>
 double MedianTime(int repetitions, Operation operation) {
     std::vector<double> times;
+    times.reserve(static_cast<std::size_t>(repetitions));
     for (int i = 0; i < repetitions; ++i) {
         times.push_back(Time(operation));
     }

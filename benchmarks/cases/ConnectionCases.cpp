@@ -152,6 +152,7 @@ void ManyConnections(Report& report) {
     RaiseDescriptorLimit();
     constexpr int controllers = 200;
     std::vector<std::string> addresses;
+    addresses.reserve(controllers);
     for (int i = 0; i < controllers; ++i) {
         addresses.push_back(BenchAddress(1000 + i));
     }

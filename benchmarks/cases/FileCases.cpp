@@ -71,8 +71,8 @@ HeapCost CostOf(std::size_t size, auto transfer) {
     ResetPeak();
     transfer();
     HeapUse const after = CurrentHeapUse();
-    auto const blocks = static_cast<double>(size / FileBlockSize + 1);
-    return {static_cast<double>(after.allocations - before.allocations) / blocks,
+    auto const blocks = size / FileBlockSize + 1;
+    return {static_cast<double>(after.allocations - before.allocations) / static_cast<double>(blocks),
             static_cast<double>(after.peakBytes - before.bytes) / static_cast<double>(size)};
 }
 

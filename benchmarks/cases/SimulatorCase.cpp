@@ -16,6 +16,7 @@ constexpr int controllers = 200;
 
 std::vector<std::string> Addresses(int first) {
     std::vector<std::string> addresses;
+    addresses.reserve(controllers);
     for (int i = 0; i < controllers; ++i) {
         addresses.push_back(BenchAddress(first + i));
     }

@@ -29,6 +29,7 @@ Served RunThreads(int count, std::function<void(int)> const& operation) {
     double seconds = 0.0;
     {
         std::vector<std::jthread> threads;
+        threads.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             threads.emplace_back([&, i] {
                 start.arrive_and_wait();
@@ -101,6 +102,7 @@ void ThreadForEachController(Report& report) {
     std::vector<std::string> addresses;
     std::vector<Connection> connections;
     std::vector<std::unique_ptr<BareClient>> bare;
+    addresses.reserve(controllers);
     for (int i = 0; i < controllers; ++i) {
         addresses.push_back(BenchAddress(2000 + i));
     }

@@ -12,9 +12,9 @@ namespace {
 /// Answers at once with the id of the request, so that only the library's own code is left.
 class EchoTransport final : public DatagramTransport {
 public:
-    void Send(Division, std::span<std::byte const> datagram) override { id = datagram[11]; }
+    void Send(Division /*division*/, std::span<std::byte const> datagram) override { id = datagram[11]; }
 
-    Arrival Receive(Division, std::span<std::byte> buffer, timeval) override {
+    Arrival Receive(Division /*division*/, std::span<std::byte> buffer, timeval /*period*/) override {
         buffer[11] = id;
         return buffer.size();
     }
@@ -24,7 +24,7 @@ private:
 };
 
 void OkStatus(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         StatusInfo status = StatusInformation(ErrorStatusCodes::Ok);
         benchmark::DoNotOptimize(status);
     }
@@ -32,7 +32,7 @@ void OkStatus(benchmark::State& state) {
 BENCHMARK(OkStatus);
 
 void ErrorStatus(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         StatusInfo status = StatusInformation(0xb00d);
         benchmark::DoNotOptimize(status);
     }
@@ -42,7 +42,7 @@ BENCHMARK(ErrorStatus);
 void ExchangeWithoutSockets(benchmark::State& state) {
     StatusInfo status;
     NetworkManager manager(std::make_unique<EchoTransport>(), 1000, 0, status);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto reply = manager.SimpleRequest<std::uint8_t>(0, CommandNumber::ByteVariable, status,
                                                          FixedField::FirstAttribute, ServiceReadOne);
         benchmark::DoNotOptimize(reply);
@@ -53,7 +53,7 @@ BENCHMARK(ExchangeWithoutSockets);
 void FileBlockExchangeWithoutSockets(benchmark::State& state) {
     StatusInfo status;
     NetworkManager manager(std::make_unique<EchoTransport>(), 1000, 0, status);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto reply = manager.SimpleRequest<std::array<char, FileBlockSize>>(0, CommandNumber::ByteVariable, status,
                                                                             FixedField::FirstAttribute, ServiceReadOne);
         benchmark::DoNotOptimize(reply);
@@ -65,7 +65,7 @@ void QueueStep(benchmark::State& state) {
     TrajectoryQueue queue;
     MotionStep step;
     step.groups.set(0);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         queue.PushBack(step);
         benchmark::DoNotOptimize(queue.Front());
         queue.PopFront();
@@ -75,7 +75,7 @@ BENCHMARK(QueueStep);
 
 void PositionToWireAndBack(benchmark::State& state) {
     PositionData position{.coordinateType = CoordinateType::BaseCoordinate};
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         position = FromRobotPositionMsg(ToRobotPositionMsg(position));
         benchmark::DoNotOptimize(position);
     }

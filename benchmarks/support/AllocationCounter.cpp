@@ -6,6 +6,9 @@
 
 #include <malloc.h>
 
+// Replaces the allocation of the whole program: its counts are global, and below it there is only malloc.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables,cppcoreguidelines-no-malloc)
+
 namespace {
 
 std::atomic<std::size_t> allocations;
@@ -35,9 +38,11 @@ void operator delete(void* memory) noexcept {
     }
 }
 
-void operator delete(void* memory, std::size_t) noexcept {
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
     operator delete(memory);
 }
+
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables,cppcoreguidelines-no-malloc)
 
 namespace harvlink::bench {
 

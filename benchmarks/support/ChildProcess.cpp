@@ -25,7 +25,7 @@ ChildProcess::ChildProcess(int core, std::function<void(std::function<void()> co
             PinTo(core);
         }
         try {
-            body([&] { (void)!::write(pipe[1], "r", 1); });
+            body([&] { [[maybe_unused]] auto const written = ::write(pipe[1], "r", 1); });
         } catch (std::exception const&) { // the parent notices that the pipe closes
         }
         ::_exit(0);

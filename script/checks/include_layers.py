@@ -100,13 +100,11 @@ WIRE_FORMATS = re.compile(
 LIBRARIES = {
     "CLI/": ["cli/", "simulator/program/", "soak/"],
     "curses.h": ["cli/watch/"],
-    "toml++/": ["words/settings/", "cli/program/", "simulator/scene/"],
+    "toml++/": ["words/settings/", "simulator/scene/"],
     "fmt/": ["words/", "recording/", "simulator/", "cli/", "gateway/", "soak/", "fuzz/", "tests/"],
     "nlohmann/": ["words/", "recording/", "cli/", "gateway/", "soak/", "fuzz/", "benchmarks/", "tests/"],
 }
 
-# Rooms that are being put in order: so far only what they include of other rooms is held.
-UNSETTLED = {"simulator"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 
@@ -126,7 +124,7 @@ def place(path):
 
 
 def fault_in_room(room, folder, seen):
-    if folder in ("", seen) or room in UNSETTLED:
+    if folder in ("", seen):
         return None
     folders = ROOMS[room].folders
     allowed = folders.get(folder, folders.get("*"))
@@ -155,7 +153,7 @@ def fault(source, reached):
 def library_fault(source, target):
     for library, places in LIBRARIES.items():
         room = place(source)[0]
-        if target.startswith(library) and room not in UNSETTLED and not source.as_posix().startswith(tuple(places)):
+        if target.startswith(library) and not source.as_posix().startswith(tuple(places)):
             return f"{library} is for {', '.join(places)}"
     return None
 
@@ -195,7 +193,7 @@ def faults_of_table():
         yield f"{name}/: no arrow is known for this room"
     for name, room in ROOMS.items():
         for folder in sorted((ROOT / name).glob("*/")):
-            known = folder.name in room.folders or "*" in room.folders or name in UNSETTLED
+            known = folder.name in room.folders or "*" in room.folders
             if not known and any(folder.rglob("*.h")):
                 yield f"{name}/{folder.name}/: no arrow is known for this folder"
 

@@ -17,6 +17,8 @@
 namespace harvlink::cli {
 namespace {
 
+using namespace words;
+
 using Texts = std::vector<std::string>;
 
 std::string Join(Texts const& texts) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -15,9 +16,8 @@
 #include "status/MainStatusTable.h"
 #include "wire/CommandNumber.h"
 
+namespace harvlink {
 namespace {
-
-using namespace harvlink;
 
 constexpr std::string_view begin = "-- BEGIN tables";
 constexpr std::string_view end = "-- END tables";
@@ -79,22 +79,32 @@ void PrintTables(std::string const& header) {
     std::cout << "}\n";
 }
 
+int Write(char const* commandNumbers, char const* dissectorPath) {
+    auto const dissector = ReadFile(dissectorPath);
+    auto const from = dissector.find('\n', dissector.find(begin));
+    auto const to = dissector.find(end);
+    if (from == std::string::npos || to == std::string::npos) {
+        std::cerr << dissectorPath << ": does not contain the lines \"" << begin << "\" and \"" << end << "\"\n";
+        return 1;
+    }
+    std::cout << dissector.substr(0, from + 1);
+    PrintTables(ReadFile(commandNumbers));
+    std::cout << dissector.substr(to);
+    return 0;
+}
+
 } // namespace
+} // namespace harvlink
 
 int main(int argc, char** argv) {
     if (argc != 3) {
         std::cerr << "Usage: harvlink_dissector_tables COMMAND-NUMBERS DISSECTOR\n";
         return 2;
     }
-    auto const dissector = ReadFile(argv[2]);
-    auto const from = dissector.find('\n', dissector.find(begin));
-    auto const to = dissector.find(end);
-    if (from == std::string::npos || to == std::string::npos) {
-        std::cerr << argv[2] << ": does not contain the lines \"" << begin << "\" and \"" << end << "\"\n";
+    try {
+        return harvlink::Write(argv[1], argv[2]);
+    } catch (std::exception const& error) {
+        std::cerr << "harvlink_dissector_tables: " << error.what() << '\n';
         return 1;
     }
-    std::cout << dissector.substr(0, from + 1);
-    PrintTables(ReadFile(argv[1]));
-    std::cout << dissector.substr(to);
-    return 0;
 }
