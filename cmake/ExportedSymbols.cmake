@@ -14,6 +14,7 @@ function(harvlink_limit_exports target)
             harvlink::StatusInformation::*;
             harvlink::operator*;
             harvlink::AxisIndex::operator*;
+            harvlink::KinematicsInterface::CheckInputCartPosParams*;
         };
     local: *;
 };

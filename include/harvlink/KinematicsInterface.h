@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "harvlink/ControlGroupId.h"
+#include "harvlink/Export.h"
 #include "harvlink/PositionData.h"
 #include "harvlink/StatusInfo.h"
 
@@ -52,6 +54,12 @@ public:
                                                     KinematicConversions conversion, KinematicType type,
                                                     std::array<double, 8> const& previousAngles,
                                                     PositionData& result) = 0;
+
+    /// For an application to ask before it converts from Cartesian, which does not check this itself: whether a
+    /// conversion of this type has what it needs. Only KinematicFromSystem asks the controller, in one exchange, for
+    /// parameter S2C430; a read that fails counts as 0, so that the figure decides. DeltaPreviousAngleMissing for a Delta
+    /// robot without previous angles, InvalidSystemKinematicType if the parameter holds no known type.
+    HARVLINK_EXPORT StatusInfo CheckInputCartPosParams(std::optional<KinematicType> type, bool previousAngleGiven);
 };
 
 } // namespace harvlink

@@ -41,6 +41,13 @@ static_assert(sizeof(CircularMotion) == sizeof(Motion) + 8 * sizeof(double),
               "callers of other languages lay the eight values directly behind the motion");
 static_assert(std::is_trivially_copyable_v<Motion>);
 
+/// Speeds in the controller's units.
+struct SpeedStruct {
+    std::int32_t jointSpeed = 0; ///< 0.01 %
+    std::int32_t linearSpeed = 0; ///< 0.1 mm/s
+    std::int32_t angularSpeed = 0;
+};
+
 /// Moves up to four control groups through a queue of points. **It moves a real machine.** From `VersionYA` up; on
 /// older controllers every operation gives UnsupportedOnThisController and sends nothing.
 ///
@@ -139,5 +146,12 @@ public:
 
 /// "Joint", "Line", "Circle", otherwise "Invalid or undefined".
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, MoveInterpolationType const& type);
+
+/// Three lines of raw integers. The unit words belong to the format, not to the numbers: 1234 of `linearSpeed` is 123.4
+/// mm/s and prints as "1234 mm/sec".
+HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, SpeedStruct const& speed);
+
+/// Eight values separated by ", ". Found with `using namespace harvlink` or `using harvlink::operator<<`.
+HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, std::array<double, 8> const& axes);
 
 } // namespace harvlink

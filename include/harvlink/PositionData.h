@@ -50,6 +50,18 @@ HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, CartesianAxis con
 
 } // namespace AxisIndex
 
+/// Coordinate types as the extended commands of newer controllers number them.
+enum class UAPICoordType : std::int32_t {
+    UAPIPulse = 0,
+    UAPIJointAngle = 1,
+    UAPIBase = 2,
+    UAPIRobot = 3,
+    UAPIUser = 4,
+    UAPITool = 6,
+    UAPIMasterTool = 7,
+    UAPIInvalid = 255, ///< for a CoordinateType without an extended number
+};
+
 /// Arm configuration: which of the joint positions with the same Cartesian pose is meant. Used with Cartesian types
 /// only. The extended commands of newer controllers do not carry `lAngle`, `uAngle`, `bAngle`, `eAngle` and `wAngle`:
 /// they are 0.
@@ -89,6 +101,9 @@ struct PositionData {
 /// Text forms. Numbers go out in the stream's current format; none of these writes a line end at its close.
 /// @{
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, CoordinateType const& type);
+/// "Base", "User", "Tool", "TCP", "Joint", "Radian", "Master Tool" for 0 to 7, 2 and 6 both being "Tool", otherwise
+/// "Invalid or undefined". The words are those of the format and on purpose not the meaning of the enumerators.
+HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, UAPICoordType const& type);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, FrontOrBack const& value);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, UpperOrLower const& value);
 HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, FlipOrNoFlip const& value);

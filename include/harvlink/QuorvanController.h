@@ -28,7 +28,7 @@ public:
     QuorvanController() = default;
     QuorvanController(QuorvanController const&) = delete;
     QuorvanController& operator=(QuorvanController const&) = delete;
-    virtual ~QuorvanController() = default;
+    virtual ~QuorvanController() = 0;
 
     ControlGroupInterface* ControlGroup = nullptr;
     ControllerStateInterface* Status = nullptr;
@@ -41,6 +41,8 @@ public:
     MotionManagerInterface* MotionManager = nullptr;
     KinematicsInterface* Kinematics = nullptr;
 };
+
+inline QuorvanController::~QuorvanController() = default;
 
 extern "C" {
 

@@ -95,7 +95,7 @@ public:
     VariablesInterface() = default;
     VariablesInterface(VariablesInterface const&) = delete;
     VariablesInterface& operator=(VariablesInterface const&) = delete;
-    virtual ~VariablesInterface() = default;
+    virtual ~VariablesInterface() = 0;
 
     ByteVariableInterface* byteVariable = nullptr;
     IntegerVariableInterface* integerVariable = nullptr;
@@ -106,6 +106,8 @@ public:
     BaseAxisPositionVariableInterface* basePositionVariable = nullptr;
     StationPositionVariableInterface* stationPositionVariable = nullptr;
 };
+
+inline VariablesInterface::~VariablesInterface() = default;
 
 /// Text forms such as "B005=12". They leave the stream's fill character at '0'.
 /// @{

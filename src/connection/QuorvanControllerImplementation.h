@@ -14,7 +14,7 @@ namespace harvlink {
 /// The one place that knows every implementation class. The engine is its first member and so outlives them all.
 class QuorvanControllerImplementation final : public QuorvanController {
 public:
-    /// Opens the engine and runs the start-up sequence. After a failure the object holds what was made until then.
+    /// Opens the engine and runs the start-up sequence. After a failure the object holds what it had made until then.
     QuorvanControllerImplementation(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retries,
                                     bool logging, StatusInfo& status);
 
@@ -32,7 +32,7 @@ public:
     /// Fills the engine's group list from "SYSTEM.SYS". Fails quietly: the list then stays empty.
     bool GetAttachedControlGroups();
 
-    /// -1 if the controller does not tell.
+    /// -1 if the controller does not answer.
     int GetNumberOfAxesInGroup(ControlGroupId group, StatusInfo& status);
 
     /// Adds base Bn for the n-th robot whose name line has a base.

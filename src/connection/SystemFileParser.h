@@ -10,7 +10,7 @@ namespace harvlink {
 
 /// Reads the controller's "SYSTEM.SYS": lines ended by line feeds, in sections that begin with a line "//NAME".
 ///
-/// The patterns are those of regular expressions, matched by hand: in time proportional to a line's length and without
+/// The patterns are simple ones, matched by hand: in time proportional to a line's length and without
 /// recursion, however long the line is.
 class SystemFileParser {
 public:
@@ -28,7 +28,7 @@ public:
     void GetSection(std::string const& name, std::vector<std::string>& lines);
 
     /// The first group that a line names: a robot R1 to R8, else a station. Of a station above 9 only the first digit is
-    /// seen. `present` tells whether there is one; the result is R1 otherwise.
+    /// seen. `present` says whether there is one; the result is R1 otherwise.
     ControlGroupId GetControlGroupFromLine(std::string const& line, bool& valid, bool& present) const;
 
     /// Replaces `groups` by the groups of all lines of a section, repeats included.

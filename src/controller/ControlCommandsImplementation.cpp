@@ -10,7 +10,7 @@ StatusInfo ControlCommandsImplementation::SetServos(SignalStatus state) {
     StatusInfo result = CarryOut(*networkManager, SwitchRequest{SwitchRequest::servos, state});
     networkManager->ResetTimeout();
 
-    // A fixed part of the exchange: the answer is not used.
+    // Always asked, also after a success; the answer is not used, on purpose.
     CheckExternalMode();
     if (result.StatusCode != 0 && !CheckExternalMode()) {
         result.Message = "Unable to turn on servos. Remote Mode is not selected.";

@@ -15,7 +15,7 @@ public:
     StatusInfo DisplayStringToPendant(std::string const& text) override;
     StatusInfo StartJob() override;
 
-    /// Whether the controller stands in remote mode; false too if it can't be asked.
+    /// Whether the controller is in remote mode; false too if it can't be asked.
     bool CheckExternalMode();
 
 private:

@@ -38,7 +38,7 @@ struct TorqueRequest : ControlGroupRequest<CommandNumber::TorqueRead> {
     using Reply = WireAxes;
     using ControlGroupRequest::ControlGroupRequest;
 
-    /// What a refusal carries is handed out too, unlike in the other reads.
+    /// The payload of a refusal is handed out too, unlike in the other reads.
     static StatusInfo Decode(StatusInfo status, IncomingPacket<Reply> const& reply, TorqueData& data);
 };
 

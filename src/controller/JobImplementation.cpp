@@ -14,7 +14,7 @@ constexpr int invalidLine = 20992;
 } // namespace
 
 StatusInfo JobImplementation::SetActiveJob(std::string const& name, unsigned line) {
-    // The extension counts: the length is that of the argument, before the extension is cut.
+    // The extension counts, on purpose: a name of 29 characters and ".JBI" is too long.
     if (name.size() > maxNameLength) {
         return StatusInformation(ErrorStatusCodes::InvalidJobNameLength);
     }

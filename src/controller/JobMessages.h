@@ -6,7 +6,7 @@
 
 namespace harvlink {
 
-/// Both directions: the whole record answers ExecutingJobRead, its first 36 bytes ask JobSelect.
+/// Both directions: the whole record answers ExecutingJobRead, its first 36 bytes are what JobSelect sends.
 struct JobMsg {
     std::array<char, 32> jobName{}; ///< upper case; a name of 32 characters has no terminator
     std::uint32_t line = 0;

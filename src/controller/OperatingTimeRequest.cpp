@@ -18,7 +18,7 @@ bool IsStation(ControlGroupId group) {
     return group >= ControlGroupId::S1 && group <= ControlGroupId::S24;
 }
 
-/// What a time counter's type says of its group, and the base of its instance numbers.
+/// Which groups have a time counter of this type, and the base of its instance numbers.
 struct TimeCounter {
     enum class Of : std::uint8_t { Everything, Robot, Station, Application };
 

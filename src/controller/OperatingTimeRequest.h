@@ -5,7 +5,7 @@
 
 namespace harvlink {
 
-/// The instance that no time counter has.
+/// Stands for a time counter that does not exist.
 inline constexpr std::uint16_t NoTimeCounter = 500;
 
 /// The instance of a time counter; NoTimeCounter if the type does not exist or does not go with the group.
@@ -14,7 +14,7 @@ std::uint16_t TimeCounterInstance(ControlGroupId group, TimeType type, Applicati
 /// Whether the type exists and goes with the group, whatever the application.
 bool HasTimeCounter(TimeType type, ControlGroupId group);
 
-/// What a time counter that does not exist gives, whoever finds that out.
+/// Code and text of a time counter that does not exist, whether the library or the controller finds out.
 StatusInfo NoSuchTimeCounter();
 
 struct OperatingTimeRequest {

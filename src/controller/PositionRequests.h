@@ -10,7 +10,7 @@ namespace harvlink {
 /// Which of the two requests reads a position: pulses, and everything below `VersionYA`, come with RobotPositionRequest.
 bool IsReadByRobotPosition(CoordinateType type, ControllerVersion version);
 
-/// A type that the request that reads the position does not serve.
+/// Code and text of a coordinate type in which the controller does not give positions.
 StatusInfo InvalidPositionType();
 
 /// Pulses or base coordinates with the active tool; every controller understands it.
@@ -24,7 +24,7 @@ struct RobotPositionRequest {
     RobotPositionRequest(ControlGroupId group, CoordinateType type);
     static bool Serves(CoordinateType type);
 
-    /// What a refusal carries is converted too.
+    /// The payload of a refusal is converted too.
     static StatusInfo Decode(StatusInfo status, ReplyTo<RobotPositionRequest> const& reply, PositionData& position);
 };
 

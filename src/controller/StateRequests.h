@@ -7,7 +7,7 @@
 
 namespace harvlink {
 
-/// The controller's state words as they read.
+/// What the first state word says.
 CycleMode RunningModeOf(std::bitset<8> const& firstWord);
 ControllerStateData::ControlMode ControlModeOf(std::bitset<8> const& firstWord);
 
@@ -23,7 +23,7 @@ struct StateRequest {
     static StatusInfo Decode(StatusInfo status, ReplyTo<StateRequest> const& reply, ControllerStateData& state);
 };
 
-/// Whether remote mode is on. False too if the controller does not say, except that a refusal's payload counts.
+/// Whether remote mode is on. False without an answer; the payload of a refusal counts like one.
 struct RemoteModeRequest {
     using Reply = CheckControlModeReturnData;
     static constexpr CommandNumber command = CommandNumber::StatusRead;

@@ -24,7 +24,7 @@ std::uint32_t TakeNumber(std::string& text, char mark) {
     return static_cast<std::uint32_t>(number);
 }
 
-/// The first field that can't be read decides which exception it is.
+/// The first field that can't be read decides which exception is thrown.
 ElapsedTime ParseElapsedTime(std::string text) {
     std::uint32_t const hours = TakeNumber(text, ':');
     std::uint32_t const minutes = TakeNumber(text, '\'');

@@ -18,14 +18,14 @@ struct FileStep {
 };
 
 /// A file, or a list of names, on its way from the controller: an opening request, then an acknowledgement of each block,
-/// which is answered by the next one. The last acknowledgement is not answered.
+/// which is answered by the next block. The last acknowledgement is not answered.
 ///
 /// As a RequestSequence: `Next` gives the datagram to send, `Take` consumes its answer, and `Result` is the status of the
 /// whole. One reply record serves all steps; its payload is cleared before each that waits.
 class FileDownload {
 public:
-    /// Begins with an opening request, of a file to save or a pattern to list. A list goes on after a failed opening request, on purpose: its block is treated
-    /// like any other, and silence shows in the exchange that follows.
+    /// Begins with an opening request: for a file to save or a pattern to list. A list goes on after a failed opening
+    /// request, on purpose: its block is treated like any other, and silence shows in the exchange that follows.
     FileDownload(FileServices service, std::string_view name);
 
     /// Goes on behind the block in `reply`, whose text is taken already.

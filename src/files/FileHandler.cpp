@@ -91,7 +91,7 @@ StatusInfo FileHandler::LoadToControllerFromPath(std::string const& path) {
 StatusInfo FileHandler::ReadDiskFile(std::string const& path, std::vector<FileBlock>& blocks) const {
     std::error_code ignored;
     std::ifstream stream;
-    // A pipe or a device may keep its reader waiting for ever, or never end.
+    // A pipe or a device may block its reader for ever, or never end.
     if (std::filesystem::is_regular_file(path, ignored)) {
         stream.open(path, std::ios::binary);
     }
@@ -100,7 +100,7 @@ StatusInfo FileHandler::ReadDiskFile(std::string const& path, std::vector<FileBl
         blocks.reserve(ignored ? 0 : size / FileBlockSize + 1);
         ReadFileIntoBuffer(stream, blocks);
     }
-    // End of file is how a stream that was read whole ends.
+    // A stream that was read to its end is at end of file; any other state is a failure.
     return stream.eof() ? Ok() : GetIfStreamError(std::ios_base::failure("read"));
 }
 

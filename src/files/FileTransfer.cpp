@@ -13,7 +13,7 @@ namespace {
 
 constexpr int fileNotWritable = static_cast<int>(FileErrorHandling::FileErrors::FileNotWritable);
 
-// The controller works on after a tool file or a refused write, and takes no request meanwhile.
+// After a tool file or a refused write the controller is busy for a while and takes no request.
 void LetControllerSettle() {
     std::this_thread::sleep_for(std::chrono::seconds(3));
 }

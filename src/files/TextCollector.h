@@ -19,7 +19,7 @@ public:
         size += piece.size();
     }
 
-    /// Appends all to `text` and is empty then.
+    /// Appends all to `text` and leaves this empty.
     void MoveTo(std::string& text) {
         text.reserve(text.size() + size);
         for (std::string const& chunk : chunks) {

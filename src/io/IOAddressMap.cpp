@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-// Two tables side by side, to be held against the controller's manual. They are uneven on purpose and do not always
+// Two tables side by side, to be compared with the controller's manual. They are uneven on purpose and do not always
 // agree; neither follows from the other. Rows are in the order of IOType.
 
 namespace harvlink {

@@ -8,10 +8,10 @@
 
 namespace harvlink {
 
-/// Gives the codes of signals their text; the code stays.
+/// Gives a refusal the text of the signal table; the code stays.
 void ApplyIOTable(StatusInfo& status);
 
-/// Code and text of an address that does not exist, whoever finds that out.
+/// Code and text of an address that does not exist, whether the library or the controller finds out.
 StatusInfo InvalidIOAddress();
 
 /// Reads the eight signals of a group.
@@ -24,7 +24,7 @@ struct SignalGroupRead {
     /// Of the group's first signal; a multiple of 10.
     explicit SignalGroupRead(unsigned int address) : instance(static_cast<std::uint16_t>(address / 10)) {}
 
-    /// What a refusal carries is handed out too.
+    /// The payload of a refusal is handed out too.
     static StatusInfo Decode(StatusInfo status, ReplyTo<SignalGroupRead> const& reply, unsigned char& value);
 };
 

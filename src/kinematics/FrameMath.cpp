@@ -3,7 +3,7 @@
 #include <cmath>
 #include <ostream>
 
-// Built without contraction of products and sums, so that results are those of the formulas to the last bit.
+// Built without contraction of products and sums, so that every machine gives the same results to the last bit.
 
 namespace harvlink {
 namespace {

@@ -138,6 +138,15 @@ KinematicType Kinematics::GetKinematicType() {
     return type;
 }
 
+/// Not virtual, so that no slot of the interface moves. Another implementation of the interface has no parameter to ask.
+StatusInfo KinematicsInterface::CheckInputCartPosParams(std::optional<KinematicType> type, bool previousAngleGiven) {
+    if (auto* const kinematics = dynamic_cast<Kinematics*>(this)) {
+        return kinematics->CheckInputCartPosParams(type, previousAngleGiven);
+    }
+    return StatusInformation(type == KinematicType::KinematicFromSystem ? ErrorStatusCodes::InvalidSystemKinematicType
+                                                                        : ErrorStatusCodes::Ok);
+}
+
 StatusInfo Kinematics::CheckInputCartPosParams(std::optional<KinematicType> type, bool previousAngleGiven) {
     if (type != KinematicType::KinematicFromSystem) {
         return StatusInformation(ErrorStatusCodes::Ok);

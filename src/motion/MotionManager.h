@@ -65,7 +65,7 @@ public:
     StatusInfo SendTarget(MotionStep const& step);
     bool SetTargetProfile(MotionStep const& step, StatusInfo& status);
 
-    /// The cached setters: each sends only what differs from what the group was last told, and remembers it if the
+    /// The cached setters: each sends only what differs from what was last sent for the group, and remembers it if the
     /// controller took it. False if it did not.
     bool SetTargetCoords(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status);
     bool SetTargetSpeed(TargetProfile const& profile, TargetControlGroup group, MoveInterpolationType type,

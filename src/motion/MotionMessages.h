@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <iosfwd>
 
 #include "harvlink/MotionManagerInterface.h"
 #include "position/PositionMessages.h"
@@ -24,12 +23,6 @@ enum class TargetControlGroup : std::int32_t {
 
 inline constexpr std::size_t MotionSlots = 4;
 
-/// Speeds in the units of the wire.
-struct SpeedStruct {
-    std::int32_t jointSpeed = 0; ///< 0.01 %
-    std::int32_t linearSpeed = 0; ///< 0.1 mm/s
-    std::int32_t angularSpeed = 0;
-};
 static_assert(sizeof(SpeedStruct) == 12);
 static_assert(offsetof(SpeedStruct, linearSpeed) == 4);
 static_assert(offsetof(SpeedStruct, angularSpeed) == 8);
@@ -127,11 +120,5 @@ static_assert(sizeof(SetAlarmMsg) == 36);
 static_assert(offsetof(SetAlarmMsg, text) == 2);
 static_assert(offsetof(SetAlarmMsg, subCode) == 34);
 static_assert(offsetof(SetAlarmMsg, padding) == 35);
-
-/// Three lines of raw integers; the unit words are those of the format, not of the numbers.
-std::ostream& operator<<(std::ostream& stream, SpeedStruct const& speed);
-
-/// Eight values separated by ", ".
-std::ostream& operator<<(std::ostream& stream, std::array<double, 8> const& axes);
 
 } // namespace harvlink

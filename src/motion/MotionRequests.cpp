@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::uint32_t motionSlotParameterType = 11;
 
-/// The controller counts robots, bases and stations on without gaps.
+/// The controller numbers robots, bases and stations without gaps: 1 to 8, 9 to 16, 17 and up.
 ControlGroupId GroupOfContinuousNumber(std::int32_t number) {
     if (number < 9) {
         return static_cast<ControlGroupId>(number);

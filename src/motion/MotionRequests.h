@@ -6,7 +6,7 @@
 
 namespace harvlink {
 
-/// What starts, stops or prepares motion: a record whose answer carries no more than a status.
+/// A request that starts, stops or prepares motion. Its answer carries a status and nothing else.
 template <CommandNumber number, typename Message>
 struct MotionRequest {
     using Reply = std::uint8_t;
@@ -32,7 +32,7 @@ using SetAccelRatioRequest = MotionRequest<CommandNumber::MotionSetAccelRatio, S
 using SetDecelRatioRequest = MotionRequest<CommandNumber::MotionSetDecelRatio, SetDecelRatioMsg>;
 using SetConfigRequest = MotionRequest<CommandNumber::MotionSetConfig, RobotConfigMsg>;
 
-/// How far the target that a motion slot runs to has been reached. 0 after a failure.
+/// How many targets a motion slot has reached, with the part of the way to the next. 0 after a failure.
 struct TargetProgressRequest {
     using Reply = double;
     static constexpr CommandNumber command = CommandNumber::MotionTargetProgress;
@@ -65,7 +65,7 @@ struct SetAlarmRequest {
     static constexpr std::uint16_t instance = 0;
     SetAlarmMsg payload;
 
-    /// Of the text the first 31 bytes count.
+    /// Only the first 31 bytes of the text are sent.
     SetAlarmRequest(std::string_view text, std::uint8_t subCode);
 };
 

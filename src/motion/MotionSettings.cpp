@@ -4,12 +4,12 @@
 #include "wire/HelperFunction.h"
 #include "wire/WireInteger.h"
 
-// The settings of a group: sent before a target only as far as they changed, or directly.
+// The settings of a group: before a target only those that changed are sent; the direct setters always send.
 
 namespace harvlink {
 namespace {
 
-/// The first nine fields: E and W are not looked at, though they are remembered.
+/// The first nine fields: E and W are not compared, though they are remembered, on purpose.
 bool IsSameConfiguration(Figure const& a, Figure const& b) {
     return a.frontOrBack == b.frontOrBack && a.upperOrLower == b.upperOrLower && a.flipOrNoFlip == b.flipOrNoFlip &&
            a.sAngle == b.sAngle && a.lAngle == b.lAngle && a.uAngle == b.uAngle && a.rAngle == b.rAngle &&

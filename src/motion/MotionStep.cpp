@@ -15,7 +15,7 @@ bool IsRatioOutOfRange(double ratio) {
 Target::Target(Motion const& motion)
     : moveType(motion.moveType), axes(ScalingOf(motion.position.coordinateType).ToWire(motion.position.axes)) {
     if (moveType == MoveInterpolationType::Circle) {
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): a plain record tells its type by the move alone
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): only the move type says which record it is
         auto const& circular = static_cast<CircularMotion const&>(motion);
         auxiliaryAxes = ScalingOf(motion.position.coordinateType).ToWire(circular.auxiliaryAxes);
     }

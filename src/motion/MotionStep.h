@@ -11,7 +11,8 @@ namespace harvlink {
 
 inline constexpr int InvalidControlGroup = 3370; ///< the status of a motion for a group that has no slot
 
-/// Settings of one group for one step. As constructed: what the controller is taken to have been told at the start.
+/// Settings of one group for one step. As constructed: what the controller is assumed to
+/// have at the start, so that the first step sends what differs from it.
 struct TargetProfile {
     double accelerationRatio = RatioNotSpecified;
     double decelerationRatio = RatioNotSpecified;
@@ -40,7 +41,7 @@ struct MotionStep {
     std::array<TargetProfile, MotionSlots> profiles{}; ///< by TargetControlGroup
 
     /// Checks a motion and makes it the group's target, replacing one that stood there. A NoMove motion is accepted
-    /// unchecked and changes nothing. `status` tells why a motion is refused.
+    /// unchecked and changes nothing. `status` says why a motion is refused.
     bool SetTarget(Motion const& motion, TargetControlGroup group, StatusInfo& status);
     bool SetTarget(Motion const& motion, GroupNumberMap const& map, StatusInfo& status);
 };

@@ -63,7 +63,7 @@ void TrajectoryQueue::PopFront() {
     if (blocks.size() > 1) {
         blocks.pop_front();
     } else {
-        blocks.front().clear(); // its room serves the next steps
+        blocks.front().clear(); // keeps its memory for the next steps
     }
     isEmpty.store(blocks.front().empty(), std::memory_order_release);
 }

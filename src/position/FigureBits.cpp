@@ -4,7 +4,7 @@
 
 namespace harvlink {
 
-// On purpose not FigureToBitsets: here a field goes out with all of its value, not as one bit.
+// On purpose not FigureToBitsets: here a field goes out with its whole value, not as one bit.
 std::uint32_t FigureWord(Figure const& figure) {
     auto const shifted = [](auto field, unsigned bit) { return static_cast<std::uint32_t>(field) << bit; };
     return shifted(figure.frontOrBack, 0) | shifted(figure.upperOrLower, 1) | shifted(figure.flipOrNoFlip, 2) |

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <iosfwd>
 #include <type_traits>
 
 #include "harvlink/PositionData.h"
@@ -12,19 +11,7 @@ namespace harvlink {
 
 using WireAxes = std::array<std::int32_t, 8>;
 
-/// Coordinate types as the extended commands number them.
-enum class UAPICoordType : std::int32_t {
-    UAPIPulse = 0,
-    UAPIJointAngle = 1,
-    UAPIBase = 2,
-    UAPIRobot = 3,
-    UAPIUser = 4,
-    UAPITool = 6,
-    UAPIMasterTool = 7,
-    UAPIInvalid = 255, ///< of a CoordinateType without an extended number
-};
-
-/// A position on the older road: robot position variables and the older position read.
+/// A position as robot position variables and RobotPositionRead carry it.
 struct RobotPositionMsg {
     std::uint32_t coordinateType = 0; ///< a CoordinateType
     std::uint32_t figure = 0; ///< bits 0 to 5
@@ -54,7 +41,7 @@ struct StationPositionVariableMsg {
 static_assert(sizeof(StationPositionVariableMsg) == 36);
 static_assert(offsetof(StationPositionVariableMsg, axes) == 4);
 
-/// A position on the extended road. Carries no extended figure: the angles L, U, B, E and W of a Figure are lost.
+/// A position as the extended commands carry it. Has no extended figure: the angles L, U, B, E and W of a Figure are lost.
 struct UAPIPositionData {
     UAPICoordType coordinateType{};
     std::int16_t userCoordinateNumber = 0;
@@ -65,10 +52,10 @@ struct UAPIPositionData {
 
     UAPIPositionData() = default;
 
-    /// With `axesAreJointAngles` the axes are joint angles in degrees, whatever the position's type claims.
+    /// With `axesAreJointAngles` the axes are joint angles in degrees, whatever the position's type says.
     UAPIPositionData(PositionData const& position, bool axesAreJointAngles);
 
-    /// Joint angles come out with type RobotCoordinate: who asked for them sets JointAngle.
+    /// Joint angles come out with type RobotCoordinate; the caller that asked for joint angles sets JointAngle.
     operator PositionData() const; // NOLINT(google-explicit-constructor): the wire form of a position is one
 };
 static_assert(sizeof(UAPIPositionData) == 48);
@@ -87,8 +74,5 @@ UAPICoordType CoordinateTypeToUAPICoordType(CoordinateType type);
 CoordinateType UAPICoordTypeToCoordinateType(UAPICoordType type);
 
 } // namespace UAPIUtils
-
-/// Words of a table of its own, which is on purpose not the meaning of the numbers above.
-std::ostream& operator<<(std::ostream& stream, UAPICoordType const& type);
 
 } // namespace harvlink

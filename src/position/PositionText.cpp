@@ -72,7 +72,7 @@ std::ostream& operator<<(std::ostream& stream, CoordinateType const& type) {
         return stream << "UserCoordinate";
     case CoordinateType::MasterTool:
         return stream << "MasterTool";
-    default: // Undefined and JointAngle have no words, on purpose
+    default: // Undefined and JointAngle have no text, on purpose
         return stream << "Unknown CoordinateType";
     }
 }

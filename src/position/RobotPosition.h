@@ -5,7 +5,8 @@
 
 namespace harvlink {
 
-/// Between a position and the older road's record; the coordinate type of the source decides the scaling.
+/// Between a position and its record in RobotPositionRead and robot position variables. The coordinate type of the source
+/// decides the scaling.
 PositionData FromRobotPositionMsg(RobotPositionMsg const& message);
 RobotPositionMsg ToRobotPositionMsg(PositionData const& position);
 

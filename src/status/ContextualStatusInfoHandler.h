@@ -5,7 +5,7 @@
 
 namespace harvlink {
 
-/// Gives a status the words of its context. Unlike HelperFunction::GetStatusInfo this never changes the code.
+/// Gives a status the text of its subsystem. Unlike HelperFunction::GetStatusInfo this never changes the code.
 template <typename Code>
 class ContextualStatusInfoHandler {
 public:

@@ -19,7 +19,7 @@ void HarvlinkLogger::LogStatusInfo(StatusInfo const& status) {
         std::ofstream file("HarvlinkLog.txt", std::ios::app);
         file << GetFormattedTime() << ' ' << status << std::endl;
     } catch (std::exception const&) {
-        // A diagnostic line is never worth a failure of the thread that writes it.
+        // A log line that cannot be written must not stop the thread that feeds the controller.
         return;
     }
 }

@@ -6,7 +6,7 @@
 
 namespace harvlink {
 
-/// A small trail for failures that happen where no caller is: one line per status, appended to "HarvlinkLog.txt" in the
+/// Records failures that have no caller to return to: one line per status, appended to "HarvlinkLog.txt" in the
 /// working directory. Holds no state and no lock: each line is written through a stream of its own.
 class HarvlinkLogger {
 public:

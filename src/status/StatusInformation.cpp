@@ -37,7 +37,7 @@ void StatusInformation::GetError(std::string& message, int code) const {
 }
 
 std::ostream& operator<<(std::ostream& stream, StatusInfo const& status) {
-    // In plain decimal, whatever the program has set for its own numbers: lines of the log are made here too.
+    // In plain decimal, whatever format the program has set on its stream: the lines of the log are made here too.
     return stream << "Code (" << std::to_string(status.StatusCode) << "): " << status.Message;
 }
 

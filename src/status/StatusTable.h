@@ -37,7 +37,7 @@ private:
     std::span<StatusText<Code> const> rows;
 };
 
-/// Sorts rows by code. Rows with the same code keep their order, so that the first of them can be told.
+/// Sorts rows by code. Rows with the same code keep their order, because the first of them counts.
 template <typename Code, std::size_t count>
 consteval std::array<StatusText<Code>, count> SortRows(std::array<StatusText<Code>, count> rows) {
     for (std::size_t end = 1; end < count; ++end) {

@@ -30,7 +30,7 @@ StatusInfo StringRead::Decode(StatusInfo status, IncomingPacket<Reply> const& re
     variable = {};
     variable.variableIndex = index;
     if (status.StatusCode == 0) {
-        // The length is the reply's, so zero bytes inside stay; what it claims beyond the field is not there.
+        // The reply's header gives the length, so zero bytes inside stay. It is cut to the field: a header can claim more.
         std::size_t const length = std::min<std::size_t>(reply.header.payloadSize, reply.payload.size());
         variable.value.assign(reply.payload.begin(), length);
     }

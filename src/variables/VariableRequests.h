@@ -11,13 +11,13 @@ namespace harvlink {
 
 inline constexpr unsigned MaxVariableIndex = 2048;
 
-/// Code and text of a variable that does not exist, whoever finds that out.
+/// Code and text of a variable that does not exist, whether the library or the controller finds out.
 StatusInfo InvalidVariableIndex();
 
 /// The controller's "Instance value is invalid" means here that the variable does not exist.
 void TranslateInstanceError(StatusInfo& status);
 
-/// The instance of a variable. Parameter RS022 at 0 has the controller count variables from 1.
+/// The instance of a variable. With parameter RS022 at 0 the controller counts variables from 1.
 constexpr std::uint16_t VariableInstance(unsigned short index, int rs22State) {
     return static_cast<std::uint16_t>(rs22State == 0 ? index + 1 : index);
 }
@@ -44,7 +44,7 @@ struct VariableRead {
           service(IsPositionVariable(kind) ? Service::ReadAll : Service::ReadOne) {}
 };
 
-/// The write of a variable, as VariableRead.
+/// The write of a variable. The same rules as for VariableRead.
 template <typename Value>
 struct VariableWrite {
     using Reply = std::uint8_t;
@@ -88,7 +88,7 @@ struct StringRead : VariableRead<VariableText> {
     StatusInfo Decode(StatusInfo status, IncomingPacket<Reply> const& reply, StringVariableData& variable) const;
 };
 
-/// A text that is longer than a variable is cut, and the success says so.
+/// A text that is longer than a variable is cut; the message of the success says so.
 struct StringWrite : VariableWrite<VariableText> {
     bool isTruncated;
 

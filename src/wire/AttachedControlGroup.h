@@ -15,7 +15,7 @@ struct AttachedControlGroup {
     explicit AttachedControlGroup(std::string const& text);
 
     ControlGroupId Id{};
-    std::uint32_t NumberOfAxes = 0; ///< -1 as unsigned if the controller could not tell
+    std::uint32_t NumberOfAxes = 0; ///< -1 as unsigned if the controller did not answer
 };
 
 } // namespace harvlink

@@ -75,7 +75,7 @@ ControlGroupId ControlGroupFromString(std::string const& text, bool& valid) {
     if (kind == kinds.npos) {
         return ControlGroupId::R1;
     }
-    valid = text.front() != 'R'; // on purpose: only of a robot the number must have been read
+    valid = text.front() != 'R'; // on purpose: only for a robot does an unreadable number count as invalid
     std::int64_t const number = std::stoi(text.substr(1));
     valid = true;
     return static_cast<ControlGroupId>(static_cast<std::int32_t>(number + firstNumberOfKind[kind]));

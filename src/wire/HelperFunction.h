@@ -31,7 +31,7 @@ void SplitStringOnCLRF(std::vector<std::string>& out, std::string_view const& te
 /// Appends the fields of `text` to `out`. An empty field between two separators is kept; one behind the last is not.
 void SplitStringOnChar(std::vector<std::string>& out, std::string_view const& text, char separator, bool sort);
 
-/// Whether a tool may be named; the upper bound is inclusive.
+/// Whether the controller has the tool. The upper bound is inclusive, on purpose.
 bool DoesToolFileExist(int toolFileCount, int toolNumber);
 
 /// The group that "R1", "B2" or "S12" names. `valid` is false, and the result R1, if the first letter is none of these.

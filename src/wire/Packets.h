@@ -11,7 +11,7 @@
 
 /// @file
 /// The datagrams, as records whose memory is the datagram. All members lie on their natural boundaries, so there are no
-/// gaps to pack away; the asserts hold that.
+/// gaps; the asserts check that.
 
 namespace harvlink {
 
@@ -92,7 +92,7 @@ inline constexpr std::size_t HeaderSize = sizeof(CommonHeader) + sizeof(SubHeade
 inline constexpr std::size_t FileBlockSize = 479;
 inline constexpr std::size_t FileNameSize = 32;
 
-/// What the payload of a request that carries none is declared as. It is never sent.
+/// Stands as payload in a request that has none. It is never sent.
 using NoPayload = std::uint32_t;
 
 /// A packet as the exchange sees it, whatever its payload.

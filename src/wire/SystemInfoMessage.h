@@ -5,7 +5,7 @@
 
 namespace harvlink {
 
-/// Reply to SystemInformationRead; also what the generation of a controller is told by.
+/// Reply to SystemInformationRead; its first letters also give the generation.
 struct SystemInfoReturnMsg {
     std::array<char, 24> softwareVersion{};
     std::array<char, 16> modelName{};

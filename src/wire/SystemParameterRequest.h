@@ -5,7 +5,8 @@
 
 namespace harvlink {
 
-/// Reads one system parameter of a controller from `VersionYA` up. Who reads it gives the codes their meaning.
+/// Reads one system parameter of a controller from `VersionYA` up. Each subsystem that reads one decodes
+/// the reply itself, because the same codes mean different things to them.
 struct SystemParameterRequest {
     using Reply = std::int32_t;
     static constexpr CommandNumber command = CommandNumber::SystemParameterRead;

@@ -340,7 +340,8 @@ TEST_F(Behaviour, TableHoldsEveryOperation) {
         {"KinematicsInterface.h", std::regex("kinematics_interface_.*"), 1, 0},
     };
     for (auto const& [header, plainName, namesForEachMethod, furtherNames] : headers) {
-        std::size_t const methods = Count(ContentOf(root / "include/harvlink" / header), std::regex("\\) = 0;"));
+        std::string const text = ContentOf(root / "include/harvlink" / header);
+        std::size_t const methods = Count(text, std::regex("\\) = 0;")) - Count(text, std::regex("~\\w+\\(\\) = 0;"));
         auto const isOfThis = [&form = plainName](std::string const& name) { return std::regex_match(name, form); };
         EXPECT_EQ(static_cast<std::size_t>(std::ranges::count_if(names, isOfThis)),
                   methods * namesForEachMethod + furtherNames)

@@ -36,7 +36,8 @@ private:
 
 std::vector<std::string> PlainStack(std::vector<std::string> jobs) {
     StackedJobs stacked(std::move(jobs));
-    QuorvanController controller;
+    struct : QuorvanController {
+    } controller;
     controller.Job = &stacked;
     ControllerCell cell{&controller};
     IJobStack plain;

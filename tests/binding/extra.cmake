@@ -4,3 +4,5 @@ if(BUILD_SHARED_LIBS)
     add_test(NAME binding.exported_names COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/binding/exported-names" $<TARGET_FILE:harvlink>
              "${PROJECT_SOURCE_DIR}/cmake/exported-symbols.txt")
 endif()
+# Its directive for the whole file would reach the others.
+set_source_files_properties("${CMAKE_CURRENT_SOURCE_DIR}/binding/BothInterfacesTest.cpp" PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)

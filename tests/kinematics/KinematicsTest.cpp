@@ -207,8 +207,10 @@ TEST_F(Conversions, SystemParameterDecidesOnlyWhenAsked) {
             controller.Expect(request, reply);
         }
         EXPECT_EQ(kinematics.GetKinematicType(), type);
-        EXPECT_EQ(kinematics.CheckInputCartPosParams(KinematicFromSystem, false).StatusCode, codeWithout);
-        EXPECT_EQ(kinematics.CheckInputCartPosParams(KinematicFromSystem, true).StatusCode, codeWith);
+        EXPECT_EQ(kinematics.KinematicsInterface::CheckInputCartPosParams(KinematicFromSystem, false).StatusCode,
+                  codeWithout);
+        EXPECT_EQ(kinematics.KinematicsInterface::CheckInputCartPosParams(KinematicFromSystem, true).StatusCode,
+                  codeWith);
     }
     for (auto const type : {std::optional<KinematicType>(), std::optional(Delta), std::optional(KinematicFigure)}) {
         EXPECT_EQ(kinematics.CheckInputCartPosParams(type, false).StatusCode, 0);
