@@ -21,8 +21,8 @@ struct Arrival {
     Arrival(std::size_t datagramLength) : length(datagramLength) {}
 };
 
-/// The two ports of a controller as the exchange sees them. One implementation talks to sockets; another stands in for
-/// them where replies are made up.
+/// The two ports of a controller as the exchange sees them. One implementation uses sockets; tests replace it
+/// by others that make up the replies.
 class DatagramTransport {
 public:
     DatagramTransport() = default;
@@ -30,7 +30,7 @@ public:
     DatagramTransport& operator=(DatagramTransport const&) = delete;
     virtual ~DatagramTransport() = default;
 
-    /// Sends one datagram to the port that serves the division. Its fate is unknown, as with any datagram.
+    /// Sends one datagram to the port that serves the division. Whether it arrives is unknown, as with any datagram.
     virtual void Send(Division division, std::span<std::byte const> datagram) = 0;
 
     /// Waits for at most `period` until a datagram is there, and reads one into `buffer`. A longer one is cut. `asked` is

@@ -28,8 +28,8 @@ namespace harvlink {
 /// next begins. The group list and the generation are written while a connection opens and only read afterwards.
 class NetworkManager {
 public:
-    /// Opens the sockets and probes the controller's generation. `status` reports the first failure; the object can be
-    /// destroyed then, and nothing else.
+    /// Opens the sockets and probes the controller's generation. `status` reports the first failure; after a failure
+    /// the object can only be destroyed.
     NetworkManager(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retryCount, StatusInfo& status,
                    ConnectionPolicy const& connectionPolicy = {});
 

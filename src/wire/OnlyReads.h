@@ -11,7 +11,7 @@ namespace harvlink {
 /// A command and service on the port of a division.
 struct PortCommand {
     Division division;
-    CommandNumber command; ///< none on the file port, where the service alone says what is meant
+    CommandNumber command; ///< 0 on the file port, where the service alone decides
     std::uint8_t service;
 
     constexpr PortCommand(CommandNumber number, std::uint8_t commandService)

@@ -10,7 +10,7 @@
 
 namespace harvlink {
 
-/// The library's locks, in the order in which a thread may wait for them: only for one behind all that it holds.
+/// The library's locks, in the order in which a thread may wait for them: only for a lock of a higher rank than all it holds.
 enum class LockRank : std::uint8_t { MotionQueue, MotionTargets, FirstExchange, SecondExchange };
 
 #ifdef NDEBUG
@@ -21,11 +21,11 @@ using RankedMutex = std::mutex;
 #else
 
 /// One bit for each rank of which this thread holds a lock.
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): of each thread alone
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): every thread has its own
 inline thread_local unsigned heldLockRanks = 0;
 
-/// A mutex that ends the program when it is waited for out of order, so that the mere chance of a deadlock shows. One that
-/// is only tried makes nobody wait, and may be held in any order.
+/// A mutex that ends the program when it is waited for out of order, so that even a possible deadlock shows. A lock that
+/// is only tried never waits and may be taken in any order.
 template <LockRank rank>
 class RankedMutex {
 public:

@@ -44,7 +44,7 @@ sockaddr const* AsAddress(sockaddr_in const& endpoint) {
 #if defined(__linux__) && defined(__LP64__)
 
 /// The system call itself, because it writes the time that is left back to `remaining`, which the C library's wrapper
-/// hides. So a wait costs no look at the clock, and one that a signal interrupts goes on for the rest of its period.
+/// hides. So a wait needs no clock, and one that a signal interrupts goes on for the rest of its period.
 int PollOnce(std::span<pollfd> sockets, timespec& remaining) {
     return static_cast<int>(::syscall(SYS_ppoll, sockets.data(), sockets.size(), &remaining, nullptr, 0));
 }
@@ -129,7 +129,7 @@ bool UdpTransport::Renew(Division division) {
 void UdpTransport::Send(Division division, std::span<std::byte const> datagram) {
     constexpr int flags = MSG_DONTWAIT | MSG_NOSIGNAL;
     Port const& port = PortOf(division);
-    // A datagram that can't be sent is one that is lost: it shows as a time-out.
+    // A datagram that can't be sent counts as lost: it shows as a time-out.
     if (!isConnected) {
         (void)::sendto(port.socket, datagram.data(), datagram.size(), flags, AsAddress(port.endpoint),
                        sizeof(port.endpoint));
