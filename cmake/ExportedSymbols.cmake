@@ -15,6 +15,8 @@ function(harvlink_limit_exports target)
             harvlink::operator*;
             harvlink::AxisIndex::operator*;
             harvlink::KinematicsInterface::CheckInputCartPosParams*;
+            harvlink::QuorvanController::GetConnectionStatistics*;
+            "harvlink::Connect(harvlink::ConnectOptions const&, harvlink::StatusInfo&)";
         };
     local: *;
 };

@@ -20,6 +20,7 @@ class JobInterface;
 class KinematicsInterface;
 class MotionManagerInterface;
 class VariablesInterface;
+struct ConnectionStatistics;
 
 /// A connection to one controller. The ten interfaces belong to it and live as long as it does. Their operations may be
 /// called from several threads at once; CloseConnection must not be called while one of them runs.
@@ -40,6 +41,10 @@ public:
     ControlCommandsInterface* ControlCommands = nullptr;
     MotionManagerInterface* MotionManager = nullptr;
     KinematicsInterface* Kinematics = nullptr;
+
+    /// What the connection has seen of its link, however it was opened; include ConnectionStatistics.h. All zero for a
+    /// class of your own. May be called from any thread at any time, does not wait and raises no exception.
+    HARVLINK_EXPORT ConnectionStatistics GetConnectionStatistics() const;
 };
 
 inline QuorvanController::~QuorvanController() = default;

@@ -10,6 +10,7 @@
 #include "controller/JobImplementation.h"
 #include "controller/StatusImplementation.h"
 #include "files/FileHandler.h"
+#include "harvlink/ConnectionStatistics.h"
 #include "io/IOImplementation.h"
 #include "kinematics/Kinematics.h"
 #include "motion/MotionManager.h"
@@ -19,6 +20,14 @@
 
 namespace harvlink {
 namespace {
+
+constexpr int emptyOrMissingFile = 58012;
+constexpr int missingFile = 58035;
+
+/// What a controller without tools answers for their file: an answer like any other, not the lack of one.
+bool IsAbsence(StatusInfo const& status) {
+    return status.StatusCode == emptyOrMissingFile || status.StatusCode == missingFile;
+}
 
 template <typename Interface>
 void Delete(Interface*& interface) {
@@ -30,8 +39,9 @@ void Delete(Interface*& interface) {
 
 QuorvanControllerImplementation::QuorvanControllerImplementation(std::string const& ipAddress,
                                                                  unsigned timeoutMilliseconds, unsigned retries,
-                                                                 bool logging, StatusInfo& status)
-    : QuorvanControllerImplementation(ipAddress, timeoutMilliseconds, retries, status) {
+                                                                 bool logging, StatusInfo& status,
+                                                                 ConnectionPolicy const& policy)
+    : QuorvanControllerImplementation(ipAddress, timeoutMilliseconds, retries, status, policy) {
     if (status.StatusCode == 0) {
         StartUp(logging, status);
     }
@@ -39,8 +49,9 @@ QuorvanControllerImplementation::QuorvanControllerImplementation(std::string con
 
 QuorvanControllerImplementation::QuorvanControllerImplementation(std::unique_ptr<DatagramTransport> transport,
                                                                  unsigned timeoutMilliseconds, unsigned retries,
-                                                                 bool logging, StatusInfo& status)
-    : QuorvanControllerImplementation(std::move(transport), timeoutMilliseconds, retries, status) {
+                                                                 bool logging, StatusInfo& status,
+                                                                 ConnectionPolicy const& policy)
+    : QuorvanControllerImplementation(std::move(transport), timeoutMilliseconds, retries, status, policy) {
     if (status.StatusCode == 0) {
         StartUp(logging, status);
     }
@@ -48,8 +59,9 @@ QuorvanControllerImplementation::QuorvanControllerImplementation(std::unique_ptr
 
 template <typename Peer>
 QuorvanControllerImplementation::QuorvanControllerImplementation(Peer&& peer, unsigned timeoutMilliseconds,
-                                                                 unsigned retries, StatusInfo& status)
-    : networkManager(std::forward<Peer>(peer), timeoutMilliseconds, retries, status) {}
+                                                                 unsigned retries, StatusInfo& status,
+                                                                 ConnectionPolicy const& policy)
+    : networkManager(std::forward<Peer>(peer), timeoutMilliseconds, retries, status, policy) {}
 
 QuorvanControllerImplementation::~QuorvanControllerImplementation() {
     Delete(ControlGroup);
@@ -68,14 +80,51 @@ void QuorvanControllerImplementation::StartUp(bool logging, StatusInfo& status) 
     Status = new StatusImplementation(&networkManager);
     Files = new FileHandler(&networkManager);
     auto const rs22State = ReadRS22State(status);
+    if (FailsByGap(status)) {
+        return;
+    }
     if (!rs22State) {
         status = StatusInformation(ErrorStatusCodes::ControllerObjectCreationFailed);
         return;
     }
-    CreateInterfaces(*rs22State, GetNumberOfToolFiles());
+    int const numberOfToolFiles = GetNumberOfToolFiles();
+    if (FailsByGap(status)) {
+        return;
+    }
+    CreateInterfaces(*rs22State, numberOfToolFiles);
     networkManager.SetLogging(logging);
+    if (FailsByGap(status)) {
+        return;
+    }
     GetAttachedControlGroups();
+    if (FailsByGap(status)) {
+        return;
+    }
+    if (Gap().StatusCode != 0) {
+        networkManager.Refuses(Rule::WholeStartUp);
+    }
+    networkManager.EndStartUp();
     status = StatusInformation(ErrorStatusCodes::Ok);
+}
+
+void QuorvanControllerImplementation::NoteGap(StatusInfo const& status) {
+    if (gap.StatusCode == 0) {
+        gap = status;
+    }
+}
+
+/// A lost answer comes first: it is why a file could not be read, too.
+StatusInfo const& QuorvanControllerImplementation::Gap() const {
+    StatusInfo const& loss = networkManager.LossOfStartUp();
+    return loss.StatusCode != 0 ? loss : gap;
+}
+
+bool QuorvanControllerImplementation::FailsByGap(StatusInfo& status) const {
+    bool const fails = Gap().StatusCode != 0 && networkManager.Policy().Enforces(Rule::WholeStartUp);
+    if (fails) {
+        status = NamingRule(Gap(), Rule::WholeStartUp);
+    }
+    return fails;
 }
 
 /// Nothing if the state can't be read; a value of -1 counts as that too.
@@ -87,6 +136,7 @@ std::optional<int> QuorvanControllerImplementation::ReadRS22State(StatusInfo& st
     } else {
         status = Status->ReadSystemParam(SystemParameterType::RS, Rs022Number, state);
         if (status.StatusCode != 0) {
+            NoteGap(status);
             return std::nullopt;
         }
     }
@@ -107,7 +157,9 @@ void QuorvanControllerImplementation::CreateInterfaces(int rs22State, int number
 
 int QuorvanControllerImplementation::GetRS22StateFromFile() {
     std::string text;
-    if (Files->SaveFromControllerToString("RS.PRM", text).StatusCode != 0) {
+    StatusInfo const status = Files->SaveFromControllerToString("RS.PRM", text);
+    if (status.StatusCode != 0) {
+        NoteGap(status);
         return -1;
     }
     return Rs022FromFile(text).value_or(-1);
@@ -115,7 +167,10 @@ int QuorvanControllerImplementation::GetRS22StateFromFile() {
 
 int QuorvanControllerImplementation::GetNumberOfToolFiles() {
     std::string text;
-    Files->SaveFromControllerToString("TOOL.CND", text);
+    StatusInfo const status = Files->SaveFromControllerToString("TOOL.CND", text);
+    if (status.StatusCode != 0 && !IsAbsence(status)) {
+        NoteGap(status);
+    }
     std::vector<std::string> items;
     HelperFunction::SplitStringOnCLRF(items, text, false);
     return static_cast<int>(std::ranges::count(items, "//TOOL"));
@@ -123,15 +178,20 @@ int QuorvanControllerImplementation::GetNumberOfToolFiles() {
 
 bool QuorvanControllerImplementation::GetAttachedControlGroups() {
     std::string text;
-    if (Files == nullptr || Files->SaveFromControllerToString("SYSTEM.SYS", text).StatusCode != 0) {
+    if (Files == nullptr) {
+        return false;
+    }
+    StatusInfo status = Files->SaveFromControllerToString("SYSTEM.SYS", text);
+    if (status.StatusCode != 0) {
+        NoteGap(status);
         return false;
     }
     SystemFileParser parser(text);
     std::vector<ControlGroupId> groups;
     if (!parser.GetAllControlGroupsFromSection("SERVO POWER", groups)) {
+        NoteGap(StatusInformation(ErrorStatusCodes::ControllerObjectCreationFailed));
         return false;
     }
-    StatusInfo status;
     for (ControlGroupId const group : groups) {
         AttachGroup(group, status);
     }
@@ -150,6 +210,9 @@ void QuorvanControllerImplementation::SetBases(std::vector<std::string> const& r
 }
 
 void QuorvanControllerImplementation::AttachGroup(ControlGroupId group, StatusInfo& status) {
+    if (networkManager.Policy().Enforces(Rule::WholeStartUp) && Gap().StatusCode != 0) {
+        return; // the connection fails, and each further silence would only take its time
+    }
     int const numberOfAxes = GetNumberOfAxesInGroup(group, status);
     networkManager.AddToControlGroupsAttached({group, static_cast<std::uint32_t>(numberOfAxes)});
 }
@@ -161,6 +224,11 @@ int QuorvanControllerImplementation::GetNumberOfAxesInGroup(ControlGroupId group
         return -1;
     }
     return static_cast<int>(std::ranges::count_if(axisNames, [](char name) { return name != '\0'; }));
+}
+
+ConnectionStatistics QuorvanController::GetConnectionStatistics() const {
+    auto const* const connection = dynamic_cast<QuorvanControllerImplementation const*>(this);
+    return connection != nullptr ? connection->Engine().Statistics().Snapshot() : ConnectionStatistics{};
 }
 
 } // namespace harvlink

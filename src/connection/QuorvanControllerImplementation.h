@@ -16,11 +16,12 @@ class QuorvanControllerImplementation final : public QuorvanController {
 public:
     /// Opens the engine and runs the start-up sequence. After a failure the object holds what it had made until then.
     QuorvanControllerImplementation(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retries,
-                                    bool logging, StatusInfo& status);
+                                    bool logging, StatusInfo& status, ConnectionPolicy const& policy = {});
 
     /// The same over a transport of the caller's.
     QuorvanControllerImplementation(std::unique_ptr<DatagramTransport> transport, unsigned timeoutMilliseconds,
-                                    unsigned retries, bool logging, StatusInfo& status);
+                                    unsigned retries, bool logging, StatusInfo& status,
+                                    ConnectionPolicy const& policy = {});
     ~QuorvanControllerImplementation() override;
 
     /// State of parameter RS022 from "RS.PRM": 1, 0, or -1 if the file can't be read or is too short.
@@ -38,16 +39,23 @@ public:
     /// Adds base Bn for the n-th robot whose name line has a base.
     void SetBases(std::vector<std::string> const& robotNameLines, StatusInfo& status);
 
+    NetworkManager const& Engine() const { return networkManager; }
+
 private:
     // Delegated to, so that the destructor runs if the start-up throws.
     template <typename Peer>
-    QuorvanControllerImplementation(Peer&& peer, unsigned timeoutMilliseconds, unsigned retries, StatusInfo& status);
+    QuorvanControllerImplementation(Peer&& peer, unsigned timeoutMilliseconds, unsigned retries, StatusInfo& status,
+                                    ConnectionPolicy const& policy);
     void StartUp(bool logging, StatusInfo& status);
+    void NoteGap(StatusInfo const& status);
+    StatusInfo const& Gap() const;
+    bool FailsByGap(StatusInfo& status) const;
     std::optional<int> ReadRS22State(StatusInfo& status);
     void CreateInterfaces(int rs22State, int numberOfToolFiles);
     void AttachGroup(ControlGroupId group, StatusInfo& status);
 
     NetworkManager networkManager;
+    StatusInfo gap; ///< why the start-up goes on with less, if it does. See Rule::WholeStartUp
 };
 
 } // namespace harvlink

@@ -21,7 +21,7 @@ IncomingPacket<Value> GetVariable(unsigned short index, CommandNumber command, S
         return incoming;
     }
     auto outgoing = PacketOf(VariableRead<Value>(command, index, rs22State));
-    status = networkManager->SendAndReceive(outgoing, incoming, std::nullopt, true);
+    status = networkManager->Exchange(outgoing.View(), incoming.View(sizeof(Value)), std::nullopt, true);
     TranslateInstanceError(status);
     return incoming;
 }

@@ -80,6 +80,9 @@ public:
     std::unique_ptr<NetworkManager> Connect(std::string_view softwareVersion = "YA1.00", unsigned retries = 0,
                                             ConnectionPolicy const& policy = {});
 
+    /// The datagram that the reply is.
+    static Bytes ReplyBytes(Reply const& reply, Datagram const& request);
+
 private:
     struct Port {
         int descriptor = -1;
@@ -95,7 +98,6 @@ private:
     void Serve();
     void ReadFrom(Port& port, Port& other);
     Replies RepliesTo(Datagram const& datagram);
-    static Bytes ReplyBytes(Reply const& reply, Datagram const& request);
 
     std::string address;
     Port robot;
