@@ -200,7 +200,8 @@ TEST_F(ConnectOptionsTest, AuditOpensAsDesignedAndCounts) {
     EXPECT_GE(statistics.exchanges, 6U);
     EXPECT_EQ(statistics.blocksReceived, 1U);
     EXPECT_EQ(statistics.roundTrip.count, statistics.exchanges);
-    EXPECT_EQ(QuorvanController().GetConnectionStatistics().exchanges, 0U);
+    struct OfAnotherLibrary final : QuorvanController {};
+    EXPECT_EQ(OfAnotherLibrary().GetConnectionStatistics().exchanges, 0U);
 }
 
 } // namespace
