@@ -33,6 +33,14 @@ public:
 
     std::optional<FileStep> Next();
     void Take(StatusInfo exchangeStatus, FileReply const& reply);
+
+    /// What is wrong with an answer that waits to be taken, by the numbers of the blocks and the size that they add up to. OK
+    /// if nothing is. See Rule::BlockOrder.
+    ErrorStatusCodes FindBreach(StatusInfo const& exchangeStatus, FileReply const& reply,
+                                std::uint64_t largestSize) const;
+
+    /// Ends the transfer instead of taking the answer: nothing more is sent.
+    void Fail(StatusInfo reason);
     StatusInfo const& Result() const { return status; }
 
     /// The request as it was sent last.
@@ -44,10 +52,13 @@ public:
 private:
     enum class State : std::uint8_t { Opening, Receiving, Closing, Done };
 
+    /// A list goes on after a failed opening request, on purpose.
+    bool DropsStatus() const { return state == State::Opening && isList; }
     void Acknowledge(FileReply const& reply);
 
     FileRequest request;
     TextCollector text;
+    std::uint64_t size = 0; ///< of the blocks so far
     std::optional<std::uint8_t> transferId; ///< none before the opening request is answered
     bool isList = false;
     State state = State::Opening;

@@ -33,7 +33,14 @@ StatusInfo FileHandler::Receive(FileDownload& download, FileReply& reply, std::s
             reply.payload = {};
         }
         StatusInfo status = networkManager->SendAndReceive(step->request, reply, step->requestId, step->waitForReply);
-        download.Take(std::move(status), reply);
+        auto const breach = download.FindBreach(status, reply, networkManager->Policy().largestFile);
+        if (breach == ErrorStatusCodes::Ok || !networkManager->Refuses(Rule::BlockOrder)) {
+            download.Take(std::move(status), reply);
+        } else if (status.StatusCode != 0) {
+            download.Fail(std::move(status)); // of a list that was not opened: why there is no block
+        } else {
+            download.Fail(NamingRule(StatusInformation(breach), Rule::BlockOrder));
+        }
     }
     download.MoveTextTo(data);
     return download.Result();

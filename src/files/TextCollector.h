@@ -8,7 +8,7 @@
 namespace harvlink {
 
 /// Collects a long text from short pieces. A string that grows copies itself again and again and needs three times its
-/// size meanwhile; this needs twice the size, at the end, and copies once.
+/// size meanwhile; this copies once, and gives its pieces back meanwhile.
 class TextCollector {
 public:
     void Append(std::string_view piece) {
@@ -22,10 +22,9 @@ public:
     /// Appends all to `text` and leaves this empty.
     void MoveTo(std::string& text) {
         text.reserve(text.size() + size);
-        for (std::string const& chunk : chunks) {
-            text += chunk;
+        for (; !chunks.empty(); chunks.pop_front()) {
+            text += chunks.front();
         }
-        chunks.clear();
         size = 0;
     }
 

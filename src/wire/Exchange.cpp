@@ -93,9 +93,17 @@ struct NetworkManager::Question {
                reply.header.division == Port() && isService && reply.header.payloadSize == length - HeaderSize;
     }
 
-    bool IsTakenBlock() const {
+    /// Whether it answers another block of the transfer than the one that was sent or acknowledged. Number 0 says nothing,
+    /// and a refusal ends the transfer, so it can't be one of before.
+    bool AnswersOtherBlock() const {
         std::uint32_t const number = reply.header.blockNumber & ~LastBlockFlag;
-        return reply.takenBlock != 0 && number != 0 && number <= reply.takenBlock;
+        if (request.header.ack == 0 || number == 0 || reply.subHeader.status != 0 ||
+            reply.subHeader.addedStatusSize != 0) {
+            return false;
+        }
+        bool const isUpload = asked.service == static_cast<std::uint8_t>(FileServices::LoadFile);
+        std::uint32_t const sent = request.header.blockNumber & ~LastBlockFlag;
+        return isUpload ? number != sent : number <= sent;
     }
 };
 
@@ -249,10 +257,11 @@ bool NetworkManager::IsAcceptable(Question& question, Arrival const& arrival) {
         CountStray(question, arrival);
         return true;
     }
-    if (!question.FitsRequest(arrival.length)) {
-        return !IsRefused(question, Rule::FittingAnswer, LinkCounter::MalformedAnswers);
+    if (!question.FitsRequest(arrival.length) &&
+        IsRefused(question, Rule::FittingAnswer, LinkCounter::MalformedAnswers)) {
+        return false;
     }
-    return !question.IsTakenBlock() || !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
+    return !question.AnswersOtherBlock() || !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
 }
 
 bool NetworkManager::IsRefused(Question& question, Rule rule, LinkCounter counter) {

@@ -106,9 +106,6 @@ struct IncomingView {
     std::span<std::byte> bytes; ///< the whole datagram, header included
     std::size_t minimumPayload =
         0; ///< of a successful answer; 0 where it may be short by design. See Rule::WholeAnswer
-    /// The last block of a transfer that was taken, without the flag; 0 outside of transfers. A block up to it is not the
-    /// answer but a repetition. See Rule::BlockOrder.
-    std::uint32_t takenBlock = 0;
 };
 
 template <typename Payload>
@@ -134,9 +131,7 @@ struct IncomingPacket {
     Payload payload{};
 
     std::span<std::byte> Bytes() { return std::as_writable_bytes(std::span(this, 1)); }
-    IncomingView View(std::size_t minimumPayload = 0, std::uint32_t takenBlock = 0) {
-        return {header, subHeader, Bytes(), minimumPayload, takenBlock};
-    }
+    IncomingView View(std::size_t minimumPayload = 0) { return {header, subHeader, Bytes(), minimumPayload}; }
 };
 
 static_assert(offsetof(OutgoingPacket<NoPayload>, payload) == HeaderSize);
