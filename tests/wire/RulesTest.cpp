@@ -39,7 +39,7 @@ struct Session {
         request.header.blockNumber = number;
         request.subHeader = SubHeaderForSending(FileServices::SaveFile);
         IncomingPacket<std::array<char, 479>> reply;
-        StatusInfo status = manager->Exchange(request.View(), reply.View(0, number), 9, true);
+        StatusInfo status = manager->Exchange(request.View(), reply.View(), 9, true);
         value = reply.header.blockNumber;
         return status;
     }
