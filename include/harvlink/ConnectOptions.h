@@ -21,7 +21,7 @@ namespace harvlink {
 /// that it takes.
 enum class Access : std::int32_t {
     Observe = 0, ///< reads only, opening included: nothing on the controller changes
-    Operate = 1, ///< everything but motion by targets; opening reads only
+    Operate = 1, ///< everything but motion by targets, which it may stop and clear; opening reads only
     Full = 2, ///< everything; opening clears the motion targets of a controller from `VersionYA` up, whoever sent them
 };
 

@@ -5,7 +5,7 @@
 
 namespace harvlink {
 
-/// All that change something on the controller other than by motion targets, in the order of their commands. A job that
+/// All that change something on the controller other than motion by targets, in the order of their commands. A job that
 /// starts moves the arm too, but along points that were taught; what full access adds is motion that a program makes up.
 inline constexpr auto OperatingCommands = [] {
     using enum CommandNumber;
@@ -31,6 +31,8 @@ inline constexpr auto OperatingCommands = [] {
         one(JobStart),
         whole(JobSelect),
         one(StringVariable),
+        whole(MotionStop), // on purpose: whoever may operate a machine may always stop it
+        whole(MotionClearTargets), // and take away what it would still move to
         whole(UAPIWriteIO),
         whole(SetAlarm), // raises an alarm, which stops rather than moves
     });

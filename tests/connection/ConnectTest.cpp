@@ -106,15 +106,15 @@ TEST_F(ConnectOptionsTest, OnlyFullAccessClearsAndEachAllowsWhatItSays) {
             StatusInfo const written = connection->Variables->byteVariable->Write({7, 0});
             EXPECT_EQ(written.StatusCode, write);
             if (motion == 0) {
-                controller.Expect(RobotRequest(841, 0, 0, 2, Words({15, 0})));
+                controller.Expect(RobotRequest(839, 0, 0, 2, Words({0})));
             }
-            StatusInfo const cleared = connection->MotionManager->ClearAllTrajectory();
-            EXPECT_EQ(cleared.StatusCode, motion) << cleared.Message;
+            StatusInfo const started = connection->MotionManager->MotionStart();
+            EXPECT_EQ(started.StatusCode, motion) << started.Message;
             if (write != 0) {
                 EXPECT_NE(written.Message.find("takes access Operate"), std::string::npos) << written.Message;
             }
             if (motion != 0) {
-                EXPECT_NE(cleared.Message.find("takes access Full"), std::string::npos) << cleared.Message;
+                EXPECT_NE(started.Message.find("takes access Full"), std::string::npos) << started.Message;
             }
         }
     }
