@@ -135,6 +135,9 @@ void Motions(ControllerHandle handle, Records& with) {
     motion_manager_GetMotionTargetProgress(handle, with.group, &status);
     Done(status);
     Done(motion_manager_MotionStart(handle));
+    std::uint64_t number = 0;
+    Done(harvlink_motion_add(handle, &number, &with.motion.motion, others.get(), nullptr, nullptr));
+    Done(harvlink_motion_wait_for_target(handle, number, 0, with.motion.auxiliaryAxes[0]));
 }
 
 void Conversions(ControllerHandle handle, Records& with) {

@@ -66,6 +66,12 @@ struct SpeedStruct {
 ///
 /// CloseConnection sends no stop: stop first. It waits until the queue is empty or a failure has emptied it, without a
 /// bound while the controller answers that its buffer is full: MotionStop(true) ends that.
+///
+/// Three rules of a connection with options change this, see Rule. IdleMonitor: the thread sleeps while it has nothing to
+/// send. SentStep: after a clear, only the step that was sent leaves the queue. BoundedClose: a stop, a clear and a close end
+/// the wait for room in the controller's buffer; no target goes out after MotionStop(false) until the next MotionStart; a
+/// close drops the queue and takes at most two exchanges. With any rule, the log file and the message of a failure name
+/// controller, step and group in a line of their own. Without full access, points are refused with AccessDenied.
 class MotionManagerInterface {
 public:
     MotionManagerInterface() = default;

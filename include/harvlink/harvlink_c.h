@@ -153,6 +153,17 @@ enum { HARVLINK_ON = 1, HARVLINK_OFF = 2 };
 typedef int32_t MoveInterpolationType;
 enum { HARVLINK_NO_MOVE = 0, HARVLINK_JOINT = 1, HARVLINK_LINE = 2, HARVLINK_CIRCLE = 3 };
 
+/** What the thread that sends queued steps is doing; TrajectoryState.h says more. */
+typedef int32_t TrajectoryMonitorState;
+enum {
+    HARVLINK_MONITOR_NOT_STARTED = 0,
+    HARVLINK_MONITOR_IDLE = 1,
+    HARVLINK_MONITOR_SENDING = 2,
+    HARVLINK_MONITOR_HELD_BACK = 3,
+    HARVLINK_MONITOR_FAILED = 4,
+    HARVLINK_MONITOR_STOPPED = 5
+};
+
 typedef int32_t KinematicConversions;
 enum {
     HARVLINK_JOINT_ANGLE_TO_CARTESIAN_POS = 0,
@@ -336,6 +347,21 @@ typedef struct CircularMotion {
     Motion motion;
     double auxiliaryAxes[8];
 } CircularMotion;
+
+/** The steps of a connection, numbered 1, 2, 3 and so on as they were queued. */
+typedef struct HarvlinkTrajectoryState {
+    uint32_t size; /**< set it to sizeof(HarvlinkTrajectoryState): the record may grow in later versions */
+    TrajectoryMonitorState monitor;
+    uint64_t queued; /**< in all; the number of the last one too */
+    uint64_t sent; /**< taken by the controller */
+    uint64_t refused; /**< refused by the controller, or not answered */
+    uint64_t withdrawn; /**< dropped before the controller took them */
+    int64_t heldBackSince; /**< milliseconds since 1970 in UTC while held back, otherwise 0 */
+    uint64_t failedStep; /**< the last step that failed; 0 if none did */
+    ControlGroupId failedGroup;
+    int32_t failureCode;
+    char* failureMessage; /**< yours to free; empty if no step failed */
+} HarvlinkTrajectoryState;
 
 typedef struct XyzVector {
     double x;
@@ -671,6 +697,18 @@ HARVLINK_EXPORT IStatusInfo motion_manager_MotionStart(ControllerHandle handle);
 HARVLINK_EXPORT IStatusInfo motion_manager_MotionStop(ControllerHandle handle, bool clearTrajectory);
 /** Clears the queue and the controller's targets. */
 HARVLINK_EXPORT IStatusInfo motion_manager_ClearAllTrajectory(ControllerHandle handle);
+/** Queues a step of one to four motions and sets `*stepNumber`; 0 after a failure. The later motions may be null. */
+HARVLINK_EXPORT IStatusInfo harvlink_motion_add(ControllerHandle handle, uint64_t* stepNumber, Motion const* first,
+                                                Motion const* second, Motion const* third, Motion const* fourth);
+/** Fills `*state`, whose `size` has to be set. 0x50000 with nothing filled if it is smaller than in the first version. */
+HARVLINK_EXPORT IStatusInfo harvlink_motion_get_state(ControllerHandle handle, HarvlinkTrajectoryState* state);
+/** Waits until all groups of a step are within `tolerance` (pulses or millimetres) of their targets, or have gone on.
+ * 0x50010 if that takes longer, the code of an alarm, 0x50009 for a step that was dropped, 0x50011 for an unknown one. */
+HARVLINK_EXPORT IStatusInfo harvlink_motion_wait_for_target(ControllerHandle handle, uint64_t stepNumber,
+                                                            uint32_t timeoutMilliseconds, double tolerance);
+/** Waits until the controller has taken a step; the codes are those of harvlink_motion_wait_for_target. */
+HARVLINK_EXPORT IStatusInfo harvlink_motion_wait_until_sent(ControllerHandle handle, uint64_t stepNumber,
+                                                            uint32_t timeoutMilliseconds);
 
 /* ---- Kinematics (KinematicsInterface.h) ----------------------------------------------------------------------------- */
 

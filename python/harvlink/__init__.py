@@ -27,13 +27,14 @@ from .enums import (
     SystemInfoId,
     SystemParameterType,
     TimeType,
+    TrajectoryMonitorState,
     UpperOrLower,
 )
 from .errors import Error, Note
 from .fault import Alarm
 from .frame_math import Frame, Pose, Vector
 from .job import Job
-from .motion_manager import Motion
+from .motion_manager import Motion, TrajectoryFailure, TrajectoryState
 from .position import Figure, Position
 
 __version__ = "1.1.3"
@@ -69,6 +70,9 @@ __all__ = [
     "SystemInformation",
     "SystemParameterType",
     "TimeType",
+    "TrajectoryFailure",
+    "TrajectoryMonitorState",
+    "TrajectoryState",
     "UpperOrLower",
     "Vector",
     "connect",

@@ -1,7 +1,7 @@
 """The plain functions: result and argument types by name."""
 
 import ctypes
-from ctypes import c_bool, c_char_p, c_double, c_int, c_int32, c_ubyte, c_uint, c_uint32, c_ushort
+from ctypes import c_bool, c_char_p, c_double, c_int, c_int32, c_ubyte, c_uint, c_uint32, c_uint64, c_ushort
 from typing import Any, Dict, Tuple
 
 from . import _records as r
@@ -96,6 +96,10 @@ PROTOTYPES: Dict[str, Tuple[Any, ...]] = {
     "motion_manager_MotionStart": (STATUS, HANDLE),
     "motion_manager_MotionStop": (STATUS, HANDLE, c_bool),
     "motion_manager_ClearAllTrajectory": (STATUS, HANDLE),
+    "harvlink_motion_add": (STATUS, HANDLE, P(c_uint64), _MOTION, _MOTION, _MOTION, _MOTION),
+    "harvlink_motion_get_state": (STATUS, HANDLE, P(r.HarvlinkTrajectoryState)),
+    "harvlink_motion_wait_for_target": (STATUS, HANDLE, c_uint64, c_uint32, c_double),
+    "harvlink_motion_wait_until_sent": (STATUS, HANDLE, c_uint64, c_uint32),
     "kinematics_interface_ConvertPosition": (STATUS, HANDLE, ENUM, _POSITION, ENUM, _POSITION),
     "kinematics_interface_ConvertPositionFromCartesian": (
         *(STATUS, HANDLE, ENUM, _POSITION, ENUM, ENUM, P(c_double), _POSITION),

@@ -1,7 +1,7 @@
 """The records of harvlink_c.h, with the same fields in the same order."""
 
 import ctypes
-from ctypes import c_bool, c_char_p, c_double, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32
+from ctypes import c_bool, c_char_p, c_double, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32, c_uint64
 
 _free = ctypes.CDLL(None).free
 _free.argtypes = [ctypes.c_void_p]
@@ -155,6 +155,22 @@ class Motion(ctypes.Structure):
 
 class CircularMotion(ctypes.Structure):
     _fields_ = [("motion", Motion), ("auxiliaryAxes", c_double * 8)]
+
+
+class HarvlinkTrajectoryState(ctypes.Structure):
+    _fields_ = [
+        ("size", c_uint32),
+        ("monitor", c_int32),
+        ("queued", c_uint64),
+        ("sent", c_uint64),
+        ("refused", c_uint64),
+        ("withdrawn", c_uint64),
+        ("heldBackSince", c_int64),
+        ("failedStep", c_uint64),
+        ("failedGroup", c_int32),
+        ("failureCode", c_int32),
+        ("failureMessage", OwnedText),
+    ]
 
 
 class XyzVector(ctypes.Structure):

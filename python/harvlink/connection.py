@@ -7,7 +7,6 @@ from typing import Optional, Type
 
 from ._library import load
 from ._link import Link
-from ._target_count import TargetCount
 from .control_commands import ControlCommands
 from .control_group import ControlGroups
 from .controller_state import ControllerState, State
@@ -51,16 +50,15 @@ class Robot:
 
     def __init__(self, link: Link) -> None:
         self._link = link
-        targets = TargetCount()
         self.controller = ControllerState(link)
         self.groups = ControlGroups(link)
         self.variables = Variables(link)
-        self.alarms = Alarms(link, targets)
+        self.alarms = Alarms(link)
         self.jobs = Jobs(link)
         self.files = Files(link)
         self.io = IO(link)
         self.control = ControlCommands(link)
-        self.motion = MotionManager(link, targets)
+        self.motion = MotionManager(link)
         self.kinematics = Kinematics(link)
 
     def state(self) -> State:

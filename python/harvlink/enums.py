@@ -168,6 +168,17 @@ class MoveType(OpenEnum):
     CIRCLE = 3
 
 
+class TrajectoryMonitorState(OpenEnum):
+    """What the thread that sends queued steps is doing."""
+
+    NOT_STARTED = 0
+    IDLE = 1
+    SENDING = 2
+    HELD_BACK = 3
+    FAILED = 4
+    STOPPED = 5
+
+
 class Conversion(OpenEnum):
     """The forms between which a position is converted."""
 

@@ -6,7 +6,6 @@ from typing import Any, List
 
 from . import _records
 from ._link import Link
-from ._target_count import TargetCount
 from .enums import AlarmCategory
 from .errors import settle
 
@@ -30,9 +29,8 @@ def _take(places: Any) -> List[Alarm]:
 class Alarms:
     """Each alarm is read by an exchange of its own: alarms can come and go while a list is read."""
 
-    def __init__(self, link: Link, targets: TargetCount) -> None:
+    def __init__(self, link: Link) -> None:
         self._link = link
-        self._targets = targets
 
     def active(self) -> List[Alarm]:
         """The active alarms, at most four."""
@@ -52,6 +50,4 @@ class Alarms:
 
     def clear(self) -> None:
         """Cancels the error and resets the alarms."""
-        # If the alarm came from a refused point, the library has cleared the controller's targets.
-        self._targets.forget()
         self._link.do("fault_interface_clear_all_faults")

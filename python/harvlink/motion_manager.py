@@ -1,30 +1,28 @@
 """Moves control groups through a queue of points. This moves a real machine. Newer controllers only."""
 
+import collections
 import ctypes
 import dataclasses
+import datetime
 import math
 import sys
+import threading
 import time
-from typing import NoReturn, Optional, Sequence
+from typing import Deque, Optional, Sequence, Tuple, Union
 
 from . import _records
 from ._library import switch
 from ._link import Link
-from ._target_count import TargetCount
 from .control_group import ControlGroups
-from .controller_state import ControllerState, State
-from .enums import ErrorCode, Group, MoveType, group_number
+from .enums import ControlGroupId, ErrorCode, Group, MoveType, TrajectoryMonitorState, group_number
 from .errors import Error, settle
-from .fault import Alarms
 from .position import AXES, Position, eight, to_record
 
-_ADDERS = (
-    "motion_manager_AddPointToTrajectory",
-    "motion_manager_Add2PointsToTrajectory",
-    "motion_manager_Add3PointsToTrajectory",
-    "motion_manager_Add4PointsToTrajectory",
-)
-_LOOK_PERIOD = 0.02
+_MOST_MOTIONS = 4
+# The library remembers as many.
+_REMEMBERED = 1024
+# The library waits so long at a time, so that the interpreter can handle signals, and others can close the connection.
+_WAIT_PERIOD = 0.1
 
 
 @dataclasses.dataclass(frozen=True)
@@ -69,31 +67,61 @@ def _record(motion: Motion) -> _records.CircularMotion:
     return _records.CircularMotion(plain, (ctypes.c_double * AXES)(*eight(motion.via or ())))
 
 
+@dataclasses.dataclass(frozen=True)
+class TrajectoryFailure:
+    """The last step that failed. `group` is the one whose setting was refused, or the first of the step."""
+
+    step: int
+    group: Group
+    code: int
+    text: str
+
+
+@dataclasses.dataclass(frozen=True)
+class TrajectoryState:
+    """What has become of the steps of a connection; what is neither sent, refused nor withdrawn still waits."""
+
+    queued: int
+    sent: int
+    refused: int
+    withdrawn: int
+    monitor: TrajectoryMonitorState
+    held_back_since: Optional[datetime.datetime]
+    last_failure: Optional[TrajectoryFailure]
+
+
 class MotionManager:
     """`add` queues points. After `start`, a thread of the library sends them in order.
 
     If the controller refuses a point, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the
-    queue; `wait` then raises harvlink.Error.
+    queue; `wait` then raises harvlink.Error, and `state` tells which step it was.
     """
 
-    def __init__(self, link: Link, targets: TargetCount) -> None:
+    def __init__(self, link: Link) -> None:
         self._link = link
-        self._targets = targets
         self._groups = ControlGroups(link)
-        self._controller = ControllerState(link)
-        self._alarms = Alarms(link, targets)
+        self._lock = threading.Lock()
+        self._added: Deque[Tuple[int, Sequence[Motion]]] = collections.deque(maxlen=_REMEMBERED)
 
-    def add(self, first: Motion, *others: Motion) -> None:
-        """Queues a step of one to four groups that start together. Only the first can be a circle. Does not wait."""
-        if len(others) >= len(_ADDERS):
-            raise ValueError(f"a step has at most {len(_ADDERS)} motions")
+    def add(self, first: Motion, *others: Motion) -> int:
+        """Queues a step of one to four groups that start together. Only the first can be a circle. Does not wait.
+
+        Returns the number of the step: 1 for the first of the connection, then 2, and so on.
+        """
+        motions = (first, *others)
+        if len(motions) > _MOST_MOTIONS:
+            raise ValueError(f"a step has at most {_MOST_MOTIONS} motions")
         if any(motion.kind == MoveType.CIRCLE for motion in others):
             raise ValueError("only the first motion of a step can be a circle")
-        motions = (first, *others)
         records = [_record(motion) for motion in motions]
-        with self._targets.lock:
-            self._link.do(_ADDERS[len(others)], *(ctypes.byref(record.motion) for record in records))
-            self._targets.add((group_number(m.group), m) for m in motions if m.kind != MoveType.NO_MOVE)
+        places = [ctypes.byref(record.motion) for record in records]
+        number = ctypes.c_uint64()
+        with self._lock:
+            self._link.do(
+                "harvlink_motion_add", ctypes.byref(number), *places, *[None] * (_MOST_MOTIONS - len(places))
+            )
+            self._added.append((number.value, motions))
+        return number.value
 
     def start(self) -> None:
         """Starts to send the queue, and lets the controller move to its targets."""
@@ -101,17 +129,11 @@ class MotionManager:
 
     def stop(self, clear: bool = True) -> None:
         """Stops the motion. `clear` also drops the queue and the controller's targets; without it, sending goes on."""
-        if switch("clear", clear):
-            self._targets.forget()
-        self._link.do("motion_manager_MotionStop", clear)
-        if clear:
-            self._targets.clear()
+        self._link.do("motion_manager_MotionStop", switch("clear", clear))
 
     def clear(self) -> None:
         """Drops the queue and the controller's targets."""
-        self._targets.forget()
         self._link.do("motion_manager_ClearAllTrajectory")
-        self._targets.clear()
 
     def progress(self, group: Group = "R1") -> float:
         """The number of targets that a group has reached, as the controller counts them, plus the part of the next."""
@@ -122,56 +144,67 @@ class MotionManager:
         settle(status)
         return progress
 
-    def wait(self, motion: Motion, timeout: float = 60.0, tolerance: float = 1.0) -> Position:
-        """Waits until the group has arrived at the target of the motion, and returns its position then.
+    def state(self) -> TrajectoryState:
+        """How many steps were queued, sent, refused and withdrawn, what the thread does, and the last failure."""
+        record = _records.HarvlinkTrajectoryState(size=ctypes.sizeof(_records.HarvlinkTrajectoryState))
+        status = self._link.call("harvlink_motion_get_state", ctypes.byref(record))
+        text = record.failureMessage.take()
+        settle(status)
+        since = datetime.datetime.fromtimestamp(record.heldBackSince / 1000) if record.heldBackSince else None
+        group = ControlGroupId(record.failedGroup)
+        failure = TrajectoryFailure(record.failedStep, group, record.failureCode, text)
+        return TrajectoryState(
+            *(record.queued, record.sent, record.refused, record.withdrawn),
+            TrajectoryMonitorState(record.monitor),
+            since,
+            failure if record.failureCode else None,
+        )
 
-        The group has arrived when the controller counts the point as reached, and the group is within `tolerance` of it
-        (pulses or millimetres; X, Y and Z of a Cartesian target) or has gone on to points that were queued after it.
+    def wait(self, what: Union[int, Motion], timeout: float = 60.0, tolerance: float = 1.0) -> Position:
+        """Waits until a step has arrived, and returns the position of its group then; of the first group, or of that of
+        the motion. `what` is the number of the step, or a motion that was added, the last time if more than once.
 
-        The count is unknown for a motion that was not added since the last clear, that lies more than 1024 points back,
-        or that was queued before an alarm. Then only the position decides: a group that passes the target, or already
-        stands there, has arrived. If another program has cleared the controller's targets, call `clear` before you add
-        points.
+        The step has arrived when the controller counts it as reached, and each of its groups is within `tolerance` of
+        its target (pulses or millimetres; X, Y and Z of a Cartesian target) or was sent on to another.
+
+        If another program has cleared the controller's targets, only the position decides until the next `clear`.
 
         Raises harvlink.Error as soon as the controller has an alarm or error, with the code of the alarm, such as 8015
-        for a refused point. Raises TimeoutError after `timeout` seconds, for example after a stop, during a hold or
-        without a `start`.
+        for a refused point, and with ErrorCode.STEP_WITHDRAWN for a step that a stop, a clear or a failure has dropped.
+        Raises TimeoutError after `timeout` seconds, for example during a hold or without a `start`. Raises ValueError
+        for a motion that was not among the last 1024 steps.
         """
+        number, motion = self._find(what)
+        self._wait_for("harvlink_motion_wait_for_target", number, timeout, "arrive", ctypes.c_double(tolerance))
+        target = motion.position
+        return self._groups.position(
+            motion.group, target.kind, user_coordinate=target.user_coordinate, tool=max(target.tool, 0)
+        )
+
+    def wait_until_sent(self, what: Union[int, Motion], timeout: float = 60.0) -> None:
+        """Waits until the controller has taken a step into its buffer. Raises as `wait` does."""
+        number, _ = self._find(what)
+        self._wait_for("harvlink_motion_wait_until_sent", number, timeout, "leave")
+
+    def _find(self, what: Union[int, Motion]) -> Tuple[int, Motion]:
+        """The number of a step, and the motion of it that is asked for."""
+        with self._lock:
+            for number, motions in reversed(self._added):
+                if number == what and not isinstance(what, Motion):
+                    return number, motions[0]
+                for motion in motions:
+                    if motion is what:
+                        return number, motion
+        raise ValueError(f"{what} was not added, or lies more than {_REMEMBERED} steps back")
+
+    def _wait_for(self, function: str, number: int, timeout: float, verb: str, *more: object) -> None:
         end = time.monotonic() + timeout
         while True:
-            position = self._arrival(motion, tolerance)
-            if position is not None:
-                return position
-            state = self._controller.state()
-            if state.is_alarming or state.is_erroring:
-                self._fail(motion, state)
-            if time.monotonic() > end:
-                raise TimeoutError(f"{motion.group} did not arrive within {timeout} s: {state}")
-            time.sleep(_LOOK_PERIOD)
-
-    def _arrival(self, motion: Motion, tolerance: float) -> Optional[Position]:
-        """The position of the group if it has arrived."""
-        is_gone_on = False
-        number = self._targets.number(motion)
-        if number is not None:
-            progress = self.progress(motion.group)
-            self._targets.see(group_number(motion.group), progress)
-            if progress < number:
-                return None
-            is_gone_on = self._targets.is_followed(group_number(motion.group), number)
-        target = motion.position
-        compared = 3 if target.kind else AXES
-        now = self._groups.position(
-            motion.group, target.kind, user_coordinate=target.user_coordinate, tool=target.tool
-        )
-        is_there = all(abs(a - b) <= tolerance for a, b in zip(now.axes[:compared], target.axes))
-        return now if is_there or is_gone_on else None
-
-    def _fail(self, motion: Motion, state: State) -> NoReturn:
-        # A refused point has cleared the controller's targets.
-        self._targets.forget()
-        alarms = self._alarms.active()
-        if not alarms:
-            raise Error(ErrorCode.GENERAL_ERROR, f"{motion.group} did not arrive: {state}")
-        texts = ", ".join(f"alarm {alarm.code}-{alarm.subcode} {alarm.name}" for alarm in alarms)
-        raise Error(alarms[0].code, f"{motion.group} did not arrive: {texts}")
+            left = max(0.0, min(_WAIT_PERIOD, end - time.monotonic()))
+            try:
+                return self._link.do(function, number, round(left * 1000), *more)
+            except Error as error:
+                if error.code != ErrorCode.WAIT_TIMED_OUT:
+                    raise
+            if time.monotonic() >= end:
+                raise TimeoutError(f"step {number} did not {verb} within {timeout} s: {self.state().monitor.name}")

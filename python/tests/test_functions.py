@@ -31,6 +31,10 @@ def motion(group, speed=25.0):
     return r.Motion(group, speed, huge, huge, 1, pulses(*axes))
 
 
+def state(size):
+    return r.HarvlinkTrajectoryState(size=size)
+
+
 def position_variable(record, index=1):
     return record(pulses(1, 2, 3), index)
 
@@ -159,6 +163,13 @@ CASES = [
         *("motion_manager_Add4PointsToTrajectory", (motion(R1), motion(B1), motion(S1), motion(R2)), QUEUED, None),
         *((motion(R1), motion(B1), motion(S1), motion(30)), 3370),
     ),
+    (
+        *("harvlink_motion_add", (ctypes.c_uint64, motion(R1), motion(B1), None, None), QUEUED, 5),
+        *((ctypes.c_uint64, motion(R1), motion(30), None, None), 3370),
+    ),
+    ("harvlink_motion_wait_until_sent", (1, 5000), OK, None, (99, 0), 0x50011),
+    ("harvlink_motion_wait_for_target", (1, 5000, 1.0), OK, None, (99, 0, 1.0), 0x50011),
+    ("harvlink_motion_get_state", (state(72),), OK, None, (state(71),), 0x50000),
     ("motion_manager_GetMotionTargetProgress", (R1, "status"), OK, None, (30, "status"), 65504),
     ("motion_manager_MotionStop", (True,), OK, None),
     ("motion_manager_ClearAllTrajectory", (), OK, None),
@@ -257,6 +268,7 @@ class FunctionsTest(SimulatorTest):
                 break
         simulator.stop()
         local = {"io_interface_ConvertIOGroupToBitAddress", "file_interface_LoadToControllerFromPath"}
+        local |= {f"harvlink_motion_{name}" for name in ("get_state", "wait_for_target", "wait_until_sent")}
         for name, arguments, message, *_ in CASES:
             if message != QUEUED and name not in local:
                 with self.subTest(name):

@@ -79,6 +79,7 @@ class OwnershipTest(SimulatorTest):
             ("file list", lambda: robot.files.list("JBI"), 0),
             ("address", lambda: robot.io.address(harvlink.IOType.NETWORK_INPUT, 1, 8), 0),
             ("progress", robot.motion.progress, 0),
+            ("trajectory", robot.motion.state, 0),
             ("refused point", lambda: robot.motion.add(refused), 0),
             ("dropped points", lambda: (robot.motion.add(point), robot.motion.clear()), 0),
             ("connection", open_and_close, HANDLE_CELL),

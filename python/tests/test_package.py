@@ -185,8 +185,9 @@ class ConnectedTest(SimulatorTest):
         robot.motion.add(arc)
         self.assertAlmostEqual(robot.motion.wait(arc, timeout=20).axes[2], z - 80, delta=1)
         robot.motion.stop()
-        with self.assertRaises(TimeoutError):
-            robot.motion.wait(turn, timeout=0)
+        with self.assertRaises(harvlink.Error) as caught:
+            robot.motion.wait(turn, timeout=20)
+        self.assertEqual(caught.exception.code, ErrorCode.STEP_WITHDRAWN)
 
     def test_what_is_waited_for(self):
         robot, motion = self.robot, self.robot.motion
@@ -196,8 +197,8 @@ class ConnectedTest(SimulatorTest):
         start = robot.position("R1")
         path = [Motion("R1", start.shifted(offset), 50) for offset in (20000, 40000, 0)]
         for rounds in (1, 2):  # targets reached in the first round must not count in the second
-            for point in path:
-                motion.add(point)
+            numbers = [motion.add(point) for point in path]
+            self.assertEqual(numbers[-1], numbers[0] + 2)
             with self.assertRaises(TimeoutError):
                 motion.wait(path[-1], timeout=0)
             motion.start()
@@ -205,16 +206,24 @@ class ConnectedTest(SimulatorTest):
             self.assertEqual(motion.progress(), 3 * rounds)
             motion.stop(clear=False)
         motion.wait(path[0], timeout=0)  # passed
+        motion.wait(numbers[1], timeout=0)
+        motion.wait_until_sent(numbers[2], timeout=0)
         refused = Motion("R1", start.shifted(2000000), 50)
         motion.start()
         for unsure in (False, True):
             motion.add(refused)
-            with self.subTest(unsure), self.assertRaisesRegex(harvlink.Error, "R1 did .*: alarm 8015-") as caught:
+            with self.subTest(unsure), self.assertRaisesRegex(harvlink.Error, "did not arrive: alarm 8015-") as caught:
                 motion.wait(refused, timeout=20)
             self.assertEqual(caught.exception.code, 8015)
+            state = motion.state()
+            self.assertEqual(state.queued, state.sent + state.refused + state.withdrawn)
+            self.assertEqual((state.last_failure.step, state.last_failure.group.name), (state.queued, "R1"))
+            self.assertEqual(state.monitor, harvlink.TrajectoryMonitorState.FAILED)
             robot.alarms.clear()
             robot.control.servos(True)
-        motion.wait(Motion("R1", start, 50), timeout=0)  # never added, so the position decides
+        for never_added in (Motion("R1", start, 50), 0):
+            with self.assertRaises(ValueError):
+                motion.wait(never_added, timeout=0)
         for drop in (lambda: None, motion.clear):  # the refusal has cleared the targets too
             drop()
             motion.add(path[0])

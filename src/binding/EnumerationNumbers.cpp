@@ -111,6 +111,13 @@ static_assert(Same(HARVLINK_JOINT, harvlink::MoveInterpolationType::Joint));
 static_assert(Same(HARVLINK_LINE, harvlink::MoveInterpolationType::Line));
 static_assert(Same(HARVLINK_CIRCLE, harvlink::MoveInterpolationType::Circle));
 
+static_assert(Same(HARVLINK_MONITOR_NOT_STARTED, harvlink::TrajectoryMonitorState::NotStarted));
+static_assert(Same(HARVLINK_MONITOR_IDLE, harvlink::TrajectoryMonitorState::Idle));
+static_assert(Same(HARVLINK_MONITOR_SENDING, harvlink::TrajectoryMonitorState::Sending));
+static_assert(Same(HARVLINK_MONITOR_HELD_BACK, harvlink::TrajectoryMonitorState::HeldBack));
+static_assert(Same(HARVLINK_MONITOR_FAILED, harvlink::TrajectoryMonitorState::Failed));
+static_assert(Same(HARVLINK_MONITOR_STOPPED, harvlink::TrajectoryMonitorState::Stopped));
+
 static_assert(Same(HARVLINK_JOINT_ANGLE_TO_CARTESIAN_POS, harvlink::KinematicConversions::JointAngleToCartesianPos));
 static_assert(Same(HARVLINK_PULSE_TO_JOINT_ANGLE, harvlink::KinematicConversions::PulseToJointAngle));
 static_assert(Same(HARVLINK_JOINT_ANGLE_TO_PULSE, harvlink::KinematicConversions::JointAngleToPulse));
