@@ -69,8 +69,14 @@ inline constexpr auto ReadCommands = [] {
 /// Whether a table that is sorted by command has the command.
 template <std::size_t size>
 constexpr bool Lists(std::array<PortCommand, size> const& table, PortCommand const& asked) {
-    auto const rows = std::ranges::equal_range(table, asked.command, {}, &PortCommand::command);
-    return std::ranges::find(rows, asked) != rows.end();
+    // Not equal_range: its subrange does not compile with clang 14 and this standard library.
+    auto const* row = std::ranges::lower_bound(table, asked.command, {}, &PortCommand::command);
+    for (; row != table.end() && row->command == asked.command; ++row) {
+        if (*row == asked) {
+            return true;
+        }
+    }
+    return false;
 }
 
 static_assert(std::ranges::is_sorted(ReadCommands, {}, &PortCommand::command));
