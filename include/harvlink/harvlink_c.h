@@ -7,7 +7,7 @@
  *
  * Handle. `open_connection` always returns a handle that is not null; only its status says whether there is a
  * connection. On a handle of a failed connection nothing but `close_connection` may be called. After `close_connection`
- * the handle must not be used again. Its cell of 8 bytes is never released.
+ * the handle must not be used again. Its cell of 8 bytes is never released. A handle of `harvlink_connect` is the same.
  *
  * Ownership. Every `Message` of an `IStatusInfo` that is returned or filled, every text inside a record that is filled,
  * and every text that is returned, is allocated with malloc and is yours: release it with `free`, also after success,
@@ -181,6 +181,75 @@ enum { HARVLINK_KINEMATIC_FROM_SYSTEM = 0, HARVLINK_DELTA = 1, HARVLINK_KINEMATI
 
 /** A connection; see the notes at the top. */
 typedef struct ControllerCell* ControllerHandle;
+
+/** What a connection of harvlink_connect may send. */
+typedef int32_t HarvlinkAccess;
+enum { HARVLINK_OBSERVE = 0, HARVLINK_OPERATE = 1, HARVLINK_FULL = 2 };
+
+/** The rules of a strict connection, to be added up. See ConnectOptions.h. */
+enum {
+    HARVLINK_NO_RULES = 0, /**< the behaviour of open_connection */
+    HARVLINK_RULE_SILENCE_IS_TIMEOUT = 1 << 0,
+    HARVLINK_RULE_KNOWN_SENDER = 1 << 1,
+    HARVLINK_RULE_REPEAT_READS = 1 << 2,
+    HARVLINK_RULE_FITTING_ANSWER = 1 << 3,
+    HARVLINK_RULE_DEADLINE = 1 << 4,
+    HARVLINK_RULE_NEW_PORT = 1 << 5,
+    HARVLINK_RULE_WHOLE_ANSWER = 1 << 6,
+    HARVLINK_RULE_BLOCK_ORDER = 1 << 7,
+    HARVLINK_RULE_WHOLE_START_UP = 1 << 8,
+    HARVLINK_RULE_IDLE_MONITOR = 1 << 9,
+    HARVLINK_RULE_SENT_STEP = 1 << 10,
+    HARVLINK_RULE_BOUNDED_CLOSE = 1 << 11,
+    HARVLINK_RULE_NO_EXCEPTIONS = 1 << 12,
+    HARVLINK_STRICT_RULES = 0x1fff
+};
+#define HARVLINK_RULE_COUNT 13
+
+typedef int32_t HarvlinkLinkState;
+enum { HARVLINK_ONLINE = 0, HARVLINK_SILENT = 1 };
+
+/** How harvlink_connect connects; see ConnectOptions.h. Fill it with harvlink_connect_options_init and change what differs. */
+typedef struct HarvlinkConnectOptions {
+    /** sizeof(HarvlinkConnectOptions) where the caller was compiled: the record can grow behind its end. */
+    uint32_t size;
+    uint32_t timeout; /**< milliseconds, 1 to 3600000 */
+    char const* address; /**< IPv4 address in dotted form */
+    uint32_t retries; /**< at most 1000 */
+    int32_t logging; /**< 1 or 0 */
+    HarvlinkAccess access;
+    uint32_t rules;
+    int32_t audit; /**< 1 or 0 */
+    uint32_t reserved; /**< 0 */
+    uint64_t largestFile; /**< bytes, not 0 */
+} HarvlinkConnectOptions;
+
+/** What a connection has seen of its link since it was opened; see ConnectionStatistics.h. */
+typedef struct HarvlinkConnectionStatistics {
+    /** Set it to sizeof(HarvlinkConnectionStatistics) before the call; the number of bytes that were filled afterwards. */
+    uint32_t size;
+    HarvlinkLinkState linkState;
+    int64_t linkStateSince; /**< microseconds since 1970-01-01 00:00 UTC */
+    uint64_t exchanges;
+    uint64_t timeouts;
+    uint64_t lateAnswers;
+    uint64_t doubledAnswers;
+    uint64_t foreignAnswers;
+    uint64_t malformedAnswers;
+    uint64_t repeatedRequests;
+    uint64_t startUpRetries;
+    uint64_t blocksReceived;
+    uint64_t blocksSent;
+    uint64_t bytesReceived;
+    uint64_t bytesSent;
+    uint32_t roundTripCount; /**< answered exchanges that the times below are of, 1024 at most */
+    uint32_t leastMicroseconds;
+    uint32_t medianMicroseconds;
+    uint32_t percentile95Microseconds;
+    uint32_t mostMicroseconds;
+    uint32_t reserved;
+    uint64_t ruleCounts[13]; /**< by bit: how often each rule refused, or in an audit would have */
+} HarvlinkConnectionStatistics;
 
 typedef struct IStatusInfo {
     int32_t StatusCode;
@@ -400,6 +469,20 @@ typedef struct ZyxEulerPose {
 /** Opens a connection and fills `status`. Never returns null; see the notes at the top. Logging is on. */
 HARVLINK_EXPORT ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status,
                                                  unsigned timeoutMilliseconds, unsigned retries);
+
+/** Fills the whole record with the defaults: observes, strictly, 500 ms, 3 retries, logging on, files up to 256 MiB; no
+ * address yet. */
+HARVLINK_EXPORT void harvlink_connect_options_init(HarvlinkConnectOptions* options);
+
+/** Connects with options and fills `status`: what Connect in ConnectOptions.h says, and 0x50000 for a `size` that is 0 or too
+ * small for the address, or for set bytes beyond what this library knows. Of a shorter record the rest takes its defaults.
+ * Returns a handle that is not null and goes to close_connection, as open_connection does. */
+HARVLINK_EXPORT ControllerHandle harvlink_connect(HarvlinkConnectOptions const* options, IStatusInfo* status);
+
+/** Reads the statistics of a connection, however it was opened. Sends nothing and does not wait. 0x50000 if `size` is less
+ * than 8, and then nothing is filled; all zero for the handle of a failed connection. */
+HARVLINK_EXPORT IStatusInfo harvlink_get_connection_statistics(ControllerHandle handle,
+                                                               HarvlinkConnectionStatistics* statistics);
 
 /** Closes a connection, or the handle of a failed one. Once only. */
 HARVLINK_EXPORT void close_connection(ControllerHandle handle);

@@ -54,6 +54,9 @@ def _signals() -> Dict[str, Tuple[Any, ...]]:
 PROTOTYPES: Dict[str, Tuple[Any, ...]] = {
     "open_connection": (HANDLE, TEXT, P(STATUS), c_uint, c_uint),
     "close_connection": (None, HANDLE),
+    "harvlink_connect_options_init": (None, P(r.HarvlinkConnectOptions)),
+    "harvlink_connect": (HANDLE, P(r.HarvlinkConnectOptions), P(STATUS)),
+    "harvlink_get_connection_statistics": (STATUS, HANDLE, P(r.HarvlinkConnectionStatistics)),
     "fault_interface_get_active_alarms": (STATUS, HANDLE, P(r.IActiveAlarms)),
     "fault_interface_get_alarm_history": (STATUS, HANDLE, ENUM, c_uint, P(r.IAlarmHistory)),
     "fault_interface_clear_all_faults": (STATUS, HANDLE),

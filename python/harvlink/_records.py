@@ -183,3 +183,45 @@ class EulerMatrix(ctypes.Structure):
 
 class ZyxEulerPose(ctypes.Structure):
     _fields_ = [(name, c_double) for name in ("x", "y", "z", "rx", "ry", "rz")]
+
+
+class HarvlinkConnectOptions(ctypes.Structure):
+    _fields_ = [
+        ("size", c_uint32),
+        ("timeout", c_uint32),
+        ("address", c_char_p),
+        ("retries", c_uint32),
+        ("logging", c_int32),
+        ("access", c_int32),
+        ("rules", c_uint32),
+        ("audit", c_int32),
+        ("reserved", c_uint32),
+        ("largestFile", c_uint64),
+    ]
+
+
+class HarvlinkConnectionStatistics(ctypes.Structure):
+    _fields_ = [
+        ("size", c_uint32),
+        ("linkState", c_int32),
+        ("linkStateSince", c_int64),
+        ("exchanges", c_uint64),
+        ("timeouts", c_uint64),
+        ("lateAnswers", c_uint64),
+        ("doubledAnswers", c_uint64),
+        ("foreignAnswers", c_uint64),
+        ("malformedAnswers", c_uint64),
+        ("repeatedRequests", c_uint64),
+        ("startUpRetries", c_uint64),
+        ("blocksReceived", c_uint64),
+        ("blocksSent", c_uint64),
+        ("bytesReceived", c_uint64),
+        ("bytesSent", c_uint64),
+        ("roundTripCount", c_uint32),
+        ("leastMicroseconds", c_uint32),
+        ("medianMicroseconds", c_uint32),
+        ("percentile95Microseconds", c_uint32),
+        ("mostMicroseconds", c_uint32),
+        ("reserved", c_uint32),
+        ("ruleCounts", c_uint64 * 13),
+    ]

@@ -129,4 +129,24 @@ static_assert(Same(HARVLINK_KINEMATIC_FROM_SYSTEM, harvlink::KinematicType::Kine
 static_assert(Same(HARVLINK_DELTA, harvlink::KinematicType::Delta));
 static_assert(Same(HARVLINK_KINEMATIC_FIGURE, harvlink::KinematicType::KinematicFigure));
 
+static_assert(Same(HARVLINK_OBSERVE, harvlink::Access::Observe));
+static_assert(Same(HARVLINK_OPERATE, harvlink::Access::Operate));
+static_assert(Same(HARVLINK_FULL, harvlink::Access::Full));
+static_assert(Same(HARVLINK_ONLINE, harvlink::LinkState::Online));
+static_assert(Same(HARVLINK_SILENT, harvlink::LinkState::Silent));
+static_assert(Same(HARVLINK_RULE_SILENCE_IS_TIMEOUT, harvlink::Rule::SilenceIsTimeout));
+static_assert(Same(HARVLINK_RULE_KNOWN_SENDER, harvlink::Rule::KnownSender));
+static_assert(Same(HARVLINK_RULE_REPEAT_READS, harvlink::Rule::RepeatReads));
+static_assert(Same(HARVLINK_RULE_FITTING_ANSWER, harvlink::Rule::FittingAnswer));
+static_assert(Same(HARVLINK_RULE_DEADLINE, harvlink::Rule::Deadline));
+static_assert(Same(HARVLINK_RULE_NEW_PORT, harvlink::Rule::NewPort));
+static_assert(Same(HARVLINK_RULE_WHOLE_ANSWER, harvlink::Rule::WholeAnswer));
+static_assert(Same(HARVLINK_RULE_BLOCK_ORDER, harvlink::Rule::BlockOrder));
+static_assert(Same(HARVLINK_RULE_WHOLE_START_UP, harvlink::Rule::WholeStartUp));
+static_assert(Same(HARVLINK_RULE_IDLE_MONITOR, harvlink::Rule::IdleMonitor));
+static_assert(Same(HARVLINK_RULE_SENT_STEP, harvlink::Rule::SentStep));
+static_assert(Same(HARVLINK_RULE_BOUNDED_CLOSE, harvlink::Rule::BoundedClose));
+static_assert(Same(HARVLINK_RULE_NO_EXCEPTIONS, harvlink::Rule::NoExceptions));
+static_assert(HARVLINK_NO_RULES == harvlink::NoRules.bits && HARVLINK_STRICT_RULES == harvlink::StrictRules.bits);
+
 } // namespace

@@ -117,4 +117,19 @@ SAME_FIELD(ZyxEulerPose, rx);
 SAME_FIELD(ZyxEulerPose, ry);
 SAME_FIELD(ZyxEulerPose, rz);
 
+// These grow behind their end, and have no twin of the same layout: what stands in them stays where it is.
+static_assert(sizeof(HarvlinkConnectOptions) == 48);
+static_assert(offsetof(HarvlinkConnectOptions, address) == 8);
+static_assert(offsetof(HarvlinkConnectOptions, retries) == 16);
+static_assert(offsetof(HarvlinkConnectOptions, access) == 24);
+static_assert(offsetof(HarvlinkConnectOptions, audit) == 32);
+static_assert(offsetof(HarvlinkConnectOptions, largestFile) == 40);
+static_assert(offsetof(HarvlinkConnectionStatistics, linkStateSince) == 8);
+static_assert(offsetof(HarvlinkConnectionStatistics, exchanges) == 16);
+static_assert(offsetof(HarvlinkConnectionStatistics, bytesSent) == 104);
+static_assert(offsetof(HarvlinkConnectionStatistics, roundTripCount) == 112);
+static_assert(offsetof(HarvlinkConnectionStatistics, ruleCounts) == 136);
+static_assert(sizeof(HarvlinkConnectionStatistics) == 136 + 8 * HARVLINK_RULE_COUNT);
+static_assert(HARVLINK_RULE_COUNT == harvlink::RuleCount);
+
 } // namespace
