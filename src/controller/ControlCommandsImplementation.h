@@ -19,6 +19,8 @@ public:
     bool CheckExternalMode();
 
 private:
+    StatusInfo SwitchServos(SignalStatus state);
+
     NetworkManager* networkManager;
 };
 

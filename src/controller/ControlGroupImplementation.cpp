@@ -2,6 +2,7 @@
 
 #include "controller/ControlGroupRequests.h"
 #include "controller/PositionRequests.h"
+#include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
@@ -15,20 +16,23 @@ constexpr int userCoordinateNumberOutOfRange = 45070;
 StatusInfo ControlGroupImplementation::ReadPositionData(ControlGroupId group, CoordinateType type,
                                                         unsigned char userCoordinateNumber, unsigned char toolNumber,
                                                         PositionData& position) {
-    position = {};
-    StatusInfo status = StatusInformation(ErrorStatusCodes::Ok);
-    if (!networkManager->IsControlGroupAttached(group)) {
-        return StatusInformation(ErrorStatusCodes::ControlGroupNotAttached);
-    }
-    if (toolNumber != 0 && networkManager->controllerVersion < ControllerVersion::VersionYA) {
-        return StatusInformation(ErrorStatusCodes::ActiveToolOnly,
-                                 "This controller generation only returns position data for the active tool. Please "
-                                 "pass 0 for the tool selection.");
-    }
-    position = IsReadByRobotPosition(type, networkManager->controllerVersion)
-                   ? HSEReadPositionData(group, type, status)
-                   : UAPIReadPositionData(group, type, userCoordinateNumber, toolNumber, status);
-    return FinishPosition(std::move(status), type, networkManager->GetNumberOfAxesInGroup(group), position);
+    return Guarded(*networkManager, position, [&]() -> StatusInfo {
+        position = {};
+        StatusInfo status = StatusInformation(ErrorStatusCodes::Ok);
+        if (!networkManager->IsControlGroupAttached(group)) {
+            return StatusInformation(ErrorStatusCodes::ControlGroupNotAttached);
+        }
+        if (toolNumber != 0 && networkManager->controllerVersion < ControllerVersion::VersionYA) {
+            return StatusInformation(
+                ErrorStatusCodes::ActiveToolOnly,
+                "This controller generation only returns position data for the active tool. Please "
+                "pass 0 for the tool selection.");
+        }
+        position = IsReadByRobotPosition(type, networkManager->controllerVersion)
+                       ? HSEReadPositionData(group, type, status)
+                       : UAPIReadPositionData(group, type, userCoordinateNumber, toolNumber, status);
+        return FinishPosition(std::move(status), type, networkManager->GetNumberOfAxesInGroup(group), position);
+    });
 }
 
 PositionData ControlGroupImplementation::HSEReadPositionData(ControlGroupId group, CoordinateType type,
@@ -78,15 +82,19 @@ bool ControlGroupImplementation::CheckInputs(int userCoordinateNumber, int toolN
 }
 
 StatusInfo ControlGroupImplementation::ReadAxisConfiguration(ControlGroupId group, std::array<char, 8>& configuration) {
-    return CarryOut(*networkManager, AxisConfigurationRequest(group), configuration);
+    return Guarded(*networkManager, configuration,
+                   [&] { return CarryOut(*networkManager, AxisConfigurationRequest(group), configuration); });
 }
 
 StatusInfo ControlGroupImplementation::ReadPositionError(ControlGroupId group, PositionErrorData& data) {
-    return CarryOut(*networkManager, PositionErrorRequest(group), data);
+    return Guarded(*networkManager, data, [&] { return CarryOut(*networkManager, PositionErrorRequest(group), data); });
 }
 
 StatusInfo ControlGroupImplementation::ReadTorqueData(ControlGroupId group, TorqueData& data) {
-    return CarryOut(*networkManager, TorqueRequest(group), data);
+    return Guarded(*networkManager, [&] {
+        data = {.controlGroup = ControlGroupId::R1}; // what a failure leaves
+        return CarryOut(*networkManager, TorqueRequest(group), data);
+    });
 }
 
 } // namespace harvlink

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "controller/AlarmRequests.h"
+#include "wire/Guarded.h"
 
 namespace harvlink {
 namespace {
@@ -26,16 +27,20 @@ void WriteAlarms(std::ostream& stream, std::span<AlarmData const> alarms, std::u
 } // namespace
 
 StatusInfo FaultImplementation::GetActiveAlarms(ActiveAlarms& alarms) {
-    ActiveAlarmsSequence sequence(alarms);
-    return CarryOutAll(*networkManager, sequence);
+    return Guarded(*networkManager, [&] {
+        ActiveAlarmsSequence sequence(alarms);
+        return CarryOutAll(*networkManager, sequence);
+    });
 }
 
 StatusInfo FaultImplementation::GetAlarmHistory(AlarmCategory category, std::uint32_t quantity, AlarmHistory& history) {
-    if (!IsAlarmCategory(category)) {
-        return StatusInformation(ErrorStatusCodes::InvalidAlarmCategory, "Invalid Alarm Category");
-    }
-    AlarmHistorySequence sequence(category, quantity, history);
-    return CarryOutAll(*networkManager, sequence);
+    return Guarded(*networkManager, [&]() -> StatusInfo {
+        if (!IsAlarmCategory(category)) {
+            return StatusInformation(ErrorStatusCodes::InvalidAlarmCategory, "Invalid Alarm Category");
+        }
+        AlarmHistorySequence sequence(category, quantity, history);
+        return CarryOutAll(*networkManager, sequence);
+    });
 }
 
 bool FaultImplementation::IsAlarmCategoryValid(AlarmCategory category) const {
@@ -43,8 +48,10 @@ bool FaultImplementation::IsAlarmCategoryValid(AlarmCategory category) const {
 }
 
 StatusInfo FaultImplementation::ClearAllFaults() {
-    CancelError();
-    return ResetAlarm();
+    return Guarded(*networkManager, [&] {
+        CancelError();
+        return ResetAlarm();
+    });
 }
 
 StatusInfo FaultImplementation::ResetAlarm() {

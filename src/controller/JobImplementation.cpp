@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "controller/JobRequests.h"
+#include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
@@ -14,25 +15,28 @@ constexpr int invalidLine = 20992;
 } // namespace
 
 StatusInfo JobImplementation::SetActiveJob(std::string const& name, unsigned line) {
-    // The extension counts, on purpose: a name of 29 characters and ".JBI" is too long.
-    if (name.size() > maxNameLength) {
-        return StatusInformation(ErrorStatusCodes::InvalidJobNameLength);
-    }
-    StatusInfo status = line > maxLineNumber ? StatusInformation(invalidLine, "Invalid line number.")
-                                             : CarryOut(*networkManager, JobSelectRequest(name, line));
-    ApplyJobTable(status);
-    return status;
+    return Guarded(*networkManager, [&]() -> StatusInfo {
+        // The extension counts, on purpose: a name of 29 characters and ".JBI" is too long.
+        if (name.size() > maxNameLength) {
+            return StatusInformation(ErrorStatusCodes::InvalidJobNameLength);
+        }
+        StatusInfo status = line > maxLineNumber ? StatusInformation(invalidLine, "Invalid line number.")
+                                                 : CarryOut(*networkManager, JobSelectRequest(name, line));
+        ApplyJobTable(status);
+        return status;
+    });
 }
 
 StatusInfo JobImplementation::GetExecutingJobInformation(TesselTaskNumber task, JobData& data) {
-    return CarryOut(*networkManager, ExecutingJobRequest(task), data);
+    return Guarded(*networkManager, data, [&] { return CarryOut(*networkManager, ExecutingJobRequest(task), data); });
 }
 
 StatusInfo JobImplementation::GetJobStack(TesselTaskNumber task, std::vector<std::string>& jobs) {
     if (!HelperFunction::CheckUAPICompatible(networkManager->controllerVersion)) {
-        return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);
+        return Guarded(*networkManager,
+                       [] { return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController); });
     }
-    return CarryOut(*networkManager, JobStackRequest(task), jobs);
+    return Guarded(*networkManager, jobs, [&] { return CarryOut(*networkManager, JobStackRequest(task), jobs); });
 }
 
 std::ostream& operator<<(std::ostream& stream, JobData const& data) {

@@ -34,6 +34,8 @@ public:
     static constexpr std::uint16_t InvalidTimeInstance = NoTimeCounter;
 
 private:
+    StatusInfo ReadTimeCounter(OperatingTimeRequest const& request, TimeData& data);
+
     NetworkManager* networkManager;
 };
 

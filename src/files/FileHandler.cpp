@@ -6,6 +6,7 @@
 #include <system_error>
 #include <thread>
 
+#include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
@@ -48,44 +49,48 @@ StatusInfo FileHandler::CheckLoadable(std::string const& fileName) const {
 }
 
 StatusInfo FileHandler::LoadToControllerFromString(std::string const& fileName, std::string const& contents) {
-    if (StatusInfo status = CheckLoadable(fileName); status.StatusCode != 0) {
-        return status;
-    }
-    if (GetFileExtension(fileName) == jobExtension && !CheckForJobNameInString(fileName, contents)) {
-        return NameMismatch();
-    }
-    if (fileName.size() > maxNameLength) {
-        return NameTooLong();
-    }
-    std::vector<FileBlock> blocks;
-    ReadStringIntoBuffer(contents, blocks);
-    return Contextual(SendTheBuffer(fileName, blocks));
+    return Guarded(*networkManager, [&] {
+        if (StatusInfo status = CheckLoadable(fileName); status.StatusCode != 0) {
+            return status;
+        }
+        if (GetFileExtension(fileName) == jobExtension && !CheckForJobNameInString(fileName, contents)) {
+            return NameMismatch();
+        }
+        if (fileName.size() > maxNameLength) {
+            return NameTooLong();
+        }
+        std::vector<FileBlock> blocks;
+        ReadStringIntoBuffer(contents, blocks);
+        return Contextual(SendTheBuffer(fileName, blocks));
+    });
 }
 
 StatusInfo FileHandler::LoadToControllerFromPath(std::string const& path) {
-    std::string const name = std::filesystem::path(path).filename().string();
-    if (StatusInfo status = CheckLoadable(name); status.StatusCode != 0) {
-        return status;
-    }
-    if (name.size() > maxNameLength) {
-        return NameTooLong();
-    }
-    if (!Exists(path)) {
-        return StatusInformation(ErrorStatusCodes::FileNotFoundOnPc, "Unable to find file on pc.");
-    }
-    std::vector<FileBlock> blocks;
-    if (StatusInfo status = ReadDiskFile(path, blocks); status.StatusCode != 0) {
-        return status;
-    }
-    bool const isJob = GetFileExtension(name) == jobExtension;
-    if (isJob && !CheckForJobNameInString(name, HeadOf(blocks))) {
-        return NameMismatch();
-    }
-    StatusInfo status = SendTheBuffer(name, blocks);
-    if (isJob && status.StatusCode == 0) {
-        WaitForJob(HelperFunction::ToUpper(name), status);
-    }
-    return Contextual(std::move(status));
+    return Guarded(*networkManager, [&]() -> StatusInfo {
+        std::string const name = std::filesystem::path(path).filename().string();
+        if (StatusInfo status = CheckLoadable(name); status.StatusCode != 0) {
+            return status;
+        }
+        if (name.size() > maxNameLength) {
+            return NameTooLong();
+        }
+        if (!Exists(path)) {
+            return StatusInformation(ErrorStatusCodes::FileNotFoundOnPc, "Unable to find file on pc.");
+        }
+        std::vector<FileBlock> blocks;
+        if (StatusInfo status = ReadDiskFile(path, blocks); status.StatusCode != 0) {
+            return status;
+        }
+        bool const isJob = GetFileExtension(name) == jobExtension;
+        if (isJob && !CheckForJobNameInString(name, HeadOf(blocks))) {
+            return NameMismatch();
+        }
+        StatusInfo status = SendTheBuffer(name, blocks);
+        if (isJob && status.StatusCode == 0) {
+            WaitForJob(HelperFunction::ToUpper(name), status);
+        }
+        return Contextual(std::move(status));
+    });
 }
 
 StatusInfo FileHandler::ReadDiskFile(std::string const& path, std::vector<FileBlock>& blocks) const {
@@ -123,20 +128,22 @@ bool FileHandler::IsJobOnController(std::string const& fileName, StatusInfo& sta
 }
 
 StatusInfo FileHandler::SaveFromControllerToFile(std::string const& fileName, std::string const& path, bool overwrite) {
-    if (!CheckForFileExt(fileName)) {
-        return StatusInformation(ErrorStatusCodes::InvalidFileExtension, "Invalid file extension.");
-    }
-    if (Exists(path) && !overwrite) {
-        return StatusInformation(ErrorStatusCodes::FileExistsNoOverwrite,
-                                 "File already exists and overwrite flag is set to false.");
-    }
-    FileInterface& self = *this;
-    std::string text;
-    StatusInfo status = Contextual(self.SaveFromControllerToString(fileName, text));
-    if (status.StatusCode == 0) {
-        WriteFileToDisk(path, text, status);
-    }
-    return status;
+    return Guarded(*networkManager, [&]() -> StatusInfo {
+        if (!CheckForFileExt(fileName)) {
+            return StatusInformation(ErrorStatusCodes::InvalidFileExtension, "Invalid file extension.");
+        }
+        if (Exists(path) && !overwrite) {
+            return StatusInformation(ErrorStatusCodes::FileExistsNoOverwrite,
+                                     "File already exists and overwrite flag is set to false.");
+        }
+        FileInterface& self = *this;
+        std::string text;
+        StatusInfo status = Contextual(self.SaveFromControllerToString(fileName, text));
+        if (status.StatusCode == 0) {
+            WriteFileToDisk(path, text, status);
+        }
+        return status;
+    });
 }
 
 void FileHandler::WriteFileToDisk(std::string const& path, std::string const& contents, StatusInfo& status) const {
@@ -158,24 +165,28 @@ StatusInfo FileHandler::GetIfStreamError(std::ios_base::failure const& failure) 
 }
 
 StatusInfo FileHandler::DeleteJobFile(std::string const& fileName) {
-    std::string jobName = HelperFunction::ToUpper(fileName);
-    if (!jobName.ends_with(jobExtension)) {
-        jobName += jobExtension;
-    }
-    FileRequest request = SetPacket(FileServices::DeleteFile, jobName);
-    IncomingPacket<std::uint8_t> reply;
-    return Contextual(networkManager->SendAndReceive(request, reply, std::nullopt, true));
+    return Guarded(*networkManager, [&] {
+        std::string jobName = HelperFunction::ToUpper(fileName);
+        if (!jobName.ends_with(jobExtension)) {
+            jobName += jobExtension;
+        }
+        FileRequest request = SetPacket(FileServices::DeleteFile, jobName);
+        IncomingPacket<std::uint8_t> reply;
+        return Contextual(networkManager->SendAndReceive(request, reply, std::nullopt, true));
+    });
 }
 
 StatusInfo FileHandler::GetFileCount(FileType type, int& count) {
-    count = 0;
-    FileInterface& self = *this;
-    std::vector<std::string> files;
-    StatusInfo status = Contextual(self.ListFiles(type, files, false));
-    if (status.StatusCode == 0) {
-        count = static_cast<int>(files.size());
-    }
-    return status;
+    return Guarded(*networkManager, count, [&] {
+        count = 0;
+        FileInterface& self = *this;
+        std::vector<std::string> files;
+        StatusInfo status = Contextual(self.ListFiles(type, files, false));
+        if (status.StatusCode == 0) {
+            count = static_cast<int>(files.size());
+        }
+        return status;
+    });
 }
 
 StatusInfo FileHandler::Contextual(StatusInfo status) const {

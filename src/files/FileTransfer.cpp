@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "files/FileHandler.h"
+#include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
 // The exchange by which whole files move: a request that names the file, then numbered blocks, each answered before the
@@ -112,26 +113,30 @@ std::string FileHandler::HeadOf(std::vector<FileBlock> const& blocks) const {
 }
 
 StatusInfo FileHandler::ListFiles(FileType type, std::vector<std::string>& files, bool sorted) {
-    files.clear();
-    FileDownload download(FileServices::ListFile, HelperFunction::GetFileTypeStringFromEnum(type));
-    FileReply reply;
-    std::string names;
-    StatusInfo status = Receive(download, reply, names);
-    if (status.StatusCode != 0) {
-        return Contextual(std::move(status));
-    }
-    HelperFunction::SplitStringOnCLRF(files, names, sorted);
-    return status;
+    return Guarded(*networkManager, files, [&] {
+        files.clear();
+        FileDownload download(FileServices::ListFile, HelperFunction::GetFileTypeStringFromEnum(type));
+        FileReply reply;
+        std::string names;
+        StatusInfo status = Receive(download, reply, names);
+        if (status.StatusCode != 0) {
+            return Contextual(std::move(status));
+        }
+        HelperFunction::SplitStringOnCLRF(files, names, sorted);
+        return status;
+    });
 }
 
 StatusInfo FileHandler::SaveFromControllerToString(std::string const& fileName, std::string& contents) {
-    contents.clear();
-    if (!CheckForFileExt(fileName)) {
-        return StatusInformation(ErrorStatusCodes::InvalidFileExtension, "Invalid file extension.");
-    }
-    FileDownload download(FileServices::SaveFile, fileName);
-    FileReply reply;
-    return Contextual(Receive(download, reply, contents));
+    return Guarded(*networkManager, [&]() -> StatusInfo {
+        contents.clear();
+        if (!CheckForFileExt(fileName)) {
+            return StatusInformation(ErrorStatusCodes::InvalidFileExtension, "Invalid file extension.");
+        }
+        FileDownload download(FileServices::SaveFile, fileName);
+        FileReply reply;
+        return Contextual(Receive(download, reply, contents));
+    });
 }
 
 } // namespace harvlink

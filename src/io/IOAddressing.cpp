@@ -2,6 +2,7 @@
 
 #include "io/IOImplementation.h"
 #include "status/ErrorTables.h"
+#include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
 // Which addresses exist, and by which command they are written.
@@ -71,19 +72,18 @@ WriteCommand IOImplementation::CheckAddressWriteable(unsigned int address, Statu
 unsigned int IOImplementation::ConvertIOGroupToBitAddress(IOType type, unsigned short group, unsigned char bit,
                                                           StatusInfo& status) {
     IOSelection const selection = GetIOSelection(type);
-    if (!IsGroupValid(type, selection, group)) {
-        status = StatusInformation(ErrorStatusCodes::InvalidIOGroup);
+    status = Guarded(*networkManager, [&] {
+        if (!IsGroupValid(type, selection, group)) {
+            return StatusInformation(ErrorStatusCodes::InvalidIOGroup);
+        }
+        if (bit > 7) {
+            return StatusInformation(ErrorStatusCodes::InvalidBitValue);
+        }
+        return StatusInformation(group == 0 ? ErrorStatusCodes::InvalidIOGroup : ErrorStatusCodes::Ok);
+    });
+    if (status.StatusCode != 0) {
         return 0;
     }
-    if (bit > 7) {
-        status = StatusInformation(ErrorStatusCodes::InvalidBitValue);
-        return 0;
-    }
-    if (group == 0) {
-        status = StatusInformation(ErrorStatusCodes::InvalidIOGroup);
-        return 0;
-    }
-    status = StatusInformation(ErrorStatusCodes::Ok);
     unsigned int const address = (selection.baseNumber + group) * 10U + bit;
     return type == IOType::GeneralInput ? address - 10 : address;
 }

@@ -1,6 +1,7 @@
 #include "io/IOImplementation.h"
 #include "io/SignalRequests.h"
 #include "variables/VariableFunctions.h"
+#include "wire/Guarded.h"
 
 // The exchanges that reads and writes are made of.
 
@@ -81,23 +82,27 @@ StatusInfo IOImplementation::WriteRegisterValue(unsigned short index, Value valu
 }
 
 StatusInfo IOImplementation::ReadRegister(unsigned short index, unsigned short& value) {
-    return CarryOut(*networkManager, RegisterRead{index}, value);
+    return Guarded(*networkManager, value, [&] { return CarryOut(*networkManager, RegisterRead{index}, value); });
 }
 
 StatusInfo IOImplementation::ReadRegister(unsigned short index, std::bitset<16>& value) {
-    unsigned short number = 0;
-    StatusInfo status = CarryOut(*networkManager, RegisterRead{index}, number);
-    value = number;
-    return status;
+    return Guarded(*networkManager, value, [&] {
+        unsigned short number = 0;
+        StatusInfo status = CarryOut(*networkManager, RegisterRead{index}, number);
+        value = number;
+        return status;
+    });
 }
 
 StatusInfo IOImplementation::WriteRegister(unsigned short index, unsigned short const& value) {
-    return WriteRegisterValue(index, value);
+    return Guarded(*networkManager, [&] { return WriteRegisterValue(index, value); });
 }
 
 StatusInfo IOImplementation::WriteRegister(unsigned short index, std::bitset<16> const& value) {
-    // Like a byte, a bit set travels in its width in memory.
-    return WriteRegisterValue(index, std::uint64_t{value.to_ullong()});
+    return Guarded(*networkManager, [&] {
+        // Like a byte, a bit set travels in its width in memory.
+        return WriteRegisterValue(index, std::uint64_t{value.to_ullong()});
+    });
 }
 
 } // namespace harvlink

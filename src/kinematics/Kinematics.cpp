@@ -4,6 +4,7 @@
 #include "position/AxisScaling.h"
 #include "status/ErrorTables.h"
 #include "status/GetStatusInfo.h"
+#include "wire/Guarded.h"
 
 namespace harvlink {
 namespace {
@@ -45,20 +46,22 @@ bool Kinematics::IsTooOld() const {
 StatusInfo Kinematics::ConvertPosition(ControlGroupId group, PositionData& position, KinematicConversions conversion,
                                        PositionData& result) {
     if (IsTooOld()) {
-        return TooOld();
+        return Guarded(*networkManager, TooOld);
     }
-    result = {};
-    UAPIPositionData converted;
-    StatusInfo status = Convert(group, position, conversion, converted);
-    if (status.StatusCode != 0) {
-        ApplyConversionTable(status);
+    return Guarded(*networkManager, result, [&] {
+        result = {};
+        UAPIPositionData converted;
+        StatusInfo status = Convert(group, position, conversion, converted);
+        if (status.StatusCode != 0) {
+            ApplyConversionTable(status);
+            return status;
+        }
+        result = converted;
+        if (conversion == KinematicConversions::PulseToJointAngle) {
+            result.coordinateType = CoordinateType::JointAngle;
+        }
         return status;
-    }
-    result = converted;
-    if (conversion == KinematicConversions::PulseToJointAngle) {
-        result.coordinateType = CoordinateType::JointAngle;
-    }
-    return status;
+    });
 }
 
 StatusInfo Kinematics::Convert(ControlGroupId group, PositionData const& position, KinematicConversions conversion,
@@ -81,9 +84,21 @@ StatusInfo Kinematics::ConvertPositionFromCartesian(ControlGroupId group, Positi
                                                     KinematicConversions conversion, KinematicType type,
                                                     std::array<double, 8> const& previousAngles, PositionData& result) {
     if (IsTooOld()) {
-        return TooOld();
+        return Guarded(*networkManager, TooOld);
     }
-    result = {};
+    StatusInfo status = Guarded(*networkManager, result, [&] {
+        result = {};
+        return ConvertFromCartesian(group, position, conversion, type, previousAngles, result);
+    });
+    if (conversion == KinematicConversions::CartesianPosToJointAngle) {
+        result.coordinateType = CoordinateType::JointAngle; // also after a failure, of zero axes
+    }
+    return status;
+}
+
+StatusInfo Kinematics::ConvertFromCartesian(ControlGroupId group, PositionData const& position,
+                                            KinematicConversions conversion, KinematicType type,
+                                            std::array<double, 8> const& previousAngles, PositionData& result) {
     bool const toJointAngle = conversion == KinematicConversions::CartesianPosToJointAngle;
     if (!toJointAngle && conversion != KinematicConversions::CartesianPosToPulse) {
         return StatusInformation(ErrorStatusCodes::InvalidConversionFromCartesian);
@@ -92,9 +107,7 @@ StatusInfo Kinematics::ConvertPositionFromCartesian(ControlGroupId group, Positi
     UAPIPositionData jointAngles;
     DoConversionCartesianPosToJointAngle(group, {position, false}, jointAngles, status, type, previousAngles);
     if (toJointAngle) {
-        // Also after a failure: zero axes of type JointAngle.
         result = jointAngles;
-        result.coordinateType = CoordinateType::JointAngle;
     } else if (status.StatusCode == 0) {
         UAPIPositionData pulses;
         status = DoConversionSimple(group, jointAngles, pulses, CommandNumber::ConvertJointAngleToPulse);

@@ -40,6 +40,9 @@ public:
 private:
     StatusInfo Convert(ControlGroupId group, PositionData const& position, KinematicConversions conversion,
                        UAPIPositionData& out);
+    StatusInfo ConvertFromCartesian(ControlGroupId group, PositionData const& position, KinematicConversions conversion,
+                                    KinematicType type, std::array<double, 8> const& previousAngles,
+                                    PositionData& result);
     bool IsTooOld() const;
 
     NetworkManager* networkManager;

@@ -1,5 +1,6 @@
 #include "status/ExceptionStatus.h"
 
+#include <exception>
 #include <new>
 
 namespace harvlink {
@@ -10,6 +11,10 @@ StatusInfo StatusOfException() noexcept {
             throw;
         } catch (std::bad_alloc const&) {
             return StatusInformation(ErrorStatusCodes::OutOfMemory); // its text fits into the string itself
+        } catch (std::exception const& exception) {
+            StatusInfo status = StatusInformation(ErrorStatusCodes::SystemFailure);
+            status.Message.append(" (").append(exception.what()).append(")");
+            return status;
         } catch (...) {
             return StatusInformation(ErrorStatusCodes::SystemFailure);
         }

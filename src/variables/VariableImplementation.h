@@ -2,6 +2,7 @@
 
 #include "harvlink/VariablesInterface.h"
 #include "variables/VariableRequests.h"
+#include "wire/Guarded.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink {
@@ -13,19 +14,25 @@ public:
     VariableImplementation(NetworkManager* manager, int rs22) : networkManager(manager), rs22State(rs22) {}
 
     StatusInfo Read(unsigned short index, Record& variable) override {
-        if (index > MaxVariableIndex) {
-            variable = {};
+        return Guarded(*networkManager, [&] {
+            variable = {}; // and its index, which is what a failure leaves
             variable.variableIndex = index;
-            return InvalidVariableIndex();
-        }
-        return CarryOut(*networkManager, ReadRequest(command, index, rs22State), variable);
+            return index > MaxVariableIndex
+                       ? InvalidVariableIndex()
+                       : CarryOut(*networkManager, ReadRequest(command, index, rs22State), variable);
+        });
     }
 
     StatusInfo Write(Record const& variable) override {
-        return variable.variableIndex > MaxVariableIndex
-                   ? InvalidVariableIndex()
-                   : CarryOut(*networkManager, WriteRequest(command, variable, rs22State));
+        return Guarded(*networkManager, [&] {
+            return variable.variableIndex > MaxVariableIndex
+                       ? InvalidVariableIndex()
+                       : CarryOut(*networkManager, WriteRequest(command, variable, rs22State));
+        });
     }
+
+protected:
+    NetworkManager& Engine() { return *networkManager; }
 
 private:
     NetworkManager* networkManager;
@@ -56,7 +63,8 @@ public:
         : VariableImplementation(manager, rs22), numberOfToolFiles(toolFiles) {}
 
     StatusInfo Write(RobotPositionVariableData const& variable) override {
-        StatusInfo status = CheckRobotPositionWrite(variable.positionData, numberOfToolFiles);
+        StatusInfo status =
+            Guarded(this->Engine(), [&] { return CheckRobotPositionWrite(variable.positionData, numberOfToolFiles); });
         return status.StatusCode != 0 ? status : VariableImplementation::Write(variable);
     }
 
