@@ -105,6 +105,9 @@ TEST(Dispatch, SurvivesRandomRequests) {
             value = static_cast<std::uint8_t>(pick(3) == 0 ? 0 : random());
         }
         bool const isFile = pick(3) == 0;
+        if (isFile && pick(3) == 0) {
+            payload = Text(pick(2) == 0 ? "*.JBI" : "PICK.JBI");
+        }
         auto const command = pick(2) == 0 ? 112 + pick(30) : 829 + pick(160);
         auto datagram =
             isFile ? FileRequest(Services[4 + pick(4)], payload, pick(2), static_cast<std::uint32_t>(random()))

@@ -42,7 +42,8 @@ TEST(FaultInjection, SpoilsOneReplyToOrder) {
           Case{Fault::WrongId, 1, [](Delivery const& sent) { return IdOf(sent) != 9 && IdOf(sent) < 128; }},
           Case{Fault::StaleId, 1, [](Delivery const& sent) { return IdOf(sent) == 8; }},
           Case{Fault::OtherPort, 1, [](Delivery const& sent) { return sent.source == Delivery::Source::FilePort; }},
-          Case{Fault::OtherSource, 1, [](Delivery const& sent) { return sent.source == Delivery::Source::UnknownPort; }},
+          Case{Fault::OtherSource, 1,
+               [](Delivery const& sent) { return sent.source == Delivery::Source::UnknownPort; }},
           Case{Fault::Restart, 0, [](Delivery const&) { return true; }}}) {
         VirtualClient client;
         Arm(client, fault);

@@ -1,5 +1,5 @@
 #include <filesystem>
-#include <random>
+#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -82,6 +82,26 @@ TEST(GeneratedFiles, DescribeTheControllerAsAClientReadsThem) {
         EXPECT_FALSE(SystemFileParser::NamesBase(names[0]));
         EXPECT_TRUE(SystemFileParser::NamesBase(names[1]));
     }
+}
+
+TEST(GeneratedFiles, ShowVariablesAndAlarms) {
+    VirtualController controller("", StillOptions());
+    controller.With([](ControllerModel& model) {
+        model.variables.bytes[1] = 7;
+        model.variables.integers[510] = -5;
+        model.variables.reals[0] = 2.5F;
+        model.RaiseAlarm(4107, 3, "OUT OF RANGE");
+        model.RaiseAlarm(8500, 0, "STOPPED");
+    });
+    FileClient const client{controller};
+    auto const log = client.Save("ALARM.LOG");
+    EXPECT_TRUE(std::regex_match(log, std::regex("//ALARM HISTORY\r\n1000,4107,3,[0-9/ :]{16},OUT OF RANGE\r\n"
+                                                 "3000,8500,0,[0-9/ :]{16},STOPPED\r\n")))
+        << log;
+    auto const data = client.Save("VAR.DAT");
+    EXPECT_TRUE(data.starts_with("//B\r\n0,7,0,0,0,0,0,0,0,0\r\n")) << data.substr(0, 40);
+    EXPECT_NE(data.find("\r\n-5,0\r\n//D\r\n"), std::string::npos) << "the last of 512 variables";
+    EXPECT_NE(data.find("\r\n//R\r\n2.5,0,"), std::string::npos);
 }
 
 TEST(FileTransfers, CarryEverySizeBothWays) {
@@ -249,21 +269,6 @@ TEST(FileStore, ServesAndUpdatesAFolderAndNothingBesideIt) {
     options.filesFolder = folder / "none";
     VirtualController other("", options);
     EXPECT_NE(other.WithParts([](ControllerParts& parts) { return parts.files.FolderError(); }), "");
-}
-
-TEST(FileTransfers, SurviveAnyDatagram) {
-    VirtualController controller("", StillOptions());
-    std::mt19937 random(7);
-    std::array constexpr Services{DeleteFile, LoadFile, SaveFile, ListFile, static_cast<FileServices>(0)};
-    for (int i = 0; i < 20000; ++i) {
-        auto const pick = [&](std::uint32_t count) { return static_cast<std::uint32_t>(random()) % count; };
-        std::string payload = pick(2) == 0 ? "*.JBI" : std::string(pick(500), static_cast<char>(pick(256)));
-        payload = pick(4) == 0 ? "PICK.JBI" : payload;
-        FileClient const client{controller, pick(4)};
-        client.Send(Services[pick(Services.size())], pick(3) == 0 ? "" : payload, static_cast<std::uint8_t>(pick(3)),
-                    pick(4) | (pick(2) << 31U));
-    }
-    EXPECT_NE(FileClient{controller}.List("*.SYS"), "");
 }
 
 } // namespace

@@ -100,6 +100,13 @@ protected:
         return Place();
     }
 
+    void RunToEnd(std::string const& lines) {
+        Put("RUN", lines);
+        EXPECT_EQ(Select("RUN"), Refusal::None) << lines;
+        EXPECT_EQ(Start(), Refusal::None) << lines;
+        EXPECT_EQ(After(1000), "RUN 0 0 stands") << lines;
+    }
+
     VirtualController controller{"", StillOptions()};
     ControllerParts& parts = controller.WithParts([](ControllerParts& inner) -> ControllerParts& { return inner; });
     ControllerModel& model = parts.model;
@@ -187,8 +194,15 @@ TEST_F(JobEngineTest, RaisesAnAlarmWhereItCannotGoOn) {
     Put("BADVAR", "INC B9999\n");
     Put("BADSIG", "DOUT OT#(99999) ON\n");
     Put("OTHERCLASS", "WAIT IN#(8001)=ON\n");
-    for (auto const& [name, code] : std::initializer_list<std::pair<char const*, unsigned>>{
-             {"LOST", 4450}, {"SELF", 4451}, {"BADVAR", 4452}, {"BADSIG", 4453}, {"OTHERCLASS", 4453}}) {
+    Put("BADWAIT", "WAIT D99999=1\n");
+    Put("BADJUMP", "JUMP *A IF OT#(9999)=ON\n*A\n");
+    for (auto const& [name, code] : std::initializer_list<std::pair<char const*, unsigned>>{{"LOST", 4450},
+                                                                                            {"SELF", 4451},
+                                                                                            {"BADVAR", 4452},
+                                                                                            {"BADWAIT", 4452},
+                                                                                            {"BADSIG", 4453},
+                                                                                            {"OTHERCLASS", 4453},
+                                                                                            {"BADJUMP", 4453}}) {
         EXPECT_EQ(Select(name), Refusal::None);
         EXPECT_EQ(Start(), Refusal::None);
         EXPECT_EQ(After(2000), std::string(name) + " 1 1 stands");
@@ -197,6 +211,40 @@ TEST_F(JobEngineTest, RaisesAnAlarmWhereItCannotGoOn) {
         EXPECT_LE(parts.jobs.Depth(), simulator::JobEngine::MaxDepth);
         model.ResetAlarms();
         model.SetServo(true);
+    }
+}
+
+TEST_F(JobEngineTest, ComparesWithEverySign) {
+    for (auto const& [sign, expected] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"=", "010"}, {"<>", "101"}, {"<", "100"}, {"<=", "110"}, {">", "001"}, {">=", "011"}}) {
+        std::string holds;
+        for (auto const* const value : {"-1", "0", "1"}) {
+            RunToEnd("SET I005 " + std::string(value) + "\nSET B005 1\nJUMP *HOLDS IF I005" + sign +
+                     "0\nSET B005 0\n*HOLDS\n");
+            holds += std::to_string(model.variables.bytes[5]);
+        }
+        EXPECT_EQ(holds, expected) << sign;
+    }
+}
+
+TEST_F(JobEngineTest, CountsVariablesWithinTheirRange) {
+    struct Case {
+        char const* lines;
+        double (*read)(simulator::Variables const&);
+        double expected;
+    };
+    auto const byte = [](simulator::Variables const& all) -> double { return all.bytes[5]; };
+    for (auto const& [lines, read, expected] : std::initializer_list<Case>{
+             {"SET B005 255\nINC B005\n", byte, 0},
+             {"SET B005 0\nDEC B005\n", byte, 255},
+             {"SET I005 32767\nINC I005\n", [](auto const& all) -> double { return all.integers[5]; }, -32768},
+             {"SET D005 -2147483648\nDEC D005\n", [](auto const& all) -> double { return all.doubleInts[5]; },
+              2147483647},
+             {"SET R005 1.5\nINC R005\n", [](auto const& all) -> double { return all.reals[5]; }, 2.5},
+             {"SET D005 7\nSET R005 2.5\nSET B005 0\nWAIT D005>6\nWAIT R005<=2.5\nWAIT OT#(9)=OFF\nINC B005\n", byte,
+              1}}) {
+        RunToEnd(lines);
+        EXPECT_EQ(read(model.variables), expected) << lines;
     }
 }
 

@@ -1,0 +1,158 @@
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include "harvlink/harvlink.h"
+#include "support/LoopbackAddress.h"
+#include "support/ScratchFolder.h"
+
+namespace harvlink::test {
+namespace {
+
+/// A running harvlink-sim whose output and errors are read together.
+class Program {
+public:
+    explicit Program(std::string const& arguments)
+        // The shell prints its process id, which is then that of the program.
+        : pipe_(popen(("echo $$; exec '" HARVLINK_SIMULATOR "' " + arguments + " 2>&1").c_str(), "r")),
+          process_(std::stoi(ReadLine())) {}
+    Program(Program const&) = delete;
+    Program& operator=(Program const&) = delete;
+    ~Program() {
+        if (pipe_ != nullptr) {
+            kill(process_, SIGKILL);
+            pclose(pipe_);
+        }
+    }
+
+    /// Empty at the end of the output.
+    std::string ReadLine() {
+        std::string line;
+        for (int next = fgetc(pipe_); next != EOF; next = fgetc(pipe_)) {
+            line += static_cast<char>(next);
+            if (next == '\n') {
+                break;
+            }
+        }
+        return line;
+    }
+
+    std::string ReadRest() {
+        std::string text;
+        for (auto line = ReadLine(); !line.empty(); line = ReadLine()) {
+            text += line;
+        }
+        return text;
+    }
+
+    void Interrupt() const { kill(process_, SIGTERM); }
+
+    /// After the end of the output.
+    int ExitCode() {
+        int const status = pclose(pipe_);
+        pipe_ = nullptr;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    FILE* pipe_ = nullptr;
+    pid_t process_ = -1;
+};
+
+std::string ContentOf(std::filesystem::path const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Counts the records of a recording, which must end with a whole one.
+std::size_t CountRecords(std::string const& recording) {
+    std::size_t count = 0;
+    std::size_t offset = 24;
+    while (offset + 16 <= recording.size()) {
+        std::uint32_t length = 0;
+        std::memcpy(&length, recording.data() + offset + 8, sizeof(length));
+        offset += 16 + length;
+        ++count;
+    }
+    EXPECT_EQ(offset, recording.size());
+    return count;
+}
+
+std::size_t Count(std::string const& text, std::string_view part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(SimulatorProgram, SaysWhatIsWrongAndEndsWithACode) {
+    ScratchFolder const scratch;
+    auto const scene = scratch.Path() / "cell.toml";
+    std::ofstream(scene) << "[controller]\nfoo = 1\n";
+    struct Case {
+        std::string arguments;
+        int code;
+        char const* message;
+    };
+    for (auto const& [arguments, code, message] : std::initializer_list<Case>{
+             {"--help", 0, "buffer-full-ms"},
+             {"--version", 0, "harvlink-sim "},
+             {"--nothing", 2, "Run harvlink-sim --help"},
+             {"--address 1.2.3", 2, "'1.2.3' is not an IPv4 address"},
+             {"--generation XX", 2, "'XX' is not a generation; there are: DS"},
+             {"--groups R1,R9", 2, "'R9' is not a control group"},
+             {"--rs022 2", 2, "--rs022"},
+             {"--time-scale 0", 2, "'0' is not a number from 0.001 to 10000"},
+             {"--faults drop", 2, "'drop' is not of the form name=number"},
+             {"--scene '" + scene.string() + "'", 1, "cell.toml:2: controller.foo: unknown key"},
+             {"--address 192.0.2.1", 1, "can't bind 192.0.2.1:10040"},
+             {"--address " + NextLoopbackAddress() + " --pcap '" + (scratch.Path() / "none" / "x").string() + "'", 1,
+              "No such file or directory"}}) {
+        Program program(arguments);
+        auto const output = program.ReadRest();
+        EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
+        EXPECT_EQ(program.ExitCode(), code) << arguments;
+    }
+}
+
+TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
+    ScratchFolder const scratch;
+    auto const path = [&](char const* name) { return (scratch.Path() / name).string(); };
+    std::ofstream(path("cell.toml")) << "[controller]\ngeneration = \"FS\"\n[variables.B]\n5 = 42\n";
+    auto const address = NextLoopbackAddress();
+    Program program("--address " + address + " --scene '" + path("cell.toml") + "' --generation YA --groups R1:7,S1" +
+                    " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") +
+                    "' --pcap '" + path("all.pcap") + "'");
+    ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
+    {
+        StatusInfo status;
+        auto const robot = harvlink::Connect(address, status, 1000, 3);
+        ASSERT_NE(robot, nullptr) << status.Message;
+        ByteVariableData variable;
+        EXPECT_EQ(robot->Variables->byteVariable->Read(5, variable).StatusCode, 0);
+        EXPECT_EQ(variable.value, 42) << "from the scene";
+        EXPECT_EQ(robot->MotionManager->MotionStop(false).StatusCode, 0) << "the option wins over the scene";
+    }
+    program.Interrupt();
+    auto const lines = program.ReadRest();
+    EXPECT_EQ(program.ExitCode(), 0);
+    auto const requests = Count(lines, "\n");
+    EXPECT_EQ(Count(lines, address + ":1004"), requests);
+    EXPECT_EQ(CountRecords(ContentOf(path("all.pcap"))), 2 * requests - Count(lines, "-> unanswered"));
+    auto const report = ContentOf(path("report.json"));
+    EXPECT_NE(report.find("\"address\": \"" + address + "\", \"requests\": " + std::to_string(requests) + ","),
+              std::string::npos)
+        << report;
+    EXPECT_NE(report.find("\"duplicate\": 0"), std::string::npos) << report;
+}
+
+} // namespace
+} // namespace harvlink::test
