@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "VirtualClient.h"
+#include "io/IOAddressMap.h"
 
 namespace harvlink::test {
 namespace {
@@ -139,36 +140,27 @@ TEST(Variables, RefuseImpossiblePositions) {
     }
 }
 
+/// The controller's signals are those that the library knows: no group before or after them belongs to the class.
 TEST(IO, KnowsTheSignalsOfEachGeneration) {
-    // By generation: the first and last group of a class exist, the groups before and after do not.
-    struct Class {
-        IOType type;
-        std::array<std::array<unsigned, 2>, 6> groups;
-    };
-    for (auto const& [type, groups] :
-         {Class{IOType::GeneralInput, {{{1, 256}, {1, 512}, {1, 128}, {1, 512}, {1, 512}, {1, 512}}}},
-          Class{IOType::NetworkInput,
-                {{{2501, 2576}, {2701, 2956}, {2501, 2628}, {2701, 2956}, {2701, 2956}, {2701, 2956}}}},
-          Class{IOType::ExternalOutput,
-                {{{3001, 3256}, {3001, 3512}, {3001, 3128}, {3001, 3512}, {3001, 3128}, {3001, 3512}}}},
-          Class{IOType::AuxiliaryRelay,
-                {{{7001, 7999}, {7001, 7999}, {7001, 7999}, {7001, 7999}, {7001, 7999}, {7001, 7999}}}}}) {
-        for (std::size_t i = 0; i < Generations.size(); ++i) {
-            VirtualClient client({.generation = Generations[i]});
-            auto const [first, last] = groups[i];
-            client.controller.With([low = first, wanted = type](ControllerModel& model) {
-                EXPECT_EQ(model.signals.TypeOf(low), wanted);
-                model.signals.WriteGroup(low, 0xA5);
+    for (auto const generation : Generations) {
+        VirtualClient client({.generation = generation});
+        for (int number = 0; number < 12; ++number) {
+            auto const type = static_cast<IOType>(number);
+            auto const addresses = GetAddressRange(type, generation);
+            auto const [first, last] = std::pair(addresses.lowest / 10, addresses.highest / 10);
+            client.controller.With([&](ControllerModel& model) {
+                EXPECT_NE(model.signals.TypeOf(first - 1), type) << number;
+                EXPECT_NE(model.signals.TypeOf(last + 1), type) << number;
+                EXPECT_EQ(model.signals.TypeOf(last), type) << number;
+                model.signals.WriteGroup(first, 0xA5);
             });
-            EXPECT_EQ(client.Ask(120, first, 1, 14), (Answer{0, U8(0xA5)}));
-            EXPECT_EQ(client.Ask(120, last, 1, 14), (Answer{0, U8(0)}));
-            EXPECT_EQ(client.Ask(120, first - 1, 1, 14), Refused(40961));
-            EXPECT_EQ(client.Ask(120, last + 1, 1, 14), Refused(40961));
+            EXPECT_EQ(client.Ask(120, first, 1, 14), (Answer{0, U8(0xA5)})) << number;
         }
+        EXPECT_EQ(client.Ask(120, 0, 1, 14), Refused(40961));
     }
 }
 
-TEST(IO, WritesOnBothRoadsInRemoteModeOnly) {
+TEST(IO, WritesByGroupAndByAddressInRemoteModeOnly) {
     VirtualClient client;
     auto const group = [&](unsigned number) { return client.Ask(120, number, 1, 14).payload; };
     auto const signal = [&](unsigned address, unsigned value) {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "controller/JobMessages.h"
 #include "simulator/jobs/JobParser.h"
 #include "simulator_files/FileClient.h"
+#include "support/WireBytes.h"
 
 namespace harvlink::test {
 namespace {
@@ -268,54 +268,32 @@ TEST_F(JobEngineTest, KeepsUpWithAnyClock) {
     EXPECT_TRUE(parts.jobs.IsRunning());
 }
 
-/// Sends a request to the robot port and returns the code and the payload.
-template <typename Answer, typename Payload>
-int Ask(VirtualController& controller, CommandNumber command, std::uint16_t instance, Payload const& payload,
-        std::size_t size, Answer& answer) {
-    OutgoingPacket<Payload> packet;
-    packet.header.payloadSize = static_cast<std::uint16_t>(size);
-    bool const isWrite = command == CommandNumber::JobSelect;
-    packet.subHeader =
-        SubHeaderForSending(command, instance, FixedField::WholeRecord, isWrite ? ServiceWriteAll : ServiceReadAll);
-    packet.payload = payload;
-    simulator::Reply reply;
-    controller.Handle(simulator::Port::Robot, 1, packet.Bytes().first(HeaderSize + size), reply);
-    std::memcpy(&answer, reply.Payload().data(), sizeof(answer));
-    return static_cast<int>(reply.Code());
-}
-
 TEST_F(JobEngineTest, AnswersTheJobCommands) {
-    std::uint8_t done = 1;
-    auto const select = [&](std::string_view name, std::uint32_t line) {
-        JobMsg message;
-        std::ranges::copy(name, message.jobName.begin());
-        message.line = line;
-        return Ask(controller, CommandNumber::JobSelect, 1, message, JobSelectPayloadSize, done);
+    // Sends a request to the robot port and returns the code and the payload.
+    auto const ask = [&](unsigned command, unsigned instance, unsigned service, Bytes const& payload) {
+        auto const request = RobotRequest(command, instance, 0, service, payload);
+        simulator::Reply reply;
+        controller.Handle(simulator::Port::Robot, 1, std::as_bytes(std::span(request)), reply);
+        auto const* const first = reinterpret_cast<std::uint8_t const*>(reply.Bytes().data());
+        return std::pair(static_cast<int>(reply.Code()), Bytes(first + HeaderSize, first + reply.Bytes().size()));
     };
-    EXPECT_EQ(select("NONE", 0), 16448);
-    EXPECT_EQ(select("../X", 0), 16448);
-    EXPECT_EQ(select("", 0), 16448);
-    EXPECT_EQ(select(std::string(32, 'A'), 0), 16448);
-    EXPECT_EQ(select("COUNT", 6), 20992);
-    EXPECT_EQ(select("OUTER", 1), 0);
+    for (auto const& [name, line, code] :
+         std::initializer_list<std::tuple<std::string, unsigned, int>>{{"NONE", 0, 16448},
+                                                                       {"../X", 0, 16448},
+                                                                       {"", 0, 16448},
+                                                                       {std::string(32, 'A'), 0, 16448},
+                                                                       {"COUNT", 6, 20992},
+                                                                       {"OUTER", 1, 0}}) {
+        EXPECT_EQ(ask(135, 1, 2, Text(name, 32) + U32(line)).first, code) << name;
+    }
     EXPECT_EQ(Start(), Refusal::None);
     controller.Advance(milliseconds(80));
-    JobMsg job;
-    for (auto const& [instance, code] :
-         std::initializer_list<std::pair<int, int>>{{0, 40961}, {9, 40961}, {8, 0}, {1, 0}}) {
-        EXPECT_EQ(Ask(controller, CommandNumber::ExecutingJobRead, static_cast<std::uint16_t>(instance), 0U, 0, job),
-                  code);
+    for (auto const& [instance, code] : {std::pair{0U, 40961}, {9U, 40961}, {8U, 0}}) {
+        EXPECT_EQ(ask(115, instance, 1, {}).first, code) << instance;
     }
-    EXPECT_STREQ(job.jobName.data(), "COUNT");
-    EXPECT_EQ(job.line, 3U);
-    EXPECT_EQ(job.stepNumber, 2U);
-    EXPECT_EQ(job.speedOverride, 10000U);
-    JobStructs::JobStackReturnData stack;
-    EXPECT_EQ(Ask(controller, CommandNumber::JobStackRead, 0, TaskDataMsg{8}, 4, stack), 65535);
-    EXPECT_EQ(Ask(controller, CommandNumber::JobStackRead, 0, TaskDataMsg{0}, 4, stack), 0);
-    EXPECT_EQ(stack.jobCount, 2);
-    EXPECT_STREQ(stack.jobNames[0].data(), "OUTER");
-    EXPECT_STREQ(stack.jobNames[1].data(), "COUNT");
+    EXPECT_EQ(ask(115, 1, 1, {}), (std::pair{0, Text("COUNT", 32) + Words({3, 2, 10000})}));
+    EXPECT_EQ(ask(981, 0, 1, U32(8)).first, 65535);
+    EXPECT_EQ(ask(981, 0, 1, U32(0)), (std::pair{0, U32(2) + Text("OUTER", 33) + Text("COUNT", 33) + Bytes(330)}));
 }
 
 } // namespace
