@@ -163,11 +163,13 @@ void Adding(Report& report) {
 
 constexpr int latencySamples = 500;
 
-/// From `add` to when the kernel had the datagram, at the median. The adding thread sleeps between samples.
-double LatencyOf(Responder& responder, auto add) {
+/// From `add` to when the kernel had the datagram, at the median. The adding thread sleeps between samples, and does
+/// `prepare` before each.
+double LatencyOf(Responder& responder, auto prepare, auto add) {
     std::vector<double> times;
     for (int i = 0; i < latencySamples; ++i) {
         std::uint64_t const before = responder.Counters().targets;
+        prepare();
         std::int64_t const start = WallNanoseconds();
         add(i);
         WaitForTargets(responder, before + 1, std::chrono::microseconds(200));
@@ -232,11 +234,13 @@ double BareLatency(std::string const& address, Responder& responder, WaitForTarg
             bare.Exchange(BytesOf(request), reply.Bytes(), Division::RobotControl);
         }
     });
-    return LatencyOf(responder, [&](int i) {
-        MotionTargetSend target{1, {}};
-        target.targets[0].axes[0] = i;
-        queue.Add(target);
-    });
+    return LatencyOf(
+        responder, [] {},
+        [&](int i) {
+            MotionTargetSend target{1, {}};
+            target.targets[0].axes[0] = i;
+            queue.Add(target);
+        });
 }
 
 double MonitorLatency(std::string const& address, Responder& responder) {
@@ -244,7 +248,8 @@ double MonitorLatency(std::string const& address, Responder& responder) {
     Connection const connection = Open(address);
     Require(connection->MotionManager->MotionStart()); // its thread stays on the core of its maker
     PinTo(1);
-    return LatencyOf(responder, [&](int i) { Require(connection->MotionManager->AddPointToTrajectory(Point(i))); });
+    return LatencyOf(
+        responder, [] {}, [&](int i) { Require(connection->MotionManager->AddPointToTrajectory(Point(i))); });
 }
 
 /// The feeding thread has a core of its own; the adding and the answering side share the other.
@@ -261,6 +266,46 @@ void QueueToWire(Report& report) {
                                   [&] { return MonitorLatency(address, responder); });
     AddTime(report, "step queued to datagram, against a spinning queue", spinning, 1.3, "ratio, two cores");
     AddTime(report, "step queued to datagram, against a condition variable", condition, 0.08, "ratio, two cores");
+}
+
+Connection OpenStrictly(std::string const& address) {
+    ConnectOptions options;
+    options.address = address;
+    options.access = Access::Full;
+    StatusInfo status;
+    Connection connection = Connect(options, status);
+    Require(status);
+    Require(connection->MotionManager->MotionStart());
+    return connection;
+}
+
+/// A strict monitor sleeps while it has nothing to send: what that saves, and what waking it takes.
+void SleepingMonitor(Report& report) {
+    std::string const address = BenchAddress(6);
+    Responder responder({address}, 1, ArrivalTime::Kernel);
+    PinTo(0);
+    Connection const connection = OpenStrictly(address);
+    auto const fallAsleep = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); };
+    double const latency = LatencyOf(
+        responder, fallAsleep, [&](int i) { Require(connection->MotionManager->AddPointToTrajectory(Point(i))); });
+    report.Add({.name = "strict: point queued to a sleeping monitor, to datagram",
+                .unit = "us",
+                .harvlink = latency * 1e6,
+                .gated = latency * 1e6,
+                .comparison = "<=",
+                .target = 100.0,
+                .note = "median"});
+    fallAsleep();
+    double const before = ProcessCpuSeconds();
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    double const used = ProcessCpuSeconds() - before;
+    report.Add({.name = "strict: processor time of an idle, started manager",
+                .unit = "us/s",
+                .harvlink = used * 1e6,
+                .gated = used * 1e6,
+                .comparison = "<=",
+                .target = 500.0,
+                .note = "of the whole process"});
 }
 
 void BesideIdleManagers(Report& report) {
@@ -290,6 +335,7 @@ void MotionCases(Report& report) {
     Draining(report);
     Adding(report);
     QueueToWire(report);
+    SleepingMonitor(report);
     BesideIdleManagers(report);
 }
 

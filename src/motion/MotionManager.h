@@ -16,6 +16,7 @@
 #include "motion/MotionStep.h"
 #include "motion/TrajectoryProgress.h"
 #include "motion/TrajectoryQueue.h"
+#include "status/ExceptionStatus.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink {
@@ -136,6 +137,22 @@ private:
     void WaitForRoom(StepNumber number, bool& isCounted);
     void PopSentStep(StepNumber number);
     void HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group);
+    StatusInfo ReportFailure(StatusInfo status, StepNumber number, ControlGroupId group);
+
+    /// Nobody stands behind the monitor to catch what it throws: under Rule::NoExceptions that is a status.
+    template <typename Operation>
+    StatusInfo Contain(Operation operation) {
+        if (!Enforces(Rule::NoExceptions)) {
+            return operation();
+        }
+        try {
+            return operation();
+        } catch (...) {
+            networkManager->Refuses(Rule::NoExceptions);
+            return StatusOfException();
+        }
+    }
+
     ControlGroupId FailedGroup(MotionStep const& step) const;
     bool Enforces(Rule rule) const { return networkManager->Policy().Enforces(rule); }
 

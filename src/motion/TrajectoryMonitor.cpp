@@ -67,7 +67,7 @@ void MotionManager::SendQueue() {
             return;
         }
         progress.Taken();
-        StatusInfo status = SendStep(front->step, front->number);
+        StatusInfo status = Contain([&] { return SendStep(front->step, front->number); });
         if (status.StatusCode == 0) {
             PopSentStep(front->number);
         } else if (!IsWithdrawn(status)) {
@@ -181,10 +181,20 @@ ControlGroupId MotionManager::FailedGroup(MotionStep const& step) const {
 }
 
 void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group) {
-    // Under no rule at all everything is said as designed, and no more.
+    progress.BeginFailure(number, status.StatusCode);
+    Contain([&] { return ReportFailure(std::move(status), number, group); });
+    // An end of the connection doesn't wait for one more exchange; what the controller has, it keeps on any close.
+    if (!Enforces(Rule::BoundedClose) || !progress.IsClosing()) {
+        Contain([&] { return ClearAllTrajectory(); });
+    }
+    progress.EndFailure();
+}
+
+StatusInfo MotionManager::ReportFailure(StatusInfo status, StepNumber number, ControlGroupId group) {
+    // Without a rule everything is said as designed, and no more.
     bool const isNamed = networkManager->Policy().enforced.bits != 0;
     std::string const place = isNamed ? PlaceOf(networkManager->Address(), number, group) : "";
-    progress.Refused(number, {status.StatusCode, status.Message + (isNamed ? '\n' + place : "")}, group);
+    progress.NoteFailure({{status.StatusCode, status.Message + (isNamed ? '\n' + place : "")}, number, group});
     // The offset undoes the fold. What was not folded, such as a missing reply, is then not in the table.
     auto const controllerCode = static_cast<std::uint32_t>(status.StatusCode) + MotionErrorOffset;
     std::string const shortText = GetShortErrorMessage(static_cast<int>(controllerCode));
@@ -194,11 +204,7 @@ void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, Contr
     if (isNamed) {
         networkManager->LogIfEnabled({status.StatusCode, place});
     }
-    // An end of the connection doesn't wait for one more exchange; what the controller has, it keeps on any close.
-    if (!Enforces(Rule::BoundedClose) || !progress.IsClosing()) {
-        ClearAllTrajectory();
-    }
-    progress.FailureHandled();
+    return status;
 }
 
 std::string MotionManager::GetShortErrorMessage(int code) const {

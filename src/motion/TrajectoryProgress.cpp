@@ -130,18 +130,22 @@ void TrajectoryProgress::Sent(StepNumber number, MotionStep const& step) {
     forOthers.notify_all();
 }
 
-void TrajectoryProgress::Refused(StepNumber number, StatusInfo const& status, ControlGroupId group) {
+void TrajectoryProgress::BeginFailure(StepNumber number, std::int32_t code) {
     std::lock_guard const lock(mutex);
     if (StepRecord* const record = Leave(number, StepOutcome::Refused); record != nullptr) {
-        record->code = status.StatusCode;
+        record->code = code;
     }
     isFailing = true;
     state.monitor = TrajectoryMonitorState::Failed;
     state.heldBackSince = {};
-    state.lastFailure = {status, number, group};
 }
 
-void TrajectoryProgress::FailureHandled() {
+void TrajectoryProgress::NoteFailure(TrajectoryFailure failure) {
+    std::lock_guard const lock(mutex);
+    state.lastFailure = std::move(failure);
+}
+
+void TrajectoryProgress::EndFailure() {
     {
         std::lock_guard const lock(mutex);
         isFailing = false;

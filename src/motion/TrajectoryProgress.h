@@ -68,8 +68,9 @@ public:
     void Taken(); ///< A step is being sent.
     void Full(); ///< There was no room for it.
     void Sent(StepNumber number, MotionStep const& step); ///< Number 0 only counts the targets.
-    void Refused(StepNumber number, StatusInfo const& status, ControlGroupId group); ///< The failure is being handled.
-    void FailureHandled();
+    void BeginFailure(StepNumber number, std::int32_t code); ///< Until EndFailure no wait returns.
+    void NoteFailure(TrajectoryFailure failure);
+    void EndFailure();
     void Rested(); ///< There is nothing to send.
 
     // Of the controller's targets.
