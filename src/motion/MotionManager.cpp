@@ -2,6 +2,7 @@
 
 #include "motion/MotionRequests.h"
 #include "motion/TargetWait.h"
+#include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
 namespace harvlink {
@@ -68,22 +69,27 @@ StatusInfo MotionManager::AddPointToTrajectory(std::uint64_t& stepNumber, Motion
                                                std::optional<Motion> second, std::optional<Motion> third,
                                                std::optional<Motion> fourth) {
     stepNumber = 0;
-    if (!IsSupported()) {
-        return TooOld();
-    }
-    if (networkManager->Policy().access != Access::Full) {
-        return Denied(Access::Full); // what is queued could never leave
-    }
-    MotionStep step;
-    StatusInfo status = AddTargets(step, first, {second, third, fourth});
-    if (status.StatusCode != 0) {
-        return status;
-    }
+    return Guarded(*networkManager, [&] {
+        if (!IsSupported()) {
+            return TooOld();
+        }
+        if (networkManager->Policy().access != Access::Full) {
+            return Denied(Access::Full); // what is queued could never leave
+        }
+        MotionStep step;
+        StatusInfo status = AddTargets(step, first, {second, third, fourth});
+        return status.StatusCode == 0 ? Queue(step, stepNumber) : status;
+    });
+}
+
+/// The status comes first: when the step is in the queue, nothing may fail any more.
+StatusInfo MotionManager::Queue(MotionStep const& step, StepNumber& stepNumber) {
+    StatusInfo status = StatusInformation(ErrorStatusCodes::Ok, "Point added to trajectory.");
     std::lock_guard const lock(trajectoryMutex);
     progress.MakeRoom();
     stepNumber = trajectory.PushBack(step);
     progress.Queued(stepNumber);
-    return StatusInformation(ErrorStatusCodes::Ok, "Point added to trajectory.");
+    return status;
 }
 
 StatusInfo MotionManager::AddTargets(MotionStep& step, Motion const& first,
@@ -111,25 +117,28 @@ StatusInfo MotionManager::AddTargets(MotionStep& step, Motion const& first,
 }
 
 StatusInfo MotionManager::MotionStart() {
-    if (!IsSupported()) {
-        return TooOld();
-    }
-    StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
-    if (status.StatusCode == 0) {
-        progress.Release();
-        StartMonitorTrajectoryThread();
-    }
-    return status;
+    return Guarded(*networkManager, [&] {
+        if (!IsSupported()) {
+            return TooOld();
+        }
+        StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
+        if (status.StatusCode == 0) {
+            progress.Release();
+            StartMonitorTrajectoryThread();
+        }
+        return status;
+    });
+}
+
+StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
+    return Guarded(*networkManager, [&] { return IsSupported() ? Stop(clearTrajectory) : TooOld(); });
 }
 
 /// As designed the monitor is not touched. Under Rule::BoundedClose no target leaves after the stop, until the next start.
-StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
-    if (!IsSupported()) {
-        return TooOld();
-    }
+StatusInfo MotionManager::Stop(bool clearTrajectory) {
     bool const holds = Enforces(Rule::BoundedClose);
     bool const wasHeld = holds && progress.Hold();
-    StatusInfo status = SendStop();
+    StatusInfo status = Guarded(*networkManager, [&] { return SendStop(); });
     bool const isStopped = status.StatusCode == 0;
     if (isStopped && clearTrajectory) {
         ClearAllTrajectory();
@@ -149,9 +158,10 @@ StatusInfo MotionManager::SendStop() {
 }
 
 StatusInfo MotionManager::ClearAllTrajectory() {
-    if (!IsSupported()) {
-        return TooOld();
-    }
+    return Guarded(*networkManager, [&] { return IsSupported() ? Clear() : TooOld(); });
+}
+
+StatusInfo MotionManager::Clear() {
     if (trajectory.IsEmpty()) {
         return SendClear(MotionClearGroupTargets::AllGroups);
     }
@@ -178,37 +188,43 @@ StatusInfo MotionManager::SendClear(std::int32_t group) {
 }
 
 StatusInfo MotionManager::GetTrajectoryState(TrajectoryState& state) {
-    state = progress.State();
-    return IsSupported() ? StatusInformation(ErrorStatusCodes::Ok) : TooOld();
+    return Guarded(*networkManager, state, [&] {
+        state = progress.State();
+        return IsSupported() ? StatusInformation(ErrorStatusCodes::Ok) : TooOld();
+    });
 }
 
 StatusInfo MotionManager::WaitForTarget(std::uint64_t stepNumber, unsigned timeoutMilliseconds, double tolerance) {
-    if (!IsSupported()) {
-        return TooOld();
-    }
-    return TargetWait(*networkManager, progress, groupNumberMap, stepNumber, timeoutMilliseconds).UntilThere(tolerance);
+    return Guarded(*networkManager, [&] {
+        return IsSupported() ? TargetWait(*networkManager, progress, groupNumberMap, stepNumber, timeoutMilliseconds)
+                                   .UntilThere(tolerance)
+                             : TooOld();
+    });
 }
 
 StatusInfo MotionManager::WaitUntilSent(std::uint64_t stepNumber, unsigned timeoutMilliseconds) {
-    if (!IsSupported()) {
-        return TooOld();
-    }
-    return TargetWait(*networkManager, progress, groupNumberMap, stepNumber, timeoutMilliseconds).UntilSent();
+    return Guarded(*networkManager, [&] {
+        return IsSupported()
+                   ? TargetWait(*networkManager, progress, groupNumberMap, stepNumber, timeoutMilliseconds).UntilSent()
+                   : TooOld();
+    });
 }
 
 double MotionManager::GetMotionTargetProgress(ControlGroupId group, StatusInfo& status) {
+    double reached = 0.0;
+    status = Guarded(*networkManager, reached, [&] { return ReadTargetProgress(group, reached); });
+    return reached;
+}
+
+StatusInfo MotionManager::ReadTargetProgress(ControlGroupId group, double& reached) {
     if (!IsSupported()) {
-        status = TooOld();
-        return 0.0;
+        return TooOld();
     }
     TargetControlGroup const slot = groupNumberMap.GetGroup(group);
     if (slot == TargetControlGroup::GroupNotFound) {
-        status = StatusInformation(groupDoesNotExist, "Group does not exist.");
-        return 0.0;
+        return StatusInformation(groupDoesNotExist, "Group does not exist.");
     }
-    double reached = 0.0;
-    status = CarryOut(*networkManager, TargetProgressRequest{slot}, reached);
-    return reached;
+    return CarryOut(*networkManager, TargetProgressRequest{slot}, reached);
 }
 
 StatusInfo MotionManager::SetAlarm(std::string const& text, unsigned char subCode) {

@@ -16,7 +16,6 @@
 #include "motion/MotionStep.h"
 #include "motion/TrajectoryProgress.h"
 #include "motion/TrajectoryQueue.h"
-#include "status/ExceptionStatus.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink {
@@ -105,7 +104,11 @@ public:
 private:
     bool IsSupported() const;
     StatusInfo AddTargets(MotionStep& step, Motion const& first, std::array<std::optional<Motion>, 3> const& others);
+    StatusInfo Queue(MotionStep const& step, StepNumber& stepNumber);
+    StatusInfo ReadTargetProgress(ControlGroupId group, double& reached);
+    StatusInfo Stop(bool clearTrajectory);
     StatusInfo SendStop();
+    StatusInfo Clear();
     StatusInfo SendClear(std::int32_t group);
     TargetProfile& Cached(TargetControlGroup group);
 
@@ -138,20 +141,6 @@ private:
     void PopSentStep(StepNumber number);
     void HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group);
     StatusInfo ReportFailure(StatusInfo status, StepNumber number, ControlGroupId group);
-
-    /// Nobody stands behind the monitor to catch what it throws: under Rule::NoExceptions that is a status.
-    template <typename Operation>
-    StatusInfo Contain(Operation operation) {
-        if (!Enforces(Rule::NoExceptions)) {
-            return operation();
-        }
-        try {
-            return operation();
-        } catch (...) {
-            networkManager->Refuses(Rule::NoExceptions);
-            return StatusOfException();
-        }
-    }
 
     ControlGroupId FailedGroup(MotionStep const& step) const;
     bool Enforces(Rule rule) const { return networkManager->Policy().Enforces(rule); }

@@ -4,6 +4,7 @@
 
 #include "motion/MotionManager.h"
 #include "status/ErrorTables.h"
+#include "wire/Guarded.h"
 
 // The one thread of the library. It feeds the queue to the controller in order; the controller's "no room" reply is all
 // that holds it back. When the controller refuses a step there is no caller to tell: the failure shows as an alarm on the
@@ -60,6 +61,7 @@ bool MotionManager::MayTakeStep() const {
     return !trajectory.IsEmpty() && (!Enforces(Rule::BoundedClose) || progress.MaySend(0));
 }
 
+/// Nobody stands behind this thread to catch what it throws: where the rule NoExceptions holds, that is a failed step.
 void MotionManager::SendQueue() {
     while (MayTakeStep()) {
         auto const front = CopyFrontTrajectory();
@@ -67,7 +69,7 @@ void MotionManager::SendQueue() {
             return;
         }
         progress.Taken();
-        StatusInfo status = Contain([&] { return SendStep(front->step, front->number); });
+        StatusInfo status = Guarded(*networkManager, [&] { return SendStep(front->step, front->number); });
         if (status.StatusCode == 0) {
             PopSentStep(front->number);
         } else if (!IsWithdrawn(status)) {
@@ -182,10 +184,10 @@ ControlGroupId MotionManager::FailedGroup(MotionStep const& step) const {
 
 void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group) {
     progress.BeginFailure(number, status.StatusCode);
-    Contain([&] { return ReportFailure(std::move(status), number, group); });
+    Guarded(*networkManager, [&] { return ReportFailure(std::move(status), number, group); });
     // An end of the connection doesn't wait for one more exchange; what the controller has, it keeps on any close.
     if (!Enforces(Rule::BoundedClose) || !progress.IsClosing()) {
-        Contain([&] { return ClearAllTrajectory(); });
+        ClearAllTrajectory();
     }
     progress.EndFailure();
 }

@@ -3,6 +3,8 @@
 #include <thread>
 
 #include "motion/RunningSession.h"
+#include "simulator/network/Server.h"
+#include "support/LoopbackAddress.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::test {
@@ -284,6 +286,41 @@ TEST(TargetWait, WhatASubsetOfControllersAndConnectionsCanNot) {
     EXPECT_EQ(old.manager->WaitForTarget(1, 0, 1.0).StatusCode, unsupported);
     EXPECT_EQ(old.manager->WaitUntilSent(1, 0).StatusCode, unsupported);
     EXPECT_EQ(old.manager->GetTrajectoryState(now).StatusCode, unsupported);
+}
+
+TEST(TargetWait, WhatIsQueuedAfterARefusalArrivesAtTheVirtualController) {
+    ScratchFolder const folder;
+    simulator::Server server;
+    simulator::ControllerOptions options;
+    options.timeScale = 200.0;
+    std::string const address = NextLoopbackAddress();
+    auto& controller = server.Add(address, options);
+    ASSERT_TRUE(server.Start()) << server.Error();
+    StatusInfo status;
+    NetworkManager network(address, 8000, 0, status, {.enforced = StrictRules});
+    network.SetLogging(false);
+    MotionManager manager(&network);
+    for (int round = 1; round <= 25 && !HasFailure(); ++round) {
+        controller.With([](simulator::ControllerModel& model) {
+            model.ResetAlarms();
+            model.SetServo(true);
+        });
+        ASSERT_EQ(manager.MotionStart().StatusCode, 0);
+        std::uint64_t step = 0;
+        for (double const x : {1000.0 * round, 500.0}) {
+            ASSERT_EQ(manager.AddPointToTrajectory(step, Point(x), {}, {}, {}).StatusCode, 0);
+        }
+        status = manager.WaitForTarget(step, 20000, 1.0);
+        EXPECT_EQ(status.StatusCode, 0) << status.Message;
+        ASSERT_EQ(manager.AddPointToTrajectory(step, Point(1e8), {}, {}, {}).StatusCode, 0); // nobody turns so far
+        status = manager.WaitForTarget(step, 20000, 1.0);
+        EXPECT_EQ(status.StatusCode, 8015) << status.Message;
+    }
+    TrajectoryState state;
+    manager.GetTrajectoryState(state);
+    EXPECT_EQ(state.sent, 50U);
+    EXPECT_EQ(state.refused, 25U);
+    EXPECT_EQ(state.withdrawn, 0U);
 }
 
 } // namespace
