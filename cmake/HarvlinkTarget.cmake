@@ -37,6 +37,14 @@ function(harvlink_target target)
     endif()
 endfunction()
 
+# harvlink_count_coverage(<target>): counts which of its lines and branches run, if that is asked for.
+function(harvlink_count_coverage target)
+    if(HARVLINK_COVERAGE)
+        target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+        target_link_options(${target} PUBLIC --coverage)
+    endif()
+endfunction()
+
 # harvlink_merge_folders(<target>): compiles the sources of a folder as one. Most of the time goes into the headers of others,
 # which are then read once for each folder instead of once for each source.
 function(harvlink_merge_folders target)

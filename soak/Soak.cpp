@@ -141,7 +141,7 @@ void Soak::RunRounds() {
     auto const rounds = std::max(roundsOfShortRun, std::ceil(total.count() / most));
     auto const duration = std::chrono::duration_cast<SteadyClock::duration>(total / rounds);
     start_ = SteadyClock::now();
-    nextProgress_ = start_ + 60s;
+    nextProgress_ = start_ + std::chrono::minutes(1);
     for (std::size_t round = 1; round <= static_cast<std::size_t>(rounds); ++round) {
         RunRound(duration);
         auto const figures = Measure();
@@ -187,7 +187,7 @@ void Soak::Watch(SteadyClock::time_point end) {
             }
         }
         if (SteadyClock::now() >= nextProgress_) {
-            nextProgress_ += 60s;
+            nextProgress_ += std::chrono::minutes(1);
             PrintProgress();
         }
     }

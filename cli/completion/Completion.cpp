@@ -152,7 +152,7 @@ private:
             std::vector<std::string> names = command->get_aliases();
             names.insert(names.begin(), command->get_name());
             for (std::string const& name : names) {
-                std::string const below = path + " " + name;
+                std::string const below = fmt::format("{} {}", path, name);
                 commands_ += fmt::format("        \"{0}\") command=\"{0}\" ;;\n", below);
                 here.words += (here.words.empty() ? "" : " ") + name;
                 Add(*command, below, false);

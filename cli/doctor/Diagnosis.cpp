@@ -192,7 +192,7 @@ std::optional<Explanation> ExplainRefusal(int code) {
     for (Explanation& each : Explain(std::to_string(code))) {
         // The others are alarms with the same number, or codes of which it is only a part.
         if (each.match == ExactMatch && each.controllerCode) {
-            return std::move(each);
+            return {std::move(each)};
         }
     }
     return std::nullopt;

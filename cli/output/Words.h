@@ -5,6 +5,6 @@ namespace harvlink::words {}
 namespace harvlink::cli {
 
 // The text forms are this program's own vocabulary; they are used without a prefix.
-using namespace words;
+using namespace words; // NOLINT(google-build-using-namespace): see above
 
 } // namespace harvlink::cli

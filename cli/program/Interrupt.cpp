@@ -12,9 +12,10 @@ namespace harvlink::cli {
 namespace {
 
 // A signal between the check of a flag and the wait would be missed until the wait ends; a byte in a pipe is not.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a signal handler reaches nothing else
 std::array<int, 2> wakePipe{-1, -1};
 
-void Wake(int) {
+void Wake(int /*signal*/) {
     int const keptError = errno;
     [[maybe_unused]] ssize_t const written = write(wakePipe[1], "", 1);
     errno = keptError;

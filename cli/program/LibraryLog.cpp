@@ -6,9 +6,17 @@
 
 namespace harvlink::cli {
 
-LibraryLog::LibraryLog() {
+namespace {
+
+std::filesystem::path LogPath() {
     std::error_code error;
-    path_ = std::filesystem::absolute("HarvlinkLog.txt", error);
+    return std::filesystem::absolute("HarvlinkLog.txt", error);
+}
+
+} // namespace
+
+LibraryLog::LibraryLog() : path_(LogPath()) {
+    std::error_code error;
     std::uintmax_t const size = std::filesystem::file_size(path_, error);
     start_ = error ? 0 : size;
 }

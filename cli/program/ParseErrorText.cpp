@@ -26,13 +26,13 @@ struct Wording {
 
 /// A message of the parser, and its wording here.
 constexpr std::array<Wording, 7> Wordings{{
-    {"(\\S+): Value (.*) not in range (\\S+) to (\\S+)", "$1: '$2' is not a number from $3 to $4"},
-    {"Could not convert: (\\S+) = (.*)", "$1: '$2' is not a number"},
-    {"(\\S+): 1 required ([^ :]+).* missing", "$1 needs a value: $2"},
-    {"(\\S+): Directory does not exist: (.*)", "$1: there is no folder '$2'"},
-    {"(\\S+): Invalid IPV4 address.*\\((.*)\\)", "$1: '$2' is not an IPv4 address such as 192.168.255.1"},
-    {"(\\S+) excludes (\\S+)", "give $1 or $2, not both"},
-    {"(\\S+) is required", "$1 is missing"},
+    {R"--((\S+): Value (.*) not in range (\S+) to (\S+))--", "$1: '$2' is not a number from $3 to $4"},
+    {R"--(Could not convert: (\S+) = (.*))--", "$1: '$2' is not a number"},
+    {R"--((\S+): 1 required ([^ :]+).* missing)--", "$1 needs a value: $2"},
+    {R"--((\S+): Directory does not exist: (.*))--", "$1: there is no folder '$2'"},
+    {R"--((\S+): Invalid IPV4 address.*\((.*)\))--", "$1: '$2' is not an IPv4 address such as 192.168.255.1"},
+    {R"--((\S+) excludes (\S+))--", "give $1 or $2, not both"},
+    {R"--((\S+) is required)--", "$1 is missing"},
 }};
 
 using Names = std::vector<std::string>;
@@ -59,10 +59,10 @@ void AddOptionNames(Names& names, CLI::App const& app) {
 std::size_t EditDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), 0U);
-    for (std::size_t i = 0; i < from.size(); ++i) {
+    for (char const letter : from) {
         std::size_t diagonal = row[0]++;
         for (std::size_t j = 0; j < to.size(); ++j) {
-            std::size_t const changed = diagonal + (from[i] == to[j] ? 0 : 1);
+            std::size_t const changed = diagonal + (letter == to[j] ? 0 : 1);
             diagonal = row[j + 1];
             row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
         }
@@ -103,7 +103,7 @@ std::string UnknownWord(CLI::App const& app, Names const& unknown) {
 /// has the last first.
 Names UnknownWords(CLI::App const& app, CLI::ParseError const& error) {
     constexpr std::string_view Start = "not expected: ";
-    std::string const text = error.what();
+    std::string text = error.what();
     std::size_t const start = text.find(Start);
     if (start == std::string::npos) {
         return app.remaining(true);
@@ -137,7 +137,7 @@ std::string ParseErrorText(CLI::App const& app, CLI::ParseError const& error) {
     if (!unknown.empty() && (isIncomplete || error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError))) {
         return UnknownWord(app, unknown);
     }
-    std::string const text = error.what();
+    std::string text = error.what();
     if (isIncomplete && text == "A subcommand is required") {
         return MissingCommand(CommandNames(ReachedCommand(app)));
     }

@@ -72,7 +72,7 @@ std::string SettingsOptions::File() const {
     if (!namedFile_.empty()) {
         return namedFile_;
     }
-    if (std::string const named = Variable(FileVariable); !named.empty()) {
+    if (std::string named = Variable(FileVariable); !named.empty()) {
         return named;
     }
     // The base directory specification says that a relative folder in the variable is invalid and to be ignored.

@@ -32,6 +32,7 @@ ParameterRange ParseParameterRange(std::string const& text) {
 
 std::vector<ParameterRange> AllParameterRanges() {
     std::vector<ParameterRange> ranges;
+    ranges.reserve(ParameterFamilies.size());
     for (auto const& family : ParameterFamilies) {
         ranges.push_back({std::string(family.name), family.value, 0, HighestNumber});
     }

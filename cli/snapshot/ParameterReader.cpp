@@ -87,6 +87,7 @@ bool ReadParameterRun(Source& source, Snapshot& snapshot, ParameterRun const& ru
 
 std::vector<ParameterRange> SelectedRanges(std::vector<std::string> const& texts) {
     std::vector<ParameterRange> ranges;
+    ranges.reserve(texts.size());
     for (std::string const& text : texts) {
         ranges.push_back(ParseParameterRange(text));
     }

@@ -23,6 +23,7 @@ namespace {
 
 std::vector<SignalName> ParseSignals(std::vector<std::string> const& texts) {
     std::vector<SignalName> names;
+    names.reserve(texts.size());
     for (std::string const& text : texts) {
         names.push_back(ParseSignal(text));
     }
@@ -41,7 +42,7 @@ StatusInfo ResolveAll(IOInterface& io, std::vector<SignalName> const& names, std
 
 StatusInfo ShowSignals(QuorvanController& robot, Output& output, std::vector<SignalName> const& names) {
     std::vector<Signal> signals;
-    StatusInfo const resolved = ResolveAll(*robot.IO, names, signals);
+    StatusInfo resolved = ResolveAll(*robot.IO, names, signals);
     if (resolved.StatusCode != 0) {
         return resolved;
     }

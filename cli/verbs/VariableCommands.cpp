@@ -134,6 +134,7 @@ StatusInfo Dump(QuorvanController& robot, Output& output, std::vector<VariableKi
 
 std::vector<VariableKind> ParseKinds(std::vector<std::string> const& names) {
     std::vector<VariableKind> kinds;
+    kinds.reserve(names.size());
     for (std::string const& name : names) {
         kinds.push_back(ParseVariableKind(name));
     }

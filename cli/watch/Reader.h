@@ -38,7 +38,7 @@ public:
 private:
     bool ReadAll(Sample& sample);
     void ReadAlarms(Sample& sample);
-    void ReadGroup(GroupSample& sample, ControlGroupId group);
+    void ReadGroup(GroupSample& group, ControlGroupId id);
     void ReadSignals(Sample& sample);
     bool IsAnswered(StatusInfo const& status);
 

@@ -148,7 +148,7 @@ void AddWatchCommand(CLI::App& app, Session& session) {
         watch::CheckTerminal(*arguments, session.output());
         session.OnConnection([arguments, selection, &session](QuorvanController& robot, Output& output) {
             watch::Reader reader(robot, session.settings().host, selection);
-            StatusInfo const prepared = reader.Prepare();
+            StatusInfo prepared = reader.Prepare();
             std::chrono::milliseconds const interval(arguments->interval);
             if (prepared.StatusCode != 0) {
                 return prepared;

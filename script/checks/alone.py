@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""alone.py BUILD: compiles each source of the project by itself, as far as its meaning, so that a missing include shows.
+"""alone.py BUILD [SOURCE...]: compiles each source of the project, or those named, by itself, as far as its meaning, so
+that a missing include shows.
 
 BUILD is a folder that was configured without merged sources and without precompiled headers. Nothing is written: no code
 is made, which is most of what a debug build costs after its headers.
@@ -38,7 +39,9 @@ def main():
     build = pathlib.Path(sys.argv[1]).resolve()
     failed = []
     # The largest first, so that the processors are done at about the same time.
-    items = sorted(commands(build).items(), key=lambda item: item[0].stat().st_size, reverse=True)
+    wanted = [pathlib.Path(name).resolve() for name in sys.argv[2:]]
+    chosen = {file: how for file, how in commands(build).items() if not wanted or file in wanted}
+    items = sorted(chosen.items(), key=lambda item: item[0].stat().st_size, reverse=True)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         for file, code, messages in pool.map(compile_one, items):
             if code != 0:

@@ -36,9 +36,9 @@ constexpr std::array<FaultName, FaultKinds> Faults{{
 
 struct Setting {
     FaultName name;
-    double lowest;
-    double highest;
-    void (*assign)(FaultPlan&, double);
+    double lowest = 0;
+    double highest = 0;
+    void (*assign)(FaultPlan&, double) = nullptr;
 };
 
 constexpr double LongestMilliseconds = 3'600'000;

@@ -85,6 +85,7 @@ void FileFolder::VisitFiles(Visitor&& visit) const {
         return;
     }
     for (std::size_t i = 0; i < MaxEntries; ++i) {
+        // cppcheck-suppress readdirCalled // no other thread has this stream, and readdir_r is obsolete
         auto const* const entry = readdir(directory.get());
         if (entry == nullptr) {
             return;

@@ -40,7 +40,7 @@ private:
 
     template <typename Visitor>
     void VisitFiles(Visitor&& visit) const;
-    std::optional<std::string> FindSpelling(std::string_view name) const;
+    std::optional<std::string> FindSpelling(std::string_view wanted) const;
     bool IsReplaceable(std::string const& spelling) const;
 
     Descriptor folder_;

@@ -155,7 +155,8 @@ Refusal MotionEngine::PlanGroups(MotionTargetSend const& message, bool arms, Pla
         if (cell_.Axes(group).isArm != arms) {
             continue;
         }
-        PlannedMove& move = step.moves[slot].emplace();
+        step.moves[slot].emplace();
+        PlannedMove& move = *step.moves[slot];
         TargetPlanner const planner(cell_, group, settings_[slot], player_.Planned(), planned_);
         auto const refusal = planner.Plan(message.targets[slot], move);
         if (refusal != Refusal::None) {

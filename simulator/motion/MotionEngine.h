@@ -46,7 +46,7 @@ public:
 
     Refusal Start();
     void Stop();
-    Refusal SendTargets(MotionTargetSend const& step);
+    Refusal SendTargets(MotionTargetSend const& message);
 
     /// `slot` as on the wire: a motion slot, or MotionClearGroupTargets::AllGroups.
     Refusal Clear(std::int32_t slot);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -13,12 +14,7 @@ struct PlannedStep {
     std::array<std::optional<PlannedMove>, MotionSlots> moves{};
 
     bool IsEmpty() const {
-        for (auto const& move : moves) {
-            if (move) {
-                return false;
-            }
-        }
-        return true;
+        return std::ranges::none_of(moves, [](auto const& move) { return move.has_value(); });
     }
 };
 

@@ -105,7 +105,7 @@ void Server::Watch(int descriptor, void* tag) const {
 
 void Server::Wake() const {
     std::uint64_t const one = 1;
-    static_cast<void>(!write(wake_.Get(), &one, sizeof(one)));
+    [[maybe_unused]] ssize_t const written = write(wake_.Get(), &one, sizeof(one));
 }
 
 void Server::Run() {
@@ -127,7 +127,7 @@ void Server::Run() {
 
 void Server::HandleWake() {
     std::uint64_t count = 0;
-    static_cast<void>(!read(wake_.Get(), &count, sizeof(count)));
+    [[maybe_unused]] ssize_t const taken = read(wake_.Get(), &count, sizeof(count));
     if (changed_.exchange(false)) {
         for (auto const& controller : controllers_) {
             AddIfActive(*controller);

@@ -20,9 +20,8 @@
 #include "simulator/program/TrafficReport.h"
 #include "simulator/scene/Scene.h"
 
+namespace harvlink::simulator {
 namespace {
-
-using namespace harvlink::simulator;
 
 constexpr int WrongUsage = 2;
 
@@ -116,12 +115,10 @@ int Serve(Arguments const& arguments) {
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     OccupyStandardStreams();
     CLI::App app("A virtual robot controller: answers on UDP ports 10040 and 10041 like a real one.", "harvlink-sim");
-    app.set_version_flag("--version", "harvlink-sim " + std::string(harvlink::HeaderVersion));
+    app.set_version_flag("--version", "harvlink-sim " + std::string(HeaderVersion));
     ArgumentParser parser(app);
     try {
         app.parse(argc, argv);
@@ -132,4 +129,11 @@ int main(int argc, char** argv) {
         fmt::print(stderr, "harvlink-sim: {}\n", error.what());
         return 1;
     }
+}
+
+} // namespace
+} // namespace harvlink::simulator
+
+int main(int argc, char** argv) {
+    return harvlink::simulator::Run(argc, argv);
 }

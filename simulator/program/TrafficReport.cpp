@@ -23,7 +23,7 @@ std::string FaultCounts(VirtualController& controller) {
 
 std::string Describe(VirtualController& controller) {
     auto const traffic = controller.Traffic();
-    return fmt::format("{{\"address\": \"{}\", \"requests\": {}, \"refused\": {}, \"ignored\": {}, \"faults\": {}}}",
+    return fmt::format(R"({{"address": "{}", "requests": {}, "refused": {}, "ignored": {}, "faults": {}}})",
                        controller.Address(), traffic.requests, traffic.refused, traffic.ignored,
                        FaultCounts(controller));
 }

@@ -22,8 +22,8 @@ public:
     /// The same from text; `name` stands for the file in messages.
     static Scene FromText(std::string_view text, std::string name);
 
-    Scene(Scene&&) noexcept;
-    Scene& operator=(Scene&&) noexcept;
+    Scene(Scene&& other) noexcept;
+    Scene& operator=(Scene&& other) noexcept;
     ~Scene();
 
     /// The options with which the controller must be built.

@@ -120,7 +120,7 @@ private:
     }
 
     struct NumberedStep {
-        StepNumber number;
+        StepNumber number{};
         MotionStep step;
     };
 
