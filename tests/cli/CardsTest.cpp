@@ -43,10 +43,10 @@ public:
         StatusInfo status;
         for (int attempt = 0; attempt < 10 && !robot_; ++attempt) {
             server_ = std::make_unique<simulator::Server>();
-            auto const host = test::NextLoopbackAddress();
-            controller_ = &server_->Add(host, options);
+            address_ = test::NextLoopbackAddress();
+            controller_ = &server_->Add(address_, options);
             if (server_->Start()) {
-                robot_ = Connect(host, status, 2000, 0, false);
+                robot_ = Connect(address_, status, 2000, 0, false);
             }
         }
         if (!robot_) {
@@ -55,6 +55,7 @@ public:
     }
 
     QuorvanController* operator->() { return robot_.get(); }
+    std::string const& Address() const { return address_; }
     MotionManager& Motion() { return dynamic_cast<MotionManager&>(*robot_->MotionManager); }
     FileHandler& Files() { return dynamic_cast<FileHandler&>(*robot_->Files); }
     harvlink::Kinematics& Conversion() { return dynamic_cast<harvlink::Kinematics&>(*robot_->Kinematics); }
@@ -77,6 +78,7 @@ public:
     }
 
 private:
+    std::string address_;
     std::unique_ptr<simulator::Server> server_;
     simulator::VirtualController* controller_ = nullptr;
     Connection robot_;
@@ -266,9 +268,19 @@ void Check(std::span<Case const> cases) {
 }
 
 /// Codes that no operation of a connection returns. The tool or nothing raises those of the first row; connecting raises
-/// those of the second.
+/// those of the second; those of the third depend on what the network and this computer do to a strict connection.
 constexpr std::array NotOfAnOperation{0x10000, 0x10001, 0x10002, 0x20000, 0x20004, 0x20005, 0x20006, 0x20010, //
-                                      0x10003, 0x10007};
+                                      0x10003, 0x10007, //
+                                      0x50003, 0x50004, 0x50005, 0x50006, 0x50007, 0x50008, 0x50009, 0x50010};
+
+/// Looks at an address, strictly.
+Operation Observe(std::string const& address) {
+    return [=](Rig&) {
+        StatusInfo status;
+        static_cast<void>(Connect(ConnectOptions{.address = address}, status));
+        return status;
+    };
+}
 
 TEST(Cards, SayWhatTheLibraryRefuses) {
     using enum CoordinateType;
@@ -364,6 +376,21 @@ TEST(Cards, SayWhatTheLibraryRefuses) {
              AlarmHistory history;
              return rig->Faults->GetAlarmHistory(AlarmCategory{500}, 1, history);
          }},
+        {"0x50000", "not the IPv4 address of a host", Observe("robot")},
+        {"0x50001", "without motion targets",
+         [](Rig& rig) {
+             StatusInfo status;
+             ConnectOptions options{.address = rig.Address(), .access = Access::Operate};
+             return Connect(options, status)->MotionManager->MotionStart();
+         },
+         [](Rig& rig) {
+             StatusInfo status;
+             ConnectOptions options{.address = rig.Address(), .access = Access::Full};
+             return Connect(options, status)->MotionManager->MotionStart();
+         }},
+        {"0x50002", "no program of it listens", Observe(test::NextLoopbackAddress())},
+        {"0x50011", "higher than that of the last step",
+         [](Rig& rig) { return rig->MotionManager->WaitUntilSent(2, 0); }},
         {"0x40000001", "a folder, a pipe or a device",
          [](Rig& rig) {
              test::ScratchFolder const folder;

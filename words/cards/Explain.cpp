@@ -16,7 +16,7 @@ namespace harvlink::words {
 namespace {
 
 constexpr std::int32_t HighestControllerCode = 0xFFFF;
-constexpr std::int32_t HighestLibraryCode = 0x3FFFF;
+constexpr std::int32_t HighestLibraryCode = 0x5FFFF;
 constexpr std::int32_t HighestOfItsKind = 0xFF; ///< in the low half of a library's code
 constexpr std::int32_t LocalFileCode = 0x40000001; ///< stands for all of its family
 constexpr std::int32_t HighestAlarm = 9999;
