@@ -48,13 +48,12 @@ constexpr std::array<std::string_view, 8> CartesianAxisNames{"x", "y", "z", "rx"
 constexpr std::array<std::string_view, 8> PulseAxisNames{"s", "l", "u", "r", "b", "t", "e", "w"};
 
 bool SetAngleFlag(Figure& figure, std::string_view word) {
-    for (AngleFlag const& flag : AngleFlags) {
-        if (flag.word == word) {
-            figure.*flag.field = AxisAngle::GreaterThan180;
-            return true;
-        }
+    auto const* const flag = std::ranges::find(AngleFlags, word, &AngleFlag::word);
+    if (flag == AngleFlags.end()) {
+        return false;
     }
-    return false;
+    figure.*flag->field = AxisAngle::GreaterThan180;
+    return true;
 }
 
 void SetFigureWord(Figure& figure, std::string_view word) {
