@@ -317,15 +317,17 @@ TEST(Exchange, SuccessAllocatesNothing) {
     if (!AllocationsAreCounted()) {
         GTEST_SKIP() << "this build keeps its own memory operators";
     }
-    ScriptedController controller;
-    auto const manager = controller.Connect();
-    controller.AnswerRest([](Datagram const&) { return Replies{Payload(U32(1))}; });
-    RegisterRead read;
-    std::size_t const before = AllocationsOfThisThread();
-    read.Run(*manager);
-    std::size_t const during = AllocationsOfThisThread() - before;
-    EXPECT_EQ(read.reply.payload, 1U);
-    EXPECT_EQ(during, 0U);
+    for (Rules const rules : {NoRules, StrictRules}) {
+        ScriptedController controller;
+        auto const manager = controller.Connect("YA1.00", 0, {.enforced = rules});
+        controller.AnswerRest([](Datagram const&) { return Replies{Payload(U32(1))}; });
+        RegisterRead read;
+        std::size_t const before = AllocationsOfThisThread();
+        read.Run(*manager);
+        std::size_t const during = AllocationsOfThisThread() - before;
+        EXPECT_EQ(read.reply.payload, 1U);
+        EXPECT_EQ(during, 0U);
+    }
 }
 
 TEST(Exchange, ThreadsNeverShareOne) {
