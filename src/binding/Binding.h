@@ -7,6 +7,7 @@
 /// The cell behind a handle; null inside after a failed connection.
 struct ControllerCell {
     harvlink::QuorvanController* controller;
+    bool isStrict = false; ///< Rule::NoExceptions holds, and a text that could not be returned is a failure
 };
 
 namespace harvlink::Binding {
@@ -32,5 +33,40 @@ Record const& As(Plain const* plain) {
 inline bool LowByteToBool(int value) {
     return static_cast<unsigned char>(value) != 0;
 }
+
+/// The status of the exception that is being handled. Where exceptions may pass, this one goes on instead.
+StatusInfo StatusOrRethrow(ControllerHandle handle);
+
+/// An operation that takes texts, which have to be copied.
+template <typename Operation>
+IStatusInfo Guarded(ControllerHandle handle, Operation const& operation) {
+    try {
+        return InteropHelper::ToPlain(operation());
+    } catch (...) {
+        return InteropHelper::ToPlain(StatusOrRethrow(handle));
+    }
+}
+
+/// Copies the texts that an operation returns, which the caller frees.
+class ReturnedTexts {
+public:
+    explicit ReturnedTexts(ControllerHandle controllerHandle) : handle(controllerHandle) {}
+
+    /// Null if memory ran out.
+    char* Copy(std::string_view text) { return Keep(InteropHelper::ConvertStringToChar8(text)); }
+    char* Copy(std::vector<std::string> const& names) { return Keep(InteropHelper::ConvertStringVectorToChar8(names)); }
+
+    /// That of the operation, if nothing is missing.
+    IStatusInfo Checked(IStatusInfo status) const;
+
+private:
+    char* Keep(char* copy) {
+        isMissing = isMissing || copy == nullptr;
+        return copy;
+    }
+
+    ControllerHandle handle;
+    bool isMissing = false;
+};
 
 } // namespace harvlink::Binding

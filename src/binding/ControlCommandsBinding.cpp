@@ -2,6 +2,7 @@
 
 using namespace harvlink::InteropHelper;
 using harvlink::Binding::ControllerOf;
+using harvlink::Binding::Guarded;
 
 IStatusInfo control_commands_interface_SetServos(ControllerHandle handle, SignalStatus state) {
     return ToPlain(ControllerOf(handle).ControlCommands->SetServos(static_cast<harvlink::SignalStatus>(state)));
@@ -16,7 +17,9 @@ IStatusInfo control_commands_interface_SetCycleMode(ControllerHandle handle, Cyc
 }
 
 IStatusInfo control_commands_interface_DisplayStringToPendant(ControllerHandle handle, char const* text) {
-    return ToPlain(ControllerOf(handle).ControlCommands->DisplayStringToPendant(ConvertChar8ToString(text)));
+    return Guarded(handle, [&] {
+        return ControllerOf(handle).ControlCommands->DisplayStringToPendant(ConvertChar8ToString(text));
+    });
 }
 
 IStatusInfo control_commands_interface_StartJob(ControllerHandle handle) {

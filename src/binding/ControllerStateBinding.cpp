@@ -3,6 +3,7 @@
 using namespace harvlink::InteropHelper;
 using harvlink::Binding::As;
 using harvlink::Binding::ControllerOf;
+using harvlink::Binding::ReturnedTexts;
 
 IStatusInfo controller_state_interface_read_state(ControllerHandle handle, ControllerStateData* state) {
     return ToPlain(ControllerOf(handle).Status->ReadState(As<harvlink::ControllerStateData>(state)));
@@ -13,8 +14,9 @@ IStatusInfo controller_state_interface_read_system_information(ControllerHandle 
     harvlink::SystemInfoData read;
     harvlink::StatusInfo const status =
         ControllerOf(handle).Status->ReadSystemInformation(static_cast<harvlink::SystemInfoId>(id), read);
-    *data = {ConvertStringToChar8(read.softwareVersion), ConvertStringToChar8(read.modelName)};
-    return ToPlain(status);
+    ReturnedTexts texts(handle);
+    *data = {texts.Copy(read.softwareVersion), texts.Copy(read.modelName)};
+    return texts.Checked(ToPlain(status));
 }
 
 IStatusInfo controller_state_interface_read_operating_times(ControllerHandle handle, ControlGroupId group,

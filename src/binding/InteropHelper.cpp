@@ -24,12 +24,21 @@ std::string ConvertChar8ToString(char const* text) {
 }
 
 char* ConvertStringVectorToChar8(std::vector<std::string> const& names) {
-    std::string joined;
+    std::size_t size = 0;
     for (std::string const& name : names) {
-        joined += name;
-        joined += '\n';
+        size += name.size() + 1;
     }
-    return ConvertStringToChar8(joined);
+    auto* const joined = static_cast<char*>(std::malloc(size + 1));
+    if (joined == nullptr) {
+        return nullptr;
+    }
+    char* end = joined;
+    for (std::string const& name : names) {
+        end = std::ranges::copy(name, end).out;
+        *end++ = '\n';
+    }
+    *end = '\0';
+    return joined;
 }
 
 IStatusInfo ToPlain(StatusInfo const& status) {

@@ -3,6 +3,8 @@
 using namespace harvlink::InteropHelper;
 using harvlink::Binding::As;
 using harvlink::Binding::ControllerOf;
+using harvlink::Binding::Guarded;
+using harvlink::Binding::ReturnedTexts;
 
 namespace {
 
@@ -60,13 +62,16 @@ IStatusInfo string_variable_interface_read(ControllerHandle handle, unsigned sho
                                            IStringVariableData* variable) {
     harvlink::StringVariableData read;
     harvlink::StatusInfo const status = VariablesOf(handle).stringVariable->Read(index, read);
-    *variable = {ConvertStringToChar8(read.value), read.variableIndex};
-    return ToPlain(status);
+    ReturnedTexts texts(handle);
+    *variable = {texts.Copy(read.value), read.variableIndex};
+    return texts.Checked(ToPlain(status));
 }
 
 IStatusInfo string_variable_interface_write(ControllerHandle handle, IStringVariableData const* variable) {
-    harvlink::StringVariableData const written{ConvertChar8ToString(variable->value), variable->variableIndex};
-    return ToPlain(VariablesOf(handle).stringVariable->Write(written));
+    return Guarded(handle, [&] {
+        return VariablesOf(handle).stringVariable->Write(
+            {ConvertChar8ToString(variable->value), variable->variableIndex});
+    });
 }
 
 IStatusInfo robot_position_variable_interface_read(ControllerHandle handle, unsigned short index,
