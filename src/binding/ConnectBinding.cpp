@@ -60,12 +60,13 @@ ConnectOptions FromPlain(HarvlinkConnectOptions const& given) {
 }
 
 ControllerHandle Open(HarvlinkConnectOptions const& options, StatusInfo& status) {
-    Connection connection = Connect(FromPlain(options), status);
+    ConnectOptions const given = FromPlain(options);
+    Connection connection = Connect(given, status);
     if (!connection) {
         return &noConnection;
     }
     // Never released: a handle may be looked at after its connection was closed.
-    auto* const handle = new ControllerCell{connection.get()};
+    auto* const handle = new ControllerCell{connection.get(), !given.audit && given.rules.Has(Rule::NoExceptions)};
     (void)connection.release();
     return handle;
 }

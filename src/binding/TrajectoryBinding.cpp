@@ -8,6 +8,8 @@
 using namespace harvlink::InteropHelper;
 using harvlink::Binding::As;
 using harvlink::Binding::ControllerOf;
+using harvlink::Binding::Guarded;
+using harvlink::Binding::ReturnedTexts;
 
 namespace {
 
@@ -26,7 +28,7 @@ std::int64_t Milliseconds(std::chrono::system_clock::time_point time) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
 }
 
-HarvlinkTrajectoryState ToPlain(harvlink::TrajectoryState const& state, std::uint32_t size) {
+HarvlinkTrajectoryState ToPlain(harvlink::TrajectoryState const& state, std::uint32_t size, ReturnedTexts& texts) {
     return {.size = size,
             .monitor = static_cast<TrajectoryMonitorState>(state.monitor),
             .queued = state.queued,
@@ -37,7 +39,7 @@ HarvlinkTrajectoryState ToPlain(harvlink::TrajectoryState const& state, std::uin
             .failedStep = state.lastFailure.stepNumber,
             .failedGroup = static_cast<ControlGroupId>(state.lastFailure.group),
             .failureCode = state.lastFailure.status.StatusCode,
-            .failureMessage = ConvertStringToChar8(state.lastFailure.status.Message)};
+            .failureMessage = texts.Copy(state.lastFailure.status.Message)};
 }
 
 } // namespace
@@ -52,14 +54,17 @@ IStatusInfo harvlink_motion_add(ControllerHandle handle, std::uint64_t* stepNumb
 
 IStatusInfo harvlink_motion_get_state(ControllerHandle handle, HarvlinkTrajectoryState* state) {
     if (state->size < smallestState) {
-        return ToPlain(harvlink::StatusInformation(harvlink::ErrorStatusCodes::InvalidConnectOptions,
-                                                   "Set the member size of HarvlinkTrajectoryState to its size."));
+        return Guarded(handle, [] {
+            return harvlink::StatusInformation(harvlink::ErrorStatusCodes::InvalidConnectOptions,
+                                               "Set the member size of HarvlinkTrajectoryState to its size.");
+        });
     }
     harvlink::TrajectoryState current;
     harvlink::StatusInfo const status = TrajectoryOf(handle).GetTrajectoryState(current);
-    HarvlinkTrajectoryState const plain = ToPlain(current, state->size);
+    ReturnedTexts texts(handle);
+    HarvlinkTrajectoryState const plain = ToPlain(current, state->size, texts);
     std::memcpy(state, &plain, std::min<std::size_t>(state->size, sizeof(plain)));
-    return ToPlain(status);
+    return texts.Checked(ToPlain(status));
 }
 
 IStatusInfo harvlink_motion_wait_for_target(ControllerHandle handle, std::uint64_t stepNumber,

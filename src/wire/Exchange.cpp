@@ -120,9 +120,7 @@ StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, st
     std::uint8_t const newId = GetNewRequestId();
     question.id = requestId.value_or(newId);
     StatusInfo status = Ask(question);
-    if (isStartingUp) {
-        NoteLossOfStartUp(status);
-    }
+    NoteLossOfStartUp(status);
     return status;
 }
 
@@ -331,7 +329,7 @@ bool NetworkManager::Refuses(Rule rule) {
 
 void NetworkManager::NoteLossOfStartUp(StatusInfo const& status) {
     constexpr int firstOfLibrary = 0x10000;
-    if (status.StatusCode >= firstOfLibrary && lossOfStartUp.StatusCode == 0) {
+    if (isStartingUp && status.StatusCode >= firstOfLibrary && lossOfStartUp.StatusCode == 0) {
         lossOfStartUp = status;
     }
 }

@@ -12,11 +12,11 @@ StatusInfo StatusOrRethrow(NetworkManager& engine) {
         throw;
     }
     StatusInfo status = StatusOfException();
-    if (status.StatusCode == static_cast<int>(ErrorStatusCodes::OutOfMemory)) {
-        return status; // naming the rule would take memory
-    }
+    bool const isMemory = status.StatusCode == static_cast<int>(ErrorStatusCodes::OutOfMemory);
     try {
-        return NamingRule(status, Rule::NoExceptions);
+        StatusInfo named = isMemory ? status : NamingRule(status, Rule::NoExceptions); // a name would take memory
+        engine.NoteLossOfStartUp(named);
+        return named;
     } catch (std::bad_alloc const&) {
         return status;
     }

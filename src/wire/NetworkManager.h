@@ -87,6 +87,7 @@ public:
     /// From construction until EndStartUp: the first exchange that ended in neither an answer nor a refusal of the
     /// controller. OK while there was none.
     StatusInfo const& LossOfStartUp() const { return lossOfStartUp; }
+    void NoteLossOfStartUp(StatusInfo const& status);
     void EndStartUp() { isStartingUp = false; }
 
     /// The status that a reply reports: its added status, or its status byte if that is 0.
@@ -135,7 +136,6 @@ private:
     void CountStray(Question const& question, Arrival const& arrival);
     StatusInfo TakeAnswer(Question const& question);
     StatusInfo ReportSilence(Question const& question);
-    void NoteLossOfStartUp(StatusInfo const& status);
     AttachedControlGroup const* FindGroup(ControlGroupId group) const;
 
     static constexpr std::uint8_t highestRequestId = 127;
