@@ -137,6 +137,7 @@ private:
         ReplyPacket reply;
         reply.header.requestId = request.header.requestId;
         reply.header.division = request.header.division;
+        reply.subHeader.service = request.subHeader.service | 0x80U; // a strict connection takes no other
         if (request.header.division == Division::FileControl) {
             files.Answer(request, reply);
         } else {

@@ -85,9 +85,11 @@ StatusInfo MotionManager::AddPointToTrajectory(std::uint64_t& stepNumber, Motion
 /// The status comes first: when the step is in the queue, nothing may fail any more.
 StatusInfo MotionManager::Queue(MotionStep const& step, StepNumber& stepNumber) {
     StatusInfo status = StatusInformation(ErrorStatusCodes::Ok, "Point added to trajectory.");
-    std::lock_guard const lock(trajectoryMutex);
-    progress.MakeRoom();
-    stepNumber = trajectory.PushBack(step);
+    {
+        std::lock_guard const lock(trajectoryMutex);
+        progress.MakeRoom();
+        stepNumber = trajectory.PushBack(step); // last, as the monitor then waits for the lock
+    }
     progress.Queued(stepNumber);
     return status;
 }

@@ -135,7 +135,9 @@ StatusInfo MotionManager::SendTargetOnce(SendTargetRequest const& request, Motio
 
 /// The rule counts once for each step whose repetition a close, a stop or a clear should have ended.
 void MotionManager::WaitForRoom(StepNumber number, bool& isCounted) {
-    progress.Full();
+    if (number != 0) {
+        progress.Full();
+    }
     if (Enforces(Rule::BoundedClose)) {
         progress.SleepWhileFull(number, fullBufferPeriod);
     } else {

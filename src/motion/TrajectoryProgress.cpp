@@ -1,12 +1,15 @@
 #include "motion/TrajectoryProgress.h"
 
+#include <algorithm>
+
 namespace harvlink {
 
 TrajectoryState TrajectoryProgress::State() const {
     std::lock_guard const lock(mutex);
     TrajectoryState copy = state;
-    if (isHeld) {
-        copy.monitor = TrajectoryMonitorState::Stopped;
+    copy.queued = std::max<StepNumber>(queued, firstWaiting - 1); // one may be sent before it is noted as queued
+    copy.monitor = isHeld ? TrajectoryMonitorState::Stopped : monitor.load();
+    if (copy.monitor != TrajectoryMonitorState::HeldBack) {
         copy.heldBackSince = {};
     }
     return copy;
@@ -19,7 +22,7 @@ StepRecord TrajectoryProgress::Look(StepNumber number) const {
 
 StepRecord TrajectoryProgress::LookLocked(StepNumber number) const {
     if (number >= firstWaiting) {
-        return {.number = number, .outcome = number <= state.queued ? StepOutcome::Queued : StepOutcome::Unknown};
+        return {.number = number, .outcome = number <= queued ? StepOutcome::Queued : StepOutcome::Unknown};
     }
     StepRecord const& record = records[number % remembered];
     return record.number == number && number != 0 ? record : StepRecord{.number = number};
@@ -33,11 +36,13 @@ void TrajectoryProgress::MakeRoom() {
 }
 
 void TrajectoryProgress::Queued(StepNumber number) {
-    {
-        std::lock_guard const lock(mutex);
-        state.queued = number;
+    StepNumber last = queued;
+    while (last < number && !queued.compare_exchange_weak(last, number)) {
     }
-    forMonitor.notify_one();
+    if (isAsleep) {
+        { std::lock_guard const lock(mutex); } // it is asleep by now, or has looked at the queue again
+        forMonitor.notify_one();
+    }
 }
 
 std::uint64_t& TrajectoryProgress::CounterOf(StepOutcome outcome) {
@@ -87,21 +92,16 @@ void TrajectoryProgress::Withdraw(StepNumber last) {
 }
 
 void TrajectoryProgress::Started() {
-    std::lock_guard const lock(mutex);
-    if (state.monitor == TrajectoryMonitorState::NotStarted || state.monitor == TrajectoryMonitorState::Failed) {
-        state.monitor = TrajectoryMonitorState::Idle;
+    using enum TrajectoryMonitorState;
+    for (TrajectoryMonitorState before : {NotStarted, Failed}) {
+        monitor.compare_exchange_strong(before, Idle); // the thread may be sending already
     }
-}
-
-void TrajectoryProgress::Taken() {
-    std::lock_guard const lock(mutex);
-    state.monitor = TrajectoryMonitorState::Sending;
 }
 
 void TrajectoryProgress::Full() {
     std::lock_guard const lock(mutex);
-    if (state.monitor != TrajectoryMonitorState::HeldBack) {
-        state.monitor = TrajectoryMonitorState::HeldBack;
+    if (monitor != TrajectoryMonitorState::HeldBack) {
+        monitor = TrajectoryMonitorState::HeldBack;
         state.heldBackSince = std::chrono::system_clock::now();
     }
 }
@@ -122,10 +122,8 @@ void TrajectoryProgress::Sent(StepNumber number, MotionStep const& step) {
                                          profile.userCoordinateNumber, count};
             }
         }
-        if (state.monitor == TrajectoryMonitorState::HeldBack) {
-            state.monitor = TrajectoryMonitorState::Sending;
-            state.heldBackSince = {};
-        }
+        auto before = TrajectoryMonitorState::HeldBack;
+        monitor.compare_exchange_strong(before, TrajectoryMonitorState::Sending);
     }
     forOthers.notify_all();
 }
@@ -136,8 +134,7 @@ void TrajectoryProgress::BeginFailure(StepNumber number, std::int32_t code) {
         record->code = code;
     }
     isFailing = true;
-    state.monitor = TrajectoryMonitorState::Failed;
-    state.heldBackSince = {};
+    monitor = TrajectoryMonitorState::Failed;
 }
 
 void TrajectoryProgress::NoteFailure(TrajectoryFailure failure) {
@@ -156,9 +153,8 @@ void TrajectoryProgress::EndFailure() {
 void TrajectoryProgress::Rested() {
     {
         std::lock_guard const lock(mutex);
-        if (state.monitor != TrajectoryMonitorState::Failed) {
-            state.monitor = TrajectoryMonitorState::Idle;
-            state.heldBackSince = {};
+        if (monitor != TrajectoryMonitorState::Failed) {
+            monitor = TrajectoryMonitorState::Idle;
         }
     }
     forOthers.notify_all();
@@ -278,8 +274,8 @@ void TrajectoryProgress::AwaitSettled(Clock::time_point end) {
     std::unique_lock lock(mutex);
     forOthers.wait(lock, [this] { return isClosing || !isFailing; });
     forOthers.wait_until(lock, end, [this] {
-        bool const isFed = state.monitor != TrajectoryMonitorState::NotStarted && !isHeld;
-        return isClosing || (!isFailing && (!isFed || firstWaiting > state.queued));
+        bool const isFed = monitor != TrajectoryMonitorState::NotStarted && !isHeld;
+        return isClosing || (!isFailing && (!isFed || firstWaiting > queued));
     });
     forOthers.wait(lock, [this] { return isClosing || !isFailing; });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <bitset>
 #include <chrono>
 #include <condition_variable>
@@ -60,12 +61,13 @@ public:
 
     // Of the queue.
     void MakeRoom(); ///< Before the first step is queued. The only operation that allocates.
-    void Queued(StepNumber number);
+    void
+    Queued(StepNumber number); ///< When it is in the queue already. Takes the lock only to wake a sleeping monitor.
     void Withdraw(StepNumber last); ///< All that still waits, up to this one. What was sent or refused stays so.
 
     // Of the monitor.
     void Started();
-    void Taken(); ///< A step is being sent.
+    void Taken() { monitor = TrajectoryMonitorState::Sending; } ///< A step is being sent.
     void Full(); ///< There was no room for it.
     void Sent(StepNumber number, MotionStep const& step); ///< Number 0 only counts the targets.
     void BeginFailure(StepNumber number, std::int32_t code); ///< Until EndFailure no wait returns.
@@ -94,11 +96,13 @@ public:
     /// Whether the step may still be sent: neither withdrawn nor held back nor overtaken by the end of the connection.
     bool MaySend(StepNumber number) const;
 
-    /// Sleeps until Queued, Release or Close was called after `hasWork` was last asked.
+    /// Sleeps until there is work that may be done, or the end.
     template <typename Predicate>
     void SleepUntil(Predicate const& hasWork) {
         std::unique_lock lock(mutex);
+        isAsleep = true;
         forMonitor.wait(lock, [&] { return isClosing || (!isHeld && hasWork()); });
+        isAsleep = false;
     }
     /// Sleeps for a moment, or until the step may not be sent any more.
     void SleepWhileFull(StepNumber number, std::chrono::milliseconds time);
@@ -133,7 +137,11 @@ private:
     std::condition_variable forMonitor;
     std::condition_variable forOthers;
     std::vector<StepRecord> records; ///< a ring by number, made by MakeRoom
-    TrajectoryState state;
+    TrajectoryState
+        state; ///< all but these two, which are set without the lock, as they stand between a point and the wire
+    std::atomic<StepNumber> queued = 0;
+    std::atomic<TrajectoryMonitorState> monitor = TrajectoryMonitorState::NotStarted;
+    std::atomic<bool> isAsleep = false;
     StepNumber firstWaiting = 1;
     std::array<std::uint32_t, MotionSlots> counts{};
     std::array<double, MotionSlots> reached{};

@@ -30,7 +30,7 @@ std::uint64_t TrajectoryQueue::PushBack(MotionStep const& step) {
         block.emplace_back();
     }
     block.back().isLastOfStep = true;
-    isEmpty.store(false, std::memory_order_release);
+    isEmpty.store(false);
     return ++lastNumber;
 }
 

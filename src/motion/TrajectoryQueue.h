@@ -15,7 +15,7 @@ namespace harvlink {
 /// stand in blocks that never move, so that adding a step allocates seldom and copies nothing else.
 class TrajectoryQueue {
 public:
-    bool IsEmpty() const { return isEmpty.load(std::memory_order_acquire); }
+    bool IsEmpty() const { return isEmpty.load(); }
 
     /// Returns the number of the step: 1, 2, 3 and so on. Strong guarantee: if memory runs out the queue is as it was.
     std::uint64_t PushBack(MotionStep const& step);
@@ -43,6 +43,7 @@ private:
     std::size_t sent = 0; ///< parts of the front block that are gone
     std::uint64_t frontNumber = 1;
     std::uint64_t lastNumber = 0;
+    /// In one order with the flag of a sleeping monitor: either it sees the step, or the adding thread sees it asleep.
     std::atomic<bool> isEmpty = true;
 };
 
