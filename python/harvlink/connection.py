@@ -79,8 +79,8 @@ class Robot:
     def close(self) -> None:
         """Closes the connection; a second call does nothing. It sends nothing, so a moving robot does not stop.
 
-        Waits until all queued points are sent, without limit while the controller's buffer is full.
-        `motion.stop(clear=True)` ends this wait.
+        With the rule BoundedClose it drops queued points and takes two exchanges at most. Otherwise it waits until they
+        are all sent, without limit while the controller's buffer is full; `motion.stop(clear=True)` ends this wait.
         """
         self._link.close()
 

@@ -128,7 +128,9 @@ class MotionManager:
         self._link.do("motion_manager_MotionStart")
 
     def stop(self, clear: bool = True) -> None:
-        """Stops the motion. `clear` also drops the queue and the controller's targets; without it, sending goes on."""
+        """Stops the motion. `clear` also drops the queue and the controller's targets. Without it the queue stays: with
+        the rule BoundedClose it is sent from the next `start` on, otherwise it goes on being sent.
+        """
         self._link.do("motion_manager_MotionStop", switch("clear", clear))
 
     def clear(self) -> None:
