@@ -75,7 +75,7 @@ std::string SettingsOptions::File() const {
     if (std::string named = Variable(FileVariable); !named.empty()) {
         return named;
     }
-    // The base directory specification says that a relative folder in the variable is invalid and to be ignored.
+    // By the convention for this variable, a relative folder in it is invalid and ignored.
     std::filesystem::path folder = Variable("XDG_CONFIG_HOME");
     if (!folder.is_absolute()) {
         std::string const home = Variable("HOME");
