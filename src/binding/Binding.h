@@ -6,7 +6,7 @@
 
 /// The cell behind a handle; null inside after a failed connection.
 struct ControllerCell {
-    harvlink::QuorvanController* controller;
+    harvlink::QuorvanController* controller = nullptr;
     bool isStrict = false; ///< Rule::NoExceptions holds, and a text that could not be returned is a failure
 };
 

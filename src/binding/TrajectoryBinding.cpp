@@ -28,7 +28,7 @@ std::int64_t Milliseconds(std::chrono::system_clock::time_point time) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
 }
 
-HarvlinkTrajectoryState ToPlain(harvlink::TrajectoryState const& state, std::uint32_t size, ReturnedTexts& texts) {
+HarvlinkTrajectoryState ToPlainState(harvlink::TrajectoryState const& state, std::uint32_t size, ReturnedTexts& texts) {
     return {.size = size,
             .monitor = static_cast<TrajectoryMonitorState>(state.monitor),
             .queued = state.queued,
@@ -62,7 +62,7 @@ IStatusInfo harvlink_motion_get_state(ControllerHandle handle, HarvlinkTrajector
     harvlink::TrajectoryState current;
     harvlink::StatusInfo const status = TrajectoryOf(handle).GetTrajectoryState(current);
     ReturnedTexts texts(handle);
-    HarvlinkTrajectoryState const plain = ToPlain(current, state->size, texts);
+    HarvlinkTrajectoryState const plain = ToPlainState(current, state->size, texts);
     std::memcpy(state, &plain, std::min<std::size_t>(state->size, sizeof(plain)));
     return texts.Checked(ToPlain(status));
 }

@@ -58,7 +58,7 @@ struct AlarmResetRequest {
     using Reply = std::uint32_t;
     static constexpr CommandNumber command = CommandNumber::AlarmReset;
     static constexpr Service service = Service::WriteOne;
-    std::uint16_t instance;
+    std::uint16_t instance = 0;
     std::uint32_t payload = 1;
 };
 

@@ -14,7 +14,7 @@ namespace harvlink {
 struct FileStep {
     FileRequest& request; ///< the download's own, until the next Take
     std::optional<std::uint8_t> requestId; ///< none for the opening request, which takes a new one
-    bool waitForReply;
+    bool waitForReply = true;
 };
 
 /// A file, or a list of names, on its way from the controller: an opening request, then an acknowledgement of each block,

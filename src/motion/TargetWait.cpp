@@ -109,7 +109,7 @@ TargetWait::Result TargetWait::LookAtStep(double tolerance) {
 TargetWait::Result TargetWait::LookAtGroups(StepRecord const& record, double tolerance) {
     for (std::size_t slot = 0; slot < MotionSlots; ++slot) {
         if (record.groups[slot]) {
-            Result const result = LookAtTarget(record, slot, tolerance);
+            Result result = LookAtTarget(record, slot, tolerance);
             if (!result || result->StatusCode != 0) {
                 return result;
             }
@@ -124,7 +124,7 @@ TargetWait::Result TargetWait::LookAtTarget(StepRecord const& record, std::size_
     SentTarget const& target = record.targets[slot];
     bool const isCleared = record.clears != progress.Clears();
     if (!isCleared && target.count != 0 && progress.IsCountKnown()) {
-        Result const count = LookAtCount(record, slot);
+        Result count = LookAtCount(record, slot);
         if (!count || count->StatusCode != 0 || progress.IsFollowed(slot, target.count)) {
             return count;
         }

@@ -8,7 +8,7 @@ namespace harvlink {
 StatusInfo StatusOfException() noexcept {
     try {
         try {
-            throw; // cppcheck-suppress rethrowNoCurrentException // called within a catch block
+            throw;
         } catch (std::bad_alloc const&) {
             return StatusInformation(ErrorStatusCodes::OutOfMemory); // its text fits into the string itself
         } catch (std::exception const& exception) {
