@@ -17,8 +17,8 @@ constexpr std::size_t leastOptions = offsetof(HarvlinkConnectOptions, address) +
 constexpr std::size_t leastStatistics = offsetof(HarvlinkConnectionStatistics, linkStateSince);
 
 /// Shared by all handles without a connection, so that failing neither needs memory nor loses any.
-ControllerCell noConnection{
-    nullptr}; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): handles are not const
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): handles are not const
+ControllerCell noConnection{nullptr};
 
 StatusInfo InvalidSize() {
     return StatusInformation(ErrorStatusCodes::InvalidConnectOptions,
