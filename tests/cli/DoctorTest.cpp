@@ -6,6 +6,7 @@
 
 #include "ToolTest.h"
 #include "cli/doctor/Diagnosis.h"
+#include "cli/doctor/ReportText.h"
 #include "cli/output/Output.h"
 
 namespace harvlink::cli {
@@ -95,22 +96,73 @@ TEST(Doctor, ShowsOnlyWhatWasMeasured) {
 
 TEST(Doctor, NamesWhatNoLoopbackCanShow) {
     using State = PortReport::State;
+    using BadAnswer = PortReport::BadAnswer;
     struct Case {
         PortReport commands;
+        PortReport files;
         char const* software;
         char const* finding;
+        char const* report; ///< a part of the text for people
     };
-    std::array<Case, 5> const cases{{
-        {{.state = State::Unreachable, .error = ENETUNREACH}, "", "no-route"},
-        {{.state = State::Unreachable, .error = EHOSTUNREACH, .reporter = "10.0.0.254"}, "", "rejected"},
-        {{.state = State::Closed, .error = ECONNREFUSED, .reporter = "10.0.0.254"}, "", "rejected"},
-        {{.state = State::Answers}, "ZZ1.00", "unknown-generation"},
-        {{.state = State::Answers}, "", "unknown-generation"},
+    char const* const router = "10.0.0.254";
+    char const* const newer = "YAS4";
+    PortReport const good{.state = State::Answers};
+    std::array<Case, 20> const cases{{
+        {{.state = State::Unreachable, .error = ENETUNREACH}, good, "", "no-route", "has no route to 10.0.0.1"},
+        {{.state = State::Unreachable, .error = EHOSTUNREACH}, good, "", "no-route", "No device in this computer's"},
+        {{.state = State::Unreachable, .error = EACCES}, good, "", "no-route", "not a broadcast address"},
+        {{.state = State::Unreachable, .error = EMSGSIZE}, good, "", "no-route", "(commands) not reached"},
+        {{.state = State::Unreachable, .error = EHOSTUNREACH, .reporter = router}, good, "", "rejected", "let UDP"},
+        {{.state = State::Closed, .error = ECONNREFUSED, .reporter = router}, good, "", "rejected", "by 10.0.0.254"},
+        {{.state = State::Closed}, good, "", "files-only", "no program listens on UDP 10040"},
+        {{.state = State::Silent}, good, "", "files-only", "no answer to 0 attempts of 500 ms"},
+        {{.state = State::BadAnswers, .badAnswer = BadAnswer::Damaged}, good, "", "damaged", "arrives damaged"},
+        {{.state = State::BadAnswers, .badAnswer = BadAnswer::WrongId}, good, "", "wrong-answers", "never fit"},
+        {{.state = State::BadAnswers, .badAnswer = BadAnswer::Foreign}, good, "", "wrong-answers", "not a robot"},
+        {{.state = State::Refuses, .code = 8288}, good, "", "refusing", "There is an active Error or Alarm"},
+        {{.state = State::Refuses, .code = 0x9999}, good, "", "refusing", "unknown code 39321"},
+        {good, {.state = State::Closed}, newer, "commands-only", "Enable file transfer"},
+        {good, {.state = State::Unreachable, .reporter = router}, newer, "commands-only", "rejected by 10.0.0.254"},
+        {good, {.state = State::BadAnswers, .badAnswer = BadAnswer::Damaged}, newer, "commands-only", "UDP 10041 (fi"},
+        {good, {.state = State::BadAnswers, .badAnswer = BadAnswer::WrongId}, newer, "commands-only", "another prog"},
+        {good, {.state = State::Silent}, newer, "commands-only", "in both directions"},
+        {good, good, "ZZ1.00", "unknown-generation", "'ZZ1.00' is not of a generation"},
+        {good, good, "", "unknown-generation", "gave no software version"},
     }};
+    Expectation const expected{"10.0.0.1", std::chrono::milliseconds(500), ""};
     for (Case const& each : cases) {
-        ControllerReport report{.commands = each.commands, .software = each.software};
-        report.files.state = State::Answers;
-        EXPECT_EQ(Diagnose(report, {"10.0.0.1", std::chrono::milliseconds(500), ""}).front().name, each.finding);
+        ControllerReport const report{.commands = each.commands, .files = each.files, .software = each.software};
+        std::vector<Finding> const findings = Diagnose(report, expected);
+        EXPECT_EQ(findings.front().name, each.finding) << each.report;
+        std::string const text = FormatReport(report, expected, findings, true);
+        EXPECT_NE(text.find(each.report), std::string::npos) << text;
+    }
+}
+
+TEST(Doctor, SaysHowALinkFails) {
+    struct Case {
+        LinkReport link;
+        char const* finding;
+        char const* report;
+    };
+    std::array<Case, 7> const cases{{
+        {{.sent = 20, .lost = 20, .silentAtEnd = 20}, "stopped", "gave its model and software, and then stopped"},
+        {{.sent = 50, .answered = 30, .lost = 20, .silentAtEnd = 20}, "stopped", "after 30 of 50 probes"},
+        {{.sent = 10, .answered = 10, .otherSources = 2, .otherPort = 9}, "other-source", "changes the port"},
+        {{.sent = 10, .answered = 10, .otherSources = 2, .otherHost = "10.0.0.9"}, "other-source", "what 10.0.0.9 is"},
+        {{.sent = 10, .answered = 5, .spoilt = 5, .damaged = 2, .wrongIds = 3}, "damaged", "or do not fit the questi"},
+        {{.sent = 10, .answered = 10, .refused = 2, .refusalCode = 8288}, "refusing", "2 refused (20.0 %)"},
+        {{.sent = 2, .answered = 2, .milliseconds = {1, 300}}, "slow", "300 ms longest"},
+    }};
+    Expectation const expected{"10.0.0.1", std::chrono::milliseconds(500), ""};
+    for (Case const& each : cases) {
+        ControllerReport report{.software = "YAS4", .model = "M", .link = each.link};
+        report.commands.state = report.files.state = PortReport::State::Answers;
+        std::vector<Finding> const findings = Diagnose(report, expected);
+        ASSERT_FALSE(findings.empty()) << each.finding;
+        EXPECT_EQ(findings.front().name, each.finding);
+        std::string const text = FormatReport(report, expected, findings, false);
+        EXPECT_NE(text.find(each.report), std::string::npos) << text;
     }
 }
 

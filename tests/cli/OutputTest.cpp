@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "cli/program/Interrupt.h"
-#include "cli/trajectory/PathTracker.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {
@@ -68,46 +67,6 @@ TEST(Output, WritesJsonThatCanBeReadWhateverTheBytes) {
 TEST(Output, TrimsOnlyTheZerosThatFillAField) {
     EXPECT_EQ(TrimField(std::string("AB\0C\0\0", 6)), std::string("AB\0C", 4));
     EXPECT_EQ(TrimField(std::string(4, '\0')), "");
-}
-
-class PathTrackerTest : public testing::Test {
-protected:
-    using Axes = PathTracker::Axes;
-    using State = PathTracker::State;
-
-    State After(PathTracker& progress, Axes const& axes, int milliseconds) {
-        now_ += std::chrono::milliseconds(milliseconds);
-        return progress.Update(axes, now_);
-    }
-
-    PathTracker::Time now_{};
-};
-
-TEST_F(PathTrackerTest, ArrivesAtTheEndOfAClosedPathAndNotAtItsStart) {
-    Axes const home{100, 0, 0, 180};
-    Axes const same{100, 0, 0, -180};
-    PathTracker progress(CoordinateType::BaseCoordinate, home, {{200, 0, 0, 180}, home}, true, now_);
-    EXPECT_EQ(After(progress, home, 500), State::Moving);
-    EXPECT_EQ(After(progress, {200, 0, 0, 180}, 1000), State::Moving);
-    EXPECT_NEAR(progress.Fraction(), 0.5, 1e-9);
-    EXPECT_EQ(After(progress, same, 1000), State::Moving) << "it may only pass by";
-    EXPECT_EQ(After(progress, same, 250), State::Arrived);
-    EXPECT_EQ(progress.Fraction(), 1.0);
-}
-
-TEST_F(PathTrackerTest, TellsStandingStillElsewhereFromArriving) {
-    PathTracker progress(CoordinateType::Pulse, {}, {{1000}}, true, now_);
-    EXPECT_EQ(After(progress, {900}, 100), State::Moving);
-    EXPECT_EQ(After(progress, {901}, 9000), State::Moving);
-    EXPECT_EQ(After(progress, {900}, 1100), State::Stopped);
-    EXPECT_LT(progress.Fraction(), 1.0);
-}
-
-TEST_F(PathTrackerTest, AcceptsAMotionThatWasOverBeforeItWasLookedAt) {
-    Axes const home{5};
-    PathTracker progress(CoordinateType::Pulse, home, {{50000}, home}, true, now_);
-    EXPECT_EQ(After(progress, home, 1900), State::Moving);
-    EXPECT_EQ(After(progress, home, 200), State::Arrived);
 }
 
 TEST(InterruptDeathTest, KeepsTheFirstSignalAndEndsWithTheSecond) {

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/trajectory/TrajectoryFile.h"
 #include "words/text/Csv.h"
 #include "words/text/InputError.h"
 #include "words/text/Text.h"
@@ -14,7 +13,7 @@
 #include "words/values/VariableFile.h"
 #include "words/values/VariableText.h"
 
-namespace harvlink::cli {
+namespace harvlink::words {
 namespace {
 
 using namespace words;
@@ -95,7 +94,7 @@ std::string Cells(std::string const& text) {
     return rows;
 }
 
-TEST(Parser, UnderstandsAndRefuses) {
+TEST(TextForms, AreReadOrRefused) {
     std::string const eight = "base:1.5,-2,3,180,0,1e-3,7,8";
     std::vector<Row> const rows{
         {"group", Group, "r1", "R1"},
@@ -170,7 +169,7 @@ TEST(Parser, UnderstandsAndRefuses) {
     }
 }
 
-TEST(Parser, ReadsBackWhatItWritesToAVariableFile) {
+TEST(TextForms, ReadBackWhatAVariableFileHolds) {
     std::string const all(reinterpret_cast<char const*>("\x01\xFF a\"b,\r\n#\0 "), 12);
     std::vector<VariableAssignment> const written{{{VariableKind::String, 1}, all},
                                                   {{VariableKind::String, 2}, std::string()},
@@ -195,53 +194,15 @@ std::string FaultsOf(std::function<void()> const& parse) {
     return "";
 }
 
-TEST(Parser, NamesEveryWrongLineOfAFile) {
-    std::string const variables = FaultsOf([] { ParseVariableFile("v", "variable,value\nB1,1\n\nB1,256\nQ,1\nB1\n"); });
-    std::string const points = FaultsOf([] {
-        ParseTrajectory("t", "move,speed,acceleration,x,y,z,rx,ry,rz\n"
-                             "line,0.1,,1,2,3,4,5,6\n" // good, as the next
-                             "joint,100,20,1,2,3,4,5,6\n"
-                             "line,0.09,,1,2,3,4,5,6\n"
-                             "joint,100.1,,1,2,3,4,5,6\n"
-                             "line,1,19.9,1,2,3,4,5,6\n"
-                             "line,1,,1,2,,4,5,6\n"
-                             "line,1,,2147484,2,3,4,5,6\n"
-                             "circle,1,,1,2,3,4,5,6\n"
-                             "line,1,,1,2,3\n");
-    });
+TEST(TextForms, NameEveryWrongLineOfAFile) {
+    std::string const faults = FaultsOf([] { ParseVariableFile("v", "variable,value\nB1,1\n\nB1,256\nQ,1\nB1\n"); });
     for (char const* const line : {"v:4: ", "v:5: ", "v:6: "}) {
-        EXPECT_NE(variables.find(line), std::string::npos) << line << variables;
+        EXPECT_NE(faults.find(line), std::string::npos) << line << faults;
     }
-    for (char const* const line : {"t:4: ", "t:5: ", "t:6: ", "t:7: ", "t:8: ", "t:9: ", "t:10: "}) {
-        EXPECT_NE(points.find(line), std::string::npos) << line << points;
-    }
-    EXPECT_EQ(variables.find("v:2"), std::string::npos);
-    EXPECT_EQ(points.find("t:2"), std::string::npos);
-    EXPECT_EQ(points.find("t:3"), std::string::npos);
+    EXPECT_EQ(faults.find("v:2"), std::string::npos);
 }
 
-TEST(Parser, RefusesAWrongTrajectoryHeader) {
-    for (char const* const text : {"", "speed,x,y,z,rx,ry,rz\n", "x,y,z,rx,ry,rz\n1,2,3,4,5,6\n", "speed,x,s\n1,2,3\n",
-                                   "speed,speed,x\n1,1,1\n", "speed,x,hue\n1,1,1\n", "speed\n1\n"}) {
-        EXPECT_NE(FaultsOf([&] { ParseTrajectory("t", text); }), "") << text;
-    }
-}
-
-TEST(Parser, FillsAPointFromItsColumns) {
-    Trajectory const circle =
-        ParseTrajectory("t", "Via_S,via_l,via_u,via_r,via_b,via_t,S,L,U,R,B,T,speed,move,group,tool\n"
-                             "1,2,3,4,5,6,7,8,9,10,11,12,250,circle,R2,3\n");
-    ASSERT_EQ(circle.size(), 1U);
-    EXPECT_EQ(circle[0].auxiliaryAxes, (std::array<double, 8>{1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(circle[0].position.axes, (std::array<double, 8>{7, 8, 9, 10, 11, 12}));
-    EXPECT_EQ(circle[0].position.coordinateType, CoordinateType::Pulse);
-    EXPECT_EQ(circle[0].position.toolNumber, 3);
-    EXPECT_EQ(circle[0].controlGroup, ControlGroupId::R2);
-    EXPECT_EQ(circle[0].moveType, MoveInterpolationType::Circle);
-    EXPECT_EQ(circle[0].accelerationRatio, RatioNotSpecified);
-}
-
-TEST(Parser, KeepsAControllersNamesFromLeadingElsewhere) {
+TEST(TextForms, KeepAControllersNamesFromLeadingElsewhere) {
     for (std::string const& name : {std::string(".."), std::string("."), std::string(), std::string("a/b.JBI"),
                                     std::string("/etc/x.DAT"), std::string("a\0.JBI", 6)}) {
         EXPECT_FALSE(IsSafeLocalName(name)) << name;
@@ -250,4 +211,4 @@ TEST(Parser, KeepsAControllersNamesFromLeadingElsewhere) {
 }
 
 } // namespace
-} // namespace harvlink::cli
+} // namespace harvlink::words
