@@ -1,11 +1,15 @@
 #include "cli/output/Output.h"
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
 #include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "cli/output/Progress.h"
 #include "cli/program/Interrupt.h"
 #include "words/text/Text.h"
 
@@ -62,6 +66,64 @@ TEST(Output, WritesJsonThatCanBeReadWhateverTheBytes) {
     Json const read = Json::parse(streams.out.str());
     EXPECT_EQ(read["name"].get<std::string>().substr(0, 128), bytes.substr(0, 128));
     EXPECT_TRUE(read["number"].is_null());
+}
+
+/// Keeps what was written, and lets a test wait for each flush.
+class FlushedBuffer : public std::stringbuf {
+public:
+    void WaitForFlush() {
+        std::unique_lock lock(mutex_);
+        flushed_.wait_for(lock, std::chrono::seconds(20), [this, wanted = count_ + 1] { return count_ >= wanted; });
+    }
+
+protected:
+    int sync() override {
+        std::lock_guard const lock(mutex_);
+        ++count_;
+        flushed_.notify_all();
+        return 0;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable flushed_;
+    int count_ = 0;
+};
+
+TEST(Progress, ShowsOneLineOnATerminalAndWipesItOff) {
+    std::string const longText = std::string(71, 'x') + "\u00e4\u00e4";
+    std::istringstream in;
+    std::ostringstream out;
+    for (bool const isTerminal : {true, false}) {
+        FlushedBuffer written;
+        std::ostream err(&written);
+        Console console{in, out, err, isTerminal, isTerminal, isTerminal};
+        Output output(console);
+        {
+            Progress progress(output, "Fetching A\x1b.JBI");
+            if (isTerminal) {
+                written.WaitForFlush();
+            }
+            progress.Count("Probe", 12, 200);
+            if (isTerminal) {
+                written.WaitForFlush();
+                written.WaitForFlush();
+            }
+            progress.Show(longText);
+            if (isTerminal) {
+                written.WaitForFlush();
+                written.WaitForFlush();
+            }
+        }
+        std::string const text = written.str();
+        EXPECT_EQ(text.empty(), !isTerminal);
+        if (isTerminal) {
+            EXPECT_EQ(text.find("\r\x1b[KFetching A?.JBI  0."), 0U) << text;
+            EXPECT_NE(text.find("\r\x1b[KProbe 12 of 200  "), std::string::npos) << text;
+            EXPECT_NE(text.find(std::string(71, 'x') + "  "), std::string::npos) << "half a character is not shown";
+            EXPECT_TRUE(text.ends_with(" s\r\x1b[K")) << text;
+        }
+    }
 }
 
 TEST(Output, TrimsOnlyTheZerosThatFillAField) {

@@ -306,6 +306,7 @@ TEST_F(ProgramTest, TellsWhyATrajectoryWasRefused) {
     EXPECT_NE(result.err.find("alarm 8015-"), std::string::npos) << result.err;
     EXPECT_EQ(result.err.find("servo power"), std::string::npos) << "the alarm took it";
     EXPECT_NE(result.err.find("on the way to far.csv:2 (point 1 of 2) or to a later"), std::string::npos) << result.err;
+    EXPECT_EQ(Json::parse(RunTool("alarms --json").out).front()["code"], 8015);
     std::string const log = (std::filesystem::current_path() / "HarvlinkLog.txt").string();
     EXPECT_NE(result.err.find("logged in " + log + ": "), std::string::npos) << result.err;
 }

@@ -9,6 +9,7 @@
 #include "cli/snapshot/Folder.h"
 #include "cli/snapshot/LineDifference.h"
 #include "cli/snapshot/SafeName.h"
+#include "cli/snapshot/Staging.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::cli {
@@ -110,10 +111,26 @@ TEST_F(SnapshotTest, SavesWhatTheControllerHasAndTellsWhatChanged) {
         << changed.out;
     EXPECT_NE(changed.out.find("    -8  SET I000 0\n    +8  SET I000 1\n"), std::string::npos) << changed.out;
     EXPECT_NE(changed.out.find("  PICK.JBI  148 bytes -> (none)\n"), std::string::npos) << changed.out;
+    Json const document = Json::parse(RunTool("snapshot diff cell live --json").out);
+    EXPECT_EQ(document["same"], false);
+    for (Json const& change : document["changes"]) {
+        if (change["name"] == "DEMO.JBI") {
+            EXPECT_EQ(change["lines"][1], (Json{{"sign", "+"}, {"line", 8}, {"text", "SET I000 1"}}));
+        }
+        EXPECT_EQ(change["after"].is_null(), change["name"] == "PICK.JBI") << change;
+    }
     ASSERT_EQ(RunTool("snapshot save five --only variables --var B5").exit, 0);
-    Json const document = Json::parse(RunTool("snapshot diff live five --json").out);
-    EXPECT_EQ(document["same"], true);
-    EXPECT_EQ(document["changes"], Json::array());
+    Json const same = Json::parse(RunTool("snapshot diff live five --json").out);
+    EXPECT_EQ(same["same"], true);
+    EXPECT_EQ(same["changes"], Json::array());
+    Result const compared = RunTool("snapshot diff cell five");
+    EXPECT_EQ(compared.exit, 1);
+    EXPECT_NE(compared.err.find("only one of the two has files; they were not compared"), std::string::npos);
+    EXPECT_NE(RunTool("snapshot show cell").out.find("Complete"), std::string::npos);
+    EXPECT_EQ(Json::parse(RunTool("snapshot show cell --json").out)["complete"], true);
+    EXPECT_NE(RunTool("snapshot show cell files").out.find("DEMO.JBI"), std::string::npos);
+    EXPECT_NE(RunTool("snapshot show cell files/NOPE").err.find("has no file 'NOPE'"), std::string::npos);
+    EXPECT_EQ(Json::parse(RunTool("snapshot show cell files/DEMO.JBI --json").out)["name"], "DEMO.JBI");
     EXPECT_NE(RunTool("snapshot show cell variables").out.find("B5"), std::string::npos);
     EXPECT_NE(RunTool("snapshot show cell nope").err.find("'nope'; it has: groups, variables, "), std::string::npos);
     EXPECT_EQ(RunTool("snapshot show cell files/DEMO.JBI").out, ContentOf("cell/files/DEMO.JBI"));
@@ -126,7 +143,8 @@ TEST_F(SnapshotTest, LosesNothing) {
     filesystem::create_directories("other/deep");
     filesystem::create_directories("mixed/.git");
     filesystem::copy("cell", "mixed");
-    for (char const* const folder : {"cell", "text", "other --force", "mixed --force", "none/cell", "/dev/null/x"}) {
+    for (char const* const folder : {"cell", "text", "other --force", "mixed --force", "none/cell", "/dev/null/x",
+                                     "new --only nope", "new --var X1", "new --param Q", "new --files a.txt"}) {
         EXPECT_EQ(RunTool(std::string("snapshot save ") + folder).exit, 2) << folder;
     }
     Plan(Fault::Refuse, 1.0);
@@ -145,8 +163,22 @@ TEST_F(SnapshotTest, LosesNothing) {
     EXPECT_EQ(ContentOf("cell.incomplete/variables.csv"), before);
     EXPECT_EQ(RunTool("snapshot diff cell cell.incomplete").exit, 2) << "not all can be compared";
     EXPECT_EQ(RunTool("snapshot diff cell none").exit, 2);
+    EXPECT_EQ(RunTool("snapshot diff live live").exit, 2);
+    for (char const* const manifest : {"{}", "x", R"({"format":"harvlink-snapshot","format_version":99})"}) {
+        test::WriteFile("mixed/snapshot.json", manifest);
+        EXPECT_EQ(RunTool("snapshot show mixed").exit, 2) << manifest;
+    }
     EXPECT_EQ(RunTool("snapshot diff cell cell").exit, 0);
     EXPECT_EQ(std::distance(filesystem::directory_iterator("."), {}), 5) << "no scratch folder is left";
+}
+
+TEST(Staging, PutsTheOldSnapshotBackIfTheNewOneCannotBeMoved) {
+    Scratch const folder;
+    filesystem::create_directory("cell");
+    test::WriteFile("cell/a", "x");
+    snapshot::ScratchFolder scratch(".");
+    EXPECT_THROW(MoveInto("not-there", "cell", scratch), filesystem::filesystem_error);
+    EXPECT_EQ(ContentOf("cell/a"), "x");
 }
 
 TEST_F(SnapshotTest, OutlivesLostAnswers) {

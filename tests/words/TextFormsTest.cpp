@@ -16,8 +16,6 @@
 namespace harvlink::words {
 namespace {
 
-using namespace words;
-
 using Texts = std::vector<std::string>;
 
 std::string Join(Texts const& texts) {
