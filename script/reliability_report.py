@@ -20,7 +20,7 @@ BUILD = ROOT / "build"
 FIGURES = ROOT / "docs" / "reliability.json"
 PAGE = ROOT / "docs" / "reliability.md"
 TABLE = re.compile(r"(?<=<!-- figures -->\n).*(?=<!-- end of figures -->)", re.DOTALL)
-LINES_WANTED = {"coverage": 95.0, "coverage words": 90.0, "coverage simulator": 90.0, "coverage cli": 90.0}
+LINES_WANTED = {"coverage": 95.0, "coverage words": 97.0, "coverage simulator": 95.0, "coverage cli": 92.0}
 ROOMS = {"coverage": "the library", "coverage words": "`words/`", "coverage simulator": "`simulator/`",
          "coverage cli": "`cli/`"}
 BUILDS = {"release": "optimised, g++", "asan": "address and undefined-behaviour sanitizers, clang",
