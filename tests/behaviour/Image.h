@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "behaviour/Failure.h"
 #include "binding/Binding.h"
 
 /// @file
@@ -148,7 +149,8 @@ std::string Image(Value const& value, bool cutsTexts) {
 
 /// Copies and frees a text of the plain interface.
 inline std::string Take(char* text) {
-    std::string taken(text);
+    NotCounted const ofTest;
+    std::string taken(text != nullptr ? text : "");
     std::free(text);
     return taken;
 }

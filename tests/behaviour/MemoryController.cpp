@@ -27,9 +27,13 @@ class MemoryController::Transport final : public DatagramTransport {
 public:
     explicit Transport(MemoryController& peer) : controller(peer) {}
 
-    void Send(Division division, std::span<std::byte const> datagram) override { controller.Serve(division, datagram); }
+    void Send(Division division, std::span<std::byte const> datagram) override {
+        NotCounted const ofTest;
+        controller.Serve(division, datagram);
+    }
 
     Arrival Receive(Division, std::span<std::byte> buffer, timeval waits) override {
+        NotCounted const ofTest;
         controller.period = waits.tv_sec * 1000000 + waits.tv_usec;
         if (controller.pending.empty()) {
             return 0;
@@ -109,11 +113,11 @@ Script StartUp(bool isOlder) {
     return script;
 }
 
-Robot::Robot(bool isOlder) {
+Robot::Robot(bool isOlder, ConnectionPolicy const& policy) {
     machine.Play(StartUp(isOlder));
-    controller =
-        std::make_unique<QuorvanControllerImplementation>(machine.MakeTransport(), timeout, retries, false, status);
-    cell.controller = controller.get();
+    controller = std::make_unique<QuorvanControllerImplementation>(machine.MakeTransport(), timeout, retries, false,
+                                                                   status, policy);
+    cell = {controller.get(), policy.Enforces(Rule::NoExceptions)};
     EXPECT_EQ(status.StatusCode, 0) << status.Message;
     EXPECT_EQ(machine.Exchanges(), StartUp(isOlder).size());
 }

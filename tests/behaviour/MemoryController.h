@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 
+#include "behaviour/Failure.h"
 #include "binding/Binding.h"
 #include "connection/QuorvanControllerImplementation.h"
 #include "support/WireBytes.h"
@@ -71,12 +72,13 @@ struct Robot {
     static constexpr unsigned timeout = 100;
     static constexpr unsigned retries = 2;
 
-    explicit Robot(bool isOlder = false);
+    explicit Robot(bool isOlder = false, ConnectionPolicy const& policy = {});
 
     MemoryController machine; ///< outlives the controller, whose destructor may still send
     StatusInfo status;
     std::unique_ptr<QuorvanController> controller;
     ControllerCell cell{};
+    Failure* failure = nullptr; ///< of the next operation
 };
 
 } // namespace harvlink::test

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstring>
+#include <exception>
 #include <map>
 #include <set>
-#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -91,8 +91,12 @@ Outcome Look(Robot& robot, auto const& call, auto const& poison, auto const& ima
     poison(output.value);
     Outcome outcome;
     try {
-        outcome.status = Take(call(output.value));
-    } catch (std::logic_error const&) {
+        auto const result = [&] {
+            Failure::Scope const scope(robot.failure);
+            return call(output.value);
+        }();
+        outcome.status = Take(result);
+    } catch (std::exception const&) {
         outcome.threw = true;
     }
     std::tie(outcome.image, outcome.cutImage) = image(output.value);

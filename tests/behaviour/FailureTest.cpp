@@ -1,0 +1,261 @@
+#include "behaviour/Failure.h"
+
+#include <bit>
+#include <set>
+
+#include "behaviour/Operation.h"
+#include "harvlink/harvlink.h"
+#include "simulator/network/Server.h"
+#include "support/LoopbackAddress.h"
+#include "support/ScratchFolder.h"
+
+// Memory and system calls that fail, one after the other, in everything that a strict connection does.
+
+namespace harvlink::test {
+namespace {
+
+constexpr int outOfMemory = 0x50006;
+constexpr std::size_t most = 5000;
+
+constexpr ConnectionPolicy guarded{.enforced = NoRules.With(Rule::NoExceptions).With(Rule::SilenceIsTimeout)};
+
+/// A way in which the first exchange of an operation goes.
+using Way = Datagrams (*)(Bytes const& good);
+
+Datagrams Good(Bytes const& good) {
+    return {good};
+}
+Datagrams Refused(Bytes const& good) {
+    Bytes refusal = good;
+    SetStatus(refusal, 0x1f, 2, 8288);
+    return {refusal};
+}
+Datagrams Lost(Bytes const&) {
+    return {};
+}
+
+Outcome Run(Operation const& operation, Way way, Failure* failure) {
+    Robot robot(false, guarded);
+    robot.failure = failure;
+    Script script = operation.script;
+    script.insert(script.end(), operation.traits.afterFailure.begin(), operation.traits.afterFailure.end());
+    robot.machine.Play(std::move(script), 0, way, way == Lost);
+    return operation.call(robot);
+}
+
+/// What the outputs hold after a failure, by all the exchanges that it can have come in.
+std::set<std::string> ImagesAfterFailure(Operation const& operation) {
+    std::set<std::string> images;
+    for (std::size_t step = 0; step <= operation.script.size(); ++step) {
+        images.insert(operation.imageAfterFailure(step));
+    }
+    if (operation.name == "file_interface_SaveFromControllerToFile") {
+        images.insert(Image(std::string(), false)); // opening the file has emptied it
+    }
+    return images;
+}
+
+void FailEachAllocation(Operation const& operation, Way way) {
+    Outcome const whole = Run(operation, way, nullptr);
+    auto const images = ImagesAfterFailure(operation);
+    for (std::size_t number = 1; number < most; ++number) {
+        SCOPED_TRACE(testing::Message() << "allocation " << number);
+        Failure failure(Resource::Memory, number);
+        Outcome const outcome = Run(operation, way, &failure);
+        ASSERT_FALSE(outcome.threw);
+        if (!failure.hasHappened) {
+            EXPECT_EQ(outcome, whole);
+            return;
+        }
+        if (outcome.status.StatusCode == outOfMemory && !operation.isPlain) {
+            EXPECT_TRUE(images.contains(outcome.image)) << outcome.image;
+            EXPECT_EQ(outcome.status.Message, "Out of memory");
+        } else if (outcome.status.StatusCode == 0) { // a text of it alone could not be had
+            EXPECT_EQ(outcome.image, whole.image);
+        }
+    }
+    ADD_FAILURE() << "has no end";
+}
+
+TEST(Failures, OfMemoryInEveryOperation) {
+    if (!Failure::CanFail(Resource::Memory)) {
+        GTEST_SKIP();
+    }
+    ScratchFolder const folder;
+    for (Operation const& operation : AllOperations()) {
+        for (Way const way : {Good, Refused, Lost}) {
+            SCOPED_TRACE(operation.name + (operation.isPlain ? ", plain" : "") +
+                         (way == Good   ? ""
+                          : way == Lost ? ", lost"
+                                        : ", refused"));
+            FailEachAllocation(operation, way);
+        }
+    }
+}
+
+struct OperatingTime {
+    explicit OperatingTime(ConnectionPolicy const& policy) : robot(false, policy) {
+        robot.machine.Play({{136, Text("2026/11/21 10:00") + Text("no time", 12)}});
+    }
+    StatusInfo Read() {
+        return robot.controller->Status->ReadOperatingTimes(ControlGroupId::R1, TimeType::ControlPower, time,
+                                                            ApplicationNumber::None);
+    }
+
+    Robot robot;
+    TimeData time;
+};
+
+TEST(Failures, AreExceptionsAsDesigned) {
+    ConnectionPolicy const audit{.audited = StrictRules};
+    for (ConnectionPolicy const& policy : {ConnectionPolicy{}, audit}) {
+        OperatingTime designed(policy);
+        EXPECT_THROW((void)designed.Read(), std::invalid_argument);
+        EXPECT_THROW((void)job_interface_set_active_job(&designed.robot.cell, nullptr, 0), std::logic_error);
+        if (Failure::CanFail(Resource::Memory)) {
+            designed.robot.machine.Play({{114}}, 0, Lost);
+            Failure failure(Resource::Memory, 1);
+            Failure::Scope const scope(&failure);
+            ControllerStateData state;
+            EXPECT_THROW((void)designed.robot.controller->Status->ReadState(state), std::bad_alloc);
+        }
+    }
+    OperatingTime strict(guarded);
+    StatusInfo const status = strict.Read();
+    EXPECT_EQ(status.StatusCode, 0x50008);
+    EXPECT_TRUE(status.Message.ends_with("(rule NoExceptions)")) << status;
+    EXPECT_EQ(strict.time.startTimeEpoch, 0);
+    EXPECT_EQ(Take(job_interface_set_active_job(&strict.robot.cell, nullptr, 0)).StatusCode, 0x50007);
+}
+
+TEST(Failures, OfATextThatAPlainFunctionReturns) {
+    Robot robot(false, guarded);
+    for (bool const isStrict : {false, true}) {
+        robot.cell.isStrict = isStrict;
+        robot.machine.Play({{137, Text("YA1.00", 24) + Text("MODEL", 24)}});
+        ISystemInfoData data;
+        IStatusInfo status;
+        Failure failure(Resource::Memory,
+                        Failure::CanFail(Resource::Memory) ? 3 : 2); // behind both texts of the method
+        {
+            Failure::Scope const scope(&failure);
+            status = controller_state_interface_read_system_information(&robot.cell, 11, &data);
+        }
+        EXPECT_EQ(data.softwareVersion, nullptr);
+        EXPECT_EQ(Take(status).StatusCode, isStrict ? outOfMemory : 0);
+        EXPECT_EQ(Take(data).modelName, "MODEL");
+    }
+}
+
+/// A virtual controller, and what is done with it.
+struct Session {
+    Session() {
+        for (int attempt = 0; attempt < 1000; ++attempt) {
+            server = std::make_unique<simulator::Server>();
+            address = NextLoopbackAddress();
+            server->Add(address);
+            if (server->Start()) {
+                return;
+            }
+        }
+        ADD_FAILURE() << "no address is free";
+    }
+
+    ConnectOptions Options() const { return {.address = address, .timeout = 40, .retries = 4, .access = Access::Full}; }
+
+    std::unique_ptr<simulator::Server> server;
+    std::string address;
+};
+
+/// Runs a call until it needs the resource less than `number` times. It gives a code. The time-out is short, so that the
+/// whole run without a failure gets some attempts on a busy machine.
+void FailEach(Resource resource, auto const& call) {
+    constexpr int attempts = 20;
+    for (std::size_t number = 1, missed = 0; number < most && missed < attempts;) {
+        Failure failure(resource, number);
+        int const code = call(failure);
+        if (failure.hasHappened) {
+            ++number;
+        } else if (code == 0) {
+            return;
+        } else {
+            ++missed;
+        }
+    }
+    ADD_FAILURE() << "never succeeds";
+}
+
+int ConnectFromClass(Session const& session, Failure& failure) {
+    ConnectOptions const options = session.Options();
+    StatusInfo status;
+    Connection connection;
+    {
+        Failure::Scope const scope(&failure);
+        connection = Connect(options, status);
+    }
+    EXPECT_EQ(connection == nullptr, status.StatusCode != 0) << status;
+    return status.StatusCode;
+}
+
+int ConnectFromPlain(Session const& session, Failure& failure) {
+    HarvlinkConnectOptions options;
+    harvlink_connect_options_init(&options);
+    options.address = session.address.c_str();
+    options.timeout = session.Options().timeout;
+    options.retries = session.Options().retries;
+    options.access = HARVLINK_FULL;
+    IStatusInfo status;
+    ControllerHandle handle = nullptr;
+    {
+        Failure::Scope const scope(&failure);
+        handle = harvlink_connect(&options, &status);
+    }
+    EXPECT_EQ(handle->controller == nullptr, status.StatusCode != 0);
+    close_connection(handle);
+    std::free(status.Message);
+    return status.StatusCode;
+}
+
+TEST(Failures, OfMemoryWhileConnecting) {
+    if (!Failure::CanFail(Resource::Memory)) {
+        GTEST_SKIP();
+    }
+    Session const session;
+    FailEach(Resource::Memory, [&](Failure& failure) { return ConnectFromClass(session, failure); });
+    FailEach(Resource::Memory, [&](Failure& failure) { return ConnectFromPlain(session, failure); });
+}
+
+TEST(Failures, OfSystemCallsWhileConnecting) {
+    Session const session;
+    FailEach(Resource::SystemCall, [&](Failure& failure) { return ConnectFromClass(session, failure); });
+}
+
+TEST(Failures, OfSystemCallsInOperations) {
+    ScratchFolder const folder;
+    WriteFile("A.DAT", std::string(1'200, 'x'));
+    Session const session;
+    StatusInfo status;
+    Connection const robot = Connect(session.Options(), status);
+    ASSERT_TRUE(robot) << status;
+    EXPECT_EQ(robot->ControlCommands->SetServos(SignalStatus::On).StatusCode, 0);
+    ControllerStateData state;
+    using Call = std::function<StatusInfo()>;
+    Call const calls[] = {
+        [&] { return robot->Status->ReadState(state); },
+        [&] { return robot->IO->WriteBit(27010, true); },
+        [&] { return robot->Files->LoadToControllerFromPath("A.DAT"); },
+        [&] { return robot->Files->SaveFromControllerToFile("A.DAT", "B.DAT", true); },
+        [&] { return robot->MotionManager->MotionStart(); },
+    };
+    for (Call const& call : calls) {
+        SCOPED_TRACE(&call - calls);
+        FailEach(Resource::SystemCall, [&](Failure& failure) {
+            Failure::Scope const scope(&failure);
+            return call().StatusCode;
+        });
+    }
+    EXPECT_EQ(ContentOf("B.DAT"), ContentOf("A.DAT"));
+}
+
+} // namespace
+} // namespace harvlink::test
