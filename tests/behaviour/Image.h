@@ -22,61 +22,32 @@ namespace harvlink::test {
 
 struct NoOutput {};
 
-inline auto Fields(auto& r) requires requires {
-    r.cycleMode;
-}
-{
-    return std::tie(r.cycleMode, r.isRunning, r.controlMode, r.isProgramPendantHold, r.isAlarming, r.isErroring,
-                    r.isServoOn);
-}
-inline auto Fields(auto& r) requires requires {
-    r.modelName;
-}
-{ return std::tie(r.softwareVersion, r.modelName); }
-inline auto Fields(auto& r) requires requires {
-    r.startTimeEpoch;
-}
-{ return std::tie(r.startTimeEpoch, r.elapsedTime.seconds, r.elapsedTime.minutes, r.elapsedTime.hours); }
-inline auto Fields(auto& r) requires requires {
-    r.frontOrBack;
-}
-{
-    return std::tie(r.frontOrBack, r.upperOrLower, r.flipOrNoFlip, r.sAngle, r.lAngle, r.uAngle, r.rAngle, r.bAngle,
-                    r.tAngle, r.eAngle, r.wAngle);
-}
-inline auto Fields(auto& r) requires requires {
-    r.figure;
-}
-{ return std::tie(r.coordinateType, r.figure, r.toolNumber, r.userCoordinateNumber, r.axes); }
+/// The fields of the records that have a field `known`.
+#define FIELDS_IF(known, ...)                                                                                          \
+    inline auto Fields(auto& r) requires requires {                                                                    \
+        r.known;                                                                                                       \
+    }                                                                                                                  \
+    { return std::tie(__VA_ARGS__); }
+// clang-format off
+FIELDS_IF(cycleMode, r.cycleMode, r.isRunning, r.controlMode, r.isProgramPendantHold, r.isAlarming, r.isErroring,
+          r.isServoOn)
+FIELDS_IF(modelName, r.softwareVersion, r.modelName)
+FIELDS_IF(startTimeEpoch, r.startTimeEpoch, r.elapsedTime.seconds, r.elapsedTime.minutes, r.elapsedTime.hours)
+FIELDS_IF(frontOrBack, r.frontOrBack, r.upperOrLower, r.flipOrNoFlip, r.sAngle, r.lAngle, r.uAngle, r.rAngle, r.bAngle,
+          r.tAngle, r.eAngle, r.wAngle)
+FIELDS_IF(figure, r.coordinateType, r.figure, r.toolNumber, r.userCoordinateNumber, r.axes)
+FIELDS_IF(controlGroup, r.controlGroup, r.axes)
+FIELDS_IF(value, r.value, r.variableIndex)
+FIELDS_IF(positionData, r.positionData, r.variableIndex)
+FIELDS_IF(subcode, r.code, r.subcode, r.time, r.name)
+FIELDS_IF(numberOfAlarms, r.numberOfAlarms, r.alarms)
+FIELDS_IF(stepNumber, r.name, r.line, r.stepNumber, r.speedOverride)
+// clang-format on
+#undef FIELDS_IF
 inline auto
 Fields(auto& r) requires std::is_same_v<std::remove_const_t<std::remove_reference_t<decltype(r)>>, PositionErrorData> {
     return std::tie(r.axes);
 }
-inline auto Fields(auto& r) requires requires {
-    r.controlGroup;
-}
-{ return std::tie(r.controlGroup, r.axes); }
-inline auto Fields(auto& r) requires requires {
-    r.value;
-    r.variableIndex;
-}
-{ return std::tie(r.value, r.variableIndex); }
-inline auto Fields(auto& r) requires requires {
-    r.positionData;
-}
-{ return std::tie(r.positionData, r.variableIndex); }
-inline auto Fields(auto& r) requires requires {
-    r.subcode;
-}
-{ return std::tie(r.code, r.subcode, r.time, r.name); }
-inline auto Fields(auto& r) requires requires {
-    r.numberOfAlarms;
-}
-{ return std::tie(r.numberOfAlarms, r.alarms); }
-inline auto Fields(auto& r) requires requires {
-    r.stepNumber;
-}
-{ return std::tie(r.name, r.line, r.stepNumber, r.speedOverride); }
 inline auto Fields(NoOutput const&) {
     return std::tuple<>();
 }

@@ -84,6 +84,7 @@ Bytes const axesOnWire = Words({1000, -2000, 3, 40000, 50000, 60000, 70000, 8000
 WireAxes const wireAxes{1000, -2000, 3, 40000, 50000, 60000, 70000, 80000};
 std::array<double, 8> const pulses{1000, -2000, 3, 40000, 50000, 60000, 70000, 80000};
 std::array<double, 8> const cartesian{1, -2, 0.003, 4, 5, 6, 7, 8};
+std::array<double, 8> const baseAxes{1, -2, 0.003, 40, 50, 60, 70, 80};
 
 TEST(Requests, ReadStateAndSystem) {
     CheckRead(
@@ -151,10 +152,12 @@ TEST(Requests, ReadVariables) {
               RobotPositionVariableData{{}, 6});
     // A successful read of these two hands back index 0.
     CheckRead(__LINE__, BasePositionVariableRead(CommandNumber::BasePositionVariable, 7, 1), Read(128, 7),
-              Words({0}) + axesOnWire, BaseAxisPositionVariableData{{.axes = pulses}, 0},
+              Words({19}) + axesOnWire,
+              BaseAxisPositionVariableData{{.coordinateType = UserCoordinate, .axes = baseAxes}, 0},
               BaseAxisPositionVariableData{{}, 7});
     CheckRead(__LINE__, StationPositionVariableRead(CommandNumber::StationPositionVariable, 8, 1), Read(129, 8),
-              Words({0}) + axesOnWire, StationPositionVariableData{{.axes = pulses}, 0},
+              Words({19}) + axesOnWire,
+              StationPositionVariableData{{.coordinateType = UserCoordinate, .axes = pulses}, 0},
               StationPositionVariableData{{}, 8});
     CheckRead(__LINE__, RegisterRead{9}, ReadOne(121, 9), U16(0xfedc), std::uint16_t{0xfedc});
     CheckRead(__LINE__, SignalGroupRead(27010), ReadOne(120, 2701), U8(0x5a), std::uint8_t{0x5a}, std::uint8_t{0x5a});
@@ -186,6 +189,12 @@ TEST(Requests, Write) {
     CheckWrite(__LINE__, JobSelectRequest("weld.jbi", 7), whole(135, 1, Text("WELD", 32) + U32(7)));
     CheckWrite(__LINE__, SignalGroupWrite<std::uint64_t>{2701, 0x5a}, one(120, 2701, Little(0x5a, 8)));
     CheckWrite(__LINE__, SignalWrite{{10010, 1}}, whole(909, 0, Words({10010, 1})));
+    CheckWrite(__LINE__, WriteRequest(CommandNumber::IntegerVariable, IntegerVariableData{-2, 0}, 1),
+               one(123, 0, U16(-2)));
+    CheckWrite(__LINE__, WriteRequest(CommandNumber::DoubleIntVariable, DoubleIntVariableData{-3, 3}, 0),
+               one(124, 4, U32(-3)));
+    CheckWrite(__LINE__, WriteRequest(CommandNumber::RealVariable, RealVariableData{-0.15625F, 4}, 1),
+               one(125, 4, U32(0xbe200000)));
     CheckWrite(__LINE__, MotionStartRequest{}, whole(839, 0, U32(0)));
     CheckWrite(__LINE__, MotionStopRequest{}, whole(840, 0, U32(0)));
     CheckWrite(__LINE__, ClearTargetsRequest{{15}}, whole(841, 0, Words({15, 0})));

@@ -81,24 +81,5 @@ TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
     EXPECT_EQ(session.record->periods.at(0).tv_usec, 30000);
 }
 
-TEST_F(ControlCommands, SwitchesAreOnePlainRequest) {
-    struct {
-        Bytes request;
-        std::function<StatusInfo()> call;
-    } const cases[] = {
-        {Command(131, 1, U32(1)), [&] { return commands.SetHold(SignalStatus::On); }},
-        {Command(131, 1, U32(2)), [&] { return commands.SetHold(SignalStatus::Off); }},
-        {Command(132, 2, U32(1)), [&] { return commands.SetCycleMode(CycleMode::Step); }},
-        {Command(132, 2, U32(2)), [&] { return commands.SetCycleMode(CycleMode::Cycle); }},
-        {Command(132, 2, U32(3)), [&] { return commands.SetCycleMode(CycleMode::Automatic); }},
-        {Command(134, 1, U32(1)), [&] { return commands.StartJob(); }},
-        {Command(133, 1, Text("Hi")), [&] { return commands.DisplayStringToPendant("Hi"); }},
-    };
-    for (auto const& [request, call] : cases) {
-        controller.Expect(request);
-        EXPECT_EQ(call().StatusCode, 0);
-    }
-}
-
 } // namespace
 } // namespace harvlink::test

@@ -12,7 +12,6 @@ using enum CoordinateType;
 
 constexpr int toolFiles = 4;
 
-Bytes const olderPosition = Words({16, 0b100001, 2, 5, 0b1, 1500, -2500, 3, 40000, 50000, 60001, -70000, 80000});
 Bytes const extendedPosition =
     U32(4) + U16(5) + U16(2) + Words({0b100001, 0, 1500, -2500, 3, 40000, 50000, 60001, -70000, 80000});
 
@@ -39,16 +38,8 @@ bool IsZero(PositionData const& position) {
            position.axes == std::array<double, 8>{};
 }
 
-TEST(ControlGroup, OlderRoadReadsPulseAndBase) {
+TEST(ControlGroup, TypeOfTheReplyDecidesAndSoDoesTheNumberOfAxes) {
     Session session("FS1");
-    session.controller.Expect(RobotRequest(117, 102, 0, 1), Payload(olderPosition));
-    EXPECT_EQ(session.Read(R2, BaseCoordinate, 7).StatusCode, 0);
-    EXPECT_EQ(session.position.axes, (std::array<double, 8>{1.5, -2.5, 0.003, 4, 5, 6.0001, -7, 8}));
-    EXPECT_EQ(session.position.toolNumber, 2);
-    EXPECT_EQ(session.position.userCoordinateNumber, 5);
-    EXPECT_EQ(session.position.figure.sAngle, AxisAngle::GreaterThan180);
-    EXPECT_EQ(session.position.figure.lAngle, AxisAngle::GreaterThan180);
-
     // The type of the reply decides the scaling; a group without eight axes has no eighth value.
     session.controller.Expect(RobotRequest(117, 121, 0, 1), Payload(Words({0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8})));
     EXPECT_EQ(session.Read(S1, BaseCoordinate).StatusCode, 0);
@@ -127,28 +118,6 @@ TEST(ControlGroup, RefusalsAreReadInContext) {
     EXPECT_EQ(session.Read(R1, BaseCoordinate).Message, "Invalid Control Group Id");
     session.controller.Expect(RobotRequest(117, 1, 0, 1), Refusal(45057));
     EXPECT_EQ(session.Read(R1, Pulse).Message, "Undefined position variable");
-}
-
-TEST(ControlGroup, AxesErrorsAndTorque) {
-    Session session("FS1");
-    Bytes const values = Words({1, -2, 3, 4, 5, 6, 7, 0x7fffffff});
-    std::array<std::int32_t, 8> const expected{1, -2, 3, 4, 5, 6, 7, 0x7fffffff};
-
-    std::array<char, 8> axes{};
-    session.controller.Expect(RobotRequest(116, 44, 0, 1), Payload(Words({'S', 'L' + 0xabcd00, 'U', 'R', 'B', 'T'})));
-    EXPECT_EQ(session.groups.ReadAxisConfiguration(S24, axes).StatusCode, 0);
-    EXPECT_EQ(axes, (std::array<char, 8>{'S', 'L', 'U', 'R', 'B', 'T', 0, 0}));
-
-    PositionErrorData error;
-    session.controller.Expect(RobotRequest(118, 11, 0, 1), Payload(values));
-    EXPECT_EQ(session.groups.ReadPositionError(B1, error).StatusCode, 0);
-    EXPECT_EQ(error.axes, expected);
-
-    TorqueData torque;
-    session.controller.Expect(RobotRequest(119, 21, 0, 1), Payload(values));
-    EXPECT_EQ(session.groups.ReadTorqueData(S1, torque).StatusCode, 0);
-    EXPECT_EQ(torque.axes, expected);
-    EXPECT_EQ(torque.controlGroup, R1) << "whatever group was asked for";
 }
 
 TEST(ControlGroup, Text) {

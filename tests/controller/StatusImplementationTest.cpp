@@ -155,9 +155,6 @@ TEST_F(ControllerState, TimesAreParsed) {
 
 TEST_F(ControllerState, SystemParameters) {
     int value = 0;
-    controller.Expect(RobotRequest(924, 0, 0, 1, Words({5, 2, 430})), Payload(U32(-7)));
-    EXPECT_EQ(state.ReadSystemParam(SystemParameterType::S1E, 430, 2, value).StatusCode, 0);
-    EXPECT_EQ(value, -7);
     controller.Expect(RobotRequest(924, 0, 0, 1, Words({1, 0, 541})), Payload(U32(3)));
     EXPECT_EQ(state.ReadSystemParam(SystemParameterType::S2C, 541, value).StatusCode, 0);
     EXPECT_EQ(value, 3);
@@ -178,19 +175,6 @@ TEST_F(ControllerState, SystemParameters) {
         EXPECT_EQ(Printed(status), "Code (196626): This parameter type requires a group to be specified, use the other "
                                    "overload for this function.");
         EXPECT_EQ(value, 0);
-    }
-}
-
-TEST_F(ControllerState, ParametersAreForNewAndUnknownGenerations) {
-    for (int version = -1; version <= 5; ++version) {
-        manager->controllerVersion = static_cast<ControllerVersion>(version);
-        bool const isSupported = version < 0 || version >= 3;
-        if (isSupported) {
-            controller.Expect(RobotRequest(924, 0, 0, 1, Words({4, 1, 22})), Payload(U32(1)));
-        }
-        int value = 5;
-        EXPECT_EQ(state.ReadSystemParam(SystemParameterType::RS, 22, 1, value).StatusCode, isSupported ? 0 : 0x30005);
-        EXPECT_EQ(value, isSupported ? 1 : 0);
     }
 }
 

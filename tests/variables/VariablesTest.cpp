@@ -17,116 +17,34 @@ protected:
     ScriptedController controller;
     std::unique_ptr<NetworkManager> manager = controller.Connect();
     VariablesImplementation variables{manager.get(), 1, toolFiles};
-    VariablesImplementation fromOne{manager.get(), 0, toolFiles}; // the controller counts from 1
-
-    /// Checks that hold for all kinds. `written` is the payload of `record`. Reading `read` gives the same record, except
-    /// for the index.
-    template <typename Record, typename IsSame>
-    void CheckKind(VariableInterface<Record>* VariablesInterface::*kind, unsigned command, Bytes const& read,
-                   Bytes const& written, Record record, IsSame isSame, bool keepsIndex = true) {
-        SCOPED_TRACE(testing::Message() << "command " << command);
-        bool const isPosition = command >= 127 && command <= 129;
-        auto const request = [=](unsigned instance, bool writes, Bytes const& payload) {
-            unsigned const service = isPosition ? (writes ? 2U : 1U) : (writes ? 16U : 14U);
-            return RobotRequest(command, instance, isPosition ? 0 : 1, service, payload);
-        };
-        for (VariablesImplementation* const all : {&variables, &fromOne}) {
-            unsigned const offset = all == &fromOne ? 1 : 0;
-            for (std::uint16_t const index : {std::uint16_t{0}, std::uint16_t{2048}}) {
-                Record back{};
-                controller.Expect(request(index + offset, false, {}), Payload(read));
-                EXPECT_EQ((all->*kind)->Read(index, back).StatusCode, 0);
-                EXPECT_EQ(back.variableIndex, keepsIndex ? index : 0);
-                EXPECT_TRUE(isSame(back)) << Printed(back);
-                controller.Expect(request(index + offset, true, written));
-                record.variableIndex = index;
-                EXPECT_EQ((all->*kind)->Write(record).StatusCode, 0);
-            }
-        }
-        struct {
-            std::uint16_t index;
-            bool isSent;
-        } const failures[] = {{2049, false}, {65535, false}, {7, true}};
-        for (auto const& [index, isSent] : failures) {
-            Record back = record;
-            record.variableIndex = index;
-            if (isSent) {
-                controller.Expect(request(index, true, written), Refusal(40961));
-                controller.Expect(request(index, false, {}), Refusal(40961));
-            }
-            for (StatusInfo const& status : {(variables.*kind)->Write(record), (variables.*kind)->Read(index, back)}) {
-                EXPECT_EQ(status.StatusCode, 0x30008);
-                EXPECT_EQ(status.Message, invalidIndex);
-            }
-            Record empty{};
-            empty.variableIndex = index;
-            EXPECT_EQ(Printed(back), Printed(empty)); // the requested index, and nothing else
-        }
-    }
-
-    template <typename Value>
-    void CheckScalar(VariableInterface<ScalarVariableData<Value>>* VariablesInterface::*kind, unsigned command,
-                     Value value, Bytes const& wire) {
-        CheckKind(kind, command, wire, wire, ScalarVariableData<Value>{value, 0},
-                  [=](auto const& back) { return back.value == value; });
-    }
 };
 
-TEST_F(VariablesTest, EveryKindOnTheWire) {
-    CheckScalar<std::uint8_t>(&VariablesInterface::byteVariable, 122, 0xfe, U8(0xfe));
-    CheckScalar<std::int16_t>(&VariablesInterface::integerVariable, 123, -2, U16(-2));
-    CheckScalar<std::int32_t>(&VariablesInterface::doubleIntVariable, 124, -123456789, U32(-123456789));
-    CheckScalar<float>(&VariablesInterface::realVariable, 125, -0.15625F, U32(0xbe200000));
-    std::string const text("a\0\xff z\0", 6);
-    CheckKind(&VariablesInterface::stringVariable, 140, Text(text), Text(text), StringVariableData{text, 0},
-              [&](auto const& back) { return back.value == text; });
-
-    PositionData position;
-    position.coordinateType = CoordinateType::UserCoordinate;
-    position.figure.flipOrNoFlip = FlipOrNoFlip::NoFlip;
-    position.figure.wAngle = AxisAngle::GreaterThan180;
-    position.toolNumber = toolFiles;
-    position.userCoordinateNumber = 63;
-    position.axes = {1.5, -2.25, 3, 4.125, 5, 6, 7, -8};
-    Bytes const robot = Words({19, 4, toolFiles, 63, 16, 1500, -2250, 3000, 41250, 50000, 60000, 70000, -80000});
-    CheckKind(&VariablesInterface::robotPositionVariable, 127, robot, robot, RobotPositionVariableData{position, 0},
-              [&](auto const& back) { return Printed(back.positionData) == Printed(position); });
-
-    PositionData plain; // without the fields that the other two kinds do not have
-    plain.coordinateType = CoordinateType::UserCoordinate;
-    plain.axes = position.axes;
-    Bytes const base = Words({19, 1500, -2250, 3000, 4125, 5000, 6000, 7000, -8000});
-    CheckKind(
-        &VariablesInterface::basePositionVariable, 128, base, base, BaseAxisPositionVariableData{position, 0},
-        [&](auto const& back) { return Printed(back.positionData) == Printed(plain); }, false);
-    plain.axes = {1, -2, 3, 4, 5, 6, 7, -8};
-    // A read keeps the type of the reply, a write sends type 0.
-    CheckKind(
-        &VariablesInterface::stationPositionVariable, 129, Words({19, 1, -2, 3, 4, 5, 6, 7, -8}),
-        Words({0, 1, -2, 3, 4, 5, 6, 7, -8}), StationPositionVariableData{position, 0},
-        [&](auto const& back) { return Printed(back.positionData) == Printed(plain); }, false);
+TEST_F(VariablesTest, IndexIsCheckedAndIsAllThatARefusalLeaves) {
+    for (auto const& [index, isSent] : {std::pair{2048, true}, {2049, false}, {65535, false}}) {
+        RobotPositionVariableData record;
+        record.variableIndex = static_cast<std::uint16_t>(index);
+        record.positionData.toolNumber = 3;
+        std::string const written = Printed(record);
+        RobotPositionVariableData const empty{{}, record.variableIndex};
+        if (isSent) {
+            controller.Expect(RobotRequest(127, 2048, 0, 2, Words({0, 0, 3}) + Bytes(40)), Refusal(40961));
+            controller.Expect(RobotRequest(127, 2048, 0, 1), Refusal(40961));
+        }
+        auto& kind = *variables.robotPositionVariable;
+        for (StatusInfo const& status : {kind.Write(record), kind.Read(record.variableIndex, record)}) {
+            EXPECT_EQ(status.StatusCode, 0x30008);
+            EXPECT_EQ(status.Message, invalidIndex);
+        }
+        EXPECT_NE(Printed(record), written);
+        EXPECT_EQ(Printed(record), Printed(empty));
+    }
+    VariablesImplementation fromOne(manager.get(), 0, toolFiles); // the controller counts from 1
+    controller.Expect(RobotRequest(122, 2049, 1, 16, U8(9)));
+    EXPECT_EQ(fromOne.byteVariable->Write({9, 2048}).StatusCode, 0);
 }
 
 TEST_F(VariablesTest, StringLengths) {
     std::string const thirtyTwo = "0123456789abcdefghijklmnopqrstuv";
-    std::string const truncated = "OK String was truncated to 32 characters";
-    struct {
-        std::string text, sent, message;
-    } const writes[] = {
-        {"", "", "OK"},
-        {thirtyTwo, thirtyTwo, "OK"},
-        {thirtyTwo + 'w', thirtyTwo, truncated},
-        {std::string(65535, 'x'), std::string(32, 'x'), truncated},
-        {std::string(65536, 'x'), "", "OK"}, // only the low 16 bits of the length count
-        {std::string(65537, 'x'), "x", "OK"},
-        {std::string(65569, 'x'), std::string(32, 'x'), truncated},
-    };
-    for (auto const& [text, sent, message] : writes) {
-        controller.Expect(RobotRequest(140, 4, 1, 16, Text(sent)));
-        StatusInfo const status = variables.stringVariable->Write({text, 4});
-        EXPECT_EQ(status.StatusCode, 0);
-        EXPECT_EQ(status.Message, message);
-    }
     controller.Expect(RobotRequest(140, 4, 1, 16, Text(thirtyTwo)), Refusal(8288));
     EXPECT_EQ(variables.stringVariable->Write({thirtyTwo + 'w', 4}).Message, activeAlarm);
     EXPECT_EQ(variables.stringVariable->Write({thirtyTwo + 'w', 2049}).Message, invalidIndex);
