@@ -57,13 +57,6 @@ bool IsSame(EulerMatrix const& a, EulerMatrix const& b) {
     return std::memcmp(&a, &b, sizeof(a)) == 0;
 }
 
-void ExpectNear(EulerMatrix const& actual, Matrix const& expected, double tolerance = 1e-13) {
-    Matrix const rows = Rows(actual);
-    for (std::size_t i = 0; i < 12; ++i) {
-        EXPECT_NEAR(rows[i / 4][i % 4], expected[i / 4][i % 4], tolerance) << "row " << i / 4 << ", column " << i % 4;
-    }
-}
-
 class Random {
 public:
     double Value() { return std::uniform_real_distribution(-1000.0, 1000.0)(engine); }
@@ -122,32 +115,6 @@ TEST(FrameMath, AgreesToTheLastBitWithTheFormulas) {
         ASSERT_EQ(cross.y, a.z * u.x - a.x * u.z);
         ASSERT_EQ(cross.z, a.x * u.y - u.x * a.y);
         ASSERT_EQ(inner, a.z * u.z + (a.x * u.x + a.y * u.y));
-    }
-}
-
-TEST(FrameMath, MeansRotationsAndInverses) {
-    Random random;
-    Matrix const identity{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-    for (int i = 0; i < 200; ++i) {
-        ZyxEulerPose const pose = random.Pose();
-        EulerMatrix frame, inverse, out;
-        ZYXeulerToFrame(&pose, &frame);
-        ExpectNear(frame, Turned(pose.rx, pose.ry, pose.rz, {pose.x, pose.y, pose.z}));
-        ZyxEulerPose back;
-        FrameToZYXeuler(&frame, &back);
-        EXPECT_NEAR(back.rx, pose.rx, 1e-9);
-        EXPECT_NEAR(back.ry, pose.ry, 1e-9);
-        EXPECT_NEAR(back.rz, pose.rz, 1e-9);
-        EXPECT_EQ(back.y, pose.y);
-        InvertFrame(&frame, &inverse);
-        MultiplyFrames(&frame, &inverse, &out);
-        ExpectNear(out, identity, 1e-9);
-
-        double const angle = random.Angle(360.0);
-        XyzVector const z{0, 0, 1};
-        RotateFrame(&frame, &z, &out, angle);
-        ExpectNear(out, Product(Rows(frame), Turned(0, 0, angle)), 1e-12);
-        EXPECT_EQ(out.px, pose.x);
     }
 }
 
