@@ -1,7 +1,5 @@
 #include "connection/StartUp.h"
 
-#include <chrono>
-
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -113,15 +111,6 @@ TEST_F(StartUp, FailuresOfTheSequence) {
     controller.Expect(RobotRequest(137, 11, 0, 1), Refusal(40961));
     EXPECT_FALSE(Open());
     EXPECT_EQ(status.Message, "Instance value is invalid");
-}
-
-TEST_F(StartUp, SilentControllerCostsAllPeriods) {
-    controller.Expect(RobotRequest(137, 11, 0, 1), Replies{});
-    auto const start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(Open(40, 2));
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(120));
-    EXPECT_EQ(status.StatusCode, 0x30006);
-    EXPECT_EQ(status.Message, "No response from controller after 2 retries.");
 }
 
 TEST_F(StartUp, HeadersOfAnotherVersionAreRefusedUnheard) {

@@ -1,14 +1,9 @@
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
-
-#include <unistd.h>
 
 #include "motion/RunningSession.h"
 #include "motion/VirtualTransport.h"
-#include "simulator/network/Server.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::test {
@@ -50,23 +45,6 @@ TEST(TrajectoryMonitor, SendsInOrderFromTheStartOn) {
                                                    {target, 5}}));
 }
 
-TEST(TrajectoryMonitor, EmptiesTheQueueBeforeItEnds) {
-    RunningSession session;
-    session.isFull = true;
-    for (int i = 1; i <= 100; ++i) {
-        session.Add(i);
-    }
-    session.Sent(1);
-    std::thread release([&] {
-        session.Sent(5);
-        session.isFull = false;
-    });
-    auto const sent = session.Finish(); // waits for room
-    release.join();
-    ASSERT_EQ(sent.size(), 100U);
-    EXPECT_EQ(sent.back().second, 100);
-}
-
 TEST(TrajectoryMonitor, StopAndClearWhileTheBufferIsFull) {
     struct {
         bool clears, isRefused;
@@ -101,22 +79,6 @@ TEST(TrajectoryMonitor, StopAndClearWhileTheBufferIsFull) {
         }
         EXPECT_EQ(sent, expected);
     }
-}
-
-TEST(TrajectoryMonitor, PopTakesWhatIsInFrontAfterAClear) {
-    RunningSession session;
-    session.isFull = true;
-    session.Add(1);
-    session.Add(2);
-    session.Sent(1);
-    EXPECT_EQ(session.manager->ClearAllTrajectory().StatusCode, 0);
-    session.Add(3); // is first in the queue when the send of 1 ends
-    session.Add(4);
-    session.isFull = false;
-    auto const sent = session.Finish();
-    EXPECT_EQ(std::ranges::count(sent, std::pair(target, 2)), 0);
-    EXPECT_EQ(std::ranges::count(sent, std::pair(target, 3)), 0);
-    EXPECT_EQ(sent.back(), std::pair(target, 4));
 }
 
 TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
@@ -297,60 +259,6 @@ TEST(TrajectoryMonitor, ManyThreadsAtOnce) {
             }
         }
     }
-}
-
-TEST(TrajectoryMonitor, ThousandPointsReachTheVirtualControllerOnceAndInOrder) {
-    constexpr std::size_t points = 1000;
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<int> accepted;
-    std::atomic<int> refused = 0;
-    simulator::Server server;
-    auto const process = static_cast<unsigned>(::getpid());
-    std::string const address =
-        "127.8." + std::to_string(process / 250 % 250) + '.' + std::to_string(process % 250 + 1);
-    simulator::ControllerOptions options;
-    options.timeScale = 0.0;
-    auto& controller = server.Add(address, options);
-    server.SetObserver([&](auto const&, simulator::Request const& request, simulator::Reply const& reply) {
-        if (request.Command() != CommandNumber::MotionSendTarget) {
-            return;
-        }
-        if (reply.IsRefused()) {
-            refused += reply.Code() == simulator::Refusal{65520} ? 1 : 1000000;
-            return;
-        }
-        std::lock_guard const lock(mutex);
-        accepted.push_back(request.As<MotionTargetSend>().targets[0].axes[0]);
-        changed.notify_all();
-    });
-    ASSERT_TRUE(server.Start()) << server.Error();
-    controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
-
-    StatusInfo status;
-    NetworkManager network(address, 8000, 0, status);
-    MotionManager manager(&network);
-    for (std::size_t i = 0; i < points; ++i) {
-        ASSERT_EQ(manager.AddPointToTrajectory(Point(static_cast<double>(100 * (i % 7) + i)), {}, {}, {}).StatusCode,
-                  0);
-    }
-    ASSERT_EQ(manager.MotionStart().StatusCode, 0);
-    // The arm does not move until its buffer was full.
-    std::unique_lock lock(mutex);
-    auto const waitFor = [&](auto condition) {
-        return changed.wait_for(lock, std::chrono::milliseconds(1), condition);
-    };
-    for (int rounds = 0; !waitFor([&] { return accepted.size() == points; }) && rounds < 20000; ++rounds) {
-        lock.unlock();
-        controller.Advance(std::chrono::milliseconds(refused > 0 ? 200 : 0));
-        lock.lock();
-    }
-    ASSERT_EQ(accepted.size(), points);
-    for (std::size_t i = 0; i < points; ++i) {
-        EXPECT_EQ(accepted[i], static_cast<int>(100 * (i % 7) + i));
-    }
-    EXPECT_GT(refused, 0) << "the buffer was never full";
-    EXPECT_LT(refused, 1000000) << "a refusal for another reason";
 }
 
 } // namespace

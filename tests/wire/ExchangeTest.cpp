@@ -141,29 +141,6 @@ TEST(Exchange, ShortLongAndEmptyReplies) {
     }
 }
 
-TEST(Exchange, StaleRepliesUseUpPeriods) {
-    ScriptedController controller;
-    auto const manager = controller.Connect("YA1.00", 2);
-    Reply const stale{.payload = U32(1), .status = 8, .block = 0x80000001, .staleBy = 1};
-    controller.Expect(registerRequest, Replies{stale, stale, Payload(U32(2))});
-    RegisterRead const third(*manager);
-    EXPECT_EQ(third.status.StatusCode, 0);
-    EXPECT_EQ(third.reply.payload, 2U);
-
-    // Three stale replies leave no period for the right one, which is then stale in the next exchange.
-    controller.Expect(registerRequest, Replies{stale, stale, stale, Payload(U32(3))});
-    auto const start = Clock::now();
-    RegisterRead const unlucky(*manager);
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(4));
-    EXPECT_EQ(unlucky.status.StatusCode, 0x30006);
-    EXPECT_EQ(unlucky.status.Message, NoResponse(2));
-    EXPECT_EQ(unlucky.reply.header.blockNumber, 0U) << "nothing of a stale reply counts";
-    EXPECT_EQ(unlucky.reply.payload, 0U);
-    controller.Expect(registerRequest, Payload(U32(4)));
-    EXPECT_EQ(RegisterRead(*manager).reply.payload, 4U);
-    EXPECT_EQ(controller.Received().size(), 4U);
-}
-
 TEST(Exchange, StaleReplyOnOtherPortIsOneLikeAnyOther) {
     ScriptedController controller;
     auto const manager = controller.Connect();
@@ -186,38 +163,6 @@ TEST(Exchange, StaleReplyOnOtherPortIsOneLikeAnyOther) {
         EXPECT_EQ(read.status.Message, NoResponse(0));
         EXPECT_EQ(read.reply.payload, 0U);
     }
-}
-
-TEST(Exchange, SilenceEndsAfterAllPeriodsWithOneDatagram) {
-    ScriptedController controller;
-    auto const manager = controller.Connect("YA1.00", 3);
-    Hurry(*manager);
-    controller.Expect(registerRequest, Replies{});
-    auto const start = Clock::now();
-    RegisterRead const read(*manager);
-    EXPECT_GE(Clock::now() - start, milliseconds(4 * 128));
-    EXPECT_EQ(read.status.StatusCode, 0x30006);
-    EXPECT_EQ(read.status.Message, NoResponse(3));
-}
-
-TEST(Exchange, IdZeroTakesSilenceForEmptySuccess) {
-    ScriptedController controller;
-    auto const manager = controller.Connect("YA1.00", 30);
-    controller.AnswerRest([](Datagram const&) { return Replies{{}}; });
-    for (int id = 2; id <= 127; ++id) {
-        ASSERT_EQ(RegisterRead(*manager).status.StatusCode, 0);
-    }
-    EXPECT_EQ(controller.Received(127).back().Id(), 127);
-    Hurry(*manager);
-    controller.Expect(registerRequest, Replies{});
-    auto const start = Clock::now();
-    RegisterRead const silent(*manager);
-    EXPECT_LT(Clock::now() - start, milliseconds(31 * 128)) << "one period, not all";
-    EXPECT_EQ(controller.Received(128).back().Id(), 0);
-    EXPECT_EQ(silent.status.Message, "OK");
-    EXPECT_EQ(silent.reply.payload, 0U);
-    RegisterRead const next(*manager);
-    EXPECT_EQ(controller.Received(129).back().Id(), 1);
 }
 
 TEST(Exchange, ReusedPacketIsNeverItsOwnAnswer) {
