@@ -8,7 +8,7 @@ from ctypes import c_double, c_int, c_ubyte, c_uint, c_ushort
 from harvlink import _library, _prototypes
 from harvlink import _records as r
 
-from .support import ROOT, TIMEOUT, Plain, Simulator, SimulatorTest
+from .support import ROOT, TIMEOUT, Plain, SimulatorTest
 
 R1, R2, B1, S1 = 1, 2, 11, 21
 NETWORK_INPUT, NETWORK_ADDRESS, NO_SIGNAL = 3, 27010, 27018
@@ -217,28 +217,6 @@ ARITHMETIC = [
 ]
 
 
-class CxxString(ctypes.Structure):
-    """A std::string of at most 15 bytes, which are stored in the object itself."""
-
-    _fields_ = [("data", ctypes.c_void_p), ("size", ctypes.c_size_t), ("own", ctypes.c_char * 16)]
-
-    def __init__(self, text=b""):
-        super().__init__(0, len(text), text)
-        self.data = ctypes.addressof(self) + CxxString.own.offset
-
-
-class CxxStatus(ctypes.Structure):
-    _fields_ = [("code", c_int), ("message", CxxString)]
-
-    def __init__(self):
-        super().__init__(-1)
-        self.message.data = ctypes.addressof(self.message) + CxxString.own.offset
-
-
-class CxxView(ctypes.Structure):
-    _fields_ = [("size", ctypes.c_size_t), ("data", ctypes.c_char_p)]
-
-
 class FunctionsTest(SimulatorTest):
     options = ("--groups", "R1,B1,S1,R2", "--time-scale", "50")
 
@@ -256,23 +234,6 @@ class FunctionsTest(SimulatorTest):
                     self.assertEqual(code, refusal[1], message)
                     self.assertIn(value, (None, 0), "a value is left after a failure")
                     self.assertFalse("".join(texts).replace("none", ""), "a text is left after a failure")
-        robot.close()
-
-    def test_silence(self):
-        simulator = Simulator(*self.options)
-        self.addCleanup(simulator.stop)
-        for _ in range(100):  # on a busy machine the short time-out can expire
-            robot = Plain(simulator.address, timeout=20, retries=1)
-            robot.status.Message.take()
-            if robot.status.StatusCode == 0:
-                break
-        simulator.stop()
-        local = {"io_interface_ConvertIOGroupToBitAddress", "file_interface_LoadToControllerFromPath"}
-        local |= {f"harvlink_motion_{name}" for name in ("get_state", "wait_for_target", "wait_until_sent")}
-        for name, arguments, message, *_ in CASES:
-            if message != QUEUED and name not in local:
-                with self.subTest(name):
-                    self.assertEqual(robot.call(name, *arguments)[0], TIMEOUT)
         robot.close()
 
     def test_failed_open(self):
@@ -295,22 +256,6 @@ class FunctionsTest(SimulatorTest):
                     got = [getattr(out, field) for field, _ in getattr(kind, "_fields_", [("value", 0)])]
                     for one, other in zip(got, expected):
                         self.assertAlmostEqual(one, other, 12)
-
-    def test_linked_open_and_close(self):
-        library = ctypes.CDLL(_library.load().path)
-        library.OpenConnection.restype = ctypes.c_void_p
-        library.CloseConnection.argtypes = [ctypes.c_void_p]
-        for address, version, code in [
-            (self.simulator.address, b"1.1.3", 0),
-            (self.simulator.address, b"1.1.2", 0x30013),
-        ]:
-            text, status = CxxString(address.encode()), CxxStatus()
-            controller = library.OpenConnection(
-                *(ctypes.byref(text), ctypes.byref(status), 500, 3, True, CxxView(len(version), version))
-            )
-            self.assertEqual(status.code, code)
-            self.assertEqual(controller is None, code != 0)
-            library.CloseConnection(controller)
 
     def test_nothing_is_left_out(self):
         names = {case[0] for case in CASES} | {name for case in ARITHMETIC for name in case[:2]}

@@ -18,18 +18,7 @@ HANDLE_CELL = 32  # with its heap header; the handle cell of a connection is nev
 class Mallinfo(ctypes.Structure):
     _fields_ = [
         (name, ctypes.c_size_t)
-        for name in (
-            "arena",
-            "ordblks",
-            "smblks",
-            "hblks",
-            "hblkhd",
-            "usmblks",
-            "fsmblks",
-            "uordblks",
-            "fordblks",
-            "top",
-        )
+        for name in "arena ordblks smblks hblks hblkhd usmblks fsmblks uordblks fordblks top".split()
     ]
 
 
