@@ -42,7 +42,7 @@ enum class Rule : std::uint32_t {
     IdleMonitor = 1U << 9U, ///< the thread that feeds motion sleeps while it has nothing to send
     SentStep = 1U << 10U, ///< after a clear, only the step that was sent leaves the queue
     BoundedClose = 1U << 11U, ///< closing, stopping and clearing end the wait for room in the controller's buffer
-    NoExceptions = 1U << 12U, ///< no exception leaves any operation
+    NoExceptions = 1U << 12U, ///< no exception leaves any operation: UnreadableTime, OutOfMemory, SystemFailure
 };
 
 inline constexpr std::size_t RuleCount = 13;

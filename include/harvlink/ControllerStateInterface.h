@@ -133,7 +133,8 @@ public:
 
     /// Reads one operating time counter. A `type` that does not exist or does not fit `group` gives code 40961 and sends
     /// nothing; a group that the controller does not have gives its code 51200 or 40961 with an explaining text.
-    /// Throws std::invalid_argument or std::out_of_range if the controller's answer holds no readable time.
+    /// Throws std::invalid_argument or std::out_of_range if the controller's answer holds no readable time; with
+    /// Rule::NoExceptions, that gives UnreadableTime and `data` is cleared.
     virtual StatusInfo ReadOperatingTimes(ControlGroupId group, TimeType type, TimeData& data,
                                           ApplicationNumber application) = 0;
 

@@ -51,6 +51,11 @@ inline constexpr std::array<FileKind, 7> FileKinds{{
 /// time. File names end in an extension of the table above, in upper or lower case; to load and to save, any other
 /// gives InvalidFileExtension. All argument checks come before the first datagram. The controller's refusals come with
 /// its own code and text.
+///
+/// As designed, blocks that the controller sends count in any order, doubled and without end. With Rule::BlockOrder a
+/// repeated block is dropped; a block that is left out ends the transfer with FileBlockMissing, more than `largestFile`
+/// bytes with FileTooLarge, and a listing that the controller refuses without a block ends with its code; nothing more is
+/// sent then. Of a file that is loaded, an answer to another block than the one that was sent does not count.
 class FileInterface {
 public:
     FileInterface() = default;
@@ -73,7 +78,8 @@ public:
     virtual StatusInfo LoadToControllerFromPath(std::string const& path) = 0;
 
     /// Fetches a file and writes it to `path`. Without `overwrite` an existing path gives FileExistsNoOverwrite.
-    /// Nothing is written before the whole file has arrived; a failed write gives 0x40000000 + error value.
+    /// Nothing is written before the whole file has arrived; a failed write gives 0x40000000 + error value and may leave a
+    /// part of the file, or none of an old one.
     virtual StatusInfo SaveFromControllerToFile(std::string const& fileName, std::string const& path,
                                                 bool overwrite) = 0;
 

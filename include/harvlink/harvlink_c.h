@@ -594,8 +594,8 @@ HARVLINK_EXPORT IStatusInfo controller_state_interface_read_system_information(C
                                                                                ISystemInfoData* data);
 /** Reads an operating time: start in seconds since the epoch, and the time counted. `application` counts for
  * HARVLINK_APPLICATION_TIME only. 40961 for a type that does not exist or does not fit `group`, 51200 for a group
- * that the controller does not have. The one function with a valid argument that may end in a C++ exception: when
- * the answer holds no readable time. C can't catch it. */
+ * that the controller does not have. On a handle of open_connection, the one function with a valid argument that may end
+ * in a C++ exception: when the answer holds no readable time. C can't catch it; a strict connection gives 0x50008. */
 HARVLINK_EXPORT IStatusInfo controller_state_interface_read_operating_times(ControllerHandle handle,
                                                                             ControlGroupId group, TimeType type,
                                                                             TimeData* data,
