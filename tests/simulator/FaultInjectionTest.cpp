@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "VirtualClient.h"
 #include "simulator/scene/Scene.h"
+#include "support/VirtualClient.h"
 
 namespace harvlink::test {
 namespace {

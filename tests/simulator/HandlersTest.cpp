@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "VirtualClient.h"
 #include "io/IOAddressMap.h"
+#include "support/VirtualClient.h"
 
 namespace harvlink::test {
 namespace {

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -65,11 +64,6 @@ private:
     FILE* pipe_ = nullptr;
     pid_t process_ = -1;
 };
-
-std::string ContentOf(std::filesystem::path const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// Counts the records of a recording, which must end with a whole one.
 std::size_t CountRecords(std::string const& recording) {

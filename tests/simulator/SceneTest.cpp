@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VirtualClient.h"
+#include "support/VirtualClient.h"
 
 namespace harvlink::test {
 namespace {

@@ -10,43 +10,39 @@
 
 #include "controller/ControlGroupMessages.h"
 #include "motion/MotionMessages.h"
-#include "simulator/controller/VirtualController.h"
+#include "support/VirtualClient.h"
 
 namespace harvlink::test {
 
 /// A virtual controller with servo power that gets datagrams. The test advances its clock.
-class Cell {
+class Cell : public VirtualClient {
 public:
     explicit Cell(std::vector<simulator::ControlGroup> groups = {{ControlGroupId::R1, 6}})
-        : controller("127.0.0.1", Options(std::move(groups))) {
+        : VirtualClient({.groups = std::move(groups)}) {
         controller.With([](simulator::ControllerModel& model) { model.SetServo(true); });
     }
 
     template <typename Payload>
     std::uint16_t Send(CommandNumber command, Payload const& payload, std::uint16_t instance = 0,
                        std::uint8_t service = ServiceWriteAll) {
-        OutgoingPacket<Payload> packet;
-        packet.subHeader = {command, instance, FixedField::WholeRecord, service};
-        packet.header.payloadSize = sizeof(Payload);
-        packet.payload = payload;
-        controller.Handle(simulator::Port::Robot, 1, packet.Bytes().first(HeaderSize + sizeof(Payload)), reply_);
-        return static_cast<std::uint16_t>(reply_.Code());
+        Bytes bytes(sizeof(Payload));
+        std::memcpy(bytes.data(), &payload, sizeof(Payload));
+        answer_ = Ask(static_cast<unsigned>(command), instance, 0, service, bytes);
+        return static_cast<std::uint16_t>(answer_.code);
     }
 
     /// A read without payload.
     std::uint16_t Read(CommandNumber command, std::uint16_t instance) {
-        OutgoingPacket<NoPayload> packet;
-        packet.subHeader = {command, instance, FixedField::WholeRecord, ServiceReadAll};
-        controller.Handle(simulator::Port::Robot, 1, packet.Bytes().first(HeaderSize), reply_);
-        return static_cast<std::uint16_t>(reply_.Code());
+        answer_ = Ask(static_cast<unsigned>(command), instance, 0, ServiceReadAll);
+        return static_cast<std::uint16_t>(answer_.code);
     }
 
     template <typename Record>
     Record Answer() const {
         Record record{};
-        auto const bytes = reply_.Bytes().subspan(HeaderSize);
-        EXPECT_EQ(bytes.size(), sizeof(Record));
-        std::memcpy(static_cast<void*>(&record), bytes.data(), std::min(bytes.size(), sizeof(Record)));
+        EXPECT_EQ(answer_.payload.size(), sizeof(Record));
+        std::memcpy(static_cast<void*>(&record), answer_.payload.data(),
+                    std::min(answer_.payload.size(), sizeof(Record)));
         return record;
     }
 
@@ -87,17 +83,8 @@ public:
             std::chrono::duration_cast<simulator::Clock::Duration>(std::chrono::duration<double>(seconds)));
     }
 
-    simulator::VirtualController controller;
-
 private:
-    static simulator::ControllerOptions Options(std::vector<simulator::ControlGroup> groups) {
-        simulator::ControllerOptions options;
-        options.groups = std::move(groups);
-        options.timeScale = 0.0;
-        return options;
-    }
-
-    simulator::Reply reply_;
+    test::Answer answer_;
 };
 
 } // namespace harvlink::test

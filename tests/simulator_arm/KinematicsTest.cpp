@@ -120,16 +120,6 @@ TEST(Kinematics, NearestGoesOnThroughTheTurnsOfAnAxis) {
     EXPECT_NEAR(at[5], 330.0, 1e-6);
 }
 
-TEST(TaughtFrames, PoseInTheGimbalPositionIsUnique) {
-    for (double const ry : {90.0, -90.0}) {
-        Frame const frame = FrameOfPose({1, 2, 3, 20, ry, 50});
-        Pose const pose = PoseOfFrame(frame);
-        EXPECT_EQ(pose[5], 0.0);
-        EXPECT_NEAR(pose[4], ry, 1e-6);
-        EXPECT_LT(ToAxisAndAngle(frame.rotation.Inverse() * FrameOfPose(pose).rotation).degrees, 1e-6);
-    }
-}
-
 TEST(TaughtFrames, AxisAndAngleSurvivesHalfTurns) {
     std::mt19937_64 random(2);
     std::uniform_real_distribution<> unit(-1.0, 1.0);

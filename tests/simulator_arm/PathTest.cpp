@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "simulator/motion/CartesianPath.h"
-#include "simulator/motion/Pace.h"
 #include "simulator/motion/SpeedProfile.h"
 
 namespace harvlink::test {
@@ -45,34 +44,6 @@ TEST(SpeedProfile, KeepsSpeedAndAccelerationAndEndsExactly) {
         EXPECT_EQ(profile.Duration(), 0.0);
         EXPECT_EQ(profile.FractionAt(0.0), 1.0);
     }
-}
-
-TEST(Pace, HaltsWhereItSaidAndGoesOnWhateverTheStep) {
-    for (double const step : {0.0007, 0.01, 0.4}) {
-        Pace pace;
-        EXPECT_EQ(pace.Advance(0.5, 10.0), 0.0);
-        EXPECT_NEAR(pace.Time(), 0.5, 1e-12);
-        pace.Run(false);
-        double const halt = pace.TimeOfHalt();
-        for (double time = 0.0; time < Pace::RampSeconds + step; time += step) {
-            pace.Advance(step, 10.0);
-        }
-        EXPECT_TRUE(pace.IsHalted());
-        EXPECT_NEAR(pace.Time(), halt, 1e-12);
-        pace.Run(true);
-        pace.Advance(1.0, 10.0);
-        EXPECT_NEAR(pace.Time(), halt + 1.0 - 0.5 * Pace::RampSeconds, 1e-12);
-        double const left = 10.0 - pace.Time();
-        EXPECT_NEAR(pace.Advance(100.0, 10.0), 100.0 - left, 1e-9);
-        EXPECT_EQ(pace.Time(), 10.0);
-    }
-}
-
-TEST(Pace, EndsInTheMiddleOfARamp) {
-    Pace pace;
-    pace.Run(false);
-    EXPECT_GT(pace.Advance(1.0, 0.01), 0.98);
-    EXPECT_EQ(pace.Time(), 0.01);
 }
 
 double TurnBetween(Frame const& a, Frame const& b) {

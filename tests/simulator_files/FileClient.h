@@ -1,14 +1,11 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
-#include <cstring>
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
 
-#include "simulator/controller/VirtualController.h"
+#include "support/VirtualClient.h"
 
 namespace harvlink::test {
 
@@ -24,7 +21,7 @@ struct FileAnswer {
     std::uint16_t code = 0;
     std::uint32_t block = 0;
     std::string payload;
-    bool isSilent = false;
+    bool isSilent = false; ///< the controller does not answer
 };
 
 /// A client of a controller's file port, without a network.
@@ -34,20 +31,14 @@ struct FileClient {
 
     FileAnswer Send(FileServices service, std::string_view payload, std::uint8_t ack = 0,
                     std::uint32_t block = 0) const {
-        OutgoingPacket<std::array<char, 600>> packet;
-        packet.header.division = Division::FileControl;
-        packet.header.ack = ack;
-        packet.header.blockNumber = block;
-        packet.header.payloadSize = static_cast<std::uint16_t>(payload.size());
-        packet.subHeader = SubHeaderForSending(service);
-        std::ranges::copy(payload, packet.payload.begin());
-        simulator::Reply reply;
-        controller.Handle(simulator::Port::File, peer, packet.Bytes().first(HeaderSize + payload.size()), reply);
-        FileAnswer answer{static_cast<std::uint16_t>(reply.Code()), 0, {}, reply.IsSuppressed()};
-        auto const bytes = reply.Bytes();
-        std::memcpy(&answer.block, bytes.data() + offsetof(CommonHeader, blockNumber), sizeof(answer.block));
-        answer.payload.assign(reinterpret_cast<char const*>(bytes.data()) + HeaderSize, bytes.size() - HeaderSize);
-        return answer;
+        auto const request = FileRequest(static_cast<unsigned>(service), Text(payload), ack, block);
+        auto const answer = HandOver(controller, simulator::Port::File, peer, request);
+        if (!answer) {
+            return {0, 0, {}, true};
+        }
+        auto const byte = [&](std::size_t i) { return std::uint32_t{(*answer)[i]}; };
+        return {static_cast<std::uint16_t>(CodeOf(*answer)), byte(12) | byte(13) << 8 | byte(14) << 16 | byte(15) << 24,
+                std::string(answer->begin() + 32, answer->end())};
     }
 
     /// Returns a whole list or file, or the code of a refusal as "#code".
@@ -85,13 +76,6 @@ struct FileClient {
 
     int Delete(std::string_view name) const { return Send(FileServices::DeleteFile, name).code; }
 };
-
-/// A controller whose clock does not run.
-inline simulator::ControllerOptions StillOptions() {
-    simulator::ControllerOptions options;
-    options.timeScale = 0.0;
-    return options;
-}
 
 /// The text of a job with these lines after NOP.
 inline std::string JobText(std::string const& name, std::string_view lines) {

@@ -2,7 +2,6 @@
 
 #include "simulator/jobs/JobParser.h"
 #include "simulator_files/FileClient.h"
-#include "support/WireBytes.h"
 
 namespace harvlink::test {
 namespace {
@@ -107,7 +106,8 @@ protected:
         EXPECT_EQ(After(1000), "RUN 0 0 stands") << lines;
     }
 
-    VirtualController controller{"", StillOptions()};
+    VirtualClient client;
+    VirtualController& controller = client.controller;
     ControllerParts& parts = controller.WithParts([](ControllerParts& inner) -> ControllerParts& { return inner; });
     ControllerModel& model = parts.model;
 };
@@ -269,14 +269,6 @@ TEST_F(JobEngineTest, KeepsUpWithAnyClock) {
 }
 
 TEST_F(JobEngineTest, AnswersTheJobCommands) {
-    // Sends a request to the robot port and returns the code and the payload.
-    auto const ask = [&](unsigned command, unsigned instance, unsigned service, Bytes const& payload) {
-        auto const request = RobotRequest(command, instance, 0, service, payload);
-        simulator::Reply reply;
-        controller.Handle(simulator::Port::Robot, 1, std::as_bytes(std::span(request)), reply);
-        auto const* const first = reinterpret_cast<std::uint8_t const*>(reply.Bytes().data());
-        return std::pair(static_cast<int>(reply.Code()), Bytes(first + HeaderSize, first + reply.Bytes().size()));
-    };
     for (auto const& [name, line, code] :
          std::initializer_list<std::tuple<std::string, unsigned, int>>{{"NONE", 0, 16448},
                                                                        {"../X", 0, 16448},
@@ -284,16 +276,17 @@ TEST_F(JobEngineTest, AnswersTheJobCommands) {
                                                                        {std::string(32, 'A'), 0, 16448},
                                                                        {"COUNT", 6, 20992},
                                                                        {"OUTER", 1, 0}}) {
-        EXPECT_EQ(ask(135, 1, 2, Text(name, 32) + U32(line)).first, code) << name;
+        EXPECT_EQ(client.Ask(135, 1, 0, 2, Text(name, 32) + U32(line)).code, code) << name;
     }
     EXPECT_EQ(Start(), Refusal::None);
     controller.Advance(milliseconds(80));
     for (auto const& [instance, code] : {std::pair{0U, 40961}, {9U, 40961}, {8U, 0}}) {
-        EXPECT_EQ(ask(115, instance, 1, {}).first, code) << instance;
+        EXPECT_EQ(client.Ask(115, instance, 0, 1).code, code) << instance;
     }
-    EXPECT_EQ(ask(115, 1, 1, {}), (std::pair{0, Text("COUNT", 32) + Words({3, 2, 10000})}));
-    EXPECT_EQ(ask(981, 0, 1, U32(8)).first, 65535);
-    EXPECT_EQ(ask(981, 0, 1, U32(0)), (std::pair{0, U32(2) + Text("OUTER", 33) + Text("COUNT", 33) + Bytes(330)}));
+    EXPECT_EQ(client.Ask(115, 1, 0, 1), (Answer{0, Text("COUNT", 32) + Words({3, 2, 10000})}));
+    EXPECT_EQ(client.Ask(981, 0, 0, 1, U32(8)).code, 65535);
+    EXPECT_EQ(client.Ask(981, 0, 0, 1, U32(0)),
+              (Answer{0, U32(2) + Text("OUTER", 33) + Text("COUNT", 33) + Bytes(330)}));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -26,21 +25,37 @@ inline Answer Refused(int code) {
     return {code, {}};
 }
 
+/// Options of a controller whose clock does not run.
+inline simulator::ControllerOptions StillOptions(simulator::ControllerOptions options = {}) {
+    options.timeScale = 0.0;
+    return options;
+}
+
+/// Hands a datagram to a controller without a network, and returns the one that it answers, if any.
+inline std::optional<Bytes> HandOver(simulator::VirtualController& controller, simulator::Port port, std::uint64_t peer,
+                                     Bytes const& datagram) {
+    simulator::Reply reply;
+    auto const bytes = std::as_bytes(std::span(datagram));
+    if (controller.Handle(port, peer, bytes, reply) == nullptr || reply.IsSuppressed()) {
+        return std::nullopt;
+    }
+    auto const* const first = reinterpret_cast<std::uint8_t const*>(reply.Bytes().data());
+    return Bytes(first, first + reply.Bytes().size());
+}
+
+inline int CodeOf(Bytes const& answer) {
+    return answer.at(28) + 256 * answer.at(29);
+}
+
 /// Sends datagrams to a controller without a network, and checks everything that all answers have in common.
 class VirtualClient {
 public:
-    explicit VirtualClient(simulator::ControllerOptions options = {}) : controller("127.0.0.1", Still(options)) {}
+    explicit VirtualClient(simulator::ControllerOptions options = {})
+        : controller("127.0.0.1", StillOptions(std::move(options))) {}
 
     /// Returns nothing if the controller ignored the datagram.
     std::optional<Bytes> Send(Bytes const& datagram, simulator::Port port = simulator::Port::Robot) {
-        auto const bytes = std::as_bytes(std::span(datagram));
-        if (controller.Handle(port, 1, bytes, reply_) == nullptr || reply_.IsSuppressed()) {
-            return std::nullopt;
-        }
-        Bytes answer(reply_.Bytes().size());
-        std::transform(reply_.Bytes().begin(), reply_.Bytes().end(), answer.begin(),
-                       [](std::byte value) { return std::to_integer<std::uint8_t>(value); });
-        return answer;
+        return HandOver(controller, port, 1, datagram);
     }
 
     Answer Ask(unsigned command, unsigned instance, unsigned attribute, unsigned service, Bytes const& payload = {}) {
@@ -50,18 +65,12 @@ public:
         EXPECT_EQ(answer[idOffset], request[idOffset]);
         EXPECT_EQ(answer[6] + 256 * answer[7], static_cast<int>(answer.size()) - 32);
         EXPECT_EQ(answer[25] == 0, answer[26] == 0);
-        return {answer[28] + 256 * answer[29], Bytes(answer.begin() + 32, answer.end())};
+        return {CodeOf(answer), Bytes(answer.begin() + 32, answer.end())};
     }
 
     simulator::VirtualController controller;
 
 private:
-    static simulator::ControllerOptions Still(simulator::ControllerOptions options) {
-        options.timeScale = 0.0;
-        return options;
-    }
-
-    simulator::Reply reply_;
     std::uint8_t id_ = 0;
 };
 
