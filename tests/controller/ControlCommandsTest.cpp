@@ -1,5 +1,3 @@
-#include <future>
-
 #include "controller/ControlCommandsImplementation.h"
 #include "support/ScriptedController.h"
 #include "wire/FakeTransport.h"
@@ -67,15 +65,6 @@ TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
                   answers ? (std::vector<long>{120000, 30000}) : (std::vector<long>{120000, 30000, 30000}));
     }
     session.record->onReceive = FakeTransport::AnswerAtOnce;
-    std::vector<std::future<void>> callers;
-    for (int i = 0; i < 4; ++i) {
-        callers.push_back(std::async(std::launch::async, [&] {
-            for (int times = 0; times < 50; ++times) {
-                commands.SetServos(SignalStatus::Off);
-            }
-        }));
-    }
-    callers.clear(); // joins them
     session.record->periods.clear();
     session.Exchange();
     EXPECT_EQ(session.record->periods.at(0).tv_usec, 30000);

@@ -1,6 +1,5 @@
 #include <bit>
 #include <cmath>
-#include <functional>
 
 #include "motion/MotionSession.h"
 
@@ -96,46 +95,17 @@ TEST(MotionManager, OperationsAndTheirCodes) {
     MotionSession session({1, 17});
     MotionManager& manager = *session.manager;
     StatusInfo status;
-    double progress = 0.0;
-    struct {
-        Bytes request;
-        std::function<StatusInfo()> call;
-    } const operations[] = {
-        {startRequest, [&] { return manager.MotionStart(); }},
-        {stopRequest, [&] { return manager.MotionStop(false); }},
-        {ClearRequest(), [&] { return manager.ClearAllTrajectory(); }},
-        {ClearRequest(2),
-         [&] {
-             return manager.ClearTrajectory(GroupThree, status) == (status.StatusCode == 0) ? status
-                                                                                            : StatusInfo{-1, ""};
-         }},
-        {ProgressRequest(1),
-         [&] { return progress = manager.GetMotionTargetProgress(ControlGroupId::S1, status), status; }},
-    };
-    struct {
-        std::uint16_t added;
-        int code;
-        char const* message;
-    } const refusals[] = {
-        {65445, -49934555, "Tool is unspecified when requested coordinate system is tool"},
-        {65520, -49934480, "Timeout"}, // only a target is repeated until there is room
-        {65505, 65505, "Could not find an error description with that code."},
-    };
-    for (auto const& operation : operations) {
-        SCOPED_TRACE(testing::Message() << "operation " << &operation - operations);
-        for (auto const& refusal : refusals) {
-            Reply reply = Refusal(refusal.added);
-            reply.payload = Bytes(8, 0x40);
-            session.controller.Expect(operation.request, reply);
-            status = operation.call();
-            EXPECT_EQ(status.StatusCode, refusal.code);
-            EXPECT_EQ(status.Message, refusal.message);
-            EXPECT_EQ(progress, 0.0);
-        }
-        session.controller.Expect(operation.request, Payload(Little(std::bit_cast<std::int64_t>(-0.625), 8)));
-        EXPECT_EQ(operation.call().StatusCode, 0);
+    for (auto const& [added, code] : {std::pair{65445, -49934555}, {65520, -49934480}, {65505, 65505}}) {
+        session.controller.Expect(ClearRequest(2), Refusal(static_cast<std::uint16_t>(added))); // 65520 is not repeated
+        EXPECT_FALSE(manager.ClearTrajectory(GroupThree, status));
+        EXPECT_EQ(status.StatusCode, code);
     }
-    EXPECT_EQ(progress, -0.625);
+    session.controller.Expect(ClearRequest(2));
+    EXPECT_TRUE(manager.ClearTrajectory(GroupThree, status));
+    session.controller.Expect(startRequest);
+    EXPECT_EQ(manager.MotionStart().StatusCode, 0);
+    session.controller.Expect(ProgressRequest(1), Payload(Little(std::bit_cast<std::int64_t>(-0.625), 8)));
+    EXPECT_EQ(manager.GetMotionTargetProgress(ControlGroupId::S1, status), -0.625);
     EXPECT_EQ(manager.GetMotionTargetProgress(ControlGroupId::R2, status), 0.0);
     EXPECT_EQ(status.StatusCode, 65504);
     EXPECT_EQ(status.Message, "Group does not exist.");

@@ -3,7 +3,6 @@
 #include <thread>
 
 #include "motion/RunningSession.h"
-#include "motion/VirtualTransport.h"
 #include "support/ScratchFolder.h"
 
 namespace harvlink::test {
@@ -143,75 +142,6 @@ TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
         std::ranges::transform(sent.begin() + failed + 3, sent.end(), std::back_inserter(again), CommandOf);
         EXPECT_EQ(again, std::vector<unsigned>(commands.begin() + failed, commands.end()));
     }
-}
-
-using Exchanges = VirtualTransport::Exchanges;
-
-/// Silence in an exchange with id 0 counts as an answer.
-bool Fails(VirtualTransport::Exchange const& exchange) {
-    return exchange.isLost && exchange.id != 0;
-}
-
-/// Whether a target counts as accepted.
-bool IsTaken(VirtualTransport::Exchange const& exchange) {
-    return exchange.command == target && !Fails(exchange) && (!exchange.isFull || exchange.isLost);
-}
-
-/// Checks the datagrams of a queue of points from `next` on: either all points in order, or all up to the first failure,
-/// followed only by alarm and clear. Returns the next point.
-int FollowRun(Exchanges const& run, int next) {
-    for (std::size_t i = 0; i < run.size(); ++i) {
-        EXPECT_TRUE(run[i].command != target || run[i].firstAxis == next) << run[i].firstAxis << " instead of " << next;
-        next += IsTaken(run[i]) ? 1 : 0;
-        if (Fails(run[i])) {
-            EXPECT_EQ(run.size(), i + 3);
-            EXPECT_EQ(run[run.size() - 2].command, alarm);
-            EXPECT_EQ(run.back().command, clear);
-            return next;
-        }
-        EXPECT_NE(run[i].command, alarm);
-    }
-    return next;
-}
-
-TEST(TrajectoryMonitor, EveryLostReplyIsAFailure) {
-    constexpr int points = 1000;
-    ScratchFolder const folder;
-    simulator::ControllerOptions options;
-    options.timeScale = 0.0;
-    simulator::VirtualController controller("", options);
-    auto owned = std::make_unique<VirtualTransport>(controller);
-    auto& transport = *owned;
-    StatusInfo status;
-    NetworkManager network(std::move(owned), 1, 0, status);
-    network.SetLogging(false);
-    MotionManager manager(&network);
-    controller.WithFaults([](simulator::FaultInjector& faults) {
-        simulator::FaultPlan plan;
-        EXPECT_EQ(plan.Parse("seed=9,drop=5%"), "");
-        faults.SetPlan(plan);
-    });
-    auto const isOver = [](Exchanges const& run) {
-        return !run.empty() &&
-               (run.back().command == clear || (IsTaken(run.back()) && run.back().firstAxis == points - 1));
-    };
-    int failures = 0;
-    for (int next = 0; next < points && !HasFailure(); ++failures) {
-        controller.With([&](simulator::ControllerModel& model) {
-            EXPECT_EQ(failures == 0, !model.alarms.IsActive());
-            model.ResetAlarms();
-            model.SetServo(true);
-        });
-        while (manager.MotionStart().StatusCode != 0) {
-        }
-        transport.Hold();
-        for (int i = next; i < points; ++i) {
-            ASSERT_EQ(manager.AddPointToTrajectory(Point(i), {}, {}, {}).StatusCode, 0);
-        }
-        next = FollowRun(transport.Release(isOver), next);
-    }
-    EXPECT_GT(failures, points / 40);
-    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "HarvlinkLog.txt"));
 }
 
 TEST(TrajectoryMonitor, ManyThreadsAtOnce) {

@@ -78,35 +78,5 @@ TEST(StatusText, CodesWithoutRowAreKeptAndHaveNoWords) {
     }
 }
 
-TEST(StatusText, LocalCodesHaveTheirNumbers) {
-    using enum ErrorStatusCodes;
-    struct {
-        ErrorStatusCodes code;
-        int number;
-    } const codes[] = {
-        {Ok, 0},
-        {OperationInterrupted, 0xffef},
-        {GeneralError, 65535},
-        {SocketOpenError, 65539},
-        {InvalidBitValue, 65540},
-        {ControllerObjectCreationFailed, 65543},
-        {FileNotFoundOnPc, 0x20003},
-        {FileTypeNotWritable, 0x20008},
-        {InvalidIOGroup, 0x20009},
-        {KinematicTypeMissing, 0x20010},
-        {ActiveToolOnly, 0x20016},
-        {JointSpeedOutOfRange, 0x30001},
-        {UnsupportedOnThisController, 196613},
-        {ResponseTimeout, 196614},
-        {AccelerationOutOfRange, 0x30009},
-        {DecelerationOutOfRange, 0x30010},
-        {VersionMismatch, 0x30013},
-        {InvalidAlarmCategory, 0x30017},
-    };
-    for (auto const& [code, number] : codes) {
-        EXPECT_TRUE(StatusInformation(number) == code) << number;
-    }
-}
-
 } // namespace
 } // namespace harvlink::test
