@@ -1,15 +1,18 @@
 #include "behaviour/MemoryController.h"
 
+#include <utility>
+
 #include <gtest/gtest.h>
 
 namespace harvlink::test {
 namespace {
 
 constexpr std::uint32_t lastBlock = 0x80000001;
+constexpr std::size_t ackOffset = 10;
 
-Bytes ReplyOf(Step const& step, bool isFile, std::uint8_t id) {
+Bytes ReplyOf(Step const& step, bool isFile, std::uint8_t id, std::uint8_t service) {
     return Text("TROZ") + U16(32) + U16(static_cast<std::int64_t>(step.payload.size())) + U8(3) + U8(isFile ? 2 : 1) +
-           U8(1) + U8(id) + U32(step.block) + Text("99999999") + U8(0x81) + Bytes(7) + step.payload;
+           U8(1) + U8(id) + U32(step.block) + Text("99999999") + U8(service | 0x80) + Bytes(7) + step.payload;
 }
 
 void AppendFile(Script& script, std::string_view content) {
@@ -56,6 +59,8 @@ std::unique_ptr<DatagramTransport> MemoryController::MakeTransport() {
 void MemoryController::Play(Script steps, std::size_t step, ReplyFault replyFault, bool affectsAllFollowing) {
     script = std::move(steps);
     exchanges = 0;
+    repeats = 0;
+    sent.clear();
     faultyStep = step;
     fault = std::move(replyFault);
     affectsAll = affectsAllFollowing;
@@ -64,20 +69,26 @@ void MemoryController::Play(Script steps, std::size_t step, ReplyFault replyFaul
 void MemoryController::Serve(Division division, std::span<std::byte const> request) {
     auto const byte = [&](std::size_t i) { return std::to_integer<std::uint8_t>(request[i]); };
     bool const isFile = division == Division::FileControl;
-    unsigned const command = isFile ? byte(29) : byte(24) + 256U * byte(25);
+    std::uint8_t const service = byte(29);
+    unsigned const command = isFile ? service : byte(24) + 256U * byte(25);
     std::uint8_t const id = byte(idOffset);
-    ++served;
+    auto const* const bytes = reinterpret_cast<std::uint8_t const*>(request.data());
+    Bytes const datagram(bytes, bytes + request.size());
+    // Of two equal acknowledgements each is an exchange of its own.
+    bool const isRepeat = datagram == std::exchange(lastRequest, datagram) && byte(ackOffset) == 0;
+    ++(isRepeat ? repeats : served);
     if (!rest) {
-        PlayStep(command, isFile, id);
+        sent.insert(sent.end(), lastRequest.begin(), lastRequest.end());
+        exchanges += isRepeat ? 0 : 1;
+        PlayStep(exchanges - 1, command, [&](Step const& step) { return ReplyOf(step, isFile, id, service); });
     } else if (auto const code = rest(command)) {
-        Bytes reply = ReplyOf({command}, isFile, id);
+        Bytes reply = ReplyOf({command}, isFile, id, service);
         SetStatus(reply, *code == 0 ? 0 : 0x1f, 2, *code);
         pending.push_back(std::move(reply));
     }
 }
 
-void MemoryController::PlayStep(unsigned command, bool isFile, std::uint8_t id) {
-    std::size_t const step = exchanges++;
+void MemoryController::PlayStep(std::size_t step, unsigned command, std::function<Bytes(Step const&)> const& replyOf) {
     if (step >= script.size()) {
         EXPECT_TRUE(fault) << "unexpected command " << command;
         return;
@@ -88,7 +99,7 @@ void MemoryController::PlayStep(unsigned command, bool isFile, std::uint8_t id) 
     if (!script[step].isAnswered) {
         return;
     }
-    Bytes const good = ReplyOf(script[step], isFile, id);
+    Bytes const good = replyOf(script[step]);
     bool const isFaulty = fault && (step == faultyStep || (affectsAll && step > faultyStep));
     for (Bytes const& datagram : isFaulty ? fault(good) : Datagrams{good}) {
         pending.push_back(datagram);

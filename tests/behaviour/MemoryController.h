@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -39,6 +40,12 @@ public:
 
     std::size_t Exchanges() const { return exchanges; }
 
+    /// Requests of the script that came again as they were. Each gets what the first got.
+    std::size_t Repeats() const { return repeats; }
+
+    /// The requests of the script, one after the other.
+    Bytes const& Sent() const { return sent; }
+
     /// Whether a datagram is still unread.
     bool HasPending() const { return !pending.empty(); }
     long Period() const { return period; }
@@ -51,10 +58,13 @@ private:
     class Transport;
 
     void Serve(Division division, std::span<std::byte const> request);
-    void PlayStep(unsigned command, bool isFile, std::uint8_t id);
+    void PlayStep(std::size_t step, unsigned command, std::function<Bytes(Step const&)> const& replyOf);
 
     Script script;
     std::size_t exchanges = 0;
+    std::size_t repeats = 0;
+    Bytes sent;
+    Bytes lastRequest;
     std::size_t faultyStep = 0;
     ReplyFault fault;
     bool affectsAll = false;
@@ -73,6 +83,11 @@ struct Robot {
     static constexpr unsigned retries = 2;
 
     explicit Robot(bool isOlder = false, ConnectionPolicy const& policy = {});
+
+    std::uint64_t CountOf(Rule rule) const {
+        auto const counts = controller->GetConnectionStatistics().ruleCounts;
+        return counts.at(static_cast<std::size_t>(std::ranges::find(RuleNames, RuleName(rule)) - RuleNames.begin()));
+    }
 
     MemoryController machine; ///< outlives the controller, whose destructor may still send
     StatusInfo status;

@@ -21,6 +21,7 @@ struct Outcome {
     std::string cutImage; ///< the same, as the plain interface returns it
     bool threw = false;
     std::size_t exchanges = 0;
+    std::size_t repeats = 0; ///< not compared: of two that end alike, one may have asked more often
 
     bool operator==(Outcome const& other) const {
         return status.StatusCode == other.status.StatusCode && status.Message == other.status.Message &&
@@ -101,6 +102,7 @@ Outcome Look(Robot& robot, auto const& call, auto const& poison, auto const& ima
     }
     std::tie(outcome.image, outcome.cutImage) = image(output.value);
     outcome.exchanges = robot.machine.Exchanges();
+    outcome.repeats = robot.machine.Repeats();
     output.Check();
     return outcome;
 }
