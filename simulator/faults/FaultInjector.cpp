@@ -1,6 +1,7 @@
 #include "simulator/faults/FaultInjector.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -11,6 +12,7 @@ namespace {
 constexpr Refusal BufferIsFull{65520};
 constexpr std::size_t IdOffset = offsetof(CommonHeader, requestId);
 constexpr std::uint8_t IdMask = 0x7F;
+constexpr std::size_t MostMisnumbered = 3;
 
 std::size_t PortIndex(Port port) {
     return port == Port::Robot ? 0 : 1;
@@ -102,6 +104,7 @@ void FaultInjector::ApplyToReply(Request const& request, Reply const& reply, Clo
     delivery.bytes.assign(reply.Bytes().begin(), reply.Bytes().end());
     CorruptBytes(delivery.bytes, request.port);
     ChangeRoute(request, delivery);
+    Misnumber(delivery.bytes, request.port);
     if (isDropped) {
         return;
     }
@@ -139,6 +142,23 @@ void FaultInjector::CorruptBytes(std::vector<std::byte>& bytes, Port port) {
         std::generate_n(std::back_inserter(bytes), Random(1, 64),
                         [this] { return static_cast<std::byte>(Random(0, 255)); });
     }
+}
+
+void FaultInjector::Misnumber(std::vector<std::byte>& bytes, Port port) {
+    CommonHeader header;
+    bool const isHit = Happens(Fault::Misnumber, port);
+    if (!isHit || bytes.size() < sizeof(header)) {
+        return;
+    }
+    std::memcpy(&header, bytes.data(), sizeof(header));
+    auto const number = header.blockNumber & ~LastBlockFlag;
+    if (number == 0) {
+        return; // not a block
+    }
+    auto const shift = static_cast<std::uint32_t>(Random(1, MostMisnumbered));
+    bool const isLower = number > shift && Random(0, 1) == 0;
+    header.blockNumber = (header.blockNumber & LastBlockFlag) | (isLower ? number - shift : number + shift);
+    std::memcpy(bytes.data(), &header, sizeof(header));
 }
 
 void FaultInjector::ChangeRoute(Request const& request, Delivery& delivery) {

@@ -60,6 +60,7 @@ private:
     void UpdateActive();
     std::size_t Random(std::size_t lowest, std::size_t highest);
     void CorruptBytes(std::vector<std::byte>& bytes, Port port);
+    void Misnumber(std::vector<std::byte>& bytes, Port port);
     void ChangeRoute(Request const& request, Delivery& delivery);
     void ReleaseOvertaken(std::uint64_t peer, Clock::Duration now);
 

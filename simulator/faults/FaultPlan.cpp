@@ -28,6 +28,7 @@ constexpr std::array<FaultName, FaultKinds> Faults{{
     {"stale-id", "the answer has the id of the request before"},
     {"other-port", "the answer comes from the other port"},
     {"other-source", "the answer comes from a third port"},
+    {"misnumber", "the block of a file has a wrong number"},
     {"silence", "no request is answered for silence-ms"},
     {"refuse", "refuse-count requests are refused with refuse-code"},
     {"buffer-full", "targets are refused for buffer-full-ms"},

@@ -14,7 +14,7 @@
 
 namespace harvlink::simulator {
 
-/// The kinds of fault. The first eleven change the reply of a request that was carried out; with the others the request
+/// The kinds of fault. The first twelve change the reply of a request that was carried out; with the others the request
 /// is not carried out.
 enum class Fault : std::uint8_t {
     Drop,
@@ -28,13 +28,14 @@ enum class Fault : std::uint8_t {
     StaleId, ///< the id of the request before
     OtherPort, ///< from the controller's other port; with a single client, to the socket that it uses there
     OtherSource, ///< from a third port of the controller
+    Misnumber, ///< the block of a file has a number that is one to three higher or lower; other replies stay
     Silence, ///< no request is answered for FaultPlan::silence
     Refuse, ///< this and the following requests, FaultPlan::refuseCount in all
     BufferFull, ///< targets are refused with the code of a full buffer, for FaultPlan::bufferFull
     Restart, ///< servo power is lost and open file transfers are forgotten; the request is not answered
 };
 
-inline constexpr std::size_t FaultKinds = 15;
+inline constexpr std::size_t FaultKinds = 16;
 
 /// The name that FaultPlan::Set takes.
 std::string_view NameOf(Fault fault);

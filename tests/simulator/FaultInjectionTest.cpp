@@ -58,6 +58,25 @@ TEST(FaultInjection, SpoilsOneReplyToOrder) {
     }
 }
 
+TEST(FaultInjection, MisnumbersOnlyBlocks) {
+    VirtualClient client;
+    Arm(client, Fault::Misnumber, 2);
+    auto const sent = [&](Bytes const& request, Port port) {
+        EXPECT_EQ(client.Send(request, port), std::nullopt);
+        auto const bytes = client.controller.TakeDeliveries().at(0).bytes;
+        CommonHeader header;
+        std::memcpy(&header, bytes.data(), sizeof(header));
+        return header.blockNumber;
+    };
+    EXPECT_EQ(sent(RobotRequest(122, 5, 1, 14), Port::Robot), 0U);
+    auto const list = FileRequest(50, Text("*.JBI"));
+    auto const misnumbered = sent(list, Port::File);
+    auto const right = sent(list, Port::File);
+    EXPECT_NE(misnumbered, right);
+    EXPECT_EQ(misnumbered & LastBlockFlag, right & LastBlockFlag);
+    EXPECT_LE(misnumbered & ~LastBlockFlag, 4U);
+}
+
 TEST(FaultInjection, KeepsItsTimes) {
     VirtualClient client;
     Arm(client, Fault::Delay);
