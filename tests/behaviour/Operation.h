@@ -139,9 +139,9 @@ struct PlainOutput {
 
 /// Adds an operation whose output is a `Record` for the method and a `Plain` for the plain function. `afterFailure` returns
 /// the content of the output after a failure of that exchange; the default is a cleared record.
-template <typename Record, typename Plain>
+template <typename Record = NoOutput, typename Plain = NoOutput>
 void Add(
-    Table& table, std::string const& name, Script const& script, auto onClass, auto onPlain, Traits const& traits = {},
+    Table& table, Script const& script, std::string const& name, auto onClass, auto onPlain, Traits const& traits = {},
     std::function<Record(std::size_t)> afterFailure = [](std::size_t) { return Record{}; }) {
     constexpr bool hasOutput = !std::is_same_v<Record, NoOutput>;
     Record const onOlder = traits.isUntouchedOnOlder ? Poisoned<Record>() : Record{};
@@ -172,6 +172,8 @@ void Add(
 /// The two calls of a row: the method of controller `c` with output `out`, and the plain function with handle `h`.
 #define ON_CLASS(...) [](QuorvanController& c, [[maybe_unused]] auto& out) -> StatusInfo { return __VA_ARGS__; }
 #define ON_PLAIN(...) [](ControllerHandle h, [[maybe_unused]] auto* out) -> IStatusInfo { return __VA_ARGS__; }
+/// The name of the row, and both calls: `onClass`, and the plain function with its arguments behind the handle.
+#define BOTH(onClass, plain, ...) #plain, ON_CLASS(onClass), ON_PLAIN(plain(h __VA_OPT__(, ) __VA_ARGS__))
 
 /// Bytes that differ from each other and from zero.
 Bytes Pattern(std::size_t size);

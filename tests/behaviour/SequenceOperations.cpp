@@ -33,14 +33,14 @@ void AddFiles(Table& table) {
         TwoBlocks(0x32, std::string(blockSize - 2, ' ') + "A.", "JBI\r\n" + std::string(blockSize - 5, ' '));
     // A list ignores the status of its first exchange and keeps the block.
     Traits const firstIsDropped{.ignored = {0}};
-    Add<NoOutput, NoOutput>(table, "file_interface_LoadToControllerFromString", load,
-                            ON_CLASS(c.Files->LoadToControllerFromString("A.DAT", content)),
-                            ON_PLAIN(file_interface_LoadToControllerFromString(h, "A.DAT", content.c_str())));
-    Add<NoOutput, NoOutput>(table, "file_interface_LoadToControllerFromPath", load,
-                            ON_CLASS((Put("A.DAT", content), c.Files->LoadToControllerFromPath("A.DAT"))),
-                            ON_PLAIN((Put("A.DAT", content), file_interface_LoadToControllerFromPath(h, "A.DAT"))));
+    Add(table, load,
+        BOTH(c.Files->LoadToControllerFromString("A.DAT", content), file_interface_LoadToControllerFromString, "A.DAT",
+             content.c_str()));
+    Add(table, load, "file_interface_LoadToControllerFromPath",
+        ON_CLASS((Put("A.DAT", content), c.Files->LoadToControllerFromPath("A.DAT"))),
+        ON_PLAIN((Put("A.DAT", content), file_interface_LoadToControllerFromPath(h, "A.DAT"))));
     Add<std::string, std::string>(
-        table, "file_interface_SaveFromControllerToString", save,
+        table, save, "file_interface_SaveFromControllerToString",
         ON_CLASS(c.Files->SaveFromControllerToString("A.DAT", out)),
         [](ControllerHandle h, std::string* out) {
             IStatusInfo status;
@@ -50,7 +50,7 @@ void AddFiles(Table& table) {
         {}, [](std::size_t failed) { return failed == 0 ? "" : firstBlock; });
     // The output is the file, which does not change.
     Add<std::string, std::string>(
-        table, "file_interface_SaveFromControllerToFile", save,
+        table, save, "file_interface_SaveFromControllerToFile",
         [](QuorvanController& c, std::string& out) {
             Put("B.DAT", out);
             StatusInfo status = c.Files->SaveFromControllerToFile("A.DAT", "B.DAT", true);
@@ -64,12 +64,11 @@ void AddFiles(Table& table) {
             return status;
         },
         {}, [](std::size_t) { return Poisoned<std::string>(); });
-    Add<NoOutput, NoOutput>(table, "file_interface_DeleteJobFile", {{0x09}}, ON_CLASS(c.Files->DeleteJobFile("A")),
-                            ON_PLAIN(file_interface_DeleteJobFile(h, "A")));
-    Add<int, int>(table, "file_interface_GetFileCount", list, ON_CLASS(c.Files->GetFileCount(FileType::JobFile, out)),
-                  ON_PLAIN(file_interface_GetFileCount(h, 0, out)), firstIsDropped);
+    Add(table, {{0x09}}, BOTH(c.Files->DeleteJobFile("A"), file_interface_DeleteJobFile, "A"));
+    Add<int, int>(table, list, BOTH(c.Files->GetFileCount(FileType::JobFile, out), file_interface_GetFileCount, 0, out),
+                  firstIsDropped);
     Add<std::vector<std::string>, std::vector<std::string>>(
-        table, "file_interface_ListFiles", list, ON_CLASS(c.Files->ListFiles(FileType::JobFile, out, true)),
+        table, list, "file_interface_ListFiles", ON_CLASS(c.Files->ListFiles(FileType::JobFile, out, true)),
         [](ControllerHandle h, std::vector<std::string>* out) {
             IStatusInfo status;
             char* const joined = file_interface_ListFiles(h, 0, &status, true);
@@ -92,8 +91,8 @@ Motion Point() {
 void AddPoints(Table& table) {
     Traits const queued{.statusOnOlder = unsupportedSequence, .successMessage = "Point added to trajectory."};
     auto const add = [&](char const* name, auto onClass, auto onPlain) {
-        Add<NoOutput, NoOutput>(
-            table, name, {}, [=](QuorvanController& c, NoOutput&) { return onClass(*c.MotionManager, Point()); },
+        Add(
+            table, {}, name, [=](QuorvanController& c, NoOutput&) { return onClass(*c.MotionManager, Point()); },
             [=](ControllerHandle h, NoOutput*) {
                 auto const point = std::bit_cast<::Motion>(Point());
                 return onPlain(h, &point);
@@ -119,7 +118,7 @@ void AddMotion(Table& table) {
     std::map<int, int> const codes{{65535, 65535 - motionOffset}, {65534, 65534 - motionOffset}};
     Traits const plain{.codes = codes, .statusOnOlder = unsupportedSequence};
     Add<double, double>(
-        table, "motion_manager_GetMotionTargetProgress", {{844, Bytes(6) + U16(0x3ff8)}}, // 1.5
+        table, {{844, Bytes(6) + U16(0x3ff8)}}, "motion_manager_GetMotionTargetProgress", // 1.5
         [](QuorvanController& c, double& out) {
             StatusInfo status;
             out = c.MotionManager->GetMotionTargetProgress(ControlGroupId::R1, status);
@@ -131,17 +130,12 @@ void AddMotion(Table& table) {
             return status;
         },
         plain);
-    Add<NoOutput, NoOutput>(table, "motion_manager_MotionStart", {{839}}, ON_CLASS(c.MotionManager->MotionStart()),
-                            ON_PLAIN(motion_manager_MotionStart(h)), plain);
-    Add<NoOutput, NoOutput>(table, "motion_manager_MotionStop", {{840}}, ON_CLASS(c.MotionManager->MotionStop(false)),
-                            ON_PLAIN(motion_manager_MotionStop(h, false)), plain);
+    Add(table, {{839}}, BOTH(c.MotionManager->MotionStart(), motion_manager_MotionStart), plain);
+    Add(table, {{840}}, BOTH(c.MotionManager->MotionStop(false), motion_manager_MotionStop, false), plain);
     // A failure of the clear that follows a stop is ignored.
-    Add<NoOutput, NoOutput>(table, "motion_manager_MotionStop", {{840}, {841}},
-                            ON_CLASS(c.MotionManager->MotionStop(true)), ON_PLAIN(motion_manager_MotionStop(h, true)),
-                            {.codes = codes, .statusOnOlder = unsupportedSequence, .ignored = {1}});
-    Add<NoOutput, NoOutput>(table, "motion_manager_ClearAllTrajectory", {{841}},
-                            ON_CLASS(c.MotionManager->ClearAllTrajectory()),
-                            ON_PLAIN(motion_manager_ClearAllTrajectory(h)), plain);
+    Add(table, {{840}, {841}}, BOTH(c.MotionManager->MotionStop(true), motion_manager_MotionStop, true),
+        {.codes = codes, .statusOnOlder = unsupportedSequence, .ignored = {1}});
+    Add(table, {{841}}, BOTH(c.MotionManager->ClearAllTrajectory(), motion_manager_ClearAllTrajectory), plain);
 }
 
 void AddConversion(Table& table, KinematicConversions conversion, Script const& script) {
@@ -150,9 +144,8 @@ void AddConversion(Table& table, KinematicConversions conversion, Script const& 
     static std::array<double, 8> const angles{};
     std::map<int, int> const codes{{65535, 65535 - conversionOffset}, {65534, 65534 - conversionOffset}};
     Add<PositionData, ::PositionData>(
-        table,
+        table, script,
         fromCartesian ? "kinematics_interface_ConvertPositionFromCartesian" : "kinematics_interface_ConvertPosition",
-        script,
         [=](QuorvanController& c, PositionData& out) {
             return fromCartesian
                        ? c.Kinematics->ConvertPositionFromCartesian(ControlGroupId::R1, position, conversion,

@@ -11,37 +11,34 @@ Script const readByte{{120, Pattern(1)}};
 Script const readWord{{120, Pattern(1)}, {120, Pattern(1)}};
 
 void AddReads(Table& table) {
-    Add<bool, int>(table, "io_interface_type_ReadBit", {{120, U8(8)}},
-                   ON_CLASS(c.IO->ReadBit(IOType::GeneralOutput, 1, 3, out)),
-                   ON_PLAIN(io_interface_type_ReadBit(h, outputClass, 1, 3, out)));
-    Add<bool, int>(table, "io_interface_address_ReadBit", {{120, U8(8)}}, ON_CLASS(c.IO->ReadBit(firstOutput + 3, out)),
-                   ON_PLAIN(io_interface_address_ReadBit(h, firstOutput + 3, out)));
-    Add<std::bitset<8>, unsigned>(table, "io_interface_type_ReadByte", readByte,
-                                  ON_CLASS(c.IO->ReadByte(IOType::GeneralOutput, 1, out)),
-                                  ON_PLAIN(io_interface_type_ReadByte(h, outputClass, 1, out)));
-    Add<std::bitset<8>, unsigned>(table, "io_interface_address_ReadByte", readByte,
-                                  ON_CLASS(c.IO->ReadByte(firstOutput, out)),
-                                  ON_PLAIN(io_interface_address_ReadByte(h, firstOutput, out)));
-    Add<unsigned char, unsigned char>(table, "io_interface_uint8_type_ReadByte", readByte,
-                                      ON_CLASS(c.IO->ReadByte(IOType::GeneralOutput, 1, out)),
-                                      ON_PLAIN(io_interface_uint8_type_ReadByte(h, outputClass, 1, out)));
-    Add<unsigned char, unsigned char>(table, "io_interface_uint8_address_ReadByte", readByte,
-                                      ON_CLASS(c.IO->ReadByte(firstOutput, out)),
-                                      ON_PLAIN(io_interface_uint8_address_ReadByte(h, firstOutput, out)));
-    Add<std::bitset<16>, unsigned>(table, "io_interface_type_ReadWord", readWord,
-                                   ON_CLASS(c.IO->ReadWord(IOType::GeneralOutput, 1, out)),
-                                   ON_PLAIN(io_interface_type_ReadWord(h, outputClass, 1, out)));
-    Add<std::bitset<16>, unsigned>(table, "io_interface_address_ReadWord", readWord,
-                                   ON_CLASS(c.IO->ReadWord(firstOutput, out)),
-                                   ON_PLAIN(io_interface_address_ReadWord(h, firstOutput, out)));
-    Add<unsigned short, unsigned short>(table, "io_interface_uint16_type_ReadWord", readWord,
-                                        ON_CLASS(c.IO->ReadWord(IOType::GeneralOutput, 1, out)),
-                                        ON_PLAIN(io_interface_uint16_type_ReadWord(h, outputClass, 1, out)));
-    Add<unsigned short, unsigned short>(table, "io_interface_uint16_address_ReadWord", readWord,
-                                        ON_CLASS(c.IO->ReadWord(firstOutput, out)),
-                                        ON_PLAIN(io_interface_uint16_address_ReadWord(h, firstOutput, out)));
+    Add<bool, int>(
+        table, {{120, U8(8)}},
+        BOTH(c.IO->ReadBit(IOType::GeneralOutput, 1, 3, out), io_interface_type_ReadBit, outputClass, 1, 3, out));
+    Add<bool, int>(table, {{120, U8(8)}},
+                   BOTH(c.IO->ReadBit(firstOutput + 3, out), io_interface_address_ReadBit, firstOutput + 3, out));
+    Add<std::bitset<8>, unsigned>(
+        table, readByte,
+        BOTH(c.IO->ReadByte(IOType::GeneralOutput, 1, out), io_interface_type_ReadByte, outputClass, 1, out));
+    Add<std::bitset<8>, unsigned>(
+        table, readByte, BOTH(c.IO->ReadByte(firstOutput, out), io_interface_address_ReadByte, firstOutput, out));
+    Add<unsigned char, unsigned char>(
+        table, readByte,
+        BOTH(c.IO->ReadByte(IOType::GeneralOutput, 1, out), io_interface_uint8_type_ReadByte, outputClass, 1, out));
+    Add<unsigned char, unsigned char>(
+        table, readByte, BOTH(c.IO->ReadByte(firstOutput, out), io_interface_uint8_address_ReadByte, firstOutput, out));
+    Add<std::bitset<16>, unsigned>(
+        table, readWord,
+        BOTH(c.IO->ReadWord(IOType::GeneralOutput, 1, out), io_interface_type_ReadWord, outputClass, 1, out));
+    Add<std::bitset<16>, unsigned>(
+        table, readWord, BOTH(c.IO->ReadWord(firstOutput, out), io_interface_address_ReadWord, firstOutput, out));
+    Add<unsigned short, unsigned short>(
+        table, readWord,
+        BOTH(c.IO->ReadWord(IOType::GeneralOutput, 1, out), io_interface_uint16_type_ReadWord, outputClass, 1, out));
+    Add<unsigned short, unsigned short>(
+        table, readWord,
+        BOTH(c.IO->ReadWord(firstOutput, out), io_interface_uint16_address_ReadWord, firstOutput, out));
     Add<unsigned, unsigned>(
-        table, "io_interface_ConvertIOGroupToBitAddress", {},
+        table, {}, "io_interface_ConvertIOGroupToBitAddress",
         [](QuorvanController& c, unsigned& out) {
             StatusInfo status;
             out = c.IO->ConvertIOGroupToBitAddress(IOType::GeneralOutput, 1, 3, status);
@@ -64,8 +61,8 @@ struct Place {
 void AddWrite(Table& table, char const* name, Script const& olderScript, std::size_t signals, bool isByAddress,
               auto onClass, auto onPlain) {
     auto const add = [&](Place const& place, Script const& script, int statusOnOlder) {
-        Add<NoOutput, NoOutput>(
-            table, name, script, [=](QuorvanController& c, NoOutput&) { return onClass(*c.IO, place); },
+        Add(
+            table, script, name, [=](QuorvanController& c, NoOutput&) { return onClass(*c.IO, place); },
             [=](ControllerHandle h, NoOutput*) { return onPlain(h, place); }, {.statusOnOlder = statusOnOlder});
     };
     add({IOType::NetworkInput, 27010}, olderScript, isByAddress ? invalidAddress : 0);
@@ -127,18 +124,15 @@ void AddRegisters(Table& table) {
     Traits const reading{.codes = {{40961, 65535}}};
     Traits const writing{.codes = {{40961, 0x30008}}};
     static constexpr unsigned value = 0xa5;
-    Add<unsigned short, unsigned short>(table, "io_interface_ReadRegister", {{121, Pattern(2)}},
-                                        ON_CLASS(c.IO->ReadRegister(7, out)),
-                                        ON_PLAIN(io_interface_ReadRegister(h, 7, out)), reading);
-    Add<std::bitset<16>, unsigned>(table, "io_interface_uint32_ReadRegister", {{121, Pattern(2)}},
-                                   ON_CLASS(c.IO->ReadRegister(7, out)),
-                                   ON_PLAIN(io_interface_uint32_ReadRegister(h, 7, out)), reading);
-    Add<NoOutput, NoOutput>(table, "io_interface_WriteRegister", {{121}},
-                            ON_CLASS(c.IO->WriteRegister(7, static_cast<unsigned short>(value))),
-                            ON_PLAIN(io_interface_WriteRegister(h, 7, value)), writing);
-    Add<NoOutput, NoOutput>(table, "io_interface_uint32_WriteRegister", {{121}},
-                            ON_CLASS(c.IO->WriteRegister(7, std::bitset<16>(value))),
-                            ON_PLAIN(io_interface_uint32_WriteRegister(h, 7, &value)), writing);
+    Add<unsigned short, unsigned short>(table, {{121, Pattern(2)}},
+                                        BOTH(c.IO->ReadRegister(7, out), io_interface_ReadRegister, 7, out), reading);
+    Add<std::bitset<16>, unsigned>(table, {{121, Pattern(2)}},
+                                   BOTH(c.IO->ReadRegister(7, out), io_interface_uint32_ReadRegister, 7, out), reading);
+    Add(table, {{121}},
+        BOTH(c.IO->WriteRegister(7, static_cast<unsigned short>(value)), io_interface_WriteRegister, 7, value),
+        writing);
+    Add(table, {{121}},
+        BOTH(c.IO->WriteRegister(7, std::bitset<16>(value)), io_interface_uint32_WriteRegister, 7, &value), writing);
 }
 
 } // namespace

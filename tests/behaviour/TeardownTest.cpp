@@ -13,7 +13,7 @@
 namespace harvlink::test {
 namespace {
 
-constexpr unsigned startCommand = 839, clearCommand = 841, targetCommand = 842;
+constexpr unsigned startCommand = 839, targetCommand = 842;
 constexpr std::uint16_t bufferFull = 65520;
 constexpr std::uint16_t servoOff = 65534;
 
@@ -25,9 +25,6 @@ struct Cell {
 
     std::optional<std::uint16_t> Answer(unsigned command) {
         ++exchanges;
-        if (command == clearCommand && refusal == bufferFull) {
-            refusal = 0; // the cleared buffer has room
-        }
         if (command == targetCommand) {
             ++targets;
             targets.notify_all();
@@ -111,18 +108,6 @@ TEST(Teardown, FullBufferIsWaitedFor) {
     cell.refusal = 0;
     closing.join();
     EXPECT_GE(cell.targets, 30U) << "nothing of the queue is lost";
-}
-
-TEST(Teardown, StopThatClearsEndsTheWaitForAFullBuffer) {
-    Cell cell;
-    cell.refusal = bufferFull;
-    cell.Add(1000);
-    cell.Start();
-    cell.WaitForTargets(3);
-    EXPECT_EQ(cell.robot.controller->MotionManager->MotionStop(true).StatusCode, 0);
-    unsigned const before = cell.targets;
-    cell.Close();
-    EXPECT_LE(cell.targets, before + 1) << "the point that was being sent";
 }
 
 /// One thread of one of many connections. It reads back the values that it wrote, in spite of the others.

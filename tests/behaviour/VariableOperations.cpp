@@ -13,7 +13,7 @@ void AddKind(Table& table, std::string const& kind, unsigned command, Bytes cons
              IStatusInfo (*read)(ControllerHandle, unsigned short, Plain*), auto write) {
     Traits const traits{.codes = invalidIndex};
     Add<Record, Plain>(
-        table, kind + "_variable_interface_read", {{command, value}},
+        table, {{command, value}}, kind + "_variable_interface_read",
         [=](QuorvanController& c, Record& out) { return (c.Variables->*variables)->Read(variableNumber, out); },
         [=](ControllerHandle h, Plain* out) { return read(h, variableNumber, out); }, traits,
         [](std::size_t) {
@@ -21,15 +21,19 @@ void AddKind(Table& table, std::string const& kind, unsigned command, Bytes cons
             failed.variableIndex = variableNumber;
             return failed;
         });
-    Add<NoOutput, NoOutput>(
-        table, kind + "_variable_interface_write", {{command}},
+    Add(
+        table, {{command}}, kind + "_variable_interface_write",
         [=](QuorvanController& c, NoOutput&) {
             Record written{};
             written.variableIndex = variableNumber;
+            if constexpr (std::is_same_v<Record, StringVariableData>) {
+                written.value = "text";
+            }
             return (c.Variables->*variables)->Write(written);
         },
         [=](ControllerHandle h, NoOutput*) {
             Plain written{};
+            written.variableIndex = variableNumber;
             if constexpr (std::is_same_v<Plain, IStringVariableData>) {
                 written.value = const_cast<char*>("text");
             }
