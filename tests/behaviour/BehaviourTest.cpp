@@ -77,6 +77,7 @@ protected:
 
 TEST_P(Behaviour, Success) {
     std::string imageOfClass;
+    Bytes sentByClass;
     for (Operation const& operation : table) {
         SCOPED_TRACE(operation.name + (operation.isPlain ? " by its plain name" : ""));
         Robot designed;
@@ -93,7 +94,9 @@ TEST_P(Behaviour, Success) {
         EXPECT_EQ(good.image != operation.imageAfterFailure(0), operation.hasOutput);
         if (operation.isPlain) {
             EXPECT_EQ(good.image, imageOfClass) << "class and plain function must have the same output";
+            EXPECT_EQ(robot.machine.Sent(), sentByClass) << "and pass on the same arguments";
         }
+        sentByClass = robot.machine.Sent();
         imageOfClass = good.cutImage;
 
         Robot older(true, GetParam().policy);
