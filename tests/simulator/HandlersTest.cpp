@@ -147,7 +147,8 @@ TEST(IO, KnowsTheSignalsOfEachGeneration) {
         for (int number = 0; number < 12; ++number) {
             auto const type = static_cast<IOType>(number);
             auto const addresses = GetAddressRange(type, generation);
-            auto const [first, last] = std::pair(addresses.lowest / 10, addresses.highest / 10);
+            unsigned const first = addresses.lowest / 10;
+            unsigned const last = addresses.highest / 10;
             client.controller.With([&](ControllerModel& model) {
                 EXPECT_NE(model.signals.TypeOf(first - 1), type) << number;
                 EXPECT_NE(model.signals.TypeOf(last + 1), type) << number;
