@@ -44,42 +44,6 @@ TEST(TrajectoryMonitor, SendsInOrderFromTheStartOn) {
                                                    {target, 5}}));
 }
 
-TEST(TrajectoryMonitor, StopAndClearWhileTheBufferIsFull) {
-    struct {
-        bool clears, isRefused;
-        Sequence expected;
-    } const cases[] = {
-        {false, false, {{target, 1}, {stop, 0}, {target, 1}, {target, 2}, {target, 3}}},
-        {true, true, {{target, 1}, {stop, 0}, {target, 1}, {target, 2}, {target, 3}}},
-        // The step that is being sent is still sent.
-        {true, false, {{target, 1}, {stop, 0}, {target, 1}, {clear, 0}, {target, 1}}},
-    };
-    for (auto const& example : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << &example - cases);
-        RunningSession session;
-        session.controller.AnswerRest([&](Datagram const& datagram) {
-            unsigned const command = CommandOf(datagram);
-            return Replies{command == target && session.isFull    ? Refusal(65520)
-                           : command == stop && example.isRefused ? Refusal(65535)
-                                                                  : Reply{}};
-        });
-        session.isFull = true;
-        for (int i = 1; i <= 3; ++i) {
-            session.Add(i);
-        }
-        session.Sent(1);
-        EXPECT_EQ(session.manager->MotionStop(example.clears).StatusCode, example.isRefused ? 65535 - 50000000 : 0);
-        session.isFull = false;
-        auto sent = session.Finish();
-        // The clear may come directly after the stop.
-        auto expected = example.expected;
-        if (sent.size() + 1 == expected.size()) {
-            expected.erase(expected.begin() + 2);
-        }
-        EXPECT_EQ(sent, expected);
-    }
-}
-
 TEST(TrajectoryMonitor, FailureRaisesAnAlarmLogsAndClears) {
     struct {
         Replies replies;
