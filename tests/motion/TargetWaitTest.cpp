@@ -316,11 +316,11 @@ TEST(TargetWait, WhatIsQueuedAfterARefusalArrivesAtTheVirtualController) {
         status = manager.WaitForTarget(step, 20000, 1.0);
         EXPECT_EQ(status.StatusCode, 8015) << status.Message;
     }
-    TrajectoryState state;
-    manager.GetTrajectoryState(state);
-    EXPECT_EQ(state.sent, 50U);
-    EXPECT_EQ(state.refused, 25U);
-    EXPECT_EQ(state.withdrawn, 0U);
+    TrajectoryState totals;
+    manager.GetTrajectoryState(totals);
+    EXPECT_EQ(totals.sent, 50U);
+    EXPECT_EQ(totals.refused, 25U);
+    EXPECT_EQ(totals.withdrawn, 0U);
 }
 
 } // namespace
