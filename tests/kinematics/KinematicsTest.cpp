@@ -188,34 +188,5 @@ TEST_F(Conversions, GroupsAndAliasing) {
               0);
 }
 
-TEST_F(Conversions, SystemParameterDecidesOnlyWhenAsked) {
-    using enum KinematicType;
-    struct {
-        Reply reply;
-        KinematicType type;
-        int codeWithout, codeWith; ///< without and with a previous angle
-    } const cases[] = {
-        {Payload(U32(0)), KinematicFigure, 0, 0},
-        {Payload(U32(1)), Delta, 0x20011, 0},
-        {Payload(U32(2)), KinematicFromSystem, 0x20012, 0x20012},
-        {Payload(U32(-1)), KinematicFromSystem, 0x20012, 0x20012},
-        {Refusal(8288), KinematicFigure, 0, 0},
-    };
-    Bytes const request = RobotRequest(924, 0, 0, 1, Words({1, 1, 430}));
-    for (auto const& [reply, type, codeWithout, codeWith] : cases) {
-        for (int i = 0; i < 3; ++i) {
-            controller.Expect(request, reply);
-        }
-        EXPECT_EQ(kinematics.GetKinematicType(), type);
-        EXPECT_EQ(kinematics.KinematicsInterface::CheckInputCartPosParams(KinematicFromSystem, false).StatusCode,
-                  codeWithout);
-        EXPECT_EQ(kinematics.KinematicsInterface::CheckInputCartPosParams(KinematicFromSystem, true).StatusCode,
-                  codeWith);
-    }
-    for (auto const type : {std::optional<KinematicType>(), std::optional(Delta), std::optional(KinematicFigure)}) {
-        EXPECT_EQ(kinematics.CheckInputCartPosParams(type, false).StatusCode, 0);
-    }
-}
-
 } // namespace
 } // namespace harvlink::test
