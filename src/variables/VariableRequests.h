@@ -83,6 +83,8 @@ struct ScalarRead : VariableRead<Value> {
 using VariableText = std::array<char, 32>;
 
 struct StringRead : VariableRead<VariableText> {
+    static constexpr std::size_t minimumReply = 0; ///< the text alone, however long
+
     using VariableRead::VariableRead;
 
     StatusInfo Decode(StatusInfo status, IncomingPacket<Reply> const& reply, StringVariableData& variable) const;

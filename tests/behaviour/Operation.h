@@ -37,6 +37,7 @@ struct Traits {
     std::set<std::size_t> ignored{}; ///< exchanges whose failure has no effect
     Script afterFailure{}; ///< exchanges that follow a failure
     bool decodesRefusals = false; ///< decodes the payload of a refusal like that of a success
+    bool mayBeShort = false; ///< a whole answer may have less than the longest
     bool mayThrow = false; ///< on a reply that cannot be parsed
     std::string successMessage = "OK";
     std::string failureMessage{}; ///< of every refusal; if empty, the text of the table

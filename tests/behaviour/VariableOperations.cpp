@@ -11,7 +11,7 @@ template <typename Record, typename Plain>
 void AddKind(Table& table, std::string const& kind, unsigned command, Bytes const& value,
              VariableInterface<Record>* VariablesInterface::*variables,
              IStatusInfo (*read)(ControllerHandle, unsigned short, Plain*), auto write) {
-    Traits const traits{.codes = invalidIndex};
+    Traits const traits{.codes = invalidIndex, .mayBeShort = std::is_same_v<Record, StringVariableData>};
     Add<Record, Plain>(
         table, {{command, value}}, kind + "_variable_interface_read",
         [=](QuorvanController& c, Record& out) { return (c.Variables->*variables)->Read(variableNumber, out); },
