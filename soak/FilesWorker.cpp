@@ -14,7 +14,6 @@ namespace {
 constexpr std::size_t BlockSize = 479;
 constexpr std::array<std::size_t, 9> Sizes{1, 200, 478, 479, 480, 958, 4000, 20000, 60000};
 constexpr int NoSuchFile = 58035;
-constexpr int BlockNumberError = 58529;
 
 bool IsJob(std::string const& name) {
     return name.ends_with(".JBI");
@@ -117,8 +116,7 @@ bool FilesWorker::CheckTransfer(std::string const& what, StatusInfo const& statu
         return true;
     }
     results_.Note(FaultEffect::BrokenTransfer);
-    // Silence on id 0 is taken for a block with the number 0, and its acknowledgement is refused.
-    bool const isOutOfStep = status.StatusCode == BlockNumberError;
+    bool const isOutOfStep = status.StatusCode == static_cast<int>(ErrorStatusCodes::FileBlockMissing);
     // If requests are lost, the controller may miss a block or drop the transfer.
     if (!isOutOfStep && !options_.badNetwork) {
         IsSent(what, status);

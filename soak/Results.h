@@ -34,8 +34,9 @@ inline bool IsTimeout(StatusInfo const& status) {
     return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
 }
 
-/// The documented effects of a network fault on a program that uses the library. None of them is a failure. The soak
-/// test distinguishes them from wrong values by their form, and limits their number by that of the injected faults.
+/// The documented effects of a network fault on a program that uses the library. The soak test distinguishes them from wrong
+/// values by their form. Its connections are strict, so a cut answer, a lost write and a repeated block are failures, unless
+/// the network loses requests too.
 enum class FaultEffect : std::uint8_t {
     NoAnswer, ///< ResponseTimeout
     CutAnswer, ///< zeros from some byte on: a shortened reply, or silence on request id 0. The next read is right

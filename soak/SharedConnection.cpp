@@ -70,8 +70,13 @@ bool IsComplete(QuorvanController& robot, bool isExtended, Options const& option
 } // namespace
 
 Connection OpenComplete(std::string const& address, bool isExtended, Options const& options, Results& results) {
+    ConnectOptions asked;
+    asked.address = address;
+    asked.timeout = Options::TimeoutMilliseconds;
+    asked.retries = Options::Retries;
+    asked.access = Access::Full;
     StatusInfo status;
-    auto robot = Connect(address, status, Options::TimeoutMilliseconds, Options::Retries);
+    auto robot = Connect(asked, status);
     results.Note(Family::Connection, status);
     if (robot != nullptr && !IsComplete(*robot, isExtended, options, results)) {
         robot.reset();

@@ -44,7 +44,7 @@ private:
     std::vector<ProcessFigures> Measure() const;
     void CompareFigures(std::vector<ProcessFigures> const& now);
     nlohmann::json StopControllers();
-    void CheckBounds(nlohmann::json const& faults);
+    void CheckBounds();
     void WriteReport(nlohmann::json const& traffic);
     std::filesystem::path TrafficFile(std::size_t controller) const;
 
