@@ -34,7 +34,8 @@ enum class Rule : std::uint32_t {
     RepeatReads = 1U << 2U, ///< a read is asked again in each period; what writes or moves is never sent twice
     FittingAnswer = 1U << 3U, ///< magic, division, header size, service and payload size have to fit the request
     Deadline = 1U << 4U, ///< (1 + retries) x time-out in all, whatever arrives meanwhile
-    NewPort = 1U << 5U, ///< after a time-out the connection goes on from a new source port
+    NewPort =
+        1U << 5U, ///< a new source port after a time-out, and where an unread answer's number could come round again
     WholeAnswer = 1U << 6U, ///< an answer shorter than its record fails
     BlockOrder =
         1U << 7U, ///< blocks of a file rise by one; a repeated one is dropped; no more than `largestFile` bytes

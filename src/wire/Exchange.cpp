@@ -3,6 +3,7 @@
 #include <cstring>
 #include <mutex>
 #include <system_error>
+#include <utility>
 
 #include "wire/MinimumAccess.h"
 #include "wire/NetworkManager.h"
@@ -128,7 +129,7 @@ StatusInfo NetworkManager::Ask(Question& question) {
     question.request.header.requestId = question.id;
     question.start = Clock::now();
     try {
-        if (!RenewIfDue(question.Port())) {
+        if (!RenewIfDue(question)) {
             return NamingRule(StatusInformation(ErrorStatusCodes::SystemFailure), Rule::NewPort);
         }
         Send(question);
@@ -141,9 +142,17 @@ StatusInfo NetworkManager::Ask(Question& question) {
     return CheckHeader(question.reply.subHeader);
 }
 
-bool NetworkManager::RenewIfDue(Division division) {
-    bool& isDue = isNewPortDue[IndexOf(division)];
-    isDue = isDue && !transport->Renew(division);
+/// A port is also due when the other one has used up numbers: a doubled answer that waits there unread would fit once they
+/// come round again. A transfer keeps its number, and so its port.
+bool NetworkManager::RenewIfDue(Question const& question) {
+    constexpr std::uint64_t mostIdsElsewhere = highestRequestId / 2;
+    std::size_t const port = IndexOf(question.Port());
+    bool& isDue = isNewPortDue[port];
+    if (!question.hasOwnId) {
+        std::uint64_t const idsBetween = idsDrawn - std::exchange(idsDrawnUntil[port], idsDrawn);
+        isDue = isDue || (idsBetween > mostIdsElsewhere && policy.Enforces(Rule::NewPort));
+    }
+    isDue = isDue && !transport->Renew(question.Port());
     return !isDue;
 }
 
@@ -342,6 +351,7 @@ StatusInfo NetworkManager::CheckHeader(SubHeaderForReceiving const& subHeader) c
 }
 
 std::uint8_t NetworkManager::GetNewRequestId() {
+    ++idsDrawn;
     lastRequestId = lastRequestId < highestRequestId ? static_cast<std::uint8_t>(lastRequestId + 1) : std::uint8_t{0};
     return lastRequestId;
 }

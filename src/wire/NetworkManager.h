@@ -124,7 +124,7 @@ private:
 
     void ProbeGeneration(StatusInfo& status);
     StatusInfo Ask(Question& question);
-    bool RenewIfDue(Division division);
+    bool RenewIfDue(Question const& question);
     void Send(Question const& question);
     StatusInfo WaitForAnswer(Question& question);
     Outcome Listen(Question& question);
@@ -155,6 +155,8 @@ private:
     std::bitset<256> usedIds;
     std::optional<std::uint8_t> lastAnsweredId; ///< of the exchange before, if it was answered
     std::array<bool, 2> isNewPortDue{}; ///< of the robot and of the file port
+    std::uint64_t idsDrawn = 0;
+    std::array<std::uint64_t, 2> idsDrawnUntil{}; ///< the last exchange with an id of its own, by port
     std::uint32_t retries;
     std::atomic<bool> loggingEnabled = true;
 };

@@ -71,6 +71,35 @@ TEST(Plant, ADownloadIsIdenticalOrFailsWithACode) {
     EXPECT_GT(statistics.doubledAnswers, 0U);
 }
 
+/// The second answer to a read waits unread while a download uses up the numbers between two reads of the same number.
+TEST(Plant, ADoubledAnswerIsNotThatOfTheReadAfterADownload) {
+    constexpr std::size_t numbers = 128;
+    constexpr std::size_t blocks = numbers - 2; // one number goes to the request that opens, and one to the first read
+    constexpr std::size_t blockSize = 479;
+    simulator::Server server;
+    simulator::ControllerOptions options;
+    ASSERT_EQ(options.faults.Parse("duplicate=100%,file-duplicate=0"), "");
+    std::string const address = NextLoopbackAddress();
+    auto& controller = server.Add(address, options);
+    controller.WithParts([&](simulator::ControllerParts& parts) {
+        parts.model.variables.bytes[1] = 11;
+        parts.model.variables.bytes[2] = 22;
+        ASSERT_EQ(parts.files.Put("PLANT.DAT", NumberedLines(blocks * blockSize)), simulator::Refusal::None);
+    });
+    ASSERT_TRUE(server.Start()) << server.Error();
+    StatusInfo status;
+    Connection const robot = Connect(OptionsFor(address, Access::Observe, 8000), status);
+    ASSERT_TRUE(robot) << status;
+    for (std::uint16_t const index : {std::uint16_t{1}, std::uint16_t{2}}) {
+        ByteVariableData variable;
+        EXPECT_EQ(robot->Variables->byteVariable->Read(index, variable).StatusCode, 0);
+        EXPECT_EQ(variable.value, 11 * index);
+        std::string file;
+        EXPECT_EQ(robot->Files->SaveFromControllerToString("PLANT.DAT", file).StatusCode, 0);
+        EXPECT_EQ(file.size(), blocks * blockSize);
+    }
+}
+
 TEST(Plant, ObserversLeaveAPathComplete) {
     constexpr std::uint64_t points = 200;
     ScratchFolder const folder;
