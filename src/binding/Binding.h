@@ -12,6 +12,10 @@ struct ControllerCell {
 
 namespace harvlink::Binding {
 
+/// The handle of a new connection. Never released, as a handle may be looked at after its connection was closed; all of them
+/// stay reachable, so that nobody takes them for lost memory. Throws std::bad_alloc.
+ControllerHandle NewHandle(QuorvanController* controller, bool isStrict);
+
 inline QuorvanController& ControllerOf(ControllerHandle handle) {
     return *handle->controller;
 }

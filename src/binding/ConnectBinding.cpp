@@ -66,8 +66,7 @@ ControllerHandle Open(HarvlinkConnectOptions const& options, StatusInfo& status)
     if (!connection) {
         return &noConnection;
     }
-    // Never released: a handle may be looked at after its connection was closed.
-    auto* const handle = new ControllerCell{connection.get(), !given.audit && given.rules.Has(Rule::NoExceptions)};
+    ControllerHandle const handle = NewHandle(connection.get(), !given.audit && given.rules.Has(Rule::NoExceptions));
     (void)connection.release();
     return handle;
 }

@@ -1,14 +1,27 @@
+#include <forward_list>
+#include <mutex>
+
 #include "binding/Binding.h"
 
 using namespace harvlink::InteropHelper;
+
+namespace harvlink::Binding {
+
+ControllerHandle NewHandle(QuorvanController* controller, bool isStrict) {
+    static std::mutex mutex;
+    static auto& cells = *new std::forward_list<ControllerCell>; // outlives every destructor of the program
+    std::lock_guard const lock(mutex);
+    return &cells.emplace_front(ControllerCell{controller, isStrict});
+}
+
+} // namespace harvlink::Binding
 
 ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status, unsigned timeoutMilliseconds,
                                  unsigned retries) {
     harvlink::StatusInfo result;
     harvlink::QuorvanController* const controller = harvlink::OpenConnection(
         ConvertChar8ToString(ipAddress), result, timeoutMilliseconds, retries, true, harvlink::HeaderVersion);
-    // Never released: a handle may be looked at after its connection was closed.
-    auto* const handle = new ControllerCell{controller};
+    ControllerHandle const handle = harvlink::Binding::NewHandle(controller, false);
     *status = ToPlain(result);
     return handle;
 }

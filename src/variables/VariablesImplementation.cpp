@@ -4,7 +4,8 @@
 
 namespace harvlink {
 
-VariablesImplementation::VariablesImplementation(NetworkManager* networkManager, int rs22State, int numberOfToolFiles) {
+VariablesImplementation::VariablesImplementation(NetworkManager* networkManager, int rs22State, int numberOfToolFiles)
+    : VariablesImplementation() {
     byteVariable = new ByteVariableImplementation(networkManager, rs22State);
     integerVariable = new IntegerVariableImplementation(networkManager, rs22State);
     doubleIntVariable = new DoubleIntVariableImplementation(networkManager, rs22State);
