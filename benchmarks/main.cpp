@@ -40,16 +40,17 @@ int RunFamilies(std::vector<std::string> const& wanted, std::string const& jsonP
 } // namespace
 } // namespace harvlink::bench
 
-/// harvlink_bench JSON-FILE [FAMILY...]  or  harvlink_bench --exchanges COUNT
+/// harvlink_bench JSON-FILE [FAMILY...]  or  harvlink_bench --exchanges|--strict-exchanges COUNT
 int main(int argc, char** argv) {
     std::vector<std::string> const arguments(argv + 1, argv + argc);
     try {
-        if (arguments.size() == 2 && arguments[0] == "--exchanges") {
-            harvlink::bench::RunExchanges(std::stoi(arguments[1]));
+        bool const isStrict = !arguments.empty() && arguments[0] == "--strict-exchanges";
+        if (arguments.size() == 2 && (isStrict || arguments[0] == "--exchanges")) {
+            harvlink::bench::RunExchanges(std::stoi(arguments[1]), isStrict);
             return 0;
         }
         if (arguments.empty()) {
-            std::cerr << "usage: harvlink_bench JSON-FILE [FAMILY...] | --exchanges COUNT\n";
+            std::cerr << "usage: harvlink_bench JSON-FILE [FAMILY...] | --exchanges|--strict-exchanges COUNT\n";
             return 2;
         }
         return harvlink::bench::RunFamilies({arguments.begin() + 1, arguments.end()}, arguments[0]);

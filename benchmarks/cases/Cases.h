@@ -21,7 +21,7 @@ void PeerCase(Report& report);
 void SimulatorCase(Report& report);
 
 /// A number of byte reads on a fresh connection, for a counter of system calls around this process.
-void RunExchanges(int count);
+void RunExchanges(int count, bool isStrict);
 
 /// Many short ones rather than few long ones: a machine that is disturbed spoils some of them.
 inline constexpr int Rounds = 21;
@@ -132,6 +132,17 @@ inline void Require(StatusInfo const& status) {
     if (status.StatusCode != 0) {
         throw std::runtime_error(status.Message);
     }
+}
+
+/// A connection under all rules; throws if it can't be had.
+inline Connection OpenStrictly(std::string const& address, Access access = Access::Observe) {
+    ConnectOptions options;
+    options.address = address;
+    options.access = access;
+    StatusInfo status;
+    Connection connection = Connect(options, status);
+    Require(status);
+    return connection;
 }
 
 /// Throws if the answer is that of another variable.

@@ -268,23 +268,13 @@ void QueueToWire(Report& report) {
     AddTime(report, "step queued to datagram, against a condition variable", condition, 0.08, "ratio, two cores");
 }
 
-Connection OpenStrictly(std::string const& address) {
-    ConnectOptions options;
-    options.address = address;
-    options.access = Access::Full;
-    StatusInfo status;
-    Connection connection = Connect(options, status);
-    Require(status);
-    Require(connection->MotionManager->MotionStart());
-    return connection;
-}
-
 /// A strict monitor sleeps while it has nothing to send: what that saves, and what waking it takes.
 void SleepingMonitor(Report& report) {
     std::string const address = BenchAddress(6);
     Responder responder({address}, 1, ArrivalTime::Kernel);
     PinTo(0);
-    Connection const connection = OpenStrictly(address);
+    Connection const connection = OpenStrictly(address, Access::Full);
+    Require(connection->MotionManager->MotionStart());
     auto const fallAsleep = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); };
     double const latency = LatencyOf(
         responder, fallAsleep, [&](int i) { Require(connection->MotionManager->AddPointToTrajectory(Point(i))); });

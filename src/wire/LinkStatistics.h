@@ -24,8 +24,8 @@ enum class LinkCounter : std::uint8_t {
     BytesSent,
 };
 
-/// What ConnectionStatistics is read from. Counting waits for nobody and may be done from any thread; the end of an
-/// exchange is noted by one thread at a time. A snapshot may be taken at any time, and its members are then a few
+/// What ConnectionStatistics is read from. Counting waits for nobody. Rules count from any thread; all that belongs to an
+/// exchange is noted by one thread at a time, the one that has its lock. A snapshot may be taken at any time, and its members are then a few
 /// exchanges apart at most.
 class LinkStatistics {
 public:
