@@ -146,8 +146,10 @@ void FaultInjector::CorruptBytes(std::vector<std::byte>& bytes, Port port) {
 
 void FaultInjector::Misnumber(std::vector<std::byte>& bytes, Port port) {
     CommonHeader header;
-    bool const isHit = Happens(Fault::Misnumber, port);
-    if (!isHit || bytes.size() < sizeof(header)) {
+    // Without a draw where it is not asked for: a seed keeps the faults that it has always given.
+    bool const isPlanned =
+        plan_.RateOn(port, Fault::Misnumber) > 0 || armed_.at(static_cast<std::size_t>(Fault::Misnumber)) > 0;
+    if (!isPlanned || !Happens(Fault::Misnumber, port) || bytes.size() < sizeof(header)) {
         return;
     }
     std::memcpy(&header, bytes.data(), sizeof(header));
