@@ -23,10 +23,18 @@ namespace {
 
 constexpr int emptyOrMissingFile = 58012;
 constexpr int missingFile = 58035;
+constexpr int mostRepeats = 3; ///< of a file that lost a block
 
 /// What a controller without tools answers for their file: an answer like any other, not the lack of one.
 bool IsAbsence(StatusInfo const& status) {
     return status.StatusCode == emptyOrMissingFile || status.StatusCode == missingFile;
+}
+
+/// Whether an answer was lost or damaged on the way.
+bool IsLost(StatusInfo const& status) {
+    auto const code = static_cast<ErrorStatusCodes>(status.StatusCode);
+    return code == ErrorStatusCodes::ResponseTimeout || code == ErrorStatusCodes::FileBlockMissing ||
+           code == ErrorStatusCodes::AnswerTooShort;
 }
 
 template <typename Interface>
@@ -155,9 +163,25 @@ void QuorvanControllerImplementation::CreateInterfaces(int rs22State, int number
     QuorvanController::Kinematics = KinematicsPtr(&networkManager);
 }
 
+/// Where a gap fails the connection, a file of which blocks have arrived begins anew if one is lost: a read is safe to repeat.
+StatusInfo QuorvanControllerImplementation::ReadFile(std::string const& name, std::string& text) {
+    LinkStatistics& statistics = networkManager.Statistics();
+    for (int repeat = 0;; ++repeat) {
+        std::uint64_t const before = statistics.Snapshot().blocksReceived;
+        StatusInfo status = Files->SaveFromControllerToString(name, text);
+        bool const hasBegun = statistics.Snapshot().blocksReceived > before;
+        bool const mayRepeat = networkManager.Policy().Enforces(Rule::WholeStartUp) && repeat < mostRepeats;
+        if (!mayRepeat || !hasBegun || !IsLost(status)) {
+            return status;
+        }
+        networkManager.ForgetLossOfStartUp();
+        statistics.Add(LinkCounter::StartUpRetries);
+    }
+}
+
 int QuorvanControllerImplementation::GetRS22StateFromFile() {
     std::string text;
-    StatusInfo const status = Files->SaveFromControllerToString("RS.PRM", text);
+    StatusInfo const status = ReadFile("RS.PRM", text);
     if (status.StatusCode != 0) {
         NoteGap(status);
         return -1;
@@ -167,7 +191,7 @@ int QuorvanControllerImplementation::GetRS22StateFromFile() {
 
 int QuorvanControllerImplementation::GetNumberOfToolFiles() {
     std::string text;
-    StatusInfo const status = Files->SaveFromControllerToString("TOOL.CND", text);
+    StatusInfo const status = ReadFile("TOOL.CND", text);
     if (status.StatusCode != 0 && !IsAbsence(status)) {
         NoteGap(status);
     }
@@ -181,7 +205,7 @@ bool QuorvanControllerImplementation::GetAttachedControlGroups() {
     if (Files == nullptr) {
         return false;
     }
-    StatusInfo status = Files->SaveFromControllerToString("SYSTEM.SYS", text);
+    StatusInfo status = ReadFile("SYSTEM.SYS", text);
     if (status.StatusCode != 0) {
         NoteGap(status);
         return false;

@@ -47,6 +47,7 @@ private:
     QuorvanControllerImplementation(Peer&& peer, unsigned timeoutMilliseconds, unsigned retries, StatusInfo& status,
                                     ConnectionPolicy const& policy);
     void StartUp(bool logging, StatusInfo& status);
+    StatusInfo ReadFile(std::string const& name, std::string& text);
     void NoteGap(StatusInfo const& status);
     StatusInfo const& Gap() const;
     bool FailsByGap(StatusInfo& status) const;

@@ -89,6 +89,8 @@ public:
     StatusInfo const& LossOfStartUp() const { return lossOfStartUp; }
     void NoteLossOfStartUp(StatusInfo const& status);
     void EndStartUp() { isStartingUp = false; }
+    /// What was lost is read anew.
+    void ForgetLossOfStartUp() { lossOfStartUp = {}; }
 
     /// The status that a reply reports: its added status, or its status byte if that is 0.
     StatusInfo CheckHeader(SubHeaderForReceiving const& subHeader) const;

@@ -186,6 +186,27 @@ TEST_F(ConnectOptionsTest, ConnectionKnowsItsGroupsAndToolsOrIsNone) {
     }
 }
 
+TEST_F(ConnectOptionsTest, FileThatLosesABlockBeginsAnew) {
+    for (bool const isStrict : {true, false}) {
+        auto steps = Steps(Access::Observe);
+        Bytes const text = Text("//SERVO POWER\r\nR1 : a\r\n");
+        Step const opening{steps[6].request, {{.payload = text, .block = 1}}};
+        Step const lost{FileRequest(22, {}, 1, 1), {}};
+        std::size_t const lossy = isStrict ? 3 : 1; // as designed, the connection opens without groups
+        steps.resize(isStrict ? steps.size() : 6);
+        for (std::size_t i = 0; i < lossy; ++i) {
+            steps.insert(steps.begin() + 6, {opening, lost});
+        }
+        Expect(steps);
+        ConnectOptions options = Options(Access::Observe);
+        options.rules = isStrict ? NoRules.With(Rule::WholeStartUp) : NoRules;
+        options.timeout = 200;
+        Connection const connection = Connect(options, status);
+        ASSERT_TRUE(connection) << status.Message;
+        EXPECT_EQ(connection->GetConnectionStatistics().startUpRetries, isStrict ? lossy : 0U);
+    }
+}
+
 TEST_F(ConnectOptionsTest, AuditOpensAsDesignedAndCounts) {
     auto steps = Steps(Access::Full);
     steps[7].replies = {Refusal(2010)};
