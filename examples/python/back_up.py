@@ -1,6 +1,6 @@
 """Saves all jobs and data files of a controller into a folder.
 
-Asks for no change, but connecting clears the controller's motion targets. Usage: back_up.py ADDRESS FOLDER
+It only looks: nothing on the controller changes. Usage: back_up.py ADDRESS FOLDER
 """
 
 import pathlib
@@ -28,7 +28,7 @@ if __name__ == "__main__":
     target = pathlib.Path(sys.argv[2])
     target.mkdir(parents=True, exist_ok=True)
     try:
-        with harvlink.connect(sys.argv[1]) as controller:
+        with harvlink.connect(sys.argv[1], access="observe") as controller:
             print(f"{back_up(controller, target)} files saved")
     except harvlink.Error as error:
         sys.exit(str(error))

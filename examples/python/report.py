@@ -1,6 +1,6 @@
 """Prints model, state, job, alarms and alarm history of a controller.
 
-Asks for no change, but connecting clears the controller's motion targets. Usage: report.py ADDRESS
+It only looks: nothing on the controller changes. Usage: report.py ADDRESS
 """
 
 import sys
@@ -33,7 +33,7 @@ if __name__ == "__main__":
     if len(sys.argv) != 2:
         sys.exit("Usage: report.py ADDRESS")
     try:
-        with harvlink.connect(sys.argv[1]) as controller:
+        with harvlink.connect(sys.argv[1], access="observe") as controller:
             report(controller)
     except harvlink.Error as error:
         sys.exit(str(error))

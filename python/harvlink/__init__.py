@@ -10,6 +10,8 @@
 from .connection import Robot, connect
 from .controller_state import OperatingTime, State, SystemInformation
 from .enums import (
+    RULES,
+    Access,
     AlarmCategory,
     AxisAngle,
     ControlGroupId,
@@ -23,6 +25,7 @@ from .enums import (
     FrontOrBack,
     IOType,
     KinematicType,
+    LinkState,
     MoveType,
     SystemInfoId,
     SystemParameterType,
@@ -36,10 +39,12 @@ from .frame_math import Frame, Pose, Vector
 from .job import Job
 from .motion_manager import Motion, TrajectoryFailure, TrajectoryState
 from .position import Figure, Position
+from .statistics import RoundTrip, Statistics
 
 __version__ = "1.1.3"
 
 __all__ = [
+    "Access",
     "Alarm",
     "AlarmCategory",
     "AxisAngle",
@@ -58,14 +63,18 @@ __all__ = [
     "IOType",
     "Job",
     "KinematicType",
+    "LinkState",
     "Motion",
     "MoveType",
     "Note",
     "OperatingTime",
     "Pose",
     "Position",
+    "RULES",
     "Robot",
+    "RoundTrip",
     "State",
+    "Statistics",
     "SystemInfoId",
     "SystemInformation",
     "SystemParameterType",

@@ -5,21 +5,19 @@ import ctypes
 import threading
 from typing import Any, Iterator
 
-from ._library import Library, text_bytes
-from ._records import IStatusInfo
+from ._library import Library
+from ._records import HarvlinkConnectOptions, IStatusInfo
 from .errors import settle
 
 
 class Link:
-    def __init__(self, library: Library, address: str, timeout: float, retries: int) -> None:
+    def __init__(self, library: Library, options: HarvlinkConnectOptions) -> None:
         self._library = library
         self._idle = threading.Condition()
         self._running = 0
         self._handle = None
         status = IStatusInfo()
-        handle = library.call(
-            "open_connection", text_bytes(address), ctypes.byref(status), round(timeout * 1000), retries
-        )
+        handle = library.call("harvlink_connect", ctypes.byref(options), ctypes.byref(status))
         try:
             settle(status)
         except BaseException:

@@ -1,16 +1,16 @@
 """Opens a connection. Its object gives access to everything else."""
 
-import ipaddress
 import warnings
 from types import TracebackType
-from typing import Optional, Type
+from typing import Optional, Type, Union
 
+from ._connect_options import RuleSet, connect_options
 from ._library import load
 from ._link import Link
 from .control_commands import ControlCommands
 from .control_group import ControlGroups
 from .controller_state import ControllerState, State
-from .enums import CoordinateType, Group
+from .enums import Access, CoordinateType, Group, LinkState
 from .fault import Alarms
 from .file import Files
 from .io import IO
@@ -18,27 +18,35 @@ from .job import Jobs
 from .kinematics import Kinematics
 from .motion_manager import MotionManager
 from .position import Position
+from .statistics import Statistics, read_statistics
 from .variables import Variables
 
 
-def connect(address: str, timeout: float = 0.5, retries: int = 3) -> "Robot":
+def connect(
+    address: str,
+    timeout: float = 0.5,
+    retries: int = 3,
+    access: Union[Access, str] = "full",
+    rules: RuleSet = "strict",
+    audit: bool = False,
+    largest_file: Optional[int] = None,
+) -> "Robot":
     """Opens a connection to the controller at an IPv4 address in dotted form.
 
-    An exchange waits at most (1 + retries) x timeout (seconds) for its answer; a request is never sent twice. Opening a
-    connection changes nothing on the controller, except that newer controllers drop motion targets that they have not
-    played yet. Raises ValueError for a host name: names are not looked up.
+    An exchange waits at most (1 + retries) x timeout (seconds) for its answer. What writes or moves is never sent twice.
+
+    `access` is what the connection may send. "observe": reads only. "operate": all but motion by targets. "full": all,
+    and opening clears the motion targets of newer controllers, those of other programs too. What is beyond the access
+    raises Error with ErrorCode.ACCESS_DENIED, and nothing is sent.
+
+    `rules` names the rules of a strict connection that hold, out of RULES: "strict" for all, "designed" for none, or
+    several names. With `audit` they only count what they would have refused, see `Robot.statistics`. `largest_file` is
+    the size in bytes above which a file is not received, 256 MiB unless given.
+
+    Raises ValueError for a host name: names are not looked up.
     """
-    _check_address(address)
-    return Robot(Link(load(), address, timeout, retries))
-
-
-def _check_address(address: str) -> None:
-    if not isinstance(address, str):
-        raise TypeError(f"address takes a text such as '192.168.255.1', not {address!r}")
-    try:
-        ipaddress.IPv4Address(address)
-    except ValueError:
-        raise ValueError(f"{address!r} is not an IPv4 address such as 192.168.255.1; names are not looked up") from None
+    library = load()
+    return Robot(Link(library, connect_options(library, address, timeout, retries, access, rules, audit, largest_file)))
 
 
 class Robot:
@@ -75,6 +83,15 @@ class Robot:
     ) -> Position:
         """The current position of a group; see ControlGroups.position."""
         return self.groups.position(group, kind, user_coordinate=user_coordinate, tool=tool)
+
+    def statistics(self) -> Statistics:
+        """What this connection has seen of its link, and how often each rule has refused something. Sends nothing."""
+        return read_statistics(self._link)
+
+    @property
+    def link(self) -> LinkState:
+        """Whether the controller answers: SILENT after three exchanges in a row without an answer. Sends nothing."""
+        return self.statistics().link
 
     def close(self) -> None:
         """Closes the connection; a second call does nothing. It sends nothing, so a moving robot does not stop.

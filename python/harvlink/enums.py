@@ -198,6 +198,37 @@ class KinematicType(OpenEnum):
     FIGURE = 2
 
 
+class Access(OpenEnum):
+    """What a connection may send."""
+
+    OBSERVE = 0
+    OPERATE = 1
+    FULL = 2
+
+
+RULES = (
+    "SilenceIsTimeout",
+    "KnownSender",
+    "RepeatReads",
+    "FittingAnswer",
+    "Deadline",
+    "NewPort",
+    "WholeAnswer",
+    "BlockOrder",
+    "WholeStartUp",
+    "IdleMonitor",
+    "SentStep",
+    "BoundedClose",
+    "NoExceptions",
+)
+"""The rules of a strict connection, in the order of their bits. The text of a refusal ends with the name of its rule."""
+
+
+class LinkState(OpenEnum):
+    ONLINE = 0
+    SILENT = 1
+
+
 class ErrorCode(OpenEnum):
     """Codes that the library itself raises. All others come from the controller."""
 

@@ -1,13 +1,13 @@
 """The files of the controller. A transfer blocks until it ends; run only one at a time."""
 
 import ctypes
-from typing import List, Union
+from typing import Callable, List, TypeVar, Union
 
 from . import _records
 from ._library import Path, path_bytes, switch, text_bytes
 from ._link import Link
-from .enums import FileType
-from .errors import settle
+from .enums import ErrorCode, FileType
+from .errors import Error, settle
 
 Kind = Union[FileType, str]
 """A kind of files by number or by extension, such as "JBI"."""
@@ -22,33 +22,60 @@ def _kind_number(kind: Kind) -> int:
         raise ValueError(f"{kind!r} is none of {', '.join(FileType.__members__)}") from None
 
 
+_Result = TypeVar("_Result")
+_MOST_REPEATS = 3
+_LOST = (ErrorCode.RESPONSE_TIMEOUT, ErrorCode.FILE_BLOCK_MISSING, ErrorCode.ANSWER_TOO_SHORT)
+
+
+def _repeatedly(read: Callable[[], _Result]) -> _Result:
+    """Begins anew up to three times if an answer was lost or damaged on the way: a read is safe to repeat."""
+    for _ in range(_MOST_REPEATS):
+        try:
+            return read()
+        except Error as error:
+            if error.code not in _LOST:
+                raise
+    return read()
+
+
 class Files:
+    """A list, a count or a download begins anew up to three times if a block is lost or damaged on the way."""
+
     def __init__(self, link: Link) -> None:
         self._link = link
 
     def list(self, kind: Kind, in_order: bool = True) -> List[str]:
         """The names of the files of a kind, in byte order if `in_order`."""
         in_order = switch("in_order", in_order)
-        status = _records.IStatusInfo()
-        names: str = self._link.call(
-            "file_interface_ListFiles", _kind_number(kind), ctypes.byref(status), in_order
-        ).take()
-        settle(status)
-        return names.split("\n")[:-1]
+        number = _kind_number(kind)
+
+        def read() -> str:
+            status = _records.IStatusInfo()
+            names: str = self._link.call("file_interface_ListFiles", number, ctypes.byref(status), in_order).take()
+            settle(status)
+            return names
+
+        return _repeatedly(read).split("\n")[:-1]
 
     def count(self, kind: Kind) -> int:
         count = ctypes.c_int()
-        self._link.do("file_interface_GetFileCount", _kind_number(kind), ctypes.byref(count))
+        number = _kind_number(kind)
+        _repeatedly(lambda: self._link.do("file_interface_GetFileCount", number, ctypes.byref(count)))
         return count.value
 
     def get(self, name: str) -> str:
         """A text file, with the controller's line ends. Use `download` for files that contain zero bytes."""
-        status = _records.IStatusInfo()
-        text: str = self._link.call(
-            "file_interface_SaveFromControllerToString", text_bytes(name), ctypes.byref(status)
-        ).take()
-        settle(status)
-        return text
+        wanted = text_bytes(name)
+
+        def read() -> str:
+            status = _records.IStatusInfo()
+            text: str = self._link.call(
+                "file_interface_SaveFromControllerToString", wanted, ctypes.byref(status)
+            ).take()
+            settle(status)
+            return text
+
+        return _repeatedly(read)
 
     def put(self, name: str, text: str) -> None:
         """Stores a text as a file, with CR LF line ends. The "//NAME" line of a job must match the file name."""
@@ -57,7 +84,8 @@ class Files:
     def download(self, name: str, path: Path, overwrite: bool = False) -> None:
         """Fetches a file and writes it to a path of this computer."""
         overwrite = switch("overwrite", overwrite)
-        self._link.do("file_interface_SaveFromControllerToFile", text_bytes(name), path_bytes(path), overwrite)
+        arguments = (text_bytes(name), path_bytes(path), overwrite)
+        _repeatedly(lambda: self._link.do("file_interface_SaveFromControllerToFile", *arguments))
 
     def upload(self, path: Path) -> None:
         """Stores a file of this computer under its own name. Warns if the controller does not list a stored job."""

@@ -89,6 +89,10 @@ class ContractTest(unittest.TestCase):
                 with self.subTest(name):
                     self.assertEqual({int(member) for member in ours}, theirs)
 
+    def test_rules(self):
+        names = re.search(r"RuleNames\{(.*?)\}", (INCLUDE / "ConnectOptions.h").read_text(), re.DOTALL).group(1)
+        self.assertEqual(list(harvlink.RULES), re.findall(r'"(\w+)"', names))
+
     def test_version(self):
         self.assertIn(f'"{harvlink.__version__}"', (INCLUDE / "Version.h").read_text())
 

@@ -71,8 +71,9 @@ class OwnershipTest(SimulatorTest):
             ("trajectory", robot.motion.state, 0),
             ("refused point", lambda: robot.motion.add(refused), 0),
             ("dropped points", lambda: (robot.motion.add(point), robot.motion.clear()), 0),
+            ("statistics", robot.statistics, 0),
             ("connection", open_and_close, HANDLE_CELL),
-            ("failed connection", lambda: harvlink.connect("127.255.255.254", 0, 0), HANDLE_CELL),
+            ("failed connection", lambda: harvlink.connect("127.255.255.254", 0.01, 0), 0),
         ]:
             with self.subTest(name), warnings.catch_warnings():
                 warnings.simplefilter("ignore")
