@@ -9,7 +9,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     harvlink::StatusInfo status;
-    auto const robot = harvlink::Connect(argv[1], status, 300, 3);
+    harvlink::ConnectOptions options;
+    options.address = argv[1];
+    options.access = harvlink::Access::Observe; // looks only: another program may move the arm meanwhile
+    auto const robot = harvlink::Connect(options, status);
     if (!robot) {
         std::cerr << status << '\n';
         return 1;

@@ -10,7 +10,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     harvlink::StatusInfo status;
-    auto const robot = harvlink::Connect(argv[1], status, 300, 3);
+    auto const robot = harvlink::Connect({.address = argv[1], .access = harvlink::Access::Operate}, status);
     if (!robot) {
         std::cerr << status << '\n';
         return 1;

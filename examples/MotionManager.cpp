@@ -61,7 +61,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     StatusInfo status;
-    auto const robot = harvlink::Connect(argv[1], status, 300, 3);
+    // Full access clears the motion targets that the controller has, also those of other programs.
+    auto const robot = harvlink::Connect({.address = argv[1], .access = harvlink::Access::Full}, status);
     if (!robot) {
         std::cerr << status << '\n';
         return 1;

@@ -167,6 +167,20 @@ void DiagnoseIdentity(ControllerReport const& report, Expectation const& expecte
     }
 }
 
+/// Only if nothing else is wrong: what is wrong with the link explains it better.
+void DiagnoseAudit(AuditReport const& audit, std::vector<Finding>& findings) {
+    if (!findings.empty() || !audit.isDone || audit.StrictWorks()) {
+        return;
+    }
+    std::string_view const text = audit.strict.Message;
+    findings.push_back(
+        {"not-strict",
+         fmt::format("A strict connection does not work here, and neither does this tool: {}",
+                     Printable(text.substr(0, text.find_last_not_of('.') + 1))),
+         "In your own programs, connect without the rule that the text names, and report the controller's "
+         "software version with the output of harvlink doctor --json"});
+}
+
 /// The same text with --host in every command that needs it, so that the command can be copied.
 std::string WithHost(std::string const& text, std::string const& host) {
     static std::regex const command("harvlink (?=--timeout|[a-z])(?!explain)");
@@ -181,6 +195,7 @@ std::vector<Finding> Diagnose(ControllerReport const& report, Expectation const&
         DiagnoseDamage(report.link, findings);
         DiagnoseIdentity(report, expected, findings);
         DiagnoseLink(report.link, expected, findings);
+        DiagnoseAudit(report.audit, findings);
     }
     for (Finding& finding : findings) {
         finding.nextStep = WithHost(finding.nextStep, expected.host);

@@ -26,16 +26,18 @@ namespace harvlink::cli {
 namespace {
 
 constexpr char const* DoctorHelp =
-    "It only reads, and asks for a file that does not exist. It opens no connection, because\n"
-    "that would clear the motion targets of a controller from YA up. Do not use it while\n"
+    "It only reads, and asks for a file that does not exist. If the controller answers, it\n"
+    "also audits it: it lists and fetches a job as designed, counts what each rule of a\n"
+    "strict connection would have refused, and tries a strict one. Do not use it while\n"
     "files are transferred. It can find: no-route, rejected, no-answer, port-closed,\n"
     "wrong-answers, files-only, commands-only, refusing, damaged, unknown-generation,\n"
-    "other-generation, other-source, duplicates, stopped, lossy, slow.\n"
+    "other-generation, other-source, duplicates, stopped, lossy, slow, not-strict.\n"
     "Exit status: 0 if all is well, 1 if it found something, 2 for wrong usage.";
 
 struct DoctorArguments {
     std::string host;
     unsigned probes = 200;
+    bool noAudit = false;
 };
 
 char const* StateName(PortReport::State state) {
@@ -88,6 +90,23 @@ Json LinkJson(LinkReport const& link) {
             {"late_ms_most", link.late == 0 ? Json() : Json(RoundToMilli(link.latestMilliseconds))}};
 }
 
+Json AuditJson(AuditReport const& audit) {
+    if (!audit.isDone) {
+        return {};
+    }
+    Json rules = Json::array();
+    for (std::size_t bit = 0; audit.designed.StatusCode == 0 && bit < RuleCount; ++bit) {
+        RuleMeaning const& meaning = MeaningOf(static_cast<Rule>(1U << bit));
+        rules.push_back({{"rule", RuleNames.at(bit)},
+                         {"count", audit.counts.at(bit)},
+                         {"counts", meaning.counts},
+                         {"needs_motion", meaning.needsMotion}});
+    }
+    return {{"works", audit.StrictWorks()},         {"code", audit.strict.StatusCode},
+            {"message", audit.strict.Message},      {"exchanges", audit.strictExchanges},
+            {"audited_exchanges", audit.exchanges}, {"rules", rules}};
+}
+
 Json FindingsJson(std::vector<Finding> const& findings) {
     Json rows = Json::array();
     for (Finding const& finding : findings) {
@@ -105,6 +124,7 @@ Json ReportJson(ControllerReport const& report, Expectation const& expected, std
             {"model", report.model},
             {"link", LinkJson(report.link)},
             {"ports", Json::array({PortJson(report.commands, "commands"), PortJson(report.files, "files")})},
+            {"strict", AuditJson(report.audit)},
             {"findings", FindingsJson(findings)}};
 }
 
@@ -128,14 +148,27 @@ void CheckAddress(std::string const& host) {
     }
 }
 
-int Run(Output& output, Expectation const& expected, unsigned probes) {
+/// A controller that hardly answers would only make the audit long.
+bool IsWorthAnAudit(ControllerReport const& report) {
+    return report.commands.state == PortReport::State::Answers && report.link.silentAtEnd == 0 &&
+           2 * report.link.answered >= report.link.sent;
+}
+
+int Run(Output& output, Expectation const& expected, unsigned retries, DoctorArguments const& arguments) {
     Interrupt const interrupt;
+    auto const isFree = [&] { return !interrupt.Wait(std::chrono::milliseconds(0)); };
     std::optional<Progress> progress(std::in_place, output, "Asking " + expected.host);
     auto const goesOn = [&](unsigned done) {
-        progress->Count("Probe", done + 1, probes);
-        return !interrupt.Wait(std::chrono::milliseconds(0));
+        progress->Count("Probe", done + 1, arguments.probes);
+        return isFree();
     };
-    ControllerReport const report = ProbeController(expected.host, expected.timeout, probes, goesOn);
+    ControllerReport report = ProbeController(expected.host, expected.timeout, arguments.probes, goesOn);
+    if (!arguments.noAudit && IsWorthAnAudit(report) && isFree()) {
+        progress->Show("Auditing " + expected.host);
+        ConnectOptions const options{
+            .address = expected.host, .timeout = static_cast<unsigned>(expected.timeout.count()), .retries = retries};
+        report.audit = AuditController(options, arguments.probes, isFree);
+    }
     progress.reset();
     return Show(output, report, expected);
 }
@@ -150,6 +183,7 @@ void AddDoctorCommand(CLI::App& app, Session& session) {
         ->check(CLI::Range(1U, 100'000U))
         ->type_name("N")
         ->capture_default_str();
+    verb->add_flag("--no-audit", arguments->noAudit, "Do not connect: only probe");
     SetExamples(*verb, {"doctor 192.168.255.1", "doctor --probes 1000 --timeout 100 --json"}, DoctorHelp);
     verb->callback([arguments, &session] {
         session.Locally([arguments, &session](Output& output) {
@@ -162,7 +196,7 @@ void AddDoctorCommand(CLI::App& app, Session& session) {
                 session.CheckHost();
             }
             CheckAddress(expected.host);
-            return Run(output, expected, arguments->probes);
+            return Run(output, expected, settings.retries, *arguments);
         });
     });
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/doctor/Audit.h"
+
 namespace harvlink::cli {
 
 /// How one of the controller's two ports answers.
@@ -55,10 +57,11 @@ struct ControllerReport {
     std::string software{};
     std::string model{};
     LinkReport link{};
+    AuditReport audit{};
 };
 
 /// Asks a controller for its model and software, then for a file that does not exist, and then `probes` times for its
-/// state. It only reads, and opens no connection, because that would clear motion targets. Calls `progress` with the number
+/// state. It only reads. Does not fill in the audit. Calls `progress` with the number
 /// of probes that are done; the series ends if it returns false.
 ControllerReport ProbeController(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
                                  std::function<bool(unsigned)> const& progress);

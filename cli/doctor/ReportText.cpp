@@ -97,6 +97,28 @@ std::string FormatEvidence(ControllerReport const& report, Expectation const& ex
     return text;
 }
 
+std::string RuleText(Rule rule, std::uint64_t count) {
+    RuleMeaning const& meaning = MeaningOf(rule);
+    std::string_view const note = count > 0 ? meaning.counts : meaning.needsMotion ? "only motion can show it" : "";
+    std::string_view const gap = note.empty() ? "" : "  ";
+    return fmt::format("  {:<18}{:>5}{}{}\n", RuleName(rule), count, gap, note);
+}
+
+std::string FormatAudit(AuditReport const& audit) {
+    std::string text = "\nStrict connection\n";
+    text += audit.StrictWorks() ? fmt::format("  Works here: {} exchanges\n", audit.strictExchanges)
+                                : fmt::format("  Does not work here: {}\n", Printable(audit.strict.Message));
+    if (audit.designed.StatusCode != 0) {
+        return text +
+               fmt::format("\nNo audit, as no connection opens as designed: {}\n", Printable(audit.designed.Message));
+    }
+    text += fmt::format("\nWhat each rule would have refused, in {} exchanges as designed\n", audit.exchanges);
+    for (std::size_t bit = 0; bit < RuleCount; ++bit) {
+        text += RuleText(static_cast<Rule>(1U << bit), audit.counts.at(bit));
+    }
+    return text;
+}
+
 } // namespace
 
 std::string FormatReport(ControllerReport const& report, Expectation const& expected,
@@ -111,7 +133,7 @@ std::string FormatReport(ControllerReport const& report, Expectation const& expe
                                "explain CODE"},
                               fmt::terminal_color::green, isColoured);
     }
-    return text + FormatEvidence(report, expected);
+    return text + FormatEvidence(report, expected) + (report.audit.isDone ? FormatAudit(report.audit) : "");
 }
 
 } // namespace harvlink::cli

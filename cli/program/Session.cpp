@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "cli/program/CommandLine.h"
+#include "cli/program/Interrupt.h"
 #include "cli/program/LibraryLog.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "words/text/InputError.h"
@@ -40,18 +41,18 @@ void Session::AddOptions(CLI::App& app) {
     app.add_flag("-y,--yes", confirmed_, "Do not ask before the machine moves or its power changes");
 }
 
-void Session::OnConnection(ConnectedPlan plan) {
-    plan_ = [this, plan = std::move(plan)](Output&) {
+void Session::OnConnection(Access access, ConnectedPlan plan) {
+    plan_ = [this, access, plan = std::move(plan)](Output&) {
         CheckHost();
-        return RunConnected(plan);
+        AnnounceClear(access);
+        return RunConnected(access, plan);
     };
 }
 
-void Session::OnConnectionConfirmed(std::string const& consequence, ConnectedPlan plan) {
-    plan_ = [this, consequence, plan = std::move(plan)](Output&) {
+void Session::OnConnectionConfirmed(Access access, std::string const& consequence, ConnectedPlan plan) {
+    plan_ = [this, access, consequence, plan = std::move(plan)](Output&) {
         CheckHost();
-        int const refusal = Confirm(consequence);
-        return refusal == ExitStatus::Success ? RunConnected(plan) : refusal;
+        return IsConfirmed(access, consequence) ? RunConnected(access, plan) : ExitStatus::Failure;
     };
 }
 
@@ -69,13 +70,24 @@ void Session::CheckHost() {
     }
 }
 
-int Session::Confirm(std::string const& consequence) {
-    Console& console = output_.console();
-    if (confirmed_) {
-        return ExitStatus::Success;
+void Session::AnnounceClear(Access access) {
+    if (access == Access::Full) {
+        BrokenPipesIgnored const readerMayBeGone;
+        output_.console().err
+            << "Connecting for this clears the motion targets of a controller from YA up, those of other "
+               "programs too.\n"
+            << std::flush;
     }
-    if (!console.inputIsTerminal || !console.errorIsTerminal) {
+}
+
+bool Session::IsConfirmed(Access access, std::string const& consequence) {
+    Console& console = output_.console();
+    if (!confirmed_ && (!console.inputIsTerminal || !console.errorIsTerminal)) {
         throw InputError(fmt::format("{}; give --yes to confirm it", consequence));
+    }
+    AnnounceClear(access);
+    if (confirmed_) {
+        return true;
     }
     // What was typed before the question is not an answer to it.
     tcflush(STDIN_FILENO, TCIFLUSH);
@@ -83,16 +95,21 @@ int Session::Confirm(std::string const& consequence) {
     std::string answer;
     std::getline(console.in, answer);
     if (answer == "y" || answer == "Y" || answer == "yes") {
-        return ExitStatus::Success;
+        return true;
     }
     output_.Problem("not confirmed, nothing was done");
-    return ExitStatus::Failure;
+    return false;
 }
 
-Connection Session::Open(StatusInfo& status) {
+Connection Session::Open(Access access, StatusInfo& status) {
     CheckHost();
     Settings const& wanted = settings();
-    Connection connection = Connect(wanted.host, status, wanted.timeoutMilliseconds, wanted.retries, logging_);
+    Connection connection = Connect({.address = wanted.host,
+                                     .timeout = wanted.timeoutMilliseconds,
+                                     .retries = wanted.retries,
+                                     .logging = logging_,
+                                     .access = access},
+                                    status);
     if (connection && !wanted.generation.empty()) {
         CheckGeneration(*connection, wanted.generation);
     }
@@ -108,10 +125,10 @@ void Session::ShowLog(LibraryLog const& log) {
     }
 }
 
-int Session::RunConnected(ConnectedPlan const& plan) {
+int Session::RunConnected(Access access, ConnectedPlan const& plan) {
     StatusInfo status;
     LibraryLog const log;
-    if (Connection const connection = Open(status)) {
+    if (Connection const connection = Open(access, status)) {
         status = plan(*connection, output_);
     }
     // After the connection is closed: its thread may write to the log until then.

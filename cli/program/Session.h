@@ -6,7 +6,7 @@
 
 #include "cli/output/Output.h"
 #include "cli/program/Settings.h"
-#include "harvlink/QuorvanController.h"
+#include "harvlink/ConnectOptions.h"
 #include "harvlink/StatusInfo.h"
 
 namespace CLI {
@@ -21,6 +21,9 @@ class LibraryLog;
 ///
 /// The callback of a command checks its arguments and makes a plan. The plan runs after the whole command line was parsed.
 /// So wrong usage is found before a connection is opened, and each command opens at most one connection.
+///
+/// Every plan states the access that it takes: Observe for what looks, Operate for what writes, and Full only for motion by
+/// targets. All connections are strict.
 class Session {
 public:
     using ConnectedPlan = std::function<StatusInfo(QuorvanController&, Output&)>;
@@ -31,18 +34,18 @@ public:
     void AddOptions(CLI::App& app);
 
     /// Plans work on a connection. If it returns a failed status, the program shows it and ends with exit status 1; so it
-    /// does if the work has shown a failure itself.
-    void OnConnection(ConnectedPlan plan);
+    /// does if the work has shown a failure itself. With full access the user reads first what connecting clears.
+    void OnConnection(Access access, ConnectedPlan plan);
 
     /// The same for work that moves the machine or changes its servo power: the user has to confirm it first.
-    void OnConnectionConfirmed(std::string const& consequence, ConnectedPlan plan);
+    void OnConnectionConfirmed(Access access, std::string const& consequence, ConnectedPlan plan);
 
     /// Plans work that needs no controller. It returns the exit status.
     void Locally(LocalPlan plan) { plan_ = std::move(plan); }
 
     /// Opens a connection by the settings, for plans with an exit status of their own. Empty on failure. Throws InputError if
     /// no host is given.
-    Connection Open(StatusInfo& status);
+    Connection Open(Access access, StatusInfo& status);
 
     /// Throws InputError if no host is given.
     void CheckHost();
@@ -59,8 +62,9 @@ public:
     Output& output() { return output_; }
 
 private:
-    int Confirm(std::string const& consequence);
-    int RunConnected(ConnectedPlan const& plan);
+    void AnnounceClear(Access access);
+    bool IsConfirmed(Access access, std::string const& consequence);
+    int RunConnected(Access access, ConnectedPlan const& plan);
     void ShowLog(LibraryLog const& log);
 
     Output& output_;

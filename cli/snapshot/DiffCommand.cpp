@@ -101,7 +101,7 @@ void ShowNotes(Output& output, Difference const& difference) {
 
 bool ReadLive(Session& session, Output& output, Selection const& selection, Snapshot& snapshot) {
     StatusInfo status;
-    Connection const connection = session.Open(status);
+    Connection const connection = session.Open(Access::Observe, status);
     if (!connection) {
         output.Failure(status);
         return false;

@@ -107,7 +107,7 @@ void AddSave(CLI::App& family, Session& session) {
         if (filesystem::exists(IncompletePlace(place))) {
             CheckTarget(IncompletePlace(place), true);
         }
-        session.OnConnection([arguments, &session](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Observe, [arguments, &session](QuorvanController& robot, Output& output) {
             return Save(robot, session.settings().host, output, *arguments);
         });
     });

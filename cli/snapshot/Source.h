@@ -2,12 +2,12 @@
 
 #include <chrono>
 #include <string_view>
-#include <utility>
 
 #include <fmt/format.h>
 
 #include "cli/output/Progress.h"
 #include "cli/program/Interrupt.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/snapshot/Snapshot.h"
 #include "harvlink/QuorvanController.h"
 
@@ -21,21 +21,16 @@ public:
 
     QuorvanController& robot;
 
-    /// Calls `read()`, up to three times if there is no answer: among thousands of datagrams one may get lost, and a read
-    /// may be repeated. After that the controller counts as gone.
+    /// Calls `read()`, and up to three times anew if the answer was lost or damaged: among thousands of datagrams one may be.
+    /// If there is no answer even then, the controller counts as gone.
     template <typename ReadOnce>
     StatusInfo Ask(std::string_view what, ReadOnce const& read) {
-        progress_.Show(fmt::format("Reading {}", what));
-        for (int attempt = 0; attempt < Attempts && !IsGone(); ++attempt) {
-            StatusInfo status = read();
-            if (!IsSilence(status)) {
-                return status;
-            }
-            if (attempt + 1 == Attempts) {
-                reason_ = std::move(status);
-            }
+        StatusInfo const status =
+            ReadRepeatedly(progress_, fmt::format("Reading {}", what), [&] { return IsGone() ? reason_ : read(); });
+        if (reason_.StatusCode == 0 && IsSilence(status)) {
+            reason_ = status;
         }
-        return reason_;
+        return status;
     }
 
     /// Whether to stop reading: the controller does not answer, or the user has pressed Ctrl-C.
@@ -50,12 +45,6 @@ public:
     StatusInfo const& Reason() const { return reason_; }
 
 private:
-    static constexpr int Attempts = 3;
-
-    static bool IsSilence(StatusInfo const& status) {
-        return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
-    }
-
     Progress& progress_;
     Interrupt const& interrupt_;
     StatusInfo reason_;

@@ -11,6 +11,7 @@
 #include "cli/output/Progress.h"
 #include "cli/output/Words.h"
 #include "cli/program/Interrupt.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/trajectory/PathTracker.h"
 #include "harvlink/ControlGroupInterface.h"
 #include "harvlink/ControllerStateInterface.h"
@@ -255,7 +256,7 @@ StatusInfo StopMotion(MotionManagerInterface& manager, bool clearsTargets) {
     StatusInfo status;
     for (int i = 0; i < MostStops; ++i) {
         status = manager.MotionStop(clearsTargets);
-        if (status.StatusCode != static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+        if (!IsSilence(status)) {
             break;
         }
     }

@@ -33,7 +33,8 @@ void AddServo(CLI::App& app, Session& session) {
     SetExamples(*verb, {"servo on", "servo off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the servos");
-        session.OnConnectionConfirmed(wanted == SignalStatus::On
+        session.OnConnectionConfirmed(Access::Operate,
+                                      wanted == SignalStatus::On
                                           ? "Servo power on makes the machine able to move"
                                           : "Servo power off stops the machine and drops its power",
                                       [wanted](QuorvanController& robot, Output& output) {
@@ -54,9 +55,9 @@ void AddHold(CLI::App& app, Session& session) {
             return output.Done(robot.ControlCommands->SetHold(wanted));
         };
         if (wanted == SignalStatus::On) {
-            session.OnConnection(plan);
+            session.OnConnection(Access::Operate, plan);
         } else {
-            session.OnConnectionConfirmed("Releasing the hold may MOVE THE MACHINE", plan);
+            session.OnConnectionConfirmed(Access::Operate, "Releasing the hold may MOVE THE MACHINE", plan);
         }
     });
 }
@@ -68,7 +69,7 @@ void AddCycle(CLI::App& app, Session& session) {
     SetExamples(*verb, {"cycle automatic"});
     verb->callback([mode, &session] {
         CycleMode const wanted = ParseName(WantedCycleNames, *mode, "cycle mode");
-        session.OnConnection([wanted](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [wanted](QuorvanController& robot, Output& output) {
             return output.Done(robot.ControlCommands->SetCycleMode(wanted));
         });
     });
@@ -85,7 +86,7 @@ void AddPendant(CLI::App& app, Session& session) {
             throw InputError(
                 fmt::format("the line has {} bytes, and the pendant shows {}", text->size(), LongestPendantLine));
         }
-        session.OnConnection([text](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [text](QuorvanController& robot, Output& output) {
             return output.Done(robot.ControlCommands->DisplayStringToPendant(*text));
         });
     });

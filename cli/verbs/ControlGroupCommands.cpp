@@ -61,9 +61,10 @@ void AddPosition(CLI::App& app, Session& session) {
         if (coordinate.userNumber < 0 || coordinate.userNumber > 255) {
             throw InputError("the user coordinate number must be from 1 to 63");
         }
-        session.OnConnection([group, coordinate, tool = arguments->tool](QuorvanController& robot, Output& output) {
-            return ShowPosition(robot, output, group, coordinate, tool);
-        });
+        session.OnConnection(Access::Observe,
+                             [group, coordinate, tool = arguments->tool](QuorvanController& robot, Output& output) {
+                                 return ShowPosition(robot, output, group, coordinate, tool);
+                             });
     });
 }
 
@@ -117,9 +118,10 @@ void AddGroupVerb(CLI::App& app, Session& session, char const* name, char const*
     verb->add_option("GROUP", *group, "Control group, such as R1, B1 or S1")->type_name("GROUP")->required();
     SetExamples(*verb, {std::string(name) + " R1"});
     verb->callback([group, action = std::move(action), &session] {
-        session.OnConnection([action, id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
-            return action(robot, output, id);
-        });
+        session.OnConnection(Access::Observe,
+                             [action, id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
+                                 return action(robot, output, id);
+                             });
     });
 }
 

@@ -85,8 +85,9 @@ void AddInfo(CLI::App& app, Session& session) {
         if (ids.empty()) {
             ids.push_back(SystemInfoId::Robot1);
         }
-        session.OnConnection(
-            [ids](QuorvanController& robot, Output& output) { return ShowInformation(robot, output, ids); });
+        session.OnConnection(Access::Observe, [ids](QuorvanController& robot, Output& output) {
+            return ShowInformation(robot, output, ids);
+        });
     });
 }
 
@@ -103,7 +104,7 @@ void AddStatus(CLI::App& app, Session& session) {
     CLI::App* const verb =
         app.add_subcommand("status", "Show mode, cycle, running, hold, alarm, error and servo state");
     SetExamples(*verb, {"status", "status --json"});
-    verb->callback([&session] { session.OnConnection(ShowState); });
+    verb->callback([&session] { session.OnConnection(Access::Observe, ShowState); });
 }
 
 struct TimeArguments {
@@ -159,7 +160,7 @@ void AddTimes(CLI::App& app, Session& session) {
             types = {TimeType::ControlPower, TimeType::ServoPowerTotal, TimeType::PlaybackTotal, TimeType::MovingTotal};
         }
         ParseGroup(arguments->group);
-        session.OnConnection([arguments, types](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Observe, [arguments, types](QuorvanController& robot, Output& output) {
             return ShowTimes(robot, output, types, *arguments);
         });
     });
@@ -197,9 +198,10 @@ void AddParam(CLI::App& app, Session& session) {
         for (std::string const& name : arguments->names) {
             parameters.push_back(ParseParameter(name));
         }
-        session.OnConnection([parameters, group = arguments->group](QuorvanController& robot, Output& output) {
-            return ShowParameters(robot, output, parameters, group);
-        });
+        session.OnConnection(Access::Observe,
+                             [parameters, group = arguments->group](QuorvanController& robot, Output& output) {
+                                 return ShowParameters(robot, output, parameters, group);
+                             });
     });
 }
 

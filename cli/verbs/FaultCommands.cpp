@@ -55,14 +55,15 @@ struct HistoryArguments {
 
 void PlanHistory(Session& session, HistoryArguments const& arguments) {
     AlarmCategory const category = ParseName(CategoryNames, arguments.category, "category of alarms");
-    session.OnConnection([category, count = arguments.count](QuorvanController& robot, Output& output) {
-        auto history = std::make_unique<AlarmHistory>();
-        StatusInfo status = robot.Faults->GetAlarmHistory(category, count, *history);
-        if (status.StatusCode == 0) {
-            output.Show(AlarmRows(history->alarms));
-        }
-        return status;
-    });
+    session.OnConnection(Access::Observe,
+                         [category, count = arguments.count](QuorvanController& robot, Output& output) {
+                             auto history = std::make_unique<AlarmHistory>();
+                             StatusInfo status = robot.Faults->GetAlarmHistory(category, count, *history);
+                             if (status.StatusCode == 0) {
+                                 output.Show(AlarmRows(history->alarms));
+                             }
+                             return status;
+                         });
 }
 
 void AddCategory(CLI::App& verb, HistoryArguments& arguments) {
@@ -86,8 +87,9 @@ void AddClear(CLI::App& family, Session& session) {
     CLI::App* const verb = family.add_subcommand("clear", "Cancel the error and reset the alarms");
     SetExamples(*verb, {"alarms clear"});
     verb->callback([&session] {
-        session.OnConnection(
-            [](QuorvanController& robot, Output& output) { return output.Done(robot.Faults->ClearAllFaults()); });
+        session.OnConnection(Access::Operate, [](QuorvanController& robot, Output& output) {
+            return output.Done(robot.Faults->ClearAllFaults());
+        });
     });
 }
 
@@ -114,7 +116,7 @@ void AddFaultCommands(CLI::App& app, Session& session) {
         if (history->count() > 0) {
             PlanHistory(session, *arguments);
         } else {
-            session.OnConnection(ShowActive);
+            session.OnConnection(Access::Observe, ShowActive);
         }
     });
 }

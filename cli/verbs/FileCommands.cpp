@@ -14,6 +14,7 @@
 #include "cli/output/Progress.h"
 #include "cli/output/Rows.h"
 #include "cli/program/Help.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
 #include "harvlink/FileInterface.h"
@@ -41,13 +42,15 @@ using TextList = std::vector<std::string>;
 /// The files of the controller. Each kind is listed at most once.
 class RemoteFiles {
 public:
-    explicit RemoteFiles(FileInterface& files) : files_(files) {}
+    RemoteFiles(FileInterface& files, Output& output) : files_(files), output_(output) {}
 
     StatusInfo List(FileType type, TextList& names) {
         StatusInfo status;
         auto const known = lists_.find(type);
         if (known == lists_.end()) {
-            status = files_.ListFiles(type, names, true);
+            std::string const what = fmt::format("Listing {} files", ExtensionOf(type));
+            Progress progress(output_, what);
+            status = ReadRepeatedly(progress, what, [&] { return files_.ListFiles(type, names, true); });
             if (status.StatusCode == 0) {
                 lists_.emplace(type, names);
             }
@@ -106,6 +109,7 @@ private:
     }
 
     FileInterface& files_;
+    Output& output_;
     std::map<FileType, TextList> lists_;
 };
 
@@ -128,7 +132,7 @@ public:
                          {"message", status.Message}});
         done_ += succeeded ? 1 : 0;
         bytes_ += succeeded ? bytes : 0;
-        return status.StatusCode != static_cast<int>(ErrorStatusCodes::ResponseTimeout);
+        return !IsSilence(status);
     }
 
     void Finish(std::size_t wanted) {
@@ -170,7 +174,7 @@ std::uintmax_t SizeOf(filesystem::path const& path) {
 }
 
 StatusInfo ShowList(QuorvanController& robot, Output& output, TextList const& globs) {
-    RemoteFiles remote(*robot.Files);
+    RemoteFiles remote(*robot.Files, output);
     return ShowRows(output, globs, [&](std::string const& glob, Json& rows) {
         bool const isKind = glob.find('.') == std::string::npos && !IsGlob(glob);
         StatusInfo status;
@@ -203,7 +207,8 @@ void AddList(CLI::App& family, Session& session) {
                     fmt::format("'{}' is not a kind of file; there are: JBI, DAT, CND, PRM, SYS, LST, LOG", glob));
             }
         }
-        session.OnConnection([names = globs->empty() ? TextList{"*.*"} : *globs](
+        session.OnConnection(Access::Observe,
+                             [names = globs->empty() ? TextList{"*.*"} : *globs](
                                  QuorvanController& robot, Output& output) { return ShowList(robot, output, names); });
     });
 }
@@ -219,13 +224,14 @@ StatusInfo Fetch(QuorvanController& robot, Output& output, std::string const& na
     if (!IsSafeLocalName(name)) {
         return StatusInformation(ErrorStatusCodes::FileWriteOpenError);
     }
-    Progress const progress(output, "Fetching " + name);
-    return robot.Files->SaveFromControllerToFile(name, path.string(), force);
+    Progress progress(output, "Fetching " + name);
+    return ReadRepeatedly(progress, "Fetching " + name,
+                          [&] { return robot.Files->SaveFromControllerToFile(name, path.string(), force); });
 }
 
 StatusInfo GetFiles(QuorvanController& robot, Output& output, GetArguments const& arguments) {
     TextList names;
-    StatusInfo status = RemoteFiles(*robot.Files).Find(arguments.globs, names);
+    StatusInfo status = RemoteFiles(*robot.Files, output).Find(arguments.globs, names);
     if (status.StatusCode != 0) {
         return status;
     }
@@ -252,8 +258,9 @@ void AddGet(CLI::App& family, Session& session) {
     verb->add_flag("--force", arguments->force, "Overwrite existing files");
     SetExamples(*verb, {"files get MAIN.JBI", "files get '*.JBI' --to backup --force"}, FileNamesHelp);
     verb->callback([arguments, &session] {
-        session.OnConnection(
-            [arguments](QuorvanController& robot, Output& output) { return GetFiles(robot, output, *arguments); });
+        session.OnConnection(Access::Observe, [arguments](QuorvanController& robot, Output& output) {
+            return GetFiles(robot, output, *arguments);
+        });
     });
 }
 
@@ -283,7 +290,7 @@ StatusInfo Store(QuorvanController& robot, Output& output, RemoteFiles& remote, 
 }
 
 StatusInfo PutFiles(QuorvanController& robot, Output& output, TextList const& paths, bool force) {
-    RemoteFiles remote(*robot.Files);
+    RemoteFiles remote(*robot.Files, output);
     TransferReport report(output, "stored");
     for (std::string const& path : paths) {
         if (!report.Add(path, Store(robot, output, remote, path, force), SizeOf(path))) {
@@ -307,7 +314,7 @@ void AddPut(CLI::App& family, Session& session) {
             TextList const found = LocalFiles(glob);
             paths.insert(paths.end(), found.begin(), found.end());
         }
-        session.OnConnection([paths, force](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [paths, force](QuorvanController& robot, Output& output) {
             return PutFiles(robot, output, paths, *force);
         });
     });
@@ -315,7 +322,7 @@ void AddPut(CLI::App& family, Session& session) {
 
 StatusInfo DeleteFiles(QuorvanController& robot, Output& output, TextList const& globs) {
     TextList names;
-    StatusInfo status = RemoteFiles(*robot.Files).Find(globs, names);
+    StatusInfo status = RemoteFiles(*robot.Files, output).Find(globs, names);
     std::size_t deleted = 0;
     for (std::string const& name : names) {
         StatusInfo const result = status.StatusCode == 0 ? robot.Files->DeleteJobFile(name) : status;
@@ -346,8 +353,9 @@ void AddDelete(CLI::App& family, Session& session) {
             }
             glob += hasExtension ? "" : ".JBI";
         }
-        session.OnConnection(
-            [globs](QuorvanController& robot, Output& output) { return DeleteFiles(robot, output, *globs); });
+        session.OnConnection(Access::Operate, [globs](QuorvanController& robot, Output& output) {
+            return DeleteFiles(robot, output, *globs);
+        });
     });
 }
 
@@ -355,8 +363,9 @@ StatusInfo ShowContents(QuorvanController& robot, Output& output, std::string co
     std::string contents;
     StatusInfo status;
     {
-        Progress const progress(output, "Fetching " + name);
-        status = robot.Files->SaveFromControllerToString(name, contents);
+        Progress progress(output, "Fetching " + name);
+        status = ReadRepeatedly(progress, "Fetching " + name,
+                                [&] { return robot.Files->SaveFromControllerToString(name, contents); });
     }
     if (status.StatusCode == 0 && output.json) {
         output.Show(Json{{"name", name}, {"contents", contents}});
@@ -372,8 +381,9 @@ void AddCat(CLI::App& family, Session& session) {
     verb->add_option("NAME", *name, "Name of the file")->required();
     SetExamples(*verb, {"files cat MAIN.JBI"});
     verb->callback([name, &session] {
-        session.OnConnection(
-            [name](QuorvanController& robot, Output& output) { return ShowContents(robot, output, *name); });
+        session.OnConnection(Access::Observe, [name](QuorvanController& robot, Output& output) {
+            return ShowContents(robot, output, *name);
+        });
     });
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -65,9 +66,10 @@ void AddGetSignal(CLI::App& family, Session& session) {
     verb->add_option("SIGNAL", *names, "Such as 10010 or general-output:1.0")->required();
     SetExamples(*verb, {"io get 10010", "io get general-output:1"}, SignalHelp);
     verb->callback([names, &session] {
-        session.OnConnection([parsed = ParseSignals(*names)](QuorvanController& robot, Output& output) {
-            return ShowSignals(robot, output, parsed);
-        });
+        session.OnConnection(Access::Observe,
+                             [parsed = ParseSignals(*names)](QuorvanController& robot, Output& output) {
+                                 return ShowSignals(robot, output, parsed);
+                             });
     });
 }
 
@@ -113,8 +115,9 @@ void AddSetSignal(CLI::App& family, Session& session) {
         for (std::string const& text : *texts) {
             assignments.push_back(ParseSignalAssignment(text));
         }
-        session.OnConnection(
-            [assignments](QuorvanController& robot, Output& output) { return SetSignals(robot, output, assignments); });
+        session.OnConnection(Access::Operate, [assignments](QuorvanController& robot, Output& output) {
+            return SetSignals(robot, output, assignments);
+        });
     });
 }
 
@@ -141,6 +144,12 @@ StatusInfo Exchange(IOInterface& io, unsigned address, std::optional<Value> cons
     } else {
         return write ? io.WriteWord(address, value) : io.ReadWord(address, value);
     }
+}
+
+template <typename Value>
+Access AccessFor(std::vector<GroupRequest<Value>> const& requests) {
+    bool const writes = std::ranges::any_of(requests, [](auto const& request) { return request.write.has_value(); });
+    return writes ? Access::Operate : Access::Observe;
 }
 
 template <typename Value>
@@ -174,7 +183,7 @@ void AddGroupVerb(CLI::App& family, Session& session, char const* name, char con
         for (std::string const& text : *texts) {
             requests.push_back(ParseGroupRequest<Value>(text));
         }
-        session.OnConnection([requests](QuorvanController& robot, Output& output) {
+        session.OnConnection(AccessFor(requests), [requests](QuorvanController& robot, Output& output) {
             return ShowGroups<Value>(robot, output, requests);
         });
     });
@@ -233,10 +242,11 @@ void AddWatch(CLI::App& family, Session& session) {
         ->capture_default_str();
     SetExamples(*verb, {"io watch 10010 general-input:1", "io watch 10010 --interval 20 --json"}, SignalHelp);
     verb->callback([names, interval, &session] {
-        session.OnConnection([parsed = ParseSignals(*names),
+        session.OnConnection(Access::Observe,
+                             [parsed = ParseSignals(*names),
                               time = std::chrono::milliseconds(*interval)](QuorvanController& robot, Output& output) {
-            return Watch(robot, output, parsed, time);
-        });
+                                 return Watch(robot, output, parsed, time);
+                             });
     });
 }
 
@@ -265,16 +275,17 @@ void AddRegisterGet(CLI::App& family, Session& session) {
     verb->add_option("REGISTER", *texts, "Numbers and ranges, such as 5 or 0..9")->required();
     SetExamples(*verb, {"register get 5 10..19"});
     verb->callback([texts, &session] {
-        session.OnConnection([registers = ParseRegisters(*texts)](QuorvanController& robot, Output& output) {
-            return ShowRows(output, registers, [&](unsigned short index, Json& rows) {
-                unsigned short value = 0;
-                StatusInfo status = robot.IO->ReadRegister(index, value);
-                if (status.StatusCode == 0) {
-                    rows.push_back({{"register", index}, {"value", value}});
-                }
-                return status;
-            });
-        });
+        session.OnConnection(Access::Observe,
+                             [registers = ParseRegisters(*texts)](QuorvanController& robot, Output& output) {
+                                 return ShowRows(output, registers, [&](unsigned short index, Json& rows) {
+                                     unsigned short value = 0;
+                                     StatusInfo status = robot.IO->ReadRegister(index, value);
+                                     if (status.StatusCode == 0) {
+                                         rows.push_back({{"register", index}, {"value", value}});
+                                     }
+                                     return status;
+                                 });
+                             });
     });
 }
 
@@ -308,7 +319,7 @@ void AddRegisterSet(CLI::App& family, Session& session) {
             assignments.push_back({ParseNumber<unsigned short>(index, "register number"),
                                    ParseNumber<unsigned short>(value, "register value")});
         }
-        session.OnConnection([assignments](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [assignments](QuorvanController& robot, Output& output) {
             return SetRegisters(robot, output, assignments);
         });
     });

@@ -28,7 +28,7 @@ void AddSelect(CLI::App& family, Session& session) {
     verb->add_option("--line", arguments->line, "Line to start from, 0 to 9999")->type_name("N")->capture_default_str();
     SetExamples(*verb, {"job select MAIN", "job select MAIN --line 12"});
     verb->callback([arguments, &session] {
-        session.OnConnection([arguments](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [arguments](QuorvanController& robot, Output& output) {
             return output.Done(robot.Job->SetActiveJob(arguments->name, arguments->line));
         });
     });
@@ -39,7 +39,7 @@ void AddStart(CLI::App& parent, Session& session, char const* description) {
     SetExamples(*verb, {"job start", "job start --yes"});
     verb->callback([&session] {
         session.OnConnectionConfirmed(
-            "Starting the job MOVES THE MACHINE",
+            Access::Operate, "Starting the job MOVES THE MACHINE",
             [](QuorvanController& robot, Output& output) { return output.Done(robot.ControlCommands->StartJob()); });
     });
 }
@@ -81,7 +81,7 @@ CLI::App* AddTaskVerb(CLI::App& family, Session& session, char const* name, char
         ->capture_default_str();
     SetExamples(*verb, {fmt::format("job {}", name), fmt::format("job {} --task 1", name)});
     verb->callback([task, show, &session] {
-        session.OnConnection([task, show](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Observe, [task, show](QuorvanController& robot, Output& output) {
             return show(robot, output, static_cast<TesselTaskNumber>(*task));
         });
     });

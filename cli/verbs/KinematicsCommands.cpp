@@ -120,9 +120,10 @@ void AddKinematicsCommands(CLI::App& app, Session& session) {
     SetExamples(*verb, {"convert R1 pulse:0,0,0,0,0,0 --to cartesian", "convert R1 base:480,0,600,180,0,0 --to joint"},
                 PositionHelp);
     verb->callback([arguments, &session] {
-        session.OnConnection([conversion = ParseConversion(*arguments)](QuorvanController& robot, Output& output) {
-            return Convert(robot, output, conversion);
-        });
+        session.OnConnection(Access::Observe,
+                             [conversion = ParseConversion(*arguments)](QuorvanController& robot, Output& output) {
+                                 return Convert(robot, output, conversion);
+                             });
     });
 }
 

@@ -32,7 +32,7 @@ struct MoveArguments {
 
 void PlanTrajectory(Session& session, Trajectory trajectory) {
     session.EnableLogging();
-    session.OnConnectionConfirmed(MoveWarning,
+    session.OnConnectionConfirmed(Access::Full, MoveWarning,
                                   [trajectory = std::move(trajectory)](QuorvanController& robot, Output& output) {
                                       return RunTrajectory(robot, output, trajectory);
                                   });
@@ -113,7 +113,7 @@ void AddProgress(CLI::App& app, Session& session) {
     verb->add_option("GROUP", *group, "Control group, such as R1")->type_name("GROUP")->capture_default_str();
     SetExamples(*verb, {"progress R1"});
     verb->callback([group, &session] {
-        session.OnConnection([id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Observe, [id = ParseGroup(*group)](QuorvanController& robot, Output& output) {
             return ShowProgress(robot, output, id);
         });
     });
@@ -125,7 +125,7 @@ void AddStop(CLI::App& parent, Session& session, char const* description) {
     verb->add_flag("--keep-targets", *keep, "Leave the controller's targets as they are");
     SetExamples(*verb, {"motion stop", "stop"});
     verb->callback([keep, &session] {
-        session.OnConnection([keep](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [keep](QuorvanController& robot, Output& output) {
             return output.Done(StopMotion(*robot.MotionManager, !*keep));
         });
     });
@@ -135,7 +135,7 @@ void AddClear(CLI::App& parent, Session& session, char const* description) {
     CLI::App* const verb = parent.add_subcommand("clear", description);
     SetExamples(*verb, {"motion clear", "clear"});
     verb->callback([&session] {
-        session.OnConnection([](QuorvanController& robot, Output& output) {
+        session.OnConnection(Access::Operate, [](QuorvanController& robot, Output& output) {
             return output.Done(robot.MotionManager->ClearAllTrajectory());
         });
     });
@@ -146,7 +146,7 @@ void AddStart(CLI::App& family, Session& session) {
         family.add_subcommand("start", "Start the motion to the targets that the controller has: MOVES THE MACHINE");
     SetExamples(*verb, {"motion start --yes"});
     verb->callback([&session] {
-        session.OnConnectionConfirmed(MoveWarning, [](QuorvanController& robot, Output& output) {
+        session.OnConnectionConfirmed(Access::Full, MoveWarning, [](QuorvanController& robot, Output& output) {
             return output.Done(robot.MotionManager->MotionStart());
         });
     });

@@ -48,8 +48,9 @@ void AddGetVariable(CLI::App& family, Session& session) {
             std::vector<VariableAddress> const range = ParseVariableRange(name);
             addresses.insert(addresses.end(), range.begin(), range.end());
         }
-        session.OnConnection(
-            [addresses](QuorvanController& robot, Output& output) { return ShowVariables(robot, output, addresses); });
+        session.OnConnection(Access::Observe, [addresses](QuorvanController& robot, Output& output) {
+            return ShowVariables(robot, output, addresses);
+        });
     });
 }
 
@@ -78,8 +79,9 @@ void AddSetVariable(CLI::App& family, Session& session) {
             std::vector<VariableAssignment> const range = ParseVariableAssignment(text);
             assignments.insert(assignments.end(), range.begin(), range.end());
         }
-        session.OnConnection(
-            [assignments](QuorvanController& robot, Output& output) { return WriteAll(robot, output, assignments); });
+        session.OnConnection(Access::Operate, [assignments](QuorvanController& robot, Output& output) {
+            return WriteAll(robot, output, assignments);
+        });
     });
 }
 
@@ -159,9 +161,10 @@ void AddDump(CLI::App& family, Session& session) {
         if (!arguments->path.empty() && !arguments->force && std::filesystem::exists(arguments->path)) {
             throw InputError(fmt::format("{} exists; give --force to overwrite it", arguments->path));
         }
-        session.OnConnection([kinds, path = arguments->path](QuorvanController& robot, Output& output) {
-            return Dump(robot, output, kinds, path);
-        });
+        session.OnConnection(Access::Observe,
+                             [kinds, path = arguments->path](QuorvanController& robot, Output& output) {
+                                 return Dump(robot, output, kinds, path);
+                             });
     });
 }
 
@@ -172,10 +175,10 @@ void AddLoad(CLI::App& family, Session& session) {
     verb->add_option("FILE", *path, "CSV with the header line variable,value")->type_name("FILE")->required();
     SetExamples(*verb, {"var load vars.csv"}, VariableHelp);
     verb->callback([path, &session] {
-        session.OnConnection(
-            [variables = ParseVariableFile(*path, ReadTextFile(*path))](QuorvanController& robot, Output& output) {
-                return WriteAll(robot, output, variables);
-            });
+        session.OnConnection(Access::Operate, [variables = ParseVariableFile(*path, ReadTextFile(*path))](
+                                                  QuorvanController& robot, Output& output) {
+            return WriteAll(robot, output, variables);
+        });
     });
 }
 

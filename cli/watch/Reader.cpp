@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cli/output/Words.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/program/VariableAccess.h"
 #include "harvlink/ControlGroupInterface.h"
 #include "harvlink/IOInterface.h"
@@ -87,7 +88,7 @@ Sample const& Reader::Read() {
 
 // Whether to go on reading. After a time-out each further read would only wait for another one.
 bool Reader::IsAnswered(StatusInfo const& status) {
-    if (status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout)) {
+    if (IsSilence(status)) {
         silence_ = status;
     }
     return silence_.StatusCode == 0 && !isStopped_;

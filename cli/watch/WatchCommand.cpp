@@ -146,17 +146,18 @@ void AddWatchCommand(CLI::App& app, Session& session) {
     verb->callback([arguments, &session] {
         watch::Selection const selection = watch::ParseSelection(*arguments);
         watch::CheckTerminal(*arguments, session.output());
-        session.OnConnection([arguments, selection, &session](QuorvanController& robot, Output& output) {
-            watch::Reader reader(robot, session.settings().host, selection);
-            StatusInfo prepared = reader.Prepare();
-            std::chrono::milliseconds const interval(arguments->interval);
-            if (prepared.StatusCode != 0) {
-                return prepared;
-            }
-            return arguments->once ? watch::ShowOnce(reader, output)
-                   : output.json   ? watch::ShowLines(reader, output, interval)
-                                   : watch::ShowOnScreen(reader, output, interval);
-        });
+        session.OnConnection(Access::Observe,
+                             [arguments, selection, &session](QuorvanController& robot, Output& output) {
+                                 watch::Reader reader(robot, session.settings().host, selection);
+                                 StatusInfo prepared = reader.Prepare();
+                                 std::chrono::milliseconds const interval(arguments->interval);
+                                 if (prepared.StatusCode != 0) {
+                                     return prepared;
+                                 }
+                                 return arguments->once ? watch::ShowOnce(reader, output)
+                                        : output.json   ? watch::ShowLines(reader, output, interval)
+                                                        : watch::ShowOnScreen(reader, output, interval);
+                             });
     });
 }
 

@@ -22,15 +22,26 @@ std::string NamesOf(Json const& findings, std::string const& expected) {
     return names;
 }
 
+/// The names of the rules that would have refused something.
+std::string RulesOf(Json const& strict) {
+    std::string names;
+    for (Json const& rule : strict.is_null() ? Json::array() : strict["rules"]) {
+        names += rule["count"] > 0 ? rule["rule"].get<std::string>() + " " : "";
+    }
+    return names;
+}
+
 TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
     struct Case {
         char const* faults;
         char const* findings;
-        char const* options = "--timeout 250 --probes 20";
+        char const* options = "--timeout 250 --probes 20 --no-audit";
+        char const* rule = ""; ///< one that would have refused something
     };
+    constexpr char const* Audited = "--timeout 250 --probes 20";
     constexpr char const* Hasty = "--timeout 60 --probes 5"; // no controller answers, so a short wait is enough
     std::array<Case, 27> const cases{{
-        {"", ""},
+        {"", "", Audited},
         {"", "", "--generation YA --probes 3"},
         {"", "other-generation", "--generation FS --probes 3"},
         {"drop=100%", "no-answer", Hasty},
@@ -49,14 +60,14 @@ TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
         {"delay=100%,delay-ms=400", "slow", "--timeout 250 --probes 5"},
         {"seed=5,silence=3%,silence-ms=100000", "stopped", "--timeout 60 --probes 100"},
         {"duplicate=50%", "duplicates"},
-        {"truncate=20%", "damaged"},
+        {"truncate=20%,file-truncate=0", "damaged", Audited, "FittingAnswer"},
         {"truncate=100%", "damaged", Hasty},
         {"flip-bits=30%", "damaged"},
         {"truncate=30%,duplicate=30%", "damaged duplicates"},
         {"extend=20%", "damaged"},
         {"wrong-id=20%", "damaged"},
         {"stale-id=100%", "wrong-answers", Hasty},
-        {"other-source=50%", "other-source"},
+        {"other-source=50%,file-other-source=0", "other-source", Audited, "KnownSender"},
     }};
     simulator::Server server;
     std::array<std::string, cases.size()> hosts;
@@ -77,6 +88,7 @@ TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
         EXPECT_EQ(link["probes"].get<int>(), link["answered"].get<int>() + link["late"].get<int>() +
                                                  link["spoilt"].get<int>() + link["lost"].get<int>());
         EXPECT_EQ(result.exit, report["diagnosis"] == "ok" ? 0 : 1);
+        EXPECT_EQ(RulesOf(report["strict"]).find(expected.rule) != std::string::npos, true) << result.out;
     }
 }
 
@@ -166,10 +178,10 @@ TEST(Doctor, SaysHowALinkFails) {
     }
 }
 
-TEST_F(ToolTest, TheDoctorOnlyReads) {
+TEST_F(ToolTest, TheDoctorMeasuresAndAudits) {
     Result const result = RunTool("doctor --timeout 5000");
     EXPECT_NE(result.out.find("  Link        200 probes, all answered\n"), std::string::npos) << result.out;
-    EXPECT_EQ(controller_->Traffic().requests, 202U) << "what it is, whether it serves files, and the probes";
+    EXPECT_NE(result.out.find("\nStrict connection\n  Works here: "), std::string::npos) << result.out;
 }
 
 } // namespace

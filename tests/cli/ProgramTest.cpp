@@ -196,14 +196,23 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
 
 TEST(Program, GivesUpOnASilentHostInTimeAndRefusesWrongUsageAtOnce) {
     ::unsetenv("HARVLINK_HOST");
+    simulator::ControllerOptions options;
+    ASSERT_EQ(options.faults.Parse("drop=100%,file-drop=100%"), "");
+    std::string const host = test::NextLoopbackAddress();
+    simulator::Server server;
+    server.Add(host, options);
+    ASSERT_TRUE(server.Start()) << server.Error();
     auto const start = std::chrono::steady_clock::now();
-    Result const silent = RunTool("--host 127.9.9.9 --timeout 50 --retries 2 status --json");
+    Result const silent = RunTool("--host " + host + " --timeout 50 --retries 2 status --json");
     std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(silent.exit, 1);
     EXPECT_EQ(silent.err, "Code (196614): No response from controller after 2 retries.\n");
     EXPECT_EQ(silent.out, "");
     EXPECT_GE(elapsed.count(), 0.15);
     EXPECT_LT(elapsed.count(), 3.0);
+    Result const nobody = RunTool("--host 127.9.9.9 status"); // this host says itself that nobody listens there
+    EXPECT_EQ(nobody.exit, 1);
+    EXPECT_TRUE(nobody.err.starts_with("Code (327682): ")) << nobody.err;
     for (char const* const line : {"status", "--host 1.2.3 status", "--host 127.9.9.9 --timeout x status",
                                    "--host 127.9.9.9 --retries -1 status", "--host 127.9.9.9 position"}) {
         EXPECT_EQ(RunTool(line).exit, 2) << line;

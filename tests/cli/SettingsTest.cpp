@@ -64,7 +64,7 @@ TEST_F(SettingsTest, NameTheSourceOfABadValue) {
         char const* options;
         char const* problem;
     };
-    std::array<Case, 11> const cases{{
+    std::array<Case, 12> const cases{{
         {"host = \"1.2.3\"\n", "", "", "config.toml:1: '1.2.3' is not an IPv4 address"},
         {"host = \"127.1.2.010\"\n", "", "", "config.toml:1: '127.1.2.010' is not an IPv4 address"},
         {"\nhost = 5\n", "", "", "config.toml:2: host must be a text in quotes"},
@@ -72,6 +72,7 @@ TEST_F(SettingsTest, NameTheSourceOfABadValue) {
         {"generation = ya\n", "", "", "config.toml:1: generation must be a text in quotes"},
         {"timeout = \"5\"\n", "", "", "config.toml:1: timeout must be a whole number"},
         {"timeout = 5\nhots = \"1.2.3.4\"\n", "", "", "config.toml:2: there is no setting 'hots'; there are: host, "},
+        {"timeout = 0\n", "", "", "config.toml:1: number of milliseconds 0 is out of range, from 1 to 600000"},
         {"timeout = \n", "", "", "config.toml:1: "},
         {"timeout = 5\n", "-1", "", "HARVLINK_TIMEOUT: '-1' is not a valid number of milliseconds"},
         {"", "", "--retries 1001", "--retries: number of retries 1001 is out of range"},

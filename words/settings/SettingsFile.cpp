@@ -26,18 +26,19 @@ void CheckHost(std::string const& text) {
     }
 }
 
-void CheckNumber(std::string const& text, char const* what, unsigned most) {
-    if (ParseNumber<unsigned>(text, what) > most) {
-        throw InputError(fmt::format("{} {} is out of range, at most {} is allowed", what, text, most));
+void CheckNumber(std::string const& text, char const* what, unsigned least, unsigned most) {
+    unsigned const number = ParseNumber<unsigned>(text, what);
+    if (number < least || number > most) {
+        throw InputError(fmt::format("{} {} is out of range, from {} to {}", what, text, least, most));
     }
 }
 
 void CheckTimeout(std::string const& text) {
-    CheckNumber(text, "number of milliseconds", LongestTimeout);
+    CheckNumber(text, "number of milliseconds", 1, LongestTimeout);
 }
 
 void CheckRetries(std::string const& text) {
-    CheckNumber(text, "number of retries", MostRetries);
+    CheckNumber(text, "number of retries", 0, MostRetries);
 }
 
 void CheckGeneration(std::string const& text) {
