@@ -98,7 +98,7 @@ WIRE_FORMATS = re.compile(
 
 # Libraries of others have their places too; the library and its headers use none.
 LIBRARIES = {
-    "CLI/": ["cli/", "simulator/program/", "soak/"],
+    "CLI/": ["cli/", "simulator/program/", "soak/", "tests/cli/"],
     "curses.h": ["cli/watch/"],
     "toml++/": ["words/settings/", "simulator/scene/"],
     "fmt/": ["words/", "recording/", "simulator/", "cli/", "gateway/", "soak/", "fuzz/", "tests/"],
