@@ -25,7 +25,7 @@ public:
     /// If there is no answer even then, the controller counts as gone.
     template <typename ReadOnce>
     StatusInfo Ask(std::string_view what, ReadOnce const& read) {
-        StatusInfo const status =
+        StatusInfo status =
             ReadRepeatedly(progress_, fmt::format("Reading {}", what), [&] { return IsGone() ? reason_ : read(); });
         if (reason_.StatusCode == 0 && IsSilence(status)) {
             reason_ = status;

@@ -11,7 +11,8 @@ ControllerHandle NewHandle(QuorvanController* controller, bool isStrict) {
     static std::mutex mutex;
     static auto& cells = *new std::forward_list<ControllerCell>; // outlives every destructor of the program
     std::lock_guard const lock(mutex);
-    return &cells.emplace_front(ControllerCell{controller, isStrict});
+    cells.push_front({controller, isStrict});
+    return &cells.front();
 }
 
 } // namespace harvlink::Binding
