@@ -66,7 +66,7 @@ ControllerHandle Open(HarvlinkConnectOptions const& options, StatusInfo& status)
     if (!connection) {
         return &noConnection;
     }
-    ControllerHandle const handle = NewHandle(connection.get(), !given.audit && given.rules.Has(Rule::NoExceptions));
+    auto* const handle = NewHandle(connection.get(), !given.audit && given.rules.Has(Rule::NoExceptions));
     (void)connection.release();
     return handle;
 }

@@ -9,7 +9,9 @@ namespace harvlink::Binding {
 
 ControllerHandle NewHandle(QuorvanController* controller, bool isStrict) {
     static std::mutex mutex;
-    static auto& cells = *new std::forward_list<ControllerCell>; // outlives every destructor of the program
+    // Outlives every destructor of the program.
+    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): of this function alone, under its lock
+    static auto& cells = *new std::forward_list<ControllerCell>;
     std::lock_guard const lock(mutex);
     cells.push_front({controller, isStrict});
     return &cells.front();
@@ -22,7 +24,7 @@ ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status, uns
     harvlink::StatusInfo result;
     harvlink::QuorvanController* const controller = harvlink::OpenConnection(
         ConvertChar8ToString(ipAddress), result, timeoutMilliseconds, retries, true, harvlink::HeaderVersion);
-    ControllerHandle const handle = harvlink::Binding::NewHandle(controller, false);
+    auto* const handle = harvlink::Binding::NewHandle(controller, false);
     *status = ToPlain(result);
     return handle;
 }
