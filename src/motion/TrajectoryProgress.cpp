@@ -24,8 +24,11 @@ StepRecord TrajectoryProgress::LookLocked(StepNumber number) const {
     if (number >= firstWaiting) {
         return {.number = number, .outcome = number <= queued ? StepOutcome::Queued : StepOutcome::Unknown};
     }
+    if (number == 0 || records.empty()) { // steps count from 1, and the ring comes with the first
+        return {.number = number};
+    }
     StepRecord const& record = records[number % remembered];
-    return record.number == number && number != 0 ? record : StepRecord{.number = number};
+    return record.number == number ? record : StepRecord{.number = number};
 }
 
 void TrajectoryProgress::MakeRoom() {
