@@ -130,7 +130,7 @@ CLI::App const& ReachedCommand(CLI::App const& app) {
 }
 
 std::string ParseErrorText(CLI::App const& app, CLI::ParseError const& error) {
-    // The parser reports a missing argument before it reports the unknown word that stands in its place.
+    // The parser reports a missing argument before it reports the unknown word that was typed instead.
     bool const isIncomplete = error.get_name() == "RequiredError";
     Names unknown = UnknownWords(app, error);
     unknown.erase(std::remove(unknown.begin(), unknown.end(), ""), unknown.end());

@@ -55,7 +55,7 @@ inline constexpr std::array<FileKind, 7> FileKinds{{
 /// As designed, blocks that the controller sends count in any order, doubled and without end. With Rule::BlockOrder a
 /// repeated block is dropped; a block that is left out ends the transfer with FileBlockMissing, more than `largestFile`
 /// bytes with FileTooLarge, and a listing that the controller refuses without a block ends with its code; nothing more is
-/// sent then. Of a file that is loaded, an answer to another block than the one that was sent does not count.
+/// sent then. While a file is loaded, only the answer to the block that was sent counts.
 class FileInterface {
 public:
     FileInterface() = default;

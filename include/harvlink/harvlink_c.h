@@ -627,8 +627,8 @@ HARVLINK_EXPORT IStatusInfo job_interface_get_job_stack(ControllerHandle handle,
 /* ---- Files (FileInterface.h) --------------------------------------------------------------------------------------- */
 
 /* Blocks until the file is through, one exchange per 479 bytes; one transfer at a time, or they mix up on the
- * controller. A name ends in .JBI, .DAT, .CND, .PRM, .SYS, .LST or .LOG, in upper or lower case. Of a file that is
- * fetched, the rest of a block behind a zero byte is lost. */
+ * controller. A name ends in .JBI, .DAT, .CND, .PRM, .SYS, .LST or .LOG, in upper or lower case. A fetched
+ * file loses the rest of each block behind its first zero byte. */
 
 /** Writes the text `content` to the controller as `fileName`. 0x20001 for an unknown extension, 0x20008 for .PRM,
  * .SYS and .LOG, 0x30014 for a job without its "//NAME" line, 0x20007 for a name above 32 characters. */

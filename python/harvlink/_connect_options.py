@@ -21,7 +21,7 @@ def rule_bits(rules: RuleSet) -> int:
     bits = 0
     for name in rules:
         if name not in RULES:
-            raise ValueError(f"{name!r} is no rule; there are: {', '.join(RULES)}")
+            raise ValueError(f"{name!r} is not a rule; there are: {', '.join(RULES)}")
         bits |= 1 << RULES.index(name)
     return bits
 

@@ -5,7 +5,7 @@
 
 namespace harvlink::simulator {
 
-/// Whether the characters may stand in a job's name, without its extension.
+/// Whether a job's name, without its extension, may have these characters.
 bool IsJobName(std::string_view text);
 
 std::string UpperCase(std::string_view text);

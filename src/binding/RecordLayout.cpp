@@ -117,7 +117,7 @@ SAME_FIELD(ZyxEulerPose, rx);
 SAME_FIELD(ZyxEulerPose, ry);
 SAME_FIELD(ZyxEulerPose, rz);
 
-// These grow behind their end, and have no twin of the same layout: what stands in them stays where it is.
+// These have no C++ twin. They may grow at their end only: every field keeps its place.
 static_assert(sizeof(HarvlinkConnectOptions) == 48);
 static_assert(offsetof(HarvlinkConnectOptions, address) == 8);
 static_assert(offsetof(HarvlinkConnectOptions, retries) == 16);

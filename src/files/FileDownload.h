@@ -46,7 +46,7 @@ public:
     /// The request as it was sent last.
     FileRequest const& LastRequest() const { return request; }
 
-    /// Appends the text that has arrived to `out`. Of a block that holds a zero byte only what stands before it counts.
+    /// Appends the text that has arrived to `out`. A block counts up to its first zero byte.
     void MoveTextTo(std::string& out) { text.MoveTo(out); }
 
 private:
