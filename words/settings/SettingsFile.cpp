@@ -27,7 +27,7 @@ void CheckHost(std::string const& text) {
 }
 
 void CheckNumber(std::string const& text, char const* what, unsigned least, unsigned most) {
-    unsigned const number = ParseNumber<unsigned>(text, what);
+    auto const number = ParseNumber<unsigned>(text, what);
     if (number < least || number > most) {
         throw InputError(fmt::format("{} {} is out of range, from {} to {}", what, text, least, most));
     }
