@@ -31,7 +31,13 @@
 
 #include "harvlink/Export.h"
 
+struct ControllerCell;
+
 #ifdef __cplusplus
+/* Many names are those of the C++ interface. In a namespace of their own, which is part of the global one, they find each
+ * other even where `using namespace harvlink` stands before this file. A name that both have is then `::Motion` or
+ * `harvlink::Motion` to a program. */
+inline namespace harvlink_c {
 extern "C" {
 #endif
 
@@ -834,7 +840,8 @@ HARVLINK_EXPORT void frame_math_zyx_euler_to_frame(ZyxEulerPose const* in, Euler
 HARVLINK_EXPORT void frame_math_set_identity_matrix_in_frame(EulerMatrix* out);
 
 #ifdef __cplusplus
-}
+} /* extern "C" */
+} /* namespace harvlink_c */
 #endif
 
 #endif /* HARVLINK_C_H */

@@ -4,6 +4,9 @@
 #include "harvlink/harvlink.h"
 #include "harvlink/harvlink_c.h"
 
+// The plain functions are defined in the namespace in which the header declares them: elsewhere they would be other ones,
+// which are not exported.
+
 /// The cell behind a handle; null inside after a failed connection.
 struct ControllerCell {
     harvlink::QuorvanController* controller = nullptr;

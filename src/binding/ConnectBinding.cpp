@@ -112,6 +112,8 @@ IStatusInfo StatusOf(Operation const& operation) {
 
 namespace binding = harvlink::Binding;
 
+inline namespace harvlink_c {
+
 void harvlink_connect_options_init(HarvlinkConnectOptions* options) {
     *options = binding::Defaults();
 }
@@ -142,3 +144,5 @@ IStatusInfo harvlink_get_connection_statistics(ControllerHandle handle, Harvlink
         return harvlink::StatusInformation(harvlink::ErrorStatusCodes::Ok);
     });
 }
+
+} // namespace harvlink_c

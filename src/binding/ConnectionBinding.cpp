@@ -19,6 +19,8 @@ ControllerHandle NewHandle(QuorvanController* controller, bool isStrict) {
 
 } // namespace harvlink::Binding
 
+inline namespace harvlink_c {
+
 ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status, unsigned timeoutMilliseconds,
                                  unsigned retries) {
     harvlink::StatusInfo result;
@@ -32,3 +34,5 @@ ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status, uns
 void close_connection(ControllerHandle handle) {
     harvlink::CloseConnection(handle->controller);
 }
+
+} // namespace harvlink_c

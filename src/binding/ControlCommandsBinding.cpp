@@ -4,6 +4,8 @@ using namespace harvlink::InteropHelper;
 using harvlink::Binding::ControllerOf;
 using harvlink::Binding::Guarded;
 
+inline namespace harvlink_c {
+
 IStatusInfo control_commands_interface_SetServos(ControllerHandle handle, SignalStatus state) {
     return ToPlain(ControllerOf(handle).ControlCommands->SetServos(static_cast<harvlink::SignalStatus>(state)));
 }
@@ -25,3 +27,5 @@ IStatusInfo control_commands_interface_DisplayStringToPendant(ControllerHandle h
 IStatusInfo control_commands_interface_StartJob(ControllerHandle handle) {
     return ToPlain(ControllerOf(handle).ControlCommands->StartJob());
 }
+
+} // namespace harvlink_c

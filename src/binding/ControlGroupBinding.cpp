@@ -6,6 +6,8 @@ using namespace harvlink::InteropHelper;
 using harvlink::Binding::As;
 using harvlink::Binding::ControllerOf;
 
+inline namespace harvlink_c {
+
 IStatusInfo control_group_interface_read_position_data(ControllerHandle handle, ControlGroupId group,
                                                        CoordinateType type, unsigned char userCoordinateNumber,
                                                        unsigned char toolNumber, PositionData* position) {
@@ -33,3 +35,5 @@ IStatusInfo control_group_interface_read_torque_data(ControllerHandle handle, Co
     return ToPlain(ControllerOf(handle).ControlGroup->ReadTorqueData(static_cast<harvlink::ControlGroupId>(group),
                                                                      As<harvlink::TorqueData>(data)));
 }
+
+} // namespace harvlink_c

@@ -5,6 +5,8 @@ using harvlink::Binding::As;
 using harvlink::Binding::ControllerOf;
 using harvlink::Binding::ReturnedTexts;
 
+inline namespace harvlink_c {
+
 IStatusInfo controller_state_interface_read_state(ControllerHandle handle, ControllerStateData* state) {
     return ToPlain(ControllerOf(handle).Status->ReadState(As<harvlink::ControllerStateData>(state)));
 }
@@ -38,3 +40,5 @@ IStatusInfo controller_state_group_read_system_param(ControllerHandle handle, Sy
     return ToPlain(ControllerOf(handle).Status->ReadSystemParam(static_cast<harvlink::SystemParameterType>(type),
                                                                 number, group, *value));
 }
+
+} // namespace harvlink_c

@@ -23,6 +23,8 @@ Plain ToPlainList(Alarms const& alarms, ReturnedTexts& texts) {
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo fault_interface_get_active_alarms(ControllerHandle handle, IActiveAlarms* alarms) {
     *alarms = {};
     harvlink::ActiveAlarms read;
@@ -45,3 +47,5 @@ IStatusInfo fault_interface_get_alarm_history(ControllerHandle handle, AlarmCate
 IStatusInfo fault_interface_clear_all_faults(ControllerHandle handle) {
     return ToPlain(ControllerOf(handle).Faults->ClearAllFaults());
 }
+
+} // namespace harvlink_c

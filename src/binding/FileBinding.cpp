@@ -14,6 +14,8 @@ harvlink::FileInterface& FilesOf(ControllerHandle handle) {
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo file_interface_LoadToControllerFromString(ControllerHandle handle, char const* fileName,
                                                       char const* content) {
     return Guarded(handle, [&] {
@@ -60,3 +62,5 @@ char* file_interface_ListFiles(ControllerHandle handle, FileType type, IStatusIn
     *status = texts.Checked(ToPlain(result));
     return names;
 }
+
+} // namespace harvlink_c

@@ -2,6 +2,8 @@
 
 using harvlink::Binding::As;
 
+inline namespace harvlink_c {
+
 void vector_math_inner_product(XyzVector const* first, XyzVector const* second, double* out) {
     harvlink::InnerProduct(&As<harvlink::XyzVector>(first), &As<harvlink::XyzVector>(second), out);
 }
@@ -36,3 +38,5 @@ void frame_math_zyx_euler_to_frame(ZyxEulerPose const* in, EulerMatrix* out) {
 void frame_math_set_identity_matrix_in_frame(EulerMatrix* out) {
     harvlink::SetIdentityMatrixInFrame(&As<harvlink::EulerMatrix>(out));
 }
+
+} // namespace harvlink_c

@@ -53,6 +53,8 @@ IStatusInfo WriteWordBits(ControllerHandle handle, unsigned value, Place... plac
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo io_interface_type_ReadBit(ControllerHandle handle, IOType type, unsigned short group, unsigned char bit,
                                       int* value) {
     return ReadBit(handle, value, ToClassSide(type), group, bit);
@@ -166,3 +168,5 @@ uint32_t io_interface_ConvertIOGroupToBitAddress(ControllerHandle handle, IOType
     *status = ToPlain(result);
     return address;
 }
+
+} // namespace harvlink_c

@@ -16,6 +16,8 @@ IJobStack ToPlainStack(std::vector<std::string> const& jobs, ReturnedTexts& text
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo job_interface_set_active_job(ControllerHandle handle, char const* name, unsigned line) {
     return Guarded(handle, [&] { return ControllerOf(handle).Job->SetActiveJob(ConvertChar8ToString(name), line); });
 }
@@ -39,3 +41,5 @@ IStatusInfo job_interface_get_job_stack(ControllerHandle handle, TesselTaskNumbe
     *jobs = ToPlainStack(read, texts);
     return texts.Checked(ToPlain(status));
 }
+
+} // namespace harvlink_c

@@ -8,6 +8,8 @@ using harvlink::Binding::ControllerOf;
 
 // The caller's records are passed straight through: one that is source and result is zeroed before it is read.
 
+inline namespace harvlink_c {
+
 IStatusInfo kinematics_interface_ConvertPosition(ControllerHandle handle, ControlGroupId group, PositionData* source,
                                                  KinematicConversions conversion, PositionData* result) {
     return ToPlain(ControllerOf(handle).Kinematics->ConvertPosition(
@@ -26,3 +28,5 @@ IStatusInfo kinematics_interface_ConvertPositionFromCartesian(ControllerHandle h
         static_cast<harvlink::KinematicConversions>(conversion), static_cast<harvlink::KinematicType>(type), angles,
         As<harvlink::PositionData>(result)));
 }
+
+} // namespace harvlink_c

@@ -18,6 +18,8 @@ IStatusInfo AddPoints(ControllerHandle handle, Motion const* first, Others const
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo motion_manager_AddPointToTrajectory(ControllerHandle handle, Motion const* first) {
     return AddPoints(handle, first);
 }
@@ -55,3 +57,5 @@ IStatusInfo motion_manager_MotionStop(ControllerHandle handle, bool clearTraject
 IStatusInfo motion_manager_ClearAllTrajectory(ControllerHandle handle) {
     return ToPlain(MotionOf(handle).ClearAllTrajectory());
 }
+
+} // namespace harvlink_c

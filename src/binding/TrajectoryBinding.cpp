@@ -44,6 +44,8 @@ HarvlinkTrajectoryState ToPlainState(harvlink::TrajectoryState const& state, std
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo harvlink_motion_add(ControllerHandle handle, std::uint64_t* stepNumber, Motion const* first,
                                 Motion const* second, Motion const* third, Motion const* fourth) {
     // By reference, so that it can be a circular motion; the others are copied.
@@ -76,3 +78,5 @@ IStatusInfo harvlink_motion_wait_until_sent(ControllerHandle handle, std::uint64
                                             std::uint32_t timeoutMilliseconds) {
     return ToPlain(TrajectoryOf(handle).WaitUntilSent(stepNumber, timeoutMilliseconds));
 }
+
+} // namespace harvlink_c

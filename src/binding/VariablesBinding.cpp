@@ -24,6 +24,8 @@ IStatusInfo WriteVariable(harvlink::VariableInterface<Record>* variables, Plain 
 
 } // namespace
 
+inline namespace harvlink_c {
+
 IStatusInfo byte_variable_interface_read(ControllerHandle handle, unsigned short index, ByteVariableData* variable) {
     return ReadVariable(VariablesOf(handle).byteVariable, index, variable);
 }
@@ -103,3 +105,5 @@ IStatusInfo station_position_variable_interface_write(ControllerHandle handle,
                                                       StationPositionVariableData const* variable) {
     return WriteVariable(VariablesOf(handle).stationPositionVariable, variable);
 }
+
+} // namespace harvlink_c

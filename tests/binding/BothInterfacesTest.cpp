@@ -1,12 +1,13 @@
 #include "harvlink/harvlink.h"
-#include "harvlink/harvlink_c.h"
 
-using namespace harvlink; // as programs do; names that both interfaces have are qualified
+using namespace harvlink; // as programs do, even before the other interface; names that both have are qualified
 
 #include <sstream>
 #include <type_traits>
 
 #include <gtest/gtest.h>
+
+#include "harvlink/harvlink_c.h"
 
 namespace {
 
