@@ -11,8 +11,8 @@
 
 namespace harvlink {
 
-/// Of the last 1,024 answered exchanges; all 0 while there was none. An exchange that was asked again counts from the first
-/// time.
+/// How long the last 1,024 answered exchanges waited for their answer once the request was sent; all 0 while there was none.
+/// An exchange that was asked again counts from the first time.
 struct RoundTripTimes {
     std::uint32_t count = 0; ///< exchanges that these times are of, 1,024 at most
     std::uint32_t leastMicroseconds = 0;
@@ -31,7 +31,9 @@ struct ConnectionStatistics {
     std::uint64_t timeouts = 0; ///< exchanges that ended without an answer
     std::uint64_t lateAnswers = 0; ///< answers to an earlier exchange
     std::uint64_t doubledAnswers = 0; ///< a further answer to the exchange before, and repeated blocks of a file
-    std::uint64_t foreignAnswers = 0; ///< from another address or port
+    /// From another address or port. Told apart where Rule::KnownSender is audited; where it is enforced the system keeps
+    /// them away.
+    std::uint64_t foreignAnswers = 0;
     std::uint64_t malformedAnswers =
         0; ///< magic, division, header size, service or payload size do not fit, or too short
     std::uint64_t repeatedRequests = 0; ///< reads that were asked again

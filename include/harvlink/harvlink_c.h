@@ -241,7 +241,7 @@ typedef struct HarvlinkConnectionStatistics {
     uint64_t timeouts;
     uint64_t lateAnswers;
     uint64_t doubledAnswers;
-    uint64_t foreignAnswers;
+    uint64_t foreignAnswers; /**< told apart where the rule KnownSender is audited */
     uint64_t malformedAnswers;
     uint64_t repeatedRequests;
     uint64_t startUpRetries;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <span>
 
@@ -15,6 +16,7 @@ struct Arrival {
     std::size_t length = 0;
     bool isForeign = false; ///< it came from another address or port than those of the controller that were asked
     bool isRefused = false; ///< instead of a datagram: the host says that nobody listens on the port
+    std::chrono::nanoseconds waited{}; ///< part of the period that had passed when it was there
 
     Arrival() = default;
     // NOLINTNEXTLINE(google-explicit-constructor): a length alone says it all but for sockets

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cstring>
 #include <mutex>
@@ -16,6 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
+using std::chrono::nanoseconds;
 
 constexpr int systemTimeoutError = 10060;
 constexpr std::uint8_t answerFlag = 0x80; ///< a controller sets it in the service that it answers
@@ -34,7 +36,8 @@ SubHeaderForSending SubHeaderOf(OutgoingView const& request) {
 }
 
 bool IsMagic(CommonHeader const& header) {
-    return header.magic == CommonHeader{}.magic;
+    // Compared as one number: arrays would be compared by a call of the C library.
+    return std::bit_cast<std::uint32_t>(header.magic) == std::bit_cast<std::uint32_t>(CommonHeader{}.magic);
 }
 
 /// As constructed, so that a datagram that does not count leaves nothing behind, such as a last block.
@@ -76,7 +79,7 @@ struct NetworkManager::Question {
     bool isWaitedFor;
     std::uint8_t id = 0;
     microseconds period{};
-    Clock::time_point start{};
+    nanoseconds waited{}; ///< for the answer, since the request was sent
     std::size_t answerLength = 0;
     std::optional<Rule> refusedBy{}; ///< the rule that last dropped what would have been the answer
 
@@ -127,7 +130,6 @@ StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, st
 
 StatusInfo NetworkManager::Ask(Question& question) {
     question.request.header.requestId = question.id;
-    question.start = Clock::now();
     try {
         if (!RenewIfDue(question)) {
             return NamingRule(StatusInformation(ErrorStatusCodes::SystemFailure), Rule::NewPort);
@@ -190,10 +192,10 @@ StatusInfo NetworkManager::WaitForAnswer(Question& question) {
 /// Listens for 1 + retries periods.
 NetworkManager::Outcome NetworkManager::Listen(Question& question) {
     question.period = microseconds(timeoutMicroseconds);
-    Outcome outcome = ListenForPeriod(question, 0);
+    Outcome outcome = ListenForPeriod(question);
     for (std::uint64_t number = 1; number <= retries && outcome == Outcome::Silent; ++number) {
         Repeat(question);
-        outcome = ListenForPeriod(question, number);
+        outcome = ListenForPeriod(question);
     }
     return outcome;
 }
@@ -209,14 +211,16 @@ void NetworkManager::Repeat(Question& question) {
     }
 }
 
-/// As designed, the first datagram ends a period, whatever it is. Under a deadline only its time does.
-NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question, std::uint64_t number) {
+/// As designed, the first datagram ends a period, whatever it is. Under a deadline only its time does. The clock is read
+/// only after a datagram that is not the answer: reading it in each exchange would cost more than all that is counted.
+NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question) {
     constexpr microseconds longest = std::chrono::hours(4); // keeps the sum within the clock's range
     bool const hasDeadline = policy.Enforces(Rule::Deadline);
-    Clock::time_point const end = question.start + std::min(question.period, longest) * (number + 1);
+    std::optional<Clock::time_point> end;
     microseconds rest = question.period;
     do {
         Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, timeval{0, rest.count()});
+        question.waited += arrival.waited;
         if (arrival.isRefused) {
             return Outcome::Refused;
         }
@@ -229,7 +233,9 @@ NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question, std:
         }
         Refuses(Rule::Deadline);
         if (hasDeadline) {
-            rest = std::chrono::ceil<microseconds>(end - Clock::now());
+            Clock::time_point const now = Clock::now();
+            end = end.value_or(now + std::min<nanoseconds>(rest, longest) - arrival.waited);
+            rest = std::chrono::ceil<microseconds>(*end - now);
         }
     } while (hasDeadline && rest > microseconds::zero());
     return Outcome::Silent;
@@ -296,7 +302,7 @@ StatusInfo NetworkManager::TakeAnswer(Question const& question) {
         statistics.NoteSilence();
         return CheckHeader(reply.subHeader);
     }
-    statistics.NoteAnswer(Clock::now() - question.start);
+    statistics.NoteAnswer(question.waited);
     lastAnsweredId = question.id;
     if (reply.header.blockNumber != 0 && question.Port() == Division::FileControl &&
         question.asked.service != static_cast<std::uint8_t>(FileServices::LoadFile)) {

@@ -22,12 +22,6 @@ LinkStatistics::LinkStatistics() {
     SetState(LinkState::Online);
 }
 
-void LinkStatistics::Add(LinkCounter counter, std::uint64_t amount) {
-    // One writer at a time: a locked addition would cost each exchange more than all that it counts.
-    auto& count = counters[static_cast<std::size_t>(counter)];
-    count.store(count.load(std::memory_order_relaxed) + amount, std::memory_order_relaxed);
-}
-
 void LinkStatistics::Count(Rule rule) {
     ruleCounts[static_cast<std::size_t>(std::countr_zero(static_cast<std::uint32_t>(rule)))].fetch_add(
         1, std::memory_order_relaxed);

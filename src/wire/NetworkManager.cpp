@@ -19,14 +19,20 @@ ControllerVersion GenerationOf(std::string_view softwareVersion) {
     return generation == ControllerGenerations.end() ? ControllerVersion::VersionUnknown : generation->version;
 }
 
+UdpTransport::Peers PeersOf(ConnectionPolicy const& policy) {
+    if (policy.Enforces(Rule::KnownSender)) {
+        return UdpTransport::Peers::Controller;
+    }
+    return policy.Watches(Rule::KnownSender) ? UdpTransport::Peers::AnyoneNamed : UdpTransport::Peers::Anyone;
+}
+
 } // namespace
 
 NetworkManager::NetworkManager(std::string const& ipAddress, unsigned timeoutMilliseconds, unsigned retryCount,
                                StatusInfo& status, ConnectionPolicy const& connectionPolicy)
     : address(ipAddress), policy(connectionPolicy), retries(retryCount) {
     auto sockets = std::make_unique<UdpTransport>();
-    bool const isSenderKnown = policy.Enforces(Rule::KnownSender);
-    status = sockets->Open(ipAddress, isSenderKnown ? UdpTransport::Peers::Controller : UdpTransport::Peers::Anyone);
+    status = sockets->Open(ipAddress, PeersOf(policy));
     transport = std::move(sockets);
     if (status.StatusCode != 0) {
         return;

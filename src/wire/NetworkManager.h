@@ -130,7 +130,7 @@ private:
     void Send(Question const& question);
     StatusInfo WaitForAnswer(Question& question);
     Outcome Listen(Question& question);
-    Outcome ListenForPeriod(Question& question, std::uint64_t number);
+    Outcome ListenForPeriod(Question& question);
     void Repeat(Question& question);
     bool IsAnswer(Question& question, Arrival const& arrival);
     bool IsAcceptable(Question& question, Arrival const& arrival);

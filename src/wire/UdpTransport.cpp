@@ -1,7 +1,9 @@
 #include "wire/UdpTransport.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 
 #include <arpa/inet.h>
@@ -12,6 +14,9 @@
 
 namespace harvlink {
 namespace {
+
+using std::chrono::nanoseconds;
+using std::chrono::seconds;
 
 constexpr long microsecondsPerSecond = 1'000'000;
 constexpr long nanosecondsPerMicrosecond = 1'000;
@@ -68,11 +73,15 @@ int PollOnce(std::span<pollfd> sockets, timespec& remaining) {
 
 #endif
 
-void WaitReadable(std::span<pollfd> sockets, timeval period) {
-    timespec remaining{period.tv_sec + period.tv_usec / microsecondsPerSecond,
-                       period.tv_usec % microsecondsPerSecond * nanosecondsPerMicrosecond};
+/// Until one is readable or the period is over.
+/// @return how much of the period has passed.
+nanoseconds WaitReadable(std::span<pollfd> sockets, timeval period) {
+    timespec const whole{period.tv_sec + period.tv_usec / microsecondsPerSecond,
+                         period.tv_usec % microsecondsPerSecond * nanosecondsPerMicrosecond};
+    timespec remaining = whole;
     while (PollOnce(sockets, remaining) < 0 && errno == EINTR) {
     }
+    return seconds(whole.tv_sec - remaining.tv_sec) + nanoseconds(whole.tv_nsec - remaining.tv_nsec);
 }
 
 } // namespace
@@ -94,8 +103,8 @@ bool UdpTransport::IsHostAddress(std::string const& text) {
     return first > 0 && first < firstGroup;
 }
 
-StatusInfo UdpTransport::Open(std::string const& ipAddress, Peers peers) {
-    isConnected = peers == Peers::Controller;
+StatusInfo UdpTransport::Open(std::string const& ipAddress, Peers whom) {
+    peers = whom;
     robot.endpoint = MakeEndpoint(ipAddress, RobotPort);
     file.endpoint = MakeEndpoint(ipAddress, FilePort);
     bool const isRobotOpen = OpenSocket(robot);
@@ -108,7 +117,7 @@ StatusInfo UdpTransport::Open(std::string const& ipAddress, Peers peers) {
 bool UdpTransport::OpenSocket(Port& port) const {
     port.socket = CreateSocket();
     return port.socket >= 0 &&
-           (!isConnected || ::connect(port.socket, AsAddress(port.endpoint), sizeof(port.endpoint)) == 0);
+           (!IsConnected() || ::connect(port.socket, AsAddress(port.endpoint), sizeof(port.endpoint)) == 0);
 }
 
 bool UdpTransport::Renew(Division division) {
@@ -117,7 +126,7 @@ bool UdpTransport::Renew(Division division) {
     // Bound before the old one is closed, or the system might hand out the same source port once more.
     sockaddr_in anyPort{};
     anyPort.sin_family = AF_INET;
-    if (!OpenSocket(fresh) || (!isConnected && ::bind(fresh.socket, AsAddress(anyPort), sizeof(anyPort)) != 0)) {
+    if (!OpenSocket(fresh) || (!IsConnected() && ::bind(fresh.socket, AsAddress(anyPort), sizeof(anyPort)) != 0)) {
         Close(fresh.socket);
         return false;
     }
@@ -130,7 +139,7 @@ void UdpTransport::Send(Division division, std::span<std::byte const> datagram) 
     constexpr int flags = MSG_DONTWAIT | MSG_NOSIGNAL;
     Port const& port = PortOf(division);
     // A datagram that can't be sent counts as lost: it shows as a time-out.
-    if (!isConnected) {
+    if (!IsConnected()) {
         (void)::sendto(port.socket, datagram.data(), datagram.size(), flags, AsAddress(port.endpoint),
                        sizeof(port.endpoint));
     } else if (::send(port.socket, datagram.data(), datagram.size(), flags) < 0 && errno == ECONNREFUSED) {
@@ -141,38 +150,35 @@ void UdpTransport::Send(Division division, std::span<std::byte const> datagram) 
 
 Arrival UdpTransport::Receive(Division asked, std::span<std::byte> buffer, timeval period) {
     Port const& port = PortOf(asked);
-    if (!isConnected) {
-        Port const* const readable = WaitForEither(period);
-        return readable != nullptr ? Read(*readable, port, buffer) : Arrival{};
-    }
-    std::array<pollfd, 1> sockets{{{port.socket, POLLIN, 0}}};
-    WaitReadable(sockets, period);
-    return sockets[0].revents != 0 ? Read(port, port, buffer) : Arrival{};
-}
-
-UdpTransport::Port* UdpTransport::WaitForEither(timeval period) {
-    std::array<pollfd, 2> sockets{{{robot.socket, POLLIN, 0}, {file.socket, POLLIN, 0}}};
-    WaitReadable(sockets, period);
+    Port const& first = IsConnected() ? port : robot;
+    std::array<pollfd, 2> sockets{{{first.socket, POLLIN, 0}, {file.socket, POLLIN, 0}}};
+    nanoseconds const waited = WaitReadable(std::span(sockets).first(IsConnected() ? 1 : 2), period);
+    Arrival arrival;
     if (sockets[0].revents != 0) {
-        return &robot;
+        arrival = Read(first, port, buffer);
+    } else if (sockets[1].revents != 0) {
+        arrival = Read(file, port, buffer);
     }
-    return sockets[1].revents != 0 ? &file : nullptr;
+    arrival.waited = waited;
+    return arrival;
 }
 
 Arrival UdpTransport::Read(Port const& port, Port const& asked, std::span<std::byte> buffer) const {
+    bool const isNamed = peers == Peers::AnyoneNamed;
     sockaddr_in sender{};
     socklen_t size = sizeof(sender);
     // A datagram that was announced may be gone when it is read, so the read must not wait.
-    ssize_t const length = ::recvfrom(port.socket, buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_TRUNC,
-                                      reinterpret_cast<sockaddr*>(&sender), &size);
+    ssize_t const length =
+        ::recvfrom(port.socket, buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_TRUNC,
+                   isNamed ? reinterpret_cast<sockaddr*>(&sender) : nullptr, isNamed ? &size : nullptr);
     Arrival arrival;
     if (length < 0) {
-        arrival.isRefused = isConnected && errno == ECONNREFUSED;
+        arrival.isRefused = IsConnected() && errno == ECONNREFUSED;
         return arrival;
     }
     arrival.length = static_cast<std::size_t>(length);
-    arrival.isForeign =
-        sender.sin_addr.s_addr != asked.endpoint.sin_addr.s_addr || sender.sin_port != asked.endpoint.sin_port;
+    arrival.isForeign = isNamed && (sender.sin_addr.s_addr != asked.endpoint.sin_addr.s_addr ||
+                                    sender.sin_port != asked.endpoint.sin_port);
     return arrival;
 }
 
