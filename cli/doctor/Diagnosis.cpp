@@ -9,6 +9,7 @@
 
 #include "cli/output/Words.h"
 #include "words/cards/Explain.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/Generations.h"
 

@@ -16,6 +16,7 @@
 #include "cli/output/Progress.h"
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
+#include "cli/program/HostAddress.h"
 #include "cli/program/Interrupt.h"
 #include "cli/program/Session.h"
 #include "words/text/InputError.h"
@@ -178,7 +179,8 @@ int Run(Output& output, Expectation const& expected, unsigned retries, DoctorArg
 void AddDoctorCommand(CLI::App& app, Session& session) {
     auto arguments = std::make_shared<DoctorArguments>();
     CLI::App* const verb = app.add_subcommand("doctor", "Find out why a controller can't be reached, or answers badly");
-    verb->add_option("HOST", arguments->host, "IPv4 address, instead of --host")->check(CLI::ValidIPV4);
+    verb->add_option("HOST", arguments->host, "IPv4 address or name, instead of --host")
+        ->check([](std::string const& text) { return ProblemOf(AllSettings().front(), text); });
     verb->add_option("--probes", arguments->probes, "How often to read the state, to measure the link")
         ->check(CLI::Range(1U, 100'000U))
         ->type_name("N")
@@ -195,6 +197,7 @@ void AddDoctorCommand(CLI::App& app, Session& session) {
             } else {
                 session.CheckHost();
             }
+            expected.host = AddressOf(expected.host);
             CheckAddress(expected.host);
             return Run(output, expected, settings.retries, *arguments);
         });

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {

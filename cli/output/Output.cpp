@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "cli/output/Table.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {

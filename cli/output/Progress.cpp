@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {
@@ -16,19 +17,6 @@ constexpr std::chrono::milliseconds Refresh{100};
 // A line that wraps could not be wiped off.
 constexpr std::size_t LongestLine = 79;
 constexpr char const* EraseLine = "\r\x1b[K";
-
-bool ContinuesCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-/// The first bytes of an UTF-8 text, without half a character at the end.
-std::string_view Cut(std::string_view text, std::size_t longest) {
-    std::size_t size = std::min(text.size(), longest);
-    while (size > 0 && size < text.size() && ContinuesCharacter(text[size])) {
-        --size;
-    }
-    return text.substr(0, size);
-}
 
 } // namespace
 
@@ -64,7 +52,7 @@ void Progress::Count(std::string_view what, std::size_t number, std::size_t tota
 std::string Progress::Line() const {
     std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start_;
     std::string const time = fmt::format("  {:.1f} s", elapsed.count());
-    return fmt::format("{}{}", Cut(text_, LongestLine - time.size()), time);
+    return fmt::format("{}{}", FirstColumns(text_, LongestLine - time.size()), time);
 }
 
 void Progress::Redraw() {

@@ -8,6 +8,7 @@
 #include <fmt/color.h>
 #include <fmt/format.h>
 
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {
@@ -52,12 +53,6 @@ bool IsTable(Json const& value) {
     return value.is_array() && !value.empty() && value.front().is_object();
 }
 
-// Counts characters of UTF-8, not bytes, as the padding does.
-std::size_t Width(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
-}
-
 using Cells = std::vector<std::string>;
 
 struct Column {
@@ -70,8 +65,9 @@ std::string Line(Cells const& cells, std::vector<Column> const& columns) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
         std::string_view const gap = i == 0 ? "" : Gap;
         bool const isLast = i + 1 == cells.size();
-        line += columns[i].isNumeric ? fmt::format("{}{:>{}}", gap, cells[i], columns[i].width)
-                                     : fmt::format("{}{:<{}}", gap, cells[i], isLast ? 0 : columns[i].width);
+        line += gap;
+        line += columns[i].isNumeric ? PadLeft(cells[i], columns[i].width)
+                                     : PadRight(cells[i], isLast ? 0 : columns[i].width);
     }
     return line;
 }
@@ -93,7 +89,7 @@ std::string Rows(Json const& rows, bool bold) {
     }
     for (Cells const& cells : lines) {
         for (std::size_t i = 0; i < cells.size(); ++i) {
-            columns[i].width = std::max(columns[i].width, Width(cells[i]));
+            columns[i].width = std::max(columns[i].width, ColumnsOf(cells[i]));
         }
     }
     std::string text;

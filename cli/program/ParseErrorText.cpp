@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <numeric>
 #include <regex>
 #include <sstream>
 #include <string_view>
@@ -12,6 +11,9 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include "cli/output/Words.h"
+#include "words/text/Nearest.h"
 
 namespace harvlink::cli {
 
@@ -25,12 +27,11 @@ struct Wording {
 };
 
 /// A message of the parser, and its wording here.
-constexpr std::array<Wording, 7> Wordings{{
+constexpr std::array<Wording, 6> Wordings{{
     {R"--((\S+): Value (.*) not in range (\S+) to (\S+))--", "$1: '$2' is not a number from $3 to $4"},
     {R"--(Could not convert: (\S+) = (.*))--", "$1: '$2' is not a number"},
     {R"--((\S+): 1 required ([^ :]+).* missing)--", "$1 needs a value: $2"},
     {R"--((\S+): Directory does not exist: (.*))--", "$1: there is no folder '$2'"},
-    {R"--((\S+): Invalid IPV4 address.*\((.*)\))--", "$1: '$2' is not an IPv4 address such as 192.168.255.1"},
     {R"--((\S+) excludes (\S+))--", "give $1 or $2, not both"},
     {R"--((\S+) is required)--", "$1 is missing"},
 }};
@@ -53,35 +54,6 @@ void AddOptionNames(Names& names, CLI::App const& app) {
             }
         }
     }
-}
-
-/// How many letters must be inserted, removed or changed to make one word into the other.
-std::size_t EditDistance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), 0U);
-    for (char const letter : from) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            std::size_t const changed = diagonal + (letter == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
-
-/// The name that is nearest to a mistyped word, or all of them if they are few and none is near.
-std::string Suggestion(std::string_view word, Names const& names) {
-    auto const distance = [&](std::string const& name) {
-        return name.starts_with(word) ? 0 : EditDistance(word, name);
-    };
-    auto const nearest = std::min_element(names.begin(), names.end(), [&](auto const& left, auto const& right) {
-        return distance(left) < distance(right);
-    });
-    if (nearest != names.end() && distance(*nearest) <= 2 && distance(*nearest) < word.size() - 1) {
-        return fmt::format("; is {} meant?", *nearest);
-    }
-    return names.size() > MostListed ? "" : fmt::format("; there are: {}", fmt::join(names, ", "));
 }
 
 std::string UnknownWord(CLI::App const& app, Names const& unknown) {

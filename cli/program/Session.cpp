@@ -16,7 +16,9 @@
 #include "cli/program/Interrupt.h"
 #include "cli/program/LibraryLog.h"
 #include "harvlink/ControllerStateInterface.h"
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {
@@ -29,7 +31,7 @@ void CheckGeneration(QuorvanController& robot, std::string const& wanted) {
     if (status.StatusCode != 0 || !data.softwareVersion.starts_with(wanted)) {
         throw std::runtime_error(fmt::format(
             "the controller's software version is '{}', not of generation {}; only the connection was opened",
-            Printable(TrimField(data.softwareVersion)), wanted));
+            Printable(ControllerText(data.softwareVersion)), wanted));
     }
 }
 
@@ -59,14 +61,21 @@ void Session::OnConnectionConfirmed(Access access, std::string const& consequenc
 Settings const& Session::settings() {
     if (!settings_) {
         settings_ = options_.Resolve();
+        SetControllerEncoding(TextEncoding(settings_->encoding));
     }
     return *settings_;
+}
+
+std::string Session::BytesOf(std::string const& text) {
+    UseEncoding();
+    return ControllerBytes(text);
 }
 
 void Session::CheckHost() {
     if (settings().host.empty()) {
         throw InputError(
-            "no controller is given; give --host, set HARVLINK_HOST or write host into the configuration file");
+            "no controller is given; give --host or --cell, set HARVLINK_HOST or write host into the configuration "
+            "file");
     }
 }
 

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/output/Output.h"
 #include "cli/program/Settings.h"
@@ -53,6 +54,16 @@ public:
     /// The settings of this command. They are resolved by the first call, so that a command which needs none is not
     /// stopped by a bad configuration file; throws InputError then.
     Settings const& settings();
+
+    /// Texts that the command was given are for a controller with the encoding of the settings. To be called before such a text
+    /// is parsed.
+    void UseEncoding() { settings(); }
+
+    /// The bytes of a text for the controller.
+    std::string BytesOf(std::string const& text);
+
+    /// The controllers to which the configuration file gives names.
+    std::vector<Cell> Cells() const { return options_.Cells(); }
 
     /// Lets the library write failures of motion to its log file. The program shows what was written, and where.
     void EnableLogging() { logging_ = true; }

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
 #include "words/text/Text.h"
 #include "words/values/Generations.h"
@@ -21,17 +22,31 @@ constexpr char const* BuiltIn = "built-in";
 struct SettingOption {
     char const* variable;
     char const* builtIn;
-    char const* type; ///< empty: the names of the generations
+    char const* type; ///< empty: the names of the generations or encodings
     char const* help;
 };
 
 /// In the order of AllSettings.
 constexpr std::array<SettingOption, SettingCount> Options{{
-    {"HARVLINK_HOST", "", "ADDRESS", "IPv4 address of the controller"},
+    {"HARVLINK_HOST", "", "ADDRESS", "IPv4 address or name of the controller"},
     {"HARVLINK_TIMEOUT", "500", "MS", "Milliseconds for which an exchange waits for its answer"},
     {"HARVLINK_RETRIES", "3", "N", "How many more times it waits as long"},
     {"HARVLINK_GENERATION", "", "", "Refuse to work with a controller of another generation"},
+    {"HARVLINK_ENCODING", "utf-8", "", "Encoding of the controller's texts"},
 }};
+
+std::string TypeOf(std::string_view name, SettingOption const& option) {
+    return *option.type != '\0' ? option.type
+           : name == "encoding" ? fmt::format("{}", fmt::join(TextEncoding::Names(), "|"))
+                                : fmt::format("{}", fmt::join(Generations, "|"));
+}
+
+std::string Variable(char const* name) {
+    char const* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+} // namespace
 
 std::string ProblemOf(Setting const& setting, std::string const& text) {
     try {
@@ -42,17 +57,6 @@ std::string ProblemOf(Setting const& setting, std::string const& text) {
     return {};
 }
 
-std::string TypeOf(SettingOption const& option) {
-    return *option.type == '\0' ? fmt::format("{}", fmt::join(Generations, "|")) : option.type;
-}
-
-std::string Variable(char const* name) {
-    char const* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-} // namespace
-
 void SettingsOptions::Add(CLI::App& app) {
     for (std::size_t i = 0; i < SettingCount; ++i) {
         Setting const& setting = AllSettings().at(i);
@@ -60,12 +64,13 @@ void SettingsOptions::Add(CLI::App& app) {
         options_.at(i) = app.add_option(fmt::format("--{}", setting.name), given_.at(i),
                                         fmt::format("{} [{}]", option.help, option.variable))
                              ->check([&setting](std::string const& text) { return ProblemOf(setting, text); })
-                             ->type_name(TypeOf(option))
+                             ->type_name(TypeOf(setting.name, option))
                              ->default_str(option.builtIn);
     }
     app.add_option("--config", namedFile_,
                    fmt::format("Configuration file to read instead of the usual one [{}]", FileVariable))
         ->type_name("FILE");
+    app.add_option("--cell", cell_, "The controller of this name in the configuration file")->type_name("CELL");
 }
 
 std::string SettingsOptions::File() const {
@@ -85,15 +90,15 @@ std::string SettingsOptions::File() const {
 }
 
 // A file that the user named must exist, the usual one need not.
-SettingValues SettingsOptions::ReadFile() const {
+SettingsContents SettingsOptions::ReadFile() const {
     std::string const path = File();
     bool const isNamed = !namedFile_.empty() || !Variable(FileVariable).empty();
     std::error_code error;
     bool const isRead = !path.empty() && (isNamed || std::filesystem::exists(path, error));
-    return isRead ? ReadSettingsFile(path) : SettingValues{};
+    return isRead ? ReadSettingsFile(path) : SettingsContents{};
 }
 
-Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingValues const& file) const {
+Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingsContents const& file, Cell const* cell) const {
     Setting const& setting = AllSettings().at(index);
     SettingOption const& option = Options.at(index);
     std::string const name(setting.name);
@@ -101,10 +106,12 @@ Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingValues c
     Settings::Entry entry{name, option.builtIn, BuiltIn};
     if (options_.at(index)->count() > 0) {
         entry = {name, given_.at(index), "--" + name};
+    } else if (cell != nullptr && cell->values.at(index)) {
+        entry = {name, cell->values.at(index)->text, cell->values.at(index)->source};
     } else if (!variable.empty()) {
         entry = {name, variable, option.variable};
-    } else if (file.at(index)) {
-        entry = {name, file.at(index)->text, file.at(index)->source};
+    } else if (file.values.at(index)) {
+        entry = {name, file.values.at(index)->text, file.values.at(index)->source};
     }
     std::string const problem = entry.source == BuiltIn ? "" : ProblemOf(setting, entry.value);
     if (!problem.empty()) {
@@ -113,17 +120,19 @@ Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingValues c
     return entry;
 }
 
-Settings SettingsOptions::Resolve() const {
-    Settings settings{.file = File()};
-    SettingValues const file = ReadFile();
+Settings SettingsOptions::Resolve(std::string const& cell) const {
+    Settings settings{.cell = cell, .file = File()};
+    SettingsContents const file = ReadFile();
+    Cell const* const found = cell.empty() ? nullptr : &FindCell(file.cells, cell, settings.file);
     for (std::size_t i = 0; i < SettingCount; ++i) {
-        settings.entries.at(i) = ResolveEntry(i, file);
+        settings.entries.at(i) = ResolveEntry(i, file, found);
     }
-    auto const& [host, timeout, retries, generation] = settings.entries;
+    auto const& [host, timeout, retries, generation, encoding] = settings.entries;
     settings.host = host.value;
     settings.timeoutMilliseconds = ParseNumber<unsigned>(timeout.value, "time-out");
     settings.retries = ParseNumber<unsigned>(retries.value, "number of retries");
     settings.generation = UpperCase(generation.value);
+    settings.encoding = encoding.value;
     return settings;
 }
 

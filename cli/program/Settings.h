@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "cli/output/Words.h"
 #include "words/settings/SettingsFile.h"
@@ -22,32 +23,44 @@ struct Settings {
         std::string source;
     };
 
-    std::string file; ///< is read if it exists; empty if the environment names no folder for it
+    std::string cell{}; ///< the name by which the controller was given; empty: none
+    std::string file{}; ///< is read if it exists; empty if the environment names no folder for it
     std::array<Entry, SettingCount> entries{}; ///< in the order in which the help names them
 
     std::string host{}; ///< empty: none was named
     unsigned timeoutMilliseconds = 0;
     unsigned retries = 0;
     std::string generation{}; ///< the only one to talk to; empty: any
+    std::string encoding{}; ///< of the controller's texts
 };
 
-/// The options from which settings come. Each setting comes from its option, else from its environment variable, else from
-/// the configuration file, else it is built in.
+/// What is wrong with the value of a setting; empty if nothing is.
+std::string ProblemOf(Setting const& setting, std::string const& text);
+
+/// The options from which settings come. Each setting comes from its option, else from the cell that --cell names, else from
+/// its environment variable, else from the configuration file, else it is built in.
 class SettingsOptions {
 public:
     void Add(CLI::App& app);
 
-    /// Reads the environment and the file. Throws InputError that names the source of a bad value.
-    Settings Resolve() const;
+    /// Reads the environment and the file. Throws InputError that names the source of a bad value, and for an unknown cell.
+    Settings Resolve() const { return Resolve(cell_); }
+
+    /// The same for another cell than the one that --cell names; empty: for none.
+    Settings Resolve(std::string const& cell) const;
+
+    /// The cells that the file has, by name.
+    std::vector<Cell> Cells() const { return ReadFile().cells; }
 
 private:
     std::string File() const;
-    SettingValues ReadFile() const;
-    Settings::Entry ResolveEntry(std::size_t index, SettingValues const& file) const;
+    SettingsContents ReadFile() const;
+    Settings::Entry ResolveEntry(std::size_t index, SettingsContents const& file, Cell const* cell) const;
 
     std::array<CLI::Option const*, SettingCount> options_{};
     std::array<std::string, SettingCount> given_;
     std::string namedFile_;
+    std::string cell_;
 };
 
 } // namespace harvlink::cli

@@ -13,6 +13,7 @@
 #include "cli/snapshot/Source.h"
 #include "cli/snapshot/TableReaders.h"
 #include "harvlink/ControllerStateInterface.h"
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
@@ -42,9 +43,9 @@ void ReadController(Source& source, Snapshot& snapshot) {
         snapshot.missing.push_back({std::string(ControllerSection), status});
         return;
     }
-    std::string const software = TrimField(data.softwareVersion);
+    std::string const software = ControllerText(data.softwareVersion);
     snapshot.controller = {
-        {"model", TrimField(data.modelName)}, {"software", software}, {"generation", software.substr(0, 2)}};
+        {"model", ControllerText(data.modelName)}, {"software", software}, {"generation", software.substr(0, 2)}};
 }
 
 // A section that was not reached is missing too.

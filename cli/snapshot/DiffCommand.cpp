@@ -15,6 +15,7 @@
 #include "cli/snapshot/SnapshotCommands.h"
 #include "cli/snapshot/Staging.h"
 #include "words/text/InputError.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli::snapshot {

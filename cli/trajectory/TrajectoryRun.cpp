@@ -16,6 +16,8 @@
 #include "harvlink/ControlGroupInterface.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "harvlink/FaultInterface.h"
+#include "words/text/Encoding.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/PositionText.h"
 
@@ -164,7 +166,7 @@ private:
             if (alarm.code != 0) {
                 hasAlarm = true;
                 problems_.push_back(
-                    fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(TrimField(alarm.name))));
+                    fmt::format("alarm {}-{}: {}", alarm.code, alarm.subcode, Printable(ControllerText(alarm.name))));
             }
         }
         // An alarm switches servo power off, so this alone is not worth a line.

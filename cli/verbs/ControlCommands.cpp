@@ -81,13 +81,14 @@ void AddPendant(CLI::App& app, Session& session) {
     verb->add_option("TEXT", *text, "The line")->required();
     SetExamples(*verb, {"pendant \"Door open\""});
     verb->callback([text, &session] {
+        std::string const line = session.BytesOf(*text);
         // The library would cut it without a word.
-        if (text->size() > LongestPendantLine) {
+        if (line.size() > LongestPendantLine) {
             throw InputError(
-                fmt::format("the line has {} bytes, and the pendant shows {}", text->size(), LongestPendantLine));
+                fmt::format("the line has {} bytes, and the pendant shows {}", line.size(), LongestPendantLine));
         }
-        session.OnConnection(Access::Operate, [text](QuorvanController& robot, Output& output) {
-            return output.Done(robot.ControlCommands->DisplayStringToPendant(*text));
+        session.OnConnection(Access::Operate, [line](QuorvanController& robot, Output& output) {
+            return output.Done(robot.ControlCommands->DisplayStringToPendant(line));
         });
     });
 }

@@ -12,6 +12,7 @@
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
 #include "harvlink/ControllerStateInterface.h"
+#include "words/text/Encoding.h"
 #include "words/text/Text.h"
 #include "words/values/ParameterText.h"
 #include "words/values/PositionText.h"
@@ -65,8 +66,8 @@ StatusInfo ShowInformation(QuorvanController& robot, Output& output, std::vector
         StatusInfo status = robot.Status->ReadSystemInformation(id, data);
         if (status.StatusCode == 0) {
             rows.push_back({{"id", NameOf(InfoNames, id)},
-                            {"model", TrimField(data.modelName)},
-                            {"software", TrimField(data.softwareVersion)}});
+                            {"model", ControllerText(data.modelName)},
+                            {"software", ControllerText(data.softwareVersion)}});
         }
         return status;
     });

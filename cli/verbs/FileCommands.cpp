@@ -18,6 +18,7 @@
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
 #include "harvlink/FileInterface.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
 

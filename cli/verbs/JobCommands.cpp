@@ -10,6 +10,7 @@
 #include "cli/verbs/Commands.h"
 #include "harvlink/ControlCommandsInterface.h"
 #include "harvlink/JobInterface.h"
+#include "words/text/Encoding.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {
@@ -29,7 +30,7 @@ void AddSelect(CLI::App& family, Session& session) {
     SetExamples(*verb, {"job select MAIN", "job select MAIN --line 12"});
     verb->callback([arguments, &session] {
         session.OnConnection(Access::Operate, [arguments](QuorvanController& robot, Output& output) {
-            return output.Done(robot.Job->SetActiveJob(arguments->name, arguments->line));
+            return output.Done(robot.Job->SetActiveJob(ControllerBytes(arguments->name), arguments->line));
         });
     });
 }
@@ -49,7 +50,7 @@ StatusInfo ShowJob(QuorvanController& robot, Output& output, TesselTaskNumber ta
     StatusInfo status = robot.Job->GetExecutingJobInformation(task, job);
     if (status.StatusCode == 0) {
         output.Show(Json{{"task", static_cast<int>(task)},
-                         {"name", TrimField(job.name)},
+                         {"name", ControllerText(job.name)},
                          {"line", job.line},
                          {"step", job.stepNumber},
                          {"speed_override_percent", job.speedOverride}});
@@ -63,7 +64,7 @@ StatusInfo ShowStack(QuorvanController& robot, Output& output, TesselTaskNumber 
     if (status.StatusCode == 0) {
         Json rows = Json::array();
         for (std::string const& job : jobs) {
-            rows.push_back({{"depth", rows.size() + 1}, {"name", TrimField(job)}});
+            rows.push_back({{"depth", rows.size() + 1}, {"name", ControllerText(job)}});
         }
         output.Show(rows);
     }

@@ -74,6 +74,7 @@ void AddSetVariable(CLI::App& family, Session& session) {
     SetExamples(*verb, {"var set B5=12 S4=\"hello\"", "var set B0..B9=0", "var set P1=pulse:0,0,0,0,0,0"},
                 std::string(VariableHelp) + "\n" + PositionHelp);
     verb->callback([texts, &session] {
+        session.UseEncoding();
         std::vector<VariableAssignment> assignments;
         for (std::string const& text : *texts) {
             std::vector<VariableAssignment> const range = ParseVariableAssignment(text);

@@ -5,7 +5,9 @@
 
 #include <fmt/format.h>
 
+#include "cli/output/Words.h"
 #include "cli/watch/LineMaker.h"
+#include "words/text/Printable.h"
 
 namespace harvlink::cli::watch {
 
@@ -57,7 +59,7 @@ std::vector<Line> GroupLines(GroupSample const& group, std::size_t columns) {
     AxisColumns const table = AxisColumnsOf(group, columns);
     std::vector<Line> lines;
     lines.push_back(Row(table, Label(group.name, Style::Title), Style::Faint, [&](std::size_t axis) {
-        return group.axes.empty() ? fmt::format("{}", axis + 1) : ScreenText(group.axes.substr(axis, 1));
+        return group.axes.empty() ? fmt::format("{}", axis + 1) : Printable(group.axes.substr(axis, 1));
     }));
     lines.push_back(ValueRow(table, "Pulses", group.pulses, 0));
     lines.push_back(ValueRow(table, "Torque", group.torque, 0));

@@ -8,7 +8,8 @@
 #include "cli/output/Words.h"
 #include "cli/watch/GroupLines.h"
 #include "cli/watch/LineMaker.h"
-#include "words/text/Text.h"
+#include "words/text/Encoding.h"
+#include "words/text/Printable.h"
 #include "words/values/StateText.h"
 
 namespace harvlink::cli::watch {
@@ -27,7 +28,7 @@ std::string ClockText(Sample::Time time) {
 
 Line TitleLine(Sample const& sample, std::size_t columns) {
     Line line{
-        {fmt::format("{}  {}  {}", sample.host, ScreenText(sample.model), ScreenText(sample.software)), Style::Title}};
+        {fmt::format("{}  {}  {}", sample.host, Printable(sample.model), Printable(sample.software)), Style::Title}};
     std::string const clock =
         fmt::format("{}  {:.1f} ms", sample.lost ? "no answer" : ClockText(sample.time), sample.duration.count());
     std::size_t const used = WidthOf(line) + clock.size();
@@ -71,7 +72,7 @@ Line JobItem(Reading<JobData> const& job) {
     if (!job.IsValid()) {
         return {FailureSpan(job.status)};
     }
-    std::string const name = ScreenText(TrimField(job.value.name));
+    std::string const name = Printable(ControllerText(job.value.name));
     return {{name.empty() ? "none"
                           : fmt::format("{} line {} step {} speed {} %", name, job.value.line, job.value.stepNumber,
                                         job.value.speedOverride)}};
@@ -84,8 +85,8 @@ std::vector<Line> AlarmLines(Reading<ActiveAlarms> const& alarms, std::size_t co
     }
     for (AlarmData const& alarm : alarms.value.alarms) {
         if (alarm.code != 0) {
-            items.push_back({{fmt::format("{}-{} {}  {}", alarm.code, alarm.subcode, ScreenText(TrimField(alarm.name)),
-                                          ScreenText(TrimField(alarm.time))),
+            items.push_back({{fmt::format("{}-{} {}  {}", alarm.code, alarm.subcode,
+                                          Printable(ControllerText(alarm.name)), Printable(ControllerText(alarm.time))),
                               Style::Bad}});
         }
     }
@@ -97,7 +98,7 @@ std::vector<Line> AlarmLines(Reading<ActiveAlarms> const& alarms, std::size_t co
 
 Line VariableItem(VariableSample const& variable) {
     return {{variable.name + " ", Style::Faint},
-            variable.value.IsValid() ? Span{ScreenText(FormatVariableValue(variable.value.value))}
+            variable.value.IsValid() ? Span{Printable(FormatVariableValue(variable.value.value))}
                                      : FailureSpan(variable.value.status)};
 }
 

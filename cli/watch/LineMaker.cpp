@@ -5,6 +5,9 @@
 
 #include <fmt/format.h>
 
+#include "cli/output/Words.h"
+#include "words/text/Printable.h"
+
 namespace harvlink::cli::watch {
 
 namespace {
@@ -13,23 +16,16 @@ constexpr std::size_t Gap = 3;
 
 } // namespace
 
-std::string ScreenText(std::string_view text) {
-    std::string printable(text);
-    std::replace_if(
-        printable.begin(), printable.end(), [](char byte) { return byte < ' ' || byte > '~'; }, '?');
-    return printable;
-}
-
 Span FailureSpan(StatusInfo const& status) {
     std::ostringstream text;
     text << status;
-    return {ScreenText(text.str()), Style::Bad};
+    return {Printable(text.str()), Style::Bad};
 }
 
 std::size_t WidthOf(Line const& line) {
     std::size_t width = 0;
     for (Span const& span : line) {
-        width += span.text.size();
+        width += ColumnsOf(span.text);
     }
     return width;
 }
@@ -37,8 +33,8 @@ std::size_t WidthOf(Line const& line) {
 Line Clip(Line line, std::size_t columns) {
     std::size_t left = columns;
     for (Span& span : line) {
-        span.text.resize(std::min(span.text.size(), left));
-        left -= span.text.size();
+        span.text = FirstColumns(span.text, left);
+        left -= ColumnsOf(span.text);
     }
     return line;
 }

@@ -11,9 +11,6 @@ namespace harvlink::cli::watch {
 
 inline constexpr std::size_t LabelWidth = 9;
 
-/// Text of a controller for a screen that counts columns: each byte that is not printable ASCII becomes '?'.
-std::string ScreenText(std::string_view text);
-
 /// "Code (40961): ...", for the place of the value.
 Span FailureSpan(StatusInfo const& status);
 

@@ -11,6 +11,7 @@
 #include "cli/program/VariableAccess.h"
 #include "harvlink/ControlGroupInterface.h"
 #include "harvlink/IOInterface.h"
+#include "words/text/Encoding.h"
 #include "words/values/PositionText.h"
 
 namespace harvlink::cli::watch {
@@ -54,8 +55,8 @@ StatusInfo Reader::Prepare() {
     if (status.StatusCode != 0) {
         return status;
     }
-    sample_.model = TrimField(information.modelName);
-    sample_.software = TrimField(information.softwareVersion);
+    sample_.model = ControllerText(information.modelName);
+    sample_.software = ControllerText(information.softwareVersion);
     for (SignalName const& name : selection_.signals) {
         status = ResolveSignals(*robot_.IO, name, signals_);
         if (status.StatusCode != 0) {

@@ -3,6 +3,7 @@
 #include <fmt/chrono.h>
 
 #include "cli/output/Words.h"
+#include "words/text/Encoding.h"
 #include "words/text/Text.h"
 #include "words/values/StateText.h"
 
@@ -39,7 +40,7 @@ private:
 };
 
 Json JobJson(JobData const& job) {
-    return {{"name", TrimField(job.name)},
+    return {{"name", ControllerText(job.name)},
             {"line", job.line},
             {"step", job.stepNumber},
             {"speed_override_percent", job.speedOverride}};

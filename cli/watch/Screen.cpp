@@ -7,9 +7,12 @@
 
 #include <curses.h>
 #include <fmt/format.h>
+#include <langinfo.h>
 
 #include "cli/output/Words.h"
 #include "words/text/InputError.h"
+#include "words/text/Printable.h"
+#include "words/text/Utf8.h"
 
 namespace harvlink::cli::watch {
 
@@ -36,6 +39,19 @@ void PrepareColours() {
     for (std::size_t i = 0; i < StyleAttributes.size(); ++i) {
         init_pair(static_cast<short>(i + 1), StyleAttributes.at(i).colour, -1);
     }
+}
+
+/// A terminal that is not set to UTF-8 gets '?' for each column of another character than ASCII.
+std::string ForTerminal(std::string_view text) {
+    if (std::string_view(nl_langinfo(CODESET)) == "UTF-8") {
+        return std::string(text);
+    }
+    std::string ascii;
+    ForEachUtf8Character(text, [&](Utf8Character const& character) {
+        bool const isAscii = character.code < 0x80;
+        ascii += isAscii ? std::string(character.bytes) : std::string(ColumnsOf(character.bytes), '?');
+    });
+    return ascii;
 }
 
 } // namespace
@@ -88,7 +104,8 @@ void Screen::Draw(std::vector<Line> const& lines) {
             auto const style = static_cast<std::size_t>(span.style);
             wattr_set(stdscr, StyleAttributes.at(style).attributes, static_cast<short>(hasColours_ ? style + 1 : 0),
                       nullptr);
-            waddnstr(stdscr, span.text.c_str(), static_cast<int>(span.text.size()));
+            std::string const text = ForTerminal(span.text);
+            waddnstr(stdscr, text.c_str(), static_cast<int>(text.size()));
         }
     }
     wrefresh(stdscr);

@@ -91,7 +91,7 @@ private:
 };
 
 TEST(Progress, ShowsOneLineOnATerminalAndWipesItOff) {
-    std::string const longText = std::string(71, 'x') + "\u00e4\u00e4";
+    std::string const longText = std::string(71, 'x') + "\u6eb6";
     std::istringstream in;
     std::ostringstream out;
     for (bool const isTerminal : {true, false}) {

@@ -45,10 +45,11 @@ TEST_F(SettingsTest, ComeFromOptionThenEnvironmentThenFile) {
     ::setenv("HARVLINK_RETRIES", "", 1);
     Json const config = Json::parse(RunTool("config --json --timeout 100").out);
     EXPECT_EQ(config["file"], file);
-    std::array<std::array<std::string, 3>, 4> const expected{{{"host", "\"10.0.0.2\"", "HARVLINK_HOST"},
+    std::array<std::array<std::string, 3>, 5> const expected{{{"host", "\"10.0.0.2\"", "HARVLINK_HOST"},
                                                               {"timeout", "\"100\"", "--timeout"},
                                                               {"retries", "\"5\"", file + ":4"},
-                                                              {"generation", "null", "built-in"}}};
+                                                              {"generation", "null", "built-in"},
+                                                              {"encoding", "\"utf-8\"", "built-in"}}};
     for (std::size_t i = 0; i < expected.size(); ++i) {
         Json const& setting = config["settings"][i];
         EXPECT_EQ(setting["setting"], expected.at(i)[0]);
@@ -85,6 +86,43 @@ TEST_F(SettingsTest, NameTheSourceOfABadValue) {
         EXPECT_EQ(result.exit, 2) << each.problem;
         EXPECT_NE(result.err.find(each.problem), std::string::npos) << result.err;
     }
+}
+
+TEST_F(SettingsTest, KnowCells) {
+    std::string const file = (folder_.Path() / "harvlink/config.toml").string();
+    test::WriteFile(file, "timeout = 300\n[cell.press1]\nhost = \"127.0.0.9\"\nretries = 7\n"
+                          "[cell.\"weld 2\"]\nhost = \"weld2.plant\"\nencoding = \"cp932\"\n");
+    ::setenv("HARVLINK_HOST", "10.0.0.2", 1);
+    Json const config = Json::parse(RunTool("config --json --cell press1 --timeout 100").out);
+    std::array<std::array<std::string, 2>, 3> const expected{
+        {{"127.0.0.9", file + ":3"}, {"100", "--timeout"}, {"7", file + ":4"}}};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(config["settings"][i]["value"], expected.at(i)[0]) << "the named cell, not the environment";
+        EXPECT_EQ(config["settings"][i]["source"], expected.at(i)[1]);
+    }
+    EXPECT_EQ(config["cells"][1], Json({{"cell", "weld 2"},
+                                        {"host", "weld2.plant"},
+                                        {"timeout", nullptr},
+                                        {"retries", nullptr},
+                                        {"generation", nullptr},
+                                        {"encoding", "cp932"}}));
+    struct Case {
+        std::string file;
+        char const* problem;
+    };
+    std::array<Case, 4> const cases{
+        {{"[cell.press1]\nhost = \"10.0.0.1\"\n", "there is no cell 'pres1' in "},
+         {"[cell.pres1]\ntimeout = 5\n", "config.toml:1: the cell pres1 has no host"},
+         {"[cell.pres1]\nhost = \"bad host\"\n", "config.toml:2: 'bad host' is not an IPv4 address"},
+         {"cell = 5\n", "config.toml:1: a cell is a section such as [cell.press1]"}}};
+    for (Case const& each : cases) {
+        test::WriteFile(file, each.file);
+        Result const result = RunTool("--cell pres1 status");
+        EXPECT_EQ(result.exit, 2) << each.problem;
+        EXPECT_NE(result.err.find(each.problem), std::string::npos) << result.err;
+    }
+    test::WriteFile(file, cases[0].file);
+    EXPECT_NE(RunTool("--cell pres1 status").err.find("; is press1 meant?"), std::string::npos);
 }
 
 TEST_F(SettingsTest, RefuseAControllerOfAnotherGeneration) {

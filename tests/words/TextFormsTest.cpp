@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "words/text/Csv.h"
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
 #include "words/values/PositionText.h"
@@ -206,6 +208,60 @@ TEST(TextForms, KeepAControllersNamesFromLeadingElsewhere) {
         EXPECT_FALSE(IsSafeLocalName(name)) << name;
     }
     EXPECT_TRUE(IsSafeLocalName("A..B.JBI"));
+}
+
+TEST(Printable, LeavesNothingThatSteersATerminal) {
+    struct Case {
+        std::string_view text;
+        std::string_view printable;
+        std::size_t columns;
+    };
+    std::array<Case, 9> const cases{{{"a\x1b[2J\x7f", "a?[2J?", 6},
+                                     {"a\u009b31m", "a?31m", 5}, // C1, two bytes in UTF-8
+                                     {"x\u202Ey\u2066z\u200F", "x?y?z?", 6},
+                                     {"caf\xE9", "caf\\xE9", 7},
+                                     {"\xC0\x9B\xED\xA0\x80", "\\xC0\\x9B\\xED\\xA0\\x80", 20},
+                                     {"\xF0\x9F", "\\xF0\\x9F", 8},
+                                     {"Z\u00FCrich", "Z\u00FCrich", 6},
+                                     {"\u6EB6\u63A5", "\u6EB6\u63A5", 4},
+                                     {"e\u0301\U000E0041", "e\u0301?", 2}}};
+    for (Case const& each : cases) {
+        std::string const printable = Printable(each.text);
+        EXPECT_EQ(printable, each.printable);
+        EXPECT_EQ(ColumnsOf(printable), each.columns) << printable;
+        EXPECT_EQ(ColumnsOf(PadRight(printable, 30)), 30U) << printable;
+    }
+    EXPECT_EQ(PrintableLines("a\r\n\tb\rc\n"), "a\n\tb?c\n");
+    EXPECT_EQ(FirstColumns("\u6EB6\u63A5", 3), "\u6EB6");
+}
+
+TEST(Encoding, GivesEveryByteBack) {
+    std::string bytes;
+    for (int byte = 1; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+    }
+    bytes += "\\x41 \\\\xE9 \\\xE9 \\x";
+    for (std::string_view const name : TextEncoding::Names()) {
+        TextEncoding const encoding(name);
+        EXPECT_EQ(encoding.Encode(encoding.Decode(bytes)), bytes) << name;
+    }
+    struct Case {
+        char const* encoding;
+        std::string_view bytes;
+        std::string_view text;
+    };
+    std::array<Case, 6> const cases{{{"utf-8", "Z\u00FC \xE9\\x41", "Z\u00FC \\xE9\\x5Cx41"},
+                                     {"latin-1", "\xE9\xC3\xBC", "\u00E9\u00C3\u00BC"},
+                                     {"CP932", "\x97n\x90\xDA\x81", "\u6EB6\u63A5\\x81"},
+                                     {"gbk", "\xBA\xB8\xBD\xD3", "\u710A\u63A5"},
+                                     {"cp949", "\xBF\xEB\xC1\xA2", "\uC6A9\uC811"},
+                                     {"cp1252", "\x80\x81", "\u20AC\\x81"}}};
+    for (Case const& each : cases) {
+        EXPECT_EQ(TextEncoding(each.encoding).Decode(each.bytes), each.text);
+        EXPECT_EQ(TextEncoding(each.encoding).Encode(each.text), each.bytes);
+    }
+    EXPECT_THROW(TextEncoding("latin-1").Encode("\u6EB6"), InputError);
+    EXPECT_THROW(TextEncoding("ebcdic"), InputError);
 }
 
 } // namespace

@@ -9,16 +9,6 @@ std::string TrimField(std::string_view field) {
     return std::string(field.substr(0, last == std::string_view::npos ? 0 : last + 1));
 }
 
-std::string Printable(std::string_view text) {
-    std::string printable(text);
-    for (char& character : printable) {
-        if (std::iscntrl(static_cast<unsigned char>(character)) != 0) {
-            character = '?';
-        }
-    }
-    return printable;
-}
-
 double RoundToMilli(double value) {
     return std::round(value * 1000.0) / 1000.0;
 }

@@ -22,9 +22,6 @@ namespace harvlink::words {
 /// The text of a fixed field of a datagram without the zero bytes that fill it up.
 std::string TrimField(std::string_view field);
 
-/// The text with control characters replaced, so that text from a controller can't control the user's terminal.
-std::string Printable(std::string_view text);
-
 double RoundToMilli(double value);
 
 std::string_view TrimBlanks(std::string_view text);

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "words/text/Encoding.h"
 #include "words/text/Text.h"
 
 namespace harvlink::words {
@@ -30,8 +31,8 @@ Json StateJson(ControllerStateData const& state) {
 Json AlarmJson(AlarmData const& alarm) {
     return {{"code", alarm.code},
             {"subcode", alarm.subcode},
-            {"time", TrimField(alarm.time)},
-            {"name", TrimField(alarm.name)}};
+            {"time", ControllerText(alarm.time)},
+            {"name", ControllerText(alarm.name)}};
 }
 
 } // namespace harvlink::words

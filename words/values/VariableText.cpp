@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "words/text/Encoding.h"
 #include "words/values/PositionText.h"
 
 namespace harvlink::words {
@@ -26,10 +27,11 @@ std::uint16_t ParseIndex(std::string_view text) {
 }
 
 std::string ParseString(std::string_view text) {
-    if (text.size() > LongestString) {
+    std::string bytes = ControllerBytes(text);
+    if (bytes.size() > LongestString) {
         throw InputError(fmt::format("'{}' is longer than the {} bytes of a string variable", text, LongestString));
     }
-    return std::string(text);
+    return bytes;
 }
 
 // The shortest decimal that is read back as the same float: 0.1 rather than 0.10000000149.
@@ -97,7 +99,7 @@ std::string FormatVariableValue(VariableValue const& value) {
         return FormatPosition(*position);
     }
     if (std::string const* const text = std::get_if<std::string>(&value)) {
-        return *text;
+        return ControllerText(*text);
     }
     Json const number = VariableValueJson(value);
     return number.is_number_float() ? fmt::format("{}", number.get<double>()) : number.dump();
@@ -110,7 +112,7 @@ Json VariableValueJson(VariableValue const& value) {
             if constexpr (std::is_same_v<Held, PositionData>) {
                 return PositionJson(held);
             } else if constexpr (std::is_same_v<Held, std::string>) {
-                return TrimField(held);
+                return ControllerText(held);
             } else if constexpr (std::is_same_v<Held, float>) {
                 return ShortestDouble(held);
             } else {

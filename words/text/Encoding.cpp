@@ -1,0 +1,203 @@
+#include "words/text/Encoding.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+#include <mutex>
+#include <stdexcept>
+
+#include <fmt/format.h>
+#include <iconv.h>
+
+#include "words/text/Text.h"
+#include "words/text/Utf8.h"
+
+namespace harvlink::words {
+
+namespace {
+
+constexpr std::size_t EscapeSize = 4; ///< of "\xE9"
+constexpr std::size_t LargestCharacter = 4; ///< in bytes, in all of the encodings and in UTF-8
+constexpr char const* Utf8 = "UTF-8";
+
+/// Only those of which Python and the C library have the same table.
+constexpr std::array<Named<char const*>, 8> Encodings{{{"utf-8", Utf8},
+                                                       {"latin-1", "ISO-8859-1"},
+                                                       {"cp1250", "CP1250"},
+                                                       {"cp1251", "CP1251"},
+                                                       {"cp1252", "CP1252"},
+                                                       {"cp932", "CP932"},
+                                                       {"gbk", "GBK"},
+                                                       {"cp949", "CP949"}}};
+
+/// Converts one character after the other with the C library.
+class Converter {
+public:
+    Converter(char const* from, char const* to) : handle_(::iconv_open(to, from)) {
+        if (handle_ ==
+            reinterpret_cast<iconv_t>(-1)) { // NOLINT(performance-no-int-to-ptr): as the C library defines it
+            throw std::runtime_error(fmt::format("this computer can't convert {} to {}", from, to));
+        }
+    }
+    Converter(Converter const&) = delete;
+    Converter& operator=(Converter const&) = delete;
+    ~Converter() { ::iconv_close(handle_); }
+
+    /// Converts the first character and takes it off `from`; empty if none begins there.
+    std::string TakeCharacter(std::string_view& from) {
+        for (std::size_t size = 1; size <= std::min(from.size(), LargestCharacter); ++size) {
+            if (std::string converted = Convert(from.substr(0, size)); !converted.empty()) {
+                from.remove_prefix(size);
+                return converted;
+            }
+        }
+        return {};
+    }
+
+private:
+    std::string Convert(std::string_view bytes) {
+        std::array<char, 2 * LargestCharacter> to{};
+        std::string from(bytes);
+        char* in = from.data();
+        char* out = to.data();
+        std::size_t inLeft = from.size();
+        std::size_t outLeft = to.size();
+        ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+        bool const isWhole = ::iconv(handle_, &in, &inLeft, &out, &outLeft) == 0 && inLeft == 0;
+        return isWhole ? std::string(to.data(), to.size() - outLeft) : "";
+    }
+
+    iconv_t handle_;
+};
+
+bool BeginsEscape(std::string_view text) {
+    auto const isDigit = [&](std::size_t i) { return std::isxdigit(static_cast<unsigned char>(text[i])) != 0; };
+    return text.size() >= EscapeSize && text[0] == '\\' && text[1] == 'x' && isDigit(2) && isDigit(3);
+}
+
+std::string Escape(char byte) {
+    return fmt::format("\\x{:02X}", static_cast<unsigned char>(byte));
+}
+
+/// Decodes with `take`, which takes the first character off a text and returns it in UTF-8, or returns nothing.
+template <typename Take>
+std::string DecodeWith(std::string_view bytes, Take const& take) {
+    std::string text;
+    while (!bytes.empty()) {
+        std::string character = BeginsEscape(bytes) ? std::string() : take(bytes);
+        if (character.empty()) {
+            character = Escape(bytes[0]);
+            bytes.remove_prefix(1);
+        }
+        text += character;
+    }
+    return text;
+}
+
+std::string TakeUtf8(std::string_view& bytes) {
+    Utf8Character const character = FirstUtf8Character(bytes);
+    if (!character.isValid) {
+        return {};
+    }
+    bytes.remove_prefix(character.bytes.size());
+    return std::string(character.bytes);
+}
+
+/// Encodes with `convert`, which gets the bytes of one character and returns those of the encoding.
+template <typename Convert>
+std::string EncodeWith(std::string_view text, Convert const& convert) {
+    std::string bytes;
+    while (!text.empty()) {
+        if (BeginsEscape(text)) {
+            bytes += static_cast<char>(std::stoi(std::string(text.substr(2, 2)), nullptr, 16));
+            text.remove_prefix(EscapeSize);
+            continue;
+        }
+        Utf8Character const character = FirstUtf8Character(text);
+        bytes += character.isValid && character.code > 0x7F ? convert(character.bytes) : std::string(character.bytes);
+        text.remove_prefix(character.bytes.size());
+    }
+    return bytes;
+}
+
+struct Current {
+    std::mutex mutex;
+    TextEncoding encoding;
+};
+
+Current& CurrentEncoding() {
+    static Current current;
+    return current;
+}
+
+} // namespace
+
+std::vector<std::string_view> TextEncoding::Names() {
+    std::vector<std::string_view> names;
+    std::transform(Encodings.begin(), Encodings.end(), std::back_inserter(names),
+                   [](auto const& named) { return named.name; });
+    return names;
+}
+
+TextEncoding::TextEncoding(std::string_view name) : systemName_(ParseName(Encodings, name, "known encoding")) {
+    auto const* const found =
+        std::find_if(Encodings.begin(), Encodings.end(), [&](auto const& named) { return named.value == systemName_; });
+    name_ = found->name;
+}
+
+std::string TextEncoding::Decode(std::string_view bytes) const {
+    if (std::string_view(systemName_) == Utf8) {
+        return DecodeWith(bytes, TakeUtf8);
+    }
+    Converter decoder(systemName_, Utf8);
+    Converter encoder(Utf8, systemName_);
+    return DecodeWith(bytes, [&](std::string_view& left) {
+        std::string_view const all = left;
+        std::string character = decoder.TakeCharacter(left);
+        // Some encodings have a character twice; only the form that encoding gives back is taken for it.
+        std::string_view again = character;
+        if (encoder.TakeCharacter(again) != all.substr(0, all.size() - left.size())) {
+            left = all;
+            character.clear();
+        }
+        return character;
+    });
+}
+
+std::string TextEncoding::Encode(std::string_view text) const {
+    if (std::string_view(systemName_) == Utf8) {
+        return EncodeWith(text, [](std::string_view character) { return std::string(character); });
+    }
+    Converter converter(Utf8, systemName_);
+    return EncodeWith(text, [&](std::string_view character) {
+        std::string_view left = character;
+        std::string converted = converter.TakeCharacter(left);
+        if (converted.empty() || !left.empty()) {
+            throw InputError(fmt::format("'{}' is not in the encoding {}", character, name_));
+        }
+        return converted;
+    });
+}
+
+TextEncoding ControllerEncoding() {
+    Current& current = CurrentEncoding();
+    std::lock_guard const lock(current.mutex);
+    return current.encoding;
+}
+
+void SetControllerEncoding(TextEncoding const& encoding) {
+    Current& current = CurrentEncoding();
+    std::lock_guard const lock(current.mutex);
+    current.encoding = encoding;
+}
+
+std::string ControllerText(std::string_view field) {
+    return ControllerEncoding().Decode(TrimField(field));
+}
+
+std::string ControllerBytes(std::string_view text) {
+    return ControllerEncoding().Encode(text);
+}
+
+} // namespace harvlink::words

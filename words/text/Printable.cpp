@@ -1,0 +1,121 @@
+#include "words/text/Printable.h"
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <cwchar>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "words/text/Utf8.h"
+
+namespace harvlink::words {
+
+namespace {
+
+/// Marks that turn or hide what stands beside them, and separators of lines. The C library gives them a width, as they print.
+constexpr std::array<std::pair<char32_t, char32_t>, 8> Marks{{{0x61C, 0x61C},
+                                                              {0x180E, 0x180E},
+                                                              {0x200B, 0x200F},
+                                                              {0x2028, 0x202E},
+                                                              {0x2060, 0x206F},
+                                                              {0xFEFF, 0xFEFF},
+                                                              {0xFFF9, 0xFFFB},
+                                                              {0xE0000, 0xE007F}}};
+
+bool IsMark(char32_t code) {
+    return std::any_of(Marks.begin(), Marks.end(),
+                       [code](auto const& range) { return code >= range.first && code <= range.second; });
+}
+
+/// While it lives, this thread has the widths of UTF-8, whatever locale the user has.
+class Utf8Widths {
+public:
+    Utf8Widths() {
+        static locale_t const utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        former_ = utf8 == nullptr ? nullptr : ::uselocale(utf8);
+    }
+    Utf8Widths(Utf8Widths const&) = delete;
+    Utf8Widths& operator=(Utf8Widths const&) = delete;
+    ~Utf8Widths() {
+        if (former_ != nullptr) {
+            ::uselocale(former_);
+        }
+    }
+
+    /// -1 for what can't be printed.
+    static int Of(char32_t code) {
+        bool const isAscii = code < 0x7F;
+        return isAscii ? (code < ' ' ? -1 : 1) : ::wcwidth(static_cast<wchar_t>(code));
+    }
+
+private:
+    locale_t former_ = nullptr;
+};
+
+void AppendPrintable(std::string& printable, Utf8Character const& character) {
+    if (!character.isValid) {
+        printable += fmt::format("\\x{:02X}", static_cast<unsigned char>(character.bytes[0]));
+    } else if (IsMark(character.code) || Utf8Widths::Of(character.code) < 0) {
+        printable += '?';
+    } else {
+        printable += character.bytes;
+    }
+}
+
+} // namespace
+
+std::string Printable(std::string_view text) {
+    Utf8Widths const widths;
+    std::string printable;
+    ForEachUtf8Character(text, [&](Utf8Character const& character) { AppendPrintable(printable, character); });
+    return printable;
+}
+
+std::string PrintableLines(std::string_view text) {
+    Utf8Widths const widths;
+    std::string printable;
+    ForEachUtf8Character(text, [&](Utf8Character const& character) {
+        bool const isLineEnd = character.bytes == "\r" && character.bytes.data() + 1 != text.data() + text.size() &&
+                               character.bytes.data()[1] == '\n';
+        if (character.bytes == "\n" || character.bytes == "\t") {
+            printable += character.bytes;
+        } else if (!isLineEnd) {
+            AppendPrintable(printable, character);
+        }
+    });
+    return printable;
+}
+
+std::size_t ColumnsOf(std::string_view text) {
+    Utf8Widths const widths;
+    std::size_t columns = 0;
+    ForEachUtf8Character(text, [&](Utf8Character const& character) {
+        columns += static_cast<std::size_t>(std::max(0, Utf8Widths::Of(character.code)));
+    });
+    return columns;
+}
+
+std::string_view FirstColumns(std::string_view text, std::size_t columns) {
+    Utf8Widths const widths;
+    std::size_t size = 0;
+    std::size_t used = 0;
+    ForEachUtf8Character(text, [&](Utf8Character const& character) {
+        used += static_cast<std::size_t>(std::max(0, Utf8Widths::Of(character.code)));
+        size += used <= columns ? character.bytes.size() : 0;
+    });
+    return text.substr(0, size);
+}
+
+std::string PadRight(std::string_view text, std::size_t columns) {
+    std::size_t const used = ColumnsOf(text);
+    return std::string(text) + std::string(columns > used ? columns - used : 0, ' ');
+}
+
+std::string PadLeft(std::string_view text, std::size_t columns) {
+    std::size_t const used = ColumnsOf(text);
+    return std::string(columns > used ? columns - used : 0, ' ') + std::string(text);
+}
+
+} // namespace harvlink::words
