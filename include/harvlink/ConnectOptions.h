@@ -75,7 +75,8 @@ inline constexpr Rules StrictRules{(1U << RuleCount) - 1}; ///< all of them
 
 /// How Connect connects. Every member has a default that suits a first look at a controller.
 struct ConnectOptions {
-    std::string address; ///< IPv4 address in dotted form
+    std::string
+        address; ///< IPv4 address in dotted form, or the name of a host; the first IPv4 address of a name counts
     unsigned timeout = 500; ///< milliseconds that an exchange listens before it counts a retry
     unsigned retries = 3; ///< further such periods; an exchange ends after (1 + retries) x timeout at the latest
     bool logging = true; ///< whether motion failures go to "HarvlinkLog.txt" in the working directory
@@ -87,10 +88,11 @@ struct ConnectOptions {
     std::uint64_t largestFile = 256ULL << 20U; ///< bytes; a longer file is not received. Held by Rule::BlockOrder
 };
 
-/// Opens a connection with options.
+/// Opens a connection with options. A name is resolved by the system first, in (1 + retries) x time-out at most.
 ///
 /// @param options address, time-out, access and rules.
-/// @param status "OK", or: InvalidConnectOptions for an address that is not one, with nothing sent; ControllerNotListening if
+/// @param status "OK", or: InvalidConnectOptions for an address that is neither an IPv4 address nor a name, with nothing sent;
+///     NameNotResolved if the system has no IPv4 address for the name, or does not find one in time; ControllerNotListening if
 ///     the host answers that nobody listens there; ResponseTimeout if nobody answers; SocketOpenError; the controller's code
 ///     if it refuses a read of the start-up; OutOfMemory.
 /// @return the connection, which closes at the end of its scope; empty on failure. Its operations and threads are those of

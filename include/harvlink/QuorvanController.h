@@ -54,7 +54,8 @@ extern "C" {
 /// Opens a connection: creates two UDP sockets, asks the controller for its generation, and reads what the library needs
 /// to know of it. Nothing on the controller changes, except that its motion targets are cleared from `VersionYA` up.
 ///
-/// @param ipAddress IPv4 address in dotted form. One that can't be parsed ends in ResponseTimeout.
+/// @param ipAddress IPv4 address in dotted form. One that can't be parsed ends in ResponseTimeout, and so does a name:
+///     Connect in ConnectOptions.h resolves names, this call does not.
 /// @param status "OK", or: VersionMismatch; SocketOpenError; ResponseTimeout after (1 + retries) x time-out if nobody
 ///     answers; the controller's code if it refuses the probe; ControllerObjectCreationFailed if its start-up data can't
 ///     be read.

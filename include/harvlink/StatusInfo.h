@@ -69,6 +69,7 @@ enum class ErrorStatusCodes : std::int32_t {
     StepWithdrawn = 0x50009, ///< a queued step was dropped by a stop, a clear, a failure or the end of the connection
     WaitTimedOut = 0x50010, ///< what was waited for did not happen in the given time
     UnknownStep = 0x50011, ///< no step of this number was queued
+    NameNotResolved = 0x50012, ///< the system has no IPv4 address for the name of the controller
 };
 
 /// The result of every operation. Compare `StatusCode`, show `Message`.

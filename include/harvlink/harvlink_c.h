@@ -221,7 +221,7 @@ typedef struct HarvlinkConnectOptions {
     /** sizeof(HarvlinkConnectOptions) where the caller was compiled: the record can grow behind its end. */
     uint32_t size;
     uint32_t timeout; /**< milliseconds, 1 to 3600000 */
-    char const* address; /**< IPv4 address in dotted form */
+    char const* address; /**< IPv4 address in dotted form, or the name of a host */
     uint32_t retries; /**< at most 1000 */
     int32_t logging; /**< 1 or 0 */
     HarvlinkAccess access;
@@ -473,7 +473,8 @@ typedef struct ZyxEulerPose {
 
 /* ---- Connection (QuorvanController.h) ------------------------------------------------------------------------------ */
 
-/** Opens a connection and fills `status`. Never returns null; see the notes at the top. Logging is on. */
+/** Opens a connection and fills `status`. Never returns null; see the notes at the top. Logging is on. Takes an IPv4 address:
+ * names are resolved by harvlink_connect alone. */
 HARVLINK_EXPORT ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status,
                                                  unsigned timeoutMilliseconds, unsigned retries);
 

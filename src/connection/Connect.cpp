@@ -1,5 +1,7 @@
+#include <chrono>
 #include <memory>
 
+#include "connection/HostName.h"
 #include "connection/QuorvanControllerImplementation.h"
 #include "harvlink/ConnectOptions.h"
 #include "status/ExceptionStatus.h"
@@ -17,8 +19,8 @@ StatusInfo Invalid(std::string_view what) {
 }
 
 StatusInfo Check(ConnectOptions const& options) {
-    if (!UdpTransport::IsHostAddress(options.address)) {
-        return Invalid("the address is not the IPv4 address of a host, such as 192.168.1.31");
+    if (!UdpTransport::IsHostAddress(options.address) && !IsHostName(options.address)) {
+        return Invalid("the address is not the IPv4 address of a host, such as 192.168.1.31, nor a host's name");
     }
     if (options.timeout == 0 || options.timeout > longestTimeout) {
         return Invalid("the timeout is not 1 to 3600000 milliseconds");
@@ -50,8 +52,13 @@ Connection Open(ConnectOptions const& options, StatusInfo& status) {
     if (status.StatusCode != 0) {
         return {};
     }
-    auto controller = std::make_unique<QuorvanControllerImplementation>(
-        options.address, options.timeout, options.retries, options.logging, status, PolicyOf(options));
+    std::string address = options.address;
+    status = ResolveHost(address, (1 + options.retries) * std::chrono::milliseconds(options.timeout));
+    if (status.StatusCode != 0) {
+        return {};
+    }
+    auto controller = std::make_unique<QuorvanControllerImplementation>(address, options.timeout, options.retries,
+                                                                        options.logging, status, PolicyOf(options));
     return Connection(status.StatusCode == 0 ? controller.release() : nullptr);
 }
 

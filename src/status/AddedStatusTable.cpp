@@ -18,6 +18,7 @@ constexpr auto rows = SortRows(std::to_array<StatusText<std::int32_t>>({
     {0x50009, "The step was withdrawn before the controller took it."},
     {0x50010, "It did not happen in the given time."},
     {0x50011, "No step of this number was queued."},
+    {0x50012, "The name of the controller could not be resolved."},
 }));
 
 } // namespace

@@ -15,6 +15,7 @@
 #include "motion/MotionManager.h"
 #include "status/MainStatusTable.h"
 #include "support/ScratchFolder.h"
+#include "support/UnknownName.h"
 #include "words/cards/Explain.h"
 
 // Compares the cards with the code that raises the status. Each statement has an operation that is refused with the code of
@@ -326,7 +327,7 @@ TEST(Cards, SayWhatTheLibraryRefuses) {
          ReadParameter(SystemParameterType::S1C, 1, 1)},
         {"0x30017", "no such category",
          CALL(rig->Faults->GetAlarmHistory(AlarmCategory{500}, 1, Any<AlarmHistory>()))},
-        {"0x50000", "not the IPv4 address of a host", Observe("robot")},
+        {"0x50000", "not the IPv4 address of a host", Observe("127.1")},
         {"0x50001", "without motion targets",
          [](Rig& rig) {
              StatusInfo status;
@@ -341,6 +342,7 @@ TEST(Cards, SayWhatTheLibraryRefuses) {
         {"0x50002", "no program of it listens", Observe(test::NextLoopbackAddress())},
         {"0x50011", "higher than that of the last step",
          CALL(rig->MotionManager->WaitUntilSent(2, 0))},
+        {"0x50012", "know no IPv4 address", Observe(test::UnknownName()), Observe("localhost")},
         {"0x40000001", "a folder, a pipe or a device",
          [](Rig& rig) {
              test::ScratchFolder const folder;

@@ -216,7 +216,8 @@ constexpr auto Cards = std::to_array<CodeCard>({
                                                         Retry::No}},
     {0x30017, "Invalid Alarm Category", {"There is no such category of alarms.", "harvlink alarms history --help.",
                                          Retry::No}},
-    {0x50000, "", {"An option is out of range, or the address is not the IPv4 address of a host. Nothing was sent.",
+    {0x50000, "", {"An option is out of range, or the address is not the IPv4 address of a host, nor "
+                   "the form of a name. Nothing was sent.",
                    "The option that the text names.", Retry::No}},
     {0x50001, "", {"The connection was opened to look, or to operate without motion targets. Nothing was sent.",
                    "The text names the access that the request takes. Connect with it if the request is meant.",
@@ -244,6 +245,9 @@ constexpr auto Cards = std::to_array<CodeCard>({
                    "harvlink status and harvlink progress; wait again, nothing is lost by it.", Retry::Yes}},
     {0x50011, "", {"The number is 0, or higher than that of the last step that was queued.",
                    "The number that queueing the step returned.", Retry::No}},
+    {0x50012, "", {"The hosts file and the name server know no IPv4 address of the name, or did not answer in time. Nothing "
+                   "was sent to a controller.",
+                   "getent ahostsv4 NAME. An address in place of the name needs no name server.", Retry::AfterFix}},
     {0x40000001, "Open file error on your computer. Check the path supplied. If path is correct, ensure the file is "
                  "readable/writable.",
      {}},
