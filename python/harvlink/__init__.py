@@ -33,7 +33,7 @@ from .enums import (
     TrajectoryMonitorState,
     UpperOrLower,
 )
-from .errors import Error, Note
+from .errors import Error, NameNotResolved, Note
 from .fault import Alarm
 from .frame_math import Frame, Pose, Vector
 from .job import Job
@@ -66,6 +66,7 @@ __all__ = [
     "LinkState",
     "Motion",
     "MoveType",
+    "NameNotResolved",
     "Note",
     "OperatingTime",
     "Pose",

@@ -2,14 +2,19 @@
 
 import ctypes
 import ipaddress
+import re
 from typing import Iterable, Optional, Union
 
-from ._library import Library, exact, switch, text_bytes
+from ._library import Library, exact, switch
 from ._records import HarvlinkConnectOptions
 from .enums import RULES, Access
 
 RuleSet = Union[str, Iterable[str]]
 """Names of rules, or "strict" for all of them and "designed" for none."""
+
+
+# The last part of a name is not a number: that is a mistyped address.
+_NAME = re.compile(r"(?:[\w-]{1,63}\.)*(?!(?:[0-9]+|0[xX][0-9a-fA-F]*)\.?$)[\w-]{1,63}\.?", re.ASCII)
 
 
 def rule_bits(rules: RuleSet) -> int:
@@ -36,14 +41,17 @@ def access_number(access: Union[Access, str]) -> int:
     raise ValueError(f"{access!r} is none of {', '.join(names)}")
 
 
-def checked_address(address: str) -> bytes:
+def checked_address(address: Optional[str]) -> str:
     if not isinstance(address, str):
         raise TypeError(f"address takes a text such as '192.168.255.1', not {address!r}")
     try:
         ipaddress.IPv4Address(address)
     except ValueError:
-        raise ValueError(f"{address!r} is not an IPv4 address such as 192.168.255.1; names are not looked up") from None
-    return text_bytes(address)
+        if not _NAME.fullmatch(address):
+            raise ValueError(
+                f"{address!r} is not an IPv4 address such as 192.168.255.1, nor the name of a host"
+            ) from None
+    return address
 
 
 def connect_options(
@@ -58,7 +66,7 @@ def connect_options(
 ) -> HarvlinkConnectOptions:
     options = HarvlinkConnectOptions()
     library.call("harvlink_connect_options_init", ctypes.byref(options))
-    options.address = checked_address(address)
+    options.address = checked_address(address).encode("ascii")
     options.timeout = exact(ctypes.c_uint32, round(timeout * 1000))
     options.retries = exact(ctypes.c_uint32, retries)
     options.access = access_number(access)

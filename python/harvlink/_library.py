@@ -33,17 +33,13 @@ def switch(name: str, value: bool) -> bool:
     return value
 
 
-def text_bytes(text: str) -> bytes:
-    """A text in the encoding of the controller, one byte per character."""
-    return _without_zero(text.encode("latin-1"))
-
-
 def path_bytes(path: Path) -> bytes:
     """A path in the encoding of this computer's file system."""
-    return _without_zero(os.fsencode(path))
+    return without_zero(os.fsencode(path))
 
 
-def _without_zero(text: bytes) -> bytes:
+def without_zero(text: bytes) -> bytes:
+    """The text itself, which a zero byte would end."""
     if b"\0" in text:
         raise ValueError("a text must not contain a zero byte: it would end there")
     return text

@@ -12,12 +12,16 @@ class OwnedText(ctypes.c_void_p):
     """A text that the library allocated for us."""
 
     def take(self) -> str:
-        """Returns the text and releases its memory. Call it only once."""
+        """The text, one character for each byte. Call it only once."""
+        return self.take_bytes().decode("latin-1")
+
+    def take_bytes(self) -> bytes:
+        """Returns the bytes of the text and releases its memory. Call it only once."""
         address, self.value = self.value, None
         if address is None:
             raise MemoryError("the library could not allocate a text")
         try:
-            return ctypes.string_at(address).decode("latin-1")
+            return ctypes.string_at(address)
         finally:
             _free(address)
 

@@ -2,11 +2,13 @@
 
 import warnings
 from types import TracebackType
-from typing import Optional, Type, Union
+from typing import Any, Optional, Type, Union
 
-from ._connect_options import RuleSet, connect_options
+from ._connect_options import RuleSet, checked_address, connect_options
 from ._library import load
 from ._link import Link
+from ._settings import Cell, find_cell
+from ._text import Encoding
 from .control_commands import ControlCommands
 from .control_group import ControlGroups
 from .controller_state import ControllerState, State
@@ -22,18 +24,34 @@ from .statistics import Statistics, read_statistics
 from .variables import Variables
 
 
+_TIMEOUT = 0.5
+_RETRIES = 3
+_ENCODING = "utf-8"
+
+
 def connect(
-    address: str,
-    timeout: float = 0.5,
-    retries: int = 3,
+    address: Optional[str] = None,
+    timeout: Optional[float] = None,
+    retries: Optional[int] = None,
     access: Union[Access, str] = "full",
     rules: RuleSet = "strict",
     audit: bool = False,
     largest_file: Optional[int] = None,
+    *,
+    cell: Optional[str] = None,
+    encoding: Optional[str] = None,
 ) -> "Robot":
-    """Opens a connection to the controller at an IPv4 address in dotted form.
+    """Opens a connection to the controller at an IPv4 address in dotted form, or at the name of a host.
 
-    An exchange waits at most (1 + retries) x timeout (seconds) for its answer. What writes or moves is never sent twice.
+    An exchange waits at most (1 + retries) x timeout (seconds; 3 retries and 0.5 s unless given) for its answer, and so does
+    the lookup of a name. What writes or moves is never sent twice.
+
+    `cell` in place of the address names a section such as [cell.press1] of the tool's configuration file. What is not given
+    here comes from the section, then from the environment (HARVLINK_TIMEOUT, HARVLINK_RETRIES, HARVLINK_ENCODING), then
+    from the lines before the first section. With a `generation` it refuses a controller of another one.
+
+    `encoding` is that of the controller's texts: "utf-8" unless given, "latin-1", "cp1252", "cp932", "gbk" and others. A byte
+    that is not part of it appears as an escape such as "\\xE9", and writing that gives the byte back.
 
     `access` is what the connection may send. "observe": reads only. "operate": all but motion by targets. "full": all,
     and opening clears the motion targets of newer controllers, those of other programs too. What is beyond the access
@@ -43,10 +61,41 @@ def connect(
     several names. With `audit` they only count what they would have refused, see `Robot.statistics`. `largest_file` is
     the size in bytes above which a file is not received, 256 MiB unless given.
 
-    Raises ValueError for a host name: names are not looked up.
+    Raises NameNotResolved for a name that the system does not know, and ValueError for an unknown cell and for what can't be
+    an address. Ctrl-C ends the wait at once; the exchange that waits for an answer is then left to itself.
     """
+    if (address is None) == (cell is None):
+        raise TypeError("connect takes an address or a cell")
+    found = find_cell(cell) if cell is not None else Cell(checked_address(address))
+    chosen = Encoding(_first(encoding, found.encoding, _ENCODING))
     library = load()
-    return Robot(Link(library, connect_options(library, address, timeout, retries, access, rules, audit, largest_file)))
+    options = connect_options(
+        *(library, found.host, _first(timeout, found.timeout, _TIMEOUT), _first(retries, found.retries, _RETRIES)),
+        *(access, rules, audit, largest_file),
+    )
+    robot = Robot(Link(library, options, chosen))
+    _refuse_other_than(found.generation, robot)
+    return robot
+
+
+def _first(*values: Any) -> Any:
+    return next(value for value in values if value is not None)
+
+
+def _refuse_other_than(generation: Optional[str], robot: "Robot") -> None:
+    """The first letters of a controller's software version name its generation."""
+    if generation is None:
+        return
+    try:
+        version = robot.controller.system_information().software_version
+        if not version.startswith(generation.upper()):
+            raise ValueError(
+                f"the controller's software version is {version!r}, not of generation {generation.upper()}; "
+                "only the connection was opened"
+            )
+    except BaseException:
+        robot.close()
+        raise
 
 
 class Robot:

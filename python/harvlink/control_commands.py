@@ -1,6 +1,6 @@
 """Servo power, hold, cycle, pendant and job start. They act on a real machine and need remote mode."""
 
-from ._library import switch, text_bytes
+from ._library import switch
 from ._link import Link
 from .enums import CycleMode
 
@@ -28,7 +28,7 @@ class ControlCommands:
 
     def display(self, text: str) -> None:
         """Shows a line on the pendant, cut to 30 bytes."""
-        self._link.do("control_commands_interface_DisplayStringToPendant", text_bytes(text))
+        self._link.do("control_commands_interface_DisplayStringToPendant", self._link.encoded(text))
 
     def start_job(self) -> None:
         """Starts the job that `jobs.select` selected."""

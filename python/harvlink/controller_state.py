@@ -8,7 +8,6 @@ from typing import Optional
 from . import _records
 from ._link import Link
 from .enums import ControlMode, CycleMode, Group, SystemInfoId, SystemParameterType, TimeType, group_number
-from .errors import settle
 
 
 @dataclasses.dataclass(frozen=True)
@@ -59,8 +58,8 @@ class ControllerState:
         """Software version and model name of a robot, station or application."""
         record = _records.ISystemInfoData()
         status = self._link.call("controller_state_interface_read_system_information", about, ctypes.byref(record))
-        information = SystemInformation(record.softwareVersion.take(), record.modelName.take())
-        settle(status)
+        information = SystemInformation(self._link.text(record.softwareVersion), self._link.text(record.modelName))
+        self._link.settle(status)
         return information
 
     def operating_time(self, counter: TimeType, group: Group = "R1", application: int = 0) -> OperatingTime:

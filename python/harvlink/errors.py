@@ -4,6 +4,8 @@ import sys
 import warnings
 
 from ._records import IStatusInfo
+from ._text import Encoding
+from .enums import ErrorCode
 
 # The messages of a success without a note.
 PLAIN_SUCCESS = ("", "OK", "Point added to trajectory.")
@@ -28,13 +30,22 @@ class Error(Exception):
         return f"{self.text} (code {self.code})"
 
 
+class NameNotResolved(Error, ValueError):
+    """The system knows no IPv4 address for the name of the controller, or did not find it in time.
+
+    It is a ValueError too, as which names were refused before they were resolved.
+    """
+
+
 class Note(UserWarning):
     """An operation succeeded, but not completely: a text was cut, for example."""
 
 
-def settle(status: IStatusInfo) -> None:
+def settle(status: IStatusInfo, encoding: Encoding = Encoding()) -> None:
     """Releases the text of a status. Raises if the status is a failure, warns if a success has a note."""
-    text = status.Message.take()
+    text = encoding.decode(status.Message.take_bytes())
+    if status.StatusCode == ErrorCode.NAME_NOT_RESOLVED:
+        raise NameNotResolved(status.StatusCode, text)
     if status.StatusCode != 0:
         raise Error(status.StatusCode, text)
     if text not in PLAIN_SUCCESS:

@@ -4,10 +4,11 @@ import ctypes
 from typing import Callable, List, TypeVar, Union
 
 from . import _records
-from ._library import Path, path_bytes, switch, text_bytes
+from ._library import Path, path_bytes, switch
 from ._link import Link
+from ._whole_file import write_whole
 from .enums import ErrorCode, FileType
-from .errors import Error, settle
+from .errors import Error
 
 Kind = Union[FileType, str]
 """A kind of files by number or by extension, such as "JBI"."""
@@ -51,9 +52,10 @@ class Files:
 
         def read() -> str:
             status = _records.IStatusInfo()
-            names: str = self._link.call("file_interface_ListFiles", number, ctypes.byref(status), in_order).take()
-            settle(status)
-            return names
+            names = self._link.call("file_interface_ListFiles", number, ctypes.byref(status), in_order)
+            text = self._link.text(names)
+            self._link.settle(status)
+            return text
 
         return _repeatedly(read).split("\n")[:-1]
 
@@ -65,27 +67,31 @@ class Files:
 
     def get(self, name: str) -> str:
         """A text file, with the controller's line ends. Use `download` for files that contain zero bytes."""
-        wanted = text_bytes(name)
+        wanted = self._link.encoded(name)
 
         def read() -> str:
             status = _records.IStatusInfo()
-            text: str = self._link.call(
-                "file_interface_SaveFromControllerToString", wanted, ctypes.byref(status)
-            ).take()
-            settle(status)
+            content = self._link.call("file_interface_SaveFromControllerToString", wanted, ctypes.byref(status))
+            text = self._link.text(content)
+            self._link.settle(status)
             return text
 
         return _repeatedly(read)
 
     def put(self, name: str, text: str) -> None:
         """Stores a text as a file, with CR LF line ends. The "//NAME" line of a job must match the file name."""
-        self._link.do("file_interface_LoadToControllerFromString", text_bytes(name), text_bytes(text))
+        self._link.do("file_interface_LoadToControllerFromString", self._link.encoded(name), self._link.encoded(text))
 
     def download(self, name: str, path: Path, overwrite: bool = False) -> None:
-        """Fetches a file and writes it to a path of this computer."""
-        overwrite = switch("overwrite", overwrite)
-        arguments = (text_bytes(name), path_bytes(path), overwrite)
-        _repeatedly(lambda: self._link.do("file_interface_SaveFromControllerToFile", *arguments))
+        """Fetches a file and writes it to a path of this computer. What is at the path changes only when the whole file
+        has been received and written."""
+        wanted = self._link.encoded(name)
+
+        def fetch(place: bytes) -> None:
+            arguments = (wanted, place, True)
+            _repeatedly(lambda: self._link.do("file_interface_SaveFromControllerToFile", *arguments))
+
+        write_whole(path_bytes(path), switch("overwrite", overwrite), fetch)
 
     def upload(self, path: Path) -> None:
         """Stores a file of this computer under its own name. Warns if the controller does not list a stored job."""
@@ -93,4 +99,4 @@ class Files:
 
     def delete(self, name: str) -> None:
         """Deletes a job; ".JBI" may be left out."""
-        self._link.do("file_interface_DeleteJobFile", text_bytes(name))
+        self._link.do("file_interface_DeleteJobFile", self._link.encoded(name))

@@ -11,7 +11,6 @@ from . import _records
 from ._library import switch
 from ._link import Link
 from .enums import IOType
-from .errors import settle
 
 BitPlace = Union[int, Tuple[IOType, int, int]]
 """A signal: its address, or its class, group and bit."""
@@ -87,5 +86,5 @@ class IO(_Places):
         address: int = self._link.call(
             "io_interface_ConvertIOGroupToBitAddress", kind, group, bit, ctypes.byref(status)
         )
-        settle(status)
+        self._link.settle(status)
         return address

@@ -5,9 +5,7 @@ import dataclasses
 from typing import List
 
 from . import _records
-from ._library import text_bytes
 from ._link import Link
-from .errors import settle
 
 NO_JOB = "none"
 
@@ -29,20 +27,20 @@ class Jobs:
     def select(self, name: str, line: int = 0) -> None:
         """Selects the job that `control.start_job` runs, from a line (0 to 9999) on. The name may be in any case, and
         may end in ".JBI"."""
-        self._link.do("job_interface_set_active_job", text_bytes(name), line)
+        self._link.do("job_interface_set_active_job", self._link.encoded(name), line)
 
     def executing(self, task: int = 0) -> Job:
         """The job that a task executes; task 0 is the master task."""
         record = _records.IJobData()
         status = self._link.call("job_interface_get_executing_job_information", task, ctypes.byref(record))
-        job = Job(record.name.take(), record.line, record.stepNumber, record.speedOverride)
-        settle(status)
+        job = Job(self._link.text(record.name), record.line, record.stepNumber, record.speedOverride)
+        self._link.settle(status)
         return job
 
     def stack(self, task: int = 0) -> List[str]:
         """The names of the jobs on a task's call stack, at most 12. Newer controllers only."""
         record = _records.IJobStack()
         status = self._link.call("job_interface_get_job_stack", task, ctypes.byref(record))
-        names = [getattr(record, field).take() for field, _ in record._fields_]
-        settle(status)
+        names = [self._link.text(getattr(record, field)) for field, _ in record._fields_]
+        self._link.settle(status)
         return [name for name in names if name != NO_JOB]

@@ -15,7 +15,7 @@ from ._library import switch
 from ._link import Link
 from .control_group import ControlGroups
 from .enums import ControlGroupId, ErrorCode, Group, MoveType, TrajectoryMonitorState, group_number
-from .errors import Error, settle
+from .errors import Error
 from .position import AXES, Position, eight, to_record
 
 _MOST_MOTIONS = 4
@@ -143,15 +143,15 @@ class MotionManager:
         progress: float = self._link.call(
             "motion_manager_GetMotionTargetProgress", group_number(group), ctypes.byref(status)
         )
-        settle(status)
+        self._link.settle(status)
         return progress
 
     def state(self) -> TrajectoryState:
         """How many steps were queued, sent, refused and withdrawn, what the thread does, and the last failure."""
         record = _records.HarvlinkTrajectoryState(size=ctypes.sizeof(_records.HarvlinkTrajectoryState))
         status = self._link.call("harvlink_motion_get_state", ctypes.byref(record))
-        text = record.failureMessage.take()
-        settle(status)
+        text = self._link.text(record.failureMessage)
+        self._link.settle(status)
         since = datetime.datetime.fromtimestamp(record.heldBackSince / 1000) if record.heldBackSince else None
         group = ControlGroupId(record.failedGroup)
         failure = TrajectoryFailure(record.failedStep, group, record.failureCode, text)

@@ -4,9 +4,8 @@ import ctypes
 from typing import Any
 
 from . import _records
-from ._library import exact, text_bytes
+from ._library import exact
 from ._link import Link
-from .errors import settle
 from .position import Position, from_record, to_record
 
 
@@ -54,12 +53,12 @@ class Texts(_Kind):
     def __getitem__(self, index: int) -> str:
         record = self._record()
         status = self._link.call(f"{self._name}_variable_interface_read", index, ctypes.byref(record))
-        text: str = record.value.take()
-        settle(status)
+        text: str = self._link.text(record.value)
+        self._link.settle(status)
         return text
 
     def __setitem__(self, index: int, text: str) -> None:
-        record = _records.StringToWrite(text_bytes(text), exact(ctypes.c_uint16, index))
+        record = _records.StringToWrite(self._link.encoded(text), exact(ctypes.c_uint16, index))
         self._write(ctypes.cast(ctypes.byref(record), ctypes.POINTER(self._record)))
 
 

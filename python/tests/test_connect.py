@@ -95,7 +95,9 @@ class RulesTest(unittest.TestCase):
             {"rules": ["Deadlines"]},
             {"access": "all"},
             {"access": 3},
-            {"address": "nohost"},
+            {"address": "127.1"},
+            {"address": "two words"},
+            {"encoding": "utf-9"},
         ]:
             with self.subTest(wrong), self.assertRaises(ValueError):
                 harvlink.connect(**{"address": NOBODY, **wrong})

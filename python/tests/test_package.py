@@ -42,7 +42,7 @@ class ConnectedTest(SimulatorTest):
         super().setUpClass()
 
     def setUp(self):
-        self.robot = harvlink.connect(self.simulator.address)
+        self.robot = harvlink.connect(self.simulator.address, encoding="latin-1")
         self.addCleanup(self.robot.close)
 
     def test_what_is_written_is_read(self):
@@ -132,7 +132,7 @@ class ConnectedTest(SimulatorTest):
             self.assertIn(text, caught.exception.text)
         for operation, error in [
             *((lambda: robot.position("X1"), ValueError), (lambda: robot.files.list("TXT"), ValueError)),
-            *((lambda: harvlink.connect("nohost"), ValueError), (lambda: harvlink.connect(5), TypeError)),
+            *((lambda: harvlink.connect("127.1"), ValueError), (lambda: harvlink.connect(5), TypeError)),
         ]:
             with self.assertRaises(error):
                 operation()

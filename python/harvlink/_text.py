@@ -1,0 +1,63 @@
+"""Texts of a controller: bytes in its encoding, and characters here."""
+
+import codecs
+import re
+from typing import Iterator, Tuple
+
+NAMES = ("utf-8", "latin-1", "cp1250", "cp1251", "cp1252", "cp932", "gbk", "cp949")
+"""The encodings, as `harvlink --encoding` has them too."""
+
+_ESCAPE = re.compile(r"\\x([0-9A-Fa-f]{2})")
+_BEFORE_ESCAPE = re.compile(r"\\(?=x[0-9A-Fa-f]{2})")
+# No encoding yields half of a surrogate pair, so it can stand for a byte that is not a character.
+_BYTE = 0xDC00
+_BYTES = re.compile("[\udc00-\udcff]")
+
+
+def _keep_byte(error: UnicodeError) -> Tuple[str, int]:
+    if not isinstance(error, UnicodeDecodeError):
+        raise error
+    return chr(_BYTE + error.object[error.start]), error.start + 1
+
+
+codecs.register_error("harvlink-keep-byte", _keep_byte)
+
+
+def _show_bytes(characters: str) -> str:
+    escaped = _BEFORE_ESCAPE.sub(r"\\x5C", characters)
+    return _BYTES.sub(lambda found: f"\\x{ord(found[0]) - _BYTE:02X}", escaped)
+
+
+class Encoding:
+    r"""A byte that is not part of the encoding appears as "\x" and two hexadecimal digits, and writing that gives the byte
+    back; so does a backslash before such an "x". Every text can be written back as it was read."""
+
+    def __init__(self, name: str = "utf-8") -> None:
+        if not isinstance(name, str) or name.lower() not in NAMES:
+            raise ValueError(f"{name!r} is not a known encoding; there are: {', '.join(NAMES)}")
+        self.name = name.lower()
+
+    def decode(self, text: bytes) -> str:
+        shown = _show_bytes(text.decode(self.name, "harvlink-keep-byte"))
+        return shown if self.encode(shown) == text else _show_bytes("".join(self._unambiguous(text)))
+
+    def _unambiguous(self, text: bytes) -> Iterator[str]:
+        """Some encodings have two forms of a character; one that would not be written back is kept as bytes."""
+        place = 0
+        while place < len(text):
+            for piece in (text[place : place + 1], text[place : place + 2]):
+                character = piece.decode(self.name, "ignore")
+                if len(character) == 1 and character.encode(self.name) == piece:
+                    break
+            else:
+                piece, character = piece[:1], chr(_BYTE + text[place])
+            yield character
+            place += len(piece)
+
+    def encode(self, text: str) -> bytes:
+        """Raises UnicodeEncodeError, a ValueError, for a character that the encoding does not have."""
+        pieces = _ESCAPE.split(text)
+        pieces[1::2] = [chr(_BYTE + int(digits, 16)) for digits in pieces[1::2]]
+        return b"".join(
+            bytes([ord(piece) - _BYTE]) if place % 2 else piece.encode(self.name) for place, piece in enumerate(pieces)
+        )
