@@ -74,7 +74,13 @@ StepRecord* TrajectoryProgress::Leave(StepNumber number, StepOutcome outcome) {
     if (record.number > number) {
         return nullptr;
     }
-    record = {.number = number, .outcome = outcome, .clears = clears};
+    // Targets of groups that the step does not have stay as they were: to clear them all would cost each step more than
+    // it takes to note it.
+    record.number = number;
+    record.outcome = outcome;
+    record.groups.reset();
+    record.code = 0;
+    record.clears = clears;
     return &record;
 }
 

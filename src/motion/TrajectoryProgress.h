@@ -41,7 +41,7 @@ struct StepRecord {
     std::bitset<MotionSlots> groups{};
     std::int32_t code = 0; ///< of a refused step
     std::uint32_t clears = 0; ///< how often targets had been cleared when the step was sent
-    std::array<SentTarget, MotionSlots> targets{};
+    std::array<SentTarget, MotionSlots> targets{}; ///< of `groups`
 };
 
 /// Keeps the books of a trajectory: what became of each step, how many targets each group was given since the controller
@@ -67,7 +67,7 @@ public:
 
     // Of the monitor.
     void Started();
-    void Taken() { monitor = TrajectoryMonitorState::Sending; } ///< A step is being sent.
+    void Taken() { monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed); } ///< A step is being sent.
     void Full(); ///< There was no room for it.
     void Sent(StepNumber number, MotionStep const& step); ///< Number 0 only counts the targets.
     void BeginFailure(StepNumber number, std::int32_t code); ///< Until EndFailure no wait returns.
