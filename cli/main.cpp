@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "cli/program/CommandLine.h"
+#include "cli/program/Interrupt.h"
 #include "cli/verbs/AllCommands.h"
 
 namespace {
@@ -21,6 +22,7 @@ void OccupyStandardStreams() {
 
 int main(int argc, char** argv) {
     OccupyStandardStreams();
+    harvlink::cli::EndBySignals();
     harvlink::cli::Console console{.in = std::cin,
                                    .out = std::cout,
                                    .err = std::cerr,

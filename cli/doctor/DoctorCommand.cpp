@@ -171,7 +171,11 @@ int Run(Output& output, Expectation const& expected, unsigned retries, DoctorArg
         report.audit = AuditController(options, arguments.probes, isFree);
     }
     progress.reset();
-    return Show(output, report, expected);
+    int const exit = Show(output, report, expected);
+    if (!isFree()) {
+        throw Interrupted("interrupted; the report is of the probes until then");
+    }
+    return exit;
 }
 
 } // namespace

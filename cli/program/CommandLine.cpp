@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 
 #include "cli/output/Output.h"
 #include "cli/program/Help.h"
+#include "cli/program/Interrupt.h"
 #include "cli/program/ParseErrorText.h"
 #include "cli/program/Session.h"
 #include "harvlink/Version.h"
@@ -23,7 +25,7 @@ namespace harvlink::cli {
 namespace {
 
 constexpr char const* Footer =
-    "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage.\n"
+    "Exit status: 0 success, 1 the controller refused or did not answer, 2 wrong usage, 130 Ctrl-C.\n"
     "Options may stand before or after the command. An option comes before its environment\n"
     "variable (in brackets), and this before the configuration file: see harvlink config.\n\n"
     "Examples:\n"
@@ -90,6 +92,12 @@ int Run(int argc, char const* const* argv, Console& console, std::span<AddComman
     } catch (InputError const& error) {
         output.Problem(error.what());
         return ExitStatus::WrongUsage;
+    } catch (Interrupted const& error) {
+        output.Problem(error.what());
+        return error.ExitStatus();
+    } catch (std::filesystem::filesystem_error const& error) {
+        output.Problem(fmt::format("{}: {}", error.path1().string(), error.code().message()));
+        return ExitStatus::Failure;
     } catch (std::exception const& error) {
         output.Problem(error.what());
         return ExitStatus::Failure;

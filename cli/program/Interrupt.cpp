@@ -2,41 +2,89 @@
 
 #include <cerrno>
 #include <stdexcept>
+#include <string_view>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
+
+#include "cli/output/Progress.h"
+#include "cli/program/ScratchSpace.h"
 
 namespace harvlink::cli {
 
 namespace {
 
 // A signal between the check of a flag and the wait would be missed until the wait ends; a byte in a pipe is not.
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a signal handler reaches nothing else
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): a signal handler reaches nothing else
 std::array<int, 2> wakePipe{-1, -1};
+volatile std::sig_atomic_t lastSignal = SIGINT;
+volatile std::sig_atomic_t isTaken = 0; // the living Interrupt has had its signal
+volatile std::sig_atomic_t endsLine = 0; // the terminal shows "^C" on the line of the error stream
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
-void Wake(int /*signal*/) {
+constexpr int SignalBase = 128;
+
+void Say(std::string_view text) {
+    [[maybe_unused]] ssize_t const written = write(STDERR_FILENO, text.data(), text.size());
+}
+
+// Only what a signal handler may call.
+[[noreturn]] void EndNow(int signal) {
+    ScratchSpace::RemoveAtSignal();
+    if (Progress::IsShown()) {
+        Say("\r\x1b[K");
+    } else if (endsLine != 0) {
+        Say("\n");
+    }
+    Say("harvlink: interrupted\n");
+    _exit(SignalBase + signal);
+}
+
+void Wake(int signal) {
+    if (isTaken != 0) {
+        EndNow(signal);
+    }
+    isTaken = 1;
+    lastSignal = signal;
     int const keptError = errno;
     [[maybe_unused]] ssize_t const written = write(wakePipe[1], "", 1);
     errno = keptError;
 }
 
+// A signal that the parent ignores stays ignored, as nohup asks for; the living Interrupt gives that only to a hang-up.
+void SetHandler(void (*handler)(int), struct sigaction* previous) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    for (std::size_t i = 0; i < Interrupt::Signals.size(); ++i) {
+        int const signal = Interrupt::Signals.at(i);
+        struct sigaction former {};
+        sigaction(signal, &action, &former);
+        if (former.sa_handler == SIG_IGN && (signal == SIGHUP || previous == nullptr)) {
+            sigaction(signal, &former, nullptr);
+        }
+        if (previous != nullptr) {
+            previous[i] = former;
+        }
+    }
+}
+
 } // namespace
+
+Interrupted::Interrupted(std::string const& text) : std::runtime_error(text), exitStatus_(SignalBase + lastSignal) {}
+
+void EndBySignals() {
+    endsLine = isatty(STDERR_FILENO);
+    SetHandler(EndNow, nullptr);
+}
 
 Interrupt::Interrupt() {
     if (pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
         throw std::runtime_error("can't open a pipe for signals");
     }
-    struct sigaction action {};
-    action.sa_handler = Wake;
-    // The first signal restores the default, so that a second one ends the process whatever it is waiting for.
-    action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
-    for (std::size_t i = 0; i < Signals.size(); ++i) {
-        sigaction(Signals.at(i), &action, &previous_.at(i));
-        if (Signals.at(i) == SIGHUP && previous_.at(i).sa_handler == SIG_IGN) {
-            sigaction(Signals.at(i), &previous_.at(i), nullptr); // as nohup asks for
-        }
-    }
+    isTaken = 0;
+    SetHandler(Wake, previous_.data());
 }
 
 Interrupt::~Interrupt() {

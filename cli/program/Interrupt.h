@@ -3,8 +3,22 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <stdexcept>
+#include <string>
 
 namespace harvlink::cli {
+
+/// The user ended the command by a signal. The text says in one line what was done and what was not.
+class Interrupted : public std::runtime_error {
+public:
+    explicit Interrupted(std::string const& text);
+
+    /// As shells have it: 128 and the number of the signal, so 130 after Ctrl-C.
+    int ExitStatus() const { return exitStatus_; }
+
+private:
+    int exitStatus_;
+};
 
 /// While it lives, the program gets the first Ctrl-C, Ctrl-\, SIGTERM or hang-up itself, and the second ends the process.
 /// There can be only one at a time.
@@ -18,13 +32,21 @@ public:
     /// Waits until the time is over or the signal comes. Returns whether the signal has come.
     bool Wait(std::chrono::milliseconds time) const;
 
+    /// Whether the signal has come.
+    bool HasCome() const { return Wait(std::chrono::milliseconds(0)); }
+
     /// Becomes readable with the signal, so that poll can wait for it together with other descriptors.
     int Descriptor() const;
 
-private:
     static constexpr std::array<int, 4> Signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
+
+private:
     std::array<struct sigaction, Signals.size()> previous_{};
 };
+
+/// Makes the signals of Interrupt, while none lives, end the process at once with one line, with the exit status of Interrupted,
+/// and without leaving the files of a ScratchSpace behind. For the program, not for tests that run in one process.
+void EndBySignals();
 
 /// While it lives, writing to a closed pipe does not end the process.
 class BrokenPipesIgnored {

@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
-#include "cli/program/Interrupt.h"
 #include "cli/snapshot/FileReader.h"
 #include "cli/snapshot/ParameterRange.h"
 #include "cli/snapshot/Source.h"
@@ -64,16 +63,17 @@ void ReadSection(Source& source, Snapshot& snapshot, SectionReader const& reader
 
 Snapshot Capture(QuorvanController& robot, std::string const& host, Selection const& selection, Output& output,
                  std::filesystem::path const& scratch) {
-    Interrupt const interrupt;
     Progress progress(output, "Reading " + host);
-    Source source(robot, progress, interrupt);
+    Source source(robot, progress);
     Snapshot snapshot{.host = host,
                       .created = fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time(nullptr))),
                       .selection = selection,
+                      .encoding = std::string(ControllerEncoding().Name()),
                       .controller = {},
                       .tables = {},
                       .files = {},
-                      .missing = {}};
+                      .missing = {},
+                      .longNames = {}};
     ReadController(source, snapshot);
     for (SectionReader const& reader : SectionReaders) {
         ReadSection(source, snapshot, reader);

@@ -10,7 +10,7 @@
 namespace harvlink::cli::snapshot {
 
 /// Reads the selected sections of a controller one after the other. A part that can't be read is noted in the snapshot,
-/// and the reading goes on. A controller that stops answering, and Ctrl-C, end it.
+/// and the reading goes on. A controller that stops answering ends it.
 Snapshot Capture(QuorvanController& robot, std::string const& host, Selection const& selection, Output& output,
                  std::filesystem::path const& scratch);
 

@@ -14,6 +14,7 @@
 #include "cli/snapshot/Folder.h"
 #include "cli/snapshot/SnapshotCommands.h"
 #include "cli/snapshot/Staging.h"
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
@@ -46,7 +47,7 @@ struct DiffArguments {
 Json LinesJson(std::vector<LineChange> const& lines) {
     Json rows = Json::array();
     for (LineChange const& line : lines) {
-        rows.push_back({{"sign", std::string(1, line.sign)}, {"line", line.line}, {"text", line.text}});
+        rows.push_back({{"sign", std::string(1, line.sign)}, {"line", line.line}, {"text", ControllerText(line.text)}});
     }
     return rows;
 }
@@ -55,7 +56,7 @@ Json DifferenceJson(Difference const& difference) {
     Json changes = Json::array();
     for (Change const& change : difference.changes) {
         Json row{{"section", change.section},
-                 {"name", change.name},
+                 {"name", ControllerText(change.name)},
                  {"before", change.before ? Json(*change.before) : Json()},
                  {"after", change.after ? Json(*change.after) : Json()}};
         if (change.section == FilesSection) {
@@ -70,7 +71,7 @@ Json DifferenceJson(Difference const& difference) {
 }
 
 std::string Text(LineChange const& line, bool hasColour) {
-    std::string const text = fmt::format("    {}{}  {}", line.sign, line.line, Printable(line.text));
+    std::string const text = fmt::format("    {}{}  {}", line.sign, line.line, Printable(ControllerText(line.text)));
     fmt::terminal_color const colour = line.sign == '-' ? fmt::terminal_color::red : fmt::terminal_color::green;
     return hasColour ? fmt::format(fmt::fg(colour), "{}", text) : text;
 }
@@ -82,8 +83,8 @@ void ShowForPeople(std::ostream& out, Difference const& difference, bool hasColo
             section = change.section;
             out << section << '\n';
         }
-        out << fmt::format("  {}  {} -> {}\n", Printable(change.name), Printable(change.before.value_or("(none)")),
-                           Printable(change.after.value_or("(none)")));
+        out << fmt::format("  {}  {} -> {}\n", Printable(ControllerText(change.name)),
+                           Printable(change.before.value_or("(none)")), Printable(change.after.value_or("(none)")));
         for (LineChange const& line : change.lines) {
             out << Text(line, hasColour) << '\n';
         }
@@ -107,8 +108,8 @@ bool ReadLive(Session& session, Output& output, Selection const& selection, Snap
         output.Failure(status);
         return false;
     }
-    ScratchFolder const scratch(filesystem::temp_directory_path());
-    snapshot = Capture(*connection, session.settings().host, selection, output, scratch.Path() / "transfer");
+    ScratchSpace const scratch(filesystem::temp_directory_path());
+    snapshot = Capture(*connection, session.settings().host, selection, output, scratch.File());
     for (Missing const& part : snapshot.missing) {
         output.Failure(part.status, part.what);
     }
@@ -120,6 +121,8 @@ int Diff(Session& session, Output& output, DiffArguments const& arguments) {
     bool const isAfterLive = arguments.after == Live;
     Snapshot before = isBeforeLive ? Snapshot{} : Read(arguments.before);
     Snapshot after = isAfterLive ? Snapshot{} : Read(arguments.after);
+    // Texts of the controller are compared as they were saved.
+    SetControllerEncoding(TextEncoding(isBeforeLive ? after.encoding : before.encoding));
     if ((isBeforeLive && !ReadLive(session, output, after.selection, before)) ||
         (isAfterLive && !ReadLive(session, output, before.selection, after))) {
         return Trouble;

@@ -7,6 +7,7 @@
 #include "cli/output/Words.h"
 #include "harvlink/FileInterface.h"
 #include "words/text/Csv.h"
+#include "words/text/Encoding.h"
 #include "words/values/FileNames.h"
 
 namespace harvlink::cli::snapshot {
@@ -42,13 +43,13 @@ std::vector<std::string> ListAll(Source& source, Snapshot& snapshot) {
 void ReadFiles(Source& source, Snapshot& snapshot, std::filesystem::path const& scratch) {
     for (std::string const& name : ListAll(source, snapshot)) {
         if (IsSelected(snapshot.selection, name)) {
-            StatusInfo const status = source.Ask("file " + name, [&] {
+            StatusInfo const status = source.Ask("file " + ControllerText(name), [&] {
                 return source.robot.Files->SaveFromControllerToFile(name, scratch.string(), true);
             });
             if (status.StatusCode == 0) {
                 snapshot.files[name] = ReadTextFile(scratch.string());
             } else {
-                snapshot.missing.push_back({"files/" + name, status});
+                snapshot.missing.push_back({"files/" + ControllerText(name), status});
             }
         }
     }

@@ -8,9 +8,9 @@
 
 #include "cli/output/Words.h"
 #include "cli/snapshot/Manifest.h"
-#include "cli/snapshot/SafeName.h"
 #include "words/text/Csv.h"
 #include "words/text/InputError.h"
+#include "words/values/SafeName.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -65,7 +65,10 @@ void ReadFiles(filesystem::path const& folder, Snapshot& snapshot) {
     }
     for (auto const& entry : filesystem::directory_iterator(folder)) {
         if (entry.is_regular_file()) {
-            snapshot.files[OriginalName(entry.path().filename().string())] = ReadTextFile(entry.path().string());
+            std::string const stored = entry.path().filename().string();
+            auto const longName = snapshot.longNames.find(stored);
+            std::string const name = longName == snapshot.longNames.end() ? OriginalName(stored) : longName->second;
+            snapshot.files[name] = ReadTextFile(entry.path().string());
         }
     }
 }

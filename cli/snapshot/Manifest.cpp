@@ -4,7 +4,9 @@
 
 #include "cli/output/Words.h"
 #include "harvlink/Version.h"
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/values/SafeName.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -48,14 +50,32 @@ Json MissingJson(std::vector<Missing> const& missing) {
     return rows;
 }
 
+/// Of the files that are stored under names which do not give theirs back.
+Json LongNamesJson(Snapshot const& snapshot) {
+    Json names = Json::object();
+    for (auto const& [name, contents] : snapshot.files) {
+        std::string const stored = SafeName(name);
+        if (OriginalName(stored) != name) {
+            names[stored] = TextEncoding().Decode(name);
+        }
+    }
+    return names;
+}
+
 Snapshot ParseContents(Json const& manifest) {
     Snapshot snapshot{.host = manifest.at("host"),
                       .created = manifest.at("created"),
                       .selection = ParseSelection(manifest.at("selection")),
+                      .encoding = manifest.value("encoding", "utf-8"),
                       .controller = {},
                       .tables = {},
                       .files = {},
-                      .missing = {}};
+                      .missing = {},
+                      .longNames = {}};
+    Json const longNames = manifest.value("long_names", Json::object());
+    for (auto const& [stored, name] : longNames.items()) {
+        snapshot.longNames[stored] = TextEncoding().Encode(name.get<std::string>());
+    }
     for (auto const& [name, value] : manifest.at("controller").items()) {
         snapshot.controller.push_back({name, value.get<std::string>()});
     }
@@ -77,16 +97,21 @@ Json ManifestJson(Snapshot const& snapshot) {
     for (Entry const& entry : snapshot.controller) {
         controller[entry.name] = entry.value;
     }
-    return {{"format", Format},
-            {"format_version", FormatVersion},
-            {"tool", HeaderVersion},
-            {"created", snapshot.created},
-            {"host", snapshot.host},
-            {"controller", controller},
-            {"complete", snapshot.IsComplete()},
-            {"entries", CountsJson(snapshot)},
-            {"missing", MissingJson(snapshot.missing)},
-            {"selection", SelectionJson(snapshot.selection)}};
+    Json manifest{{"format", Format},
+                  {"format_version", FormatVersion},
+                  {"tool", HeaderVersion},
+                  {"created", snapshot.created},
+                  {"host", snapshot.host},
+                  {"controller", controller},
+                  {"complete", snapshot.IsComplete()},
+                  {"entries", CountsJson(snapshot)},
+                  {"missing", MissingJson(snapshot.missing)},
+                  {"selection", SelectionJson(snapshot.selection)},
+                  {"encoding", snapshot.encoding}};
+    if (Json const longNames = LongNamesJson(snapshot); !longNames.empty()) {
+        manifest["long_names"] = longNames;
+    }
+    return manifest;
 }
 
 Snapshot ParseManifest(Json const& manifest) {

@@ -7,6 +7,7 @@
 
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
+#include "cli/program/Interrupt.h"
 #include "cli/program/Session.h"
 #include "cli/snapshot/Capture.h"
 #include "cli/snapshot/Folder.h"
@@ -22,13 +23,14 @@ namespace {
 
 namespace filesystem = std::filesystem;
 
-constexpr char const* SaveNotes = "The folder gets its name when everything is read; Ctrl-C removes it. Parts that\n"
-                                  "could not be read are listed, and the exit status is 1. An incomplete snapshot\n"
-                                  "never replaces another: it is written to FOLDER.incomplete instead. Variables,\n"
-                                  "signals, registers and parameters are read from their first number to the first\n"
-                                  "that the controller refuses, parameters to 999 at most.\n"
-                                  "Opening the connection clears the motion targets of a controller from generation\n"
-                                  "YA up: do not save while another program moves the arm.";
+constexpr char const* SaveNotes =
+    "The folder gets its name when everything is read; Ctrl-C removes it at once. Parts that\n"
+    "could not be read are listed, and the exit status is 1. An incomplete snapshot\n"
+    "never replaces another: it is written to FOLDER.incomplete instead. Variables,\n"
+    "signals, registers and parameters are read from their first number to the first\n"
+    "that the controller refuses, parameters to 999 at most.\n"
+    "Opening the connection clears the motion targets of a controller from generation\n"
+    "YA up: do not save while another program moves the arm.";
 
 struct SaveArguments {
     std::string folder;
@@ -38,11 +40,6 @@ struct SaveArguments {
 
 filesystem::path IncompletePlace(filesystem::path const& place) {
     return place.string() + ".incomplete";
-}
-
-bool WasInterrupted(Snapshot const& snapshot) {
-    return !snapshot.missing.empty() &&
-           snapshot.missing.back().status.StatusCode == static_cast<int>(ErrorStatusCodes::OperationInterrupted);
 }
 
 void ShowMissing(Output& output, Snapshot const& snapshot) {
@@ -59,13 +56,14 @@ void ShowSaved(Output& output, Snapshot const& snapshot, filesystem::path const&
 
 StatusInfo Save(QuorvanController& robot, std::string const& host, Output& output, SaveArguments const& arguments) {
     filesystem::path place = CheckTarget(arguments.folder, arguments.force);
-    ScratchFolder scratch(place.parent_path());
-    Snapshot const snapshot = Capture(robot, host, arguments.selection, output, scratch.Path() / "transfer");
+    ScratchSpace scratch(place.parent_path());
+    Snapshot const snapshot = Capture(robot, host, arguments.selection, output, scratch.File());
     ShowMissing(output, snapshot);
-    if (WasInterrupted(snapshot) || snapshot.IsEmpty()) {
+    if (snapshot.IsEmpty()) {
         output.Problem("nothing was written");
         return {};
     }
+    Interrupt const interrupt; // what is half written must be removed or moved back
     filesystem::path const finished = scratch.Path() / "finished";
     filesystem::create_directory(finished);
     Write(snapshot, finished);
@@ -73,6 +71,9 @@ StatusInfo Save(QuorvanController& robot, std::string const& host, Output& outpu
     place = CheckTarget(place, arguments.force);
     if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {
         place = CheckTarget(IncompletePlace(place), true);
+    }
+    if (interrupt.HasCome()) {
+        throw Interrupted("interrupted, nothing was written");
     }
     MoveInto(finished, place, scratch);
     ShowSaved(output, snapshot, place);

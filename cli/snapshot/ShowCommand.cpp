@@ -15,7 +15,9 @@
 #include "cli/snapshot/Folder.h"
 #include "cli/snapshot/Manifest.h"
 #include "cli/snapshot/SnapshotCommands.h"
+#include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Printable.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -37,7 +39,7 @@ Json TableJson(Table const& table, std::string_view name, std::string_view value
 Json FilesJson(Snapshot const& snapshot) {
     Json rows = Json::array();
     for (auto const& [name, contents] : snapshot.files) {
-        rows.push_back({{"name", name}, {"bytes", contents.size()}});
+        rows.push_back({{"name", ControllerText(name)}, {"bytes", contents.size()}});
     }
     return rows;
 }
@@ -57,12 +59,14 @@ Json Summary(Snapshot const& snapshot, bool json) {
 }
 
 void ShowFile(Output& output, Snapshot const& snapshot, std::string const& name) {
-    auto const file = snapshot.files.find(name);
+    auto const file = snapshot.files.find(ControllerBytes(name));
     if (file == snapshot.files.end()) {
         throw InputError(fmt::format("the snapshot has no file '{}'; its section files lists what it has", name));
     }
     if (output.json) {
-        output.Show(Json{{"name", name}, {"contents", file->second}});
+        output.Show(Json{{"name", name}, {"contents", ControllerEncoding().Decode(file->second)}});
+    } else if (output.console().outputIsTerminal) {
+        output.console().out << PrintableLines(ControllerEncoding().Decode(file->second)) << std::flush;
     } else {
         output.console().out << file->second << std::flush;
     }
@@ -99,6 +103,7 @@ void ShowSection(Output& output, Snapshot const& snapshot, std::string const& se
 int Show(Output& output, ShowArguments const& arguments) {
     constexpr std::string_view FilePrefix = "files/";
     Snapshot const snapshot = Read(arguments.folder);
+    SetControllerEncoding(TextEncoding(snapshot.encoding));
     if (arguments.section.empty()) {
         output.Show(Summary(snapshot, output.json));
     } else if (arguments.section.starts_with(FilePrefix)) {

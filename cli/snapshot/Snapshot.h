@@ -61,11 +61,14 @@ struct Snapshot {
     std::string host;
     std::string created; ///< in UTC, such as "2026-11-21T10:00:00Z"
     Selection selection;
+    std::string encoding = "utf-8"; ///< in which the controller has its texts
     Table controller;
     std::map<std::string, Table, std::less<>>
         tables; ///< by section; a section that the controller does not have is not there
     std::map<std::string, std::string, std::less<>> files; ///< contents by name
     std::vector<Missing> missing;
+    /// Names of files, by those under which they are stored, if these do not give them back.
+    std::map<std::string, std::string, std::less<>> longNames;
 
     bool IsComplete() const { return missing.empty(); }
     bool HasSection(std::string_view section) const;

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <chrono>
 #include <string_view>
 
 #include <fmt/format.h>
 
 #include "cli/output/Progress.h"
-#include "cli/program/Interrupt.h"
 #include "cli/program/RepeatedRead.h"
 #include "cli/snapshot/Snapshot.h"
 #include "harvlink/QuorvanController.h"
@@ -16,8 +14,7 @@ namespace harvlink::cli::snapshot {
 /// A controller from which thousands of values are read. Knows whether it still answers.
 class Source {
 public:
-    Source(QuorvanController& controller, Progress& progress, Interrupt const& interrupt)
-        : robot(controller), progress_(progress), interrupt_(interrupt) {}
+    Source(QuorvanController& controller, Progress& progress) : robot(controller), progress_(progress) {}
 
     QuorvanController& robot;
 
@@ -33,20 +30,14 @@ public:
         return status;
     }
 
-    /// Whether to stop reading: the controller does not answer, or the user has pressed Ctrl-C.
-    bool IsGone() {
-        if (reason_.StatusCode == 0 && interrupt_.Wait(std::chrono::milliseconds(0))) {
-            reason_ = StatusInformation(ErrorStatusCodes::OperationInterrupted, "Interrupted.");
-        }
-        return reason_.StatusCode != 0;
-    }
+    /// Whether to stop reading: the controller does not answer.
+    bool IsGone() const { return reason_.StatusCode != 0; }
 
     /// Why it is gone.
     StatusInfo const& Reason() const { return reason_; }
 
 private:
     Progress& progress_;
-    Interrupt const& interrupt_;
     StatusInfo reason_;
 };
 

@@ -1,8 +1,5 @@
 #include "cli/snapshot/Staging.h"
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include <fmt/format.h>
@@ -14,21 +11,6 @@
 namespace harvlink::cli::snapshot {
 
 namespace filesystem = std::filesystem;
-
-ScratchFolder::ScratchFolder(filesystem::path const& parent) {
-    std::string name = (parent / ".harvlink-snapshot-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) {
-        throw InputError(fmt::format("can't write into {}: {}", parent.string(), std::strerror(errno)));
-    }
-    path_ = name;
-}
-
-ScratchFolder::~ScratchFolder() {
-    if (!isKept_) {
-        std::error_code ignored;
-        filesystem::remove_all(path_, ignored);
-    }
-}
 
 filesystem::path CheckTarget(filesystem::path const& target, bool force) {
     filesystem::path place = filesystem::weakly_canonical(filesystem::absolute(target));
@@ -61,7 +43,7 @@ filesystem::path CheckTarget(filesystem::path const& target, bool force) {
     return place;
 }
 
-void MoveInto(filesystem::path const& finished, filesystem::path const& target, ScratchFolder& scratch) {
+void MoveInto(filesystem::path const& finished, filesystem::path const& target, ScratchSpace& scratch) {
     filesystem::path const former = scratch.Path() / "former";
     bool const isReplaced = filesystem::exists(target);
     if (isReplaced) {

@@ -80,10 +80,13 @@ public:
             // Stop before anything is printed: the reader of the output may be slow, or gone.
             StatusInfo const stopped = StopAndClear();
             progress_.reset();
-            ReportProblems();
             if (stopped.StatusCode != 0) {
                 output_.Failure(stopped, "the stop failed, the machine may still move");
             }
+            if (interrupt.HasCome()) {
+                throw Interrupted(InterruptedText());
+            }
+            ReportProblems();
         }
         progress_.reset();
         return status;
@@ -117,7 +120,6 @@ private:
             }
         }
         if (interrupt.Wait(std::chrono::milliseconds(0))) {
-            problems_.emplace_back("interrupted before the start, nothing was moved");
             return StatusInformation(ErrorStatusCodes::OperationInterrupted);
         }
         StatusInfo status = robot_.MotionManager->MotionStart();
@@ -128,7 +130,6 @@ private:
     StatusInfo Follow(Interrupt const& interrupt, PathTracker& tracker) {
         while (true) {
             if (interrupt.Wait(PollInterval)) {
-                problems_.emplace_back("interrupted: stopping the motion and clearing the queue");
                 return StatusInformation(ErrorStatusCodes::OperationInterrupted);
             }
             StatusInfo status = CheckForAlarms();
@@ -189,21 +190,32 @@ private:
         for (std::string const& problem : problems_) {
             output_.Problem(problem);
         }
-        ReportPoint();
+        if (std::string const place = Place(); !place.empty()) {
+            output_.Problem("stopped on the way to " + place);
+        }
+    }
+
+    std::string InterruptedText() const {
+        if (!isStarted_) {
+            return "interrupted before the start, nothing was moved";
+        }
+        std::string const place = Place();
+        return "interrupted, the motion was told to stop and the queue is empty" +
+               (place.empty() ? "" : "; on the way to " + place);
     }
 
     // The controller counts the points of each group, so with several groups the count does not name a point. The machine
     // may have moved on since the count was read, and points are refused before the machine reaches them.
-    void ReportPoint() {
+    std::string Place() const {
         bool const isOneGroup = std::ranges::all_of(
             trajectory_, [&](Motion const& point) { return point.controlGroup == path_.last.controlGroup; });
         auto const point = static_cast<std::size_t>(reached_);
         if (!isStarted_ || !isOneGroup || point >= trajectory_.size() || trajectory_[point].place.empty()) {
-            return;
+            return {};
         }
         std::size_t const count = trajectory_.size();
-        output_.Problem(fmt::format("stopped on the way to {} (point {} of {}){}", trajectory_[point].place, point + 1,
-                                    count, point + 1 < count ? " or to a later point" : ""));
+        return fmt::format("{} (point {} of {}){}", trajectory_[point].place, point + 1, count,
+                           point + 1 < count ? " or to a later point" : "");
     }
 
     // Returns the status of the stop; a success if nothing was started. Clearing empties the library's queue even if the

@@ -1,8 +1,7 @@
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
-#include <map>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -15,9 +14,14 @@
 #include "cli/output/Rows.h"
 #include "cli/program/Help.h"
 #include "cli/program/RepeatedRead.h"
+#include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
+#include "cli/verbs/RemoteFiles.h"
+#include "cli/verbs/TransferReport.h"
+#include "harvlink/ConnectionStatistics.h"
 #include "harvlink/FileInterface.h"
+#include "words/text/Encoding.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
@@ -40,134 +44,6 @@ std::vector<std::string> LocalFiles(std::string const& glob) {
 namespace filesystem = std::filesystem;
 using TextList = std::vector<std::string>;
 
-/// The files of the controller. Each kind is listed at most once.
-class RemoteFiles {
-public:
-    RemoteFiles(FileInterface& files, Output& output) : files_(files), output_(output) {}
-
-    StatusInfo List(FileType type, TextList& names) {
-        StatusInfo status;
-        auto const known = lists_.find(type);
-        if (known == lists_.end()) {
-            std::string const what = fmt::format("Listing {} files", ExtensionOf(type));
-            Progress progress(output_, what);
-            status = ReadRepeatedly(progress, what, [&] { return files_.ListFiles(type, names, true); });
-            if (status.StatusCode == 0) {
-                lists_.emplace(type, names);
-            }
-        } else {
-            names = known->second;
-        }
-        return status;
-    }
-
-    /// Whether there is such a file; upper and lower case are the same.
-    StatusInfo Contains(FileType type, std::string const& name, bool& contains) {
-        TextList names;
-        StatusInfo status = List(type, names);
-        contains = std::any_of(names.begin(), names.end(),
-                               [&](std::string const& other) { return LowerCase(other) == LowerCase(name); });
-        return status;
-    }
-
-    /// A file was stored since it was listed.
-    void Note(FileType type, std::string const& name) { lists_[type].push_back(name); }
-
-    /// The names that fit any of the globs, each once. A name without wildcards needs no listing.
-    StatusInfo Find(TextList const& globs, TextList& found) {
-        for (std::string const& glob : globs) {
-            StatusInfo status = IsGlob(glob) ? FindGlob(glob, found) : Add(glob, found);
-            if (status.StatusCode != 0) {
-                return status;
-            }
-        }
-        return {};
-    }
-
-private:
-    static StatusInfo Add(std::string const& name, TextList& found) {
-        if (std::find(found.begin(), found.end(), name) == found.end()) {
-            found.push_back(name);
-        }
-        return {};
-    }
-
-    StatusInfo FindGlob(std::string const& glob, TextList& found) {
-        std::size_t const before = found.size();
-        for (FileType const type : KindsOf(glob)) {
-            TextList names;
-            StatusInfo status = List(type, names);
-            if (status.StatusCode != 0) {
-                return status;
-            }
-            for (std::string const& name : names) {
-                if (FitsGlob(glob, name)) {
-                    Add(name, found);
-                }
-            }
-        }
-        return found.size() > before ? StatusInfo{} : StatusInformation(ErrorStatusCodes::NoFilesWithExtension);
-    }
-
-    FileInterface& files_;
-    Output& output_;
-    std::map<FileType, TextList> lists_;
-};
-
-/// Reports each file of one command, and the sum at its end.
-class TransferReport {
-public:
-    TransferReport(Output& output, std::string verb) : output_(output), verb_(std::move(verb)) {}
-
-    /// Returns false after a time-out: the other files would only wait for one each.
-    bool Add(std::string const& name, StatusInfo const& status, std::uintmax_t bytes) {
-        bool const succeeded = status.StatusCode == 0;
-        if (!succeeded || (status.Message != "OK" && !output_.json)) {
-            ShowStatus(name, status);
-        } else if (!output_.json) {
-            output_.console().out << fmt::format("{}  {} bytes\n", Printable(name), bytes);
-        }
-        rows_.push_back({{"name", name},
-                         {"bytes", succeeded ? Json(bytes) : Json()},
-                         {"code", status.StatusCode},
-                         {"message", status.Message}});
-        done_ += succeeded ? 1 : 0;
-        bytes_ += succeeded ? bytes : 0;
-        return !IsSilence(status);
-    }
-
-    void Finish(std::size_t wanted) {
-        std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start_;
-        std::size_t const failed = wanted - done_;
-        if (output_.json) {
-            output_.Show(Json{{"files", rows_},
-                              {verb_, done_},
-                              {"failed", failed},
-                              {"bytes", bytes_},
-                              {"seconds", RoundToMilli(elapsed.count())}});
-        } else {
-            output_.console().out << fmt::format("{} of {} files {}, {} bytes in {:.1f} s\n", done_, wanted, verb_,
-                                                 bytes_, elapsed.count());
-        }
-    }
-
-private:
-    void ShowStatus(std::string const& name, StatusInfo const& status) {
-        if (status.StatusCode != 0) {
-            output_.Failure(status, name);
-        } else {
-            output_.console().err << fmt::format("{}: {}\n", Printable(name), status.Message);
-        }
-    }
-
-    Output& output_;
-    std::string verb_;
-    Json rows_ = Json::array();
-    std::size_t done_ = 0;
-    std::uintmax_t bytes_ = 0;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
-
 std::uintmax_t SizeOf(filesystem::path const& path) {
     std::error_code error;
     std::uintmax_t const size = filesystem::file_size(path, error);
@@ -186,8 +62,8 @@ StatusInfo ShowList(QuorvanController& robot, Output& output, TextList const& gl
                 return status;
             }
             for (std::string const& name : names) {
-                if (isKind || FitsGlob(glob, name)) {
-                    rows.push_back({{"name", name}, {"kind", ExtensionOf(type)}});
+                if (isKind || FitsGlob(glob, ControllerText(name))) {
+                    rows.push_back({{"name", ControllerText(name)}, {"kind", ExtensionOf(type)}});
                 }
             }
         }
@@ -220,15 +96,49 @@ struct GetArguments {
     bool force = false;
 };
 
-StatusInfo Fetch(QuorvanController& robot, Output& output, std::string const& name, filesystem::path const& path,
-                 bool force) {
-    if (!IsSafeLocalName(name)) {
-        return StatusInformation(ErrorStatusCodes::FileWriteOpenError);
+/// Fetches one file after the other into a folder of this computer.
+class Fetcher {
+public:
+    Fetcher(QuorvanController& robot, Output& output, GetArguments const& arguments)
+        : robot_(robot), output_(output), arguments_(arguments) {}
+
+    StatusInfo Fetch(std::string const& name, filesystem::path const& path) {
+        std::error_code error;
+        if (!arguments_.force && filesystem::exists(path, error)) {
+            return StatusInformation(ErrorStatusCodes::FileExistsNoOverwrite);
+        }
+        try {
+            if (!scratch_) {
+                scratch_.emplace(arguments_.folder);
+            }
+            StatusInfo status = FetchInto(scratch_->File(), name);
+            if (status.StatusCode == 0) {
+                scratch_->MoveFileTo(path, arguments_.force);
+            }
+            return status;
+        } catch (FileError const& failure) {
+            return {LocalFileFailure + failure.Code(), failure.what()};
+        }
     }
-    Progress progress(output, "Fetching " + name);
-    return ReadRepeatedly(progress, "Fetching " + name,
-                          [&] { return robot.Files->SaveFromControllerToFile(name, path.string(), force); });
-}
+
+private:
+    static constexpr int LocalFileFailure = 0x40000000; ///< and the error of the system: as the library has it
+
+    StatusInfo FetchInto(filesystem::path const& file, std::string const& name) {
+        std::string const what = "Fetching " + ControllerText(name);
+        Progress progress(output_, what);
+        progress.Follow([&, start = robot_.GetConnectionStatistics().bytesReceived] {
+            return robot_.GetConnectionStatistics().bytesReceived - start;
+        });
+        return ReadRepeatedly(progress, what,
+                              [&] { return robot_.Files->SaveFromControllerToFile(name, file.string(), true); });
+    }
+
+    QuorvanController& robot_;
+    Output& output_;
+    GetArguments const& arguments_;
+    std::optional<ScratchSpace> scratch_; ///< made for the first file
+};
 
 StatusInfo GetFiles(QuorvanController& robot, Output& output, GetArguments const& arguments) {
     TextList names;
@@ -237,10 +147,11 @@ StatusInfo GetFiles(QuorvanController& robot, Output& output, GetArguments const
         return status;
     }
     TransferReport report(output, "fetched");
+    Fetcher fetcher(robot, output, arguments);
     for (std::string const& name : names) {
-        filesystem::path const path = filesystem::path(arguments.folder) / name;
-        StatusInfo const fetched = Fetch(robot, output, name, path, arguments.force);
-        if (!report.Add(name, fetched, fetched.StatusCode == 0 ? SizeOf(path) : 0)) {
+        filesystem::path const path = filesystem::path(arguments.folder) / LocalName(ControllerText(name));
+        StatusInfo const fetched = fetcher.Fetch(name, path);
+        if (!report.Add(name, fetched, fetched.StatusCode == 0 ? SizeOf(path) : 0, path.string())) {
             break;
         }
     }
@@ -266,7 +177,12 @@ void AddGet(CLI::App& family, Session& session) {
 }
 
 StatusInfo Load(QuorvanController& robot, Output& output, filesystem::path const& path) {
-    Progress const progress(output, fmt::format("Storing {}, {} bytes", path.filename().string(), SizeOf(path)));
+    Progress progress(output, fmt::format("Storing {}", path.filename().string()));
+    progress.Follow(
+        [&, start = robot.GetConnectionStatistics().bytesSent] {
+            return robot.GetConnectionStatistics().bytesSent - start;
+        },
+        SizeOf(path));
     return robot.Files->LoadToControllerFromPath(path.string());
 }
 
@@ -328,7 +244,7 @@ StatusInfo DeleteFiles(QuorvanController& robot, Output& output, TextList const&
     for (std::string const& name : names) {
         StatusInfo const result = status.StatusCode == 0 ? robot.Files->DeleteJobFile(name) : status;
         if (result.StatusCode != 0) {
-            output.Failure(result, name);
+            output.Failure(result, ControllerText(name));
             break;
         }
         ++deleted;
@@ -360,30 +276,42 @@ void AddDelete(CLI::App& family, Session& session) {
     });
 }
 
-StatusInfo ShowContents(QuorvanController& robot, Output& output, std::string const& name) {
-    std::string contents;
-    StatusInfo status;
-    {
-        Progress progress(output, "Fetching " + name);
-        status = ReadRepeatedly(progress, "Fetching " + name,
-                                [&] { return robot.Files->SaveFromControllerToString(name, contents); });
-    }
-    if (status.StatusCode == 0 && output.json) {
-        output.Show(Json{{"name", name}, {"contents", contents}});
-    } else if (status.StatusCode == 0) {
+StatusInfo FetchContents(QuorvanController& robot, Output& output, std::string const& name, std::string& contents) {
+    std::string const what = "Fetching " + name;
+    Progress progress(output, what);
+    progress.Follow([&, start = robot.GetConnectionStatistics().bytesReceived] {
+        return robot.GetConnectionStatistics().bytesReceived - start;
+    });
+    return ReadRepeatedly(progress, what,
+                          [&] { return robot.Files->SaveFromControllerToString(ControllerBytes(name), contents); });
+}
+
+/// A terminal gets nothing that could control it; a file and a pipe get every byte.
+void ShowContents(Output& output, std::string const& name, std::string const& contents, bool raw) {
+    if (output.json) {
+        output.Show(Json{{"name", name}, {"contents", ControllerEncoding().Decode(contents)}});
+    } else if (raw || !output.console().outputIsTerminal) {
         output.console().out << contents << std::flush;
+    } else {
+        output.console().out << PrintableLines(ControllerEncoding().Decode(contents)) << std::flush;
     }
-    return status;
 }
 
 void AddCat(CLI::App& family, Session& session) {
     auto name = std::make_shared<std::string>();
+    auto raw = std::make_shared<bool>(false);
     CLI::App* const verb = family.add_subcommand("cat", "Print a file of the controller");
     verb->add_option("NAME", *name, "Name of the file")->required();
-    SetExamples(*verb, {"files cat MAIN.JBI"});
-    verb->callback([name, &session] {
-        session.OnConnection(Access::Observe, [name](QuorvanController& robot, Output& output) {
-            return ShowContents(robot, output, *name);
+    verb->add_flag("--raw", *raw, "Print every byte as it is on a terminal too, even what controls it");
+    SetExamples(*verb, {"files cat MAIN.JBI", "files cat MAIN.JBI --raw > main.jbi"});
+    verb->callback([name, raw, &session] {
+        session.OnConnection(Access::Observe, [name, raw](QuorvanController& robot, Output& output) {
+            std::string contents;
+            StatusInfo const status = FetchContents(robot, output, *name, contents);
+            if (status.StatusCode == 0) {
+                ShowContents(output, *name, contents, *raw);
+            }
+            return status;
         });
     });
 }

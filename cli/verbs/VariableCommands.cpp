@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "cli/output/Rows.h"
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
+#include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
 #include "cli/program/VariableAccess.h"
 #include "cli/verbs/Commands.h"
@@ -108,22 +108,18 @@ StatusInfo ReadKind(VariablesInterface& variables, VariableKind kind, std::vecto
     return {};
 }
 
-void WriteDump(Output& output, std::string const& path, std::vector<VariableAssignment> const& variables) {
+void WriteDump(Output& output, std::string const& path, bool force, std::vector<VariableAssignment> const& variables) {
     std::string const text = FormatVariableFile(variables);
     if (path.empty()) {
         output.console().out << text << std::flush;
         return;
     }
-    std::ofstream file(path, std::ios::binary);
-    file << text << std::flush;
-    if (!file) {
-        throw InputError(fmt::format("can't write {}", path));
-    }
+    WriteWholeFile(path, text, force);
     output.Show(Json{{"written", variables.size()}, {"path", path}});
 }
 
 StatusInfo Dump(QuorvanController& robot, Output& output, std::vector<VariableKind> const& kinds,
-                std::string const& path) {
+                std::string const& path, bool force) {
     std::vector<VariableAssignment> variables;
     for (VariableKind const kind : kinds) {
         StatusInfo status = ReadKind(*robot.Variables, kind, variables);
@@ -131,7 +127,7 @@ StatusInfo Dump(QuorvanController& robot, Output& output, std::vector<VariableKi
             return status;
         }
     }
-    WriteDump(output, path, variables);
+    WriteDump(output, path, force, variables);
     return {};
 }
 
@@ -162,10 +158,10 @@ void AddDump(CLI::App& family, Session& session) {
         if (!arguments->path.empty() && !arguments->force && std::filesystem::exists(arguments->path)) {
             throw InputError(fmt::format("{} exists; give --force to overwrite it", arguments->path));
         }
-        session.OnConnection(Access::Observe,
-                             [kinds, path = arguments->path](QuorvanController& robot, Output& output) {
-                                 return Dump(robot, output, kinds, path);
-                             });
+        session.OnConnection(Access::Observe, [kinds, path = arguments->path,
+                                               force = arguments->force](QuorvanController& robot, Output& output) {
+            return Dump(robot, output, kinds, path, force);
+        });
     });
 }
 

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ using test::ScratchFolder;
 /// The program, run as a separate process.
 class Child {
 public:
-    enum class Errors : std::uint8_t { Shown, Unread };
+    enum class Errors : std::uint8_t { Shown, Unread, WithOutput };
 
     explicit Child(std::string const& line, Errors errors = Errors::Shown) {
         std::array<int, 2> ends{};
@@ -34,6 +35,9 @@ public:
         pid_ = ::fork();
         if (pid_ == 0) {
             ::dup2(ends[1], STDOUT_FILENO);
+            if (errors == Errors::WithOutput) {
+                ::dup2(ends[1], STDERR_FILENO);
+            }
             std::array<int, 2> nobody{};
             if (errors == Errors::Unread && ::pipe(nobody.data()) == 0) {
                 ::dup2(nobody[1], STDERR_FILENO);
@@ -58,7 +62,7 @@ public:
     Child& operator=(Child const&) = delete;
     ~Child() { ::fclose(output_); }
 
-    std::string ReadLine() {
+    std::string ReadLine() const {
         std::array<char, 512> line{};
         return ::fgets(line.data(), line.size(), output_) == nullptr ? "" : line.data();
     }
@@ -269,6 +273,90 @@ TEST_F(ProgramTest, WatchesSignalsUntilInterrupted) {
     EXPECT_EQ(child.EndBy(SIGINT), 0);
 }
 
+/// Runs the program in bash, where $H is its path, with all that it writes.
+Result RunInShell(std::string const& script) {
+    ::setenv("H", HARVLINK_PROGRAM, 1);
+    FILE* const pipe = ::popen(fmt::format("exec 2>&1; {}", script).c_str(), "r");
+    Result result;
+    for (int next = ::fgetc(pipe); next != EOF; next = ::fgetc(pipe)) {
+        result.out += static_cast<char>(next);
+    }
+    int const status = ::pclose(pipe);
+    result.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+TEST_F(ProgramTest, LosesNoFileIfItCanNotWrite) {
+    ScratchFolder const folder;
+    test::WriteFile("BIG.DAT", std::string(20'000, 'x'));
+    ASSERT_EQ(RunTool("files put BIG.DAT").exit, 0);
+    test::WriteFile("BIG.DAT", "old");
+    test::WriteFile("v.csv", "old");
+    std::filesystem::create_directories(".harvlink-scratch-abc123");
+    test::WriteFile(".harvlink-scratch-abc123/transfer", "left by a process that was killed");
+    struct Case {
+        char const* script;
+        int exit;
+        char const* out;
+    };
+    std::array<Case, 5> const cases{{
+        {"trap '' XFSZ; ulimit -f 8; $H files get BIG.DAT --force", 1, "BIG.DAT: Code (107374"},
+        {"trap '' XFSZ; ulimit -f 8; $H var dump --out v.csv --force", 1, "harvlink: can't write "},
+        {"$H var dump --kind B --out /dev/full --force", 1,
+         "harvlink: can't write /dev/full: No space left on device\n"},
+        {"$H var dump --kind B --out none/v.csv", 1, "harvlink: can't write into none: No such file or directory\n"},
+        {"$H files get NONE.DAT", 1, "0 of 1 files fetched"},
+    }};
+    for (Case const& each : cases) {
+        Result const result = RunInShell(each.script);
+        EXPECT_EQ(result.exit, each.exit) << each.script << result.out;
+        EXPECT_NE(result.out.find(each.out), std::string::npos) << each.script << result.out;
+    }
+    EXPECT_EQ(test::ContentOf("BIG.DAT"), "old");
+    EXPECT_EQ(test::ContentOf("v.csv"), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 2) << "nothing else is left";
+    EXPECT_EQ(RunTool("files get BIG.DAT --force").exit, 0);
+    EXPECT_EQ(test::ContentOf("BIG.DAT").size(), 20'000U);
+}
+
+TEST_F(ProgramTest, EndsWithOneLineOnCtrlC) {
+    ScratchFolder const folder;
+    controller_->WithFaults([](simulator::FaultInjector& faults) {
+        simulator::FaultPlan plan;
+        EXPECT_EQ(plan.Parse("file-delay=100%, delay-ms=300"), "");
+        faults.SetPlan(plan);
+    });
+    for (char const* const line : {"files get RS.PRM", "snapshot save cell --only files"}) {
+        Child const child(fmt::format("--timeout 5000 {}", line), Child::Errors::WithOutput);
+        while (std::filesystem::is_empty(".")) {
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(child.EndBy(SIGINT), 130) << line;
+        EXPECT_EQ(child.ReadLine(), "harvlink: interrupted\n") << line;
+        EXPECT_EQ(child.ReadLine(), "") << line;
+        EXPECT_TRUE(std::filesystem::is_empty(".")) << line;
+    }
+}
+
+TEST_F(ProgramTest, KeepsWhatAControllerHoldsFromTheTerminal) {
+    ScratchFolder const folder;
+    test::WriteFile("H.DAT", "a\u009b31m\u202eb\xE9\r\nc\n");
+    ASSERT_EQ(RunTool("files put H.DAT").exit, 0);
+    std::istringstream in;
+    for (char const* const raw : {"H.DAT", "--raw"}) {
+        std::ostringstream out;
+        std::array<char const*, 5> const argv{"harvlink", "files", "cat", "H.DAT", raw};
+        Console console{in, out, out, false, true, false};
+        bool const isRaw = std::string_view(raw) == "--raw";
+        EXPECT_EQ(RunCommandLine(isRaw ? 5 : 4, argv.data(), console, AllCommands()), 0);
+        EXPECT_EQ(out.str(), isRaw ? test::ContentOf("H.DAT") : "a?31m?b\\xE9\nc\n");
+    }
+    ASSERT_EQ(RunTool("var set S1=\u009b2J\\xE9\\x5Cx41").exit, 0);
+    EXPECT_EQ(RunTool("var get S1").out, "Variable  Value\nS1        ?2J\\xE9\\x5Cx41\n");
+    EXPECT_EQ(Json::parse(RunTool("var get S1 --json --encoding latin-1").out)[0]["value"],
+              "\u00c2\u009b2J\u00e9\\x5Cx41");
+}
+
 constexpr char const* Square = "speed,x,y,z,rx,ry,rz\n"
                                "{0},790,20,1050,180,0,0\n{0},790,20,1070,180,0,0\n{0},790,0,1050,180,0,0\n";
 
@@ -290,7 +378,7 @@ TEST_F(ProgramTest, StopsTheMachineOnCtrlCThoughNobodyReadsWhatItSays) {
     ASSERT_EQ(RunTool("servo on --yes").exit, 0);
     Child const child("trajectory run slow.csv --yes", Child::Errors::Unread);
     ASSERT_EQ(target_.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
-    EXPECT_EQ(child.EndBy(SIGINT), 1);
+    EXPECT_EQ(child.EndBy(SIGINT), 130);
     EXPECT_FALSE(With([](ControllerModel& model) { return model.IsMotionRunning(); }));
 }
 

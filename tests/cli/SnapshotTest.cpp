@@ -8,9 +8,9 @@
 #include "cli/output/Output.h"
 #include "cli/snapshot/Folder.h"
 #include "cli/snapshot/LineDifference.h"
-#include "cli/snapshot/SafeName.h"
 #include "cli/snapshot/Staging.h"
 #include "support/ScratchFolder.h"
+#include "words/values/SafeName.h"
 
 namespace harvlink::cli {
 namespace {
@@ -177,7 +177,7 @@ TEST(Staging, PutsTheOldSnapshotBackIfTheNewOneCannotBeMoved) {
     Scratch const folder;
     filesystem::create_directory("cell");
     test::WriteFile("cell/a", "x");
-    snapshot::ScratchFolder scratch(".");
+    ScratchSpace scratch(".");
     EXPECT_THROW(MoveInto("not-there", "cell", scratch), filesystem::filesystem_error);
     EXPECT_EQ(ContentOf("cell/a"), "x");
 }

@@ -11,6 +11,7 @@
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
 #include "words/values/PositionText.h"
+#include "words/values/SafeName.h"
 #include "words/values/SignalText.h"
 #include "words/values/VariableFile.h"
 #include "words/values/VariableText.h"
@@ -205,9 +206,15 @@ TEST(TextForms, NameEveryWrongLineOfAFile) {
 TEST(TextForms, KeepAControllersNamesFromLeadingElsewhere) {
     for (std::string const& name : {std::string(".."), std::string("."), std::string(), std::string("a/b.JBI"),
                                     std::string("/etc/x.DAT"), std::string("a\0.JBI", 6)}) {
-        EXPECT_FALSE(IsSafeLocalName(name)) << name;
+        std::string const local = LocalName(name);
+        EXPECT_TRUE(local.empty() || local[0] == '%' || local[1] == '%') << local;
+        EXPECT_EQ(OriginalName(local), name);
     }
-    EXPECT_TRUE(IsSafeLocalName("A..B.JBI"));
+    EXPECT_EQ(LocalName("A..B.JBI"), "A..B.JBI");
+    EXPECT_EQ(LocalName("\u6EB6.JBI"), "\u6EB6.JBI");
+    EXPECT_EQ(LocalName("\u009b.JBI"), "%C2%9B.JBI");
+    EXPECT_EQ(LocalName(std::string(300, 'A')).size(), LongestSafeName);
+    EXPECT_NE(LocalName(std::string(300, 'A')), LocalName(std::string(301, 'A')));
 }
 
 TEST(Printable, LeavesNothingThatSteersATerminal) {

@@ -2,7 +2,9 @@
 
 #include <fnmatch.h>
 
+#include "words/text/Printable.h"
 #include "words/text/Text.h"
+#include "words/values/SafeName.h"
 
 namespace harvlink::words {
 
@@ -30,8 +32,11 @@ std::string ExtensionOf(FileType type) {
     return std::string(FileKinds.at(static_cast<std::size_t>(type)).Extension().substr(1));
 }
 
-bool IsSafeLocalName(std::string_view name) {
-    return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string_view("/\0", 2)) == name.npos;
+std::string LocalName(std::string_view name) {
+    constexpr std::size_t LongestLocalName = 255;
+    bool const isPlain = !name.empty() && name[0] != '.' && name.size() <= LongestLocalName &&
+                         name.find('/') == std::string_view::npos && Printable(name) == name;
+    return isPlain ? std::string(name) : SafeName(name);
 }
 
 } // namespace harvlink::words

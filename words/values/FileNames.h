@@ -24,7 +24,8 @@ std::vector<FileType> KindsOf(std::string_view name);
 /// "JBI", "DAT" and so on.
 std::string ExtensionOf(FileType type);
 
-/// Whether a name from a controller can be used as a file name here, and does not lead into another folder.
-bool IsSafeLocalName(std::string_view name);
+/// The name under which a file of the controller is stored here: its own in UTF-8, or that of SafeName if it is too long, begins
+/// with a dot, holds a slash, or has something that can't be printed.
+std::string LocalName(std::string_view name);
 
 } // namespace harvlink::words

@@ -1,11 +1,12 @@
-#include "cli/snapshot/SafeName.h"
+#include "words/values/SafeName.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 
 #include <fmt/format.h>
 
-namespace harvlink::cli::snapshot {
+namespace harvlink::words {
 
 namespace {
 
@@ -15,15 +16,33 @@ bool IsSafe(char byte) {
     return isLetter || (byte >= '0' && byte <= '9') || Marks.find(byte) != std::string_view::npos;
 }
 
-} // namespace
-
-std::string SafeName(std::string_view name) {
+std::string EscapeUnsafe(std::string_view name) {
     std::string safe;
     for (char const byte : name) {
         // A leading dot would hide the file, or make the name that of a folder.
         bool const isHidden = safe.empty() && byte == '.';
         safe +=
             IsSafe(byte) && !isHidden ? std::string(1, byte) : fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+    }
+    return safe;
+}
+
+/// FNV-1a: it only has to tell long names apart.
+std::uint64_t Checksum(std::string_view text) {
+    std::uint64_t sum = 0xCBF29CE484222325;
+    for (char const byte : text) {
+        sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
+    }
+    return sum;
+}
+
+} // namespace
+
+std::string SafeName(std::string_view name) {
+    std::string safe = EscapeUnsafe(name);
+    if (safe.size() > LongestSafeName) {
+        std::string const checksum = fmt::format("~{:016x}", Checksum(name));
+        safe = safe.substr(0, LongestSafeName - checksum.size()) + checksum;
     }
     return safe;
 }
@@ -44,4 +63,4 @@ std::string OriginalName(std::string_view safeName) {
     return name;
 }
 
-} // namespace harvlink::cli::snapshot
+} // namespace harvlink::words

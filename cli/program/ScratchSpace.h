@@ -1,0 +1,55 @@
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+#include <string_view>
+
+namespace harvlink::cli {
+
+/// A file of this computer could not be written.
+class FileError : public std::runtime_error {
+public:
+    FileError(std::string_view what, std::filesystem::path const& path, int code);
+
+    int Code() const { return code_; } ///< of the operating system
+
+private:
+    int code_;
+};
+
+/// A new hidden folder beside the files that are to be written. A file is written in it first, so a full disk or Ctrl-C leaves
+/// neither a part of a new file nor a damaged old one. The destructor removes it with all that is still in it, unless Keep was
+/// called. What another process left there when it was killed is removed by the next.
+class ScratchSpace {
+public:
+    /// Throws FileError if the program can't write there.
+    explicit ScratchSpace(std::filesystem::path const& parent);
+    ScratchSpace(ScratchSpace const&) = delete;
+    ScratchSpace& operator=(ScratchSpace const&) = delete;
+    ~ScratchSpace();
+
+    std::filesystem::path const& Path() const { return path_; }
+
+    /// For one file at a time. It is removed if a signal ends the process.
+    std::filesystem::path File() const { return path_ / "transfer"; }
+
+    /// Flushes File() to the disk and moves it to `target`; a link is followed, and a file that is replaced keeps its mode. Throws
+    /// FileError; without `overwrite` also if `target` exists.
+    void MoveFileTo(std::filesystem::path const& target, bool overwrite) const;
+
+    /// Lets the destructor leave the folder where it is.
+    void Keep() { isKept_ = true; }
+
+    /// Removes the file and the folder of the one that lives. A signal handler may call it.
+    static void RemoveAtSignal();
+
+private:
+    std::filesystem::path path_;
+    int lock_ = -1; ///< on the folder, as long as the process lives
+    bool isKept_ = false;
+};
+
+/// Writes a file as a ScratchSpace does; a device or a pipe directly. Throws FileError.
+void WriteWholeFile(std::filesystem::path const& path, std::string_view text, bool overwrite);
+
+} // namespace harvlink::cli
