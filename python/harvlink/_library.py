@@ -74,8 +74,15 @@ def candidates() -> Iterator[pathlib.Path]:
         return
     package = pathlib.Path(__file__).resolve().parent
     yield package / FILE_NAME
+    for build in build_folders():
+        yield build / "src" / FILE_NAME
+
+
+def build_folders() -> Iterator[pathlib.Path]:
+    """The build folders of the checkout, if the package lies in one."""
+    checkout = pathlib.Path(__file__).resolve().parents[2]
     for build in ("build/release", "build/debug", "build"):
-        yield package.parents[1] / build / "src" / FILE_NAME
+        yield checkout / build
 
 
 @functools.lru_cache(maxsize=None)

@@ -1,41 +1,16 @@
-"""Runs the virtual controller, and calls the plain functions directly."""
+"""Gives tests a virtual controller, and calls the plain functions directly."""
 
 import ctypes
 import os
 import pathlib
-import random
-import shutil
-import subprocess
 import tempfile
 import unittest
 
 from harvlink import _library, _records
+from harvlink.simulator import Simulator
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TIMEOUT = 0x30006
-
-
-class Simulator:
-    """The process harvlink-sim on a loopback address of its own; HARVLINK_SIMULATOR names the program."""
-
-    def __init__(self, *options):
-        for _ in range(20):
-            self.address = ".".join(["127", *(str(random.randint(2, 254)) for _ in range(3))])
-            command = [os.environ["HARVLINK_SIMULATOR"], "--address", self.address, *options]
-            if shutil.which("setpriv"):  # it ends even if the tests are killed
-                command = ["setpriv", "--pdeathsig", "TERM", *command]
-            own = {key: value for key, value in os.environ.items() if key != "LD_PRELOAD"}
-            self.process = subprocess.Popen(command, stdout=subprocess.PIPE, env=own)
-            if b": ready on " in self.process.stdout.readline():
-                return
-            self.stop()
-        raise RuntimeError("harvlink-sim did not start")
-
-    def stop(self):
-        if self.process.poll() is None:
-            self.process.terminate()
-        self.process.wait(10)
-        self.process.stdout.close()
 
 
 class SimulatorTest(unittest.TestCase):

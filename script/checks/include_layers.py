@@ -56,8 +56,9 @@ ROOMS = {
         "controller": ["base", "protocol", "faults", "model", "jobs", "files", "motion", "handlers"],
         "scene": ["protocol", "model", "faults", "files", "controller"],
         "network": ["base", "protocol", "faults", "controller"],
+        "control": ["base", "protocol", "faults", "model", "controller", "scene"],
         "program": ["base", "protocol", "faults", "model", "arm", "jobs", "files", "motion", "handlers", "controller",
-                    "scene", "network"],
+                    "scene", "network", "control"],
     }),
     "cli": Room(["include", "words", "recording"], {
         "output": [],
@@ -102,7 +103,7 @@ LIBRARIES = {
     "curses.h": ["cli/watch/"],
     "toml++/": ["words/settings/", "simulator/scene/"],
     "fmt/": ["words/", "recording/", "simulator/", "cli/", "gateway/", "soak/", "fuzz/", "tests/"],
-    "nlohmann/": ["words/", "recording/", "cli/", "gateway/", "soak/", "fuzz/", "benchmarks/", "tests/"],
+    "nlohmann/": ["words/", "simulator/control/", "recording/", "cli/", "gateway/", "soak/", "fuzz/", "benchmarks/", "tests/"],
 }
 
 

@@ -75,6 +75,15 @@ FileFolder::FileFolder(std::filesystem::path const& path) {
 
 template <typename Visitor>
 void FileFolder::VisitFiles(Visitor&& visit) const {
+    VisitAll([&](char const* spelling) {
+        if (auto const name = FileNameFrom(spelling)) {
+            visit(*name, spelling);
+        }
+    });
+}
+
+template <typename Visitor>
+void FileFolder::VisitAll(Visitor&& visit) const {
     // Uses a second descriptor, because reading a folder moves its position.
     int const descriptor = openat(folder_.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     std::unique_ptr<DIR, DirectoryCloser> const directory(descriptor < 0 ? nullptr : fdopendir(descriptor));
@@ -90,11 +99,10 @@ void FileFolder::VisitFiles(Visitor&& visit) const {
         if (entry == nullptr) {
             return;
         }
-        auto const name = FileNameFrom(entry->d_name);
         struct stat status {};
-        if (name && fstatat(folder_.Get(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+        if (FileTypeOf(entry->d_name) && fstatat(folder_.Get(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
             S_ISREG(status.st_mode)) {
-            visit(*name, entry->d_name);
+            visit(entry->d_name);
         }
     }
 }
@@ -104,6 +112,17 @@ std::vector<std::string> FileFolder::Names() const {
     VisitFiles([&](std::string const& name, char const*) { names.push_back(name); });
     std::ranges::sort(names);
     names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
+}
+
+std::vector<std::string> FileFolder::UnservedNames() const {
+    std::vector<std::string> names;
+    VisitAll([&](char const* spelling) {
+        if (!FileNameFrom(spelling)) {
+            names.emplace_back(spelling);
+        }
+    });
+    std::ranges::sort(names);
     return names;
 }
 

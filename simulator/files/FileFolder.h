@@ -25,6 +25,9 @@ public:
     std::string const& Error() const { return error_; }
 
     std::vector<std::string> Names() const;
+
+    /// Files that have an extension of the controller's, and a name that a controller can't have.
+    std::vector<std::string> UnservedNames() const;
     bool Contains(std::string_view name) const { return FindSpelling(name).has_value(); }
 
     /// Nothing if there is no such file, it can't be read, or it is longer than `sizeLimit`.
@@ -40,6 +43,8 @@ private:
 
     template <typename Visitor>
     void VisitFiles(Visitor&& visit) const;
+    template <typename Visitor>
+    void VisitAll(Visitor&& visit) const;
     std::optional<std::string> FindSpelling(std::string_view wanted) const;
     bool IsReplaceable(std::string const& spelling) const;
 

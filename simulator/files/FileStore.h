@@ -37,6 +37,11 @@ public:
     /// Why the folder can't be served; empty if it can.
     std::string const& FolderError() const { return folder_.Error(); }
 
+    /// The files in the folder that can't be served because of their names.
+    std::vector<std::string> UnservedNames() const {
+        return folder_.IsOpen() ? folder_.UnservedNames() : std::vector<std::string>();
+    }
+
     /// Stores a file of any kind and content in memory and replaces one of the same name. Single line feeds become CR
     /// LF. Used by scenes; never changes the folder. Refuses a bad name and a file beyond the limits.
     Refusal Put(std::string_view name, std::string_view content);

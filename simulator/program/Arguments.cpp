@@ -22,12 +22,6 @@ std::string CheckGeneration(std::string const& text) {
     return GenerationFromName(text) ? "" : "'" + text + "' is not a generation; there are: DS, DN, FS, YA, YB, YN";
 }
 
-std::string CheckAddress(std::string const& text) {
-    in_addr address{};
-    return inet_pton(AF_INET, text.c_str(), &address) == 1 ? ""
-                                                           : "'" + text + "' is not an IPv4 address such as 127.0.0.1";
-}
-
 std::string CheckTimeScale(std::string const& text) {
     double factor = 0;
     bool const isNumber = CLI::detail::lexical_cast(text, factor);
@@ -59,6 +53,12 @@ std::string Footer() {
 }
 
 } // namespace
+
+std::string CheckAddress(std::string const& text) {
+    in_addr address{};
+    return inet_pton(AF_INET, text.c_str(), &address) == 1 ? ""
+                                                           : "'" + text + "' is not an IPv4 address such as 127.0.0.1";
+}
 
 ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--address", addresses_, "Address to serve, repeatable: one controller on each [127.0.0.1]")

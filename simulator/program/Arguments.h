@@ -20,6 +20,9 @@ struct Arguments {
     bool verbose = false;
 };
 
+/// A check for CLI11.
+std::string CheckAddress(std::string const& text);
+
 /// The command line. It takes precedence over the scene.
 class ArgumentParser {
 public:

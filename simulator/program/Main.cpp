@@ -16,8 +16,11 @@
 #include "harvlink/Version.h"
 #include "simulator/network/Server.h"
 #include "simulator/program/Arguments.h"
+#include "simulator/program/ControlDesk.h"
+#include "simulator/program/CtlCommand.h"
 #include "simulator/program/PcapFile.h"
 #include "simulator/program/TrafficReport.h"
+#include "simulator/protocol/CommandName.h"
 #include "simulator/scene/Scene.h"
 
 namespace harvlink::simulator {
@@ -36,7 +39,7 @@ void OccupyStandardStreams() {
 }
 
 /// Blocks the signals that end the program. Called before the server's thread starts, which inherits the mask, so that
-/// AwaitEnd gets the signal.
+/// ControlDesk gets the signal.
 sigset_t BlockEndSignals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -46,18 +49,25 @@ sigset_t BlockEndSignals() {
     return signals;
 }
 
-void AwaitEnd(sigset_t const& signals) {
-    int received = 0;
-    sigwait(&signals, &received);
+/// The name of a file can have any bytes.
+std::string Printable(std::string_view name) {
+    std::string text;
+    for (char const character : name) {
+        bool const isPrintable = character >= ' ' && character <= '~';
+        text +=
+            isPrintable ? std::string(1, character) : fmt::format("\\x{:02X}", static_cast<unsigned char>(character));
+    }
+    return text;
 }
 
 void PrintExchange(VirtualController const& controller, Request const& request, Reply const& reply) {
     fmt::print("{}:{} id {} ", controller.Address(), static_cast<int>(request.port), request.header.requestId);
     if (request.port == Port::File) {
-        fmt::print("block {:#x} ack {}", request.header.blockNumber, request.header.ack);
+        fmt::print("{} block {:#x} ack {}", NameOfFileService(request.subHeader.service), request.header.blockNumber,
+                   request.header.ack);
     } else {
-        fmt::print("command {} instance {} attribute {}", request.subHeader.command, request.subHeader.instance,
-                   request.subHeader.attribute);
+        fmt::print("{} command {} instance {} attribute {}", NameOfCommand(request.subHeader.command),
+                   request.subHeader.command, request.subHeader.instance, request.subHeader.attribute);
     }
     auto const answered = reply.Bytes().size() - harvlink::HeaderSize;
     fmt::print(" service {} {} bytes -> {} {} bytes\n", request.subHeader.service, request.payload.size(),
@@ -71,11 +81,22 @@ bool Prepare(VirtualController& controller, Arguments const& arguments) {
             fmt::print(stderr, "harvlink-sim: {}\n", parts.files.FolderError());
             return false;
         }
+        for (auto const& name : parts.files.UnservedNames()) {
+            fmt::print(stderr,
+                       "harvlink-sim: {} is not served: the name of a file has at most {} ASCII letters, digits and "
+                       "characters of -_#$.+&%\n",
+                       Printable(name), FileNameSize);
+        }
         if (arguments.scene) {
             arguments.scene->ApplyTo(parts);
         }
         return true;
     });
+}
+
+int FailToWrite(std::string const& path) {
+    fmt::print(stderr, "harvlink-sim: can't write {}: {}\n", path, std::strerror(errno));
+    return 1;
 }
 
 int Serve(Arguments const& arguments) {
@@ -100,17 +121,20 @@ int Serve(Arguments const& arguments) {
         fmt::print(stderr, "harvlink-sim: {}\n", server.Error());
         return 1;
     }
+    if (arguments.report && !CanWriteTrafficReport(*arguments.report)) {
+        return FailToWrite(*arguments.report);
+    }
+    ControlDesk const desk(controllers, arguments.options);
     fmt::print("harvlink-sim: ready on {}\n", fmt::join(arguments.addresses, ", "));
     std::fflush(stdout);
-    AwaitEnd(signals);
+    desk.ServeUntil(signals);
     server.Stop();
     if (recording && !recording->IsWhole()) {
         fmt::print(stderr, "harvlink-sim: could not write all datagrams to {}\n", *arguments.pcap);
         return 1;
     }
     if (arguments.report && !WriteTrafficReport(*arguments.report, controllers)) {
-        fmt::print(stderr, "harvlink-sim: can't write {}: {}\n", *arguments.report, std::strerror(errno));
-        return 1;
+        return FailToWrite(*arguments.report);
     }
     return 0;
 }
@@ -120,9 +144,10 @@ int Run(int argc, char** argv) {
     CLI::App app("A virtual robot controller: answers on UDP ports 10040 and 10041 like a real one.", "harvlink-sim");
     app.set_version_flag("--version", "harvlink-sim " + std::string(HeaderVersion));
     ArgumentParser parser(app);
+    CtlCommand const ctl(app);
     try {
         app.parse(argc, argv);
-        return Serve(parser.Result());
+        return ctl.IsGiven() ? ctl.Run() : Serve(parser.Result());
     } catch (CLI::ParseError const& error) {
         return app.exit(error) == 0 ? 0 : WrongUsage;
     } catch (std::exception const& error) {

@@ -30,6 +30,10 @@ std::string Describe(VirtualController& controller) {
 
 } // namespace
 
+bool CanWriteTrafficReport(std::string const& path) {
+    return std::ofstream(path, std::ios::app).is_open(); // leaves what an earlier run wrote
+}
+
 bool WriteTrafficReport(std::string const& path, std::span<VirtualController* const> controllers) {
     std::vector<std::string> lines;
     for (auto* const controller : controllers) {

@@ -68,19 +68,34 @@ toml::table Parse(std::string_view text, std::string const& name) {
 
 } // namespace
 
-Scene Scene::FromFile(std::filesystem::path const& path) {
-    auto name = path.filename().string();
-    auto document = std::make_unique<Document>();
-    document->root = Parse(ReadText(path), name);
-    document->name = std::move(name);
-    return {std::move(document), path.parent_path()};
-}
-
-Scene Scene::FromText(std::string_view text, std::string name) {
+std::unique_ptr<Scene::Document> Scene::DocumentFrom(std::string_view text, std::string name) {
     auto document = std::make_unique<Document>();
     document->root = Parse(text, name);
     document->name = std::move(name);
-    return {std::move(document), {}};
+    return document;
+}
+
+Scene Scene::FromFile(std::filesystem::path const& path) {
+    return {DocumentFrom(ReadText(path), path.filename().string()), path.parent_path()};
+}
+
+Scene Scene::FromText(std::string_view text, std::string name) {
+    return {DocumentFrom(text, std::move(name)), std::filesystem::path()};
+}
+
+Scene Scene::ChangeFromText(std::string_view text, std::string name, ControllerOptions const& options) {
+    return {DocumentFrom(text, std::move(name)), options};
+}
+
+Scene::Scene(std::unique_ptr<Document> document, ControllerOptions const& options)
+    : document_(std::move(document)), options_(options) {
+    auto const root = document_->Root();
+    root.AllowOnly({"controller", "parameters", "variables", "signals", "signal_groups", "registers", "tools",
+                    "user_frames", "alarms"});
+    if (auto const controller = root.Find("controller")) {
+        controller->AllowOnly({"mode", "cycle", "servo", "hold", "error", "pendant"});
+    }
+    Try();
 }
 
 Scene::Scene(std::unique_ptr<Document> document, std::filesystem::path const& folder) : document_(std::move(document)) {
@@ -93,6 +108,10 @@ Scene::Scene(std::unique_ptr<Document> document, std::filesystem::path const& fo
     if (auto const faults = root.Find("faults")) {
         options_.faults = ReadFaults(*faults);
     }
+    Try();
+}
+
+void Scene::Try() const {
     Clock const clock = Clock::Manual();
     ControllerParts parts(options_, clock);
     ApplyTo(parts);

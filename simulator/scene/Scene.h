@@ -22,6 +22,10 @@ public:
     /// The same from text; `name` stands for the file in messages.
     static Scene FromText(std::string_view text, std::string name);
 
+    /// A change of a running controller: what a scene sets, without what only the start can set. `options` are those with
+    /// which that controller was built.
+    static Scene ChangeFromText(std::string_view text, std::string name, ControllerOptions const& options);
+
     Scene(Scene&& other) noexcept;
     Scene& operator=(Scene&& other) noexcept;
     ~Scene();
@@ -35,7 +39,12 @@ public:
 private:
     struct Document;
 
+    static std::unique_ptr<Document> DocumentFrom(std::string_view text, std::string name);
     Scene(std::unique_ptr<Document> document, std::filesystem::path const& folder);
+    Scene(std::unique_ptr<Document> document, ControllerOptions const& options);
+
+    /// Applies it to a controller of its own.
+    void Try() const;
 
     std::unique_ptr<Document> document_;
     ControllerOptions options_;

@@ -109,12 +109,39 @@ TEST(SimulatorProgram, SaysWhatIsWrongAndEndsWithACode) {
              {"--scene '" + scene.string() + "'", 1, "cell.toml:2: controller.foo: unknown key"},
              {"--address 192.0.2.1", 1, "can't bind 192.0.2.1:10040"},
              {"--address " + NextLoopbackAddress() + " --pcap '" + (scratch.Path() / "none" / "x").string() + "'", 1,
-              "No such file or directory"}}) {
+              "No such file or directory"},
+             {"--address " + NextLoopbackAddress() + " --report /no/such/report", 1,
+              "can't write /no/such/report: No such file or directory"},
+             {"ctl --address 127.1", 2, "'127.1' is not an IPv4 address"},
+             {"ctl", 2, "COMMAND is required"},
+             {"ctl --help", 0, "presses or releases hold"},
+             {"ctl --address " + NextLoopbackAddress() + " show", 1, "no controller runs on"}}) {
         Program program(arguments);
         auto const output = program.ReadRest();
         EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
         EXPECT_EQ(program.ExitCode(), code) << arguments;
     }
+}
+
+TEST(SimulatorProgram, IsDrivenAndNamesFilesThatItDoesNotServe) {
+    ScratchFolder const scratch;
+    WriteFile("caf\xE9.JBI", "");
+    auto const address = NextLoopbackAddress();
+    Program program("--address " + address + " --files . --report report.json");
+    EXPECT_EQ(program.ReadLine().find("harvlink-sim: caf\\xE9.JBI is not served: the name"), 0U);
+    ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
+    EXPECT_EQ(ContentOf("report.json"), "") << "writable, and not written before the end";
+    Program driver("ctl --address " + address + " alarm 4107 3 'Out of range'");
+    EXPECT_EQ(driver.ReadRest(), "");
+    EXPECT_EQ(driver.ExitCode(), 0);
+    Program shown("ctl --address " + address + " show");
+    EXPECT_NE(shown.ReadRest().find(R"("alarms":[{"code":4107,"subcode":3}])"), std::string::npos);
+    Program refused("ctl --address " + address + " hold up");
+    EXPECT_EQ(refused.ReadRest(), "harvlink-sim: 'up' is not one of: off, on\n");
+    EXPECT_EQ(refused.ExitCode(), 1);
+    program.Interrupt();
+    EXPECT_EQ(program.ReadRest(), "");
+    EXPECT_EQ(program.ExitCode(), 0);
 }
 
 TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
@@ -140,6 +167,7 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
     EXPECT_EQ(program.ExitCode(), 0);
     auto const requests = Count(lines, "\n");
     EXPECT_EQ(Count(lines, address + ":1004"), requests);
+    EXPECT_EQ(Count(lines, " ByteVariable command 122 instance 5 "), 1U) << lines;
     EXPECT_EQ(CountRecords(ContentOf(path("all.pcap"))), 2 * requests - Count(lines, "-> unanswered"));
     auto const report = ContentOf(path("report.json"));
     EXPECT_NE(report.find("\"address\": \"" + address + "\", \"requests\": " + std::to_string(requests) + ","),
