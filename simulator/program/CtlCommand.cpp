@@ -11,7 +11,7 @@ namespace harvlink::simulator {
 namespace {
 
 std::string CommandLines() {
-    std::string lines = "Commands:\n";
+    std::string lines = "What it can do:\n";
     for (auto const& command : ControlCommands()) {
         lines += fmt::format("  {:32}{}\n", fmt::format("{} {}", command.name, command.arguments), command.meaning);
     }
