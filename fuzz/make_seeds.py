@@ -36,15 +36,6 @@ def replies():
                 write("replies", f"{number:02}-{generation}-{variant}", content)
 
 
-def plain_records():
-    position = struct.pack("<14i8d", 0, *[0] * 11, 0, 0, *[100.0] * 8)
-    motion = struct.pack("<i4x3di4x", 1, 10.0, 50.0, 50.0, 1) + position + struct.pack("<8d", *[1.0] * 8)
-    for family in range(9):
-        for type_ in (0, 3, 16):
-            fixed = struct.pack("<IIii", 1, 3, 1, type_) + motion + position + b"DEMO.JBI".ljust(40, b"\0")
-            write("plain_records", f"{family}-{type_}", struct.pack("<BB", family, YA) + fixed + HONEST * 12)
-
-
 def file_blocks():
     for size, losses in ((0, 0), (1, 0), (479, 0), (480, 0), (1200, 0), (1200, 4), (958, 32)):
         for direction in (0, 1):
@@ -80,7 +71,6 @@ def requests(capture, length):
 
 if __name__ == "__main__":
     replies()
-    plain_records()
     file_blocks()
     if len(sys.argv) > 1:
         requests(sys.argv[1], int(sys.argv[2]) if len(sys.argv) > 2 else 5)

@@ -290,6 +290,14 @@ class ConnectedTest(SimulatorTest):
             robot = harvlink.connect(self.simulator.address)
             del robot
 
+    def test_frames(self):
+        turned, up = harvlink.Pose(5, 6, 7, 0, 0, 90).frame(), harvlink.Vector(0, 0, 1)
+        self.assertAlmostEqual(turned.n.y, 1)
+        self.assertAlmostEqual(turned.rotated(up, -90).n.x, 1)
+        self.assertAlmostEqual((turned @ turned.inverse()).o.y, harvlink.Frame.identity().o.y)
+        self.assertEqual((turned.pose().rz, turned.pose().z), (90, 7))
+        self.assertEqual(harvlink.Vector(1, 2, 3).cross(up), harvlink.Vector(2, -1, 0))
+
     def test_numbers_without_a_name_keep_their_value(self):
         self.assertEqual(CoordinateType(21) + 0, 21)
         with self.assertRaises(ValueError):
