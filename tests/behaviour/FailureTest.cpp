@@ -230,6 +230,29 @@ TEST(Failures, OfSystemCallsWhileConnecting) {
     FailEach(Resource::SystemCall, [&](Failure& failure) { return ConnectFromClass(session, failure); });
 }
 
+TEST(Failures, OfMemoryDoNotReachASuccessfulExchange) {
+    if (!Failure::CanFail(Resource::Memory)) {
+        GTEST_SKIP();
+    }
+    Session const session;
+    for (Rules const rules : {NoRules, StrictRules}) {
+        ConnectOptions options = session.Options();
+        options.timeout = 2000;
+        options.rules = rules;
+        StatusInfo status;
+        Connection const robot = Connect(options, status);
+        ASSERT_TRUE(robot) << status;
+        ControllerStateData state;
+        Failure failure(Resource::Memory, 1);
+        {
+            Failure::Scope const scope(&failure);
+            status = robot->Status->ReadState(state);
+        }
+        EXPECT_EQ(status.StatusCode, 0) << status;
+        EXPECT_FALSE(failure.hasHappened) << "it allocates nothing";
+    }
+}
+
 TEST(Failures, OfSystemCallsInOperations) {
     ScratchFolder const folder;
     WriteFile("A.DAT", std::string(1'200, 'x'));

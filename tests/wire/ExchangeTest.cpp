@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include "support/ScriptedController.h"
-#include "wire/AllocationCount.h"
 #include "wire/Request.h"
 
 namespace harvlink::test {
@@ -243,23 +242,6 @@ TEST(Exchange, SocketsAboveDescriptor1023CloseOnExecAndAreReleased) {
     EXPECT_EQ(::fcntl(first + 1, F_GETFD), -1);
     for (int const filler : fillers) {
         ::close(filler);
-    }
-}
-
-TEST(Exchange, SuccessAllocatesNothing) {
-    if (!AllocationsAreCounted()) {
-        GTEST_SKIP() << "this build keeps its own memory operators";
-    }
-    for (Rules const rules : {NoRules, StrictRules}) {
-        ScriptedController controller;
-        auto const manager = controller.Connect("YA1.00", 0, {.enforced = rules});
-        controller.AnswerRest([](Datagram const&) { return Replies{Payload(U32(1))}; });
-        RegisterRead read;
-        std::size_t const before = AllocationsOfThisThread();
-        read.Run(*manager);
-        std::size_t const during = AllocationsOfThisThread() - before;
-        EXPECT_EQ(read.reply.payload, 1U);
-        EXPECT_EQ(during, 0U);
     }
 }
 
