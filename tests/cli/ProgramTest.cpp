@@ -1,6 +1,7 @@
+#include "support/Program.h"
+
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <ostream>
 #include <sstream>
@@ -9,8 +10,6 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "ToolTest.h"
 #include "cli/output/Output.h"
@@ -22,63 +21,8 @@ namespace harvlink::cli {
 namespace {
 
 using simulator::ControllerModel;
+using test::Program;
 using test::ScratchFolder;
-
-/// The program, run as a separate process.
-class Child {
-public:
-    enum class Errors : std::uint8_t { Shown, Unread, WithOutput };
-
-    explicit Child(std::string const& line, Errors errors = Errors::Shown) {
-        std::array<int, 2> ends{};
-        EXPECT_EQ(::pipe(ends.data()), 0);
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            ::dup2(ends[1], STDOUT_FILENO);
-            if (errors == Errors::WithOutput) {
-                ::dup2(ends[1], STDERR_FILENO);
-            }
-            std::array<int, 2> nobody{};
-            if (errors == Errors::Unread && ::pipe(nobody.data()) == 0) {
-                ::dup2(nobody[1], STDERR_FILENO);
-                ::close(nobody[0]);
-                ::close(nobody[1]);
-            }
-            ::close(ends[0]);
-            ::close(ends[1]);
-            Arguments arguments = Words("harvlink " + line);
-            std::vector<char*> argv;
-            for (std::string& argument : arguments) {
-                argv.push_back(argument.data());
-            }
-            argv.push_back(nullptr);
-            ::execv(HARVLINK_PROGRAM, argv.data());
-            ::_exit(127);
-        }
-        ::close(ends[1]);
-        output_ = ::fdopen(ends[0], "r");
-    }
-    Child(Child const&) = delete;
-    Child& operator=(Child const&) = delete;
-    ~Child() { ::fclose(output_); }
-
-    std::string ReadLine() const {
-        std::array<char, 512> line{};
-        return ::fgets(line.data(), line.size(), output_) == nullptr ? "" : line.data();
-    }
-
-    /// Sends a signal and returns the exit status, or -1 if something else ended it.
-    int EndBy(int signal) const {
-        ::kill(pid_, signal);
-        int status = 0;
-        ::waitpid(pid_, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    pid_t pid_ = -1;
-    FILE* output_ = nullptr;
-};
 
 class ProgramTest : public ToolTest {};
 
@@ -264,13 +208,14 @@ TEST_F(ProgramTest, AsksOnATerminalBeforeTheMachineMoves) {
 }
 
 TEST_F(ProgramTest, WatchesSignalsUntilInterrupted) {
-    Child child("io watch general-output:1.0 --interval 1 --json");
+    Program child("'" HARVLINK_PROGRAM "' io watch general-output:1.0 --interval 1 --json");
     EXPECT_EQ(Json::parse(child.ReadLine())["on"], false);
     ASSERT_EQ(RunTool("io set 10010=1").exit, 0);
     Json const change = Json::parse(child.ReadLine());
     EXPECT_EQ(change["on"], true);
     EXPECT_EQ(change["address"], 10010);
-    EXPECT_EQ(child.EndBy(SIGINT), 0);
+    child.Signal(SIGINT);
+    EXPECT_EQ(child.ExitCode(), 0);
 }
 
 /// Runs the program in bash, where $H is its path, with all that it writes.
@@ -327,13 +272,13 @@ TEST_F(ProgramTest, EndsWithOneLineOnCtrlC) {
         faults.SetPlan(plan);
     });
     for (char const* const line : {"files get RS.PRM", "snapshot save cell --only files"}) {
-        Child const child(fmt::format("--timeout 5000 {}", line), Child::Errors::WithOutput);
+        Program child(fmt::format("'{}' --timeout 5000 {} 2>&1", HARVLINK_PROGRAM, line));
         while (std::filesystem::is_empty(".")) {
             std::this_thread::yield();
         }
-        EXPECT_EQ(child.EndBy(SIGINT), 130) << line;
-        EXPECT_EQ(child.ReadLine(), "harvlink: interrupted\n") << line;
-        EXPECT_EQ(child.ReadLine(), "") << line;
+        child.Signal(SIGINT);
+        EXPECT_EQ(child.ReadRest(), "harvlink: interrupted\n") << line;
+        EXPECT_EQ(child.ExitCode(), 130) << line;
         EXPECT_TRUE(std::filesystem::is_empty(".")) << line;
     }
 }
@@ -376,9 +321,10 @@ TEST_F(ProgramTest, StopsTheMachineOnCtrlCThoughNobodyReadsWhatItSays) {
     ScratchFolder const folder;
     test::WriteFile("slow.csv", fmt::format(Square, 1));
     ASSERT_EQ(RunTool("servo on --yes").exit, 0);
-    Child const child("trajectory run slow.csv --yes", Child::Errors::Unread);
+    Program child("'" HARVLINK_PROGRAM "' trajectory run slow.csv --yes 2> >(:)");
     ASSERT_EQ(target_.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
-    EXPECT_EQ(child.EndBy(SIGINT), 130);
+    child.Signal(SIGINT);
+    EXPECT_EQ(child.ExitCode(), 130);
     EXPECT_FALSE(With([](ControllerModel& model) { return model.IsMotionRunning(); }));
 }
 

@@ -1,4 +1,5 @@
-#include <csignal>
+#include "support/Program.h"
+
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -6,7 +7,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include "harvlink/harvlink.h"
 #include "support/LoopbackAddress.h"
@@ -14,56 +14,6 @@
 
 namespace harvlink::test {
 namespace {
-
-/// A running harvlink-sim whose output and errors are read together.
-class Program {
-public:
-    explicit Program(std::string const& arguments)
-        // The shell prints its process id, which is then that of the program.
-        : pipe_(popen(("echo $$; exec '" HARVLINK_SIMULATOR "' " + arguments + " 2>&1").c_str(), "r")),
-          process_(std::stoi(ReadLine())) {}
-    Program(Program const&) = delete;
-    Program& operator=(Program const&) = delete;
-    ~Program() {
-        if (pipe_ != nullptr) {
-            kill(process_, SIGKILL);
-            pclose(pipe_);
-        }
-    }
-
-    /// Empty at the end of the output.
-    std::string ReadLine() {
-        std::string line;
-        for (int next = fgetc(pipe_); next != EOF; next = fgetc(pipe_)) {
-            line += static_cast<char>(next);
-            if (next == '\n') {
-                break;
-            }
-        }
-        return line;
-    }
-
-    std::string ReadRest() {
-        std::string text;
-        for (auto line = ReadLine(); !line.empty(); line = ReadLine()) {
-            text += line;
-        }
-        return text;
-    }
-
-    void Interrupt() const { kill(process_, SIGTERM); }
-
-    /// After the end of the output.
-    int ExitCode() {
-        int const status = pclose(pipe_);
-        pipe_ = nullptr;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    FILE* pipe_ = nullptr;
-    pid_t process_ = -1;
-};
 
 /// Counts the records of a recording, which must end with a whole one.
 std::size_t CountRecords(std::string const& recording) {
@@ -116,7 +66,7 @@ TEST(SimulatorProgram, SaysWhatIsWrongAndEndsWithACode) {
              {"ctl", 2, "COMMAND is required"},
              {"ctl --help", 0, "presses or releases hold"},
              {"ctl --address " + NextLoopbackAddress() + " show", 1, "no controller runs on"}}) {
-        Program program(arguments);
+        Program program("'" HARVLINK_SIMULATOR "' " + arguments + " 2>&1");
         auto const output = program.ReadRest();
         EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
         EXPECT_EQ(program.ExitCode(), code) << arguments;
@@ -149,9 +99,10 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
     auto const path = [&](char const* name) { return (scratch.Path() / name).string(); };
     std::ofstream(path("cell.toml")) << "[controller]\ngeneration = \"FS\"\n[variables.B]\n5 = 42\n";
     auto const address = NextLoopbackAddress();
-    Program program("--address " + address + " --scene '" + path("cell.toml") + "' --generation YA --groups R1:7,S1" +
+    Program program("'" HARVLINK_SIMULATOR "' --address " + address + " --scene '" + path("cell.toml") +
+                    "' --generation YA --groups R1:7,S1" +
                     " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") +
-                    "' --pcap '" + path("all.pcap") + "'");
+                    "' --pcap '" + path("all.pcap") + "' 2>&1");
     ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
     {
         StatusInfo status;
@@ -162,7 +113,7 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
         EXPECT_EQ(variable.value, 42) << "from the scene";
         EXPECT_EQ(robot->MotionManager->MotionStop(false).StatusCode, 0) << "the option wins over the scene";
     }
-    program.Interrupt();
+    program.Signal(SIGTERM);
     auto const lines = program.ReadRest();
     EXPECT_EQ(program.ExitCode(), 0);
     auto const requests = Count(lines, "\n");
