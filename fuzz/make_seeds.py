@@ -24,16 +24,14 @@ def write(fuzzer, name, content):
 
 
 def replies():
-    """Each group of operations, and the opening of a connection, with correct answers."""
-    arguments = [  # group, type, bit, tool, index, size
-        (1, 0, 0, 0, 1, 3), (1, 16, 1, 1, 2, 50), (21, 4, 2, 1, 110, 501), (1, 1, 3, 1, 1001, 25), (1, 3, 4, 0, 2701, 99),
-        (2, 17, 5, 1, 11, 64),
-    ]
-    for number in range(22):
-        for variant, values in enumerate(arguments):
-            for generation, answer in ((YA, BENT), (FS, HONEST))[:2 if variant == 0 else 1]:
-                content = struct.pack("<BBBBBBHH", number, generation, *values) + answer * (40 if number == 21 else 8)
-                write("replies", f"{number:02}-{generation}-{variant}", content)
+    """Each operation, the opening of a connection and the sending of targets, with correct answers."""
+    for number in range(300):  # more than there are; those behind the last are the others
+        write("replies", f"{number:03}", struct.pack("<HBB", number, 0, number % 3) + BENT * 4)
+    for generation in (FS, YA):
+        for number in range(0xFFF0, 0xFFF3):
+            motion = struct.pack("<BBBBhd", 1, 49, 50, 0, 0, 100.0)
+            write("replies", f"{number:04x}-{generation}", struct.pack("<HBB", number, generation, 0)
+                  + (b"" if number % 3 == 0 else motion) + HONEST * 40)
 
 
 def file_blocks():

@@ -1,4 +1,3 @@
-#include <numeric>
 #include <regex>
 
 #include "behaviour/FaultCase.h"
@@ -8,21 +7,6 @@
 // kind of fault. Strict connections end as designed ones do, unless the table of differences says otherwise.
 
 namespace harvlink::test {
-
-Bytes Pattern(std::size_t size) {
-    Bytes bytes(size);
-    std::iota(bytes.begin(), bytes.end(), std::uint8_t{1});
-    return bytes;
-}
-
-Table AllOperations() {
-    Table table;
-    AddStateOperations(table);
-    AddVariableOperations(table);
-    AddSignalOperations(table);
-    AddSequenceOperations(table);
-    return table;
-}
 
 void PrintTo(Outcome const& outcome, std::ostream* stream) {
     *stream << outcome.status << (outcome.threw ? " thrown" : "") << " after " << outcome.exchanges << " exchanges, "
