@@ -11,8 +11,10 @@ namespace harvlink::test {
 
 // Memory and system calls do not fail here.
 NotCounted::NotCounted() = default;
+// NOLINTNEXTLINE(modernize-use-equals-default): would be trivial, which it is not elsewhere
 NotCounted::~NotCounted() {}
 Failure::Scope::Scope(Failure* /*planned*/) {}
+// NOLINTNEXTLINE(modernize-use-equals-default): likewise
 Failure::Scope::~Scope() {}
 
 } // namespace harvlink::test
