@@ -15,6 +15,11 @@
 namespace harvlink::test {
 namespace {
 
+/// The program with its output and errors as one.
+Program Run(std::string const& arguments) {
+    return Program("'" HARVLINK_SIMULATOR "' " + arguments + " 2>&1");
+}
+
 /// Counts the records of a recording, which must end with a whole one.
 std::size_t CountRecords(std::string const& recording) {
     std::size_t count = 0;
@@ -66,7 +71,7 @@ TEST(SimulatorProgram, SaysWhatIsWrongAndEndsWithACode) {
              {"ctl", 2, "COMMAND is required"},
              {"ctl --help", 0, "presses or releases hold"},
              {"ctl --address " + NextLoopbackAddress() + " show", 1, "no controller runs on"}}) {
-        Program program("'" HARVLINK_SIMULATOR "' " + arguments + " 2>&1");
+        Program program = Run(arguments);
         auto const output = program.ReadRest();
         EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
         EXPECT_EQ(program.ExitCode(), code) << arguments;
@@ -77,19 +82,19 @@ TEST(SimulatorProgram, IsDrivenAndNamesFilesThatItDoesNotServe) {
     ScratchFolder const scratch;
     WriteFile("caf\xE9.JBI", "");
     auto const address = NextLoopbackAddress();
-    Program program("--address " + address + " --files . --report report.json");
+    Program program = Run("--address " + address + " --files . --report report.json");
     EXPECT_EQ(program.ReadLine().find("harvlink-sim: caf\\xE9.JBI is not served: the name"), 0U);
     ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
     EXPECT_EQ(ContentOf("report.json"), "") << "writable, and not written before the end";
-    Program driver("ctl --address " + address + " alarm 4107 3 'Out of range'");
+    Program driver = Run("ctl --address " + address + " alarm 4107 3 'Out of range'");
     EXPECT_EQ(driver.ReadRest(), "");
     EXPECT_EQ(driver.ExitCode(), 0);
-    Program shown("ctl --address " + address + " show");
+    Program shown = Run("ctl --address " + address + " show");
     EXPECT_NE(shown.ReadRest().find(R"("alarms":[{"code":4107,"subcode":3}])"), std::string::npos);
-    Program refused("ctl --address " + address + " hold up");
+    Program refused = Run("ctl --address " + address + " hold up");
     EXPECT_EQ(refused.ReadRest(), "harvlink-sim: 'up' is not one of: off, on\n");
     EXPECT_EQ(refused.ExitCode(), 1);
-    program.Interrupt();
+    program.Signal(SIGTERM);
     EXPECT_EQ(program.ReadRest(), "");
     EXPECT_EQ(program.ExitCode(), 0);
 }
@@ -99,10 +104,10 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
     auto const path = [&](char const* name) { return (scratch.Path() / name).string(); };
     std::ofstream(path("cell.toml")) << "[controller]\ngeneration = \"FS\"\n[variables.B]\n5 = 42\n";
     auto const address = NextLoopbackAddress();
-    Program program("'" HARVLINK_SIMULATOR "' --address " + address + " --scene '" + path("cell.toml") +
-                    "' --generation YA --groups R1:7,S1" +
-                    " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") +
-                    "' --pcap '" + path("all.pcap") + "' 2>&1");
+    Program program =
+        Run("--address " + address + " --scene '" + path("cell.toml") + "' --generation YA --groups R1:7,S1" +
+            " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") + "' --pcap '" +
+            path("all.pcap") + "'");
     ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
     {
         StatusInfo status;
