@@ -16,7 +16,7 @@ namespace harvlink::test {
 namespace {
 
 /// The program with its output and errors as one.
-Program Run(std::string const& arguments) {
+Program Simulate(std::string const& arguments) {
     return Program("'" HARVLINK_SIMULATOR "' " + arguments + " 2>&1");
 }
 
@@ -71,7 +71,7 @@ TEST(SimulatorProgram, SaysWhatIsWrongAndEndsWithACode) {
              {"ctl", 2, "COMMAND is required"},
              {"ctl --help", 0, "presses or releases hold"},
              {"ctl --address " + NextLoopbackAddress() + " show", 1, "no controller runs on"}}) {
-        Program program = Run(arguments);
+        Program program = Simulate(arguments);
         auto const output = program.ReadRest();
         EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
         EXPECT_EQ(program.ExitCode(), code) << arguments;
@@ -82,16 +82,16 @@ TEST(SimulatorProgram, IsDrivenAndNamesFilesThatItDoesNotServe) {
     ScratchFolder const scratch;
     WriteFile("caf\xE9.JBI", "");
     auto const address = NextLoopbackAddress();
-    Program program = Run("--address " + address + " --files . --report report.json");
+    Program program = Simulate("--address " + address + " --files . --report report.json");
     EXPECT_EQ(program.ReadLine().find("harvlink-sim: caf\\xE9.JBI is not served: the name"), 0U);
     ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
     EXPECT_EQ(ContentOf("report.json"), "") << "writable, and not written before the end";
-    Program driver = Run("ctl --address " + address + " alarm 4107 3 'Out of range'");
+    Program driver = Simulate("ctl --address " + address + " alarm 4107 3 'Out of range'");
     EXPECT_EQ(driver.ReadRest(), "");
     EXPECT_EQ(driver.ExitCode(), 0);
-    Program shown = Run("ctl --address " + address + " show");
+    Program shown = Simulate("ctl --address " + address + " show");
     EXPECT_NE(shown.ReadRest().find(R"("alarms":[{"code":4107,"subcode":3}])"), std::string::npos);
-    Program refused = Run("ctl --address " + address + " hold up");
+    Program refused = Simulate("ctl --address " + address + " hold up");
     EXPECT_EQ(refused.ReadRest(), "harvlink-sim: 'up' is not one of: off, on\n");
     EXPECT_EQ(refused.ExitCode(), 1);
     program.Signal(SIGTERM);
