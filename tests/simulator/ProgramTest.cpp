@@ -105,9 +105,9 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
     std::ofstream(path("cell.toml")) << "[controller]\ngeneration = \"FS\"\n[variables.B]\n5 = 42\n";
     auto const address = NextLoopbackAddress();
     Program program =
-        Run("--address " + address + " --scene '" + path("cell.toml") + "' --generation YA --groups R1:7,S1" +
-            " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") + "' --pcap '" +
-            path("all.pcap") + "'");
+        Simulate("--address " + address + " --scene '" + path("cell.toml") + "' --generation YA --groups R1:7,S1" +
+                 " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") +
+                 "' --pcap '" + path("all.pcap") + "'");
     ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
     {
         StatusInfo status;
