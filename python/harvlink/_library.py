@@ -18,8 +18,6 @@ _INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctyp
 
 def exact(integer: Any, value: int) -> int:
     """Returns `value` if it fits the C type. ctypes alone would silently cut off the high bits."""
-    if isinstance(value, slice):
-        raise TypeError("use an index, not a slice: an exchange carries one value")
     value = operator.index(value)
     if integer(value).value != value:
         raise OverflowError(f"{value} does not fit into {8 * ctypes.sizeof(integer)} bits")

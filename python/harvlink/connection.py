@@ -2,11 +2,12 @@
 
 import warnings
 from types import TracebackType
-from typing import Any, Optional, Type, Union
+from typing import Any, Dict, Optional, Type, Union
 
 from ._connect_options import RuleSet, checked_address, connect_options
 from ._library import load
 from ._link import Link
+from ._reading import Items, Scalar, read_items
 from ._settings import Cell, find_cell
 from ._text import Encoding
 from .control_commands import ControlCommands
@@ -132,6 +133,16 @@ class Robot:
     ) -> Position:
         """The current position of a group; see ControlGroups.position."""
         return self.groups.position(group, kind, user_coordinate=user_coordinate, tool=tool)
+
+    def read(self, items: Items) -> Dict[str, Scalar]:
+        """Reads many things and returns their values by name; `pandas.DataFrame([robot.read(...), ...])` takes them.
+
+        Items: "B5" and "B0..B9" (also I, D, R, S, P, BP, EX), "M5" for a register, 10010 or "10010..10017" for signals,
+        "state", "job", "position.R1" in pulses, "position.R1.base", "torque.R1", "position_error.R1". What has several
+        values has several names, such as "state.is_running" and "position.R1.1". One exchange after the other: the values
+        are not of the same moment. Raises ValueError for an unknown item, before anything is sent.
+        """
+        return read_items(self, items)
 
     def statistics(self) -> Statistics:
         """What this connection has seen of its link, and how often each rule has refused something. Sends nothing."""

@@ -5,9 +5,10 @@ Eight signals form a group of one byte. The address of a signal is the number of
 """
 
 import ctypes
-from typing import Any, Tuple, Union
+from typing import Any, Iterable, Tuple, Union
 
 from . import _records
+from ._indexed import Indexed, Value
 from ._library import switch
 from ._link import Link
 from .enums import IOType
@@ -19,7 +20,7 @@ GroupPlace = Union[int, Tuple[IOType, int]]
 """A byte or word: the address of its first signal, or its class and group."""
 
 
-class _Places:
+class _Places(Indexed[Value]):
     def __init__(self, link: Link, read: str, write: str, value: Any) -> None:
         self._link = link
         self._names = {"Read": read, "Write": write}
@@ -35,50 +36,68 @@ class _Places:
         return int(value.value)
 
 
-class Groups(_Places):
-    """Bytes or words; a word is two groups in a row, the first in its low byte."""
+class Groups(_Places[int]):
+    """Bytes or words; a word is two groups in a row, the first in its low byte. A range of addresses means each byte or
+    word that begins in it: `bytes[10010:10050]` are four bytes, or two words."""
 
-    def __getitem__(self, place: GroupPlace) -> int:
+    _label = "address "
+
+    def __init__(self, link: Link, read: str, write: str, groups: int) -> None:
+        super().__init__(link, read, write, ctypes.c_uint)
+        self._step = 10 * groups
+
+    def _places(self, numbers: range) -> Iterable[int]:
+        return range(numbers.start, numbers.stop, max(self._step, numbers.step))
+
+    def _get(self, place: GroupPlace) -> int:
         return self._read(place)
 
-    def __setitem__(self, place: GroupPlace, value: int) -> None:
+    def _set(self, place: GroupPlace, value: int) -> None:
         self._call("Write", place, value)
 
 
-class Registers:
+class Registers(Indexed[int]):
     """Registers of 16 bits, by index."""
+
+    _label = "register "
 
     def __init__(self, link: Link) -> None:
         self._link = link
 
-    def __getitem__(self, index: int) -> int:
+    def _get(self, index: int) -> int:
         value = ctypes.c_ushort()
         self._link.do("io_interface_ReadRegister", index, ctypes.byref(value))
         return value.value
 
-    def __setitem__(self, index: int, value: int) -> None:
+    def _set(self, index: int, value: int) -> None:
         self._link.do("io_interface_WriteRegister", index, value)
 
 
-class IO(_Places):
+class IO(_Places[bool]):
     """Signals as booleans: `io[10010]` or `io[IOType.GENERAL_OUTPUT, 1, 0]`. `bytes` and `words` access several signals
-    at once, `registers` the registers. IOType says which signals can be written. A write of several is not atomic."""
+    at once, `registers` the registers. IOType says which signals can be written. A write of several is not atomic.
+    `io[10010:10030]` is a list of those addresses that can be of a signal: their last digit is 0 to 7."""
+
+    _label = "signal "
 
     def __init__(self, link: Link) -> None:
         super().__init__(link, "io_interface_{}_ReadBit", "io_interface_{}_WriteBit", ctypes.c_int)
         # Reads use the wide forms, which count the groups of all classes in the same way. Writes use the narrow forms,
         # which refuse a value that does not fit.
-        self.bytes = Groups(link, "io_interface_{}_ReadByte", "io_interface_uint8_{}_WriteByte", ctypes.c_uint)
-        self.words = Groups(link, "io_interface_{}_ReadWord", "io_interface_uint16_{}_WriteWord", ctypes.c_uint)
+        self.bytes = Groups(link, "io_interface_{}_ReadByte", "io_interface_uint8_{}_WriteByte", 1)
+        self.words = Groups(link, "io_interface_{}_ReadWord", "io_interface_uint16_{}_WriteWord", 2)
         self.registers = Registers(link)
 
-    def __getitem__(self, place: BitPlace) -> bool:
+    def _get(self, place: BitPlace) -> bool:
         return self._read(place) != 0
 
-    def __setitem__(self, place: BitPlace, value: bool) -> None:
+    def _set(self, place: BitPlace, value: bool) -> None:
         # Programs write bits as 0 and 1 as often as False and True; any other number is a mistake.
         on = value == 1 if isinstance(value, int) and value in (0, 1) else switch("a signal", value)
         self._call("Write", place, on)
+
+    def _places(self, numbers: range) -> Iterable[int]:
+        return (number for number in numbers if number % 10 < 8)
 
     def address(self, kind: IOType, group: int, bit: int) -> int:
         """The address of a signal. Sends nothing."""

@@ -4,16 +4,18 @@ import ctypes
 from typing import Any
 
 from . import _records
+from ._indexed import Indexed, Value
 from ._library import exact
 from ._link import Link
 from .position import Position, from_record, to_record
 
 
-class _Kind:
+class _Kind(Indexed[Value]):
     """The variables of one kind. Each read or write of `kind[5]` is one exchange; indexes go from 0 to 2048."""
 
-    def __init__(self, link: Link, name: str, record: Any) -> None:
+    def __init__(self, link: Link, label: str, name: str, record: Any) -> None:
         self._link = link
+        self._label = label
         self._name = name
         self._record = record
 
@@ -26,49 +28,49 @@ class _Kind:
         self._link.do(f"{self._name}_variable_interface_write", record)
 
 
-class Integers(_Kind):
+class Integers(_Kind[int]):
     """Whole numbers. A number that does not fit into the kind raises OverflowError."""
 
-    def __getitem__(self, index: int) -> int:
+    def _get(self, index: int) -> int:
         return int(self._read(index).value)
 
-    def __setitem__(self, index: int, value: int) -> None:
+    def _set(self, index: int, value: int) -> None:
         held = dict(self._record._fields_)["value"]
         self._write(self._record(exact(held, value), exact(ctypes.c_uint16, index)))
 
 
-class Reals(_Kind):
+class Reals(_Kind[float]):
     """Numbers in single precision."""
 
-    def __getitem__(self, index: int) -> float:
+    def _get(self, index: int) -> float:
         return float(self._read(index).value)
 
-    def __setitem__(self, index: int, value: float) -> None:
+    def _set(self, index: int, value: float) -> None:
         self._write(self._record(value, exact(ctypes.c_uint16, index)))
 
 
-class Texts(_Kind):
+class Texts(_Kind[str]):
     """Texts of at most 32 bytes; a longer one is cut, with a warning."""
 
-    def __getitem__(self, index: int) -> str:
+    def _get(self, index: int) -> str:
         record = self._record()
         status = self._link.call(f"{self._name}_variable_interface_read", index, ctypes.byref(record))
         text: str = self._link.text(record.value)
         self._link.settle(status)
         return text
 
-    def __setitem__(self, index: int, text: str) -> None:
+    def _set(self, index: int, text: str) -> None:
         record = _records.StringToWrite(self._link.encoded(text), exact(ctypes.c_uint16, index))
         self._write(ctypes.cast(ctypes.byref(record), ctypes.POINTER(self._record)))
 
 
-class Positions(_Kind):
+class Positions(_Kind[Position]):
     """Positions of the kind's groups."""
 
-    def __getitem__(self, index: int) -> Position:
+    def _get(self, index: int) -> Position:
         return from_record(self._read(index).positionData)
 
-    def __setitem__(self, index: int, position: Position) -> None:
+    def _set(self, index: int, position: Position) -> None:
         self._write(ctypes.byref(self._record(to_record(position), exact(ctypes.c_uint16, index))))
 
 
@@ -81,11 +83,11 @@ class Variables:
     """
 
     def __init__(self, link: Link) -> None:
-        self.b = Integers(link, "byte", _records.ByteVariableData)
-        self.i = Integers(link, "integer", _records.IntegerVariableData)
-        self.d = Integers(link, "double_int", _records.DoubleIntVariableData)
-        self.r = Reals(link, "real", _records.RealVariableData)
-        self.s = Texts(link, "string", _records.IStringVariableData)
-        self.p = Positions(link, "robot_position", _records.RobotPositionVariableData)
-        self.bp = Positions(link, "base_position", _records.BaseAxisPositionVariableData)
-        self.ex = Positions(link, "station_position", _records.StationPositionVariableData)
+        self.b = Integers(link, "B", "byte", _records.ByteVariableData)
+        self.i = Integers(link, "I", "integer", _records.IntegerVariableData)
+        self.d = Integers(link, "D", "double_int", _records.DoubleIntVariableData)
+        self.r = Reals(link, "R", "real", _records.RealVariableData)
+        self.s = Texts(link, "S", "string", _records.IStringVariableData)
+        self.p = Positions(link, "P", "robot_position", _records.RobotPositionVariableData)
+        self.bp = Positions(link, "BP", "base_position", _records.BaseAxisPositionVariableData)
+        self.ex = Positions(link, "EX", "station_position", _records.StationPositionVariableData)

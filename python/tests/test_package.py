@@ -92,8 +92,6 @@ class ConnectedTest(SimulatorTest):
             variables.b[2**16]
         with self.assertRaises(TypeError):
             variables.i[0] = 1.5
-        with self.assertRaisesRegex(TypeError, "use an index, not a slice"):
-            variables.b[0:3]
         with self.assertRaises(ValueError):
             self.robot.files.upload("OWN.JBI\0.txt")
         with self.assertRaises(ValueError):
