@@ -11,7 +11,6 @@ namespace harvlink::soak {
 
 namespace {
 
-constexpr std::size_t BlockSize = 479;
 constexpr std::array<std::size_t, 9> Sizes{1, 200, 478, 479, 480, 958, 4000, 20000, 60000};
 constexpr int NoSuchFile = 58035;
 
@@ -24,31 +23,22 @@ std::string ReadWhole(std::filesystem::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Whether all blocks came in order, and some more than once. A doubled datagram is taken for the next block.
-bool HasRepeatedBlocks(std::string_view whole, std::string_view got) {
-    while (!whole.empty()) {
-        auto const block = whole.substr(0, BlockSize);
-        if (!got.starts_with(block)) {
-            return false;
-        }
-        while (got.starts_with(block)) {
-            got.remove_prefix(block.size());
-        }
-        whole.remove_prefix(block.size());
-    }
-    return got.empty();
-}
-
 std::string Difference(std::string const& wanted, std::string const& got) {
     auto const at = std::ranges::mismatch(wanted, got).in1 - wanted.begin();
     return fmt::format("{} bytes instead of {}, first difference at byte {}", got.size(), wanted.size(), at);
+}
+
+Worker::Journals JournalsOf(std::vector<SharedConnection*> const& connections) {
+    Worker::Journals journals;
+    std::ranges::transform(connections, std::back_inserter(journals), &SharedConnection::journal);
+    return journals;
 }
 
 } // namespace
 
 FilesWorker::FilesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
                          std::vector<SharedConnection*> const& connections, std::filesystem::path folder)
-    : Worker(std::move(name), options, results, seed), folder_(std::move(folder)) {
+    : Worker(std::move(name), options, results, seed, JournalsOf(connections)), folder_(std::move(folder)) {
     for (auto* const connection : connections) {
         auto& store = stores_.emplace_back(Store{.connection = connection, .files = {}});
         for (auto const* const file : {"SOAK0.DAT", "SOAK1.DAT", "SOAK2.DAT", "SOAK3.CND", "SOAKA.JBI", "SOAKB.JBI"}) {
@@ -160,10 +150,6 @@ Answer FilesWorker::CompareContent(std::set<Content>& possible, StatusInfo const
         return isMissing ? Answer::Wrong : Answer::Missing;
     }
     for (auto const& content : possible) {
-        if (options_.badNetwork && content && HasRepeatedBlocks(*content, got)) {
-            results_.Note(FaultEffect::RepeatedBlock);
-            return Answer::Missing;
-        }
         difference_ = Difference(content.value_or(""), got);
     }
     return Answer::Wrong;
@@ -175,8 +161,8 @@ void FilesWorker::Delete(Store& store, std::string const& name) {
     if (status.StatusCode == NoSuchFile && possible.contains(std::nullopt)) {
         return;
     }
-    if (!options_.badNetwork) {
-        IsSent("delete of " + name, status);
+    bool const isSent = options_.badNetwork || IsSent("delete of " + name, status);
+    if (isSent && !options_.badNetwork && !IsDamagedSince(StepBegin())) {
         possible.clear();
     }
     possible.insert(std::nullopt);
@@ -191,10 +177,6 @@ void FilesWorker::List(Store& store) {
         auto const status = Done(Family::Files, store.connection->robot->Files->ListFiles(type, names, true));
         if (status.StatusCode != 0) {
             CheckTransfer("list", status);
-            return Answer::Missing;
-        }
-        if (std::ranges::adjacent_find(names) != names.end() && options_.badNetwork) {
-            results_.Note(FaultEffect::RepeatedBlock);
             return Answer::Missing;
         }
         for (auto const& [name, possible] : store.files) {

@@ -65,16 +65,12 @@ void KinematicsWorker::Step() {
 bool KinematicsWorker::Convert(PositionData const& from, KinematicConversions conversion, PositionData& result) {
     auto source = from;
     PositionData got;
-    bool const takesTwo = conversion == PulseToCartesianPos;
-    auto const image = ReadUntilAgreed(
-        fmt::format("conversion {}", static_cast<int>(conversion)),
-        [&](WireImage& out) {
-            auto status =
-                Done(Family::Kinematics, kinematics_.ConvertPosition(ControlGroupId::R1, source, conversion, got));
-            out = ConversionImage(got);
-            return status;
-        },
-        takesTwo);
+    auto const image = ReadUntilAgreed(fmt::format("conversion {}", static_cast<int>(conversion)), [&](WireImage& out) {
+        auto status =
+            Done(Family::Kinematics, kinematics_.ConvertPosition(ControlGroupId::R1, source, conversion, got));
+        out = ConversionImage(got);
+        return status;
+    });
     result = got;
     return !image.empty();
 }
@@ -83,17 +79,13 @@ bool KinematicsWorker::ConvertFromCartesian(PositionData const& from, KinematicC
                                             PositionData& result) {
     auto source = from;
     PositionData got;
-    bool const takesTwo = conversion == CartesianPosToPulse;
-    auto const image = ReadUntilAgreed(
-        fmt::format("conversion {}", static_cast<int>(conversion)),
-        [&](WireImage& out) {
-            auto status = Done(Family::Kinematics,
-                               kinematics_.ConvertPositionFromCartesian(ControlGroupId::R1, source, conversion,
-                                                                        KinematicType::KinematicFigure, {}, got));
-            out = ConversionImage(got);
-            return status;
-        },
-        takesTwo);
+    auto const image = ReadUntilAgreed(fmt::format("conversion {}", static_cast<int>(conversion)), [&](WireImage& out) {
+        auto status =
+            Done(Family::Kinematics, kinematics_.ConvertPositionFromCartesian(ControlGroupId::R1, source, conversion,
+                                                                              KinematicType::KinematicFigure, {}, got));
+        out = ConversionImage(got);
+        return status;
+    });
     result = got;
     return !image.empty();
 }

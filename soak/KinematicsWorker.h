@@ -10,7 +10,8 @@ class KinematicsWorker final : public Worker {
 public:
     KinematicsWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
                      SharedConnection& connection)
-        : Worker(std::move(name), options, results, seed), kinematics_(*connection.robot->Kinematics) {}
+        : Worker(std::move(name), options, results, seed, {connection.journal}),
+          kinematics_(*connection.robot->Kinematics) {}
 
 private:
     void Step() override;

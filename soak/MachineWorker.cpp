@@ -15,20 +15,12 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int AlarmIsActive = 8288;
-/// The same refusal in a cut reply: only the status byte, or the low byte of the code.
-constexpr std::array CutRefusals{31, AlarmIsActive % 256, 0};
+constexpr ControllerStateData StateAtRest{.cycleMode = CycleMode::Cycle,
+                                          .controlMode = ControllerStateData::ControlMode::Remote};
 constexpr auto JobTimeout = 20s;
 
 SignalStatus SwitchOf(bool on) {
     return on ? SignalStatus::On : SignalStatus::Off;
-}
-
-/// The state that is read from a reply of zeros.
-constexpr ControllerStateData StateOfZeros{.cycleMode = CycleMode::Automatic};
-
-/// Whether any bit of the second word is set.
-bool HasSecondWord(ControllerStateData const& state) {
-    return state.isProgramPendantHold || state.isAlarming || state.isErroring || state.isServoOn;
 }
 
 bool IsSame(ControllerStateData const& one, ControllerStateData const& other) {
@@ -52,13 +44,11 @@ std::string StoredJobName() {
 
 MachineWorker::MachineWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
                              SharedConnection& connection)
-    : Worker(std::move(name), options, results, seed),
+    : Worker(std::move(name), options, results, seed, {connection.journal}),
       connection_(connection),
       robot_(*connection.robot),
-      readings_(FixedReadings(connection)) {
-    state_.cycleMode = CycleMode::Cycle;
-    state_.controlMode = ControllerStateData::ControlMode::Remote;
-}
+      readings_(FixedReadings(connection)),
+      state_(StateAtRest) {}
 
 void MachineWorker::Step() {
     if (!hasJobs_) {
@@ -94,13 +84,25 @@ void MachineWorker::Step() {
 }
 
 void MachineWorker::LoadJobs() {
-    LoadJob(RunJobName, RunJob);
-    LoadJob(SubJobName, SubJob);
-    LoadJob(BadJobName, BadJob);
-    hasJobs_ = true;
+    hasJobs_ = LoadJob(RunJobName, RunJob) && LoadJob(SubJobName, SubJob) && LoadJob(BadJobName, BadJob);
 }
 
-void MachineWorker::LoadJob(std::string_view name, std::string_view text) {
+/// Brings the machine to rest, whatever was done of the step before.
+void MachineWorker::Recover() {
+    auto& commands = *robot_.ControlCommands;
+    state_ = StateAtRest;
+    auto const ask = [&] {
+        static_cast<void>(Done(Family::Faults, robot_.Faults->ClearAllFaults()));
+        static_cast<void>(Done(Family::ControlCommands, commands.SetHold(SignalStatus::Off)));
+        static_cast<void>(Done(Family::ControlCommands, commands.SetCycleMode(state_.cycleMode)));
+        static_cast<void>(Done(Family::ControlCommands, commands.SetServos(SignalStatus::Off)));
+        ControllerStateData got;
+        return CompareState(got) == Answer::Right ? Answer::Right : Answer::Missing;
+    };
+    AskUntilRight("return to rest", ask, [] { return std::string(); });
+}
+
+bool MachineWorker::LoadJob(std::string_view name, std::string_view text) {
     auto const fileName = std::string(name) + ".JBI";
     std::string got;
     auto const ask = [&] {
@@ -114,7 +116,7 @@ void MachineWorker::LoadJob(std::string_view name, std::string_view text) {
         status = Done(Family::Files, robot_.Files->SaveFromControllerToString(fileName, got));
         return status.StatusCode == 0 && got == text ? Answer::Right : Answer::Missing;
     };
-    AskUntilRight("load of " + fileName, ask, [&] { return got; });
+    return AskUntilRight("load of " + fileName, ask, [&] { return got; });
 }
 
 void MachineWorker::Command(std::string const& what, std::function<StatusInfo()> const& send, Family family) {
@@ -139,20 +141,14 @@ Answer MachineWorker::CompareState(ControllerStateData& got) {
     if (status.StatusCode != 0) {
         return Answer::Wrong;
     }
-    if (IsSame(got, state_)) {
-        return Answer::Right;
-    }
-    auto firstWord = state_;
-    firstWord.isProgramPendantHold = firstWord.isAlarming = firstWord.isErroring = firstWord.isServoOn = false;
-    bool const isCut = IsSame(got, StateOfZeros) || (HasSecondWord(state_) && IsSame(got, firstWord));
-    return isCut ? Answer::Cut : Answer::Wrong;
+    return IsSame(got, state_) ? Answer::Right : Answer::Wrong;
 }
 
 /// Repeats until there is a complete answer.
 Answer MachineWorker::AskState() {
     ControllerStateData got;
     auto answer = Answer::Missing;
-    for (int i = 0; i < 30 && (answer == Answer::Missing || answer == Answer::Cut); ++i) {
+    for (int i = 0; i < 30 && answer == Answer::Missing; ++i) {
         answer = CompareState(got);
     }
     return answer;
@@ -194,19 +190,19 @@ void MachineWorker::ReadTimes() {
     TimeData data;
     std::int64_t seconds = 0;
     auto const ask = [&] {
-        StatusInfo status;
-        try {
-            status = Done(Family::Status, robot_.Status->ReadOperatingTimes(ControlGroupId::R1, TimeType::PlaybackTotal,
-                                                                            data, ApplicationNumber::None));
-        } catch (std::exception const&) {
-            return Answer::Cut; // as documented for an answer without a readable time
+        auto const before = Damages();
+        auto const status =
+            Done(Family::Status, robot_.Status->ReadOperatingTimes(ControlGroupId::R1, TimeType::PlaybackTotal, data,
+                                                                   ApplicationNumber::None));
+        if (IsDamagedSince(before)) {
+            return Answer::Missing; // a damaged time may be any
         }
         auto const& elapsed = data.elapsedTime;
         seconds = (std::int64_t{elapsed.hours} * 60 + elapsed.minutes) * 60 + elapsed.seconds;
         if (status.StatusCode != 0) {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
-        return seconds >= playbackSeconds_ ? Answer::Right : Answer::Cut;
+        return seconds >= playbackSeconds_ ? Answer::Right : Answer::Wrong;
     };
     if (AskUntilRight("operating time", ask, [&] { return fmt::format("{} after {}", seconds, playbackSeconds_); })) {
         playbackSeconds_ = seconds;
@@ -225,7 +221,7 @@ void MachineWorker::CheckReading(FixedReading& reading) {
         if (status.StatusCode != 0) {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
-        return got == reading.known ? Answer::Right : IsCutFrom(reading.known, got) ? Answer::Cut : Answer::Wrong;
+        return got == reading.known ? Answer::Right : Answer::Wrong;
     };
     AskUntilRight(reading.name, ask, [&] { return ToHex(got) + " instead of " + ToHex(reading.known); });
 }
@@ -287,9 +283,13 @@ bool MachineWorker::AwaitJob() {
             std::this_thread::sleep_for(50ms); // the last line is still to be executed
             return ExpectState("end of the job");
         }
-        if (options_.badNetwork && SteadyClock::now() - lastStart > 3s) {
+        bool const isLate = SteadyClock::now() - lastStart > 3s;
+        if (isLate && options_.badNetwork) {
             static_cast<void>(SelectAndStart(RunJobName));
             lastStart = SteadyClock::now();
+        }
+        if (isLate && IsDamagedSince(StepBegin())) {
+            break;
         }
         std::this_thread::sleep_for(10ms);
     }
@@ -305,9 +305,7 @@ void MachineWorker::CheckJobVariables() {
             if (status.StatusCode != 0) {
                 return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
             }
-            return ImageOf(got.value) == ImageOf(wanted)            ? Answer::Right
-                   : IsCutFrom(ImageOf(wanted), ImageOf(got.value)) ? Answer::Cut
-                                                                    : Answer::Wrong;
+            return ImageOf(got.value) == ImageOf(wanted) ? Answer::Right : Answer::Wrong;
         };
         AskUntilRight("variable set by a job", ask, [&] { return fmt::format("{} instead of {}", got.value, wanted); });
     };
@@ -325,9 +323,7 @@ void MachineWorker::CheckJobPlace() {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
         bool const isRight = data.name == name && data.line == 0 && data.speedOverride == 100.0;
-        WireImage wanted(name.begin(), name.end());
-        bool const isCut = IsCutFrom(wanted, WireImage(data.name.begin(), data.name.end())) && data.line == 0;
-        return isRight ? Answer::Right : isCut ? Answer::Cut : Answer::Wrong;
+        return isRight ? Answer::Right : Answer::Wrong;
     };
     AskUntilRight("executing job", ask,
                   [&] { return fmt::format("{} line {} at {}", data.name, data.line, data.speedOverride); });
@@ -346,7 +342,7 @@ void MachineWorker::CheckJobStack() {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
         bool const isRight = stack.size() == 1 && stack[0] == name + '\0';
-        return isRight ? Answer::Right : stack.size() <= 1 ? Answer::Cut : Answer::Wrong;
+        return isRight ? Answer::Right : Answer::Wrong;
     };
     AskUntilRight("job stack", askStack, [&] { return fmt::format("{} names", stack.size()); });
 }
@@ -377,9 +373,7 @@ void MachineWorker::RaiseAlarm() {
     CheckActiveAlarms(true);
     CheckHistory();
     auto const refused = Done(Family::ControlCommands, robot_.ControlCommands->SetServos(SignalStatus::On));
-    if (std::ranges::find(CutRefusals, refused.StatusCode) != CutRefusals.end()) {
-        results_.Note(FaultEffect::CutAnswer);
-    } else if (refused.StatusCode != AlarmIsActive && !IsTimeout(refused)) {
+    if (refused.StatusCode != AlarmIsActive && !IsTimeout(refused)) {
         Fail(fmt::format("servo on with an alarm gave {}", refused.StatusCode));
     }
     ExpectState("servo power with an alarm");
@@ -394,13 +388,10 @@ Answer MachineWorker::CompareAlarm(AlarmData const& got, bool isExpected) const 
     auto const image = [](AlarmData const& alarm) {
         auto bytes = ImageOf(alarm.code);
         Append(bytes, alarm.subcode);
-        AppendText(bytes, alarm.name, 32);
+        AppendText(bytes, alarm.name, 32); // the controller fills the name up with zeros
         return bytes;
     };
-    if (image(got) == image(wanted)) {
-        return Answer::Right;
-    }
-    return IsCutFrom(image(wanted), image(got)) ? Answer::Cut : Answer::Wrong;
+    return image(got) == image(wanted) ? Answer::Right : Answer::Wrong;
 }
 
 void MachineWorker::CheckActiveAlarms(bool isExpected) {

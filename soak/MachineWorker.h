@@ -17,8 +17,9 @@ public:
 
 private:
     void Step() override;
+    void Recover() override;
     void LoadJobs();
-    void LoadJob(std::string_view name, std::string_view text);
+    bool LoadJob(std::string_view name, std::string_view text);
 
     /// Repeats a command until the state is as expected. If only replies can be lost, one command must be enough.
     void Command(std::string const& what, std::function<StatusInfo()> const& send,

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <thread>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -34,8 +35,9 @@ Motion RandomPoint(Random& random) {
 
 } // namespace
 
-MotionWorker::MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed)
-    : Worker(std::move(name), options, results, seed) {}
+MotionWorker::MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
+                           FaultJournal& older, FaultJournal& newer)
+    : Worker(std::move(name), options, results, seed, {&older, &newer}), olderJournal_(older), newerJournal_(newer) {}
 
 void MotionWorker::Step() {
     if (Chance(0.3)) {
@@ -48,32 +50,29 @@ void MotionWorker::Step() {
 }
 
 void MotionWorker::Visit() {
-    auto const robot = OpenComplete(options_.addresses.olderVisited, false, options_, results_);
+    auto const robot = OpenComplete(options_.addresses.olderVisited, false, options_, olderJournal_, results_);
     if (robot == nullptr) {
         return;
     }
     auto const value = static_cast<std::uint8_t>(Draw(1, 255));
     ByteVariableData got;
-    static_cast<void>(Done(Family::Variables, robot->Variables->byteVariable->Write({value, 0})));
+    auto const written = Done(Family::Variables, robot->Variables->byteVariable->Write({value, 0}));
+    if (!IsSent("write of a visit", written) || written.StatusCode != 0) {
+        return;
+    }
     auto const ask = [&] {
         WaitForLateReplies();
         auto const status = Done(Family::Variables, robot->Variables->byteVariable->Read(0, got));
         if (status.StatusCode != 0) {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
-        if (got.value == value) {
-            return Answer::Right;
-        }
-        if (options_.badNetwork) {
-            return Answer::LostWrite;
-        }
-        return got.value == 0 ? Answer::Cut : Answer::Wrong;
+        return got.value == value ? Answer::Right : Answer::Wrong;
     };
     AskUntilRight("variable of a visit", ask, [&] { return fmt::format("{} instead of {}", got.value, value); });
 }
 
 void MotionWorker::Move() {
-    auto const robot = OpenComplete(options_.addresses.newerVisited, true, options_, results_);
+    auto const robot = OpenComplete(options_.addresses.newerVisited, true, options_, newerJournal_, results_);
     if (robot == nullptr || !MakeReady(*robot)) {
         return;
     }
@@ -145,6 +144,7 @@ MotionWorker::Outcome MotionWorker::Broken() {
 MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::size_t count) {
     auto const deadline = SteadyClock::now() + ArrivalTimeout;
     double before = 0.0;
+    bool isThere = false;
     auto lastChange = SteadyClock::now();
     for (int polls = 0; SteadyClock::now() < deadline; ++polls) {
         StatusInfo status;
@@ -152,14 +152,19 @@ MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::
         Done(Family::MotionManager, status);
         lastChange = progress > before ? SteadyClock::now() : lastChange;
         bool const isPlausible = status.StatusCode != 0 || CheckProgress(progress, before, count);
-        if (status.StatusCode == 0 && isPlausible && progress >= static_cast<double>(count)) {
+        bool const wasThere = std::exchange(isThere, isPlausible && progress >= static_cast<double>(count));
+        if (status.StatusCode == 0 && isThere && wasThere) { // a single answer may be damaged
             return Outcome::Arrived;
         }
         if ((!isPlausible || polls % 5 == 4) && HasAlarm(robot)) {
             return Broken();
         }
-        if (SteadyClock::now() - lastChange > StallTime && LacksTargets(robot, before, count)) {
-            results_.Note(FaultEffect::LostWrite);
+        bool const isStalled = SteadyClock::now() - lastChange > StallTime;
+        if (isStalled && IsDamagedSince(StepBegin())) {
+            return Broken();
+        }
+        if (isStalled && options_.badNetwork && IsAtRest(robot)) {
+            results_.Note(FaultEffect::LostTarget);
             return Broken();
         }
         std::this_thread::sleep_for(5ms);
@@ -168,21 +173,18 @@ MotionWorker::Outcome MotionWorker::AwaitArrival(QuorvanController& robot, std::
     return Outcome::Failed;
 }
 
-/// Whether the arm has stopped with too few targets reached. If the refusal of a full buffer is lost on id 0, the
-/// target seems to be accepted. If requests are lost, targets and the alarm of the monitor may be lost too.
-bool MotionWorker::LacksTargets(QuorvanController& robot, double progress, std::size_t count) {
-    constexpr double mostLost = 2.0;
+/// If requests are lost, targets and the alarm of the monitor may be lost too.
+bool MotionWorker::IsAtRest(QuorvanController& robot) {
     ControllerStateData state;
-    bool const isAtTarget = progress == std::floor(progress) && progress < static_cast<double>(count);
-    bool const isNearEnd = progress + mostLost >= static_cast<double>(count);
-    return ReadState(robot, state) && !state.isRunning && (options_.badNetwork || (isAtTarget && isNearEnd));
+    return ReadState(robot, state) && !state.isRunning;
 }
 
-/// False if the count has decreased, because the targets were cleared or the answer was cut.
+/// False if the count has decreased, because the targets were cleared.
 bool MotionWorker::CheckProgress(double progress, double& before, std::size_t count) {
     bool const isDoubled = options_.badNetwork; // a target that arrives twice counts twice
     if (!std::isfinite(progress) || progress < 0.0 || (progress > static_cast<double>(count) && !isDoubled)) {
         Fail(fmt::format("progress {} of {} points", progress, count));
+        return false;
     }
     if (progress < before) {
         return false;
@@ -198,8 +200,7 @@ bool MotionWorker::HasAlarm(QuorvanController& robot) {
         return false;
     }
     for (auto const& alarm : alarms.alarms) {
-        // A cut number has only bits of the whole number.
-        if ((alarm.code & ~MonitorAlarm) != 0) {
+        if (alarm.code != MonitorAlarm && alarm.code != 0) {
             Fail(fmt::format("alarm {}, expected only {}", alarm.code, MonitorAlarm));
         }
     }
@@ -218,10 +219,7 @@ void MotionWorker::CheckPosition(QuorvanController& robot, PositionData const& w
         if (status.StatusCode != 0) {
             return IsTimeout(status) ? Answer::Missing : Answer::Wrong;
         }
-        auto const image = ImageOfPosition(got);
-        return image == ImageOfPosition(wanted)            ? Answer::Right
-               : IsCutFrom(ImageOfPosition(wanted), image) ? Answer::Cut
-                                                           : Answer::Wrong;
+        return ImageOfPosition(got) == ImageOfPosition(wanted) ? Answer::Right : Answer::Wrong;
     };
     AskUntilRight("end of a trajectory", ask,
                   [&] { return ToHex(ImageOfPosition(got)) + " instead of " + ToHex(ImageOfPosition(wanted)); });

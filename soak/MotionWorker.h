@@ -13,7 +13,8 @@ namespace harvlink::soak {
 /// documented.
 class MotionWorker final : public Worker {
 public:
-    MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed);
+    MotionWorker(std::string name, Options const& options, Results& results, std::uint64_t seed, FaultJournal& older,
+                 FaultJournal& newer);
 
 private:
     enum class Outcome : std::uint8_t { Arrived, Broken, Failed };
@@ -28,10 +29,13 @@ private:
     Outcome AwaitArrival(QuorvanController& robot, std::size_t count);
     Outcome Broken();
     bool CheckProgress(double progress, double& before, std::size_t count);
-    bool LacksTargets(QuorvanController& robot, double progress, std::size_t count);
+    bool IsAtRest(QuorvanController& robot);
     bool HasAlarm(QuorvanController& robot);
     void CheckPosition(QuorvanController& robot, PositionData const& wanted);
     bool ReadState(QuorvanController& robot, ControllerStateData& state);
+
+    FaultJournal& olderJournal_;
+    FaultJournal& newerJournal_;
 };
 
 } // namespace harvlink::soak

@@ -42,12 +42,12 @@ struct Options {
     static constexpr unsigned Retries = 3;
 };
 
-/// These hit about two of a hundred replies. Damaged bytes are left out, as nobody can recognise them, and requests that are
-/// not carried out.
+/// These hit about two of a hundred replies. The times run ten times as fast in the controllers.
 inline constexpr char const* DefaultFaults =
-    "drop=0.4%,delay=0.3%,duplicate=0.3%,reorder=0.1%,truncate=0.2%,extend=0.2%,wrong-id=0.15%,stale-id=0.15%,"
-    "other-port=0.1%,other-source=0.1%,buffer-full=2%,file-drop=0.1%,file-delay=1%,file-duplicate=1%,file-reorder=0.2%,"
-    "file-truncate=0.05%,file-extend=0.05%,file-misnumber=0.1%,file-wrong-id=0.1%,file-stale-id=0.1%,"
-    "file-other-port=0.2%,file-other-source=0.3%,delay-ms=300";
+    "drop=0.4%,delay=0.3%,duplicate=0.3%,reorder=0.1%,truncate=0.2%,extend=0.2%,flip-bits=0.1%,wrong-id=0.15%,"
+    "stale-id=0.15%,other-port=0.1%,other-source=0.1%,silence=0.01%,refuse=0.05%,restart=0.01%,buffer-full=2%,"
+    "file-drop=0.1%,file-delay=1%,file-duplicate=1%,file-reorder=0.2%,file-truncate=0.05%,file-extend=0.05%,"
+    "file-misnumber=0.1%,file-flip-bits=0.05%,file-wrong-id=0.1%,file-stale-id=0.1%,file-other-port=0.2%,"
+    "file-other-source=0.3%,delay-ms=300,silence-ms=5000";
 
 } // namespace harvlink::soak

@@ -10,8 +10,8 @@ constexpr std::array<std::string_view, Families> FamilyNames{
     "Connection",      "ControlGroup", "Status", "Variables",     "IO",        "Faults",
     "ControlCommands", "Job",          "Files",  "MotionManager", "Kinematics"};
 constexpr std::array<std::string_view, FaultEffects> FaultEffectNames{
-    "no-answer",       "cut-answer",        "lost-write",      "repeated-block",
-    "broken-transfer", "broken-trajectory", "incomplete-start"};
+    "no-answer",        "lost-target",    "broken-transfer", "broken-trajectory",
+    "incomplete-start", "damaged-answer", "interrupted-step"};
 constexpr std::size_t MaxFailuresKept = 20;
 
 } // namespace

@@ -34,17 +34,15 @@ inline bool IsTimeout(StatusInfo const& status) {
     return status.StatusCode == static_cast<int>(ErrorStatusCodes::ResponseTimeout);
 }
 
-/// The documented effects of a network fault on a program that uses the library. The soak test distinguishes them from wrong
-/// values by their form. Its connections are strict, so a cut answer, a lost write and a repeated block are failures, unless
-/// the network loses requests too.
+/// The documented effects of faults on a program that uses strict connections. All else is a failure.
 enum class FaultEffect : std::uint8_t {
     NoAnswer, ///< ResponseTimeout
-    CutAnswer, ///< zeros from some byte on: a shortened reply, or silence on request id 0. The next read is right
-    LostWrite, ///< a write or target that seemed to succeed on id 0: it, or its refusal, was lost
-    RepeatedBlock, ///< a file with a block twice, from a doubled datagram. Only where the network doubles
+    LostTarget, ///< a trajectory that ended early without an alarm. Only where the network loses requests
     BrokenTransfer,
     BrokenTrajectory, ///< the monitor raised its alarm and emptied the queue
     IncompleteStart, ///< a connection that could not be opened, or did not read everything about its controller
+    DamagedAnswer, ///< not as expected, while the controller flipped bits or refused or ignored requests; asked again
+    InterruptedStep, ///< a step that failed because of such a fault: the worker went on from a state that it has checked
 };
 inline constexpr std::size_t FaultEffects = 7;
 std::string_view NameOf(FaultEffect kind);

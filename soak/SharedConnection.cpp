@@ -69,7 +69,9 @@ bool IsComplete(QuorvanController& robot, bool isExtended, Options const& option
 
 } // namespace
 
-Connection OpenComplete(std::string const& address, bool isExtended, Options const& options, Results& results) {
+Connection OpenComplete(std::string const& address, bool isExtended, Options const& options, FaultJournal& journal,
+                        Results& results) {
+    auto const damagesBefore = journal.Counts();
     ConnectOptions asked;
     asked.address = address;
     asked.timeout = Options::TimeoutMilliseconds;
@@ -78,7 +80,7 @@ Connection OpenComplete(std::string const& address, bool isExtended, Options con
     StatusInfo status;
     auto robot = Connect(asked, status);
     results.Note(Family::Connection, status);
-    if (robot != nullptr && !IsComplete(*robot, isExtended, options, results)) {
+    if (robot != nullptr && (journal.Counts() != damagesBefore || !IsComplete(*robot, isExtended, options, results))) {
         robot.reset();
     }
     if (robot == nullptr) {
@@ -87,13 +89,14 @@ Connection OpenComplete(std::string const& address, bool isExtended, Options con
     return robot;
 }
 
-Connection OpenWithRetries(std::string const& address, bool isExtended, Options const& options, Results& results) {
+Connection OpenWithRetries(SharedConnection const& connection, Options const& options, Results& results) {
     for (int tries = 0; tries < MaxAttempts; ++tries) {
-        if (auto robot = OpenComplete(address, isExtended, options, results)) {
+        if (auto robot =
+                OpenComplete(connection.address, connection.isExtended, options, *connection.journal, results)) {
             return robot;
         }
     }
-    throw std::runtime_error("no connection to " + address);
+    throw std::runtime_error("no connection to " + connection.address);
 }
 
 } // namespace harvlink::soak

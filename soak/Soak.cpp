@@ -79,13 +79,16 @@ bool Soak::Run() {
     older_.robot.reset();
     newer_.robot.reset();
     auto const traffic = StopControllers();
-    CheckBounds();
     WriteReport(traffic);
     return results_.FailureCount() == 0;
 }
 
 std::filesystem::path Soak::TrafficFile(std::size_t controller) const {
     return folder_ / fmt::format("traffic-{}.json", controller);
+}
+
+std::filesystem::path Soak::FaultFile(std::size_t controller) const {
+    return folder_ / fmt::format("faults-{}.json", controller);
 }
 
 void Soak::StartControllers() {
@@ -95,9 +98,10 @@ void Soak::StartControllers() {
     for (std::size_t i = 0; i < controllers_.size(); ++i) {
         auto const& controller = controllers_[i];
         auto command = options_.simulatorPrefix;
-        auto const words = std::to_array<std::string>(
-            {options_.simulator, "--scene", scene, "--generation", controller.generation, "--address",
-             controller.address, "--groups", "R1,B1,S1", "--time-scale", timeScale, "--report", TrafficFile(i)});
+        auto const words =
+            std::to_array<std::string>({options_.simulator, "--scene", scene, "--generation", controller.generation,
+                                        "--address", controller.address, "--groups", "R1,B1,S1", "--time-scale",
+                                        timeScale, "--report", TrafficFile(i), "--fault-log", FaultFile(i)});
         command.insert(command.end(), words.begin(), words.end());
         if (!controller.faults.empty()) {
             command.insert(command.end(),
@@ -105,6 +109,7 @@ void Soak::StartControllers() {
         }
         simulators_.push_back(std::make_unique<SimulatorProcess>(
             fmt::format("harvlink-sim {} {}", controller.generation, controller.address), command));
+        journals_.push_back(std::make_unique<FaultJournal>(FaultFile(i)));
     }
 }
 
@@ -112,8 +117,10 @@ void Soak::OpenConnections() {
     older_.address = options_.addresses.older;
     newer_.address = options_.addresses.newer;
     newer_.isExtended = true;
+    older_.journal = journals_[Older].get();
+    newer_.journal = journals_[Newer].get();
     for (auto* const connection : {&older_, &newer_}) {
-        connection->robot = OpenWithRetries(connection->address, connection->isExtended, options_, results_);
+        connection->robot = OpenWithRetries(*connection, options_, results_);
     }
 }
 
@@ -122,6 +129,7 @@ void Soak::MakeWorkers() {
     for (auto* const connection : {&older_, &newer_}) {
         std::string const suffix = connection->isExtended ? " of the newer" : " of the older";
         workers_.push_back(std::make_unique<ValuesWorker>("values" + suffix, options_, results_, ++seed,
+                                                          Worker::Journals{connection->journal},
                                                           AllKinds(*connection, options_)));
         workers_.push_back(
             std::make_unique<MachineWorker>("machine" + suffix, options_, results_, ++seed, *connection));
@@ -129,7 +137,8 @@ void Soak::MakeWorkers() {
     workers_.push_back(std::make_unique<KinematicsWorker>("kinematics", options_, results_, ++seed, newer_));
     workers_.push_back(std::make_unique<FilesWorker>("files", options_, results_, ++seed,
                                                      std::vector<SharedConnection*>{&older_, &newer_}, folder_));
-    workers_.push_back(std::make_unique<MotionWorker>("motion", options_, results_, ++seed));
+    workers_.push_back(std::make_unique<MotionWorker>("motion", options_, results_, ++seed, *journals_[OlderVisited],
+                                                      *journals_[NewerVisited]));
 }
 
 void Soak::RunRounds() {
@@ -193,10 +202,9 @@ void Soak::Watch(SteadyClock::time_point end) {
 
 void Soak::PrintProgress() {
     auto const minutes = std::chrono::duration<double, std::ratio<60>>(SteadyClock::now() - start_).count();
-    fmt::print(
-        "{:5.1f} min: {} operations, {} without an answer, {} cut answers, {} file bytes compared, {} failures\n",
-        minutes, results_.Operations(), results_.Count(FaultEffect::NoAnswer), results_.Count(FaultEffect::CutAnswer),
-        results_.FileBytes(), results_.FailureCount());
+    fmt::print("{:5.1f} min: {} operations, {} without an answer, {} damaged, {} file bytes compared, {} failures\n",
+               minutes, results_.Operations(), results_.Count(FaultEffect::NoAnswer),
+               results_.Count(FaultEffect::DamagedAnswer), results_.FileBytes(), results_.FailureCount());
     std::fflush(stdout);
 }
 
@@ -237,19 +245,6 @@ nlohmann::json Soak::StopControllers() {
         }
     }
     return total;
-}
-
-/// What a designed connection takes for an answer, a strict one never does. Only where the network loses requests can a
-/// write be lost.
-void Soak::CheckBounds() {
-    if (options_.badNetwork) {
-        return;
-    }
-    for (auto const effect : {FaultEffect::CutAnswer, FaultEffect::LostWrite, FaultEffect::RepeatedBlock}) {
-        if (auto const count = results_.Count(effect); count != 0) {
-            results_.Fail(fmt::format("{} times {}, which a strict connection excludes", count, NameOf(effect)));
-        }
-    }
 }
 
 void Soak::WriteReport(nlohmann::json const& traffic) {

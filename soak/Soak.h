@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "soak/FaultJournal.h"
 #include "soak/Options.h"
 #include "soak/ProcessFigures.h"
 #include "soak/Results.h"
@@ -28,6 +29,9 @@ public:
     nlohmann::json Report() const { return report_; }
 
 private:
+    /// In the order of the controllers.
+    enum Which : std::uint8_t { Older, OlderVisited, Newer, NewerVisited };
+
     struct Controller {
         std::string generation;
         std::string address;
@@ -44,15 +48,16 @@ private:
     std::vector<ProcessFigures> Measure() const;
     void CompareFigures(std::vector<ProcessFigures> const& now);
     nlohmann::json StopControllers();
-    void CheckBounds();
     void WriteReport(nlohmann::json const& traffic);
     std::filesystem::path TrafficFile(std::size_t controller) const;
+    std::filesystem::path FaultFile(std::size_t controller) const;
 
     Options options_;
     Results results_;
     std::filesystem::path folder_;
     std::vector<Controller> controllers_;
     std::vector<std::unique_ptr<SimulatorProcess>> simulators_;
+    std::vector<std::unique_ptr<FaultJournal>> journals_; ///< by controller
     SharedConnection older_;
     SharedConnection newer_;
     std::vector<std::unique_ptr<Worker>> workers_;

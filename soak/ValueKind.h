@@ -17,7 +17,7 @@ struct ValueKind {
     unsigned count = 0;
     std::size_t size = 0; ///< of the image
     bool isPiecewise = false; ///< written by several exchanges: a failed write may leave a mixture of bits
-    bool isReadAndWritten = false; ///< a write first reads the byte: a cut answer then changes the other bits
+    bool isReadAndWritten = false; ///< a write first reads the byte: a damaged answer then changes the other bits
     std::function<WireImage(Random&)> random;
     std::function<StatusInfo(unsigned, WireImage const&)> write;
     std::function<StatusInfo(unsigned, WireImage&)> read;

@@ -1,8 +1,5 @@
 #include "soak/ValuesWorker.h"
 
-#include <algorithm>
-#include <functional>
-
 #include <fmt/format.h>
 
 namespace harvlink::soak {
@@ -19,33 +16,22 @@ bool IsMixture(WireImage const& one, WireImage const& other, WireImage const& go
     return true;
 }
 
-/// Every bit that is set in one of the two.
-WireImage Union(WireImage const& one, WireImage const& other) {
-    auto both = one;
-    std::transform(one.begin(), one.end(), other.begin(), both.begin(), std::bit_or<>());
-    return both;
-}
-
-/// Whether cut replies explain the value. If it is read or written in pieces, any piece may be missing.
-bool IsCut(ValueKind const& kind, WireImage const& whole, WireImage const& got) {
-    return IsCutFrom(whole, got) || (kind.isPiecewise && IsMixture(WireImage(got.size(), 0), whole, got));
-}
-
 } // namespace
 
 ValuesWorker::ValuesWorker(std::string name, Options const& options, Results& results, std::uint64_t seed,
-                           std::vector<ValueKind> kinds)
-    : Worker(std::move(name), options, results, seed), kinds_(std::move(kinds)) {
+                           Journals journals, std::vector<ValueKind> kinds)
+    : Worker(std::move(name), options, results, seed, std::move(journals)), kinds_(std::move(kinds)) {
     for (auto const& kind : kinds_) {
         cells_.emplace_back(kind.count, Cell{WireImage(kind.size, 0), {}});
     }
 }
 
 void ValuesWorker::Step() {
-    auto const number = Draw(0, kinds_.size() - 1);
-    auto const& kind = kinds_[number];
-    auto const index = static_cast<unsigned>(Draw(0, kind.count - 1));
-    auto& cell = cells_[number][index];
+    lastKind_ = Draw(0, kinds_.size() - 1);
+    auto const& kind = kinds_[lastKind_];
+    auto const index = lastIndex_ = static_cast<unsigned>(Draw(0, kind.count - 1));
+    auto& cell = cells_[lastKind_][index];
+    lastBefore_ = lastWanted_ = cell.value;
     bool const isSettled = SteadyClock::now() - cell.written >= options_.SettleTime();
     if (isSettled && Chance(0.5)) {
         Write(kind, index, cell);
@@ -55,73 +41,52 @@ void ValuesWorker::Step() {
 }
 
 void ValuesWorker::Write(ValueKind const& kind, unsigned index, Cell& cell) {
-    auto const wanted = kind.random(random_);
-    auto const before = cell.value;
-    auto const what = fmt::format("write of {} {}", kind.name, index);
-    auto const status = Done(kind.family, kind.write(index, wanted));
+    lastWanted_ = kind.random(random_);
+    auto const status = Done(kind.family, kind.write(index, lastWanted_));
     cell.written = SteadyClock::now();
-    if (!IsSent(what, status)) {
+    if (status.StatusCode == 0) {
+        cell.value = lastWanted_;
+        Check(kind, index, cell);
+    } else if (IsSent(fmt::format("write of {} {}", kind.name, index), status)) {
+        FindOut(options_.badNetwork || IsDamagedSince(StepBegin()));
+    }
+}
+
+void ValuesWorker::Recover() {
+    if (!lastBefore_.empty()) { // else there was no step yet
+        FindOut(true);
+    }
+}
+
+/// Learns the value after a write that was not confirmed: the new one, or the one from before if the request may not have
+/// been carried out. A write of several exchanges can leave a mixture, and one that begins with a damaged read anything.
+void ValuesWorker::FindOut(bool mayBeLost) {
+    auto const& kind = kinds_[lastKind_];
+    auto const what = fmt::format("{} {} after a write without an answer", kind.name, lastIndex_);
+    auto const got =
+        ReadUntilAgreed(what, [&](WireImage& image) { return Done(kind.family, kind.read(lastIndex_, image)); });
+    if (got.empty()) {
         return;
     }
-    bool const isWhole = status.StatusCode == 0 || !kind.isPiecewise;
-    // A write that failed halfway leaves some bits of the former value. A cut read then lacks some bits of both.
-    auto const possible = isWhole ? wanted : Union(before, wanted);
-    auto& got = cell.value;
-    WireImage last;
-    int alike = 0;
-    auto const ask = [&] {
-        auto const answer = Read(kind, index, got);
-        if (answer != Answer::Right || (isWhole && got == wanted)) {
-            return answer;
-        }
-        alike = got == last ? alike + 1 : 1;
-        last = got;
-        bool const isAgreed = alike >= EnoughAlike;
-        if (!isWhole && IsMixture(before, wanted, got)) {
-            // The status said that the write failed. A cut answer looks like a mixture too, so the reads must agree.
-            return isAgreed ? Answer::Right : Answer::Missing;
-        }
-        if (kind.isReadAndWritten && isAgreed && IsCut(kind, possible, got)) {
-            results_.Note(FaultEffect::CutAnswer);
-            return Answer::Right; // the cut answer was the one that the write began with
-        }
-        // The first time, the former value may also be a cut answer.
-        auto const reason = Compare(kind, before, possible, got);
-        return reason == Answer::LostWrite && alike == 1 ? Answer::Cut : reason;
-    };
-    AskUntilRight(what, ask, [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(wanted)); });
+    bool const isExplained = got == lastWanted_ || (mayBeLost && (got == lastBefore_ || kind.isReadAndWritten)) ||
+                             (kind.isPiecewise && IsMixture(lastBefore_, lastWanted_, got));
+    if (!isExplained) {
+        Fail(fmt::format("{}: {} instead of {} or {}", what, ToHex(got), ToHex(lastWanted_), ToHex(lastBefore_)));
+    }
+    cells_[lastKind_][lastIndex_].value = lastBefore_ = lastWanted_ = got;
 }
 
 void ValuesWorker::Check(ValueKind const& kind, unsigned index, Cell const& cell) {
     WireImage got;
     auto const ask = [&] {
-        auto const answer = Read(kind, index, got);
-        if (answer != Answer::Right || got == cell.value) {
-            return answer;
+        auto const status = Done(kind.family, kind.read(index, got));
+        if (IsTimeout(status)) {
+            return Answer::Missing;
         }
-        return IsCut(kind, cell.value, got) ? Answer::Cut : Answer::Wrong;
+        return status.StatusCode == 0 && got == cell.value ? Answer::Right : Answer::Wrong;
     };
-    AskUntilRight(fmt::format("read of {} {}", kind.name, index), ask,
+    AskUntilRight(fmt::format("{} {}", kind.name, index), ask,
                   [&] { return fmt::format("{} instead of {}", ToHex(got), ToHex(cell.value)); });
-}
-
-/// Right if anything was read.
-Answer ValuesWorker::Read(ValueKind const& kind, unsigned index, WireImage& got) {
-    auto const status = Done(kind.family, kind.read(index, got));
-    if (IsTimeout(status)) {
-        return Answer::Missing;
-    }
-    return status.StatusCode == 0 ? Answer::Right : Answer::Wrong;
-}
-
-/// Classifies a successful write whose value reads differently.
-Answer ValuesWorker::Compare(ValueKind const& kind, WireImage const& before, WireImage const& wanted,
-                             WireImage const& got) const {
-    if (options_.badNetwork && (got == before || (kind.isPiecewise && IsMixture(before, wanted, got)))) {
-        return Answer::LostWrite;
-    }
-    bool const isCut = IsCut(kind, wanted, got) || (options_.badNetwork && IsCut(kind, before, got));
-    return isCut ? Answer::Cut : Answer::Wrong;
 }
 
 } // namespace harvlink::soak

@@ -54,11 +54,6 @@ double UnitsOf(CoordinateType type, std::size_t axis) {
 
 } // namespace
 
-bool IsCutFrom(WireImage const& whole, WireImage const& got) {
-    auto const same = std::ranges::mismatch(whole, got);
-    return whole.size() == got.size() && std::all_of(same.in2, got.end(), [](std::uint8_t byte) { return byte == 0; });
-}
-
 std::string ToHex(WireImage const& image) {
     std::string text;
     for (auto const byte : image) {

@@ -11,11 +11,9 @@
 
 namespace harvlink::soak {
 
-/// A value as the bytes of its reply, in their order. So values of all kinds are compared in the same way, and a cut
-/// reply can be recognised: it is right up to some byte and zero after it.
+/// A value as the bytes of its reply, in their order. So values of all kinds are compared in the same way.
 using WireImage = std::vector<std::uint8_t>;
 
-bool IsCutFrom(WireImage const& whole, WireImage const& got);
 std::string ToHex(WireImage const& image);
 
 template <typename Value>

@@ -1,6 +1,7 @@
 #include "soak/Worker.h"
 
 #include <thread>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -9,19 +10,34 @@ namespace harvlink::soak {
 namespace {
 
 constexpr int MaxTries = 30;
-constexpr int MaxCuts = 5;
 
 } // namespace
 
-Worker::Worker(std::string name, Options const& options, Results& results, std::uint64_t seed)
-    : options_(options), results_(results), random_(options.seed * 1000 + seed), name_(std::move(name)) {}
+Worker::Worker(std::string name, Options const& options, Results& results, std::uint64_t seed, Journals journals)
+    : options_(options),
+      results_(results),
+      random_(options.seed * 1000 + seed),
+      name_(std::move(name)),
+      journals_(std::move(journals)) {}
 
 void Worker::Run(std::stop_token const& stop) {
     lastProgress_ = SteadyClock::now();
     next_ = SteadyClock::now();
     while (!stop.stop_requested()) {
-        Step();
+        auto const begin = Damages();
+        bool const hasRestarted = begin.Of(Damage::Restart) != stepBegin_.Of(Damage::Restart);
+        bool const recovers = std::exchange(needsRecovery_, false) || hasRestarted;
+        stepBegin_ = begin;
+        recovers ? Recover() : Step();
     }
+}
+
+DamageCounts Worker::Damages() const {
+    DamageCounts sum;
+    for (auto* const journal : journals_) {
+        sum += journal->Counts();
+    }
+    return sum;
 }
 
 StatusInfo Worker::Done(Family family, StatusInfo status) {
@@ -38,55 +54,47 @@ StatusInfo Worker::Done(Family family, StatusInfo status) {
 
 bool Worker::AskUntilRight(std::string const& what, std::function<Answer()> const& ask,
                            std::function<std::string()> const& describe) {
-    int cuts = 0;
     for (int tries = 0; tries < MaxTries; ++tries) {
-        switch (ask()) {
-        case Answer::Right:
+        auto const before = Damages();
+        auto const answer = ask();
+        if (answer == Answer::Right) {
             return true;
-        case Answer::LostWrite:
-            results_.Note(FaultEffect::LostWrite);
-            return true;
-        case Answer::Missing:
+        }
+        if (answer == Answer::Missing) {
             continue;
-        case Answer::Cut:
-            results_.Note(FaultEffect::CutAnswer);
-            if (++cuts <= MaxCuts) {
-                continue;
-            }
-            [[fallthrough]];
-        case Answer::Wrong:
+        }
+        if (!IsDamagedSince(before)) {
             Fail(fmt::format("{}: {}", what, describe()));
             return false;
         }
+        results_.Note(FaultEffect::DamagedAnswer);
     }
     Fail(fmt::format("{}: no answer in {} tries", what, MaxTries));
     return false;
 }
 
-WireImage Worker::ReadUntilAgreed(std::string const& what, std::function<StatusInfo(WireImage&)> const& read,
-                                  bool isComputed) {
+WireImage Worker::ReadUntilAgreed(std::string const& what, std::function<StatusInfo(WireImage&)> const& read) {
     WireImage last;
     WireImage got;
     std::string refusal;
     int alike = 0;
     auto const ask = [&] {
+        auto const before = Damages();
         auto const status = read(got);
-        if (IsTimeout(status)) {
-            return Answer::Missing;
+        if (IsTimeout(status) || IsDamagedSince(before)) {
+            return Answer::Missing; // of a value that is not known, a damaged one can't be recognised
         }
         if (status.StatusCode != 0) {
             refusal = fmt::format(" and refused with {} {}", status.StatusCode, status.Message);
-            return isComputed ? Answer::Cut : Answer::Wrong;
+            return Answer::Wrong;
         }
-        std::swap(last, got);
-        if (got.empty() || got == last) {
-            return ++alike >= EnoughAlike ? Answer::Right : Answer::Missing;
+        if (alike > 0 && got != last) {
+            return Answer::Wrong;
         }
-        alike = 1;
-        // NOLINTNEXTLINE(readability-suspicious-call-argument): either may be the one that was cut
-        return isComputed || IsCutFrom(last, got) || IsCutFrom(got, last) ? Answer::Cut : Answer::Wrong;
+        last = got;
+        return ++alike >= EnoughAlike ? Answer::Right : Answer::Missing;
     };
-    bool const isAgreed = AskUntilRight(what, ask, [&] { return ToHex(got) + " and then " + ToHex(last) + refusal; });
+    bool const isAgreed = AskUntilRight(what, ask, [&] { return ToHex(got) + " after " + ToHex(last) + refusal; });
     return isAgreed ? last : WireImage();
 }
 
@@ -99,6 +107,11 @@ bool Worker::IsSent(std::string const& what, StatusInfo const& status) {
 }
 
 void Worker::Fail(std::string const& what) {
+    if (IsDamagedSince(stepBegin_)) {
+        results_.Note(FaultEffect::InterruptedStep);
+        RecoverAfterStep();
+        return;
+    }
     results_.Fail(fmt::format("{}: {}", name_, what));
 }
 

@@ -49,6 +49,7 @@ bool FaultInjector::Happens(Fault fault, Port port) {
     armed_[index] -= isArmed ? 1 : 0;
     bool const happens = isArmed || chance < plan_.RateOn(port, fault);
     happened_.at(index) += happens ? 1 : 0;
+    lastHits_[index] = lastHits_[index] || happens;
     return happens;
 }
 
@@ -63,7 +64,9 @@ void FaultInjector::NoteClient(Request const& request) {
 }
 
 FaultInjector::Decision FaultInjector::Decide(Request const& request, Clock::Duration now) {
+    lastHits_.reset();
     if (now < silentUntil_) {
+        NoteHit(Fault::Silence);
         return Decision::Ignore;
     }
     if (Happens(Fault::Silence, request.port)) {
@@ -78,6 +81,7 @@ FaultInjector::Decision FaultInjector::Decide(Request const& request, Clock::Dur
     }
     if (refusalsLeft_ > 0) {
         --refusalsLeft_;
+        NoteHit(Fault::Refuse);
         refusal_ = plan_.refuseCode;
         return Decision::Refuse;
     }
@@ -86,6 +90,7 @@ FaultInjector::Decision FaultInjector::Decide(Request const& request, Clock::Dur
         bufferFullUntil_ = now + plan_.bufferFull;
     }
     if (isTarget && now < bufferFullUntil_) {
+        NoteHit(Fault::BufferFull);
         refusal_ = BufferIsFull;
         return Decision::Refuse;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -30,6 +31,9 @@ public:
     /// How often a fault has happened.
     std::uint64_t Happened(Fault fault) const { return happened_.at(static_cast<std::size_t>(fault)); }
 
+    /// The faults that hit the request of the last Decide, by Fault. A silence hits every request that it leaves unanswered.
+    std::bitset<FaultKinds> LastHits() const { return lastHits_; }
+
     /// Whether Decide and ApplyToReply have to be called.
     bool IsActive() const { return isActive_; }
 
@@ -57,6 +61,7 @@ private:
     };
 
     bool Happens(Fault fault, Port port);
+    void NoteHit(Fault fault) { lastHits_.set(static_cast<std::size_t>(fault)); }
     void UpdateActive();
     std::size_t Random(std::size_t lowest, std::size_t highest);
     void CorruptBytes(std::vector<std::byte>& bytes, Port port);
@@ -68,6 +73,7 @@ private:
     std::mt19937_64 random_{1};
     std::array<std::uint32_t, FaultKinds> armed_{};
     std::array<std::uint64_t, FaultKinds> happened_{};
+    std::bitset<FaultKinds> lastHits_;
     std::vector<Delivery> outbox_;
     std::vector<Delivery> heldBack_;
     std::array<ClientsSeen, 2> clients_{}; ///< on the robot port and on the file port

@@ -27,8 +27,9 @@ namespace harvlink::simulator {
 /// Add, SetObserver, SetRecorder, Start and Stop belong to one thread; the controllers may be used from any.
 class Server {
 public:
-    /// Called on the server's thread for every datagram of the protocol, after it was answered.
-    using Observer = std::function<void(VirtualController const&, Request const&, Reply const&)>;
+    /// Called on the server's thread for every datagram of the protocol, after it was answered; where faults are injected,
+    /// before that.
+    using Observer = std::function<void(VirtualController&, Request const&, Reply const&)>;
 
     /// Called on the server's thread for every datagram in both directions, with sender and receiver.
     using Recorder = std::function<void(sockaddr_in const&, sockaddr_in const&, std::span<std::byte const>)>;

@@ -88,6 +88,8 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
         ->type_name("LIST");
     app.add_option("--report", report_, "JSON file to write at the end: numbers of requests and faults")
         ->type_name("FILE");
+    app.add_option("--fault-log", faultLog_, "File that gets a line of JSON for every request that a fault hits")
+        ->type_name("FILE");
     app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers")->type_name("FILE");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
     app.footer(Footer());
@@ -100,6 +102,7 @@ Arguments ArgumentParser::Result() const {
     Arguments result;
     result.addresses = addresses_;
     result.report = report_;
+    result.faultLog = faultLog_;
     result.pcap = pcap_;
     result.verbose = verbose_;
     if (scene_) {

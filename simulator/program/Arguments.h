@@ -16,6 +16,7 @@ struct Arguments {
     ControllerOptions options;
     std::optional<Scene> scene;
     std::optional<std::string> report;
+    std::optional<std::string> faultLog;
     std::optional<std::string> pcap;
     bool verbose = false;
 };
@@ -41,6 +42,7 @@ private:
     std::optional<double> timeScale_;
     std::string faults_;
     std::optional<std::string> report_;
+    std::optional<std::string> faultLog_;
     std::optional<std::string> pcap_;
     bool verbose_ = false;
 };

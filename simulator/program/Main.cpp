@@ -18,6 +18,7 @@
 #include "simulator/program/Arguments.h"
 #include "simulator/program/ControlDesk.h"
 #include "simulator/program/CtlCommand.h"
+#include "simulator/program/FaultLog.h"
 #include "simulator/program/PcapFile.h"
 #include "simulator/program/TrafficReport.h"
 #include "simulator/protocol/CommandName.h"
@@ -101,7 +102,8 @@ int FailToWrite(std::string const& path) {
 
 int Serve(Arguments const& arguments) {
     auto const signals = BlockEndSignals();
-    std::optional<PcapFile> recording; // outlives the server's thread
+    std::optional<PcapFile> recording; // both outlive the server's thread
+    std::optional<FaultLog> faultLog;
     Server server;
     std::vector<VirtualController*> controllers;
     for (auto const& address : arguments.addresses) {
@@ -110,8 +112,18 @@ int Serve(Arguments const& arguments) {
             return 1;
         }
     }
-    if (arguments.verbose) {
-        server.SetObserver(PrintExchange);
+    if (arguments.faultLog) {
+        faultLog.emplace(*arguments.faultLog);
+    }
+    if (arguments.verbose || faultLog) {
+        server.SetObserver([&](VirtualController& controller, Request const& request, Reply const& reply) {
+            if (arguments.verbose) {
+                PrintExchange(controller, request, reply);
+            }
+            if (faultLog) {
+                faultLog->Write(controller, request);
+            }
+        });
     }
     if (arguments.pcap) {
         recording.emplace(*arguments.pcap);

@@ -106,8 +106,8 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
     auto const address = NextLoopbackAddress();
     Program program =
         Simulate("--address " + address + " --scene '" + path("cell.toml") + "' --generation YA --groups R1:7,S1" +
-                 " --rs022 1 --time-scale 2 --faults duplicate=0 --verbose --report '" + path("report.json") +
-                 "' --pcap '" + path("all.pcap") + "'");
+                 " --rs022 1 --time-scale 2 --faults delay=100%,delay-ms=0 --verbose --report '" + path("report.json") +
+                 "' --fault-log '" + path("hits.json") + "' --pcap '" + path("all.pcap") + "'");
     ASSERT_EQ(program.ReadLine(), "harvlink-sim: ready on " + address + "\n");
     {
         StatusInfo status;
@@ -124,12 +124,15 @@ TEST(SimulatorProgram, ServesAndReportsWhatItServed) {
     auto const requests = Count(lines, "\n");
     EXPECT_EQ(Count(lines, address + ":1004"), requests);
     EXPECT_EQ(Count(lines, " ByteVariable command 122 instance 5 "), 1U) << lines;
-    EXPECT_EQ(CountRecords(ContentOf(path("all.pcap"))), 2 * requests - Count(lines, "-> unanswered"));
+    auto const hits = ContentOf(path("hits.json"));
+    auto const answers = Count(hits, "\"faults\": [\"delay\"]}\n");
+    EXPECT_EQ(Count(hits, "\"port\": 10040,"), Count(lines, ":10040")) << hits;
+    EXPECT_EQ(CountRecords(ContentOf(path("all.pcap"))), requests + answers);
     auto const report = ContentOf(path("report.json"));
     EXPECT_NE(report.find("\"address\": \"" + address + "\", \"requests\": " + std::to_string(requests) + ","),
               std::string::npos)
         << report;
-    EXPECT_NE(report.find("\"duplicate\": 0"), std::string::npos) << report;
+    EXPECT_NE(report.find("\"delay\": " + std::to_string(answers)), std::string::npos) << report;
 }
 
 } // namespace
