@@ -80,7 +80,7 @@ void Session::CheckHost() {
 }
 
 void Session::AnnounceClear(Access access) {
-    if (access == Access::Full) {
+    if (access == Access::Full && !keepsTargets_) {
         BrokenPipesIgnored const readerMayBeGone;
         output_.console().err
             << "Connecting for this clears the motion targets of a controller from YA up, those of other "
@@ -117,7 +117,8 @@ Connection Session::Open(Access access, StatusInfo& status) {
                                      .timeout = wanted.timeoutMilliseconds,
                                      .retries = wanted.retries,
                                      .logging = logging_,
-                                     .access = access},
+                                     .access = access,
+                                     .clearTargets = !keepsTargets_},
                                     status);
     if (connection && !wanted.generation.empty()) {
         CheckGeneration(*connection, wanted.generation);

@@ -65,6 +65,9 @@ public:
     /// The controllers to which the configuration file gives names.
     std::vector<Cell> Cells() const { return options_.Cells(); }
 
+    /// Full access then leaves the controller's motion targets as they are.
+    void KeepTargets() { keepsTargets_ = true; }
+
     /// Lets the library write failures of motion to its log file. The program shows what was written, and where.
     void EnableLogging() { logging_ = true; }
 
@@ -84,6 +87,7 @@ private:
     std::optional<Settings> settings_;
     bool confirmed_ = false;
     bool logging_ = false;
+    bool keepsTargets_ = false;
 };
 
 } // namespace harvlink::cli

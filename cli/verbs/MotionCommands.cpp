@@ -142,10 +142,11 @@ void AddClear(CLI::App& parent, Session& session, char const* description) {
 }
 
 void AddStart(CLI::App& family, Session& session) {
-    CLI::App* const verb =
-        family.add_subcommand("start", "Start the motion to the targets that the controller has: MOVES THE MACHINE");
+    CLI::App* const verb = family.add_subcommand(
+        "start", "Start the motion to the targets that the controller has and keep them: MOVES THE MACHINE");
     SetExamples(*verb, {"motion start --yes"});
     verb->callback([&session] {
+        session.KeepTargets(); // or nothing would be left to start
         session.OnConnectionConfirmed(Access::Full, MoveWarning, [](QuorvanController& robot, Output& output) {
             return output.Done(robot.MotionManager->MotionStart());
         });

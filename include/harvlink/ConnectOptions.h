@@ -22,7 +22,9 @@ namespace harvlink {
 enum class Access : std::int32_t {
     Observe = 0, ///< reads only, opening included: nothing on the controller changes
     Operate = 1, ///< everything but motion by targets, which it may stop and clear; opening reads only
-    Full = 2, ///< everything; opening clears the motion targets of a controller from `VersionYA` up, whoever sent them
+    /// Everything. Opening clears the motion targets of a controller from `VersionYA` up, whoever sent them, unless
+    /// `clearTargets` is off.
+    Full = 2,
 };
 
 /// The rules of a strict connection. Each removes one sharp edge of the designed behaviour, can be left out alone, names
@@ -86,6 +88,9 @@ struct ConnectOptions {
     /// plant that runs. `access` holds all the same.
     bool audit = false;
     std::uint64_t largestFile = 256ULL << 20U; ///< bytes; a longer file is not received. Held by Rule::BlockOrder
+    /// Whether opening with full access clears the controller's motion targets. Without it what another program has sent
+    /// stays, and MotionStart goes on with it. The other accesses never clear when they open.
+    bool clearTargets = true;
 };
 
 /// Opens a connection with options. A name is resolved by the system first, in (1 + retries) x time-out at most.

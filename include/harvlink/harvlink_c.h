@@ -229,6 +229,8 @@ typedef struct HarvlinkConnectOptions {
     int32_t audit; /**< 1 or 0 */
     uint32_t reserved; /**< 0 */
     uint64_t largestFile; /**< bytes, not 0 */
+    int32_t clearTargets; /**< 1, or 0 to keep the motion targets when opening with HARVLINK_FULL */
+    uint32_t reserved2; /**< 0 */
 } HarvlinkConnectOptions;
 
 /** What a connection has seen of its link since it was opened; see ConnectionStatistics.h. */
@@ -478,8 +480,8 @@ typedef struct ZyxEulerPose {
 HARVLINK_EXPORT ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status,
                                                  unsigned timeoutMilliseconds, unsigned retries);
 
-/** Fills the whole record with the defaults: observes, strictly, 500 ms, 3 retries, logging on, files up to 256 MiB; no
- * address yet. */
+/** Fills the whole record with the defaults: observes, strictly, 500 ms, 3 retries, logging on, files up to 256 MiB,
+ * full access clears the motion targets; no address yet. */
 HARVLINK_EXPORT void harvlink_connect_options_init(HarvlinkConnectOptions* options);
 
 /** Connects with options and fills `status`: what Connect in ConnectOptions.h says, and 0x50000 for a `size` that is 0 or too

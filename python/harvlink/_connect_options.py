@@ -63,6 +63,7 @@ def connect_options(
     rules: RuleSet,
     audit: bool,
     largest_file: Optional[int],
+    clear_targets: bool,
 ) -> HarvlinkConnectOptions:
     options = HarvlinkConnectOptions()
     library.call("harvlink_connect_options_init", ctypes.byref(options))
@@ -74,4 +75,5 @@ def connect_options(
     options.audit = switch("audit", audit)
     if largest_file is not None:
         options.largestFile = exact(ctypes.c_uint64, largest_file)
+    options.clearTargets = switch("clear_targets", clear_targets)
     return options

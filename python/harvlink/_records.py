@@ -201,6 +201,8 @@ class HarvlinkConnectOptions(ctypes.Structure):
         ("audit", c_int32),
         ("reserved", c_uint32),
         ("largestFile", c_uint64),
+        ("clearTargets", c_int32),
+        ("reserved2", c_uint32),
     ]
 
 

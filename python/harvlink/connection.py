@@ -41,6 +41,7 @@ def connect(
     *,
     cell: Optional[str] = None,
     encoding: Optional[str] = None,
+    clear_targets: bool = True,
 ) -> "Robot":
     """Opens a connection to the controller at an IPv4 address in dotted form, or at the name of a host.
 
@@ -55,8 +56,8 @@ def connect(
     that is not part of it appears as an escape such as "\\xE9", and writing that gives the byte back.
 
     `access` is what the connection may send. "observe": reads only. "operate": all but motion by targets. "full": all,
-    and opening clears the motion targets of newer controllers, those of other programs too. What is beyond the access
-    raises Error with ErrorCode.ACCESS_DENIED, and nothing is sent.
+    and opening clears the motion targets of newer controllers, those of other programs too, unless `clear_targets` is
+    False. What is beyond the access raises Error with ErrorCode.ACCESS_DENIED, and nothing is sent.
 
     `rules` names the rules of a strict connection that hold, out of RULES: "strict" for all, "designed" for none, or
     several names. With `audit` they only count what they would have refused, see `Robot.statistics`. `largest_file` is
@@ -72,7 +73,7 @@ def connect(
     library = load()
     options = connect_options(
         *(library, found.host, _first(timeout, found.timeout, _TIMEOUT), _first(retries, found.retries, _RETRIES)),
-        *(access, rules, audit, largest_file),
+        *(access, rules, audit, largest_file, clear_targets),
     )
     robot = Robot(Link(library, options, chosen))
     _refuse_other_than(found.generation, robot)

@@ -36,6 +36,7 @@ HarvlinkConnectOptions Defaults() {
     options.rules = defaults.rules.bits;
     options.audit = ToInt32(defaults.audit);
     options.largestFile = defaults.largestFile;
+    options.clearTargets = ToInt32(defaults.clearTargets);
     return options;
 }
 
@@ -57,7 +58,8 @@ ConnectOptions FromPlain(HarvlinkConnectOptions const& given) {
             .access = static_cast<Access>(options.access),
             .rules = {options.rules},
             .audit = ToBool(options.audit),
-            .largestFile = options.largestFile};
+            .largestFile = options.largestFile,
+            .clearTargets = ToBool(options.clearTargets)};
 }
 
 ControllerHandle Open(HarvlinkConnectOptions const& options, StatusInfo& status) {

@@ -118,12 +118,13 @@ SAME_FIELD(ZyxEulerPose, ry);
 SAME_FIELD(ZyxEulerPose, rz);
 
 // These have no C++ twin. They may grow at their end only: every field keeps its place.
-static_assert(sizeof(HarvlinkConnectOptions) == 48);
+static_assert(sizeof(HarvlinkConnectOptions) == 56);
 static_assert(offsetof(HarvlinkConnectOptions, address) == 8);
 static_assert(offsetof(HarvlinkConnectOptions, retries) == 16);
 static_assert(offsetof(HarvlinkConnectOptions, access) == 24);
 static_assert(offsetof(HarvlinkConnectOptions, audit) == 32);
 static_assert(offsetof(HarvlinkConnectOptions, largestFile) == 40);
+static_assert(offsetof(HarvlinkConnectOptions, clearTargets) == 48);
 static_assert(offsetof(HarvlinkConnectionStatistics, linkStateSince) == 8);
 static_assert(offsetof(HarvlinkConnectionStatistics, exchanges) == 16);
 static_assert(offsetof(HarvlinkConnectionStatistics, bytesSent) == 104);

@@ -44,7 +44,8 @@ ConnectionPolicy PolicyOf(ConnectOptions const& options) {
     return {.access = options.access,
             .enforced = options.audit ? NoRules : options.rules,
             .audited = options.audit ? options.rules : NoRules,
-            .largestFile = options.largestFile};
+            .largestFile = options.largestFile,
+            .clearTargets = options.clearTargets};
 }
 
 Connection Open(ConnectOptions const& options, StatusInfo& status) {

@@ -27,7 +27,7 @@ MotionManagerInterface* MotionManagerPtr(NetworkManager* networkManager) {
 
 MotionManager::MotionManager(NetworkManager* manager) : networkManager(manager) {
     MakeCtrlGroupNumberMap();
-    if (networkManager->Policy().access == Access::Full) {
+    if (networkManager->Policy().ClearsTargets()) {
         ClearAllTrajectory();
     }
 }

@@ -29,7 +29,7 @@ namespace harvlink {
 /// Three rules of the connection change what the monitor does: IdleMonitor, SentStep and BoundedClose.
 class MotionManager final : public MotionManagerInterface {
 public:
-    /// Asks the controller for its motion slots and, with full access, clears its targets. Failures are dropped: there are fewer slots then.
+    /// Asks the controller for its motion slots and, if the policy says so, clears its targets. Failures are dropped: there are fewer slots then.
     explicit MotionManager(NetworkManager* manager);
     MotionManager(MotionManager const&) = delete;
     MotionManager& operator=(MotionManager const&) = delete;

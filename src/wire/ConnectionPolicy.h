@@ -15,6 +15,10 @@ struct ConnectionPolicy {
     Rules enforced = NoRules;
     Rules audited = NoRules; ///< only counted
     std::uint64_t largestFile = std::numeric_limits<std::uint64_t>::max();
+    bool clearTargets = true;
+
+    /// Whether opening clears the controller's motion targets.
+    constexpr bool ClearsTargets() const { return access == Access::Full && clearTargets; }
 
     constexpr bool Enforces(Rule rule) const { return enforced.Has(rule); }
 

@@ -61,7 +61,7 @@ TEST_F(ConnectBinding, RecordsOfOtherVersionsAreHonoured) {
         std::byte newer[8]{};
     } larger{options};
     for (auto const& [size, byteBehind, expected] :
-         {std::tuple{0U, 0, 0x50000}, {15U, 0, 0x50000}, {16U, 0, 0}, {48U, 1, 0}, {56U, 0, 0}, {56U, 1, 0x50000}}) {
+         {std::tuple{0U, 0, 0x50000}, {15U, 0, 0x50000}, {16U, 0, 0}, {56U, 1, 0}, {64U, 0, 0}, {64U, 1, 0x50000}}) {
         larger.options = options;
         larger.options.size = size;
         if (size == 16U) { // all behind the address is unknown to the older program

@@ -26,7 +26,7 @@ protected:
         Replies replies;
     };
 
-    static std::vector<Step> Steps(Access access) {
+    static std::vector<Step> Steps(Access access, bool clears = true) {
         auto const file = [](std::string_view text) { return Replies{{.payload = Text(text), .block = lastBlock}}; };
         auto const parameter = [](unsigned type, unsigned number) {
             return RobotRequest(924, 0, 0, 1, Words({type, 0, number}));
@@ -44,7 +44,7 @@ protected:
             {end, {}},
             {RobotRequest(116, 1, 0, 1), {Payload(Words({'S', 'L', 'U', 'R', 'B', 'T', 0, 0}))}},
         };
-        if (access != Access::Full) {
+        if (access != Access::Full || !clears) {
             steps.erase(steps.begin() + 6);
         }
         return steps;
@@ -86,16 +86,18 @@ TEST_F(ConnectOptionsTest, WhatIsNotValidIsRefusedUnsent) {
     }
 }
 
-TEST_F(ConnectOptionsTest, OnlyFullAccessClearsAndEachAllowsWhatItSays) {
+TEST_F(ConnectOptionsTest, OnlyFullAccessClearsUnlessItKeepsAndEachAllowsWhatItSays) {
     struct {
         Access access;
         int write, motion;
     } const cases[] = {{Access::Observe, 0x50001, 0x50001}, {Access::Operate, 0, 0x50001}, {Access::Full, 0, 0}};
     for (auto const& [access, write, motion] : cases) {
-        for (bool const audits : {false, true}) { // access holds in an audit all the same
-            Expect(Steps(access));
+        // Access holds in an audit all the same, and so does the wish to keep the targets.
+        for (auto const& [audits, clears] : {std::pair{false, true}, {true, true}, {false, false}, {true, false}}) {
+            Expect(Steps(access, clears));
             ConnectOptions options = Options(access);
             options.audit = audits;
+            options.clearTargets = clears;
             Connection const connection = Connect(options, status);
             ASSERT_TRUE(connection) << status.Message;
             EXPECT_EQ(status.Message, "OK");
