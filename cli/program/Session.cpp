@@ -90,11 +90,20 @@ void Session::AnnounceClear(Access access) {
 }
 
 bool Session::IsConfirmed(Access access, std::string const& consequence) {
-    Console& console = output_.console();
+    CheckConfirmable(consequence);
+    AnnounceClear(access);
+    return Confirm(consequence);
+}
+
+void Session::CheckConfirmable(std::string const& consequence) const {
+    Console const& console = output_.console();
     if (!confirmed_ && (!console.inputIsTerminal || !console.errorIsTerminal)) {
         throw InputError(fmt::format("{}; give --yes to confirm it", consequence));
     }
-    AnnounceClear(access);
+}
+
+bool Session::Confirm(std::string const& consequence) {
+    Console& console = output_.console();
     if (confirmed_) {
         return true;
     }

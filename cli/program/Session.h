@@ -41,6 +41,12 @@ public:
     /// The same for work that moves the machine or changes its servo power: the user has to confirm it first.
     void OnConnectionConfirmed(Access access, std::string const& consequence, ConnectedPlan plan);
 
+    /// For plans that ask in their middle. Throws InputError if nobody can be asked and --yes is not given.
+    void CheckConfirmable(std::string const& consequence) const;
+
+    /// Whether the user wants it, by --yes or by the answer.
+    bool Confirm(std::string const& consequence);
+
     /// Plans work that needs no controller. It returns the exit status.
     void Locally(LocalPlan plan) { plan_ = std::move(plan); }
 

@@ -4,20 +4,18 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <fmt/color.h>
 #include <fmt/format.h>
 
 #include "cli/program/Help.h"
 #include "cli/program/Session.h"
 #include "cli/snapshot/Capture.h"
 #include "cli/snapshot/Difference.h"
+#include "cli/snapshot/DifferenceText.h"
 #include "cli/snapshot/Folder.h"
 #include "cli/snapshot/SnapshotCommands.h"
 #include "cli/snapshot/Staging.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
-#include "words/text/Printable.h"
-#include "words/text/Text.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -43,54 +41,6 @@ struct DiffArguments {
     std::string before;
     std::string after;
 };
-
-Json LinesJson(std::vector<LineChange> const& lines) {
-    Json rows = Json::array();
-    for (LineChange const& line : lines) {
-        rows.push_back({{"sign", std::string(1, line.sign)}, {"line", line.line}, {"text", ControllerText(line.text)}});
-    }
-    return rows;
-}
-
-Json DifferenceJson(Difference const& difference) {
-    Json changes = Json::array();
-    for (Change const& change : difference.changes) {
-        Json row{{"section", change.section},
-                 {"name", ControllerText(change.name)},
-                 {"before", change.before ? Json(*change.before) : Json()},
-                 {"after", change.after ? Json(*change.after) : Json()}};
-        if (change.section == FilesSection) {
-            row["lines"] = LinesJson(change.lines);
-        }
-        changes.push_back(row);
-    }
-    return {{"same", difference.IsSame()},
-            {"changes", changes},
-            {"incomplete", difference.incomplete},
-            {"only_in_one", difference.notTaken}};
-}
-
-std::string Text(LineChange const& line, bool hasColour) {
-    std::string const text = fmt::format("    {}{}  {}", line.sign, line.line, Printable(ControllerText(line.text)));
-    fmt::terminal_color const colour = line.sign == '-' ? fmt::terminal_color::red : fmt::terminal_color::green;
-    return hasColour ? fmt::format(fmt::fg(colour), "{}", text) : text;
-}
-
-void ShowForPeople(std::ostream& out, Difference const& difference, bool hasColour) {
-    std::string section;
-    for (Change const& change : difference.changes) {
-        if (change.section != section) {
-            section = change.section;
-            out << section << '\n';
-        }
-        out << fmt::format("  {}  {} -> {}\n", Printable(ControllerText(change.name)),
-                           Printable(change.before.value_or("(none)")), Printable(change.after.value_or("(none)")));
-        for (LineChange const& line : change.lines) {
-            out << Text(line, hasColour) << '\n';
-        }
-    }
-    out << (difference.IsSame() ? "no difference\n" : "") << std::flush;
-}
 
 void ShowNotes(Output& output, Difference const& difference) {
     for (std::string const& section : difference.notTaken) {
@@ -131,7 +81,8 @@ int Diff(Session& session, Output& output, DiffArguments const& arguments) {
     if (output.json) {
         output.Show(DifferenceJson(difference));
     } else {
-        ShowForPeople(output.console().out, difference, output.HasColour());
+        ShowChanges(output.console().out, difference.changes, output.HasColour());
+        output.console().out << (difference.IsSame() ? "no difference\n" : "") << std::flush;
     }
     ShowNotes(output, difference);
     return !difference.incomplete.empty() ? Trouble : difference.IsSame() ? Same : Different;

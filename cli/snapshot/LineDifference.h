@@ -16,8 +16,8 @@ struct LineChange {
     bool operator==(LineChange const&) const = default;
 };
 
-/// The fewest lines whose removal and addition turn one text into the other, in order. Empty for texts with zero bytes, and
-/// if there are so many lines between the first and the last difference that the comparison would take long.
+/// The fewest lines whose removal and addition turn one text into the other, in order; for long texts that have almost nothing
+/// in common it may be more than the fewest. Empty for texts with zero bytes.
 std::vector<LineChange> LineDifference(std::string_view before, std::string_view after);
 
 } // namespace harvlink::cli::snapshot

@@ -15,5 +15,6 @@ namespace harvlink::cli::snapshot {
 void AddSave(CLI::App& family, Session& session);
 void AddDiff(CLI::App& family, Session& session);
 void AddShow(CLI::App& family, Session& session);
+void AddRestore(CLI::App& family, Session& session);
 
 } // namespace harvlink::cli::snapshot

@@ -1,4 +1,5 @@
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "cli/program/Help.h"
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
+#include "cli/verbs/StillRunning.h"
 #include "harvlink/ControlCommandsInterface.h"
 #include "harvlink/JobInterface.h"
 #include "words/text/Encoding.h"
@@ -43,6 +45,32 @@ void AddStart(CLI::App& parent, Session& session, char const* description) {
             Access::Operate, "Starting the job MOVES THE MACHINE",
             [](QuorvanController& robot, Output& output) { return output.Done(robot.ControlCommands->StartJob()); });
     });
+}
+
+// No command ends a job: a hold stops it where it is.
+StatusInfo StopJob(QuorvanController& robot, Output& output) {
+    StatusInfo status = robot.ControlCommands->SetHold(SignalStatus::On);
+    if (status.StatusCode != 0) {
+        return status;
+    }
+    Remains const remains = ReadRemains(robot);
+    if (remains.status.StatusCode != 0) {
+        output.Failure(remains.status, "held, but can't tell whether the job still runs");
+    } else if (remains.isRunning) {
+        output.Problem("held, but the machine still runs; press the emergency stop if it must not");
+    } else {
+        output.Done(status);
+    }
+    if (output.console().errorIsTerminal) {
+        output.console().err << "The hold stays on. To release it: harvlink hold off\n";
+    }
+    return {};
+}
+
+void AddJobStop(CLI::App& family, Session& session) {
+    CLI::App* const verb = family.add_subcommand("stop", "Stop the job that runs: holds the machine, as hold on does");
+    SetExamples(*verb, {"job stop"}, "The hold stays on until hold off. Then job start lets the job go on.");
+    verb->callback([&session] { session.OnConnection(Access::Operate, StopJob); });
 }
 
 StatusInfo ShowJob(QuorvanController& robot, Output& output, TesselTaskNumber task) {
@@ -92,11 +120,12 @@ CLI::App* AddTaskVerb(CLI::App& family, Session& session, char const* name, char
 } // namespace
 
 void AddJobCommands(CLI::App& app, Session& session) {
-    CLI::App* const family = app.add_subcommand("job", "Select, start and follow jobs");
+    CLI::App* const family = app.add_subcommand("job", "Select, start, stop and follow jobs");
     family->require_subcommand(1);
-    SetExamples(*family, {"job select MAIN", "job start", "job status"});
+    SetExamples(*family, {"job select MAIN", "job start", "job stop", "job status"});
     AddSelect(*family, session);
     AddStart(*family, session, "Start the selected job: MOVES THE MACHINE");
+    AddJobStop(*family, session);
     AddTaskVerb(*family, session, "status", "Show name, line, step and speed of the job that a task executes", ShowJob)
         ->alias("show");
     AddTaskVerb(*family, session, "stack", "Show the jobs on a task's call stack (newer controllers)", ShowStack);

@@ -1,4 +1,5 @@
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -6,12 +7,15 @@
 
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/program/Session.h"
 #include "cli/trajectory/TrajectoryFile.h"
 #include "cli/trajectory/TrajectoryRun.h"
 #include "cli/verbs/Commands.h"
+#include "cli/verbs/StillRunning.h"
 #include "words/text/Csv.h"
 #include "words/text/InputError.h"
+#include "words/text/Printable.h"
 #include "words/values/PositionText.h"
 
 namespace harvlink::cli {
@@ -119,14 +123,37 @@ void AddProgress(CLI::App& app, Session& session) {
     });
 }
 
+// Stopping the motion does not stop a job, and a user who types "stop" wants the machine to stand still.
+StatusInfo StopAndCheck(QuorvanController& robot, Output& output, bool clearsTargets) {
+    StatusInfo const status = StopMotion(*robot.MotionManager, clearsTargets);
+    Remains const remains = IsSilence(status) ? Remains{} : ReadRemains(robot);
+    if (status.StatusCode != 0) {
+        output.Failure(status);
+    } else if (!remains.isRunning) {
+        output.Done(status);
+    } else if (output.json) {
+        output.Show(Json{{"code", status.StatusCode}, {"message", status.Message}, {"still_running", remains.job}});
+    }
+    if (remains.isRunning && !remains.job.is_null()) {
+        output.Problem(fmt::format("the job {} still runs, at line {}; to stop it: harvlink job stop",
+                                   Printable(remains.job["name"].get<std::string>()), remains.job["line"].dump()));
+    } else if (remains.isRunning) {
+        output.Problem("the machine still runs; to hold it: harvlink hold on");
+    } else if (remains.status.StatusCode != 0) {
+        output.Failure(remains.status, "can't tell whether a job still runs");
+    }
+    return {};
+}
+
 void AddStop(CLI::App& parent, Session& session, char const* description) {
     auto keep = std::make_shared<bool>(false);
     CLI::App* const verb = parent.add_subcommand("stop", description);
     verb->add_flag("--keep-targets", *keep, "Leave the controller's targets as they are");
-    SetExamples(*verb, {"motion stop", "stop"});
+    SetExamples(*verb, {"motion stop", "stop"},
+                "A job goes on: the command says so, with exit status 1. To stop a job: harvlink job stop");
     verb->callback([keep, &session] {
         session.OnConnection(Access::Operate, [keep](QuorvanController& robot, Output& output) {
-            return output.Done(StopMotion(*robot.MotionManager, !*keep));
+            return StopAndCheck(robot, output, !*keep);
         });
     });
 }

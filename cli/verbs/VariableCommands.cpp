@@ -12,8 +12,9 @@
 #include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
 #include "cli/program/VariableAccess.h"
+#include "cli/program/Writes.h"
 #include "cli/verbs/Commands.h"
-#include "words/text/Csv.h"
+#include "cli/verbs/VariableLoad.h"
 #include "words/values/PositionText.h"
 #include "words/values/VariableFile.h"
 #include "words/values/VariableText.h"
@@ -54,17 +55,13 @@ void AddGetVariable(CLI::App& family, Session& session) {
     });
 }
 
-StatusInfo WriteAll(QuorvanController& robot, Output& output, std::vector<VariableAssignment> const& assignments) {
-    StatusInfo status;
+std::vector<PendingWrite> WritesOf(QuorvanController& robot, std::vector<VariableAssignment> const& assignments) {
+    std::vector<PendingWrite> writes;
     for (VariableAssignment const& assignment : assignments) {
-        status = WriteVariable(*robot.Variables, assignment);
-        if (status.StatusCode != 0) {
-            output.Failure(status, VariableName(assignment.address));
-            return {};
-        }
+        writes.push_back(
+            {VariableName(assignment.address), [&] { return WriteVariable(*robot.Variables, assignment); }});
     }
-    output.Show(Json{{"written", assignments.size()}});
-    return status;
+    return writes;
 }
 
 void AddSetVariable(CLI::App& family, Session& session) {
@@ -81,7 +78,9 @@ void AddSetVariable(CLI::App& family, Session& session) {
             assignments.insert(assignments.end(), range.begin(), range.end());
         }
         session.OnConnection(Access::Operate, [assignments](QuorvanController& robot, Output& output) {
-            return WriteAll(robot, output, assignments);
+            ShowReport(output, WriteEach(output, "Writing", WritesOf(robot, assignments), AfterFailure::Stop),
+                       "variable");
+            return StatusInfo{};
         });
     });
 }
@@ -165,20 +164,6 @@ void AddDump(CLI::App& family, Session& session) {
     });
 }
 
-void AddLoad(CLI::App& family, Session& session) {
-    auto path = std::make_shared<std::string>();
-    CLI::App* const verb =
-        family.add_subcommand("load", "Write the variables of a CSV file; nothing is written if a line is wrong");
-    verb->add_option("FILE", *path, "CSV with the header line variable,value")->type_name("FILE")->required();
-    SetExamples(*verb, {"var load vars.csv"}, VariableHelp);
-    verb->callback([path, &session] {
-        session.OnConnection(Access::Operate, [variables = ParseVariableFile(*path, ReadTextFile(*path))](
-                                                  QuorvanController& robot, Output& output) {
-            return WriteAll(robot, output, variables);
-        });
-    });
-}
-
 } // namespace
 
 void AddVariableCommands(CLI::App& app, Session& session) {
@@ -188,7 +173,7 @@ void AddVariableCommands(CLI::App& app, Session& session) {
     AddGetVariable(*family, session);
     AddSetVariable(*family, session);
     AddDump(*family, session);
-    AddLoad(*family, session);
+    AddVariableLoad(*family, session);
 }
 
 } // namespace harvlink::cli

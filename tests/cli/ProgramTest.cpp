@@ -200,6 +200,59 @@ TEST_F(ProgramTest, DumpsAndLoadsVariables) {
     EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[7]}; }), 9);
 }
 
+TEST_F(ProgramTest, LoadsAllThatItCanAndTellsTheRest) {
+    ScratchFolder const folder;
+    test::WriteFile("v.csv", "variable,value\nB1,1\nB2047,2\nB3,3\n");
+    std::string many = "variable,value\n";
+    for (int i = 0; i < 100; ++i) {
+        many += fmt::format("B{},1\n", i);
+    }
+    test::WriteFile("many.csv", many);
+    Result const planned = RunTool("var load v.csv --dry-run --json");
+    EXPECT_EQ(planned.exit, 1) << "B2047 is unknown";
+    EXPECT_EQ(Json::parse(planned.out),
+              Json::parse(R"({"would_change":2,"same":0,"unknown":1,"changes":[)"
+                          R"({"variable":"B1","before":0,"after":1},{"variable":"B3","before":0,"after":3}]})"));
+    struct Case {
+        char const* faults;
+        char const* line;
+        char const* input;
+        int exit;
+        Json result; ///< written, failed, not tried
+    };
+    std::array<Case, 4> const cases{{
+        {"", "var load v.csv --json", "", 1, {2, 1, 0}},
+        {"", "var load - --json", "variable,value\nB1,1\n", 0, {1, 0, 0}},
+        {"seed=3,drop=8%", "--timeout 30 --retries 0 var load many.csv --json", "", 0, {100, 0, 0}},
+        {"drop=100%", "--timeout 20 --retries 0 var load v.csv --json", "", 1, {0, 0, 3}},
+    }};
+    for (Case const& each : cases) {
+        controller_->WithFaults([&](simulator::FaultInjector& faults) {
+            simulator::FaultPlan plan;
+            EXPECT_EQ(plan.Parse(each.faults), "");
+            faults.SetPlan(plan);
+        });
+        Result const result = RunTool(each.line, each.input);
+        EXPECT_EQ(result.exit, each.exit) << each.faults << each.line << result.err;
+        Json const shown = Json::parse(result.out);
+        EXPECT_EQ(Json({shown["written"], shown["failed"], shown["not_tried"]}), each.result) << result.out;
+    }
+    EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[99]}; }), 1);
+}
+
+TEST_F(ProgramTest, TellsThatAJobRunsOnAfterAStop) {
+    ASSERT_EQ(RunTool("servo on --yes").exit, 0);
+    ASSERT_EQ(RunTool("cycle automatic").exit, 0);
+    ASSERT_EQ(RunTool("job select DEMO").exit, 0);
+    ASSERT_EQ(RunTool("job start --yes").exit, 0);
+    Result const stopped = RunTool("stop --json");
+    EXPECT_EQ(stopped.exit, 1);
+    std::string const job = Json::parse(stopped.out)["still_running"]["name"];
+    EXPECT_NE(stopped.err.find("the job " + job + " still runs, at line "), std::string::npos) << stopped.err;
+    EXPECT_EQ(RunTool("job stop").out, "OK\n");
+    EXPECT_EQ(RunTool("stop").out, "OK\n");
+}
+
 TEST_F(ProgramTest, AsksOnATerminalBeforeTheMachineMoves) {
     EXPECT_EQ(RunTool("servo on", "n\n", true).exit, 1);
     EXPECT_FALSE(With([](ControllerModel& model) { return model.state.servoOn; }));

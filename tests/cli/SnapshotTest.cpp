@@ -65,6 +65,21 @@ TEST(LineDifference, NamesTheFewestLines) {
     }
 }
 
+TEST(LineDifference, NamesTheLinesOfLongTexts) {
+    std::string before;
+    std::string other;
+    for (int line = 1; line <= 20'000; ++line) {
+        before += std::to_string(line) + "\n";
+        other += "x" + std::to_string(line) + "\n";
+    }
+    std::string after = before;
+    after.replace(after.find("\n7\n"), 3, "\nseven\n");
+    after.replace(after.find("\n19990\n"), 7, "\n");
+    std::vector<LineChange> const expected{{'-', 7, "7"}, {'+', 7, "seven"}, {'-', 19'990, "19990"}};
+    EXPECT_EQ(LineDifference(before, after), expected);
+    EXPECT_GE(LineDifference(before, other).size(), 40'000U) << "nothing is left out, and it ends";
+}
+
 class SnapshotTest : public ToolTest {
 protected:
     void Plan(Fault fault, double rate) {
@@ -180,6 +195,36 @@ TEST(Staging, PutsTheOldSnapshotBackIfTheNewOneCannotBeMoved) {
     ScratchSpace scratch(".");
     EXPECT_THROW(MoveInto("not-there", "cell", scratch), filesystem::filesystem_error);
     EXPECT_EQ(ContentOf("cell/a"), "x");
+}
+
+TEST_F(SnapshotTest, WritesBackWhatCanBeWritten) {
+    ASSERT_EQ(RunTool("var set B5=12 S1=a\\xE9 P2=base:480,0,600.5,180,0,0,tool=1").exit, 0);
+    ASSERT_EQ(RunTool("register set 5=7").exit, 0);
+    ASSERT_EQ(RunTool("io set 10010=1").exit, 0);
+    ASSERT_EQ(RunTool("snapshot save cell --var B0..9 S0..3 P0..3 --param RS0..3 --files D*.JBI RS.PRM").exit, 0);
+    ASSERT_EQ(RunTool("var set B5=13 S1=x P2=pulse:1,2,3,4,5,6").exit, 0);
+    ASSERT_EQ(RunTool("register set 5=8").exit, 0);
+    ASSERT_EQ(RunTool("io set 10010=0").exit, 0);
+    ASSERT_EQ(RunTool("files delete DEMO").exit, 0);
+    EXPECT_EQ(RunTool("snapshot restore cell").exit, 2) << "--yes is needed";
+    EXPECT_EQ(RunTool("snapshot restore cell --only parameters --yes").exit, 2);
+    Json const plan = Json::parse(RunTool("snapshot restore cell --dry-run --json").out);
+    EXPECT_EQ(plan["plan"].size(), 5U) << plan.dump(2);
+    EXPECT_EQ(plan["plan"][0]["name"], "DEMO.JBI");
+    EXPECT_EQ(plan["written"], 0);
+    EXPECT_EQ(RunTool("snapshot diff cell live").exit, 1);
+    Result const one = RunTool("snapshot restore cell --only registers --yes");
+    EXPECT_EQ(one.exit, 0) << one.err;
+    EXPECT_NE(one.out.find("5  8 -> 7\n"), std::string::npos) << one.out;
+    EXPECT_NE(one.out.find("1 of 1 written, 0 still differ\n"), std::string::npos) << one.out;
+    EXPECT_EQ(RunTool("snapshot restore cell --yes").exit, 0);
+    Json const left = Json::parse(RunTool("snapshot diff live cell --json").out);
+    ASSERT_EQ(left["changes"].size(), 1U) << "signals only if they are named";
+    Result const signals = RunTool("snapshot restore cell --only signals --yes --json");
+    EXPECT_EQ(signals.exit, 0) << signals.err;
+    EXPECT_EQ(Json::parse(signals.out)["written"], 1);
+    EXPECT_EQ(RunTool("snapshot diff cell live").exit, 0);
+    EXPECT_NE(RunTool("snapshot restore cell --yes").out.find("0 of 0 written"), std::string::npos);
 }
 
 TEST_F(SnapshotTest, OutlivesLostAnswers) {

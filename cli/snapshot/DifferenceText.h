@@ -1,0 +1,19 @@
+#pragma once
+
+#include <iosfwd>
+#include <vector>
+
+#include "cli/output/Output.h"
+#include "cli/snapshot/Difference.h"
+
+namespace harvlink::cli::snapshot {
+
+Json ChangesJson(std::vector<Change> const& list);
+
+/// {same, changes, incomplete, only_in_one}
+Json DifferenceJson(Difference const& difference);
+
+/// The changes for people, by section. Shows nothing if there are none.
+void ShowChanges(std::ostream& out, std::vector<Change> const& changes, bool hasColour);
+
+} // namespace harvlink::cli::snapshot

@@ -1,0 +1,99 @@
+#include "cli/snapshot/RestorePlan.h"
+
+#include <algorithm>
+
+#include "cli/output/Words.h"
+#include "cli/program/VariableAccess.h"
+#include "harvlink/FileInterface.h"
+#include "harvlink/IOInterface.h"
+#include "words/text/Text.h"
+#include "words/values/FileNames.h"
+#include "words/values/VariableText.h"
+
+namespace harvlink::cli::snapshot {
+
+namespace {
+
+struct AddressRange {
+    unsigned first;
+    unsigned last;
+};
+
+constexpr AddressRange OlderNetworkInputs{25'010, 29'567};
+/// Network inputs, general outputs and signals of the interface panel.
+constexpr std::array<AddressRange, 3> NewerSignals{{{27'010, 29'567}, {10'010, 15'127}, {60'010, 60'647}}};
+
+bool IsOlder(Snapshot const& live) {
+    constexpr std::array<std::string_view, 3> Older{"DS", "DN", "FS"};
+    return std::any_of(live.controller.begin(), live.controller.end(), [&](Entry const& entry) {
+        return entry.name == "generation" && std::find(Older.begin(), Older.end(), entry.value) != Older.end();
+    });
+}
+
+bool IsWritableSignal(std::string const& name, bool isOlder) {
+    auto const address = ParseNumber<unsigned>(name, "address of a signal");
+    auto const holds = [&](AddressRange range) { return address >= range.first && address <= range.last; };
+    return isOlder ? holds(OlderNetworkInputs) : std::any_of(NewerSignals.begin(), NewerSignals.end(), holds);
+}
+
+bool IsWritableFile(std::string const& name) {
+    std::vector<FileType> const kinds = KindsOf(name);
+    return kinds.size() == 1 && FileKinds.at(static_cast<std::size_t>(kinds.front())).writable;
+}
+
+bool CanBeWritten(Change const& change, bool isOlder) {
+    if (change.section == FilesSection) {
+        return IsWritableFile(change.name);
+    }
+    return change.before && (change.section != "signals" || IsWritableSignal(change.name, isOlder));
+}
+
+PendingWrite WriteOf(Change const& change, Snapshot const& saved, QuorvanController& robot) {
+    std::string const& name = change.name;
+    if (change.section == FilesSection) {
+        return {name, [&robot, name, &contents = saved.files.find(name)->second] {
+                    return robot.Files->LoadToControllerFromString(name, contents);
+                }};
+    }
+    if (change.section == "variables") {
+        VariableAddress const address = ParseVariable(name);
+        return {name, [&robot, assignment = VariableAssignment{
+                                   address, ParseVariableValue(address.kind, change.after.value_or(""))}] {
+                    return WriteVariable(*robot.Variables, assignment);
+                }};
+    }
+    if (change.section == "registers") {
+        return {"register " + name, [&robot, index = ParseNumber<std::uint16_t>(name, "register number"),
+                                     value = ParseNumber<std::uint16_t>(change.after.value_or(""), "register value")] {
+                    return robot.IO->WriteRegister(index, value);
+                }};
+    }
+    return {"signal " + name, [&robot, address = ParseNumber<unsigned>(name, "address of a signal"),
+                               isOn = change.after == "on"] { return robot.IO->WriteBit(address, isOn); }};
+}
+
+} // namespace
+
+RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<std::string_view> const& sections) {
+    RestorePlan plan;
+    std::vector<Change> const changes = Compare(live, saved).changes;
+    bool const isOlder = IsOlder(live);
+    for (std::string_view const section : sections) {
+        for (Change const& change : changes) {
+            if (change.section == section && change.after) {
+                (CanBeWritten(change, isOlder) ? plan.changes : plan.impossible).push_back(change);
+            }
+        }
+    }
+    return plan;
+}
+
+std::vector<PendingWrite> WritesOf(RestorePlan const& plan, Snapshot const& saved, QuorvanController& robot) {
+    std::vector<PendingWrite> writes;
+    for (Change const& change : plan.changes) {
+        writes.push_back(WriteOf(change, saved, robot));
+    }
+    return writes;
+}
+
+} // namespace harvlink::cli::snapshot
