@@ -97,17 +97,25 @@ struct NetworkManager::Question {
                reply.header.division == Port() && isService && reply.header.payloadSize == length - HeaderSize;
     }
 
+    /// A block of a file on its way to the controller.
+    bool SendsBlock() const {
+        return request.header.ack != 0 && Port() == Division::FileControl &&
+               asked.service == static_cast<std::uint8_t>(FileServices::LoadFile);
+    }
+
     /// Whether it answers another block of the transfer than the one that was sent or acknowledged. Number 0 says nothing,
-    /// and a refusal ends the transfer, so it can't be one of before.
-    bool AnswersOtherBlock() const {
+    /// unless the controller is known to number what it answers to blocks. A refusal ends the transfer, so it can't be one of
+    /// before.
+    bool AnswersOtherBlock(bool areAnswersNumbered) const {
         std::uint32_t const number = reply.header.blockNumber & ~LastBlockFlag;
-        if (request.header.ack == 0 || number == 0 || reply.subHeader.status != 0 ||
-            reply.subHeader.addedStatusSize != 0) {
+        if (request.header.ack == 0 || reply.subHeader.status != 0 || reply.subHeader.addedStatusSize != 0) {
             return false;
         }
-        bool const isUpload = asked.service == static_cast<std::uint8_t>(FileServices::LoadFile);
+        if (number == 0) {
+            return SendsBlock() && areAnswersNumbered;
+        }
         std::uint32_t const sent = request.header.blockNumber & ~LastBlockFlag;
-        return isUpload ? number != sent : number <= sent;
+        return SendsBlock() ? number != sent : number <= sent;
     }
 };
 
@@ -134,6 +142,9 @@ StatusInfo NetworkManager::Ask(Question& question) {
         if (!RenewIfDue(question)) {
             return NamingRule(StatusInformation(ErrorStatusCodes::SystemFailure), Rule::NewPort);
         }
+        if (question.SendsBlock() && policy.Enforces(Rule::BlockOrder)) {
+            DropWaiting(question);
+        }
         Send(question);
         if (question.isWaitedFor) {
             return WaitForAnswer(question);
@@ -158,6 +169,17 @@ bool NetworkManager::RenewIfDue(Question const& question) {
     return !isDue;
 }
 
+/// All answers to the blocks of a file have one id, and some controllers don't number them. What is there before a block
+/// leaves can't be its answer.
+void NetworkManager::DropWaiting(Question& question) {
+    constexpr int most = 64; // whoever sends more must not hold the transfer up
+    for (int i = 0; i < most && transport->Receive(question.Port(), question.reply.bytes, timeval{}).length != 0; ++i) {
+        IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
+    }
+    question.refusedBy.reset();
+    Clear(question.reply);
+}
+
 void NetworkManager::Send(Question const& question) {
     OutgoingView const& request = question.request;
     std::size_t const length = std::min(request.header.payloadSize + HeaderSize, request.bytes.size());
@@ -174,14 +196,17 @@ StatusInfo NetworkManager::WaitForAnswer(Question& question) {
     if (question.hasOwnId || policy.Enforces(Rule::SilenceIsTimeout)) {
         question.reply.header.requestId = static_cast<std::uint8_t>(~question.id);
     }
+    bool& isDue = isNewPortDue[IndexOf(question.Port())];
+    isDue = policy.Enforces(Rule::NewPort); // until it is answered, whatever ends the wait
     Outcome const outcome = Listen(question);
     if (outcome == Outcome::Answered) {
+        isDue = false;
         return TakeAnswer(question);
     }
     statistics.Add(LinkCounter::Timeouts);
     statistics.NoteSilence();
     lastAnsweredId.reset();
-    isNewPortDue[IndexOf(question.Port())] = Refuses(Rule::NewPort);
+    Refuses(Rule::NewPort);
     if (outcome == Outcome::Refused) {
         Refuses(Rule::KnownSender);
         return NamingRule(StatusInformation(ErrorStatusCodes::ControllerNotListening), Rule::KnownSender);
@@ -274,7 +299,8 @@ bool NetworkManager::IsAcceptable(Question& question, Arrival const& arrival) {
         IsRefused(question, Rule::FittingAnswer, LinkCounter::MalformedAnswers)) {
         return false;
     }
-    return !question.AnswersOtherBlock() || !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
+    return !question.AnswersOtherBlock(areUploadsNumbered) ||
+           !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
 }
 
 bool NetworkManager::IsRefused(Question& question, Rule rule, LinkCounter counter) {
@@ -304,6 +330,7 @@ StatusInfo NetworkManager::TakeAnswer(Question const& question) {
     }
     statistics.NoteAnswer(question.waited);
     lastAnsweredId = question.id;
+    areUploadsNumbered = areUploadsNumbered || (question.SendsBlock() && reply.header.blockNumber != 0);
     if (reply.header.blockNumber != 0 && question.Port() == Division::FileControl &&
         question.asked.service != static_cast<std::uint8_t>(FileServices::LoadFile)) {
         statistics.Add(LinkCounter::BlocksReceived);

@@ -127,6 +127,7 @@ private:
     void ProbeGeneration(StatusInfo& status);
     StatusInfo Ask(Question& question);
     bool RenewIfDue(Question const& question);
+    void DropWaiting(Question& question);
     void Send(Question const& question);
     StatusInfo WaitForAnswer(Question& question);
     Outcome Listen(Question& question);
@@ -157,6 +158,7 @@ private:
     std::bitset<256> usedIds;
     std::optional<std::uint8_t> lastAnsweredId; ///< of the exchange before, if it was answered
     std::array<bool, 2> isNewPortDue{}; ///< of the robot and of the file port
+    bool areUploadsNumbered = false; ///< an answer to a block of an upload has had the number of the block
     std::uint64_t idsDrawn = 0;
     std::array<std::uint64_t, 2> idsDrawnUntil{}; ///< the last exchange with an id of its own, by port
     std::uint32_t retries;

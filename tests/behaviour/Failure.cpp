@@ -27,12 +27,16 @@ Failure::Failure(Resource failing, std::size_t number) : resource(failing), left
 
 Failure::~Failure() = default;
 
-Failure::Scope::Scope(Failure* planned) {
+void Failure::Arm(Failure* planned) {
     armed = planned;
 }
 
+Failure::Scope::Scope(Failure* planned) {
+    Arm(planned);
+}
+
 Failure::Scope::~Scope() {
-    armed = nullptr;
+    Arm(nullptr);
 }
 
 NotCounted::NotCounted() {

@@ -20,6 +20,9 @@ public:
     /// False in a build whose sanitizer has taken the allocation functions.
     static bool CanFail(Resource failing);
 
+    /// Arms it on this thread, or none. It may not end before it is disarmed, or before the thread.
+    static void Arm(Failure* planned);
+
     /// Arms it for the calls of an operation alone, and not for what stands around them.
     class Scope {
     public:

@@ -93,6 +93,108 @@ TEST(Failures, OfMemoryInEveryOperation) {
     }
 }
 
+/// A point that is queued, sent and waited for, in a controller that takes or refuses it.
+struct QueuedPoint {
+    explicit QueuedPoint(std::uint16_t answerToTarget) : answer(answerToTarget) {
+        robot.machine.AnswerAll([this](unsigned command) -> std::optional<std::uint16_t> {
+            if (ofMonitor != nullptr && command != start) {
+                Failure::Arm(std::exchange(ofMonitor, nullptr));
+            }
+            return command == target ? answer : std::uint16_t{0};
+        });
+        EXPECT_EQ(motion.MotionStart().StatusCode, 0);
+        point.position.toolNumber = -1;
+    }
+
+    static constexpr std::uint16_t taken = 0, refused = 65534;
+    static constexpr unsigned start = 839, target = 842, waitMilliseconds = 20'000;
+    std::uint16_t answer;
+    Failure* ofMonitor = nullptr; ///< armed by the first exchange of the thread that sends
+    Robot robot{false, {.enforced = StrictRules}};
+    MotionManagerInterface& motion = *robot.controller->MotionManager;
+    Motion point{.controlGroup = ControlGroupId::R1, .speed = 50.0, .moveType = MoveInterpolationType::Joint};
+    std::uint64_t number = 0;
+};
+
+TEST(Failures, OfMemoryOnTheThreadThatSendsPoints) {
+    if (!Failure::CanFail(Resource::Memory)) {
+        GTEST_SKIP();
+    }
+    ScratchFolder const folder;
+    for (std::uint16_t const answer : {QueuedPoint::taken, QueuedPoint::refused}) {
+        for (std::size_t number = 1;; ++number) {
+            ASSERT_LT(number, most);
+            SCOPED_TRACE(testing::Message() << "answer " << answer << ", allocation " << number);
+            Failure failure(Resource::Memory, number);
+            QueuedPoint step(answer);
+            step.ofMonitor = &failure;
+            EXPECT_EQ(step.motion.AddPointToTrajectory(step.number, step.point).StatusCode, 0);
+            StatusInfo const status = step.motion.WaitUntilSent(step.number, QueuedPoint::waitMilliseconds);
+            TrajectoryState state;
+            EXPECT_EQ(step.motion.GetTrajectoryState(state).StatusCode, 0);
+            EXPECT_EQ(state.sent, status.StatusCode == 0 ? 1U : 0U) << status;
+            EXPECT_EQ(state.sent + state.refused, 1U);
+            step.robot.controller.reset(); // ends the thread
+            if (!failure.hasHappened) {
+                EXPECT_EQ(status.StatusCode == 0, answer == QueuedPoint::taken) << status;
+                EXPECT_TRUE(number > 1 || answer == QueuedPoint::taken) << "a failure takes memory";
+                break;
+            }
+        }
+    }
+}
+
+TEST(Failures, OfMemoryInTheOperationsOnSteps) {
+    if (!Failure::CanFail(Resource::Memory)) {
+        GTEST_SKIP();
+    }
+    ScratchFolder const folder;
+    using Call = std::function<StatusInfo(QueuedPoint&)>;
+    auto const plain = [](QueuedPoint& p) { return std::bit_cast<::Motion>(p.point); };
+    Call const calls[] = {
+        [](QueuedPoint& p) { return p.motion.AddPointToTrajectory(p.number, p.point); },
+        [](QueuedPoint& p) { return p.motion.WaitForTarget(p.number, 1, 1.0); },
+        [](QueuedPoint& p) { return p.motion.WaitUntilSent(p.number, QueuedPoint::waitMilliseconds); },
+        [](QueuedPoint& p) {
+            TrajectoryState state;
+            return p.motion.GetTrajectoryState(state);
+        },
+        [&](QueuedPoint& p) {
+            auto const point = plain(p);
+            return Take(harvlink_motion_add(&p.robot.cell, &p.number, &point, nullptr, nullptr, nullptr));
+        },
+        [](QueuedPoint& p) { return Take(harvlink_motion_wait_for_target(&p.robot.cell, p.number, 1, 1.0)); },
+        [](QueuedPoint& p) {
+            return Take(harvlink_motion_wait_until_sent(&p.robot.cell, p.number, QueuedPoint::waitMilliseconds));
+        },
+        [](QueuedPoint& p) {
+            HarvlinkTrajectoryState state{};
+            state.size = sizeof(state);
+            IStatusInfo const status = harvlink_motion_get_state(&p.robot.cell, &state);
+            std::free(state.failureMessage);
+            return Take(status);
+        },
+    };
+    for (std::uint16_t const answer : {QueuedPoint::taken, QueuedPoint::refused}) {
+        for (Call const& call : calls) {
+            for (std::size_t number = 1;; ++number) {
+                ASSERT_LT(number, most);
+                SCOPED_TRACE(testing::Message() << "call " << &call - calls << ", allocation " << number);
+                QueuedPoint step(answer);
+                EXPECT_EQ(step.motion.AddPointToTrajectory(step.number, step.point).StatusCode, 0);
+                step.motion.WaitUntilSent(step.number, QueuedPoint::waitMilliseconds);
+                Failure failure(Resource::Memory, number);
+                Failure::Arm(&failure);
+                EXPECT_NO_THROW((void)call(step));
+                Failure::Arm(nullptr);
+                if (!failure.hasHappened) {
+                    break;
+                }
+            }
+        }
+    }
+}
+
 struct OperatingTime {
     explicit OperatingTime(ConnectionPolicy const& policy) : robot(false, policy) {
         robot.machine.Play({{136, Text("2026/11/21 10:00") + Text("no time", 12)}});

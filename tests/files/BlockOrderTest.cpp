@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <bit>
+#include <deque>
 
 #include "files/FileSession.h"
 
@@ -25,6 +26,13 @@ std::string List(FileHandler& files, StatusInfo& status) {
 
 std::string Load(FileHandler& files, StatusInfo& status) {
     status = files.LoadToControllerFromString("A.DAT", std::string(500, 'x')); // two blocks
+    return "";
+}
+
+/// The answers to the first teach that the controller numbers them.
+std::string LoadTwice(FileHandler& files, StatusInfo& status) {
+    EXPECT_EQ(files.LoadToControllerFromString("A.DAT", "x").StatusCode, 0);
+    status = files.LoadToControllerFromString("B.DAT", "x");
     return "";
 }
 
@@ -107,6 +115,12 @@ std::vector<Transfer> const transfers{
      {{{}}, {{.block = 1}, {.block = 1}}, {{.status = 0x1f, .addedStatusSize = 2, .addedStatus = 57996}}},
      {0, "", 3},
      {57996, "", 3}},
+    // As designed, the doubled answer to the opening request hides that the only block was refused.
+    {"a doubled answer to an opening request",
+     LoadTwice,
+     {{{}}, {{.block = lastBlock + 1}}, {{}, {}}, {Refusal(57996)}},
+     {0, "", 4},
+     {57996, "", 4}},
     {"answers without numbers", Load, {{{}}, {{}}, {{}}}, {0, "", 3}, {0, "", 3}},
 };
 
@@ -143,6 +157,43 @@ TEST(BlockOrder, IsOnlyHeldWhereItIsEnforced) {
             auto const counts = manager->Statistics().Snapshot().ruleCounts;
             EXPECT_EQ(counts[std::countr_zero(static_cast<std::uint32_t>(Rule::BlockOrder))] > 0, way.counts);
         }
+    }
+}
+
+/// Answers at once, the opening request twice, and the block with a refusal. Nothing is numbered.
+class DoublingTransport final : public DatagramTransport {
+public:
+    void Send(Division, std::span<std::byte const> datagram) override {
+        ++sent;
+        std::vector<std::byte> answer(datagram.begin(), datagram.begin() + HeaderSize);
+        std::fill(answer.begin() + 12, answer.begin() + 16, std::byte{});
+        std::fill(answer.begin() + 24, answer.end(), std::byte{});
+        answer[25] = std::byte(sent == 3 ? 0x1f : 0);
+        waiting.insert(waiting.end(), sent == 2 ? 2 : 1, answer);
+    }
+    Arrival Receive(Division, std::span<std::byte> buffer, timeval) override {
+        if (waiting.empty()) {
+            return {};
+        }
+        auto const datagram = std::move(waiting.front());
+        waiting.pop_front();
+        std::ranges::copy(datagram, buffer.begin());
+        return datagram.size();
+    }
+
+private:
+    int sent = 0;
+    std::deque<std::vector<std::byte>> waiting;
+};
+
+TEST(BlockOrder, WhatWaitsBeforeABlockLeavesIsNotItsAnswer) {
+    for (bool const isStrict : {false, true}) {
+        StatusInfo status;
+        NetworkManager manager(std::make_unique<DoublingTransport>(), 100, 0, status,
+                               {.enforced = isStrict ? rules : NoRules});
+        FileHandler files(&manager);
+        EXPECT_EQ(files.LoadToControllerFromString("A.DAT", "x").StatusCode, isStrict ? 0x1f : 0);
+        EXPECT_EQ(manager.Statistics().Snapshot().doubledAnswers, isStrict ? 1U : 0U);
     }
 }
 
