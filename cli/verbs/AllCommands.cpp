@@ -6,6 +6,7 @@
 #include "cli/doctor/DoctorCommand.h"
 #include "cli/explain/ExplainCommand.h"
 #include "cli/program/ConfigCommand.h"
+#include "cli/recording/RecordingCommands.h"
 #include "cli/snapshot/SnapshotCommands.h"
 #include "cli/verbs/Commands.h"
 #include "cli/watch/WatchCommand.h"
@@ -28,7 +29,8 @@ std::span<AddCommands const> AllCommands() {
                                     AddDoctorCommand,
                                     AddExplainCommand,
                                     AddWatchCommand,
-                                    AddSnapshotCommands};
+                                    AddSnapshotCommands,
+                                    AddRecordingCommands};
     return All;
 }
 

@@ -23,7 +23,7 @@ class Room:
 
 FLOORS = ["status", "wire", "position"]
 DEVICES = ["variables", "io", "controller", "files", "motion", "kinematics"]
-VERBS = ["trajectory", "doctor", "explain", "watch", "snapshot", "completion"]
+VERBS = ["trajectory", "doctor", "explain", "watch", "snapshot", "recording", "completion"]
 
 ROOMS = {
     "include": Room([], {"harvlink": []}),
@@ -42,7 +42,15 @@ ROOMS = {
         "cards": ["text"],
         "settings": ["text", "values"],
     }),
-    "recording": Room(["include", "words"]),
+    "recording": Room(["include", "words"], {
+        "model": [],
+        "store": ["model"],
+        "read": ["store", "model"],
+        "write": ["read", "store", "model"],
+        "blackbox": ["write", "store", "model"],
+        "capture": ["store", "model"],
+        "fleet": ["model"],
+    }),
     "simulator": Room(["include", "src", "recording"], {
         "base": [],
         "protocol": [],
@@ -101,6 +109,8 @@ WIRE_FORMATS = re.compile(
 LIBRARIES = {
     "CLI/": ["cli/", "simulator/program/", "soak/", "tests/cli/"],
     "curses.h": ["cli/watch/"],
+    "sqlite3.h": ["recording/store/"],
+    "pcap": ["recording/capture/"],
     "toml++/": ["words/settings/", "simulator/scene/"],
     "fmt/": ["words/", "recording/", "simulator/", "cli/", "gateway/", "soak/", "fuzz/", "tests/"],
     "nlohmann/": ["words/", "simulator/control/", "recording/", "cli/", "gateway/", "soak/", "fuzz/", "benchmarks/", "tests/"],

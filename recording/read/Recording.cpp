@@ -1,0 +1,150 @@
+#include "recording/read/Recording.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "recording/read/FrameReader.h"
+#include "recording/store/Schema.h"
+
+namespace harvlink::recording {
+
+namespace {
+
+std::uint64_t SizeOf(std::filesystem::path const& path) {
+    std::error_code error;
+    auto const size = std::filesystem::file_size(path, error);
+    return error ? 0 : size;
+}
+
+/// SQLite makes files beside a recording even to read it. In a folder that can't be written, a recording that was ended
+/// well is read without them.
+Database OpenForReading(std::filesystem::path const& path) {
+    if (!std::filesystem::is_regular_file(path)) {
+        throw RecordingError(fmt::format("{}: there is no such file", path.string()));
+    }
+    Database database(path, Database::Access::Read);
+    database.Run("PRAGMA busy_timeout = 2000");
+    try {
+        CheckSchema(database);
+    } catch (RecordingError const&) {
+        if (SizeOf(path.string() + "-wal") != 0) {
+            throw;
+        }
+        Database immutable(path, Database::Access::ReadImmutable);
+        CheckSchema(immutable);
+        return immutable;
+    }
+    return database;
+}
+
+} // namespace
+
+Recording::Recording(std::filesystem::path const& path)
+    : database_(OpenForReading(path)), catalogue_(database_), readingsOfBlock_(catalogue_.blocks.size()) {
+    for (std::size_t i = 0; i < catalogue_.places.size(); ++i) {
+        readingsOfBlock_[catalogue_.places[i].block - 1].push_back(static_cast<std::uint32_t>(i + 1));
+    }
+    for (auto& readings : readingsOfBlock_) {
+        std::sort(readings.begin(), readings.end(), [this](std::uint32_t a, std::uint32_t b) {
+            return catalogue_.places[a - 1].slot < catalogue_.places[b - 1].slot;
+        });
+    }
+}
+
+RecordingInfo Recording::Info() {
+    RecordingInfo info;
+    info.version = database_.Number("PRAGMA user_version");
+    info.fileBytes = SizeOf(database_.Path());
+    info.logBytes = SizeOf(database_.Path().string() + "-wal");
+    Statement sums(database_, "SELECT count(*), min(begin_us), max(end_us), total(samples), total(item_values), "
+                              "total(events), total(gaps), total(missing) FROM segments");
+    if (sums.Step()) {
+        info.segments = sums.Integer(0);
+        info.begin = sums.Integer(1);
+        info.end = sums.Integer(2);
+        info.samples = sums.Integer(3);
+        info.values = sums.Integer(4);
+        info.events = sums.Integer(5);
+        info.gaps = sums.Integer(6);
+        info.missing = sums.Integer(7);
+    }
+    return info;
+}
+
+std::vector<Recording::Span> Recording::SegmentsOf(TimeRange const& range) {
+    std::vector<Span> spans;
+    Statement segments(database_,
+                       "SELECT first_sequence, last_sequence FROM segments WHERE begin_us < ? AND end_us >= ? "
+                       "ORDER BY id");
+    segments.Bind(0, range.end);
+    segments.Bind(1, range.begin);
+    while (segments.Step()) {
+        spans.push_back({segments.Integer(0), segments.Integer(1)});
+    }
+    return spans;
+}
+
+void Recording::ForEachChange(TimeRange const& range, bool withState, std::function<bool(Change const&)> const& use) {
+    FrameReader reader(database_, catalogue_, readingsOfBlock_);
+    std::vector<Span> spans = SegmentsOf(range);
+    if (withState) {
+        // A range may begin between two segments; the state is then what the one before it ended with.
+        Statement before(database_,
+                         "SELECT first_sequence, last_sequence FROM segments WHERE begin_us <= ? AND end_us < ? "
+                         "ORDER BY id DESC LIMIT 1");
+        before.Bind(0, range.begin);
+        before.Bind(1, range.begin);
+        Microseconds const none = std::numeric_limits<Microseconds>::min();
+        if (range.begin != none && before.Step() && (spans.empty() || before.Integer(0) < spans.front().first)) {
+            spans.insert(spans.begin(), {before.Integer(0), before.Integer(1)});
+        }
+    }
+    for (Span const& span : spans) {
+        bool const goesOn = reader.Read(span.first, span.last, [&](Change const& change) {
+            bool const isInRange =
+                change.moment.answer < range.end && (withState || change.moment.answer >= range.begin);
+            return !isInRange || use(change);
+        });
+        if (!goesOn) {
+            return;
+        }
+    }
+}
+
+std::vector<StoredEvent> Recording::Events(TimeRange const& range) {
+    std::vector<StoredEvent> events;
+    Statement row(database_, "SELECT sequence, utc_us, monotonic_us, controller, kind, before, after, code, text, card "
+                             "FROM events WHERE utc_us >= ? AND utc_us < ? ORDER BY sequence");
+    row.Bind(0, range.begin);
+    row.Bind(1, range.end);
+    while (row.Step()) {
+        auto const controller = row.Integer(3);
+        if (controller < 1 || controller > static_cast<std::int64_t>(catalogue_.controllers.size())) {
+            continue;
+        }
+        events.push_back(
+            {row.Integer(0),
+             {row.Integer(1), row.Integer(2), static_cast<std::uint32_t>(controller), row.Text(4), row.Integer(5),
+              row.Integer(6), static_cast<std::int32_t>(row.Integer(7)), row.Text(8), row.Text(9)}});
+    }
+    return events;
+}
+
+std::vector<StoredGap> Recording::Gaps(TimeRange const& range) {
+    std::vector<StoredGap> gaps;
+    Statement row(database_,
+                  "SELECT sequence, utc_us, monotonic_us, duration_us, count, reason FROM gaps WHERE utc_us >= ? "
+                  "AND utc_us < ? ORDER BY sequence");
+    row.Bind(0, range.begin);
+    row.Bind(1, range.end);
+    while (row.Step()) {
+        gaps.push_back({row.Integer(0),
+                        {row.Integer(1), row.Integer(2), row.Integer(3), static_cast<std::uint64_t>(row.Integer(4)),
+                         row.Text(5)}});
+    }
+    return gaps;
+}
+
+} // namespace harvlink::recording

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+
+namespace harvlink::recording {
+
+/// Keeps a second recorder from a file: one that is ended by any means lets go. It lies beside the file, because closing a
+/// second descriptor of the file itself would end the locks of SQLite in this process.
+class FileLock {
+public:
+    /// Throws Busy if another recorder has the file, RecordingError if the folder can't be written.
+    explicit FileLock(std::filesystem::path const& recording);
+    FileLock(FileLock const&) = delete;
+    FileLock& operator=(FileLock const&) = delete;
+    ~FileLock();
+
+private:
+    bool TryLock();
+
+    std::filesystem::path path_;
+    int descriptor_ = -1;
+};
+
+} // namespace harvlink::recording

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "recording/model/Records.h"
+#include "recording/store/Catalogue.h"
+
+namespace harvlink::recording {
+
+/// Collects the changed values of a block until its row is full, and writes the row. The values of one round share a row:
+/// that is what makes a recording small and cheap.
+class FrameWriter {
+public:
+    explicit FrameWriter(Database& database);
+
+    /// What a row says about all its values.
+    struct Head {
+        std::uint32_t block = 0;
+        int width = 0;
+        bool isPicture = false;
+        std::uint32_t reading = 0; ///< with a quality other than good: the one that it is about
+    };
+
+    /// One value of a reading, by its place in the reading.
+    using Changed = std::vector<std::pair<int, RecordedValue>>;
+
+    /// Adds what has changed of a reading, in a new row if it doesn't fit the one that is open.
+    void Add(Head const& head, int slot, RecordedReading const& reading, RecordedMoment const& moment,
+             Changed const& changed, std::int64_t& nextSequence);
+
+    /// Writes all open rows.
+    void Flush();
+
+private:
+    struct Frame {
+        Head head{};
+        std::int64_t sequence = 0; ///< 0: none is open
+        RecordedMoment first{};
+        std::vector<std::pair<int, RecordedValue>> values;
+        std::vector<std::int64_t> divisors; ///< of the values
+        std::vector<std::pair<int, std::int64_t>> times;
+        int lastSlot = -1; ///< readings come in the order of their slots; an earlier one begins the next round
+    };
+
+    static bool Fits(Frame const& frame, Head const& head, int slot, RecordedMoment const& moment);
+    void Write(Frame& frame);
+    Statement& InsertFor(int width);
+
+    Database& database_;
+    std::map<int, Statement> inserts_; ///< by width
+    std::vector<Frame> frames_; ///< by block
+};
+
+} // namespace harvlink::recording

@@ -1,0 +1,68 @@
+#include "ToolTest.h"
+#include "support/RecordedSamples.h"
+#include "support/ScratchFolder.h"
+
+namespace harvlink::cli {
+namespace {
+
+namespace store = harvlink::recording;
+
+class RecordingCommandsTest : public testing::Test {
+protected:
+    RecordingCommandsTest() {
+        store::SampleStore file("x.harvlink");
+        store::Cell const cell(file);
+        file.Begin();
+        for (int i = 0; i < 4; ++i) {
+            file.Put(store::At(i * store::Second, cell.position, {i * 0.5, -1.0}));
+        }
+        file.Put(store::RecordedEvent{store::Begin + store::Second, 78 * store::Second, cell.controller, "alarm-raised",
+                                      0, 4107, 0, "OUT OF RANGE", "Check the origin."});
+        file.Put(store::RecordedGap{store::Begin + 2 * store::Second, 79 * store::Second, 1'500'000, 42, "the disk"});
+        file.Commit();
+        file.Close();
+    }
+
+    test::ScratchFolder folder_;
+};
+
+TEST_F(RecordingCommandsTest, ShowsExportsAndCuts) {
+    Json const info = Json::parse(RunTool("recording info x.harvlink --json").out);
+    EXPECT_EQ(info["samples"], 4);
+    EXPECT_EQ(info["missing_samples"], 42);
+    EXPECT_EQ(info["controllers"][0]["items"], 4);
+    EXPECT_EQ(info["items"][0]["unit"], "mm");
+    Json const events = Json::parse(RunTool("recording events x.harvlink --json").out);
+    ASSERT_EQ(events.size(), 2);
+    EXPECT_EQ(events[0]["after"], 4107);
+    EXPECT_EQ(events[1]["event"], "gap");
+    EXPECT_EQ(RunTool("recording events x.harvlink --from +1500ms --json").out.find("alarm"), std::string::npos);
+    EXPECT_NE(RunTool("recording export x.harvlink --wide --every 1s --decimal comma").out.find("Z;1,000000;0,5;-1;;"),
+              std::string::npos);
+    EXPECT_EQ(Json::parse(RunTool("recording export x.harvlink --json --out x.csv").out)["rows"], 5);
+    EXPECT_EQ(RunTool("recording cut x.harvlink --from +1s --out y.harvlink").exit, 0);
+    EXPECT_EQ(Json::parse(RunTool("recording info y.harvlink --json").out)["samples"], 3);
+}
+
+TEST_F(RecordingCommandsTest, SaysWhatIsWrong) {
+    struct Case {
+        char const* line;
+        int exit;
+        char const* text;
+    };
+    for (Case const& wrong : {Case{"info missing.harvlink", 1, "there is no such file"},
+                              Case{"export x.harvlink --item speed", 2, "has no item 'speed'"},
+                              Case{"events x.harvlink --controller press2", 2, "has no controller 'press2'"},
+                              Case{"export x.harvlink --every 0s", 2, "more than 0"},
+                              Case{"export x.harvlink --from noon", 2, "'noon' is not a time"},
+                              Case{"cut x.harvlink --from +2s --to +1s --out z", 2, "the end must be after"},
+                              Case{"cut x.harvlink --out x.harvlink", 1, "there is a file of that name"},
+                              Case{"export x.harvlink --out /missing/x.csv", 1, "can't write"}}) {
+        Result const result = RunTool(std::string("recording ") + wrong.line);
+        EXPECT_EQ(result.exit, wrong.exit) << wrong.line;
+        EXPECT_NE(result.err.find(wrong.text), std::string::npos) << result.err;
+    }
+}
+
+} // namespace
+} // namespace harvlink::cli

@@ -1,0 +1,230 @@
+#include <cmath>
+#include <limits>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "recording/read/CsvExport.h"
+#include "recording/store/Schema.h"
+#include "recording/write/Cut.h"
+#include "recording/write/SampleStore.h"
+#include "support/RecordedSamples.h"
+#include "support/ScratchFolder.h"
+
+namespace harvlink::recording {
+namespace {
+
+class RecordingTest : public testing::Test {
+protected:
+    template <typename Fill>
+    void Record(Fill const& fill, StoreOptions const& options = {}) {
+        SampleStore store(path_, options);
+        Cell const cell(store);
+        store.Begin();
+        fill(store, cell);
+        store.Commit();
+        store.Close();
+    }
+
+    std::int64_t Number(std::string const& sql) { return Database(path_, Database::Access::Read).Number(sql); }
+
+    test::ScratchFolder folder_;
+    std::filesystem::path path_ = folder_.Path() / "x.harvlink";
+};
+
+TEST_F(RecordingTest, GivesBackExactlyWhatCameAndOnceWhatDidNotChange) {
+    std::vector<RecordedValue> const reals{0.0,
+                                           -0.0,
+                                           0.1,
+                                           -1234.567,
+                                           1e300,
+                                           std::nextafter(1.0, 2.0),
+                                           std::numeric_limits<double>::infinity(),
+                                           std::numeric_limits<double>::denorm_min(),
+                                           5.0};
+    Record([&](SampleStore& store, Cell const& cell) {
+        Microseconds time = 0;
+        for (RecordedValue const& real : reals) {
+            for (int repeat = 0; repeat < 3; ++repeat) {
+                store.Put(At(time += 1000, cell.position, {real, std::int64_t{1} << 60}));
+            }
+        }
+        store.Put(At(time += 1000, cell.job, {std::string("\xE9t\xE9\0x", 5)}));
+    });
+    auto const changes = ChangesOf(path_);
+    ASSERT_EQ(changes.size(), reals.size() + 1);
+    for (std::size_t i = 0; i < reals.size(); ++i) {
+        auto const got = std::get<double>(changes[i].values[0].second);
+        auto const put = std::get<double>(reals[i]);
+        EXPECT_TRUE(got == put && std::signbit(got) == std::signbit(put)) << i;
+        EXPECT_EQ(changes[i].values.size(), i == 0 ? 2 : 1);
+        EXPECT_EQ(changes[i].moment.answer, Begin + static_cast<Microseconds>(3 * i + 1) * 1000);
+        EXPECT_EQ(changes[i].moment.request, changes[i].moment.answer - 2000);
+    }
+    EXPECT_EQ(changes.back().values[0].second, RecordedValue(std::string("\xE9t\xE9\0x", 5)));
+}
+
+TEST_F(RecordingTest, KeepsTimesOfARoundInOneRowAndViewsAgreeWithTheReader) {
+    Record([&](SampleStore& store, Cell const& cell) {
+        store.Put(At(0, cell.position, {1.5, 2.5}));
+        auto sample = At(700, cell.number, {std::int64_t{7}});
+        sample.moment.request += 300;
+        store.Put(sample);
+        store.Put({cell.number, {RecordedQuality::Refused, 45063, Begin + 5000, Begin + 6000, 77 * Second + 6000}, {}});
+        auto late = At(9 * Second, cell.number, {std::int64_t{7}});
+        late.moment.request -= 3 * Second;
+        store.Put(late);
+    });
+    auto const changes = ChangesOf(path_);
+    ASSERT_EQ(changes.size(), 4);
+    EXPECT_EQ(changes[0].sequence, changes[1].sequence);
+    Database database(path_, Database::Access::Read);
+    Statement row(database,
+                  "SELECT request_us, answer_us, monotonic_us, quality, code, value, time FROM samples ORDER BY "
+                  "sequence, item");
+    for (Change const& change : changes) {
+        for (std::size_t i = 0; i < std::max<std::size_t>(change.values.size(), 1); ++i) {
+            ASSERT_TRUE(row.Step());
+            EXPECT_EQ(row.Integer(0), change.moment.request);
+            EXPECT_EQ(row.Integer(1), change.moment.answer);
+            EXPECT_EQ(row.Integer(2), change.moment.monotonic);
+            EXPECT_EQ(row.Integer(3), static_cast<int>(change.moment.quality));
+            EXPECT_EQ(row.Integer(4), change.moment.code);
+            EXPECT_EQ(row.Value(5), change.values.empty() ? RecordedValue() : change.values[i].second);
+        }
+    }
+    EXPECT_FALSE(row.Step());
+    EXPECT_EQ(changes[1].moment.request, Begin - 1000);
+    EXPECT_EQ(changes[2].moment.code, 45063);
+    EXPECT_EQ(changes[3].values.size(), 1); // it is known again, so it is written again
+    EXPECT_EQ(changes[3].moment.request, Begin + 6 * Second - 2000);
+}
+
+TEST_F(RecordingTest, KeepsTheOrderWhenTheClockIsSetBackAndGoesOnInAFileThatExists) {
+    constexpr Microseconds Hour = 3600 * Second;
+    Record([&](SampleStore& store, Cell const& cell) {
+        store.Put(At(0, cell.position, {1.0, 2.0}));
+        store.Put(At(Second, cell.number, {std::int64_t{1}}, Hour));
+    });
+    Record([&](SampleStore& store, Cell const& cell) { store.Put(At(100 * Second, cell.number, {std::int64_t{2}})); });
+    auto const changes = ChangesOf(path_);
+    Microseconds last = -1;
+    std::int64_t lastSequence = 0;
+    for (Change const& change : changes) {
+        EXPECT_GE(change.moment.monotonic, last);
+        EXPECT_GE(change.sequence, lastSequence);
+        last = change.moment.monotonic;
+        lastSequence = change.sequence;
+    }
+    ASSERT_EQ(changes.size(), 4); // with the picture of the second segment
+    EXPECT_TRUE(changes[1].isPicture);
+    EXPECT_EQ(changes[2].moment.answer, Begin + Second - Hour);
+    EXPECT_EQ(Number("SELECT count(*) FROM segments"), 3);
+    EXPECT_EQ(Number("SELECT count(*) FROM readings"), 3);
+}
+
+TEST_F(RecordingTest, DropsTheOldestInWholeSegmentsAndKeepsAFullPicture) {
+    constexpr std::uint64_t Most = 4 << 20;
+    SampleStore store(path_, {.maxBytes = Most});
+    Cell const cell(store);
+    for (int round = 0; round < 100; ++round) {
+        store.Begin();
+        store.Put(At(round * Second, cell.job, {std::string("CONSTANT")}));
+        for (int i = 0; i < 2000; ++i) {
+            store.Put(At(round * Second + i * 400, cell.position, {round + i * 0.1234567, 1.0}));
+        }
+        store.Commit();
+        EXPECT_LE(store.FileBytes(), Most);
+    }
+    store.Close();
+    auto const changes = ChangesOf(path_);
+    EXPECT_GT(changes.front().moment.answer, Begin + 30 * Second);
+    ASSERT_TRUE(changes.front().isPicture);
+    EXPECT_EQ(std::get<std::string>(changes[1].values[0].second), "CONSTANT");
+    EXPECT_EQ(
+        Number("SELECT count(*) FROM samples WHERE item = 'job 0.name' AND sequence = (SELECT first_sequence FROM "
+               "segments ORDER BY id LIMIT 1)"),
+        1);
+}
+
+TEST_F(RecordingTest, CutBeginsWithAllThatIsKnown) {
+    Record([&](SampleStore& store, Cell const& cell) {
+        store.Put(At(0, cell.job, {std::string("MAIN")}));
+        for (int i = 0; i < 10; ++i) {
+            store.Put(At(i * Second, cell.position, {i * 0.5, -1.0}));
+        }
+        store.Put(RecordedEvent{Begin + 5 * Second, 82 * Second, cell.controller, "servo-off", 1, 0, 0, "", ""});
+    });
+    Recording recording(path_);
+    auto const cut = folder_.Path() / "cut.harvlink";
+    Cut(recording, {Begin + 4 * Second + 1, Begin + 7 * Second}, cut);
+    auto const changes = ChangesOf(cut);
+    ASSERT_EQ(changes.size(), 4);
+    EXPECT_EQ(std::get<double>(changes[0].values[0].second), 2.0);
+    EXPECT_EQ(changes[0].moment.answer, Begin + 4 * Second + 1);
+    EXPECT_EQ(std::get<std::string>(changes[1].values[0].second), "MAIN");
+    EXPECT_EQ(std::get<double>(changes[3].values[0].second), 3.0);
+    EXPECT_EQ(Recording(cut).Events().size(), 1);
+    EXPECT_THROW(Cut(recording, {}, cut), RecordingError);
+}
+
+TEST_F(RecordingTest, ExportsRowsOrColumnsWithUnits) {
+    Record([&](SampleStore& store, Cell const& cell) {
+        store.Put(At(0, cell.position, {1.5, 2.0}));
+        store.Put(At(250'000, cell.job, {std::string("A,\"B\"")}));
+        store.Put({cell.number, {RecordedQuality::Stale, 36876, Begin, Begin + 400'000, 77 * Second + 400'000}, {}});
+        store.Put(At(600'000, cell.position, {-0.25, 2.0}));
+    });
+    std::string const t = "2026-09-21T14:13:20.";
+    struct Case {
+        CsvOptions options;
+        std::string text;
+    };
+    Recording recording(path_);
+    Case const cases[]{
+        {{},
+         "time,seconds,controller,item,unit,value,quality\n" + t +
+             "000000Z,0.000000,press1,position R1 base.x,mm,1.5,good\n" + t +
+             "000000Z,0.000000,press1,position R1 base.y,mm,2,good\n" + t +
+             "250000Z,0.250000,press1,job 0.name,,\"A,\"\"B\"\"\",good\n" + t +
+             "400000Z,0.400000,press1,register 3,,,stale\n" + t +
+             "600000Z,0.600000,press1,position R1 base.x,mm,-0.25,good\n"},
+        {{.wide = true, .every = std::chrono::milliseconds(300), .decimalComma = true, .readings = {1, 2}},
+         "time;seconds;press1 position R1 base.x [mm];press1 position R1 base.y [mm];press1 register 3\n" + t +
+             "000000Z;0,000000;1,5;2;\n" + t + "300000Z;0,300000;1,5;2;\n" + t + "600000Z;0,600000;-0,25;2;\n"},
+        {{.range = {Begin + 300'000}, .wide = true, .readings = {1, 3}},
+         "time,seconds,press1 position R1 base.x [mm],press1 position R1 base.y [mm],press1 job 0.name\n" + t +
+             "600000Z,0.000000,-0.25,2,\"A,\"\"B\"\"\"\n"},
+    };
+    for (Case const& wanted : cases) {
+        std::ostringstream out;
+        ExportCsv(recording, wanted.options, out);
+        EXPECT_EQ(out.str(), wanted.text);
+    }
+}
+
+TEST_F(RecordingTest, RefusesWhatIsNotARecordingOrNewer) {
+    Record([](SampleStore& store, Cell const& cell) { store.Put(At(0, cell.number, {std::int64_t{1}})); });
+    auto const problem = [this](std::string const& change) {
+        Database(path_, Database::Access::Write).Run(change);
+        try {
+            Recording{path_};
+        } catch (RecordingError const& error) {
+            return std::string(error.what()).substr(path_.string().size());
+        }
+        return std::string();
+    };
+    EXPECT_EQ(problem("PRAGMA user_version = 7"),
+              ": the recording has version 7 of the schema, this program reads up to version 1. Use a newer program");
+    EXPECT_THROW(SampleStore{path_}, RecordingError);
+    EXPECT_EQ(problem("PRAGMA user_version = 1; UPDATE readings SET slot = 120"),
+              ": the file is damaged: its table readings contradicts itself");
+    EXPECT_EQ(problem("PRAGMA application_id = 1"), ": this is not a recording");
+    test::WriteFile(path_, "Not a recording, but longer than the header of one, which has a hundred bytes. "
+                           "Not a recording, but longer than the header of one, which has a hundred bytes.");
+    EXPECT_THROW(Recording{path_}, RecordingError);
+    EXPECT_THROW(Recording{"missing.harvlink"}, RecordingError);
+}
+
+} // namespace
+} // namespace harvlink::recording
