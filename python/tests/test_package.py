@@ -4,8 +4,11 @@ import contextlib
 import io
 import os
 import pathlib
+import re
+import shutil
 import subprocess
 import sys
+import sysconfig
 import tempfile
 import threading
 import unittest
@@ -316,6 +319,38 @@ class InstallTest(unittest.TestCase):
                 [sys.executable, "-c", program], cwd=folder, env=environment, check=True, capture_output=True, text=True
             )
             self.assertEqual(shown.stdout, "6.0\n")
+
+    def test_a_wheel_says_where_it_runs(self):
+        program = "import native_parts, sys; print(native_parts.platform(sys.argv[1:]))"
+        environment = {**os.environ, "PYTHONPATH": str(ROOT / "python")}
+
+        def tag(*paths):
+            command = [sys.executable, "-c", program, *paths]
+            return subprocess.run(command, env=environment, check=True, capture_output=True, text=True).stdout.strip()
+
+        library, simulator = os.environ["HARVLINK_LIBRARY"], os.environ["HARVLINK_SIMULATOR"]
+        here = re.sub(r"[-.]", "_", sysconfig.get_platform())
+        self.assertEqual(tag(library, simulator), here)  # the latter needs libfmt
+        least = re.fullmatch(rf"manylinux_2_(\d+)_{here[6:]}", tag(library))[1]
+        self.assertIn(int(least), range(17, int(os.confstr("CS_GNU_LIBC_VERSION").split(".")[1]) + 1))
+        versions = subprocess.run(["readelf", "-VW", library], check=True, capture_output=True, text=True).stdout
+        self.assertGreaterEqual(int(least), max(map(int, re.findall(r"Name: GLIBC_2\.(\d+)", versions))))
+
+    def test_a_source_distribution_has_what_a_build_needs(self):
+        with tempfile.TemporaryDirectory() as folder:
+            build = [sys.executable, "-c", f"import backend; backend.build_sdist({folder!r})"]
+            subprocess.run(build, cwd=ROOT / "python", check=True, capture_output=True)
+            (archive,) = pathlib.Path(folder).iterdir()
+            shutil.unpack_archive(archive, folder)
+            (sources,) = pathlib.Path(folder).glob("harvlink-*/sources")
+            pip = [sys.executable, "-m", "pip", "--disable-pip-version-check", "install", "--quiet", "--no-index"]
+            subprocess.run(
+                [*pip, "--no-deps", "--target", f"{folder}/to", sources.parent], check=True, capture_output=True
+            )
+            self.assertTrue(pathlib.Path(folder, "to/harvlink/libharvlink.so").is_file())
+            configure = ["cmake", "-S", sources, "-B", f"{folder}/build", "-DHARVLINK_BUILD_SIMULATOR=ON"]
+            configure += ["-DHARVLINK_PORTABLE=ON", "-DHARVLINK_INSTALL=OFF"]
+            subprocess.run(configure, check=True, capture_output=True)
 
     def test_a_missing_library_is_named(self):
         environment = {**os.environ, "HARVLINK_LIBRARY": "/nowhere/libharvlink.so", "PYTHONPATH": str(ROOT / "python")}
