@@ -11,6 +11,7 @@
 #include "cli/snapshot/ParameterRange.h"
 #include "cli/snapshot/Source.h"
 #include "cli/snapshot/TableReaders.h"
+#include "harvlink/ConnectionStatistics.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
@@ -65,6 +66,9 @@ Snapshot Capture(QuorvanController& robot, std::string const& host, Selection co
                  std::filesystem::path const& scratch) {
     Progress progress(output, "Reading " + host);
     Source source(robot, progress);
+    progress.Follow([&robot, start = robot.GetConnectionStatistics().bytesReceived] {
+        return robot.GetConnectionStatistics().bytesReceived - start;
+    });
     Snapshot snapshot{.host = host,
                       .created = fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time(nullptr))),
                       .selection = selection,

@@ -33,9 +33,7 @@ constexpr int Trouble = 2;
 constexpr char const* DiffNotes = "A and B are folders of snapshots. One of them may be the word live: the controller\n"
                                   "of --host, from which the same parts are read as the snapshot has. A folder with\n"
                                   "the name live is given as ./live.\n"
-                                  "Exit status: 0 the same, 1 different, 2 something could not be compared.\n"
-                                  "With live, opening the connection clears the motion targets of a controller from\n"
-                                  "generation YA up: do not do it while another program moves the arm.";
+                                  "Exit status: 0 the same, 1 different, 2 something could not be compared.";
 
 struct DiffArguments {
     std::string before;

@@ -59,6 +59,16 @@ Table ReadTable(filesystem::path const& path) {
     return table;
 }
 
+Json ParseJson(std::string const& text) {
+    try {
+        return Json::parse(text);
+    } catch (Json::parse_error const& error) {
+        auto const end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
+        throw InputError(
+            fmt::format("{} is not valid JSON, near line {}", ManifestName, 1 + std::count(text.begin(), end, '\n')));
+    }
+}
+
 void ReadFiles(filesystem::path const& folder, Snapshot& snapshot) {
     if (!filesystem::exists(folder)) {
         return; // git does not keep empty folders
@@ -98,7 +108,7 @@ Snapshot Read(filesystem::path const& folder) {
         throw InputError(fmt::format("{} is not a snapshot: it has no {}", folder.string(), ManifestName));
     }
     try {
-        Snapshot snapshot = ParseManifest(Json::parse(ReadTextFile(path.string())));
+        Snapshot snapshot = ParseManifest(ParseJson(ReadTextFile(path.string())));
         for (auto& [section, table] : snapshot.tables) {
             table = ReadTable(folder / TableFile(section));
         }

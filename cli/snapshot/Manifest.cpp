@@ -124,8 +124,8 @@ Snapshot ParseManifest(Json const& manifest) {
             throw InputError(fmt::format("its format is {}, but this program reads format {}", version, FormatVersion));
         }
         return ParseContents(manifest);
-    } catch (Json::exception const& error) {
-        throw InputError(error.what());
+    } catch (Json::exception const&) {
+        throw InputError("snapshot.json lacks a part that every snapshot has, or has it in another form");
     }
 }
 

@@ -28,9 +28,7 @@ constexpr char const* SaveNotes =
     "could not be read are listed, and the exit status is 1. An incomplete snapshot\n"
     "never replaces another: it is written to FOLDER.incomplete instead. Variables,\n"
     "signals, registers and parameters are read from their first number to the first\n"
-    "that the controller refuses, parameters to 999 at most.\n"
-    "Opening the connection clears the motion targets of a controller from generation\n"
-    "YA up: do not save while another program moves the arm.";
+    "that the controller refuses, parameters to 999 at most.";
 
 struct SaveArguments {
     std::string folder;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <memory>
@@ -97,12 +98,22 @@ StatusInfo ReadError(ControlGroupInterface& controlGroup, ControlGroupId group, 
     return status;
 }
 
+/// A program always gets eight values; people get those of the axes that the group has.
+std::size_t ShownAxes(QuorvanController& robot, Output& output, ControlGroupId group, AxisValues const& values) {
+    std::array<char, 8> letters{};
+    bool const isKnown = !output.json && robot.ControlGroup->ReadAxisConfiguration(group, letters).StatusCode == 0;
+    auto const count = static_cast<std::size_t>(
+        std::count_if(letters.begin(), letters.end(), [](char letter) { return letter != '\0'; }));
+    return isKnown && count > 0 ? count : values.size();
+}
+
 StatusInfo ShowAxisValues(QuorvanController& robot, Output& output, ControlGroupId group, ReadAxes read) {
     AxisValues values{};
     StatusInfo status = read(*robot.ControlGroup, group, values);
     if (status.StatusCode == 0) {
         Json axes = Json::object();
-        for (std::size_t axis = 0; axis < values.size(); ++axis) {
+        std::size_t const shown = ShownAxes(robot, output, group, values);
+        for (std::size_t axis = 0; axis < shown; ++axis) {
             axes["axis_" + std::to_string(axis + 1)] = values.at(axis);
         }
         output.Show(Json{{"group", GroupName(group)}, {"axes", axes}});

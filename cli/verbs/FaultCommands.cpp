@@ -3,10 +3,13 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "cli/program/Help.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/program/Session.h"
 #include "cli/verbs/Commands.h"
 #include "harvlink/FaultInterface.h"
@@ -50,32 +53,66 @@ StatusInfo ShowActive(QuorvanController& robot, Output& output) {
 
 struct HistoryArguments {
     std::uint32_t count = 10;
-    std::string category = "major";
+    std::string category; ///< empty: all
 };
 
+/// Adds the alarms of one category to the rows.
+StatusInfo ReadHistory(QuorvanController& robot, Named<AlarmCategory> const& category, std::uint32_t count,
+                       Json& rows) {
+    auto history = std::make_unique<AlarmHistory>();
+    StatusInfo status = robot.Faults->GetAlarmHistory(category.value, count, *history);
+    if (status.StatusCode == 0) {
+        for (Json& row : AlarmRows(history->alarms)) {
+            row["category"] = category.name;
+            rows.push_back(std::move(row));
+        }
+    }
+    return status;
+}
+
+// A controller may lack a category; only if it has none of them, the command fails.
+StatusInfo ShowHistory(QuorvanController& robot, Output& output, std::vector<Named<AlarmCategory>> const& categories,
+                       std::uint32_t count) {
+    Json rows = Json::array();
+    StatusInfo refused;
+    std::size_t read = 0;
+    for (Named<AlarmCategory> const& category : categories) {
+        StatusInfo status = ReadHistory(robot, category, count, rows);
+        if (IsSilence(status)) {
+            return status;
+        }
+        read += status.StatusCode == 0 ? 1 : 0;
+        refused = status.StatusCode == 0 ? refused : status;
+    }
+    if (read == 0) {
+        return refused;
+    }
+    output.Show(rows);
+    return {};
+}
+
 void PlanHistory(Session& session, HistoryArguments const& arguments) {
-    AlarmCategory const category = ParseName(CategoryNames, arguments.category, "category of alarms");
+    std::vector<Named<AlarmCategory>> categories(CategoryNames.begin(), CategoryNames.end());
+    if (!arguments.category.empty()) {
+        AlarmCategory const wanted = ParseName(CategoryNames, arguments.category, "category of alarms");
+        std::erase_if(categories, [&](auto const& named) { return named.value != wanted; });
+    }
     session.OnConnection(Access::Observe,
-                         [category, count = arguments.count](QuorvanController& robot, Output& output) {
-                             auto history = std::make_unique<AlarmHistory>();
-                             StatusInfo status = robot.Faults->GetAlarmHistory(category, count, *history);
-                             if (status.StatusCode == 0) {
-                                 output.Show(AlarmRows(history->alarms));
-                             }
-                             return status;
+                         [categories, count = arguments.count](QuorvanController& robot, Output& output) {
+                             return ShowHistory(robot, output, categories, count);
                          });
 }
 
 void AddCategory(CLI::App& verb, HistoryArguments& arguments) {
     verb.add_option("--category", arguments.category, "Category of the history")
         ->type_name(Choices(CategoryNames))
-        ->capture_default_str();
+        ->default_str("all");
 }
 
 void AddHistory(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<HistoryArguments>();
-    CLI::App* const verb = family.add_subcommand("history", "Show the newest alarms of a category, newest first");
-    verb->add_option("COUNT", arguments->count, "The most alarms to show")
+    CLI::App* const verb = family.add_subcommand("history", "Show the newest alarms of each category, newest first");
+    verb->add_option("COUNT", arguments->count, "The most alarms to show of a category")
         ->check(CLI::Range(1U, MostHistory))
         ->capture_default_str();
     AddCategory(*verb, *arguments);

@@ -24,9 +24,9 @@ namespace {
 
 std::vector<SignalName> ParseSignals(std::vector<std::string> const& texts) {
     std::vector<SignalName> names;
-    names.reserve(texts.size());
     for (std::string const& text : texts) {
-        names.push_back(ParseSignal(text));
+        std::vector<SignalName> const range = ParseSignalRange(text);
+        names.insert(names.end(), range.begin(), range.end());
     }
     return names;
 }
@@ -47,24 +47,27 @@ StatusInfo ShowSignals(QuorvanController& robot, Output& output, std::vector<Sig
     if (resolved.StatusCode != 0) {
         return resolved;
     }
-    return ShowRows(output, signals, [&](Signal const& signal, Json& rows) {
-        bool value = false;
-        StatusInfo status = robot.IO->ReadBit(signal.address, value);
-        if (status.StatusCode == 0) {
-            Json row{{"signal", signal.name}, {"address", signal.address}};
-            // For people the same words that io set takes.
-            row.update(output.json ? Json{{"on", value}} : Json{{"state", value ? "on" : "off"}});
-            rows.push_back(std::move(row));
-        }
-        return status;
-    });
+    return ShowRows(
+        output, signals,
+        [&](Signal const& signal, Json& rows) {
+            bool value = false;
+            StatusInfo status = robot.IO->ReadBit(signal.address, value);
+            if (status.StatusCode == 0) {
+                Json row{{"signal", signal.name}, {"address", signal.address}};
+                // For people the same words that io set takes.
+                row.update(output.json ? Json{{"on", value}} : Json{{"state", value ? "on" : "off"}});
+                rows.push_back(std::move(row));
+            }
+            return status;
+        },
+        [](Signal const& signal) { return signal.name; });
 }
 
 void AddGetSignal(CLI::App& family, Session& session) {
     auto names = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("get", "Show signals; a group without a bit shows its eight");
-    verb->add_option("SIGNAL", *names, "Such as 10010 or general-output:1.0")->required();
-    SetExamples(*verb, {"io get 10010", "io get general-output:1"}, SignalHelp);
+    verb->add_option("SIGNAL", *names, "Such as 10010, 10010..10017 or general-output:1.0")->required();
+    SetExamples(*verb, {"io get 10010", "io get 10010..10037", "io get general-output:1..4"}, SignalHelp);
     verb->callback([names, &session] {
         session.OnConnection(Access::Observe,
                              [parsed = ParseSignals(*names)](QuorvanController& robot, Output& output) {
@@ -78,14 +81,17 @@ struct SignalAssignment {
     bool value = false;
 };
 
-SignalAssignment ParseSignalAssignment(std::string const& text) {
+std::vector<SignalAssignment> ParseSignalAssignment(std::string const& text) {
     auto const [name, value] = SplitAssignment(text);
-    SignalAssignment assignment{ParseSignal(name), ParseOnOff(value)};
-    if (!assignment.name.address && !assignment.name.bit) {
-        throw InputError(
-            fmt::format("'{}' is a group; name a bit, such as {}.0, or write it with io byte", name, name));
+    std::vector<SignalAssignment> assignments;
+    for (SignalName const& signal : ParseSignalRange(name)) {
+        if (!signal.address && !signal.bit) {
+            throw InputError(
+                fmt::format("'{}' is a group; name a bit, such as {}.0, or write it with io byte", name, signal.text));
+        }
+        assignments.push_back({signal, ParseOnOff(value)});
     }
-    return assignment;
+    return assignments;
 }
 
 StatusInfo SetSignals(QuorvanController& robot, Output& output, std::vector<SignalAssignment> const& assignments) {
@@ -113,7 +119,8 @@ void AddSetSignal(CLI::App& family, Session& session) {
     verb->callback([texts, &session] {
         std::vector<SignalAssignment> assignments;
         for (std::string const& text : *texts) {
-            assignments.push_back(ParseSignalAssignment(text));
+            std::vector<SignalAssignment> const range = ParseSignalAssignment(text);
+            assignments.insert(assignments.end(), range.begin(), range.end());
         }
         session.OnConnection(Access::Operate, [assignments](QuorvanController& robot, Output& output) {
             return SetSignals(robot, output, assignments);
@@ -154,21 +161,24 @@ Access AccessFor(std::vector<GroupRequest<Value>> const& requests) {
 
 template <typename Value>
 StatusInfo ShowGroups(QuorvanController& robot, Output& output, std::vector<GroupRequest<Value>> const& requests) {
-    return ShowRows(output, requests, [&](GroupRequest<Value> const& request, Json& rows) {
-        unsigned address = 0;
-        Value value{};
-        StatusInfo status = ResolveGroup(*robot.IO, request.name, address);
-        if (status.StatusCode == 0) {
-            status = Exchange(*robot.IO, address, request.write, value);
-        }
-        if (status.StatusCode == 0) {
-            rows.push_back({{"group", request.name.text},
-                            {"address", address},
-                            {"value", value},
-                            {"binary", fmt::format("{:0{}b}", value, 8 * sizeof(Value))}});
-        }
-        return status;
-    });
+    return ShowRows(
+        output, requests,
+        [&](GroupRequest<Value> const& request, Json& rows) {
+            unsigned address = 0;
+            Value value{};
+            StatusInfo status = ResolveGroup(*robot.IO, request.name, address);
+            if (status.StatusCode == 0) {
+                status = Exchange(*robot.IO, address, request.write, value);
+            }
+            if (status.StatusCode == 0) {
+                rows.push_back({{"group", request.name.text},
+                                {"address", address},
+                                {"value", value},
+                                {"binary", fmt::format("{:0{}b}", value, 8 * sizeof(Value))}});
+            }
+            return status;
+        },
+        [](GroupRequest<Value> const& request) { return request.name.text; });
 }
 
 template <typename Value>
@@ -277,14 +287,17 @@ void AddRegisterGet(CLI::App& family, Session& session) {
     verb->callback([texts, &session] {
         session.OnConnection(Access::Observe,
                              [registers = ParseRegisters(*texts)](QuorvanController& robot, Output& output) {
-                                 return ShowRows(output, registers, [&](unsigned short index, Json& rows) {
-                                     unsigned short value = 0;
-                                     StatusInfo status = robot.IO->ReadRegister(index, value);
-                                     if (status.StatusCode == 0) {
-                                         rows.push_back({{"register", index}, {"value", value}});
-                                     }
-                                     return status;
-                                 });
+                                 return ShowRows(
+                                     output, registers,
+                                     [&](unsigned short index, Json& rows) {
+                                         unsigned short value = 0;
+                                         StatusInfo status = robot.IO->ReadRegister(index, value);
+                                         if (status.StatusCode == 0) {
+                                             rows.push_back({{"register", index}, {"value", value}});
+                                         }
+                                         return status;
+                                     },
+                                     [](unsigned short index) { return fmt::format("register {}", index); });
                              });
     });
 }

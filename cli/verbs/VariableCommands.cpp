@@ -1,14 +1,17 @@
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "cli/output/Progress.h"
 #include "cli/output/Rows.h"
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
 #include "cli/program/VariableAccess.h"
@@ -26,16 +29,19 @@ namespace {
 constexpr std::uint16_t HighestIndex = 2048;
 
 StatusInfo ShowVariables(QuorvanController& robot, Output& output, std::vector<VariableAddress> const& addresses) {
-    return ShowRows(output, addresses, [&](VariableAddress address, Json& rows) {
-        VariableValue value;
-        StatusInfo status = ReadVariable(*robot.Variables, address, value);
-        if (status.StatusCode == 0) {
-            bool const isPosition = std::holds_alternative<PositionData>(value) && !output.json;
-            rows.push_back({{"variable", VariableName(address)},
-                            {"value", isPosition ? Json(FormatVariableValue(value)) : VariableValueJson(value)}});
-        }
-        return status;
-    });
+    return ShowRows(
+        output, addresses,
+        [&](VariableAddress address, Json& rows) {
+            VariableValue value;
+            StatusInfo status = ReadVariable(*robot.Variables, address, value);
+            if (status.StatusCode == 0) {
+                bool const isPosition = std::holds_alternative<PositionData>(value) && !output.json;
+                rows.push_back({{"variable", VariableName(address)},
+                                {"value", isPosition ? Json(FormatVariableValue(value)) : VariableValueJson(value)}});
+            }
+            return status;
+        },
+        VariableName);
 }
 
 void AddGetVariable(CLI::App& family, Session& session) {
@@ -92,10 +98,13 @@ struct DumpArguments {
 };
 
 // A kind ends at the first index that the controller does not have.
-StatusInfo ReadKind(VariablesInterface& variables, VariableKind kind, std::vector<VariableAssignment>& read) {
+StatusInfo ReadKind(VariablesInterface& variables, VariableKind kind, Progress& progress,
+                    std::vector<VariableAssignment>& read) {
     for (std::uint16_t index = 0; index <= HighestIndex; ++index) {
         VariableAssignment variable{{kind, index}, {}};
-        StatusInfo status = ReadVariable(variables, variable.address, variable.value);
+        StatusInfo status =
+            ReadRepeatedly(progress, fmt::format("Reading {}, {} read", VariableName(variable.address), read.size()),
+                           [&] { return ReadVariable(variables, variable.address, variable.value); });
         if (status.StatusCode == static_cast<int>(ErrorStatusCodes::InvalidVariableIndex)) {
             break;
         }
@@ -120,12 +129,14 @@ void WriteDump(Output& output, std::string const& path, bool force, std::vector<
 StatusInfo Dump(QuorvanController& robot, Output& output, std::vector<VariableKind> const& kinds,
                 std::string const& path, bool force) {
     std::vector<VariableAssignment> variables;
+    std::optional<Progress> progress(std::in_place, output, "Reading");
     for (VariableKind const kind : kinds) {
-        StatusInfo status = ReadKind(*robot.Variables, kind, variables);
+        StatusInfo status = ReadKind(*robot.Variables, kind, *progress, variables);
         if (status.StatusCode != 0) {
             return status;
         }
     }
+    progress.reset();
     WriteDump(output, path, force, variables);
     return {};
 }

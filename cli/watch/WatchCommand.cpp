@@ -32,9 +32,8 @@ using std::chrono::milliseconds;
 constexpr std::size_t PlainColumns = 80;
 
 constexpr char const* WatchNotes =
-    "Key q or Ctrl-C quits. No key changes anything on the controller. But opening the\n"
-    "connection clears the motion targets of a controller from generation YA up, as every\n"
-    "command does: do not start watch while another program moves the arm.\n"
+    "Key q or Ctrl-C quits; arrows, page keys, Home and End scroll what does not fit. No key changes\n"
+    "anything on the controller, and watch sends nothing but reads.\n"
     "If the controller stops answering, the screen says so, and watch asks until it answers\n"
     "again. With --json each reading prints one line.";
 
@@ -56,7 +55,8 @@ Selection ParseSelection(WatchArguments const& arguments) {
         selection.variables.insert(selection.variables.end(), range.begin(), range.end());
     }
     for (std::string const& name : arguments.signals) {
-        selection.signals.push_back(ParseSignal(name));
+        std::vector<SignalName> const range = ParseSignalRange(name);
+        selection.signals.insert(selection.signals.end(), range.begin(), range.end());
     }
     return selection;
 }
@@ -135,7 +135,8 @@ void AddWatchCommand(CLI::App& app, Session& session) {
     verb->add_option("--group", arguments->groups, "Control groups")->type_name("GROUP")->default_str("R1");
     verb->add_option("--var", arguments->variables, "Variables and ranges, such as B5 S4 P12 B0..B9")
         ->type_name("VARIABLE");
-    verb->add_option("--io", arguments->signals, "Signals, such as 10010 or general-output:1")->type_name("SIGNAL");
+    verb->add_option("--io", arguments->signals, "Signals and ranges, such as 10010, 10010..10017 or general-output:1")
+        ->type_name("SIGNAL");
     verb->add_option("--interval", arguments->interval, "Milliseconds between two readings")
         ->check(CLI::Range(1U, 3'600'000U))
         ->type_name("MS")

@@ -34,7 +34,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         char const* out; ///< a part of the output
         char const* err;
     };
-    std::array<Case, 96> const cases{{
+    std::array<Case, 104> const cases{{
         {"status", 0, "Servo on  no\n", ""},
         {"--json status", 0, "\"servo_on\": false", ""},
         {"info robot7", 1, "", "Code (45063): The system ID requested is invalid\n"},
@@ -93,7 +93,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"param RS22 11:33", 0, "RS22", ""},
         {"param S1C400", 1, "", "Code (196626): "},
         {"times application --application 2", 1, "", "Code (45062): "},
-        {"torque R1", 0, "Axis 8", ""},
+        {"torque R1", 0, "Axis 6  ", ""},
         {"position-error R1 --json", 0, "\"axis_8\": 0", ""},
         {"position R1 --coordinate user:256", 2, "", "must be from 1 to 63"},
         {"io byte 10010=0x0F 10020", 0, "", ""},
@@ -130,6 +130,14 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"files cat DEMO.JBI --json", 0, "\"contents\": ", ""},
         {"files delete NONE", 1, "", "NONE.JBI: Code ("},
         {"files list D*.JBI", 0, "DEMO.JBI", ""},
+        {"var get B1..B3 B2047 B4", 1, "B3", "B2047: Code (196616): "},
+        {"io get 10015..10021", 0, "10017     10017  off\n10020     10020  ", ""},
+        {"io get general-output:1..2", 0, "general-output:2.7", ""},
+        {"io set general-output:1.0..3=on", 0, "Written  4\n", ""},
+        {"io get 10017..10010", 2, "", "'10017..10010' is not a range of signals such as 10010..10017"},
+        {"alarms history --category minor --json", 0, "[]\n", ""},
+        {"var load /", 2, "", "harvlink: can't read /: it is a folder"},
+        {"var load none.csv", 2, "", "can't read none.csv: No such file or directory"},
         {"--version", 0, "harvlink 1.1.3\n", ""},
     }};
     for (Case const& expected : cases) {

@@ -182,7 +182,9 @@ TEST_F(SnapshotTest, LosesNothing) {
     EXPECT_EQ(RunTool("snapshot diff live live").exit, 2);
     for (char const* const manifest : {"{}", "x", R"({"format":"harvlink-snapshot","format_version":99})"}) {
         test::WriteFile("mixed/snapshot.json", manifest);
-        EXPECT_EQ(RunTool("snapshot show mixed").exit, 2) << manifest;
+        Result const shown = RunTool("snapshot show mixed");
+        EXPECT_EQ(shown.exit, 2) << manifest;
+        EXPECT_EQ(shown.err.find("json.exception"), std::string::npos) << shown.err;
     }
     EXPECT_EQ(RunTool("snapshot diff cell cell").exit, 0);
     EXPECT_EQ(std::distance(filesystem::directory_iterator("."), {}), 5) << "no scratch folder is left";

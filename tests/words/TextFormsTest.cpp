@@ -271,5 +271,24 @@ TEST(Encoding, GivesEveryByteBack) {
     EXPECT_THROW(TextEncoding("ebcdic"), InputError);
 }
 
+TEST(Csv, MayBeSeparatedBySemicolons) {
+    auto const variables =
+        ParseVariableFile("v", "# made by a spreadsheet, with care\nvariable;value\nB1;2\nS1;\"a;b,c\"\n");
+    ASSERT_EQ(variables.size(), 2U);
+    EXPECT_EQ(std::get<std::string>(variables[1].value), "a;b,c");
+    for (auto const& [text, part] : std::array<std::pair<char const*, char const*>, 2>{
+             {{"variable;value\nR1;0,5\n", "v:2: '0,5' is not a valid real number; the decimal sign is a point"},
+              {"variable,value\nB1;2\n", "v:2: 1 cells instead of 2; the header line separates them by a comma"}}}) {
+        try {
+            ParseVariableFile("v", text);
+            ADD_FAILURE() << text;
+        } catch (InputError const& error) {
+            EXPECT_STREQ(error.what(), part);
+        }
+    }
+    std::string const commented = FormatVariableFile({{{VariableKind::String, 1}, std::string("#1")}});
+    EXPECT_EQ(std::get<std::string>(ParseVariableFile("v", commented)[0].value), "#1");
+}
+
 } // namespace
 } // namespace harvlink::words

@@ -1,8 +1,11 @@
 #include "words/text/Csv.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -15,9 +18,21 @@ namespace {
 
 constexpr std::size_t MostFaultsShown = 20;
 
+/// Where a comma is the decimal sign, spreadsheets separate cells by semicolons. The header line tells.
+char SeparatorOf(std::string_view text) {
+    for (std::string_view const line : Split(text, '\n')) {
+        bool const isHeader = !line.starts_with('#') && !TrimBlanks(line).empty();
+        if (isHeader) {
+            return line.find(';') != line.npos && line.find(',') == line.npos ? ';' : ',';
+        }
+    }
+    return ',';
+}
+
 class CsvReader {
 public:
-    CsvReader(std::string const& file, std::string_view text) : file_(file), text_(text) {}
+    CsvReader(std::string const& file, std::string_view text)
+        : file_(file), text_(text), separator_(SeparatorOf(text)), cellEnd_{separator_, '\n'} {}
 
     std::vector<CsvRow> Read() {
         std::vector<CsvRow> rows;
@@ -45,7 +60,7 @@ private:
         bool more = true;
         while (more) {
             row.cells.push_back(ReadCell());
-            more = at_ < text_.size() && text_[at_] == ',';
+            more = at_ < text_.size() && text_[at_] == separator_;
             at_ += at_ < text_.size() ? 1 : 0;
         }
         ++line_;
@@ -58,7 +73,7 @@ private:
             at_ = start + 1;
             return ReadQuoted();
         }
-        std::size_t const end = std::min(text_.find_first_of(",\n", at_), text_.size());
+        std::size_t const end = std::min(text_.find_first_of(cellEnd_, at_), text_.size());
         std::string_view const cell = text_.substr(at_, end - at_);
         at_ = end;
         return std::string(TrimBlanks(cell));
@@ -82,7 +97,7 @@ private:
 
     std::string FinishQuoted(std::string cell) {
         ++at_;
-        std::size_t const end = std::min(text_.find_first_of(",\n", at_), text_.size());
+        std::size_t const end = std::min(text_.find_first_of(cellEnd_, at_), text_.size());
         if (!TrimBlanks(text_.substr(at_, end - at_)).empty()) {
             throw InputError(fmt::format("{}:{}: text after a closing quote", file_, line_));
         }
@@ -92,6 +107,8 @@ private:
 
     std::string const& file_;
     std::string_view text_;
+    char separator_;
+    std::string cellEnd_;
     std::size_t at_ = 0;
     std::size_t line_ = 1;
 };
@@ -140,12 +157,21 @@ void ForEachRow(std::string const& file, std::vector<CsvRow> const& rows,
 }
 
 std::string ReadTextFile(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(file), {});
-    if (!file.is_open() || file.bad()) {
-        throw InputError(fmt::format("can't read {}", path));
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        throw InputError(fmt::format("can't read {}: it is a folder", path));
     }
-    return text;
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    if (file.is_open() && file.peek() != std::ifstream::traits_type::eof()) {
+        text << file.rdbuf();
+    }
+    if (!file.is_open() || file.bad() || text.fail()) {
+        std::string const reason = errno == 0 ? "" : ": " + std::generic_category().message(errno);
+        throw InputError(fmt::format("can't read {}{}", path, reason));
+    }
+    return text.str();
 }
 
 } // namespace harvlink::words

@@ -13,7 +13,7 @@ struct CsvRow {
     std::vector<std::string> cells;
 };
 
-/// Reads comma separated values: cells may be quoted, with "" for a quote and with line ends inside. Blanks around bare
+/// Reads comma separated values, or values separated by semicolons if the first line has these and no comma. Cells may be quoted, with "" for a quote and with line ends inside. Blanks around bare
 /// cells, empty lines, lines that begin with '#' and a byte order mark are skipped. Throws InputError, naming `file`.
 std::vector<CsvRow> ParseCsv(std::string const& file, std::string_view text);
 

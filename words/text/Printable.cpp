@@ -4,6 +4,7 @@
 #include <array>
 #include <clocale>
 #include <cwchar>
+#include <iterator>
 #include <utility>
 
 #include <fmt/format.h>
@@ -78,7 +79,7 @@ std::string PrintableLines(std::string_view text) {
     std::string printable;
     ForEachUtf8Character(text, [&](Utf8Character const& character) {
         bool const isLineEnd = character.bytes == "\r" && character.bytes.data() + 1 != text.data() + text.size() &&
-                               character.bytes.data()[1] == '\n';
+                               *std::next(character.bytes.data()) == '\n';
         if (character.bytes == "\n" || character.bytes == "\t") {
             printable += character.bytes;
         } else if (!isLineEnd) {

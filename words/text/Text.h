@@ -61,7 +61,9 @@ Number ParseNumber(std::string_view text, std::string_view what) {
                 : fmt::format("{} {} is out of range", what, text));
     }
     if (result.ec != std::errc{} || !whole) {
-        throw InputError(fmt::format("'{}' is not a valid {}", text, what));
+        bool const hasComma = std::floating_point<Number> && text.find(',') != std::string_view::npos;
+        throw InputError(
+            fmt::format("'{}' is not a valid {}{}", text, what, hasComma ? "; the decimal sign is a point" : ""));
     }
     if constexpr (std::floating_point<Number>) {
         if (!std::isfinite(number)) {

@@ -12,6 +12,8 @@ namespace harvlink::words {
 namespace {
 
 constexpr unsigned BitsOfGroup = 8;
+constexpr unsigned HighestAddress = 99'999;
+constexpr unsigned HighestGroup = 999;
 
 constexpr std::array<Named<IOType>, 12> ClassNames{{{"general-input", IOType::GeneralInput},
                                                     {"general-output", IOType::GeneralOutput},
@@ -49,6 +51,29 @@ SignalName ParseSignal(std::string_view text) {
         name.bit = ParseNumber<std::uint8_t>(place.substr(dot + 1), "bit number");
     }
     return name;
+}
+
+std::vector<SignalName> ParseSignalRange(std::string_view text) {
+    std::size_t const dots = text.find("..");
+    std::vector<SignalName> names{ParseSignal(text.substr(0, dots))};
+    if (dots == std::string_view::npos) {
+        return names;
+    }
+    SignalName const first = names.front();
+    auto const last = ParseNumber<unsigned>(text.substr(dots + 2), "end of a range of signals");
+    unsigned const start = first.address ? *first.address : first.bit ? *first.bit : first.group;
+    unsigned const most = first.address ? HighestAddress : first.bit ? BitsOfGroup - 1 : HighestGroup;
+    if (last < start || last > most) {
+        throw InputError(fmt::format("'{}' is not a range of signals such as 10010..10017", text));
+    }
+    std::size_t const separator = first.text.find_last_of(":.");
+    std::string const before = first.address ? "" : first.text.substr(0, separator + 1);
+    for (unsigned number = start + 1; number <= last; ++number) {
+        if (!first.address || number % 10 < BitsOfGroup) {
+            names.push_back(ParseSignal(fmt::format("{}{}", before, number)));
+        }
+    }
+    return names;
 }
 
 StatusInfo ResolveSignals(IOInterface& io, SignalName const& name, std::vector<Signal>& signals) {

@@ -13,7 +13,8 @@ namespace harvlink::words {
 
 inline constexpr char const* SignalHelp =
     "A signal is named by its address, such as 10010, or by class, group and bit, such as\n"
-    "general-output:1.0; a byte or word by the address of its first signal or by class and\n"
+    "general-output:1.0; a range is written 10010..10027, general-output:1.0..3 or\n"
+    "general-output:1..4; a byte or word by the address of its first signal or by class and\n"
     "group, such as general-output:1. Classes: general-input, general-output, external-input,\n"
     "external-output, network-input, network-output, specific-input, specific-output,\n"
     "interface-panel-input, auxiliary-relay, robot-control-status, pseudo-input.";
@@ -28,6 +29,10 @@ struct SignalName {
 };
 
 SignalName ParseSignal(std::string_view text);
+
+/// A signal, or all of a range: addresses as "10010..10027", of which those exist that do not end in 8 or 9, bits as
+/// "general-output:1.0..3", or groups as "general-output:1..4".
+std::vector<SignalName> ParseSignalRange(std::string_view text);
 
 struct Signal {
     std::string name; ///< as the user named it, with its bit

@@ -14,7 +14,9 @@ bool IsHeader(CsvRow const& row) {
 
 VariableAssignment ReadRow(CsvRow const& row) {
     if (row.cells.size() != 2) {
-        throw InputError(fmt::format("{} cells instead of 2", row.cells.size()));
+        bool const isOtherSeparator = row.cells.size() == 1 && row.cells[0].find(';') != std::string::npos;
+        throw InputError(fmt::format("{} cells instead of 2{}", row.cells.size(),
+                                     isOtherSeparator ? "; the header line separates them by a comma" : ""));
     }
     VariableAddress const address = ParseVariable(row.cells[0]);
     return {address, ParseVariableValue(address.kind, row.cells[1])};
