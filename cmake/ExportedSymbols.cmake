@@ -16,6 +16,7 @@ function(harvlink_limit_exports target)
             harvlink::AxisIndex::operator*;
             harvlink::KinematicsInterface::CheckInputCartPosParams*;
             harvlink::QuorvanController::GetConnectionStatistics*;
+            harvlink::Fleet::*;
             "harvlink::Connect(harvlink::ConnectOptions const&, harvlink::StatusInfo&)";
         };
     local: *;

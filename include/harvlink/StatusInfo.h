@@ -70,6 +70,10 @@ enum class ErrorStatusCodes : std::int32_t {
     WaitTimedOut = 0x50010, ///< what was waited for did not happen in the given time
     UnknownStep = 0x50011, ///< no step of this number was queued
     NameNotResolved = 0x50012, ///< the system has no IPv4 address for the name of the controller
+
+    // Of fleets, see Fleet.h.
+    InvalidFleet = 0x50013, ///< a name, an address, an option, a group or an item of a fleet is not valid
+    UnknownFleetController = 0x50014, ///< the fleet has no controller of this name
 };
 
 /// The result of every operation. Compare `StatusCode`, show `Message`.

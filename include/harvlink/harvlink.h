@@ -12,6 +12,7 @@
 #include "harvlink/ControllerVersion.h"
 #include "harvlink/FaultInterface.h"
 #include "harvlink/FileInterface.h"
+#include "harvlink/Fleet.h"
 #include "harvlink/FrameMath.h"
 #include "harvlink/IOInterface.h"
 #include "harvlink/JobInterface.h"

@@ -1,10 +1,10 @@
 #include <chrono>
 #include <memory>
 
-#include "connection/HostName.h"
 #include "connection/QuorvanControllerImplementation.h"
 #include "harvlink/ConnectOptions.h"
 #include "status/ExceptionStatus.h"
+#include "wire/HostName.h"
 #include "wire/UdpTransport.h"
 
 namespace harvlink {

@@ -19,6 +19,8 @@ constexpr auto rows = SortRows(std::to_array<StatusText<std::int32_t>>({
     {0x50010, "It did not happen in the given time."},
     {0x50011, "No step of this number was queued."},
     {0x50012, "The name of the controller could not be resolved."},
+    {0x50013, "The fleet can't be watched like this."},
+    {0x50014, "The fleet has no controller of this name."},
 }));
 
 } // namespace

@@ -1,11 +1,11 @@
 #include <algorithm>
-#include <bit>
 #include <chrono>
 #include <cstring>
 #include <mutex>
 #include <system_error>
 #include <utility>
 
+#include "wire/FittingAnswer.h"
 #include "wire/MinimumAccess.h"
 #include "wire/NetworkManager.h"
 
@@ -20,7 +20,6 @@ using std::chrono::microseconds;
 using std::chrono::nanoseconds;
 
 constexpr int systemTimeoutError = 10060;
-constexpr std::uint8_t answerFlag = 0x80; ///< a controller sets it in the service that it answers
 
 StatusInfo StatusOf(std::system_error const& error) {
     if (error.code().value() == systemTimeoutError) {
@@ -33,11 +32,6 @@ SubHeaderForSending SubHeaderOf(OutgoingView const& request) {
     SubHeaderForSending subHeader;
     std::memcpy(&subHeader, request.bytes.data() + sizeof(CommonHeader), sizeof(subHeader));
     return subHeader;
-}
-
-bool IsMagic(CommonHeader const& header) {
-    // Compared as one number: arrays would be compared by a call of the C library.
-    return std::bit_cast<std::uint32_t>(header.magic) == std::bit_cast<std::uint32_t>(CommonHeader{}.magic);
 }
 
 /// As constructed, so that a datagram that does not count leaves nothing behind, such as a last block.
@@ -89,34 +83,18 @@ struct NetworkManager::Question {
     /// What writes, moves or acknowledges must not act twice.
     bool IsRepeatable() const { return request.header.ack == 0 && OnlyReads(Port(), Command(), asked.service); }
 
-    bool FitsRequest(std::size_t length) const {
-        std::uint8_t const service = reply.subHeader.service;
-        // Some controllers answer with the service as it was asked.
-        bool const isService = service == asked.service || service == (asked.service | answerFlag);
-        return length >= HeaderSize && IsMagic(reply.header) && reply.header.headerSize == HeaderSize &&
-               reply.header.division == Port() && isService && reply.header.payloadSize == length - HeaderSize;
-    }
+    bool IsFitting(std::size_t length) const { return FitsRequest(AskedNow(), AnswerOf(length)); }
 
     /// A block of a file on its way to the controller.
-    bool SendsBlock() const {
-        return request.header.ack != 0 && Port() == Division::FileControl &&
-               asked.service == static_cast<std::uint8_t>(FileServices::LoadFile);
+    bool SendsBlock() const { return IsBlockSent(AskedNow()); }
+
+    bool IsOfOtherBlock(std::size_t length, bool areUploadsNumbered) const {
+        return AnswersOtherBlock(AskedNow(), AnswerOf(length), areUploadsNumbered);
     }
 
-    /// Whether it answers another block of the transfer than the one that was sent or acknowledged. Number 0 says nothing,
-    /// unless the controller is known to number what it answers to blocks. A refusal ends the transfer, so it can't be one of
-    /// before.
-    bool AnswersOtherBlock(bool areAnswersNumbered) const {
-        std::uint32_t const number = reply.header.blockNumber & ~LastBlockFlag;
-        if (request.header.ack == 0 || reply.subHeader.status != 0 || reply.subHeader.addedStatusSize != 0) {
-            return false;
-        }
-        if (number == 0) {
-            return SendsBlock() && areAnswersNumbered;
-        }
-        std::uint32_t const sent = request.header.blockNumber & ~LastBlockFlag;
-        return SendsBlock() ? number != sent : number <= sent;
-    }
+private:
+    Asked AskedNow() const { return {request.header, asked}; }
+    Answer AnswerOf(std::size_t length) const { return {reply.header, reply.subHeader, length}; }
 };
 
 StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, std::optional<unsigned char> requestId,
@@ -295,11 +273,11 @@ bool NetworkManager::IsAcceptable(Question& question, Arrival const& arrival) {
         CountStray(question, arrival);
         return true;
     }
-    if (!question.FitsRequest(arrival.length) &&
+    if (!question.IsFitting(arrival.length) &&
         IsRefused(question, Rule::FittingAnswer, LinkCounter::MalformedAnswers)) {
         return false;
     }
-    return !question.AnswersOtherBlock(areUploadsNumbered) ||
+    return !question.IsOfOtherBlock(arrival.length, areUploadsNumbered) ||
            !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
 }
 
@@ -377,10 +355,7 @@ void NetworkManager::NoteLossOfStartUp(StatusInfo const& status) {
 }
 
 StatusInfo NetworkManager::CheckHeader(SubHeaderForReceiving const& subHeader) const {
-    if (subHeader.status == 0 && subHeader.addedStatusSize == 0) {
-        return StatusInformation(ErrorStatusCodes::Ok);
-    }
-    return StatusInformation(subHeader.addedStatus != 0 ? int{subHeader.addedStatus} : int{subHeader.status});
+    return StatusInformation(AnsweredCode(subHeader));
 }
 
 std::uint8_t NetworkManager::GetNewRequestId() {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <string_view>
 
 #include "status/HarvlinkLogger.h"
 #include "wire/SystemInfoMessage.h"
@@ -12,12 +11,6 @@ namespace harvlink {
 namespace {
 
 constexpr std::uint16_t generationProbeInstance = 11;
-
-ControllerVersion GenerationOf(std::string_view softwareVersion) {
-    auto const generation =
-        std::ranges::find(ControllerGenerations, softwareVersion.substr(0, 2), &ControllerGeneration::letters);
-    return generation == ControllerGenerations.end() ? ControllerVersion::VersionUnknown : generation->version;
-}
 
 UdpTransport::Peers PeersOf(ConnectionPolicy const& policy) {
     if (policy.Enforces(Rule::KnownSender)) {
@@ -54,8 +47,7 @@ void NetworkManager::ProbeGeneration(StatusInfo& status) {
     auto const reply = SimpleRequest<SystemInfoReturnMsg>(generationProbeInstance, CommandNumber::SystemInformationRead,
                                                           status, FixedField::WholeRecord, ServiceReadAll);
     if (status.StatusCode == 0) {
-        auto const& field = reply.payload.softwareVersion;
-        controllerVersion = GenerationOf({field.begin(), std::ranges::find(field, '\0')});
+        controllerVersion = GenerationOf(reply.payload);
     }
 }
 

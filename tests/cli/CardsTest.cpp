@@ -343,6 +343,9 @@ TEST(Cards, SayWhatTheLibraryRefuses) {
         {"0x50011", "higher than that of the last step",
          CALL(rig->MotionManager->WaitUntilSent(2, 0))},
         {"0x50012", "know no IPv4 address", Observe(test::UnknownName()), Observe("localhost")},
+        {"0x50013", "out of range", [](Rig&) { return Fleet().Add("press", {.address = "127.0.0.1"}, {}); },
+         [](Rig&) { return Fleet().Add("press", {.address = "127.0.0.1"}, {{.items = {FleetItem::State()}}}); }},
+        {"0x50014", "never added", [](Rig&) { return Fleet().Remove("press"); }},
         {"0x40000001", "a folder, a pipe or a device",
          [](Rig& rig) {
              test::ScratchFolder const folder;

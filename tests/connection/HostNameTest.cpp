@@ -1,4 +1,4 @@
-#include "connection/HostName.h"
+#include "wire/HostName.h"
 
 #include <atomic>
 #include <thread>

@@ -248,6 +248,10 @@ constexpr auto Cards = std::to_array<CodeCard>({
     {0x50012, "", {"The hosts file and the name server know no IPv4 address of the name, or did not answer in time. Nothing "
                    "was sent to a controller.",
                    "getent ahostsv4 NAME. An address in place of the name needs no name server.", Retry::AfterFix}},
+    {0x50013, "", {"An option is out of range, the name or the address is watched already, or an item does not exist. "
+                   "Nothing changed.",
+                   "The controller and the item that the text names.", Retry::No}},
+    {0x50014, "", {"The name was never added to the fleet, or was removed.", "Upper and lower case count.", Retry::No}},
     {0x40000001, "Open file error on your computer. Check the path supplied. If path is correct, ensure the file is "
                  "readable/writable.",
      {}},

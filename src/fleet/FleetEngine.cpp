@@ -1,0 +1,175 @@
+#include "fleet/FleetEngine.h"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <utility>
+
+namespace harvlink::fleet {
+namespace {
+
+using std::chrono::duration_cast;
+
+constexpr std::int64_t longestWait = 3'600'000'000'000;
+constexpr std::int64_t pauseFrom = 50'000'000; ///< an engine that did not run for so long was held up
+constexpr std::int64_t betweenStarts = 50'000; ///< so that a thousand controllers are not asked in one breath
+constexpr Poller::Token wakeToken = std::numeric_limits<Poller::Token>::max();
+
+template <typename Clock>
+std::int64_t Now() {
+    return duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count();
+}
+
+std::int64_t SteadyNow() {
+    return Now<std::chrono::steady_clock>();
+}
+
+} // namespace
+
+FleetEngine::FleetEngine(SampleQueue& samples, EventQueue& events)
+    : services{.poller = poller, .samples = samples, .events = events, .systemCalls = systemCalls, .reply = {}} {}
+
+bool FleetEngine::Start() {
+    if (!poller.IsOpen() || !wake.IsOpen() || !services.samples.IsOpen() || !services.events.IsOpen()) {
+        return false;
+    }
+    isStopping = false;
+    thread = std::thread([this] { Run(); });
+    return true;
+}
+
+void FleetEngine::Stop() {
+    if (!thread.joinable()) {
+        return;
+    }
+    isStopping = true;
+    wake.Set();
+    thread.join();
+    slots.clear();
+    due = {};
+    changes.clear();
+}
+
+void FleetEngine::Replace(std::shared_ptr<ControllerRecord> old, std::shared_ptr<ControllerRecord> fresh) {
+    {
+        std::scoped_lock const lock(changeMutex);
+        changes.push_back({std::move(old), std::move(fresh)});
+    }
+    wake.Set();
+}
+
+/// What has arrived is read before anybody is declared late: the time may have passed while this thread did not run.
+void FleetEngine::Run() {
+    (void)poller.Watch(wake.Descriptor(), wakeToken);
+    CompareClocks();
+    std::int64_t lastAwake = SteadyNow();
+    while (!isStopping) {
+        std::int64_t const before = SteadyNow();
+        NotePause(before - lastAwake);
+        std::int64_t const wait = std::clamp<std::int64_t>(due.NextTime() - before, 0, longestWait);
+        ReadAll(before, wait);
+        lastAwake = SteadyNow();
+        MakeChanges(lastAwake);
+        ServeDue(lastAwake);
+        services.samples.Announce();
+    }
+    poller.Forget(wake.Descriptor());
+    for (Slot const& slot : slots) {
+        if (slot.agent) {
+            slot.agent->Halt(SteadyNow());
+        }
+    }
+}
+
+/// As often as there can be more than one wait returns, and then the times are looked at.
+void FleetEngine::ReadAll(std::int64_t start, std::int64_t wait) {
+    std::size_t const mostTimes = slots.size() / 64 + 2;
+    auto tokens = poller.Wait(wait);
+    systemCalls.Add();
+    NotePause(SteadyNow() - start - wait);
+    CompareClocks();
+    Read(tokens);
+    for (std::size_t i = 0; i < mostTimes && poller.IsFull(); ++i) {
+        tokens = poller.Wait(0);
+        systemCalls.Add();
+        Read(tokens);
+    }
+}
+
+void FleetEngine::Read(std::span<Poller::Token const> tokens) {
+    for (Poller::Token const token : tokens) {
+        if (token == wakeToken) {
+            wake.Clear();
+            continue;
+        }
+        auto const number = token / ControllerAgent::tokensPerAgent;
+        ControllerAgent& agent = *slots[number].agent;
+        agent.OnReadable(token, SteadyNow());
+        due.Set(number, agent.NextTime());
+    }
+}
+
+void FleetEngine::MakeChanges(std::int64_t now) {
+    std::vector<Change> taken;
+    {
+        std::scoped_lock const lock(changeMutex);
+        taken.swap(changes);
+    }
+    for (Change const& change : taken) {
+        if (change.old) {
+            Remove(change.old);
+        }
+        if (change.fresh) {
+            Insert(change.fresh, now);
+            now += betweenStarts;
+        }
+    }
+}
+
+void FleetEngine::Insert(std::shared_ptr<ControllerRecord> const& record, std::int64_t start) {
+    auto slot = std::ranges::find(slots, nullptr, &Slot::record);
+    if (slot == slots.end()) {
+        slot = slots.insert(slot, Slot{});
+    }
+    auto const number = static_cast<std::uint32_t>(slot - slots.begin());
+    slot->record = record;
+    slot->agent = std::make_unique<ControllerAgent>(record, services, number * ControllerAgent::tokensPerAgent);
+    slot->agent->BeginAt(start);
+    due.Set(number, start);
+}
+
+void FleetEngine::Remove(std::shared_ptr<ControllerRecord> const& record) {
+    auto const slot = std::ranges::find(slots, record, &Slot::record);
+    if (slot != slots.end()) {
+        due.Remove(static_cast<std::uint32_t>(slot - slots.begin()));
+        *slot = {};
+    }
+}
+
+void FleetEngine::ServeDue(std::int64_t now) {
+    while (due.NextTime() <= now) {
+        DueHeap::Slot const number = due.NextSlot();
+        ControllerAgent& agent = *slots[number].agent;
+        agent.OnTime(now);
+        due.Set(number, agent.NextTime());
+    }
+}
+
+void FleetEngine::NotePause(std::int64_t nanoseconds) {
+    if (nanoseconds < pauseFrom) {
+        return;
+    }
+    pauses.Add();
+    for (Slot const& slot : slots) {
+        if (slot.agent) {
+            slot.agent->Excuse(nanoseconds);
+        }
+    }
+}
+
+/// The clock of the computer may be set at any time; nothing but the times of samples follows it.
+void FleetEngine::CompareClocks() {
+    services.wallOffset = Now<std::chrono::system_clock>() - SteadyNow();
+}
+
+} // namespace harvlink::fleet

@@ -1,0 +1,115 @@
+#include "fleet/Poller.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <limits>
+
+#include <unistd.h>
+
+#if defined(__linux__)
+#include <sys/syscall.h>
+#endif
+
+namespace harvlink::fleet {
+namespace {
+
+constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
+
+/// Rounded up: a wait that ends too early only spins.
+int ToMilliseconds(std::int64_t nanoseconds) {
+    std::int64_t const milliseconds = (nanoseconds + nanosecondsPerMillisecond - 1) / nanosecondsPerMillisecond;
+    return static_cast<int>(std::clamp<std::int64_t>(milliseconds, 0, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+#if defined(__linux__)
+
+Poller::Poller() : epoll(::epoll_create1(EPOLL_CLOEXEC)) {}
+
+Poller::~Poller() {
+    if (epoll >= 0) {
+        ::close(epoll);
+    }
+}
+
+bool Poller::IsOpen() const {
+    return epoll >= 0;
+}
+
+bool Poller::Watch(int descriptor, Token token) {
+    epoll_event event{};
+    event.events = EPOLLIN;
+    event.data.u32 = token;
+    return ::epoll_ctl(epoll, EPOLL_CTL_ADD, descriptor, &event) == 0;
+}
+
+/// What is closed is forgotten anyway, unless a child process has it too.
+void Poller::Forget(int descriptor) {
+    ::epoll_ctl(epoll, EPOLL_CTL_DEL, descriptor, nullptr);
+}
+
+std::span<Poller::Token const> Poller::Wait(std::int64_t nanoseconds) {
+    int const count = WaitEvents(nanoseconds);
+    readyCount = static_cast<std::size_t>(std::max(count, 0));
+    std::ranges::transform(std::span(events).first(readyCount), ready.begin(),
+                           [](epoll_event const& event) { return event.data.u32; });
+    return std::span(ready).first(readyCount);
+}
+
+/// Whole milliseconds would make a short period late; older systems have no others.
+int Poller::WaitEvents(std::int64_t nanoseconds) {
+    int const most = static_cast<int>(events.size());
+#if defined(SYS_epoll_pwait2) && defined(__LP64__)
+    if (hasFineWait) {
+        constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+        nanoseconds = std::max(nanoseconds, std::int64_t{0});
+        timespec const time{nanoseconds / nanosecondsPerSecond, nanoseconds % nanosecondsPerSecond};
+        auto const count = static_cast<int>(::syscall(SYS_epoll_pwait2, epoll, events.data(), most, &time, nullptr, 0));
+        if (count >= 0 || errno != ENOSYS) {
+            return count;
+        }
+        hasFineWait = false;
+    }
+#endif
+    return ::epoll_wait(epoll, events.data(), most, ToMilliseconds(nanoseconds));
+}
+
+#else
+
+Poller::Poller() = default;
+Poller::~Poller() = default;
+
+bool Poller::IsOpen() const {
+    return true;
+}
+
+bool Poller::Watch(int descriptor, Token token) {
+    descriptors.push_back({descriptor, POLLIN, 0});
+    tokens.push_back(token);
+    return true;
+}
+
+void Poller::Forget(int descriptor) {
+    auto const place = std::ranges::find(descriptors, descriptor, &pollfd::fd) - descriptors.begin();
+    if (place < static_cast<std::ptrdiff_t>(descriptors.size())) {
+        descriptors.erase(descriptors.begin() + place);
+        tokens.erase(tokens.begin() + place);
+    }
+}
+
+std::span<Poller::Token const> Poller::Wait(std::int64_t nanoseconds) {
+    (void)::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), ToMilliseconds(nanoseconds));
+    readyCount = 0;
+    for (std::size_t i = 0; i < descriptors.size() && readyCount < ready.size(); ++i) {
+        if (descriptors[i].revents != 0) {
+            ready[readyCount++] = tokens[i];
+        }
+    }
+    return std::span(ready).first(readyCount);
+}
+
+#endif
+
+} // namespace harvlink::fleet
