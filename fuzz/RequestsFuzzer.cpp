@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "Session.h"
 
 // Requests to the virtual controller: datagrams at both of its ports, with and without faults in the replies.
@@ -58,7 +60,11 @@ void CheckReply(Request const& request, simulator::Reply const& reply) {
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
     VirtualController controller("127.0.0.1", OptionsOf(input.Take<std::uint8_t>()));
-    controller.With([](ControllerModel& model) { model.SetServo(true); });
+    controller.With([](ControllerModel& model) {
+        model.SetServo(true);
+        model.frames.tools[1].pose = {std::nan(""), HUGE_VAL, -1e308, 1e308, 0, 0};
+        model.frames.users[1] = {{1e300, std::nan(""), 0, HUGE_VAL, 0, 0}, "", true};
+    });
     simulator::Reply reply;
     while (!input.IsEmpty()) {
         auto const control = input.Take<std::uint8_t>();
@@ -72,6 +78,12 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
         controller.Advance(std::chrono::milliseconds((1U << (control >> 1U & 7U)) - 1U));
         static_cast<void>(controller.TakeDeliveries());
     }
+    controller.WithParts([](simulator::ControllerParts& parts) {
+        for (auto const& group : parts.model.groups.All()) {
+            Require(parts.motion.Cell().Axes(group).IsWithinLimits(parts.motion.PositionOf(group)),
+                    "the arm stays within its limits");
+        }
+    });
     return 0;
 }
 

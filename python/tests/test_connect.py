@@ -4,7 +4,7 @@ import datetime
 import unittest
 
 import harvlink
-from harvlink import Access, ErrorCode, LinkState, Motion, Position, _connect_options, file
+from harvlink import Access, ErrorCode, LinkState, _connect_options, file
 
 from .support import Simulator, SimulatorTest
 
@@ -46,20 +46,6 @@ class AccessTest(SimulatorTest):
                     with self.subTest(name, access=access.name):
                         denied = ErrorCode.ACCESS_DENIED if needed > access else 0
                         self.assertEqual(code_of(lambda: operation(robot)), denied)
-
-    def test_a_look_leaves_the_targets(self):
-        with harvlink.connect(self.simulator.address) as robot:
-            robot.alarms.clear()
-            robot.control.servos(True)
-            self.addCleanup(lambda: code_of(robot.close))
-            target = robot.position("R1").shifted(30000)
-            turn = Motion("R1", target, 25)
-            number = robot.motion.add(turn)
-            robot.motion.start()
-            for access in ("observe", "operate"):
-                harvlink.connect(self.simulator.address, access=access).close()
-            robot.motion.wait(number)
-            self.assertEqual(robot.position("R1").axes[0], target.axes[0])
 
     def test_the_statistics_tell_of_the_link(self):
         before = datetime.datetime.now(datetime.timezone.utc) - datetime.timedelta(seconds=5)

@@ -8,8 +8,14 @@ from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[2]
 TESTS = ("tests/", "fuzz/", "python/tests/", "csharp/tests/", "page/tests/")
-KINDS = {".h", ".hpp", ".c", ".cpp", ".py", ".cs", ".ts"}
+KINDS = {".h", ".hpp", ".c", ".cpp", ".py", ".cs", ".ts", ".lua", ".cmake"}
 LIMIT = 0.33
+
+
+def is_code(path):
+    if path.suffix in KINDS or path.name == "CMakeLists.txt":
+        return path.is_file()
+    return not path.suffix and path.is_file() and path.open("rb").read(2) == b"#!"
 
 
 def main():
@@ -17,7 +23,7 @@ def main():
     lines = {True: 0, False: 0}
     for name in filter(None, files.split("\0")):
         path = PROJECT / name
-        if path.suffix in KINDS and path.is_file():
+        if is_code(path):
             lines[name.startswith(TESTS)] += path.read_bytes().count(b"\n")
     share = lines[True] / lines[False]
     print(f"tests: {lines[True]:,} lines for {lines[False]:,} lines of code, {share:.3f} (at most {LIMIT})")

@@ -1,14 +1,10 @@
 #include <atomic>
-#include <map>
-#include <mutex>
 #include <thread>
 
 #include "behaviour/MemoryController.h"
 #include "harvlink/harvlink.h"
-#include "simulator/network/Server.h"
-#include "support/LoopbackAddress.h"
 
-// Closing connections in every state, and several connections at the same time.
+// Closing connections in every state.
 
 namespace harvlink::test {
 namespace {
@@ -108,53 +104,6 @@ TEST(Teardown, FullBufferIsWaitedFor) {
     cell.refusal = 0;
     closing.join();
     EXPECT_GE(cell.targets, 30U) << "nothing of the queue is lost";
-}
-
-/// One thread of one of many connections. It reads back the values that it wrote, in spite of the others.
-void UseController(std::string const& address, std::mutex& opening, unsigned short own,
-                   std::atomic<unsigned>& correct) {
-    StatusInfo status;
-    std::unique_lock lock(opening); // opening transfers files, and a controller allows one transfer at a time
-    Connection const robot = Connect(address, status, 8000, 0, false);
-    lock.unlock();
-    ASSERT_TRUE(robot) << status;
-    for (int round = 0; round < 20; ++round) {
-        StringVariableData text{std::to_string(own) + '/' + std::to_string(round), own};
-        IntegerVariableData number{static_cast<std::int16_t>(round), own};
-        ControllerStateData state;
-        PositionData position;
-        bool const isWritten =
-            robot->Variables->stringVariable->Write(text).StatusCode == 0 &&
-            robot->Variables->integerVariable->Write(number).StatusCode == 0 &&
-            robot->Status->ReadState(state).StatusCode == 0 &&
-            robot->ControlGroup->ReadPositionData(ControlGroupId::R1, CoordinateType::Pulse, 0, 0, position)
-                    .StatusCode == 0;
-        StringVariableData textRead;
-        IntegerVariableData numberRead;
-        robot->Variables->stringVariable->Read(own, textRead);
-        robot->Variables->integerVariable->Read(own, numberRead);
-        correct += isWritten && textRead.value.starts_with(text.value) && numberRead.value == round ? 1 : 0;
-    }
-}
-
-TEST(SideBySide, ManyConnectionsToManyControllers) {
-    constexpr unsigned controllers = 4;
-    constexpr unsigned short connections = 4; // to each
-    simulator::Server server;
-    std::map<std::string, std::mutex> addresses;
-    while (addresses.size() < controllers) {
-        addresses[server.Add(NextLoopbackAddress()).Address()];
-    }
-    ASSERT_TRUE(server.Start()) << server.Error();
-    std::atomic<unsigned> correct = 0;
-    std::vector<std::jthread> threads;
-    for (auto& entry : addresses) {
-        for (unsigned short own = 0; own < connections; ++own) {
-            threads.emplace_back([&entry, own, &correct] { UseController(entry.first, entry.second, own, correct); });
-        }
-    }
-    threads.clear();
-    EXPECT_EQ(correct, controllers * connections * 20U);
 }
 
 } // namespace

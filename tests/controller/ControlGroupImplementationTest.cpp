@@ -112,14 +112,6 @@ TEST(ControlGroup, ArgumentsAreRefusedBeforeAnythingIsSent) {
     }
 }
 
-TEST(ControlGroup, RefusalsAreReadInContext) {
-    Session session("YA1");
-    session.controller.Expect(RobotRequest(829, 0, 0, 1, Words({0, 0, 0, 0})), Refusal(40961));
-    EXPECT_EQ(session.Read(R1, BaseCoordinate).Message, "Invalid Control Group Id");
-    session.controller.Expect(RobotRequest(117, 1, 0, 1), Refusal(45057));
-    EXPECT_EQ(session.Read(R1, Pulse).Message, "Undefined position variable");
-}
-
 TEST(ControlGroup, Text) {
     std::ostringstream text;
     text << PositionErrorData{{1, -2, 3, 4, 5, 6, 7, 8}} << TorqueData{B2, {1, -2, 3, 4, 5, 6, 7, 8}};

@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <random>
 #include <string>
@@ -187,52 +185,6 @@ TEST_F(Conversions, Refusals) {
     for (auto const& [name, code, expected] : cases) {
         EXPECT_EQ(code, expected) << name;
     }
-}
-
-/// Whatever the bytes of a command, the arm stays within its limits and every answer is valid.
-TEST(Hostile, AnyBytesAreAnsweredAndKeepTheArmWithinItsLimits) {
-    Cell cell({{ControlGroupId::R1, 8}, {ControlGroupId::B1, 3}, {ControlGroupId::S1, 2}, {ControlGroupId::R2, 6}});
-    cell.controller.With([](ControllerModel& model) {
-        model.frames.tools[1].pose = {std::nan(""), HUGE_VAL, -1e308, 1e308, 0, 0};
-        model.frames.users[1] = {{1e300, std::nan(""), 0, HUGE_VAL, 0, 0}, "", true};
-    });
-    std::mt19937 random(4);
-    auto const any = [&] {
-        constexpr std::int32_t telling[] = {0, 1, 2, 3, -1, 15, 4, 6, 2147483647, -2147483647 - 1, 790000, 5000};
-        return random() % 4 == 0 ? static_cast<std::int32_t>(random()) : telling[random() % std::size(telling)];
-    };
-    auto const fill = [&]<typename Payload>(Payload payload) {
-        std::array<std::int32_t, sizeof(Payload) / 4> words{};
-        std::ranges::generate(words, any);
-        std::memcpy(static_cast<void*>(&payload), words.data(), sizeof(words));
-        return payload;
-    };
-    int accepted = 0;
-    for (int round = 0; round < 4000; ++round) {
-        cell.Send(Command::MotionSetCoord, fill(MotionSetCoord{}));
-        cell.Send(Command::MotionSetTool, fill(SetToolMsg{}));
-        cell.Send(Command::MotionSetSpeed, fill(SetSpeedMsg{}));
-        cell.Send(Command::MotionSetConfig, fill(RobotConfigMsg{}));
-        accepted += cell.Send(Command::MotionSendTarget, fill(MotionTargetSend{})) == 0 ? 1 : 0;
-        auto conversion = fill(ConvertCartPosToJointAngleMsg{});
-        conversion.group = GroupAddress(round % 2 == 0 ? ControlGroupId::R1 : ControlGroupId::R2);
-        cell.Send(Command::ConvertCartesianToJointAngle, conversion, 0, ServiceReadAll);
-        auto forward = fill(ConversionMsg{});
-        forward.position.coordinateType = UAPICoordType::UAPIJointAngle;
-        cell.Send(Command::ConvertJointAngleToCartesian, forward, 0, ServiceReadAll);
-        cell.Send(Command::UAPIPositionRead, fill(UAPIGetPositionSendData{}), 0, ServiceReadAll);
-        if (round % 50 == 0) {
-            cell.Start();
-            cell.Advance(3.0);
-            cell.Clear(any());
-        }
-    }
-    EXPECT_GT(accepted, 100);
-    cell.controller.WithParts([](simulator::ControllerParts& parts) {
-        for (auto const& group : parts.model.groups.All()) {
-            EXPECT_TRUE(parts.motion.Cell().Axes(group).IsWithinLimits(parts.motion.PositionOf(group)));
-        }
-    });
 }
 
 } // namespace

@@ -245,34 +245,5 @@ TEST(Exchange, SocketsAboveDescriptor1023CloseOnExecAndAreReleased) {
     }
 }
 
-TEST(Exchange, ThreadsNeverShareOne) {
-    constexpr unsigned threads = 6;
-    constexpr unsigned rounds = 60;
-    ScriptedController controller;
-    auto const manager = controller.Connect();
-    std::atomic<bool> overlapped = false;
-    controller.AnswerRest([&](Datagram const& datagram) {
-        std::this_thread::sleep_for(std::chrono::microseconds(50)); // time in which another thread could interfere
-        overlapped = overlapped || controller.HasPending();
-        return Replies{Payload(Bytes(datagram.bytes.begin() + 26, datagram.bytes.begin() + 28) + U16(0))};
-    });
-    std::atomic<unsigned> own = 0;
-    std::vector<std::jthread> callers;
-    for (unsigned caller = 0; caller < threads; ++caller) {
-        callers.emplace_back([&, caller] {
-            StatusInfo status;
-            for (unsigned i = 0; i < rounds; ++i) {
-                auto const instance = static_cast<unsigned short>(caller * 1000 + i);
-                auto const reply = manager->SimpleRequest<std::uint32_t>(instance, CommandNumber::RegisterData, status,
-                                                                         FixedField::FirstAttribute, ServiceReadOne);
-                own += status.StatusCode == 0 && reply.payload == instance ? 1 : 0;
-            }
-        });
-    }
-    callers.clear();
-    EXPECT_EQ(own, threads * rounds);
-    EXPECT_FALSE(overlapped);
-}
-
 } // namespace
 } // namespace harvlink::test
