@@ -1,5 +1,4 @@
 #include <array>
-#include <functional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -7,19 +6,10 @@
 #include "cli/output/Words.h"
 #include "cli/trajectory/PathTracker.h"
 #include "cli/trajectory/TrajectoryFile.h"
-#include "words/text/InputError.h"
+#include "words/Faults.h"
 
 namespace harvlink::cli {
 namespace {
-
-std::string FaultsOf(std::function<void()> const& parse) {
-    try {
-        parse();
-    } catch (InputError const& error) {
-        return error.what();
-    }
-    return "";
-}
 
 TEST(Trajectory, NamesEveryWrongLine) {
     std::string const points = FaultsOf([] {

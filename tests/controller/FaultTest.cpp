@@ -42,11 +42,6 @@ TEST_F(Fault, AllFourPlacesAreRead) {
                                    active.alarms[0].name +
                                    "\nAlarm 2 : Code: 0\nSubcode: 1\nTime: " + none.substr(0, 16) + "\nName: " + none);
 
-    ExpectReads(112, 1, {Alarm(1), Alarm(2), Refusal(8288)});
-    EXPECT_EQ(fault.GetActiveAlarms(active).StatusCode, 8288);
-    EXPECT_EQ(active.numberOfAlarms, 2U);
-    EXPECT_EQ(active.alarms[1].code, 2U);
-    EXPECT_EQ(active.alarms[2].code, 0U); // nothing is left from the call before
     EXPECT_EQ(Printed(ActiveAlarms()) + Printed(AlarmHistory()), "No active alarms.No alarms in history.");
 }
 

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "words/Faults.h"
 #include "words/text/Csv.h"
 #include "words/text/Encoding.h"
-#include "words/text/InputError.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
@@ -184,15 +184,6 @@ TEST(TextForms, ReadBackWhatAVariableFileHolds) {
         EXPECT_EQ(FormatVariableValue(read[i].value), FormatVariableValue(written[i].value));
         EXPECT_EQ(read[i].value.index(), written[i].value.index());
     }
-}
-
-std::string FaultsOf(std::function<void()> const& parse) {
-    try {
-        parse();
-    } catch (InputError const& error) {
-        return error.what();
-    }
-    return "";
 }
 
 TEST(TextForms, NameEveryWrongLineOfAFile) {
