@@ -67,24 +67,22 @@ TEST(Teardown, SendsNothingUnlessTheMonitorRuns) {
 }
 
 TEST(Teardown, QueueIsSentToItsEndOrItsFirstFailure) {
-    Cell good;
-    good.Add(1000);
-    good.Start();
-    good.Close();
-    EXPECT_EQ(good.targets, 1000U);
-    EXPECT_EQ(good.exchanges, 1000U + 3) << "the start and two settings";
-    Cell gone;
-    gone.isGone = true;
-    gone.Add(1000);
-    gone.Start();
-    gone.Close();
-    EXPECT_EQ(gone.exchanges, 1U + 3) << "the start, and three time-outs: a setting, an alarm, a clear";
-    Cell refusing;
-    refusing.refusal = servoOff;
-    refusing.Add(1000);
-    refusing.Start();
-    refusing.Close();
-    EXPECT_EQ(refusing.exchanges, 1U + 5);
+    struct {
+        bool isGone;
+        std::uint16_t refusal;
+        unsigned exchanges;
+    } const cases[] = {{false, 0, 1000 + 3}, // the start and two settings
+                       {true, 0, 1 + 3}, // the start, and three time-outs: a setting, an alarm, a clear
+                       {false, servoOff, 1 + 5}};
+    for (auto const& [isGone, refusal, exchanges] : cases) {
+        Cell cell;
+        cell.isGone = isGone;
+        cell.refusal = refusal;
+        cell.Add(1000);
+        cell.Start();
+        cell.Close();
+        EXPECT_EQ(cell.exchanges, exchanges);
+    }
 }
 
 /// On purpose, the library waits without limit for room in a full buffer.
