@@ -1,8 +1,8 @@
 #include <csignal>
 
 #include "Session.h"
-#include "behaviour/Operation.h"
 #include "motion/MotionManager.h"
+#include "tests/behaviour/Operation.h"
 
 // The replies to every operation, by method and by plain function, in the table of the tests; to the targets that the
 // monitor sends; and to the opening of a connection. Input: operation, generation, rules, answers.

@@ -78,7 +78,7 @@ ROOMS = {
     "examples": Room(["include"], {"demo": [], "c": []}),
     "soak": Room(["include"]),
     "tools": Room(["include", "src"], {"wireshark": []}),
-    "fuzz": Room(["include", "src", "words", "recording", "simulator", "cli", "gateway"]),
+    "fuzz": Room(["include", "src", "words", "recording", "simulator", "cli", "gateway", "tests"]),
     "benchmarks": Room(["include", "src", "recording", "simulator", "gateway"], {
         "support": [],
         "cases": ["support"],

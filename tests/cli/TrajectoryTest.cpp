@@ -6,7 +6,7 @@
 #include "cli/output/Words.h"
 #include "cli/trajectory/PathTracker.h"
 #include "cli/trajectory/TrajectoryFile.h"
-#include "words/Faults.h"
+#include "support/Faults.h"
 
 namespace harvlink::cli {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "words/Faults.h"
+#include "support/Faults.h"
 #include "words/text/Csv.h"
 #include "words/text/Encoding.h"
 #include "words/text/Printable.h"
