@@ -150,12 +150,12 @@ void UdpTransport::Send(Division division, std::span<std::byte const> datagram) 
 
 Arrival UdpTransport::Receive(Division asked, std::span<std::byte> buffer, timeval period) {
     Port const& port = PortOf(asked);
-    Port const& first = IsConnected() ? port : robot;
-    std::array<pollfd, 2> sockets{{{first.socket, POLLIN, 0}, {file.socket, POLLIN, 0}}};
+    Port const& arrived = IsConnected() ? port : robot;
+    std::array<pollfd, 2> sockets{{{arrived.socket, POLLIN, 0}, {file.socket, POLLIN, 0}}};
     nanoseconds const waited = WaitReadable(std::span(sockets).first(IsConnected() ? 1 : 2), period);
     Arrival arrival;
     if (sockets[0].revents != 0) {
-        arrival = Read(first, port, buffer);
+        arrival = Read(arrived, port, buffer);
     } else if (sockets[1].revents != 0) {
         arrival = Read(file, port, buffer);
     }
