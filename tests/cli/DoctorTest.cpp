@@ -35,10 +35,10 @@ TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
     struct Case {
         char const* faults;
         char const* findings;
-        char const* options = "--timeout 250 --probes 20 --no-audit";
+        char const* options = "--timeout 100 --probes 20 --no-audit";
         char const* rule = ""; ///< one that would have refused something
     };
-    constexpr char const* Audited = "--timeout 250 --probes 20";
+    constexpr char const* Audited = "--timeout 80 --probes 20";
     constexpr char const* Hasty = "--timeout 60 --probes 5"; // no controller answers, so a short wait is enough
     std::array<Case, 27> const cases{{
         {"", "", Audited},
@@ -55,9 +55,9 @@ TEST(Doctor, TellsTheFaultsOfAVirtualControllerApart) {
         {"refuse=20%,refuse-code=0x9999", "refusing"},
         {"drop=10%", "lossy"},
         {"delay=100%,delay-ms=25", "slow"},
-        {"delay=30%,delay-ms=300", "slow"},
+        {"delay=30%,delay-ms=140", "slow"},
         {"delay=40%,delay-ms=30", "slow"},
-        {"delay=100%,delay-ms=400", "slow", "--timeout 250 --probes 5"},
+        {"delay=100%,delay-ms=160", "slow", "--timeout 100 --probes 5"},
         {"seed=5,silence=3%,silence-ms=100000", "stopped", "--timeout 60 --probes 100"},
         {"duplicate=50%", "duplicates"},
         {"truncate=20%,file-truncate=0", "damaged", Audited, "FittingAnswer"},
