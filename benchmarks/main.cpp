@@ -21,9 +21,9 @@ struct Family {
     void (*run)(Report&);
 };
 
-constexpr Family families[] = {{"exchange", ExchangeCases}, {"peer", PeerCase},      {"file", FileCases},
-                               {"motion", MotionCases},     {"thread", ThreadCases}, {"connection", ConnectionCases},
-                               {"simulator", SimulatorCase}};
+constexpr Family families[] = {{"exchange", ExchangeCases},  {"peer", PeerCase},      {"file", FileCases},
+                               {"motion", MotionCases},      {"thread", ThreadCases}, {"connection", ConnectionCases},
+                               {"simulator", SimulatorCase}, {"fleet", FleetCases}};
 
 int RunFamilies(std::vector<std::string> const& wanted, std::string const& jsonPath) {
     Report report;

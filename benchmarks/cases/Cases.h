@@ -19,6 +19,7 @@ void ConnectionCases(Report& report);
 void ThreadCases(Report& report);
 void PeerCase(Report& report);
 void SimulatorCase(Report& report);
+void FleetCases(Report& report);
 
 /// A number of byte reads on a fresh connection, for a counter of system calls around this process.
 void RunExchanges(int count, bool isStrict);

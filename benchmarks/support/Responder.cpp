@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <deque>
 #include <new>
 #include <stdexcept>
 
@@ -94,8 +95,9 @@ private:
 
 class AnsweringProcess {
 public:
-    AnsweringProcess(std::vector<std::string> const& addresses, ArrivalTime arrival, ResponderCounters& shared)
-        : counters(shared), arrivalTime(arrival), epoll(::epoll_create1(0)) {
+    AnsweringProcess(std::vector<std::string> const& addresses, ArrivalTime arrival, std::chrono::microseconds wait,
+                     ResponderCounters& shared)
+        : counters(shared), arrivalTime(arrival), delay(wait), epoll(::epoll_create1(0)) {
         for (std::string const& address : addresses) {
             Watch(BindSocket(address, robotPort));
             Watch(BindSocket(address, filePort));
@@ -105,7 +107,10 @@ public:
     [[noreturn]] void Run() {
         std::array<epoll_event, 64> events{};
         for (;;) {
-            int const ready = ::epoll_wait(epoll, events.data(), static_cast<int>(events.size()), -1);
+            SendDue();
+            // Between delayed answers it spins: a wait in milliseconds would come too late.
+            int const ready =
+                ::epoll_wait(epoll, events.data(), static_cast<int>(events.size()), delayed.empty() ? -1 : 0);
             for (int i = 0; i < ready; ++i) {
                 AnswerOn(events[static_cast<std::size_t>(i)].data.fd);
             }
@@ -143,8 +148,30 @@ private:
         } else {
             AnswerCommand(request, reply);
         }
-        (void)::sendto(descriptor, &reply, HeaderSize + reply.header.payloadSize, 0,
-                       reinterpret_cast<sockaddr*>(&sender), senderSize);
+        Delayed const answer{NowNanoseconds() + std::chrono::nanoseconds(delay).count(), descriptor, sender, reply};
+        if (delay.count() == 0) {
+            Send(answer);
+        } else {
+            delayed.push_back(answer);
+        }
+    }
+
+    struct Delayed {
+        std::int64_t due;
+        int descriptor;
+        sockaddr_in to;
+        ReplyPacket reply;
+    };
+
+    static void Send(Delayed const& answer) {
+        (void)::sendto(answer.descriptor, &answer.reply, HeaderSize + answer.reply.header.payloadSize, 0,
+                       reinterpret_cast<sockaddr const*>(&answer.to), sizeof(answer.to));
+    }
+
+    void SendDue() {
+        for (; !delayed.empty() && delayed.front().due <= NowNanoseconds(); delayed.pop_front()) {
+            Send(delayed.front());
+        }
     }
 
     void Count(RequestPacket const& request, int descriptor) {
@@ -166,6 +193,8 @@ private:
 
     ResponderCounters& counters;
     ArrivalTime arrivalTime;
+    std::chrono::microseconds delay;
+    std::deque<Delayed> delayed;
     int epoll;
     FileSide files;
 };
@@ -186,9 +215,10 @@ void Responder::Unmap::operator()(ResponderCounters* mapped) const {
     ::munmap(mapped, sizeof(ResponderCounters));
 }
 
-Responder::Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime)
+Responder::Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime,
+                     std::chrono::microseconds delay)
     : counters(MapCounters()), process(core, [&](std::function<void()> const& ready) {
-          AnsweringProcess answering(addresses, arrivalTime, *counters);
+          AnsweringProcess answering(addresses, arrivalTime, delay, *counters);
           ready();
           answering.Run();
       }) {}

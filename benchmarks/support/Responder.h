@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -25,8 +26,9 @@ enum class ArrivalTime { Read, Kernel };
 /// It answers every request with status 0 and a payload of the right size, and serves one file of any size.
 class Responder {
 public:
-    /// Answers on each of the addresses, on one core (-1: any).
-    Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime = ArrivalTime::Read);
+    /// Answers on each of the addresses, on one core (-1: any), `delay` after it has read the request.
+    Responder(std::vector<std::string> const& addresses, int core, ArrivalTime arrivalTime = ArrivalTime::Read,
+              std::chrono::microseconds delay = {});
 
     ResponderCounters& Counters() { return *counters; }
 
