@@ -2,6 +2,7 @@
 
 import os
 import subprocess
+import time
 import unittest
 
 import harvlink
@@ -58,10 +59,29 @@ class DownloadTest(SimulatorTest):
         self.check(by_the_tool(self.simulator.address, os.getcwd()) for _ in range(DOWNLOADS))
 
 
+@unittest.skipUnless(TOOL, "the tool is not built")
 class PathTest(SimulatorTest):
     options = ("--time-scale", "20")
 
-    @unittest.skipUnless(TOOL, "the tool is not built")
+    def tool(self, *arguments):
+        subprocess.run([TOOL, "--host", self.simulator.address, *arguments], check=True, capture_output=True)
+
+    def test_a_start_goes_on_to_the_targets_of_another_program(self):
+        with harvlink.connect(self.simulator.address) as robot:
+            robot.control.servos(True)
+            target = robot.position("R1").shifted(20000)
+            robot.motion.start()
+            robot.motion.wait_until_sent(robot.motion.add(Motion("R1", target, 5)))
+            robot.motion.stop(clear=False)
+            self.assertLess(robot.motion.progress("R1"), 1)
+        self.tool("motion", "start", "--yes")
+        with harvlink.connect(self.simulator.address, access="observe") as robot:
+            end = time.monotonic() + 30
+            while robot.motion.progress("R1") < 1 and time.monotonic() < end:
+                time.sleep(0.01)
+            self.assertEqual(robot.position("R1").axes[0], target.axes[0])
+            self.assertEqual(robot.motion.progress("R1"), 1)
+
     def test_looking_leaves_a_path_complete(self):
         points = 200
         with harvlink.connect(self.simulator.address) as robot:
@@ -72,7 +92,7 @@ class PathTest(SimulatorTest):
             last = [robot.motion.add(motion) for motion in path][-1]
             looks = 0
             while robot.motion.progress("R1") < points and looks < 1000:
-                subprocess.run([TOOL, "--host", self.simulator.address, "status"], check=True, capture_output=True)
+                self.tool("status")
                 looks += 1
             robot.motion.wait(last)
             self.assertEqual(robot.motion.progress("R1"), points)
