@@ -10,7 +10,7 @@ import sysconfig
 
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCES = HERE / "sources" if (HERE / "sources").is_dir() else HERE.parent  # of an sdist, or the checkout
-SOURCE_PARTS = ("CMakeLists.txt", "cmake", "include", "src", "simulator", "LICENSE")
+SOURCE_PARTS = ("CMakeLists.txt", "cmake", "include", "src", "words", "recording", "simulator", "LICENSE")
 """What is needed to build both."""
 
 # Every system that takes manylinux wheels has these, and glibc's own parts.

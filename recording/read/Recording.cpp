@@ -59,7 +59,7 @@ RecordingInfo Recording::Info() {
     info.fileBytes = SizeOf(database_.Path());
     info.logBytes = SizeOf(database_.Path().string() + "-wal");
     Statement sums(database_, "SELECT count(*), min(begin_us), max(end_us), total(samples), total(item_values), "
-                              "total(events), total(gaps), total(missing) FROM segments");
+                              "total(events), total(gaps), total(missing), max(end_monotonic_us) FROM segments");
     if (sums.Step()) {
         info.segments = sums.Integer(0);
         info.begin = sums.Integer(1);
@@ -69,6 +69,7 @@ RecordingInfo Recording::Info() {
         info.events = sums.Integer(5);
         info.gaps = sums.Integer(6);
         info.missing = sums.Integer(7);
+        info.endMonotonic = sums.Integer(8);
     }
     return info;
 }
@@ -111,6 +112,34 @@ void Recording::ForEachChange(TimeRange const& range, bool withState, std::funct
             return;
         }
     }
+}
+
+std::int64_t Recording::ReadSome(std::int64_t sequence, std::vector<Change>& changes) {
+    constexpr std::int64_t Rows = 512;
+    FrameReader reader(database_, catalogue_, readingsOfBlock_);
+    std::int64_t const last = database_.Number("SELECT max(last_sequence) FROM segments");
+    if (sequence > last) {
+        return 0;
+    }
+    std::int64_t const end = last - sequence < Rows ? last : sequence + Rows - 1;
+    reader.Read(sequence, end, [&](Change const& change) {
+        changes.push_back(change);
+        return true;
+    });
+    return end == last ? 0 : end + 1;
+}
+
+Recording::Moment Recording::Find(Microseconds time) {
+    Statement segment(database_,
+                      "SELECT begin_us, end_us, begin_monotonic_us, end_monotonic_us, first_sequence FROM segments "
+                      "ORDER BY begin_us <= ?1 DESC, abs(begin_us - ?1) LIMIT 1");
+    segment.Bind(0, time);
+    if (!segment.Step()) {
+        return {};
+    }
+    Microseconds const offset =
+        std::clamp(time, segment.Integer(0), std::max(segment.Integer(0), segment.Integer(1))) - segment.Integer(0);
+    return {segment.Integer(2) + offset, segment.Integer(4)};
 }
 
 std::vector<StoredEvent> Recording::Events(TimeRange const& range) {

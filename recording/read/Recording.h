@@ -42,6 +42,7 @@ struct RecordingInfo {
     std::uint64_t logBytes = 0;
     Microseconds begin = 0;
     Microseconds end = 0;
+    Microseconds endMonotonic = 0;
     std::int64_t segments = 0;
     std::int64_t samples = 0;
     std::int64_t values = 0; ///< that are stored, without pictures
@@ -64,6 +65,16 @@ public:
     /// Calls `use` with all changes of the range in the order in which they were recorded, until it returns false. With
     /// `withState`, those before it come too, from the full picture at or before the begin on.
     void ForEachChange(TimeRange const& range, bool withState, std::function<bool(Change const&)> const& use);
+
+    /// Appends the changes of some hundred rows from row `sequence` on. Returns the row to go on with, 0 at the end.
+    std::int64_t ReadSome(std::int64_t sequence, std::vector<Change>& changes);
+
+    /// The monotonic time that belongs to a UTC time, and the first row of the segment in which it lies.
+    struct Moment {
+        Microseconds monotonic = 0;
+        std::int64_t firstRow = 0;
+    };
+    Moment Find(Microseconds time);
 
     std::vector<StoredEvent> Events(TimeRange const& range = {});
     std::vector<StoredGap> Gaps(TimeRange const& range = {});

@@ -62,6 +62,7 @@ ROOMS = {
         "motion": ["base", "protocol", "model", "arm"],
         "handlers": ["protocol", "model", "arm", "jobs", "files", "motion"],
         "controller": ["base", "protocol", "faults", "model", "jobs", "files", "motion", "handlers"],
+        "replay": ["protocol", "model"],
         "scene": ["protocol", "model", "faults", "files", "controller"],
         "network": ["base", "protocol", "faults", "controller"],
         "control": ["base", "protocol", "faults", "model", "controller", "scene"],

@@ -53,7 +53,7 @@ Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::spa
     if (faults_.IsActive()) {
         AnswerWithFaults(reply);
     } else {
-        dispatcher_.Handle(request_, reply);
+        CarryOut(reply);
     }
     UpdateActive();
     ++traffic_.requests;
@@ -61,12 +61,18 @@ Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::spa
     return &request_;
 }
 
+void VirtualController::CarryOut(Reply& reply) {
+    if (!answerer_ || !answerer_->Answer(request_, reply)) {
+        dispatcher_.Handle(request_, reply);
+    }
+}
+
 void VirtualController::AnswerWithFaults(Reply& reply) {
     using Decision = FaultInjector::Decision;
     auto const now = clock_.Now();
     auto const decision = faults_.Decide(request_, now);
     if (decision == Decision::CarryOut) {
-        dispatcher_.Handle(request_, reply);
+        CarryOut(reply);
     } else {
         reply.Begin(request_);
         reply.Refuse(faults_.RefusalCode());

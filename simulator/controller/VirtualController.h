@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <span>
 #include <string>
@@ -14,6 +15,7 @@
 #include "simulator/controller/ControllerParts.h"
 #include "simulator/controller/Dispatcher.h"
 #include "simulator/faults/FaultInjector.h"
+#include "simulator/protocol/Answerer.h"
 
 namespace harvlink::simulator {
 
@@ -55,6 +57,9 @@ public:
         return std::forward<Function>(function)(faults_);
     }
 
+    /// Lets something else answer first. Before the server starts.
+    void SetAnswerer(std::unique_ptr<Answerer> answerer) { answerer_ = std::move(answerer); }
+
     /// Advances the clock in steps of a millisecond, and jobs and motion with it.
     void Advance(Clock::Duration step);
 
@@ -92,6 +97,7 @@ private:
     };
 
     bool Parse(std::span<std::byte const> datagram);
+    void CarryOut(Reply& reply);
     void AnswerWithFaults(Reply& reply);
     void UpdateActive() { active_.store(parts_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }
 
@@ -100,6 +106,7 @@ private:
     Clock clock_;
     ControllerParts parts_;
     Dispatcher dispatcher_;
+    std::unique_ptr<Answerer> answerer_;
     FaultInjector faults_;
     Request request_;
     TrafficCounts traffic_;

@@ -91,6 +91,18 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--fault-log", faultLog_, "File that gets a line of JSON for every request that a fault hits")
         ->type_name("FILE");
     app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers")->type_name("FILE");
+    app.add_option("--replay", replay_, "Recording to answer from, as the controller answered that was recorded")
+        ->check(CLI::ExistingFile.description(""))
+        ->type_name("FILE");
+    app.add_option("--at", replayOptions_.at,
+                   "With --replay, where to begin: UTC, +90s after the begin, -1m before the end")
+        ->type_name("TIME");
+    app.add_option("--speed", replayOptions_.speed.factor, "With --replay, the speed against that of the recording [1]")
+        ->check(CLI::Range(0.001, 10000.0).description(""))
+        ->type_name("FACTOR");
+    app.add_flag("--loop", replayOptions_.speed.loops, "With --replay, begin anew at the end");
+    app.add_option("--cell", replayOptions_.controller, "With --replay, the controller of the recording to be")
+        ->type_name("NAME");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
     app.footer(Footer());
     app.failure_message([](CLI::App const*, CLI::Error const& error) {
@@ -105,6 +117,8 @@ Arguments ArgumentParser::Result() const {
     result.faultLog = faultLog_;
     result.pcap = pcap_;
     result.verbose = verbose_;
+    result.replay = replay_;
+    result.replayOptions = replayOptions_;
     if (scene_) {
         result.scene = Scene::FromFile(*scene_);
         result.options = result.scene->Options();

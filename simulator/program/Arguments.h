@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "simulator/controller/ControllerOptions.h"
+#include "simulator/replay/RecordingReplay.h"
 #include "simulator/scene/Scene.h"
 
 namespace harvlink::simulator {
@@ -18,6 +19,8 @@ struct Arguments {
     std::optional<std::string> report;
     std::optional<std::string> faultLog;
     std::optional<std::string> pcap;
+    std::optional<std::string> replay;
+    ReplayOptions replayOptions;
     bool verbose = false;
 };
 
@@ -44,6 +47,8 @@ private:
     std::optional<std::string> report_;
     std::optional<std::string> faultLog_;
     std::optional<std::string> pcap_;
+    std::optional<std::string> replay_;
+    ReplayOptions replayOptions_;
     bool verbose_ = false;
 };
 

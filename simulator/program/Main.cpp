@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 #include <unistd.h>
 
 #include "harvlink/Version.h"
+#include "simulator/model/Generation.h"
 #include "simulator/network/Server.h"
 #include "simulator/program/Arguments.h"
 #include "simulator/program/ControlDesk.h"
@@ -76,6 +78,25 @@ void PrintExchange(VirtualController const& controller, Request const& request, 
     std::fflush(stdout);
 }
 
+/// The generation that a software version belongs to.
+std::optional<ControllerVersion> GenerationOf(std::string const& softwareVersion) {
+    constexpr std::size_t Letters = 2;
+    return GenerationFromName(std::string_view(softwareVersion).substr(0, Letters));
+}
+
+/// The controller that was recorded, as far as the recording says what it is.
+VirtualController& AddReplay(Server& server, std::string const& address, Arguments const& arguments) {
+    auto replay = std::make_unique<RecordingReplay>(*arguments.replay, arguments.replayOptions);
+    ControllerOptions options = arguments.options;
+    options.generation = GenerationOf(replay->SoftwareVersion()).value_or(options.generation);
+    if (auto groups = replay->Groups(); !groups.empty()) {
+        options.groups = std::move(groups);
+    }
+    VirtualController& controller = server.Add(address, options);
+    controller.SetAnswerer(std::move(replay));
+    return controller;
+}
+
 bool Prepare(VirtualController& controller, Arguments const& arguments) {
     return controller.WithParts([&](ControllerParts& parts) {
         if (!parts.files.FolderError().empty()) {
@@ -107,7 +128,8 @@ int Serve(Arguments const& arguments) {
     Server server;
     std::vector<VirtualController*> controllers;
     for (auto const& address : arguments.addresses) {
-        controllers.push_back(&server.Add(address, arguments.options));
+        controllers.push_back(arguments.replay ? &AddReplay(server, address, arguments)
+                                               : &server.Add(address, arguments.options));
         if (!Prepare(*controllers.back(), arguments)) {
             return 1;
         }

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "recording/read/KnownState.h"
+#include "recording/read/Recording.h"
+#include "simulator/model/ControlGroups.h"
+#include "simulator/protocol/Answerer.h"
+#include "simulator/replay/RecordedAnswer.h"
+#include "simulator/replay/ReplayClock.h"
+#include "simulator/replay/RequestKeys.h"
+
+namespace harvlink::simulator {
+
+struct ReplayOptions {
+    std::string at; ///< where to begin, as ParseTime of the recordings takes it; empty: at the begin
+    std::string controller; ///< by its name; empty: the only one of the recording
+    ReplaySpeed speed{};
+};
+
+/// Answers every read with what a recording has for that moment. What was not recorded is refused as by a controller that does
+/// not have it, writes are refused, and while the controller was silent nothing is answered. Files, parameters and axes, which
+/// a client asks for when it connects, are those of the virtual controller.
+class RecordingReplay final : public Answerer {
+public:
+    /// Throws RecordingError, or InputError for a wrong time or name.
+    RecordingReplay(std::filesystem::path const& path, ReplayOptions const& options);
+
+    bool Answer(Request const& request, Reply& reply) override;
+
+    /// "YAS4.10.00A(EN/JP)-00", by which a client knows the generation; empty if it was not recorded.
+    std::string SoftwareVersion();
+
+    /// The control groups of which anything was recorded.
+    std::vector<ControlGroup> Groups() const;
+
+private:
+    void ChooseController(std::string const& name);
+    void MakeIndex();
+    void Rewind();
+    void MoveTo(recording::Microseconds now);
+    void AnswerRead(Request const& request, Reply& reply);
+
+    recording::Recording recording_;
+    recording::KnownState known_;
+    std::uint32_t controller_ = 0;
+    std::map<RequestKey, std::vector<std::uint32_t>> readings_; ///< by what they answer
+    std::int64_t firstRow_ = 0;
+    std::int64_t nextRow_ = 0; ///< to read from the file; 0: all is read
+    std::vector<recording::Change> changes_; ///< read, but not reached yet from `reached_` on
+    std::size_t reached_ = 0;
+    recording::Microseconds now_ = 0;
+    std::optional<ReplayClock> clock_;
+    std::vector<RecordedAnswer> answers_; ///< kept for its memory
+};
+
+} // namespace harvlink::simulator
