@@ -61,6 +61,9 @@ public:
     /// stopped by a bad configuration file; throws InputError then.
     Settings const& settings();
 
+    /// The settings of a command for another cell than the one that --cell names. Throws InputError as settings() does.
+    Settings SettingsOf(std::string const& cell) const { return options_.Resolve(cell); }
+
     /// Texts that the command was given are for a controller with the encoding of the settings. To be called before such a text
     /// is parsed.
     void UseEncoding() { settings(); }

@@ -6,6 +6,7 @@
 #include "cli/doctor/DoctorCommand.h"
 #include "cli/explain/ExplainCommand.h"
 #include "cli/program/ConfigCommand.h"
+#include "cli/recording/RecordCommand.h"
 #include "cli/recording/RecordingCommands.h"
 #include "cli/snapshot/SnapshotCommands.h"
 #include "cli/verbs/Commands.h"
@@ -30,6 +31,7 @@ std::span<AddCommands const> AllCommands() {
                                     AddExplainCommand,
                                     AddWatchCommand,
                                     AddSnapshotCommands,
+                                    AddRecordCommand,
                                     AddRecordingCommands};
     return All;
 }

@@ -36,15 +36,24 @@ void Recorder::Push(RecordedSample&& sample) {
         queue_.samples.push_back(std::move(sample));
         return;
     }
+    Miss(1, sample.moment.answer, sample.moment.monotonic, "the disk did not take the samples in time");
+}
+
+void Recorder::Miss(std::uint64_t count, Microseconds time, Microseconds monotonic, char const* reason) {
     RecordedGap& gap = queue_.gap;
     if (gap.count == 0) {
-        gap.time = sample.moment.answer;
-        gap.monotonic = sample.moment.monotonic;
-        gap.reason = "the disk did not take the samples in time";
+        gap.time = time;
+        gap.monotonic = monotonic;
+        gap.reason = reason;
     }
-    gap.duration = std::max<Microseconds>(sample.moment.monotonic - gap.monotonic, 0);
-    ++gap.count;
-    ++status_.dropped;
+    gap.duration = std::max(gap.duration, monotonic - gap.monotonic);
+    gap.count += count;
+    status_.dropped += count;
+}
+
+void Recorder::NoteLoss(std::uint64_t count, Microseconds time, Microseconds monotonic) {
+    std::scoped_lock const lock(mutex_);
+    Miss(count, time, monotonic, "this computer did not take the samples in time");
 }
 
 void Recorder::Put(RecordedSample sample) {

@@ -47,6 +47,9 @@ public:
     void Put(std::vector<RecordedSample>& samples); ///< takes them out
     void Put(RecordedEvent event);
 
+    /// Says that so many samples were lost before they came here.
+    void NoteLoss(std::uint64_t count, Microseconds time, Microseconds monotonic);
+
     RecorderStatus Status() const;
 
     /// Writes what waits and ends the recording. Waits at most five seconds for somebody who holds the file.
@@ -63,6 +66,7 @@ private:
     bool WriteWaiting();
     void Write(Queue& queue);
     void Push(RecordedSample&& sample);
+    void Miss(std::uint64_t count, Microseconds time, Microseconds monotonic, char const* reason);
     void Report(std::string problem);
 
     RecorderOptions options_;

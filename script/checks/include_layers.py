@@ -67,7 +67,7 @@ ROOMS = {
         "network": ["base", "protocol", "faults", "controller"],
         "control": ["base", "protocol", "faults", "model", "controller", "scene"],
         "program": ["base", "protocol", "faults", "model", "arm", "jobs", "files", "motion", "handlers", "controller",
-                    "scene", "network", "control"],
+                    "replay", "scene", "network", "control"],
     }),
     "cli": Room(["include", "words", "recording"], {
         "output": [],

@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <limits>
 #include <set>
-#include <sstream>
 
 #include <fmt/format.h>
 
 #include "recording/model/Kinds.h"
 #include "recording/model/TimeText.h"
 #include "simulator/protocol/Catalogue.h"
-#include "words/text/InputError.h"
 
 namespace harvlink::simulator {
 
@@ -26,6 +24,12 @@ constexpr Refusal WriteRefused = Refusal::IncorrectMode;
 bool IsFileWrite(Request const& request) {
     auto const service = static_cast<FileServices>(request.subHeader.service);
     return service == FileServices::DeleteFile || service == FileServices::LoadFile;
+}
+
+/// The ids of robots, bases and stations begin ten apart.
+std::string GroupName(std::int32_t id) {
+    char const* const letter = id < 10 ? "R" : id < 20 ? "B" : "S";
+    return fmt::format("{}{}", letter, id < 10 ? id : id < 20 ? id - 10 : id - 20);
 }
 
 /// What a client asks for when it connects, and no recording has.
@@ -46,9 +50,9 @@ RecordingReplay::RecordingReplay(std::filesystem::path const& path, ReplayOption
     }
     Microseconds const at = options.at.empty() ? info.begin : recording::ParseTime(options.at, info.begin, info.end);
     if (at < info.begin || at > info.end) {
-        throw words::InputError(fmt::format("{} is not in the recording, which is from {} to {}",
-                                            recording::FormatTime(at), recording::FormatTime(info.begin),
-                                            recording::FormatTime(info.end)));
+        throw recording::RecordingError(fmt::format("{} is not in the recording, which is from {} to {}",
+                                                    recording::FormatTime(at), recording::FormatTime(info.begin),
+                                                    recording::FormatTime(info.end)));
     }
     auto const begin = recording_.Find(info.begin);
     firstRow_ = begin.firstRow;
@@ -67,7 +71,7 @@ void RecordingReplay::ChooseController(std::string const& name) {
         names += (names.empty() ? "" : ", ") + controllers[i].name;
     }
     if (controller_ == 0) {
-        throw words::InputError(fmt::format("choose a cell of the recording: {}", names));
+        throw recording::RecordingError(fmt::format("choose a cell of the recording: {}", names));
     }
 }
 
@@ -104,9 +108,7 @@ std::vector<ControlGroup> RecordingReplay::Groups() const {
         bool const hasGroup = reading.kind == recording::kind::Position || reading.kind == recording::kind::Torque ||
                               reading.kind == recording::kind::PositionError;
         if (reading.controller == controller_ && hasGroup && numbers.insert(reading.group).second) {
-            std::ostringstream name;
-            name << static_cast<ControlGroupId>(reading.group);
-            if (auto const group = ControlGroups::FromText(name.str())) {
+            if (auto const group = ControlGroups::FromText(GroupName(reading.group))) {
                 groups.push_back(*group);
             }
         }

@@ -29,7 +29,7 @@ struct ReplayOptions {
 /// a client asks for when it connects, are those of the virtual controller.
 class RecordingReplay final : public Answerer {
 public:
-    /// Throws RecordingError, or InputError for a wrong time or name.
+    /// Throws RecordingError, also for a name that the recording does not have; what ParseTime throws for a wrong time.
     RecordingReplay(std::filesystem::path const& path, ReplayOptions const& options);
 
     bool Answer(Request const& request, Reply& reply) override;

@@ -1,0 +1,118 @@
+#include "cli/recording/Plan.h"
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "cli/program/HostAddress.h"
+#include "recording/model/TimeText.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
+#include "words/values/PositionText.h"
+#include "words/values/SignalText.h"
+#include "words/values/VariableText.h"
+
+namespace harvlink::cli::recordings {
+
+using namespace words; // NOLINT(google-build-using-namespace): as in all folders of the tool
+
+namespace {
+
+FleetItemKind KindOf(VariableKind kind) {
+    return static_cast<FleetItemKind>(static_cast<int>(FleetItemKind::ByteVariable) + static_cast<int>(kind));
+}
+static_assert(static_cast<int>(FleetItemKind::StationPositionVariable) -
+                  static_cast<int>(FleetItemKind::ByteVariable) ==
+              static_cast<int>(VariableKind::StationPosition));
+
+unsigned AddressOfSignal(std::string const& text) {
+    SignalName const name = ParseSignal(text);
+    if (!name.address) {
+        throw InputError(fmt::format("'{}': recordings take signals by their address, such as 10010", text));
+    }
+    return *name.address;
+}
+
+void AddPositions(PlanArguments const& arguments, std::vector<FleetItem>& items) {
+    for (std::string const& name : arguments.groups) {
+        ControlGroupId const group = ParseGroup(name);
+        for (std::string const& text : arguments.coordinates) {
+            Coordinate const coordinate = ParseCoordinate(text);
+            FleetItem item = FleetItem::Position(group, coordinate.type);
+            item.userCoordinateNumber = static_cast<std::uint8_t>(coordinate.userNumber);
+            items.push_back(item);
+        }
+        items.push_back(FleetItem::Torque(group));
+    }
+}
+
+PlannedController Planned(std::string const& name, Settings const& settings) {
+    FleetControllerOptions options;
+    options.address = AddressOf(settings.host);
+    options.timeout = settings.timeoutMilliseconds;
+    options.retries = settings.retries;
+    return {name, options};
+}
+
+} // namespace
+
+void PlanArguments::AddOptions(CLI::App& verb) {
+    verb.add_flag("--all", all, "All cells of the settings file");
+    verb.add_option("--every", every, "Time between two readings")->type_name("DURATION")->capture_default_str();
+    verb.add_option("--group", groups, "Control groups whose position and torque are recorded")
+        ->type_name("GROUP")
+        ->default_str("R1");
+    verb.add_option("--coordinate", coordinates, "Coordinates of the positions")
+        ->type_name("COORDINATE")
+        ->default_str("pulse base");
+    verb.add_option("--var", variables, "Variables and ranges, such as B5 S4 P12 B0..B9")->type_name("VARIABLE");
+    verb.add_option("--io", signals, "Signals by their addresses, such as 10010")->type_name("SIGNAL");
+    verb.add_option("--register", registers, "Registers by their numbers")->type_name("NUMBER");
+}
+
+std::vector<PlannedController> ControllersOf(PlanArguments const& arguments, Session& session) {
+    std::vector<PlannedController> controllers;
+    if (!arguments.all) {
+        session.CheckHost();
+        Settings const& settings = session.settings();
+        controllers.push_back(Planned(settings.cell.empty() ? settings.host : settings.cell, settings));
+        return controllers;
+    }
+    for (Cell const& cell : session.Cells()) {
+        controllers.push_back(Planned(cell.name, session.SettingsOf(cell.name)));
+    }
+    if (controllers.empty()) {
+        throw InputError("--all: the settings file names no cells; see harvlink config --help");
+    }
+    return controllers;
+}
+
+std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments) {
+    constexpr std::chrono::seconds Slow(1);
+    constexpr std::chrono::minutes Rare(1);
+    FleetGroup fast;
+    fast.period = recording::ParseDuration(arguments.every);
+    fast.items = {FleetItem::State(), FleetItem::Job()};
+    AddPositions(arguments, fast.items);
+    for (std::string const& name : arguments.variables) {
+        for (VariableAddress const& address : ParseVariableRange(name)) {
+            fast.items.push_back(FleetItem::Variable(KindOf(address.kind), address.index));
+        }
+    }
+    for (std::string const& name : arguments.signals) {
+        fast.items.push_back(FleetItem::Signal(AddressOfSignal(name)));
+    }
+    for (std::string const& number : arguments.registers) {
+        fast.items.push_back(FleetItem::Register(ParseNumber<std::uint16_t>(number, "register")));
+    }
+    FleetGroup slow;
+    slow.period = std::max<std::chrono::nanoseconds>(fast.period, Slow);
+    slow.items = {FleetItem::Alarms()};
+    FleetGroup rare;
+    rare.period = Rare;
+    rare.items = {FleetItem::Software()};
+    return {fast, slow, rare};
+}
+
+} // namespace harvlink::cli::recordings
