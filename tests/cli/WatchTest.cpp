@@ -1,12 +1,15 @@
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <string>
+#include <system_error>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -14,6 +17,7 @@
 #include "ToolTest.h"
 #include "cli/output/Output.h"
 #include "cli/watch/Layout.h"
+#include "support/ScratchFolder.h"
 
 namespace harvlink::cli {
 namespace {
@@ -105,6 +109,9 @@ public:
             ::execv(HARVLINK_PROGRAM, argv.data());
             ::_exit(127);
         }
+        if (pid_ < 0) {
+            throw std::system_error(errno, std::generic_category(), "this computer gives no pseudo-terminal");
+        }
         ::tcgetattr(master_, &modes_);
     }
     OnTerminal(OnTerminal const&) = delete;
@@ -175,6 +182,18 @@ private:
     termios modes_{};
     std::string output_;
 };
+
+TEST(OnTerminal, NamesWhatIsMissing) {
+    rlimit former{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &former), 0);
+    rlimit const none{3, former.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_THROW(OnTerminal("watch", "xterm"), std::system_error);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &former), 0);
+    ::setenv("TMPDIR", "/proc", 1);
+    EXPECT_THROW(test::ScratchFolder(), std::system_error);
+    ::unsetenv("TMPDIR");
+}
 
 TEST_F(WatchTest, FollowsTheControllerAndTheWindow) {
     OnTerminal terminal("--timeout 90 --retries 1 watch --var B5 --interval 5", "xterm");

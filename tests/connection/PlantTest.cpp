@@ -34,6 +34,39 @@ std::string NumberedLines(std::size_t size) {
     return text.substr(0, size - 2) + "\r\n";
 }
 
+TEST(Plant, OnlyAConnectionThatLogsLeavesALog) {
+    simulator::Server server;
+    std::string const address = NextLoopbackAddress();
+    auto& controller = server.Add(address);
+    ASSERT_TRUE(server.Start()) << server.Error();
+    ConnectOptions options = OptionsFor(address, Access::Full, 2000);
+    for (bool const isStrict : {true, false}) {
+        for (bool const logs : {false, true}) {
+            ScratchFolder const folder;
+            options.logging = logs;
+            StatusInfo status;
+            Connection const robot = isStrict ? Connect(options, status) : Connect(address, status, 2000, 1, logs);
+            ASSERT_TRUE(robot) << status;
+            std::uint64_t step = 0;
+            Motion beyondReach;
+            beyondReach.position.axes[0] = 3e6;
+            beyondReach.controlGroup = ControlGroupId::R1;
+            beyondReach.moveType = MoveInterpolationType::Joint;
+            beyondReach.position.coordinateType = CoordinateType::Pulse;
+            beyondReach.speed = 10;
+            EXPECT_EQ(robot->MotionManager->AddPointToTrajectory(step, beyondReach, {}, {}, {}).StatusCode, 0);
+            controller.With([](simulator::ControllerModel& model) {
+                model.ResetAlarms();
+                model.SetServo(true);
+            });
+            EXPECT_EQ(robot->MotionManager->MotionStart().StatusCode, 0);
+            status = robot->MotionManager->WaitUntilSent(step, 10'000);
+            EXPECT_TRUE(status.StatusCode != 0 && status.StatusCode != 0x50010) << status;
+            EXPECT_EQ(std::filesystem::exists("HarvlinkLog.txt"), logs) << "strict: " << isStrict;
+        }
+    }
+}
+
 TEST(Plant, ADownloadIsIdenticalOrFailsWithACode) {
     using simulator::Fault;
     constexpr int downloads = 100;

@@ -17,7 +17,8 @@ TEST_F(StartUp, NewGenerationInExactOrder) {
     ExpectRs022(0);
     ExpectFile("TOOL.CND", "//TOOL 0\r\n///NAME\r\n//TOOL 1\r\n//TOOLS\r\n");
     ExpectMotionSlots();
-    ExpectFile("SYSTEM.SYS", "//SERVO POWER\r\nR1 : a\r\nR2 : b\r\n\r\nS12\r\n//ROBOT NAME\r\nR1 X0\r\nR2 B2\r\n");
+    ExpectFile("SYSTEM.SYS", "//SERVO POWER\r\nR1 : a\r\nR2 : b\r\n\r\nS12\r\n//ROBOT NAME\r\nR1 X0\r\nR2 B2\r\nR3 "
+                             "B3\r\n"); // a base beyond the robots is none
     ExpectAxes(1, Payload(Words({'S', 'L', 'U', 'R', 'B', 'T'})));
     ExpectAxes(2, Payload(Words({'S', 'L', 'U', 'R', 'B', 'T', 'E', '8'})));
     ExpectAxes(21, Refusal(40961));

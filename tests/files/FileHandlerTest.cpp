@@ -94,6 +94,16 @@ TEST_F(FileOperations, NamesOf32CharactersPassAndLongerOnesAreCutOnSave) {
     EXPECT_EQ(text, "");
 }
 
+TEST_F(FileOperations, HeadOfAJobIsWholeBlocksUntilItHasMoreThan150Characters) {
+    controller.AnswerRest([](Datagram const&) { return Replies{Refusal(4128)}; });
+    for (std::size_t const length : {0U, 101U, 150U, 151U, 479U}) {
+        std::string first =
+            std::string(length, ' ') + std::string(479 - length, '\0'); // a block ends at its first zero
+        WriteFile("test.jbi", first + "//NAME TEST\n");
+        EXPECT_EQ(files.LoadToControllerFromPath("test.jbi").StatusCode, length <= 150 ? 4128 : 0x30014) << length;
+    }
+}
+
 TEST_F(FileOperations, JobFromPathIsLookedForInTheList) {
     std::string const job = "/JOB\n//NAME TEST\n" + std::string(600, ' ');
     WriteFile("test.jbi", job);

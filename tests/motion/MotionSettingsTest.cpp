@@ -92,6 +92,9 @@ TEST(MotionSettings, EachHasItsOwnIdeaOfADifference) {
         {"L angle, which has no bit",
          [](Motion& m) { m.position.figure.lAngle = AxisAngle::GreaterThan180; },
          {MotionRequest(850, {0, 0})}},
+        {"B angle, which has none either",
+         [](Motion& m) { m.position.figure.bAngle = AxisAngle::GreaterThan180; },
+         {MotionRequest(850, {0, 0})}},
         {"back, lower, no flip, T, S",
          [](Motion& m) {
              m.position.figure.frontOrBack = FrontOrBack::Back;

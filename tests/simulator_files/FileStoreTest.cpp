@@ -215,6 +215,23 @@ TEST(FileTransfers, EndWhenNothingIsHeardOrRoomIsNeeded) {
     EXPECT_EQ(ask(1, 1, seconds(101)), Refusal::None);
 }
 
+TEST(FileTransfers, HaveABoundOfMemoryTogether) {
+    VirtualController controller("", StillOptions());
+    std::string const whole(simulator::FileStore::MaxFileSize, 'x');
+    constexpr std::uint64_t Fitting = simulator::FileTransfers::MaxMemory / simulator::FileStore::MaxFileSize;
+    static_assert(Fitting == 16 && Fitting < simulator::FileTransfers::MaxTransfers);
+    controller.WithParts([&](ControllerParts& parts) { EXPECT_EQ(parts.files.Put("BIG.DAT", whole), Refusal::None); });
+    for (std::uint64_t peer = 0; peer < Fitting; ++peer) {
+        EXPECT_EQ((FileClient{controller, peer}.Send(SaveFile, "BIG.DAT").block), 1U);
+    }
+    FileClient const writer{controller, Fitting};
+    EXPECT_EQ(writer.Send(LoadFile, "NEW.DAT").code, 0);
+    EXPECT_EQ(writer.Send(LoadFile, "x", 1, 1 | Last).code, 4128) << "there is no room for a byte more";
+    EXPECT_EQ((FileClient{controller, Fitting + 1}.Send(SaveFile, "BIG.DAT").block), 1U);
+    EXPECT_NE((FileClient{controller, 0}.Send(SaveFile, "", 1, 1).code), 0) << "the oldest made room";
+    EXPECT_EQ((FileClient{controller, 1}.Send(SaveFile, "", 1, 1).block), 2U);
+}
+
 TEST(FileStore, CompletesLineEndsAndBoundsWhatItKeeps) {
     VirtualController controller("", StillOptions());
     EXPECT_EQ(controller.WithParts([](ControllerParts& parts) { return parts.files.Put("L.DAT", "\na\r\n\nb\n"); }),

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 
 namespace harvlink::test {
 
@@ -13,7 +15,10 @@ class ScratchFolder {
 public:
     ScratchFolder() : previous(std::filesystem::current_path()) {
         std::string name = (std::filesystem::temp_directory_path() / "harvlink-test-XXXXXX").string();
-        path = ::mkdtemp(name.data());
+        if (::mkdtemp(name.data()) == nullptr) {
+            throw std::system_error(errno, std::generic_category(), "TMPDIR: no folder can be made as " + name);
+        }
+        path = name;
         std::filesystem::current_path(path);
     }
     ScratchFolder(ScratchFolder const&) = delete;

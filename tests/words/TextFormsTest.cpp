@@ -162,6 +162,7 @@ TEST(TextForms, AreReadOrRefused) {
          "a, b ,\r\n\n# note\n1,2,3",
          "1:a|b|;4:1|2|3;"},
         {"quotes", Cells, "\"a,\"\"b\"\"\",\"c\nd\"\ne", "1:a,\"b\"|c\nd;3:e;"},
+        {"quoted number sign", Cells, "\"#a\",1\n#b\nc,#d\n #e", "1:#a|1;3:c|#d;4:#e;"},
         {"open quote", Cells, "a\n\"b", "error"},
         {"text behind a quote", Cells, "\"a\"b", "error"},
     };
