@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, in the components library, development, tools and, for Debian, python.
+# Installs the files, in the components library, development, tools and, for Debian, python.
 include(GNUInstallDirs)
 include(HarvlinkInstallLibrary)
 if(HARVLINK_BUILD_CLI OR TARGET harvlink-sim)

@@ -1,5 +1,5 @@
-# What `cmake --install` puts where, for programs that use the library. Shared object and archive are exported apart, and
-# the configuration file of the package chooses between them.
+# Installs the files for programs that use the library. Shared object and archive have an export file each, and the
+# configuration file of the package chooses between them.
 include(CMakePackageConfigHelpers)
 
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/harvlink")
@@ -23,15 +23,15 @@ endif()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/harvlink" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
         FILES_MATCHING PATTERN "*.h")
 
-# A program and the library must be of one version to the last digit when they meet, and OpenConnection sees to it. What asks
-# for an older version is compiled with this one's headers, which is all that it takes.
+# OpenConnection refuses a program whose headers have another version than the library, to the last digit. A CMake project
+# that asks for an older version is compiled with the headers of this one, so it works.
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/harvlink-config-version.cmake" COMPATIBILITY SameMajorVersion)
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/harvlink-config.cmake.in"
                               "${PROJECT_BINARY_DIR}/harvlink-config.cmake" INSTALL_DESTINATION "${package_folder}")
 install(FILES "${PROJECT_BINARY_DIR}/harvlink-config.cmake" "${PROJECT_BINARY_DIR}/harvlink-config-version.cmake"
         DESTINATION "${package_folder}" COMPONENT development)
 
-# The file finds its prefix by where it lies, unless the folder of libraries is fixed.
+# The file finds its prefix from its own place, unless the folder of the libraries is an absolute path.
 cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_libdir)
 cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_INCLUDEDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_includedir)
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")

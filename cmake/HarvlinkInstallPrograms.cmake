@@ -1,10 +1,10 @@
-# What `cmake --install` puts where, for people who use the programs.
+# Installs the programs with their pages and completions.
 find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 set(generated_folder "${PROJECT_BINARY_DIR}/packaging")
 file(MAKE_DIRECTORY "${generated_folder}")
 set(page_suffix)
 set(zsh_folder "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
-# Debian keeps its own pages compressed, and that folder for the user.
+# Debian compresses the pages of its packages, and leaves that folder to the user.
 if(HARVLINK_DEBIAN)
     find_program(GZIP gzip REQUIRED)
     set(page_suffix .gz)

@@ -1,5 +1,6 @@
-# Programs of others that load the library, such as the interpreter of Python, need the runtime of the sanitizer as a shared
-# object. All of ours must then use that one too, which g++ does unasked. Fuzzers meet no such program.
+# A program that was not built here, such as the Python interpreter, can load a library with a sanitizer only if the runtime
+# of the sanitizer is a shared object. Our own programs must then use the same object. g++ does this by default, clang does
+# not. Such a program never loads a fuzzer.
 unset(runtime)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND HARVLINK_SANITIZE MATCHES "address|thread")
     set(runtime libasan.so)
@@ -45,11 +46,11 @@ function(harvlink_count_coverage target)
     endif()
 endfunction()
 
-# harvlink_merge_folders(<target>): compiles the sources of a folder as one. Most of the time goes into the headers of others,
-# which are then read once for each folder instead of once for each source.
+# harvlink_merge_folders(<target>): compiles the sources of a folder as one. Most of the compile time goes into the headers of
+# other libraries, which are then read once for each folder instead of once for each source.
 function(harvlink_merge_folders target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
-    # A name of one source may hide that of another, and what is unnamed in one is so in the merged source too.
+    # In a merged source, a local name may hide a name of another source, and the unnamed namespaces are one.
     target_compile_options(${target} PRIVATE
                            -Wno-shadow "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wshadow=local;-Wno-subobject-linkage>")
     get_target_property(sources ${target} SOURCES)

@@ -95,7 +95,7 @@ Paired Pair(Floor floor, Harvlink harvlink, int rounds = Rounds) {
 
 using Points = std::vector<std::pair<double, double>>; ///< size, seconds
 
-/// How much more an item costs at the worst when there are ten times as many; 1 is linear growth.
+/// How many times as much an item costs, at worst, when there are ten times as many items. 1 is linear growth.
 inline double WorstGrowth(Points const& points) {
     double worst = 0.0;
     for (std::size_t i = 1; i < points.size(); ++i) {
@@ -119,7 +119,7 @@ inline void AddGrowth(Report& report, std::string const& name, Points const& poi
                 .note = bare.empty() ? "1 is linear" : "ratio"});
 }
 
-/// A connection to the answering process; throws if it can't be had.
+/// A connection to the answering process. Throws if it can't be opened.
 inline Connection Open(std::string const& address, unsigned timeoutMilliseconds = 1000, unsigned retries = 0) {
     StatusInfo status;
     Connection connection = Connect(address, status, timeoutMilliseconds, retries, false);
@@ -135,7 +135,7 @@ inline void Require(StatusInfo const& status) {
     }
 }
 
-/// A connection under all rules; throws if it can't be had.
+/// A connection under all rules. Throws if it can't be opened.
 inline Connection OpenStrictly(std::string const& address, Access access = Access::Observe) {
     ConnectOptions options;
     options.address = address;

@@ -36,7 +36,7 @@ Motion Point(double x) {
     return motion;
 }
 
-/// Looks seldom, so that it takes nothing from the threads that are measured on the same core.
+/// Looks rarely, so that it takes no time from the threads that are measured on the same core.
 void WaitForTargets(Responder& responder, std::uint64_t count, std::chrono::microseconds pause) {
     while (responder.Counters().targets.load(std::memory_order_acquire) < count) {
         std::this_thread::sleep_for(pause);

@@ -30,7 +30,7 @@ void ServePeer(int listening, modbus_t* context) {
 
 } // namespace
 
-/// What a user would otherwise reach for: a register read of a common fieldbus library, by its own server.
+/// What a user might use instead: a register read of a common fieldbus library, answered by its own server.
 void PeerCase(Report& report) {
     PinTo(0);
     std::string const address = BenchAddress(50);

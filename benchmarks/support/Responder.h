@@ -11,14 +11,14 @@
 
 namespace harvlink::bench {
 
-/// What the answering process tells about the datagrams it got.
+/// What the answering process reports about the datagrams that it received.
 struct ResponderCounters {
     std::atomic<std::uint64_t> datagrams;
     std::atomic<std::uint64_t> targets; ///< motion targets among them
     std::atomic<std::int64_t> lastTargetAt; ///< wall clock, nanoseconds
 };
 
-/// When a motion target counts as there: when the answering process reads it, or, at the price of a system call each,
+/// When a motion target counts as received: when the answering process reads it, or, at the price of a system call each,
 /// when the kernel had it. The latter leaves out how long the process took to wake up.
 enum class ArrivalTime { Read, Kernel };
 
@@ -40,7 +40,7 @@ private:
     ChildProcess process;
 };
 
-/// A UDP socket bound to a port of an address. Throws if it can't be had.
+/// A UDP socket bound to a port of an address. Throws if the port is not free.
 int BindSocket(std::string const& address, std::uint16_t port);
 
 /// "127.20.x.y" by number.

@@ -32,7 +32,7 @@ enum class Access : std::int32_t {
 enum class Rule : std::uint32_t {
     SilenceIsTimeout = 1U << 0U, ///< silence is never a successful answer of zeros, whatever the request's number
     KnownSender =
-        1U << 1U, ///< only the controller's address and the port that was asked; a closed port is told at once
+        1U << 1U, ///< only the controller's address and the port that was asked; a closed port is reported at once
     RepeatReads = 1U << 2U, ///< a read is asked again in each period; what writes or moves is never sent twice
     FittingAnswer = 1U << 3U, ///< magic, division, header size, service and payload size have to fit the request
     Deadline = 1U << 4U, ///< (1 + retries) x time-out in all, whatever arrives meanwhile

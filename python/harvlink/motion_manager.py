@@ -94,7 +94,7 @@ class MotionManager:
     """`add` queues points. After `start`, a thread of the library sends them in order.
 
     If the controller refuses a point, the thread raises alarm 8015 on the pendant, writes HarvlinkLog.txt and drops the
-    queue; `wait` then raises harvlink.Error, and `state` tells which step it was.
+    queue; `wait` then raises harvlink.Error, and `state` shows which step it was.
     """
 
     def __init__(self, link: Link) -> None:

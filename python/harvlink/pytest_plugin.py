@@ -1,4 +1,4 @@
-"""Fixtures for pytest. An installed package brings them unasked; in a checkout `pytest_plugins = ["harvlink.pytest_plugin"]`
+"""Fixtures for pytest. An installed package provides them by itself; in a checkout `pytest_plugins = ["harvlink.pytest_plugin"]`
 in conftest.py does.
 
     def test_my_program(harvlink_simulator):

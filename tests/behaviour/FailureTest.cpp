@@ -332,7 +332,7 @@ TEST(Failures, OfSystemCallsWhileConnecting) {
     FailEach(Resource::SystemCall, [&](Failure& failure) { return ConnectFromClass(session, failure); });
 }
 
-TEST(Failures, OfMemoryDoNotReachASuccessfulExchange) {
+TEST(Failures, OfMemoryDoNotTouchAnExchangeThatSucceeds) {
     if (!Failure::CanFail(Resource::Memory)) {
         GTEST_SKIP();
     }

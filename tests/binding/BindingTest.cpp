@@ -71,7 +71,7 @@ TEST(InteropHelper, EachNameIsFollowedByALineFeed) {
     EXPECT_STREQ(OwnedText(InteropHelper::ConvertStringVectorToChar8({"A.JBI", "B.JBI"})).get(), "A.JBI\nB.JBI\n");
 }
 
-TEST(InteropHelper, NullIsNoText) {
+TEST(InteropHelper, NullIsNotAText) {
     EXPECT_THROW(InteropHelper::ConvertChar8ToString(nullptr), std::logic_error);
 }
 

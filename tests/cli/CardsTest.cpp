@@ -489,7 +489,7 @@ TEST(Cards, NameTheKindsOfFilesThatAreWritten) {
 }
 
 /// 64 tool files are numbered 0 to 63, yet the library lets 64 pass to the controller, which refuses it.
-TEST(Cards, SayWhoRefusesTheToolBehindTheLast) {
+TEST(Cards, NameTheSideThatRefusesTheToolBehindTheLast) {
     Rig rig(VersionYA);
     EXPECT_EQ(WritePosition(CoordinateType::Pulse, 1, 65)(rig).Message, "Tool File does not exist. Check tool number.");
     EXPECT_EQ(WritePosition(CoordinateType::Pulse, 1, 64)(rig).Message, "Tool No. setting error");

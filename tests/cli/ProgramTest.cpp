@@ -208,7 +208,7 @@ TEST_F(ProgramTest, DumpsAndLoadsVariables) {
     EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[7]}; }), 9);
 }
 
-TEST_F(ProgramTest, LoadsAllThatItCanAndTellsTheRest) {
+TEST_F(ProgramTest, LoadsAllThatItCanAndReportsTheRest) {
     ScratchFolder const folder;
     test::WriteFile("v.csv", "variable,value\nB1,1\nB2047,2\nB3,3\n");
     std::string many = "variable,value\n";
@@ -248,7 +248,7 @@ TEST_F(ProgramTest, LoadsAllThatItCanAndTellsTheRest) {
     EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[99]}; }), 1);
 }
 
-TEST_F(ProgramTest, TellsThatAJobRunsOnAfterAStop) {
+TEST_F(ProgramTest, ReportsThatAJobRunsOnAfterAStop) {
     ASSERT_EQ(RunTool("servo on --yes").exit, 0);
     ASSERT_EQ(RunTool("cycle automatic").exit, 0);
     ASSERT_EQ(RunTool("job select DEMO").exit, 0);
@@ -401,7 +401,7 @@ TEST(Program, FailsIfItsOutputIsLost) {
     }
 }
 
-TEST_F(ProgramTest, TellsWhyATrajectoryWasRefused) {
+TEST_F(ProgramTest, ReportsWhyATrajectoryWasRefused) {
     ScratchFolder const folder;
     test::WriteFile("far.csv", "speed,x,y,z,rx,ry,rz\n100,9000,0,1050,180,0,0\n100,0,0,1050,180,0,0\n");
     ASSERT_EQ(RunTool("servo on --yes").exit, 0);

@@ -93,7 +93,7 @@ protected:
     Scratch scratch_;
 };
 
-TEST_F(SnapshotTest, SavesWhatTheControllerHasAndTellsWhatChanged) {
+TEST_F(SnapshotTest, SavesWhatTheControllerHasAndShowsWhatChanged) {
     ASSERT_EQ(RunTool("var set B5=12 S1=a,\"b R1=0.1 P2=base:480,0,600.5,180,0,0,tool=1").exit, 0);
     Result const saved = RunTool("snapshot save cell --json --param RS0..30 S1C0..2");
     ASSERT_EQ(saved.exit, 0) << saved.err;

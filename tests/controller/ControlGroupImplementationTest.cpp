@@ -47,7 +47,7 @@ TEST(ControlGroup, TypeOfTheReplyDecidesAndSoDoesTheNumberOfAxes) {
     EXPECT_EQ(session.position.coordinateType, Pulse);
 }
 
-TEST(ControlGroup, ExtendedRoadRequests) {
+TEST(ControlGroup, ExtendedCommandRequests) {
     struct {
         ControlGroupId group;
         CoordinateType type;

@@ -65,7 +65,7 @@ TEST_F(Job, SelectsByNameAndLine) {
     }
 }
 
-TEST_F(Job, TellsWhatATaskExecutes) {
+TEST_F(Job, ReportsWhatATaskExecutes) {
     JobData data;
     controller.Expect(RobotRequest(115, 301, 0, 1));
     EXPECT_EQ(job.GetExecutingJobInformation(TesselTaskNumber{300}, data).StatusCode, 0);

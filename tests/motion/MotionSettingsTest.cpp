@@ -59,7 +59,7 @@ TEST(MotionSettings, GoOutInTheirOrderAndOnlyOnce) {
     EXPECT_EQ(session.manager->SendTarget(MotionStep()).StatusCode, 0);
 }
 
-TEST(MotionSettings, EachHasItsOwnIdeaOfADifference) {
+TEST(MotionSettings, EachComparesInItsOwnWay) {
     struct {
         char const* what;
         Setter change;

@@ -146,7 +146,7 @@ TEST(TargetWait, ClearedTargetsNeverArrive) {
     EXPECT_EQ(session.Wait(next), 0);
 }
 
-TEST(TargetWait, AClearBySomebodyElseLeavesThePositionToDecide) {
+TEST(TargetWait, AfterAClearByAnotherProgramThePositionDecides) {
     WaitSession session;
     for (int i = 1; i <= 3; ++i) {
         session.Add(1000 * i);
@@ -200,7 +200,7 @@ TEST(TargetWait, ARefusalReturnsOnlyAfterTheClear) {
     }
 }
 
-TEST(TargetWait, StateTellsWhatTheMonitorDoes) {
+TEST(TargetWait, StateShowsWhatTheMonitorDoes) {
     using enum TrajectoryMonitorState;
     ScratchFolder const folder;
     WaitSession session;
@@ -276,7 +276,7 @@ TEST(TargetWait, RemembersAThousandStepsAndKnowsWhatItForgot) {
     EXPECT_EQ(session.Wait(1), unknown);
 }
 
-TEST(TargetWait, WhatASubsetOfControllersAndConnectionsCanNot) {
+TEST(TargetWait, OlderControllersSupportNoneOfIt) {
     std::uint64_t number = 7;
     MotionSession old({1}, "FS1.00");
     TrajectoryState now;

@@ -16,7 +16,7 @@ Answer Write(VirtualClient& client, unsigned command, unsigned instance, std::in
     return client.Ask(command, instance, 1, 16, U32(value));
 }
 
-TEST(State, NamesGenerationAndTellsWhatIsOn) {
+TEST(State, NamesGenerationAndShowsWhatIsOn) {
     constexpr std::array<std::string_view, 6> Names{"DS", "DN", "FS", "YA", "YB", "YN"};
     for (std::size_t i = 0; i < Generations.size(); ++i) {
         VirtualClient client({.generation = Generations[i]});

@@ -56,7 +56,7 @@ TEST(Server, ServesManyControllersThatDoNotShareState) {
     }
 }
 
-TEST(Server, TellsWhatItCannotBindAndCanStartAgain) {
+TEST(Server, ReportsWhatItCannotBindAndCanStartAgain) {
     auto const address = NextLoopbackAddress();
     Server first;
     first.Add(address);

@@ -17,7 +17,7 @@ constexpr WireAxes HomePulses{0, 0, 0, 0, -122850, 0, 0, 0};
 constexpr WireAxes HomeAngles{0, 0, 0, 0, -900000, 0, 0, 0};
 constexpr WireAxes HomePose{790000, 0, 1050000, 1800000, 0, 0, 0, 0};
 
-TEST(Readouts, OlderRoad) {
+TEST(Readouts, OlderCommands) {
     Cell cell({{ControlGroupId::R1, 6}, {ControlGroupId::R2, 7}, {ControlGroupId::B1, 1}, {ControlGroupId::S12, 2}});
     struct Case {
         std::uint16_t instance;

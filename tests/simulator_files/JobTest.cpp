@@ -8,7 +8,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-TEST(JobParser, TellsWhatIsWrongAndWhere) {
+TEST(JobParser, ReportsWhatIsWrongAndWhere) {
     struct Case {
         char const* lines;
         int refusal;

@@ -57,7 +57,7 @@ TEST(HelperFunction, UnknownGenerationCountsAsNew) {
     }
 }
 
-TEST(HelperFunction, ToUpperLeavesWhatIsNoLetter) {
+TEST(HelperFunction, ToUpperChangesLettersOnly) {
     EXPECT_EQ(ToUpper("abcXyz-09.jbi\xe4"), "ABCXYZ-09.JBI\xe4");
 }
 

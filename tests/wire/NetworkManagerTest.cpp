@@ -11,7 +11,7 @@ namespace {
 using enum ControllerVersion;
 using enum ControlGroupId;
 
-TEST(NetworkManager, GenerationIsToldByThePrefix) {
+TEST(NetworkManager, ThePrefixNamesTheGeneration) {
     struct {
         char const* software;
         ControllerVersion version;
@@ -44,7 +44,7 @@ TEST(NetworkManager, ProbeThatFailsLeavesItsStatus) {
     EXPECT_EQ(silent.controllerVersion, VersionUnknown);
 }
 
-TEST(NetworkManager, WhatIsNoAddressShowsAsTimeout) {
+TEST(NetworkManager, ATextThatIsNotAnAddressShowsAsTimeout) {
     for (char const* const address : {"", "localhost", "127.0.0.300", "::1", "1.2.3.4.5"}) {
         StatusInfo status;
         NetworkManager const manager(address, 10, 0, status);
