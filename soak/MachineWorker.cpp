@@ -18,6 +18,7 @@ constexpr int AlarmIsActive = 8288;
 constexpr ControllerStateData StateAtRest{.cycleMode = CycleMode::Cycle,
                                           .controlMode = ControllerStateData::ControlMode::Remote};
 constexpr auto JobTimeout = 20s;
+constexpr std::chrono::seconds LongestJob{3};
 
 SignalStatus SwitchOf(bool on) {
     return on ? SignalStatus::On : SignalStatus::Off;
@@ -283,7 +284,7 @@ bool MachineWorker::AwaitJob() {
             std::this_thread::sleep_for(50ms); // the last line is still to be executed
             return ExpectState("end of the job");
         }
-        bool const isLate = SteadyClock::now() - lastStart > 3s;
+        bool const isLate = SteadyClock::now() - lastStart > LongestJob;
         if (isLate && options_.badNetwork) {
             static_cast<void>(SelectAndStart(RunJobName));
             lastStart = SteadyClock::now();

@@ -149,15 +149,15 @@ void UdpTransport::Send(Division division, std::span<std::byte const> datagram) 
 }
 
 Arrival UdpTransport::Receive(Division asked, std::span<std::byte> buffer, timeval period) {
-    Port const& port = PortOf(asked);
-    Port const& arrived = IsConnected() ? port : robot;
+    Port const& wanted = PortOf(asked);
+    Port const& arrived = IsConnected() ? wanted : robot;
     std::array<pollfd, 2> sockets{{{arrived.socket, POLLIN, 0}, {file.socket, POLLIN, 0}}};
     nanoseconds const waited = WaitReadable(std::span(sockets).first(IsConnected() ? 1 : 2), period);
     Arrival arrival;
     if (sockets[0].revents != 0) {
-        arrival = Read(arrived, port, buffer);
+        arrival = Read(arrived, wanted, buffer);
     } else if (sockets[1].revents != 0) {
-        arrival = Read(file, port, buffer);
+        arrival = Read(file, wanted, buffer);
     }
     arrival.waited = waited;
     return arrival;
