@@ -67,7 +67,9 @@ public:
 
     // Of the monitor.
     void Started();
-    void Taken() { monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed); } ///< A step is being sent.
+    void Taken() {
+        monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed);
+    } ///< A step is being sent.
     void Full(); ///< There was no room for it.
     void Sent(StepNumber number, MotionStep const& step); ///< Number 0 only counts the targets.
     void BeginFailure(StepNumber number, std::int32_t code); ///< Until EndFailure no wait returns.
