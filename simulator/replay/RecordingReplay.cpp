@@ -44,6 +44,7 @@ RecordingReplay::RecordingReplay(std::filesystem::path const& path, ReplayOption
     : recording_(path), known_(recording_.Contents()) {
     ChooseController(options.controller);
     MakeIndex();
+    FindSoftware();
     auto const info = recording_.Info();
     if (info.segments == 0) {
         throw recording::RecordingError(path.string() + ": the recording is empty");
@@ -87,18 +88,33 @@ void RecordingReplay::MakeIndex() {
     }
 }
 
-std::string RecordingReplay::SoftwareVersion() {
+/// A client asks first of all what the controller is, before anything else was recorded.
+void RecordingReplay::FindSoftware() {
     auto const& readings = recording_.Contents().readings;
-    std::string version;
+    std::size_t missing = 0;
+    for (auto const& reading : readings) {
+        missing += reading.controller == controller_ && reading.kind == recording::kind::Software ? 1 : 0;
+    }
+    if (missing == 0) {
+        return;
+    }
+    recording::KnownState state(recording_.Contents());
     recording_.ForEachChange({}, false, [&](recording::Change const& change) {
         auto const& reading = readings[change.reading - 1];
-        if (reading.controller == controller_ && reading.kind == recording::kind::Software && !change.values.empty()) {
-            auto const* const text = std::get_if<std::string>(&change.values.front().second);
-            version = text == nullptr ? "" : *text;
+        if (reading.controller == controller_ && reading.kind == recording::kind::Software && !change.values.empty() &&
+            software_.try_emplace(change.reading, state.Apply(change)).second) {
+            --missing;
         }
-        return version.empty();
+        return missing > 0;
     });
-    return version;
+}
+
+std::string RecordingReplay::SoftwareVersion() const {
+    if (software_.empty() || software_.begin()->second.values.empty()) {
+        return {};
+    }
+    auto const* const version = std::get_if<std::string>(&software_.begin()->second.values.front());
+    return version == nullptr ? std::string() : *version;
 }
 
 std::vector<ControlGroup> RecordingReplay::Groups() const {
@@ -171,12 +187,15 @@ void RecordingReplay::AnswerRead(Request const& request, Reply& reply) {
         reply.Refuse(NotRecorded);
         return;
     }
-    MoveTo(clock_->Now());
+    MoveTo(clock_->Now(request.Command() == CommandNumber::SystemInformationRead));
     answers_.clear();
     auto quality = RecordedQuality::NeverRead;
     std::int32_t code = 0;
     for (std::uint32_t const id : found->second) {
-        auto const& sample = known_.Samples()[id - 1];
+        auto const first = software_.find(id);
+        auto const& now = known_.Samples()[id - 1];
+        bool const isAhead = first != software_.end() && now.moment.quality == RecordedQuality::NeverRead;
+        auto const& sample = isAhead ? first->second : now;
         if (sample.moment.quality == RecordedQuality::Good) {
             answers_.push_back({&recording_.Contents().readings[id - 1], &sample});
         } else if (sample.moment.quality != RecordedQuality::NeverRead) {

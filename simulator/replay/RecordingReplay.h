@@ -35,7 +35,7 @@ public:
     bool Answer(Request const& request, Reply& reply) override;
 
     /// "YAS4.10.00A(EN/JP)-00", by which a client knows the generation; empty if it was not recorded.
-    std::string SoftwareVersion();
+    std::string SoftwareVersion() const;
 
     /// The control groups of which anything was recorded.
     std::vector<ControlGroup> Groups() const;
@@ -43,6 +43,7 @@ public:
 private:
     void ChooseController(std::string const& name);
     void MakeIndex();
+    void FindSoftware();
     void Rewind();
     void MoveTo(recording::Microseconds now);
     void AnswerRead(Request const& request, Reply& reply);
@@ -51,6 +52,7 @@ private:
     recording::KnownState known_;
     std::uint32_t controller_ = 0;
     std::map<RequestKey, std::vector<std::uint32_t>> readings_; ///< by what they answer
+    std::map<std::uint32_t, recording::RecordedSample> software_; ///< by reading, as it was first
     std::int64_t firstRow_ = 0;
     std::int64_t nextRow_ = 0; ///< to read from the file; 0: all is read
     std::vector<recording::Change> changes_; ///< read, but not reached yet from `reached_` on

@@ -10,17 +10,17 @@ struct ReplaySpeed {
     bool loops = false;
 };
 
-/// Where in a recording it is now. It begins to move with the first question, and stands still at the end of the recording
+/// Where in a recording it is now. It begins to move with the first question that is not part of connecting, and stands still at the end of the recording
 /// or begins anew. All in microseconds.
 class ReplayClock {
 public:
     ReplayClock(std::int64_t begin, std::int64_t end, std::int64_t start, ReplaySpeed speed)
         : begin_(begin), end_(end), start_(start), speed_(speed) {}
 
-    std::int64_t Now() {
+    std::int64_t Now(bool isConnecting) {
         auto const now = std::chrono::steady_clock::now();
         if (!hasBegun_) {
-            hasBegun_ = true;
+            hasBegun_ = !isConnecting;
             origin_ = now;
         }
         std::chrono::duration<double, std::micro> const passed = now - origin_;
