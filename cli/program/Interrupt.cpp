@@ -31,6 +31,7 @@ void Say(std::string_view text) {
 
 // Only what a signal handler may call.
 [[noreturn]] void EndNow(int signal) {
+    std::signal(SIGPIPE, SIG_IGN); // nobody may read what it says, and the exit status counts
     ScratchSpace::RemoveAtSignal();
     if (Progress::IsShown()) {
         Say("\r\x1b[K");
