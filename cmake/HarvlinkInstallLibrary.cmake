@@ -45,6 +45,9 @@ install(FILES "${PROJECT_BINARY_DIR}/harvlink.pc" DESTINATION "${CMAKE_INSTALL_L
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
         FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+# The documents link to them.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+        USE_SOURCE_PERMISSIONS PATTERN "__pycache__" EXCLUDE)
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/SECURITY.md"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
 # Debian wants these under other names.

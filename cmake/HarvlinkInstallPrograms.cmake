@@ -36,8 +36,27 @@ function(harvlink_install_program target name)
                             "${PROJECT_SOURCE_DIR}/packaging/man/${name}.txt" ${PROJECT_VERSION})
 endfunction()
 
+# harvlink_install_command_pages(<target>): a page for each command of a program. Only the program knows which there are.
+function(harvlink_install_command_pages target)
+    set(folder "${generated_folder}/commands")
+    set(compress)
+    if(HARVLINK_DEBIAN)
+        set(compress --compress)
+    endif()
+    add_custom_command(OUTPUT "${folder}.done"
+                       COMMAND "${CMAKE_COMMAND}" -E rm -rf "${folder}"
+                       COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/packaging/man_page.py" --commands ${compress}
+                               $<TARGET_FILE:${target}> "${folder}" ${PROJECT_VERSION}
+                       COMMAND "${CMAKE_COMMAND}" -E touch "${folder}.done"
+                       DEPENDS ${target} "${PROJECT_SOURCE_DIR}/packaging/man_page.py" VERBATIM
+                       COMMENT "Generating the pages of the commands")
+    add_custom_target(harvlink_install_command_pages ALL DEPENDS "${folder}.done")
+    install(DIRECTORY "${folder}/" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+endfunction()
+
 if(HARVLINK_BUILD_CLI)
     harvlink_install_program(harvlink_cli harvlink)
+    harvlink_install_command_pages(harvlink_cli)
     harvlink_install_output(harvlink_cli "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" harvlink
                             $<TARGET_FILE:harvlink_cli> completion bash)
     harvlink_install_output(harvlink_cli "${zsh_folder}" _harvlink

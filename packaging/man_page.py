@@ -2,11 +2,15 @@
 """Prints the manual page of a program, made of its --help, the --help of each command, and a file with further sections.
 
     man_page.py PROGRAM SECTIONS-FILE VERSION
+    man_page.py --commands [--compress] PROGRAM FOLDER VERSION
+
+The second form writes into the folder a page for each command of the program, such as harvlink-var.1.
 
 In the file, a heading in capital letters begins a section. A section has paragraphs or a list like those of a help text.
 NAME and DESCRIPTION come before the text of --help, all other sections after it.
 """
 
+import gzip
 import itertools
 import os
 import pathlib
@@ -137,7 +141,41 @@ def manual(program, own, version):
             yield from (f".SH {title}", *(entries(lines) if ENTRY.match(lines[0]) else paragraphs(lines)))
 
 
+def command_manual(program, command, version):
+    """The page of one command, with a subsection for each command below it."""
+    name = pathlib.Path(program).name
+    page = ask(program, [command])
+    inherited = {match[1] for match in map(ENTRY.match, page.sections.get("Options", [])) if match and "help" in match[1]}
+    yield f'.TH {escape(f"{name}-{command}").upper()} 1 "" "Harvlink {version}" "User Commands"'
+    yield from (".SH NAME", escape(f"{name}-{command}") + " \\- " + escape(page.notes[0]))
+    yield from (".SH SYNOPSIS", f".B {escape(page.usage)}", ".SH DESCRIPTION")
+    yield from paragraphs(page.notes)
+    for title, lines in page.sections.items():
+        if "command" not in title.lower():
+            yield from (f".SH {title.upper()}", *section(title, lines))
+    if page.commands():
+        yield ".SH COMMANDS"
+        for each in page.commands():
+            yield from command_pages(program, name, [command, each], inherited)
+    yield from (".SH SEE ALSO", f".BR {escape(name)} (1)")
+
+
+def write_commands(program, folder, version, compress):
+    target = pathlib.Path(folder)
+    target.mkdir(parents=True, exist_ok=True)
+    for command in ask(program, []).commands():
+        text = "\n".join(command_manual(program, command, version)) + "\n"
+        page = target / f"{pathlib.Path(program).name}-{command}.1"
+        if compress:
+            page.with_name(page.name + ".gz").write_bytes(gzip.compress(text.encode(), 9, mtime=0))
+        else:
+            page.write_text(text, encoding="utf-8")
+
+
 def main(arguments):
+    if arguments[:1] == ["--commands"] and len(arguments) in (4, 5):
+        write_commands(*arguments[-3:], compress="--compress" in arguments)
+        return 0
     if len(arguments) != 3:
         print(__doc__, file=sys.stderr)
         return 2

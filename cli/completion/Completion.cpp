@@ -15,15 +15,19 @@ namespace harvlink::cli {
 
 namespace {
 
-/// In the shell harvlink_words holds the words that fit; harvlink_files is "file" or "folder" if their names fit too.
+/// In the shell harvlink_words holds the words that fit; harvlink_files is "file" or "folder" if their names fit too, or the kind
+/// of words that the program itself has to find, for which harvlink_options holds what names the controller.
 constexpr char const* Finder = R"(# Made by harvlink completion; do not edit.
 
 # Takes the words before the one to complete.
 _harvlink_find() {{
     local command=harvlink previous= word
-    harvlink_words= harvlink_files=
+    harvlink_words= harvlink_files= harvlink_options=()
     shift
     for word in "$@"; do
+        case $previous in
+        --host|--cell|--config|--encoding) harvlink_options+=("$previous" "$word") ;;
+        esac
         case "$command $word" in
 {}        esac
         previous=$word
@@ -40,7 +44,7 @@ _harvlink_find() {{
 
 constexpr char const* BashWrapper = R"(
 _harvlink() {
-    local current=${COMP_WORDS[COMP_CWORD]} harvlink_words harvlink_files word fitting=
+    local current=${COMP_WORDS[COMP_CWORD]} harvlink_words harvlink_files harvlink_options word fitting=
     _harvlink_find "${COMP_WORDS[@]:0:COMP_CWORD}"
     for word in $harvlink_words; do
         [[ $word == -* && $current != -* ]] || fitting="$fitting $word"
@@ -49,15 +53,21 @@ _harvlink() {
     case $harvlink_files in
     file) COMPREPLY+=($(compgen -f -- "$current")); compopt -o filenames ;;
     folder) COMPREPLY+=($(compgen -d -- "$current")); compopt -o filenames ;;
+    ?*)
+        while IFS= read -r word; do
+            COMPREPLY+=("$word")
+        done < <(command harvlink complete-words "$harvlink_files" "${harvlink_options[@]}" -- "$current" 2>/dev/null)
+        compopt -o filenames
+        ;;
     esac
     [[ ${COMPREPLY[0]} != *: ]] || compopt -o nospace
 }
 complete -F _harvlink harvlink
 )";
 
-constexpr char const* ZshWrapper = R"(
+constexpr char const* ZshWrapper = R"--(
 _harvlink() {
-    local harvlink_words harvlink_files
+    local harvlink_words harvlink_files harvlink_options
     _harvlink_find "${(@)words[1,CURRENT-1]}"
     local -a fitting=(${=harvlink_words})
     [[ ${words[CURRENT]} == -* ]] || fitting=(${fitting:#-*})
@@ -65,6 +75,10 @@ _harvlink() {
     case $harvlink_files in
     file) _files ;;
     folder) _files -/ ;;
+    ?*)
+        fitting=(${(f)"$(command harvlink complete-words $harvlink_files $harvlink_options -- ${words[CURRENT]} 2>/dev/null)"})
+        compadd -- $fitting
+        ;;
     esac
 }
 if [[ ${zsh_eval_context[-1]} == loadautofunc ]]; then
@@ -72,7 +86,7 @@ if [[ ${zsh_eval_context[-1]} == loadautofunc ]]; then
 else
     compdef _harvlink harvlink
 fi
-)";
+)--";
 
 /// What an argument may be.
 struct Candidates {
@@ -107,7 +121,11 @@ Candidates CandidatesFor(CLI::Option const& option) {
         }
         return {words, {}};
     }
-    return {type == "GROUP" ? AllGroups() : "", type == "FILE" ? "file" : type.starts_with("FOLDER") ? "folder" : ""};
+    bool const isFound = type == "CELL" || type == "JOB" || type == "TRAJECTORY";
+    return {type == "GROUP" ? AllGroups() : "", isFound                      ? type
+                                                : type == "FILE"             ? "file"
+                                                : type.starts_with("FOLDER") ? "folder"
+                                                                             : ""};
 }
 
 std::vector<CLI::App const*> CommandsOf(CLI::App const& app) {
@@ -149,6 +167,9 @@ private:
     void Add(CLI::App const& app, std::string const& path, bool isProgram) {
         Candidates here;
         for (CLI::App const* const command : CommandsOf(app)) {
+            if (command->get_group().empty()) {
+                continue; // for the completion itself
+            }
             std::vector<std::string> names = command->get_aliases();
             names.insert(names.begin(), command->get_name());
             for (std::string const& name : names) {
@@ -162,7 +183,7 @@ private:
             Candidates const words = CandidatesFor(*option);
             if (option->get_positional()) {
                 here.words += (here.words.empty() || words.words.empty() ? "" : " ") + words.words;
-                here.files += words.files;
+                here.files = words.files.empty() ? here.files : words.files;
             }
             AddValues(*option, words, path, isProgram);
         }

@@ -14,6 +14,7 @@
 
 #include "cli/output/Output.h"
 #include "cli/program/Help.h"
+#include "cli/program/HelpCommand.h"
 #include "cli/program/Interrupt.h"
 #include "cli/program/ParseErrorText.h"
 #include "cli/program/Session.h"
@@ -45,8 +46,13 @@ std::string CommandName(CLI::App const& app) {
 
 /// The arguments in the order that the parser wants, the last first. A negative code after "explain" is written in
 /// hexadecimal, as the parser would take it for an option.
-std::vector<std::string> Arguments(int argc, char const* const* argv) {
+std::vector<std::string> Arguments(CLI::App const& app, int argc, char const* const* argv) {
     std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    bool const isHelp = !arguments.empty() && arguments.front() == "help";
+    RewriteHelp(arguments);
+    if (isHelp) {
+        CheckHelp(app, arguments);
+    }
     bool isExplained = false;
     for (std::string& argument : arguments) {
         std::int32_t code = 0;
@@ -63,7 +69,7 @@ std::vector<std::string> Arguments(int argc, char const* const* argv) {
 
 int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {
     try {
-        app.parse(Arguments(argc, argv));
+        app.parse(Arguments(app, argc, argv));
     } catch (CLI::ParseError const& error) {
         if (error.get_exit_code() == 0) {
             return app.exit(error, console.out, console.err);

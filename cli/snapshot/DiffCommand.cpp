@@ -91,8 +91,8 @@ int Diff(Session& session, Output& output, DiffArguments const& arguments) {
 void AddDiff(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<DiffArguments>();
     CLI::App* const verb = family.add_subcommand("diff", "Show what has changed from one snapshot to another");
-    verb->add_option("A", arguments->before, "Folder of the older snapshot, or live")->required();
-    verb->add_option("B", arguments->after, "Folder of the newer snapshot, or live")->required();
+    verb->add_option("A", arguments->before, "Folder of the older snapshot, or live")->type_name("FOLDER")->required();
+    verb->add_option("B", arguments->after, "Folder of the newer snapshot, or live")->type_name("FOLDER")->required();
     SetExamples(*verb, {"snapshot diff cell3 live", "snapshot diff monday tuesday --json"}, DiffNotes);
     verb->callback([arguments, &session] {
         bool const isLive = arguments->before == Live || arguments->after == Live;

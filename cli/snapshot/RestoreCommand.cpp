@@ -164,9 +164,8 @@ void AddRestore(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<RestoreArguments>();
     CLI::App* const verb = family.add_subcommand("restore", "Write a snapshot back to a controller, after a plan");
     verb->add_option("FOLDER", arguments->folder, "Folder of the snapshot")->type_name("FOLDER")->required();
-    verb->add_option("--only", arguments->only,
-                     "Sections: files, variables, registers, signals (default: all but signals)")
-        ->type_name("SECTION");
+    verb->add_option("--only", arguments->only, "Sections (default: all but signals)")
+        ->type_name("files|variables|registers|signals");
     verb->add_flag("--dry-run", arguments->dryRun, "Show the plan, and write nothing");
     SetExamples(*verb,
                 {"snapshot restore cell3 --dry-run", "snapshot restore cell3 --only variables registers",

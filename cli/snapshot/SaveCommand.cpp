@@ -85,11 +85,11 @@ void AddSave(CLI::App& family, Session& session) {
     CLI::App* const verb =
         family.add_subcommand("save", "Read the contents of a controller into a folder of text files");
     verb->add_option("FOLDER", arguments->folder, "Folder to write; it may be new, empty or, with --force, a snapshot")
+        ->type_name("FOLDER")
         ->required();
     Selection& selection = arguments->selection;
-    verb->add_option("--only", selection.sections,
-                     "Sections: groups, variables, signals, registers, parameters, files (default: all)")
-        ->type_name("SECTION");
+    verb->add_option("--only", selection.sections, "Sections (default: all)")
+        ->type_name("groups|variables|signals|registers|parameters|files");
     verb->add_option("--var", selection.variables, "Variables and ranges, such as B0..B99 (default: all)")
         ->type_name("VARIABLE");
     verb->add_option("--param", selection.parameters, "Parameters and ranges, such as RS0..RS299 (default: all)")

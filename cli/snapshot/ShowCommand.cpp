@@ -119,9 +119,9 @@ int Show(Output& output, ShowArguments const& arguments) {
 void AddShow(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<ShowArguments>();
     CLI::App* const verb = family.add_subcommand("show", "Show a snapshot, one of its sections or one of its files");
-    verb->add_option("FOLDER", arguments->folder, "Folder of the snapshot")->required();
-    verb->add_option("SECTION", arguments->section,
-                     "groups, variables, signals, registers, parameters, files, or files/NAME");
+    verb->add_option("FOLDER", arguments->folder, "Folder of the snapshot")->type_name("FOLDER")->required();
+    verb->add_option("SECTION", arguments->section, "A section, or files/NAME")
+        ->type_name("groups|variables|signals|registers|parameters|files");
     SetExamples(*verb, {"snapshot show cell3", "snapshot show cell3 variables", "snapshot show cell3 files/MAIN.JBI"});
     verb->callback(
         [arguments, &session] { session.Locally([arguments](Output& output) { return Show(output, *arguments); }); });

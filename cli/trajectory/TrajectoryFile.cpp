@@ -150,6 +150,15 @@ private:
 
 } // namespace
 
+bool HasTrajectoryHeader(std::string_view text) {
+    try {
+        std::vector<CsvRow> const rows = ParseCsv("", text);
+        return !rows.empty() && (TrajectoryColumns("", rows.front()), true);
+    } catch (InputError const&) {
+        return false;
+    }
+}
+
 void CheckMotion(Motion const& motion) {
     PositionData const& position = motion.position;
     Require(position.coordinateType != CoordinateType::JointAngle, ErrorStatusCodes::InvalidCoordinateType);

@@ -31,6 +31,9 @@ using Trajectory = std::vector<TrajectoryPoint>;
 /// names every wrong line.
 Trajectory ParseTrajectory(std::string const& file, std::string_view text);
 
+/// Whether the first line of a text names the columns of a trajectory.
+bool HasTrajectoryHeader(std::string_view text);
+
 /// Throws InputError with the text of the status with which the library would refuse the point.
 void CheckMotion(Motion const& motion);
 

@@ -6,6 +6,7 @@
 #include "cli/doctor/DoctorCommand.h"
 #include "cli/explain/ExplainCommand.h"
 #include "cli/program/ConfigCommand.h"
+#include "cli/program/HelpCommand.h"
 #include "cli/recording/RecordCommand.h"
 #include "cli/recording/RecordingCommands.h"
 #include "cli/snapshot/SnapshotCommands.h"
@@ -32,7 +33,9 @@ std::span<AddCommands const> AllCommands() {
                                     AddWatchCommand,
                                     AddSnapshotCommands,
                                     AddRecordCommand,
-                                    AddRecordingCommands};
+                                    AddRecordingCommands,
+                                    AddCompleteWords,
+                                    AddHelpCommand};
     return All;
 }
 

@@ -258,7 +258,7 @@ StatusInfo DeleteFiles(QuorvanController& robot, Output& output, TextList const&
 void AddDelete(CLI::App& family, Session& session) {
     auto globs = std::make_shared<TextList>();
     CLI::App* const verb = family.add_subcommand("delete", "Delete jobs from the controller");
-    verb->add_option("NAME", *globs, "Names and globs of jobs; .JBI may be left out")->required();
+    verb->add_option("NAME", *globs, "Names and globs of jobs; .JBI may be left out")->type_name("JOB")->required();
     SetExamples(*verb, {"files delete OLD", "files delete 'TEST*.JBI'"}, FileNamesHelp);
     verb->callback([globs, &session] {
         for (std::string& glob : *globs) {

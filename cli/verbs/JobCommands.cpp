@@ -27,7 +27,7 @@ struct SelectArguments {
 void AddSelect(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<SelectArguments>();
     CLI::App* const verb = family.add_subcommand("select", "Choose the job that a start will run");
-    verb->add_option("NAME", arguments->name, "Name of the job, with or without .JBI")->required();
+    verb->add_option("NAME", arguments->name, "Name of the job, with or without .JBI")->type_name("JOB")->required();
     verb->add_option("--line", arguments->line, "Line to start from, 0 to 9999")->type_name("N")->capture_default_str();
     SetExamples(*verb, {"job select MAIN", "job select MAIN --line 12"});
     verb->callback([arguments, &session] {

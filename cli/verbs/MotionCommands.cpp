@@ -88,11 +88,11 @@ void AddTrajectory(CLI::App& app, Session& session) {
     auto path = std::make_shared<std::string>();
     CLI::App* const run = family->add_subcommand("run", "Move through all points of a file: MOVES THE MACHINE. Ctrl-C "
                                                         "stops the motion and clears the queue, a second one quits");
-    run->add_option("FILE", *path, "The trajectory")->type_name("FILE")->required();
+    run->add_option("FILE", *path, "The trajectory")->type_name("TRAJECTORY")->required();
     SetExamples(*run, {"trajectory run square.csv", "trajectory run square.csv --yes --json"}, TrajectoryHelp);
     run->callback([path, &session] { PlanTrajectory(session, ParseTrajectory(*path, ReadTextFile(*path))); });
     CLI::App* const check = family->add_subcommand("check", "Check a file without a robot");
-    check->add_option("FILE", *path, "The trajectory")->type_name("FILE")->required();
+    check->add_option("FILE", *path, "The trajectory")->type_name("TRAJECTORY")->required();
     SetExamples(*check, {"trajectory check square.csv"}, TrajectoryHelp);
     check->callback([path, &session] {
         session.Locally([count = ParseTrajectory(*path, ReadTextFile(*path)).size()](Output& output) {

@@ -1,6 +1,7 @@
 #include "cli/watch/Layout.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
@@ -114,6 +115,33 @@ std::vector<Line> Items(Parts const& parts, Item const& item) {
     return items;
 }
 
+// A wide screen has several groups side by side.
+std::vector<Line> GroupRows(std::vector<GroupSample> const& groups, std::size_t columns) {
+    constexpr std::size_t Narrowest = 78; // eight axes
+    constexpr std::size_t Gap = 3;
+    std::size_t const perRow =
+        std::clamp<std::size_t>(columns / (Narrowest + Gap), 1, std::max<std::size_t>(groups.size(), 1));
+    std::size_t const width = columns / perRow - (perRow > 1 ? Gap : 0);
+    std::vector<Line> lines;
+    for (std::size_t first = 0; first < groups.size(); first += perRow) {
+        lines.emplace_back();
+        std::size_t const top = lines.size();
+        for (std::size_t i = 0; i < perRow && first + i < groups.size(); ++i) {
+            std::vector<Line> const block = GroupLines(groups[first + i], width);
+            lines.resize(std::max(lines.size(), top + block.size()));
+            for (std::size_t row = 0; row < block.size(); ++row) {
+                Line& line = lines[top + row];
+                std::size_t const left = i * (width + Gap);
+                std::size_t const used = WidthOf(line);
+                line.push_back({std::string(left > used ? left - used : 0, ' ')});
+                Line const part = Clip(block[row], width);
+                line.insert(line.end(), part.begin(), part.end());
+            }
+        }
+    }
+    return lines;
+}
+
 std::vector<Line> Body(Sample const& sample, std::size_t columns) {
     std::vector<Line> lines{TitleLine(sample, columns)};
     Append(lines, LostLines(sample));
@@ -123,10 +151,7 @@ std::vector<Line> Body(Sample const& sample, std::size_t columns) {
     Append(lines, StateLines(sample.state, columns));
     Append(lines, Flow("Job", {JobItem(sample.job)}, columns));
     Append(lines, AlarmLines(sample.alarms, columns));
-    for (GroupSample const& group : sample.groups) {
-        lines.emplace_back();
-        Append(lines, GroupLines(group, columns));
-    }
+    Append(lines, GroupRows(sample.groups, columns));
     if (!sample.variables.empty() || !sample.signals.empty()) {
         lines.emplace_back();
     }
@@ -137,15 +162,23 @@ std::vector<Line> Body(Sample const& sample, std::size_t columns) {
 
 } // namespace
 
-std::vector<Line> LayOut(Sample const& sample, Size size) {
+std::vector<Line> LayOut(Sample const& sample, Size size, std::size_t& scrolled) {
     if (size.rows == 0 || size.columns == 0) {
         return {};
     }
     std::vector<Line> lines = Body(sample, size.columns);
+    std::size_t const all = lines.size();
     std::size_t const room = size.rows - 1;
     Line footer{{Keys, Style::Faint}};
-    if (lines.size() > room) {
-        footer = {{fmt::format("q quits   {} more lines in a larger window", lines.size() - room), Style::Warning}};
+    scrolled = std::min(scrolled, all > room ? all - room : 0);
+    if (all > room && room > 1) {
+        auto const second = lines.begin() + 1;
+        lines.erase(second, second + static_cast<std::ptrdiff_t>(scrolled));
+        std::size_t const below = all - room - scrolled;
+        footer = {
+            {fmt::format("q quits   {}lines {} to {} of {}, arrows scroll",
+                         below > 0 ? fmt::format("{} more lines   ", below) : "", scrolled + 2, scrolled + room, all),
+             Style::Warning}};
     }
     lines.resize(room);
     lines.push_back(std::move(footer));

@@ -22,8 +22,9 @@ struct Size {
     std::size_t columns = 0;
 };
 
-/// The lines that show a sample, never more than `size`. What does not fit is cut off, and the last line says so.
-std::vector<Line> LayOut(Sample const& sample, Size size);
+/// The lines that show a sample, never more than `size`. If there are more, the first stays and the others begin after as many as
+/// `scrolled` says; the last line tells which are shown. A larger number than there is to scroll becomes the largest.
+std::vector<Line> LayOut(Sample const& sample, Size size, std::size_t& scrolled);
 
 /// The same as plain text, with as many lines as it takes.
 std::string PlainText(Sample const& sample, std::size_t columns);

@@ -120,6 +120,21 @@ Screen::Key Screen::ReadKey() {
             return Key::Quit;
         case KEY_RESIZE:
             return Key::Resize;
+        case KEY_UP:
+        case 'k':
+            return Key::Up;
+        case KEY_DOWN:
+        case 'j':
+            return Key::Down;
+        case KEY_PPAGE:
+            return Key::PageUp;
+        case KEY_NPAGE:
+        case ' ':
+            return Key::PageDown;
+        case KEY_HOME:
+            return Key::Home;
+        case KEY_END:
+            return Key::End;
         case ERR:
             return Key::None;
         default:

@@ -1,8 +1,10 @@
 #include "cli/watch/WatchCommand.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -95,12 +97,33 @@ bool WaitForNews(Interrupt const& interrupt, Feed const& feed) {
     return sources[0].revents == 0 && !isTerminalGone;
 }
 
+/// How far the screen is scrolled after a key.
+std::size_t Scroll(std::size_t scrolled, Screen::Key key, std::size_t page) {
+    switch (key) {
+    case Screen::Key::Up:
+        return scrolled - std::min<std::size_t>(scrolled, 1);
+    case Screen::Key::Down:
+        return scrolled + 1;
+    case Screen::Key::PageUp:
+        return scrolled - std::min(scrolled, page);
+    case Screen::Key::PageDown:
+        return scrolled + page;
+    case Screen::Key::Home:
+        return 0;
+    case Screen::Key::End:
+        return std::numeric_limits<std::size_t>::max(); // the layout makes it the end
+    default:
+        return scrolled;
+    }
+}
+
 StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
     Interrupt const interrupt;
     Feed feed(reader, interval);
     // Made after the feed and so destroyed first: the end of the feed may take a time-out, the terminal must come back now.
     Screen screen(output.HasColour());
     Sample sample;
+    std::size_t scrolled = 0;
     while (WaitForNews(interrupt, feed)) {
         Screen::Key const key = screen.ReadKey();
         if (key == Screen::Key::Quit) {
@@ -108,8 +131,9 @@ StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
         }
         std::optional<Sample> const newest = feed.Take();
         sample = newest.value_or(sample);
-        if (sample.number > 0 && (newest || key == Screen::Key::Resize)) {
-            screen.Draw(LayOut(sample, screen.GetSize()));
+        scrolled = Scroll(scrolled, key, screen.GetSize().rows / 2);
+        if (sample.number > 0 && (newest || key != Screen::Key::None)) {
+            screen.Draw(LayOut(sample, screen.GetSize(), scrolled));
         }
     }
     return {};

@@ -34,7 +34,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         char const* out; ///< a part of the output
         char const* err;
     };
-    std::array<Case, 104> const cases{{
+    std::array<Case, 107> const cases{{
         {"status", 0, "Servo on  no\n", ""},
         {"--json status", 0, "\"servo_on\": false", ""},
         {"info robot7", 1, "", "Code (45063): The system ID requested is invalid\n"},
@@ -138,6 +138,9 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"alarms history --category minor --json", 0, "[]\n", ""},
         {"var load /", 2, "", "harvlink: can't read /: it is a folder"},
         {"var load none.csv", 2, "", "can't read none.csv: No such file or directory"},
+        {"help var get", 0, "Usage: harvlink var get ", ""},
+        {"help var gte", 2, "", "there is no command 'gte'; there are: get, set, dump, load"},
+        {"help --help", 0, "harvlink help var get", ""},
         {"--version", 0, "harvlink 1.1.3\n", ""},
     }};
     for (Case const& expected : cases) {

@@ -138,16 +138,25 @@ TEST_F(SettingsTest, RefuseAControllerOfAnotherGeneration) {
 
 TEST_F(SettingsTest, CompleteInBashAndZsh) {
     test::WriteFile("bash", RunTool("completion bash").out + R"(
-COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _harvlink 2>/dev/null; printf '%s ' "${COMPREPLY[@]}")");
+COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _harvlink 2>/dev/null; [[ ${#COMPREPLY[@]} == 0 ]] || printf '%s ' "${COMPREPLY[@]}")");
     test::WriteFile("zsh", "compdef() {}\ncompadd() { for w in ${@:#--}; do [[ $w == ${words[CURRENT]}* ]] && printf "
-                           "'%s ' $w; done }\n_files() { printf 'square.csv ' }\n" +
+                           "'%s ' $w; done }\n_files() { printf 'snapshot3 ' }\n" +
                                RunTool("completion zsh").out + "words=(\"$@\") CURRENT=$#; _harvlink");
-    test::WriteFile("square.csv", "");
+    test::WriteFile("square.csv", "x,y,z,rx,ry,rz,speed\n");
+    test::WriteFile("squares.csv", "variable,value\n");
+    test::WriteFile("config", "[cell.press1]\nhost = \"127.0.0.1\"\n[cell.weld]\nhost = \"127.0.0.1\"\n");
+    std::filesystem::create_directory("snapshot3");
+    simulator::Server server;
+    std::string const host = test::NextLoopbackAddress();
+    server.Add(host);
+    ASSERT_TRUE(server.Start()) << server.Error();
+    std::string const programs = std::filesystem::path(HARVLINK_PROGRAM).parent_path().string();
+    ::setenv("PATH", fmt::format("{}:{}", programs, ::getenv("PATH")).c_str(), 1);
     struct Case {
-        char const* words;
+        std::string words;
         char const* completed;
     };
-    std::array<Case, 9> const cases{{
+    std::array<Case, 14> const cases{{
         {"sta", "status start "},
         {"position R", "R1 R2 R3 R4 R5 R6 R7 R8 "},
         {"position --coordinate u", "user: "},
@@ -155,6 +164,11 @@ COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _harvlink 2>/dev/null; printf '%s ' "$
         {"alarms history --category sys", "system-user "},
         {"hold o", "on off "},
         {"trajectory run squ", "square.csv "},
+        {"snapshot show sn", "snapshot3 "},
+        {"snapshot show snapshot3 var", "variables "},
+        {"--config config --cell pr", "press1 "},
+        {fmt::format("--host {} job select DE", host), "DEMO "},
+        {"--host 192.0.2.1 job select DE", ""},
         {"files get --for", "--force "},
         {"status --ho", "--host "},
     }};

@@ -104,6 +104,13 @@ constexpr std::array Verbs = std::to_array<VerbCase>({
     {"config", "", NoConnection},
     {"explain", "0x2060", NoConnection},
     {"completion", "bash", NoConnection},
+    {"complete-words", "JOB", Access::Observe},
+    {"help", "status", NoConnection},
+    {"record", "--for 300ms --out r.harvlink", Access::Observe},
+    {"recording info", "none.harvlink", NoConnection},
+    {"recording events", "none.harvlink", NoConnection},
+    {"recording export", "none.harvlink", NoConnection},
+    {"recording cut", "none.harvlink --out cut.harvlink", NoConnection},
 });
 
 void AddNames(CLI::App const& command, std::string const& prefix, std::set<std::string>& names) {

@@ -18,6 +18,7 @@
 #include "cli/output/Output.h"
 #include "cli/watch/Layout.h"
 #include "support/ScratchFolder.h"
+#include "words/text/Printable.h"
 
 namespace harvlink::cli {
 namespace {
@@ -47,7 +48,8 @@ TEST(WatchLayout, FitsEveryWindow) {
             isLost ? std::optional<StatusInfo>(StatusInformation(ErrorStatusCodes::ResponseTimeout)) : std::nullopt;
         for (std::size_t rows = 0; rows < 70; rows += rows < 4 ? 1 : 13) {
             for (std::size_t columns = 0; columns < 200; columns += columns < 12 ? 1 : 17) {
-                std::vector<Line> const lines = LayOut(sample, {rows, columns});
+                std::size_t scrolled = rows % 3;
+                std::vector<Line> const lines = LayOut(sample, {rows, columns}, scrolled);
                 EXPECT_EQ(lines.size(), columns == 0 ? 0 : rows);
                 for (Line const& line : lines) {
                     std::size_t width = 0;
@@ -65,7 +67,34 @@ TEST(WatchLayout, FitsEveryWindow) {
         EXPECT_NE(text.find("Code (40961)"), std::string::npos);
         EXPECT_NE(text.find("B39 200"), std::string::npos);
     }
-    EXPECT_NE(LayOut(sample, {10, 80}).back().front().text.find("more lines"), std::string::npos);
+    struct Case {
+        std::size_t scrolled;
+        char const* footer;
+        char const* second; ///< begins the line below the title
+    };
+    std::array<Case, 3> const cases{
+        {{0, "lines 2 to 9 of 31", "NO ANSWER"}, {3, "lines 5 to 12 of 31", " "}, {999, "lines 24 to 31 of 31", ""}}};
+    for (Case const& each : cases) {
+        std::size_t scrolled = each.scrolled;
+        std::vector<Line> const lines = LayOut(sample, {10, 80}, scrolled);
+        EXPECT_NE(lines.back().front().text.find(each.footer), std::string::npos) << lines.back().front().text;
+        EXPECT_TRUE(lines[0].front().text.starts_with("192.168.255.1"));
+        EXPECT_TRUE(lines[1].front().text.starts_with(each.second)) << lines[1].front().text;
+        EXPECT_EQ(scrolled, std::min<std::size_t>(each.scrolled, 22)) << "there is no more to scroll";
+    }
+    EXPECT_LT(PlainText(sample, 200).find("S1 "), PlainText(sample, 200).find("Pulses")) << "groups side by side";
+}
+
+TEST(WatchLayout, LinesUpWideCharacters) {
+    Sample sample = SampleOfEverything();
+    sample.variables = {{"S1", {{}, std::string("\u6eb6\u63a5")}}, {"S2", {{}, std::string("ab\u009b31m")}}};
+    sample.variables.resize(4, {"S3", {{}, std::string("0123456789012345678901234567")}});
+    std::string const text = PlainText(sample, 80);
+    std::size_t const line = text.find("Values   S1");
+    std::size_t const start = text.rfind('\n', line) + 1;
+    std::size_t const second = text.find("S2 ", line);
+    EXPECT_EQ(ColumnsOf(text.substr(start, second - start)), 9U + 31U + 3U) << text;
+    EXPECT_NE(text.find("ab?31m"), std::string::npos);
 }
 
 class WatchTest : public ToolTest {};
