@@ -39,6 +39,7 @@ from .frame_math import Frame, Pose, Vector
 from .job import Job
 from .motion_manager import Motion, TrajectoryFailure, TrajectoryState
 from .position import Figure, Position
+from .recording import Recording
 from .statistics import RoundTrip, Statistics
 
 __version__ = "1.1.3"
@@ -72,6 +73,7 @@ __all__ = [
     "Pose",
     "Position",
     "RULES",
+    "Recording",
     "Robot",
     "RoundTrip",
     "State",

@@ -61,10 +61,14 @@ Microseconds MonotonicOf(std::chrono::system_clock::time_point time) {
     return duration_cast<std::chrono::microseconds>(monotonic).count();
 }
 
+std::int64_t Truth(bool value) {
+    return value ? 1 : 0;
+}
+
 std::int64_t FigureNumber(Figure const& figure) {
     std::int64_t number = 0;
     unsigned bit = 0;
-    auto const add = [&](auto field) { number |= static_cast<std::int64_t>(static_cast<int>(field) != 0) << bit++; };
+    auto const add = [&](auto field) { number |= Truth(static_cast<int>(field) != 0) << bit++; };
     add(figure.frontOrBack);
     add(figure.upperOrLower);
     add(figure.flipOrNoFlip);
@@ -83,19 +87,19 @@ std::string UpToZero(std::string const& field) {
 struct Values {
     using List = std::vector<RecordedValue>;
 
-    List operator()(std::monostate) const { return {}; }
-    List operator()(bool value) const { return {std::int64_t{value}}; }
+    List operator()(std::monostate /*none*/) const { return {}; }
+    List operator()(bool value) const { return {Truth(value)}; }
     List operator()(std::int64_t value) const { return {value}; }
     List operator()(double value) const { return {value}; }
     List operator()(std::string const& value) const { return {UpToZero(value)}; }
     List operator()(ControllerStateData const& state) const {
         return {static_cast<std::int64_t>(state.controlMode),
                 static_cast<std::int64_t>(state.cycleMode),
-                std::int64_t{state.isRunning},
-                std::int64_t{state.isProgramPendantHold},
-                std::int64_t{state.isAlarming},
-                std::int64_t{state.isErroring},
-                std::int64_t{state.isServoOn}};
+                Truth(state.isRunning),
+                Truth(state.isProgramPendantHold),
+                Truth(state.isAlarming),
+                Truth(state.isErroring),
+                Truth(state.isServoOn)};
     }
     List operator()(JobData const& job) const {
         return {UpToZero(job.name), std::int64_t{job.line}, std::int64_t{job.stepNumber}, job.speedOverride};
