@@ -129,8 +129,7 @@ struct FleetControllerOptions {
     std::string address; ///< IPv4 address in dotted form, or the name of a host, which Add and Change resolve
     unsigned timeout = 500; ///< milliseconds until an unanswered read is asked again; 1 to 3600000
     unsigned retries = 3; ///< so often; then it has failed. At most 1000
-    unsigned lanes =
-        1; ///< reads in flight at once, 1 to 4, for controllers that answer slowly. Each has its own socket
+    unsigned lanes = 1; ///< reads in flight at once, 1 to 4, for controllers that answer slowly; a socket each
     std::chrono::microseconds gap{0}; ///< least time between two requests, for a controller that needs rest
     double mostRequestsPerSecond = 0.0; ///< of all groups together, evenly spaced; 0: no limit
     /// If it is known: items that this generation does not have are refused by Add. The fleet asks the controller in any case.
@@ -142,8 +141,7 @@ enum class FleetState : std::int32_t {
     Connecting = 0, ///< it has not answered yet, or what it is has to be learnt
     Online = 1,
     Late = 2, ///< the last read is not answered in time, and is asked again
-    Silent =
-        3, ///< three time-outs in a row and a read that failed. It is asked again after a pause of 0.5 s, which rises to 30 s
+    Silent = 3, ///< three time-outs in a row, and a read failed; asked again after pauses of 0.5 s to 30 s
     Refused = 4, ///< nobody listens at its port, it refuses to say what it is, or this computer has no socket for it
 };
 

@@ -473,6 +473,159 @@ typedef struct ZyxEulerPose {
     double rz;
 } ZyxEulerPose;
 
+/* ---- Records of fleets (Fleet.h) ------------------------------------------------------------------------------------ */
+
+/** A fleet; null for none. */
+typedef struct HarvlinkFleetCell* HarvlinkFleet;
+
+/** The kinds of value; FleetItemKind says what `index` means. */
+typedef int32_t HarvlinkFleetItemKind;
+enum {
+    HARVLINK_FLEET_STATE = 0,
+    HARVLINK_FLEET_JOB = 1,
+    HARVLINK_FLEET_ALARMS = 2,
+    HARVLINK_FLEET_POSITION = 3,
+    HARVLINK_FLEET_TORQUE = 4,
+    HARVLINK_FLEET_POSITION_ERROR = 5,
+    HARVLINK_FLEET_BYTE = 6,
+    HARVLINK_FLEET_INTEGER = 7,
+    HARVLINK_FLEET_DOUBLE_INT = 8,
+    HARVLINK_FLEET_REAL = 9,
+    HARVLINK_FLEET_STRING = 10,
+    HARVLINK_FLEET_ROBOT_POSITION = 11,
+    HARVLINK_FLEET_BASE_POSITION = 12,
+    HARVLINK_FLEET_STATION_POSITION = 13,
+    HARVLINK_FLEET_SIGNAL = 14,
+    HARVLINK_FLEET_SIGNAL_GROUP = 15,
+    HARVLINK_FLEET_REGISTER = 16,
+    HARVLINK_FLEET_OPERATING_TIME = 17,
+    HARVLINK_FLEET_SOFTWARE = 18,
+    HARVLINK_FLEET_TARGET_PROGRESS = 19
+};
+
+typedef int32_t HarvlinkFleetState;
+enum {
+    HARVLINK_FLEET_CONNECTING = 0,
+    HARVLINK_FLEET_ONLINE = 1,
+    HARVLINK_FLEET_LATE = 2,
+    HARVLINK_FLEET_SILENT = 3,
+    HARVLINK_FLEET_REFUSED = 4
+};
+
+typedef int32_t HarvlinkFleetQuality;
+enum {
+    HARVLINK_FLEET_GOOD = 0,
+    HARVLINK_FLEET_NOT_GIVEN = 1, /**< FleetQuality::Refused */
+    HARVLINK_FLEET_STALE = 2,
+    HARVLINK_FLEET_NEVER_READ = 3
+};
+
+/** One thing to read; see FleetItem. All zero but `count` 1, `group` 1 and `axis` -1 reads the state. */
+typedef struct HarvlinkFleetItem {
+    HarvlinkFleetItemKind kind;
+    uint32_t index;
+    uint32_t count; /**< 1, or several variables, registers, signals or signal groups in a row */
+    ControlGroupId group;
+    CoordinateType coordinate;
+    int32_t toolNumber;
+    int32_t userCoordinateNumber;
+    int32_t axis; /**< 0 to 7, or -1 for all */
+    int32_t detail;
+    uint32_t reserved; /**< 0 */
+    double deadBand;
+} HarvlinkFleetItem;
+
+/** Items that are read together. */
+typedef struct HarvlinkFleetGroup {
+    int64_t period; /**< nanoseconds, from 1000000 up */
+    HarvlinkFleetItem const* items;
+    uint32_t itemCount;
+    int32_t onChange; /**< 1 or 0 */
+    int64_t longestSilence; /**< milliseconds, 0 for none */
+} HarvlinkFleetGroup;
+
+/** How a fleet talks to one controller. */
+typedef struct HarvlinkFleetOptions {
+    uint32_t size; /**< sizeof(HarvlinkFleetOptions) where the caller was compiled */
+    uint32_t timeout; /**< milliseconds */
+    char const* address; /**< IPv4 address in dotted form, or the name of a host */
+    uint32_t retries;
+    uint32_t lanes; /**< 1 to 4 */
+    uint32_t gap; /**< microseconds from one request to the next, 0 for none */
+    int32_t generation; /**< -1 if it is not known, otherwise a ControllerVersion */
+    double mostRequestsPerSecond; /**< 0 for no limit */
+} HarvlinkFleetOptions;
+
+/** One place of the active alarms; the texts end with a zero byte. */
+typedef struct HarvlinkFleetAlarm {
+    uint32_t code; /**< 0 for an empty place */
+    uint32_t subcode;
+    char time[20];
+    char name[36];
+} HarvlinkFleetAlarm;
+
+/** One value of one item. By `item.kind`, the value is in: `state`; `text` (name), `line`, `step` and `real` (speed in per
+ * cent) of a job; `alarms`; `position`; `axes` of a torque or position error; `text` of a string; `integer` of a signal (0 or
+ * 1) and all whole numbers; `real` of a real variable, a progress and an axis of a position; `integer` (start, seconds since
+ * the epoch) and `elapsedTime`; `text` (model) and `software`. It is there if the quality is good or stale. */
+typedef struct HarvlinkFleetSample {
+    char controller[64]; /**< its name */
+    HarvlinkFleetItem item;
+    uint32_t group; /**< place in the groups of the controller */
+    HarvlinkFleetQuality quality;
+    int32_t code; /**< 0, or why there is no new value */
+    uint32_t textLength; /**< bytes of `text`: a string variable may have zero bytes inside */
+    int64_t requestTime; /**< nanoseconds since 1970-01-01 00:00 UTC */
+    int64_t answerTime;
+    int64_t integer;
+    double real;
+    ControllerStateData state;
+    int32_t axes[8];
+    PositionData position;
+    ElapsedTime elapsedTime;
+    uint32_t line;
+    uint32_t step;
+    char text[36];
+    char software[28];
+    HarvlinkFleetAlarm alarms[4];
+} HarvlinkFleetSample;
+
+/** What happened to a controller; see FleetEvent. */
+typedef struct HarvlinkFleetEvent {
+    char controller[64];
+    int32_t kind; /**< a FleetEventKind */
+    int32_t code;
+    int64_t time; /**< nanoseconds since 1970-01-01 00:00 UTC */
+    int64_t before;
+    int64_t after;
+    char text[48];
+} HarvlinkFleetEvent;
+
+/** What watching a controller costs; see FleetControllerPlan. */
+typedef struct HarvlinkFleetPlan {
+    char controller[64];
+    double exchangesPerSecond;
+    int64_t longestRoundTrip; /**< nanoseconds; 0 if its periods can't be kept */
+} HarvlinkFleetPlan;
+
+/** How a controller does; see FleetControllerStatistics. */
+typedef struct HarvlinkFleetStatistics {
+    char controller[64];
+    HarvlinkFleetState state;
+    uint32_t groups;
+    int64_t stateSince; /**< nanoseconds since 1970-01-01 00:00 UTC */
+    uint64_t exchanges;
+    uint64_t timeouts;
+    uint64_t repeatedRequests;
+    uint64_t lateAnswers;
+    uint64_t malformedAnswers;
+    uint64_t refusals;
+    uint64_t startUps;
+    uint64_t rounds[16]; /**< by group */
+    uint64_t overruns[16];
+    double effectiveRates[16]; /**< rounds a second */
+} HarvlinkFleetStatistics;
+
 /* ---- Connection (QuorvanController.h) ------------------------------------------------------------------------------ */
 
 /** Opens a connection and fills `status`. Never returns null; see the notes at the top. Logging is on. Takes an IPv4 address:
@@ -818,6 +971,45 @@ HARVLINK_EXPORT IStatusInfo kinematics_interface_ConvertPosition(ControllerHandl
 HARVLINK_EXPORT IStatusInfo kinematics_interface_ConvertPositionFromCartesian(
     ControllerHandle handle, ControlGroupId group, PositionData* source, KinematicConversions conversion,
     KinematicType type, double const* previousAngles, PositionData* result);
+
+/* ---- Fleets (Fleet.h) ------------------------------------------------------------------------------------------------ */
+
+/* One thread watches any number of controllers and only reads. May be called from any thread, but for create and destroy.
+ * A function that fills an array returns how many there are to be filled, which may be more than `capacity`, unless it says
+ * otherwise. A null fleet has no controllers. */
+
+/** Makes a fleet that keeps up to `queueCapacity` samples, 0 for 16384. Null, with a status, if memory or descriptors end. */
+HARVLINK_EXPORT HarvlinkFleet harvlink_fleet_create(uint32_t queueCapacity, IStatusInfo* status);
+/** Adds a controller. 0x50013 and a text that names the item if something is not valid; see Fleet::Add. */
+HARVLINK_EXPORT IStatusInfo harvlink_fleet_add(HarvlinkFleet fleet, char const* name,
+                                               HarvlinkFleetOptions const* options, HarvlinkFleetGroup const* groups,
+                                               uint32_t groupCount);
+/** Replaces options and groups of a controller; 0x50014 if there is none of this name. */
+HARVLINK_EXPORT IStatusInfo harvlink_fleet_change(HarvlinkFleet fleet, char const* name,
+                                                  HarvlinkFleetOptions const* options, HarvlinkFleetGroup const* groups,
+                                                  uint32_t groupCount);
+/** Ends watching a controller; 0x50014 if there is none of this name. */
+HARVLINK_EXPORT IStatusInfo harvlink_fleet_remove(HarvlinkFleet fleet, char const* name);
+/** What each controller costs. Sends nothing. */
+HARVLINK_EXPORT uint32_t harvlink_fleet_plan(HarvlinkFleet fleet, HarvlinkFleetPlan* plans, uint32_t capacity);
+/** Begins to read. 0x50007 if this computer gives no thread or no descriptor for it. */
+HARVLINK_EXPORT IStatusInfo harvlink_fleet_start(HarvlinkFleet fleet);
+/** Ends reading. What waits to be taken stays. */
+HARVLINK_EXPORT void harvlink_fleet_stop(HarvlinkFleet fleet);
+/** Moves the oldest samples into an array and returns how many, after waiting for the first for at most so long. */
+HARVLINK_EXPORT uint32_t harvlink_fleet_take(HarvlinkFleet fleet, HarvlinkFleetSample* samples, uint32_t capacity,
+                                             uint32_t waitMilliseconds);
+/** The same for events. */
+HARVLINK_EXPORT uint32_t harvlink_fleet_take_events(HarvlinkFleet fleet, HarvlinkFleetEvent* events, uint32_t capacity,
+                                                    uint32_t waitMilliseconds);
+/** The last value of each item, of one controller or, with a null name, of all. */
+HARVLINK_EXPORT uint32_t harvlink_fleet_latest(HarvlinkFleet fleet, char const* name, HarvlinkFleetSample* samples,
+                                               uint32_t capacity);
+/** How each controller does. `*droppedSamples`, which may be null, counts samples that nobody took in time. */
+HARVLINK_EXPORT uint32_t harvlink_fleet_statistics(HarvlinkFleet fleet, HarvlinkFleetStatistics* statistics,
+                                                   uint32_t capacity, uint64_t* droppedSamples);
+/** Stops, and frees the fleet. Null is ignored. No other function of it may run. */
+HARVLINK_EXPORT void harvlink_fleet_destroy(HarvlinkFleet fleet);
 
 /* ---- Frame math (FrameMath.h): no connection; no output may be the same record as an input -------------------------- */
 

@@ -21,6 +21,10 @@ from .enums import (
     CycleMode,
     ErrorCode,
     FileType,
+    FleetEventKind,
+    FleetItemKind,
+    FleetQuality,
+    FleetState,
     FlipOrNoFlip,
     FrontOrBack,
     IOType,
@@ -35,6 +39,7 @@ from .enums import (
 )
 from .errors import Error, NameNotResolved, Note
 from .fault import Alarm
+from .fleet import Event, Fleet, FleetPlan, FleetStatistics, Sample
 from .frame_math import Frame, Pose, Vector
 from .job import Job
 from .motion_manager import Motion, TrajectoryFailure, TrajectoryState
@@ -56,8 +61,16 @@ __all__ = [
     "CycleMode",
     "Error",
     "ErrorCode",
+    "Event",
     "Figure",
     "FileType",
+    "Fleet",
+    "FleetEventKind",
+    "FleetItemKind",
+    "FleetPlan",
+    "FleetQuality",
+    "FleetState",
+    "FleetStatistics",
     "FlipOrNoFlip",
     "Frame",
     "FrontOrBack",
@@ -76,6 +89,7 @@ __all__ = [
     "Recording",
     "Robot",
     "RoundTrip",
+    "Sample",
     "State",
     "Statistics",
     "SystemInfoId",

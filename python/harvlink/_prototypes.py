@@ -4,6 +4,7 @@ import ctypes
 from ctypes import c_bool, c_char_p, c_double, c_int, c_int32, c_ubyte, c_uint, c_uint32, c_uint64, c_ushort
 from typing import Any, Dict, Tuple
 
+from . import _fleet_records as f
 from . import _records as r
 
 HANDLE = ctypes.c_void_p
@@ -107,6 +108,18 @@ PROTOTYPES: Dict[str, Tuple[Any, ...]] = {
     "kinematics_interface_ConvertPositionFromCartesian": (
         *(STATUS, HANDLE, ENUM, _POSITION, ENUM, ENUM, P(c_double), _POSITION),
     ),
+    "harvlink_fleet_create": (HANDLE, c_uint32, P(STATUS)),
+    "harvlink_fleet_add": (STATUS, HANDLE, TEXT, P(f.HarvlinkFleetOptions), P(f.HarvlinkFleetGroup), c_uint32),
+    "harvlink_fleet_change": (STATUS, HANDLE, TEXT, P(f.HarvlinkFleetOptions), P(f.HarvlinkFleetGroup), c_uint32),
+    "harvlink_fleet_remove": (STATUS, HANDLE, TEXT),
+    "harvlink_fleet_plan": (c_uint32, HANDLE, P(f.HarvlinkFleetPlan), c_uint32),
+    "harvlink_fleet_start": (STATUS, HANDLE),
+    "harvlink_fleet_stop": (None, HANDLE),
+    "harvlink_fleet_take": (c_uint32, HANDLE, P(f.HarvlinkFleetSample), c_uint32, c_uint32),
+    "harvlink_fleet_take_events": (c_uint32, HANDLE, P(f.HarvlinkFleetEvent), c_uint32, c_uint32),
+    "harvlink_fleet_latest": (c_uint32, HANDLE, TEXT, P(f.HarvlinkFleetSample), c_uint32),
+    "harvlink_fleet_statistics": (c_uint32, HANDLE, P(f.HarvlinkFleetStatistics), c_uint32, P(c_uint64)),
+    "harvlink_fleet_destroy": (None, HANDLE),
     "vector_math_inner_product": (None, P(r.XyzVector), P(r.XyzVector), P(c_double)),
     "vector_math_cross_product": (None, P(r.XyzVector), P(r.XyzVector), P(r.XyzVector)),
     "frame_math_invert_frame": (None, P(r.EulerMatrix), P(r.EulerMatrix)),

@@ -287,3 +287,31 @@ class ErrorCode(OpenEnum):
     NAME_NOT_RESOLVED = 0x50012
     INVALID_FLEET = 0x50013
     UNKNOWN_FLEET_CONTROLLER = 0x50014
+
+
+class FleetItemKind(OpenEnum):
+    """What a fleet reads; Fleet.h says what the index of each means."""
+
+    STATE, JOB, ALARMS, POSITION, TORQUE, POSITION_ERROR = range(6)
+    BYTE_VARIABLE, INTEGER_VARIABLE, DOUBLE_INT_VARIABLE, REAL_VARIABLE, STRING_VARIABLE = range(6, 11)
+    ROBOT_POSITION_VARIABLE, BASE_POSITION_VARIABLE, STATION_POSITION_VARIABLE = range(11, 14)
+    SIGNAL, SIGNAL_GROUP, REGISTER, OPERATING_TIME, SOFTWARE, TARGET_PROGRESS = range(14, 20)
+
+
+class FleetState(OpenEnum):
+    """What the link of a fleet to a controller is like."""
+
+    CONNECTING, ONLINE, LATE, SILENT, REFUSED = range(5)
+
+
+class FleetQuality(OpenEnum):
+    """What a value is worth. Of a stale one the controller has fallen silent since."""
+
+    GOOD, REFUSED, STALE, NEVER_READ = range(4)
+
+
+class FleetEventKind(OpenEnum):
+    """What happened to a controller of a fleet."""
+
+    STATE_CHANGED, ALARM_RAISED, ALARM_CLEARED, SERVO_ON, SERVO_OFF, CONTROL_MODE_CHANGED = range(6)
+    CYCLE_MODE_CHANGED, JOB_CHANGED, MODEL_CHANGED, SOFTWARE_CHANGED, ITEM_REFUSED, RAN_OVER = range(6, 12)

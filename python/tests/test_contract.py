@@ -5,7 +5,7 @@ import re
 import unittest
 
 import harvlink
-from harvlink import _prototypes, _records, enums
+from harvlink import _fleet_records, _prototypes, _records, enums
 
 from .support import ROOT
 
@@ -23,10 +23,15 @@ C_TYPES = {
     "unsigned char": ctypes.c_ubyte,
     "unsigned short": ctypes.c_ushort,
     "ControllerHandle": ctypes.c_void_p,
+    "HarvlinkFleet": ctypes.c_void_p,
     **{f"{sign}int{bits}_t": getattr(ctypes, f"c_{sign}int{bits}") for sign in ("", "u") for bits in (8, 16, 32, 64)},
     **{name: ctypes.c_int32 for name in re.findall(r"typedef int32_t (\w+);", HEADER)},
 }
 TWINS = {"MoveType": "MoveInterpolationType", "Conversion": "KinematicConversions", "ErrorCode": "ErrorStatusCodes"}
+
+
+def record(name):
+    return getattr(_fleet_records if name.startswith("HarvlinkFleet") else _records, name)
 
 
 def c_type(text, count=None):
@@ -37,7 +42,7 @@ def c_type(text, count=None):
     elif text.endswith("*"):
         kind = ctypes.POINTER(c_type(text[:-1]))
     else:
-        kind = getattr(_records, text)
+        kind = record(text)
     return kind * int(count) if count else kind
 
 
@@ -60,7 +65,7 @@ class ContractTest(unittest.TestCase):
                     (field, c_type(kind, count))
                     for kind, field, count in re.findall(r"([\w ]+?\*?) *(\w+)(?:\[(\d+)\])?;", body)
                 ]
-                ours = getattr(_records, name)._fields_
+                ours = record(name)._fields_
                 self.assertEqual([field for field, _ in ours], [field for field, _ in theirs])
                 for (field, one), (_, other) in zip(ours, theirs):
                     self.assertTrue(same(one, other), field)

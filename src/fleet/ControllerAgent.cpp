@@ -112,8 +112,8 @@ void ControllerAgent::Expire(Lane& lane, Worker* worker, std::int64_t now) {
 /// Nobody is there, or nobody who can be read. All sockets are closed, so that the next attempt leaves from new ports.
 void ControllerAgent::GoAway(FleetState state, std::int32_t code, std::int64_t now) {
     Halt(now);
+    MarkAllStale(code); // first: who hears of it finds no value that looks good
     SetState(state, code, now);
-    MarkAllStale(code);
     pauseEnd = now + backoff.Next();
 }
 
