@@ -49,6 +49,7 @@ std::vector<RecordedItem> PositionItems(RecordedReading const& reading) {
         return {item};
     }
     std::vector<RecordedItem> items;
+    items.reserve(position_item::Count);
     for (std::size_t axis = 0; axis < position_item::Axes; ++axis) {
         items.push_back(AxisItem(reading.coordinate, axis));
     }
@@ -59,6 +60,7 @@ std::vector<RecordedItem> PositionItems(RecordedReading const& reading) {
 /// What unit its axes have, a position variable says itself, in its coordinate.
 std::vector<RecordedItem> PositionVariableItems() {
     std::vector<RecordedItem> items;
+    items.reserve(position_item::Count);
     for (std::size_t axis = 0; axis < position_item::Axes; ++axis) {
         items.push_back(Real(fmt::format("axis{}", axis + 1), "", 10000));
     }
@@ -71,6 +73,7 @@ std::vector<RecordedItem> AxisNumbers(RecordedReading const& reading, std::strin
         return {Integer("", unit)};
     }
     std::vector<RecordedItem> items;
+    items.reserve(PulseAxes.size());
     for (char const* const axis : PulseAxes) {
         items.push_back(Integer(axis, unit));
     }

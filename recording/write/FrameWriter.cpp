@@ -21,22 +21,31 @@ Microseconds RoundTrip(RecordedMoment const& moment) {
 
 /// As few bytes as the value needs: a whole number of the unit's part takes 1 to 4 bytes, any other real takes 8. What
 /// SQLite can't keep as a number is a text.
-void Bind(Statement& insert, int column, std::int64_t divisor, RecordedValue const& value) {
-    if (auto const* const text = std::get_if<std::string>(&value)) {
-        insert.Bind(column, std::string_view(*text));
-    } else if (auto const* const integer = std::get_if<std::int64_t>(&value)) {
+RecordedValue Encode(std::int64_t divisor, RecordedValue const& value) {
+    auto const* const real = std::get_if<double>(&value);
+    if (real == nullptr) {
+        return value;
+    }
+    constexpr double ExactBelow = 4e15;
+    double const parts = *real * static_cast<double>(divisor);
+    if (parts > -ExactBelow && parts < ExactBelow) {
+        auto const number = static_cast<std::int64_t>(parts + (parts < 0 ? -0.5 : 0.5));
+        double const again = static_cast<double>(number) / static_cast<double>(divisor);
+        bool const isNegativeZero = number == 0 && std::signbit(parts);
+        if (again == *real && !isNegativeZero) {
+            return number;
+        }
+    }
+    return std::isnan(*real) ? RecordedValue(std::string("NaN")) : value;
+}
+
+void Bind(Statement& insert, int column, RecordedValue const& value) {
+    if (auto const* const integer = std::get_if<std::int64_t>(&value)) {
         insert.Bind(column, *integer);
     } else if (auto const* const real = std::get_if<double>(&value)) {
-        constexpr double ExactBelow = 9e15;
-        double const parts = *real * static_cast<double>(divisor);
-        if (std::isnan(*real)) {
-            insert.Bind(column, std::string_view("NaN"));
-        } else if (std::abs(parts) < ExactBelow && !(parts == 0 && std::signbit(parts)) &&
-                   std::round(parts) / static_cast<double>(divisor) == *real) {
-            insert.Bind(column, static_cast<std::int64_t>(std::llround(parts)));
-        } else {
-            insert.Bind(column, *real);
-        }
+        insert.Bind(column, *real);
+    } else if (auto const* const text = std::get_if<std::string>(&value)) {
+        insert.Bind(column, std::string_view(*text));
     }
 }
 
@@ -63,7 +72,7 @@ bool FrameWriter::Fits(Frame const& frame, Head const& head, int slot, RecordedM
 }
 
 void FrameWriter::Add(Head const& head, int slot, RecordedReading const& reading, RecordedMoment const& moment,
-                      Changed const& changed, std::int64_t& nextSequence) {
+                      Places const& changed, std::vector<RecordedValue> const& values, std::int64_t& nextSequence) {
     if (frames_.size() < head.block) {
         frames_.resize(head.block);
     }
@@ -78,9 +87,9 @@ void FrameWriter::Add(Head const& head, int slot, RecordedReading const& reading
     } else if (moment.request != frame.first.request || RoundTrip(moment) != RoundTrip(frame.first)) {
         frame.times.emplace_back(slot, ((moment.request - frame.first.request) << RoundTripBits) | RoundTrip(moment));
     }
-    for (auto const& [place, value] : changed) {
-        frame.values.emplace_back(slot + place, value);
-        frame.divisors.push_back(reading.items[static_cast<std::size_t>(place)].divisor);
+    for (int const place : changed) {
+        auto const index = static_cast<std::size_t>(place);
+        frame.values.emplace_back(slot + place, Encode(reading.items[index].divisor, values[index]));
     }
     frame.lastSlot = slot;
 }
@@ -107,15 +116,14 @@ void FrameWriter::Write(Frame& frame) {
     }
     insert.Bind(7, static_cast<std::int64_t>(frame.first.quality));
     insert.Bind(8, std::int64_t{frame.first.code});
-    for (std::size_t i = 0; i < frame.values.size(); ++i) {
-        Bind(insert, FirstValueColumn + frame.values[i].first, frame.divisors[i], frame.values[i].second);
+    for (auto const& [slot, value] : frame.values) {
+        Bind(insert, FirstValueColumn + slot, value);
     }
     for (auto const& [slot, time] : frame.times) {
         insert.Bind(FirstValueColumn + frame.head.width + slot, time);
     }
     insert.Run();
     frame.values.clear();
-    frame.divisors.clear();
     frame.times.clear();
     frame.sequence = 0;
     frame.lastSlot = -1;

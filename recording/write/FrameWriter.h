@@ -23,12 +23,12 @@ public:
         std::uint32_t reading = 0; ///< with a quality other than good: the one that it is about
     };
 
-    /// One value of a reading, by its place in the reading.
-    using Changed = std::vector<std::pair<int, RecordedValue>>;
+    /// The places of values in their reading.
+    using Places = std::vector<int>;
 
-    /// Adds what has changed of a reading, in a new row if it doesn't fit the one that is open.
+    /// Adds those of the values of a reading that have changed, in a new row if they don't fit the one that is open.
     void Add(Head const& head, int slot, RecordedReading const& reading, RecordedMoment const& moment,
-             Changed const& changed, std::int64_t& nextSequence);
+             Places const& changed, std::vector<RecordedValue> const& values, std::int64_t& nextSequence);
 
     /// Writes all open rows.
     void Flush();
@@ -38,8 +38,7 @@ private:
         Head head{};
         std::int64_t sequence = 0; ///< 0: none is open
         RecordedMoment first{};
-        std::vector<std::pair<int, RecordedValue>> values;
-        std::vector<std::int64_t> divisors; ///< of the values
+        std::vector<std::pair<int, RecordedValue>> values; ///< by slot, as they are stored
         std::vector<std::pair<int, std::int64_t>> times;
         int lastSlot = -1; ///< readings come in the order of their slots; an earlier one begins the next round
     };

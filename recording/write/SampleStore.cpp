@@ -19,11 +19,21 @@ constexpr Microseconds LongestSegment = 600'000'000;
 constexpr Microseconds SetBack = 1'000'000; ///< smaller steps back are the corrections that a clock makes by itself
 constexpr std::int64_t LogSizeLimit = 4 << 20; ///< to which the log shrinks when it is empty
 
-/// A different zero or another NaN counts as a change: the file must give back what came.
-bool IsSame(RecordedValue const& left, RecordedValue const& right) {
-    auto const* const first = std::get_if<double>(&left);
-    auto const* const second = std::get_if<double>(&right);
-    return first != nullptr && second != nullptr ? std::memcmp(first, second, sizeof(double)) == 0 : left == right;
+/// Takes over a value. Returns whether it has changed: a different zero or another NaN has, as the file must give back what
+/// came.
+bool Take(RecordedValue& known, RecordedValue const& value) {
+    auto* const number = std::get_if<double>(&known);
+    auto const* const real = std::get_if<double>(&value);
+    if (number != nullptr && real != nullptr) {
+        bool const isSame = std::memcmp(number, real, sizeof(double)) == 0;
+        *number = *real;
+        return !isSame;
+    }
+    if (known == value) {
+        return false;
+    }
+    known = value;
+    return true;
 }
 
 std::uint64_t SizeOf(std::filesystem::path const& path) {
@@ -139,7 +149,7 @@ void SampleStore::PutPicture(Microseconds utc, Microseconds monotonic) {
         RecordedMoment moment{.request = utc, .answer = utc, .monotonic = monotonic};
         changed_.clear();
         for (std::size_t i = 0; i < known.values.size(); ++i) {
-            changed_.emplace_back(static_cast<int>(i), known.values[i]);
+            changed_.push_back(static_cast<int>(i));
         }
         if (!changed_.empty()) {
             PutChanged(reading, moment, changed_, true);
@@ -156,12 +166,12 @@ void SampleStore::PutPicture(Microseconds utc, Microseconds monotonic) {
     frames_.Flush();
 }
 
-void SampleStore::PutChanged(std::uint32_t reading, RecordedMoment const& moment, FrameWriter::Changed const& changed,
+void SampleStore::PutChanged(std::uint32_t reading, RecordedMoment const& moment, FrameWriter::Places const& changed,
                              bool isPicture) {
     Place const& place = layout_.PlaceOf(reading);
     bool const isGood = moment.quality == RecordedQuality::Good;
     frames_.Add({place.block, layout_.BlockOf(place.block).width, isPicture, isGood ? 0 : reading}, place.slot,
-                layout_.Readings()[reading - 1], moment, changed, nextSequence_);
+                layout_.Readings()[reading - 1], moment, changed, known_[reading - 1].values, nextSequence_);
 }
 
 void SampleStore::Put(RecordedSample const& sample) {
@@ -190,9 +200,8 @@ void SampleStore::Put(RecordedSample const& sample) {
     known.values.resize(count);
     changed_.clear();
     for (std::size_t i = 0; i < count; ++i) {
-        if (!wasGood || !IsSame(known.values[i], sample.values[i])) {
-            known.values[i] = sample.values[i];
-            changed_.emplace_back(static_cast<int>(i), sample.values[i]);
+        if (Take(known.values[i], sample.values[i]) || !wasGood) {
+            changed_.push_back(static_cast<int>(i));
         }
     }
     segment_.values += static_cast<std::int64_t>(changed_.size());

@@ -88,7 +88,7 @@ private:
     void Note(Microseconds utc, Microseconds monotonic);
     void BeginSegment(Microseconds utc, Microseconds monotonic);
     void PutPicture(Microseconds utc, Microseconds monotonic);
-    void PutChanged(std::uint32_t reading, RecordedMoment const& moment, FrameWriter::Changed const& changed,
+    void PutChanged(std::uint32_t reading, RecordedMoment const& moment, FrameWriter::Places const& changed,
                     bool isPicture);
     void UpdateSegment();
     bool IsSegmentFull();
@@ -109,7 +109,7 @@ private:
     Microseconds lastTime_ = 0; ///< of the file, before this opening
     Microseconds lastMonotonic_ = 0;
     std::uint64_t samples_ = 0;
-    FrameWriter::Changed changed_; ///< kept for its memory
+    FrameWriter::Places changed_; ///< kept for its memory
 };
 
 } // namespace harvlink::recording

@@ -48,7 +48,6 @@ ROOMS = {
         "read": ["store", "model"],
         "write": ["read", "store", "model"],
         "blackbox": ["write", "store", "model"],
-        "capture": ["store", "model"],
         "fleet": ["model"],
     }),
     "simulator": Room(["include", "src", "recording"], {
@@ -84,6 +83,7 @@ ROOMS = {
         "support": [],
         "cases": ["support"],
         "micro": [],
+        "recording": [],
     }),
     "tests": Room(["include", "src", "words", "recording", "simulator", "cli", "gateway"], {
         "support": [],
@@ -111,7 +111,6 @@ LIBRARIES = {
     "CLI/": ["cli/", "simulator/program/", "soak/", "tests/cli/"],
     "curses.h": ["cli/watch/"],
     "sqlite3.h": ["recording/store/"],
-    "pcap": ["recording/capture/"],
     "toml++/": ["words/settings/", "simulator/scene/"],
     "fmt/": ["words/", "recording/", "simulator/", "cli/", "gateway/", "soak/", "fuzz/", "tests/"],
     "nlohmann/": ["words/", "simulator/control/", "recording/", "cli/", "gateway/", "soak/", "fuzz/", "benchmarks/", "tests/"],
