@@ -11,8 +11,8 @@
 
 namespace harvlink::simulator {
 
-ControlDesk::ControlDesk(std::span<VirtualController* const> controllers, ControllerOptions const& options)
-    : options_(options) {
+ControlDesk::ControlDesk(std::span<VirtualController* const> controllers, ControllerOptions options)
+    : options_(std::move(options)) {
     for (auto* const controller : controllers) {
         if (auto control = ControlSocket::Listen(controller->Address()); control.IsOpen()) {
             controls_.emplace_back(std::move(control), controller);

@@ -14,7 +14,7 @@ namespace harvlink::simulator {
 class ControlDesk {
 public:
     /// Listens for each controller. One for which that fails can't be driven, and a warning says so.
-    ControlDesk(std::span<VirtualController* const> controllers, ControllerOptions const& options);
+    ControlDesk(std::span<VirtualController* const> controllers, ControllerOptions options);
 
     /// Serves until one of the signals comes, which must be blocked.
     void ServeUntil(sigset_t const& signals) const;

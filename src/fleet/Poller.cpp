@@ -14,11 +14,11 @@
 namespace harvlink::fleet {
 namespace {
 
-constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
+constexpr std::int64_t nanosecondsInMillisecond = 1'000'000;
 
 /// Rounded up: a wait that ends too early only spins.
 int ToMilliseconds(std::int64_t nanoseconds) {
-    std::int64_t const milliseconds = (nanoseconds + nanosecondsPerMillisecond - 1) / nanosecondsPerMillisecond;
+    std::int64_t const milliseconds = (nanoseconds + nanosecondsInMillisecond - 1) / nanosecondsInMillisecond;
     return static_cast<int>(std::clamp<std::int64_t>(milliseconds, 0, std::numeric_limits<int>::max()));
 }
 
