@@ -142,6 +142,9 @@ int Restore(Session& session, Output& output, RestoreArguments const& arguments,
     RestorePlan const plan = MakePlan(ReadSections(*connection, session, output, saved, sections), saved, sections);
     ShowPlan(output, plan);
     if (arguments.dryRun || plan.changes.empty()) {
+        if (arguments.dryRun && !output.json) {
+            return output.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;
+        }
         ShowResult(output, plan, {}, arguments.dryRun ? plan.changes : std::vector<Change>{});
         return output.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;
     }
