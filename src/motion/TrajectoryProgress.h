@@ -61,15 +61,14 @@ public:
 
     // Of the queue.
     void MakeRoom(); ///< Before the first step is queued. The only operation that allocates.
-    void
-    Queued(StepNumber number); ///< When it is in the queue already. Takes the lock only to wake a sleeping monitor.
+    /// When it is in the queue already. Takes the lock only to wake a sleeping monitor.
+    void Queued(StepNumber number);
     void Withdraw(StepNumber last); ///< All that still waits, up to this one. What was sent or refused stays so.
 
     // Of the monitor.
     void Started();
-    void Taken() {
-        monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed);
-    } ///< A step is being sent.
+    /// A step is being sent.
+    void Taken() { monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed); }
     void Full(); ///< There was no room for it.
     void Sent(StepNumber number, MotionStep const& step); ///< Number 0 only counts the targets.
     void BeginFailure(StepNumber number, std::int32_t code); ///< Until EndFailure no wait returns.
