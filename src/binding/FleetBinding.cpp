@@ -99,6 +99,7 @@ struct ValueWriter {
     void operator()(std::string const& value) const { plain.textLength = CopyText(value, plain.text); }
     void operator()(ControllerStateData const& value) const { As<ControllerStateData>(&plain.state) = value; }
     void operator()(JobData const& value) const {
+        // NOLINTNEXTLINE(readability-redundant-string-cstr): it cuts the text at its padding
         plain.textLength = CopyText(value.name.c_str(), plain.text);
         plain.line = value.line;
         plain.step = value.stepNumber;
@@ -122,6 +123,7 @@ struct ValueWriter {
         As<ElapsedTime>(&plain.elapsedTime) = value.elapsedTime;
     }
     void operator()(SystemInfoData const& value) const {
+        // NOLINTNEXTLINE(readability-redundant-string-cstr): it cuts the text at its padding
         plain.textLength = CopyText(value.modelName.c_str(), plain.text);
         CopyText(value.softwareVersion, plain.software);
     }
