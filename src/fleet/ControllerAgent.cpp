@@ -1,23 +1,19 @@
 #include "fleet/ControllerAgent.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "fleet/DueHeap.h"
 
 namespace harvlink::fleet {
-namespace {
-
-constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
-
-} // namespace
-
 ControllerAgent::ControllerAgent(std::shared_ptr<ControllerRecord> controller, Services& shared, Poller::Token ownToken)
     : record(std::move(controller)),
       services(shared),
       firstToken(ownToken),
       spacing(record->Spacing()),
-      patience{.timeout = record->options.timeout * nanosecondsPerMillisecond, .retries = record->options.retries},
+      patience{.timeout = std::chrono::nanoseconds(std::chrono::milliseconds(record->options.timeout)).count(),
+               .retries = record->options.retries},
       backoff(ownToken),
       edges(shared.events, record->id),
       filter(*record) {

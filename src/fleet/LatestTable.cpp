@@ -29,7 +29,7 @@ LatestTable::LatestTable(std::span<Item> items) {
 void LatestTable::Write(Item const& item, Stamp const& stamp, std::span<std::byte const> record) {
     Words written{};
     std::ranges::copy(stamp.Pack(), written.begin());
-    std::memcpy(written.data() + Stamp::words, record.data(), record.size());
+    std::ranges::copy(record, std::as_writable_bytes(std::span(written).subspan(Stamp::words)).begin());
     auto const cell = CellOf(item);
     std::size_t const used = Stamp::words + (record.size() + wordSize - 1) / wordSize;
     WriteCell(cell, cell[0].load(std::memory_order_relaxed) + 2, std::span(written).first(used));

@@ -69,7 +69,7 @@ template <typename R>
 typename OutputOf<R>::Type Decode(R const& request, StatusInfo& status, std::span<std::byte const> payload) {
     ReplyTo<R> reply;
     auto const size = std::min(payload.size(), sizeof(reply.payload));
-    std::memcpy(&reply.payload, payload.data(), size);
+    std::ranges::copy(payload.first(size), reply.Bytes().begin() + HeaderSize);
     reply.header.payloadSize = static_cast<std::uint16_t>(size);
     typename OutputOf<R>::Type output{};
     status = request.Decode(std::move(status), reply, output);

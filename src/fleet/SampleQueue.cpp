@@ -20,7 +20,7 @@ void SampleQueue::Put(std::uint32_t controller, std::uint32_t item, Stamp const&
     do {
         auto const part = record.subspan(begin, std::min(record.size() - begin, payloadBytes));
         slot[2] = begin;
-        std::memcpy(slot.data() + headWords, part.data(), part.size());
+        std::ranges::copy(part, std::as_writable_bytes(std::span(slot).subspan(headWords)).begin());
         std::size_t const used = headWords + (part.size() + sizeof(std::uint64_t) - 1) / sizeof(std::uint64_t);
         WriteCell(CellOf(place), 2 * place + 2, std::span(slot).first(used));
         ++place;

@@ -19,7 +19,7 @@ struct RawSample {
     std::uint32_t controller = 0; ///< its id
     std::uint32_t item = 0; ///< its place
     Stamp stamp;
-    std::array<std::byte, LargestRecord> record;
+    std::array<std::byte, LargestRecord> record{};
 
     std::span<std::byte const> Record() const { return std::span(record).first(stamp.size); }
 };
