@@ -18,7 +18,7 @@ std::string Shown(std::string_view line) {
     return std::string(line.ends_with('\r') ? line.substr(0, line.size() - 1) : line);
 }
 
-std::vector<LineChange> CompareLines(Lines before, Lines after, std::size_t offset) {
+std::vector<LineChange> CompareLines(Lines const& before, Lines const& after, std::size_t offset) {
     // Its limit on memory stays on: for long texts of which hardly a line is the same, the result is not the shortest.
     dtl::Diff<std::string_view, Lines> difference(before, after);
     difference.compose();
