@@ -110,7 +110,7 @@ void FrameWriter::Write(Frame& frame) {
     insert.Bind(2, frame.first.request);
     insert.Bind(3, frame.first.monotonic);
     insert.Bind(4, RoundTrip(frame.first));
-    insert.Bind(5, std::int64_t{frame.head.isPicture});
+    insert.Bind(5, std::int64_t{frame.head.isPicture ? 1 : 0});
     if (frame.head.reading != 0) {
         insert.Bind(6, std::int64_t{frame.head.reading});
     }

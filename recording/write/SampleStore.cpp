@@ -1,7 +1,7 @@
 #include "recording/write/SampleStore.h"
 
 #include <algorithm>
-#include <cstring>
+#include <bit>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -25,7 +25,7 @@ bool Take(RecordedValue& known, RecordedValue const& value) {
     auto* const number = std::get_if<double>(&known);
     auto const* const real = std::get_if<double>(&value);
     if (number != nullptr && real != nullptr) {
-        bool const isSame = std::memcmp(number, real, sizeof(double)) == 0;
+        bool const isSame = std::bit_cast<std::uint64_t>(*number) == std::bit_cast<std::uint64_t>(*real);
         *number = *real;
         return !isSame;
     }
