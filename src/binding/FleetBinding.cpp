@@ -33,6 +33,11 @@ std::uint32_t CopyText(std::string const& text, char (&field)[size]) {
     return static_cast<std::uint32_t>(length);
 }
 
+/// Fields of the wire are filled up with zero bytes.
+std::string UpToZero(std::string const& text) {
+    return text.substr(0, text.find('\0'));
+}
+
 std::int64_t ToNanoseconds(std::chrono::system_clock::time_point time) {
     return std::chrono::duration_cast<nanoseconds>(time.time_since_epoch()).count();
 }
@@ -100,7 +105,7 @@ struct ValueWriter {
     void operator()(ControllerStateData const& value) const { As<ControllerStateData>(&plain.state) = value; }
     void operator()(JobData const& value) const {
         // NOLINTNEXTLINE(readability-redundant-string-cstr): it cuts the text at its padding
-        plain.textLength = CopyText(value.name.c_str(), plain.text);
+        plain.textLength = CopyText(UpToZero(value.name), plain.text);
         plain.line = value.line;
         plain.step = value.stepNumber;
         plain.real = value.speedOverride;
@@ -124,7 +129,7 @@ struct ValueWriter {
     }
     void operator()(SystemInfoData const& value) const {
         // NOLINTNEXTLINE(readability-redundant-string-cstr): it cuts the text at its padding
-        plain.textLength = CopyText(value.modelName.c_str(), plain.text);
+        plain.textLength = CopyText(UpToZero(value.modelName), plain.text);
         CopyText(value.softwareVersion, plain.software);
     }
 };

@@ -113,7 +113,7 @@ Stamp ControllerAgent::StampOf(Worker const& worker, std::size_t size, std::int6
 }
 
 void ControllerAgent::PublishAnswer(Worker const& worker, std::int64_t now) {
-    std::array<std::byte, LargestRecord> made;
+    std::array<std::byte, LargestRecord> made{};
     for (std::uint32_t i = worker.begin; i < worker.end; ++i) {
         std::size_t const size = MakeRecord(record->items[i], 0, facts, services.payload, made);
         Publish(i, StampOf(worker, size, now), std::span(made).first(size));

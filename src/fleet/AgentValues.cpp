@@ -9,7 +9,7 @@ namespace harvlink::fleet {
 /// The value before is only read where somebody looks at it.
 void ControllerAgent::Publish(std::uint32_t item, Stamp const& stamp, std::span<std::byte const> bytes) {
     Item const& own = record->items[item];
-    std::array<std::byte, LargestRecord> room;
+    std::array<std::byte, LargestRecord> room{};
     Stamped before;
     if (Edges::Knows(own) || record->groups[own.group].onChange) {
         before.stamp = record->table.Read(own, room);
@@ -40,7 +40,7 @@ void ControllerAgent::PublishFailure(Worker const& worker, FleetQuality quality,
 
 void ControllerAgent::MarkStale(std::uint32_t item, std::int32_t code) {
     Item const& own = record->items[item];
-    std::array<std::byte, LargestRecord> last;
+    std::array<std::byte, LargestRecord> last{};
     Stamp stamp = record->table.Read(own, last);
     if (stamp.quality != FleetQuality::Good) {
         return;

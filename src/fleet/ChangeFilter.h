@@ -19,7 +19,7 @@ struct Stamped {
 /// Decides which values of the groups with `onChange` become samples.
 class ChangeFilter {
 public:
-    explicit ChangeFilter(ControllerRecord const& controller);
+    explicit ChangeFilter(ControllerRecord const& watched);
 
     /// Whether the value is to be reported. If so, it counts as reported.
     bool Passes(std::uint32_t item, Stamped const& before, Stamped const& now);

@@ -21,10 +21,10 @@ namespace harvlink::fleet {
 /// All times are nanoseconds of the steady clock. Of the engine's thread.
 class ControllerAgent {
 public:
-    /// Tokens of its sockets are from `firstToken` on, tokensPerAgent of them.
     static constexpr Poller::Token tokensPerAgent = 8;
 
-    ControllerAgent(std::shared_ptr<ControllerRecord> controller, Services& shared, Poller::Token firstToken);
+    /// Its sockets have tokensPerAgent tokens, from `ownToken` on.
+    ControllerAgent(std::shared_ptr<ControllerRecord> controller, Services& shared, Poller::Token ownToken);
 
     /// When the controller is asked for the first time.
     void BeginAt(std::int64_t time) { pauseEnd = time; }
@@ -90,7 +90,7 @@ private:
     // The values.
     Stamp StampOf(Worker const& worker, std::size_t size, std::int64_t now) const;
     void PublishAnswer(Worker const& worker, std::int64_t now);
-    void Publish(std::uint32_t item, Stamp const& stamp, std::span<std::byte const> record);
+    void Publish(std::uint32_t item, Stamp const& stamp, std::span<std::byte const> bytes);
     void PublishFailure(Worker const& worker, FleetQuality quality, std::int32_t code, std::int64_t now);
     void MarkStale(std::uint32_t item, std::int32_t code);
     void MarkAllStale(std::int32_t code);

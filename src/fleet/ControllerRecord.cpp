@@ -49,11 +49,11 @@ std::vector<Placed> Place(FleetGroup const& group, std::uint8_t number) {
 
 } // namespace
 
-ControllerRecord::ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions const& given,
+ControllerRecord::ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions given,
                                    sockaddr_in const& host, std::vector<FleetGroup> const& fleetGroups)
     : id(recordId),
       name(std::move(recordName)),
-      options(given),
+      options(std::move(given)),
       endpoint(host),
       items(MakeItems(fleetGroups)),
       table(items),

@@ -48,7 +48,7 @@ struct DeadBand {
 /// A controller as the engine and the programs see it together: what does not change, the latest values, and counters. The
 /// engine never waits for the others.
 struct ControllerRecord {
-    ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions const& given,
+    ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions given,
                      sockaddr_in const& host, std::vector<FleetGroup> const& fleetGroups);
 
     std::uint32_t const id;

@@ -80,7 +80,7 @@ FleetControllerStatistics StatisticsOf(ControllerRecord const& controller) {
 }
 
 void AppendLatest(ControllerRecord const& controller, std::vector<FleetSample>& samples) {
-    std::array<std::byte, LargestRecord> record;
+    std::array<std::byte, LargestRecord> record{};
     for (std::uint32_t i = 0; i < controller.items.size(); ++i) {
         Stamp const stamp = controller.table.Read(controller.items[i], record);
         ToPublic(controller, i, stamp, std::span(record).first(stamp.size), samples.emplace_back());

@@ -7,7 +7,7 @@
 namespace harvlink::fleet {
 
 /// Makes the sample that programs see. The texts that it holds are used again.
-void ToPublic(ControllerRecord const& controller, std::uint32_t item, Stamp const& stamp,
+void ToPublic(ControllerRecord const& controller, std::uint32_t place, Stamp const& stamp,
               std::span<std::byte const> record, FleetSample& sample);
 
 void ToPublic(ControllerRecord const& controller, RawEvent const& raw, FleetEvent& event);

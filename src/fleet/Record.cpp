@@ -127,7 +127,7 @@ std::size_t MakePositionRecord(Item const& item, ControllerFacts const& facts, s
     std::size_t const size = isExtended ? sizeof(UAPIGetPositionRecvData) : sizeof(RobotPositionMsg);
     Copy(payload, size, whole);
     whole.at(size) = std::byte{facts.AxesOf(item.ControlGroup())};
-    whole.at(size + 1) = std::byte{isExtended};
+    whole.at(size + 1) = std::byte{isExtended ? std::uint8_t{1} : std::uint8_t{0}};
     auto const used = std::span(whole).first(size + extrasOfPosition);
     if (!IsAxis(item)) {
         return Copy(used, used.size(), record);

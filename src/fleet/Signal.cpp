@@ -46,7 +46,7 @@ Signal::~Signal() {
 
 void Signal::Set() const {
     std::uint64_t const one = 1;
-    (void)!::write(writeEnd, &one, sizeof(one)); // a full pipe is set already
+    [[maybe_unused]] auto const written = ::write(writeEnd, &one, sizeof(one)); // a full pipe is set already
 }
 
 void Signal::Clear() const {
