@@ -9,7 +9,7 @@
 
 namespace harvlink::cli {
 
-/// How often a read begins anew whose answer was lost or damaged.
+/// How often a read is repeated whose answer was lost or damaged.
 inline constexpr int MostRepeats = 3;
 
 /// Whether an answer was lost or damaged on the way, so that the same read may succeed the next time.
@@ -25,14 +25,14 @@ inline bool IsSilence(StatusInfo const& status) {
     return code == ErrorStatusCodes::ResponseTimeout || code == ErrorStatusCodes::ControllerNotListening;
 }
 
-/// Calls `read()`, and begins anew while it fails in that way: a read changes nothing, so it is safe to repeat. The
+/// Calls `read()`, and repeats it while it fails in that way: a read changes nothing, so it is safe to repeat. The
 /// progress says so; a failure is only what the last call returns.
 template <typename ReadOnce>
 StatusInfo ReadRepeatedly(Progress& progress, std::string_view what, ReadOnce const& read) {
     progress.Show(what);
     StatusInfo status = read();
     for (int repeat = 1; repeat <= MostRepeats && LostAnswer(status); ++repeat) {
-        progress.Show(fmt::format("{}, begun anew {} of {} times", what, repeat, MostRepeats));
+        progress.Show(fmt::format("{}, repeated {} of {} times", what, repeat, MostRepeats));
         status = read();
     }
     return status;

@@ -39,7 +39,7 @@ recording::TimeRange PartArguments::Range(recording::Recording& source) const {
         range.end = recording::ParseTime(to, info.begin, info.end);
     }
     if (range.begin >= range.end) {
-        throw InputError("the end must be after the begin");
+        throw InputError("the end must be after the start");
     }
     return range;
 }

@@ -36,7 +36,7 @@ struct PartArguments {
 };
 
 inline constexpr char const* TimeHelp =
-    "A time is UTC, such as 2026-11-22T03:15:00Z or 2026-11-22; +90s is after the begin, -1m\n"
+    "A time is UTC, such as 2026-11-22T03:15:00Z or 2026-11-22; +90s is after the start, -1m\n"
     "before the end of the recording.";
 
 /// Opens the recording and does the work. What can't be read or written gives exit status 1.

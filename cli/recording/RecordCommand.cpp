@@ -29,10 +29,10 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr char const* RecordNotes =
-    "Nothing but reads goes to the controllers. Ctrl-C ends the recording. A recording that\n"
-    "exists goes on. With --keep or --max-size the oldest goes first.\n"
-    "A black box (--before) keeps the last minute in memory and writes a file each time that\n"
-    "something happens, named by cell, time and event. --on: alarm, silent, servo-off.";
+    "The command only reads from the controllers. Ctrl-C ends the recording. If FILE exists, the\n"
+    "recording is continued. --keep and --max-size delete the oldest samples first.\n"
+    "A black box (--before) keeps the last samples in memory and writes a file for each event,\n"
+    "named by cell, time and event. --on takes alarm, silent and servo-off, separated by commas.";
 
 struct RecordArguments {
     PlanArguments plan;

@@ -30,10 +30,11 @@ constexpr int Same = 0;
 constexpr int Different = 1;
 constexpr int Trouble = 2;
 
-constexpr char const* DiffNotes = "A and B are folders of snapshots. One of them may be the word live: the controller\n"
-                                  "of --host, from which the same parts are read as the snapshot has. A folder with\n"
-                                  "the name live is given as ./live.\n"
-                                  "Exit status: 0 the same, 1 different, 2 something could not be compared.";
+constexpr char const* DiffNotes =
+    "A and B are folders of snapshots. One of them may be the word live, which stands for\n"
+    "the controller of --host: the tool reads from it the sections that the snapshot has.\n"
+    "For a folder with the name live, write ./live.\n"
+    "Exit status: 0 the same, 1 different, 2 something could not be compared.";
 
 struct DiffArguments {
     std::string before;

@@ -34,7 +34,8 @@ constexpr char const* RestoreNotes =
     "Groups and parameters can't be written. Signals are restored only with --only signals, as whatever\n"
     "is wired to them may move.\n"
     "The command reads the controller, shows the plan, asks, writes, reads again and shows what still\n"
-    "differs. What only the controller has stays there. Exit status: 0 if all of the plan is there.";
+    "differs. Entries that only the controller has are not deleted. Exit status: 0 if nothing of the plan\n"
+    "differs at the end.";
 
 struct RestoreArguments {
     std::string folder;

@@ -29,7 +29,7 @@ constexpr std::array<Named<CycleMode>, 4> WantedCycleNames{{{"step", CycleMode::
 void AddServo(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("servo", "Turn servo power on or off: POWERS THE MACHINE");
-    verb->add_option("STATE", *state, "What it shall be")->type_name(Choices(SwitchNames))->required();
+    verb->add_option("STATE", *state, "on or off")->type_name(Choices(SwitchNames))->required();
     SetExamples(*verb, {"servo on", "servo off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the servos");
@@ -47,7 +47,7 @@ void AddServo(CLI::App& app, Session& session) {
 void AddHold(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("hold", "Hold the machine, or release it: off MOVES THE MACHINE");
-    verb->add_option("STATE", *state, "What it shall be")->type_name(Choices(SwitchNames))->required();
+    verb->add_option("STATE", *state, "on or off")->type_name(Choices(SwitchNames))->required();
     SetExamples(*verb, {"hold on", "hold off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the hold");
@@ -64,8 +64,8 @@ void AddHold(CLI::App& app, Session& session) {
 
 void AddCycle(CLI::App& app, Session& session) {
     auto mode = std::make_shared<std::string>();
-    CLI::App* const verb = app.add_subcommand("cycle", "Set how far a start runs");
-    verb->add_option("MODE", *mode, "How far")->type_name(Choices(WantedCycleNames))->required();
+    CLI::App* const verb = app.add_subcommand("cycle", "Set the cycle mode");
+    verb->add_option("MODE", *mode, "Cycle mode")->type_name(Choices(WantedCycleNames))->required();
     SetExamples(*verb, {"cycle automatic"});
     verb->callback([mode, &session] {
         CycleMode const wanted = ParseName(WantedCycleNames, *mode, "cycle mode");

@@ -28,9 +28,9 @@ namespace {
 constexpr char const* StandardInput = "-";
 
 constexpr char const* LoadNotes =
-    "A lost answer is asked for anew, and what the controller refuses does not keep the rest from being\n"
-    "written. At the end the command reports what was written, what failed and why, and what was not\n"
-    "tried because the controller no longer answered. FILE - is standard input.\n";
+    "A lost answer is requested again. A refused variable is reported and the others are still written.\n"
+    "At the end the command reports what was written, what failed and why, and what was not tried\n"
+    "because the controller no longer answered. FILE - is standard input.\n";
 
 struct LoadArguments {
     std::string path;

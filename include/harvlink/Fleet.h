@@ -116,7 +116,7 @@ HARVLINK_EXPORT std::ostream& operator<<(std::ostream& stream, FleetItem const& 
 /// Items that are read together, in rounds. Items that one datagram answers share it: the signals of a group of eight, the
 /// axes of one position.
 struct FleetGroup {
-    /// From the begin of a round to that of the next: 1 millisecond to 24 hours. The rounds do not drift. A group that can't
+    /// From the start of a round to that of the next: 1 millisecond to 24 hours. The rounds do not drift. A group that can't
     /// finish within its period goes on as fast as it can and counts overruns; its rounds never queue.
     std::chrono::nanoseconds period = std::chrono::seconds(1);
     std::vector<FleetItem> items;
@@ -128,7 +128,7 @@ struct FleetGroup {
 struct FleetControllerOptions {
     std::string address; ///< IPv4 address in dotted form, or the name of a host, which Add and Change resolve
     unsigned timeout = 500; ///< milliseconds until an unanswered read is asked again; 1 to 3600000
-    unsigned retries = 3; ///< so often; then it has failed. At most 1000
+    unsigned retries = 3; ///< further requests before the read fails; at most 1000
     unsigned lanes = 1; ///< reads in flight at once, 1 to 4, for controllers that answer slowly; a socket each
     std::chrono::microseconds gap{0}; ///< least time between two requests, for a controller that needs rest
     double mostRequestsPerSecond = 0.0; ///< of all groups together, evenly spaced; 0: no limit
@@ -138,7 +138,7 @@ struct FleetControllerOptions {
 
 /// What the link to a controller is like.
 enum class FleetState : std::int32_t {
-    Connecting = 0, ///< it has not answered yet, or what it is has to be learnt
+    Connecting = 0, ///< it has not answered yet, or its generation and axes are still being read
     Online = 1,
     Late = 2, ///< the last read is not answered in time, and is asked again
     Silent = 3, ///< three time-outs in a row, and a read failed; asked again after pauses of 0.5 s to 30 s
@@ -219,7 +219,7 @@ struct FleetPlan {
     std::vector<FleetControllerPlan> controllers;
 };
 
-/// How a group does.
+/// Statistics of a group.
 struct FleetGroupStatistics {
     std::uint64_t rounds = 0; ///< that were completed
     std::uint64_t overruns = 0; ///< rounds that were not finished when the next one was due
@@ -227,7 +227,7 @@ struct FleetGroupStatistics {
     std::chrono::nanoseconds lastRound{}; ///< from its first request to its last answer
 };
 
-/// How a controller does.
+/// Statistics of a controller.
 struct FleetControllerStatistics {
     std::string controller;
     FleetState state = FleetState::Connecting;
@@ -235,14 +235,14 @@ struct FleetControllerStatistics {
     std::uint64_t exchanges = 0; ///< answered or failed
     std::uint64_t timeouts = 0; ///< reads that failed for want of an answer
     std::uint64_t repeatedRequests = 0;
-    std::uint64_t lateAnswers = 0; ///< with another number than the read that waits, or none waits
+    std::uint64_t lateAnswers = 0; ///< their number is not that of the read that waits, or no read waits
     std::uint64_t malformedAnswers = 0;
     std::uint64_t refusals = 0;
-    std::uint64_t startUps = 0; ///< how often it was learnt what it is
+    std::uint64_t startUps = 0; ///< times that its generation and axes were read
     std::vector<FleetGroupStatistics> groups;
 };
 
-/// How the fleet does.
+/// Statistics of the fleet.
 struct FleetStatistics {
     std::uint64_t samples = 0; ///< put into the queue since the start
     std::uint64_t droppedSamples = 0; ///< that nobody took in time

@@ -900,8 +900,7 @@ HARVLINK_EXPORT uint32_t io_interface_ConvertIOGroupToBitAddress(ControllerHandl
 
 /* Remote mode is needed for most. After no answer (0x30006) read the state: the command may have taken effect. */
 
-/** Turns servo power on or off (HARVLINK_ON, HARVLINK_OFF). The exchange waits up to four times as long as others.
- * */
+/** Turns servo power on or off (HARVLINK_ON, HARVLINK_OFF). It may wait up to four times as long as others. */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_SetServos(ControllerHandle handle, SignalStatus state);
 /** Holds the running job and motion, or releases the hold (HARVLINK_ON, HARVLINK_OFF). */
 HARVLINK_EXPORT IStatusInfo control_commands_interface_SetHold(ControllerHandle handle, SignalStatus state);
@@ -996,7 +995,7 @@ HARVLINK_EXPORT uint32_t harvlink_fleet_plan(HarvlinkFleet fleet, HarvlinkFleetP
 HARVLINK_EXPORT IStatusInfo harvlink_fleet_start(HarvlinkFleet fleet);
 /** Ends reading. What waits to be taken stays. */
 HARVLINK_EXPORT void harvlink_fleet_stop(HarvlinkFleet fleet);
-/** Moves the oldest samples into an array and returns how many, after waiting for the first for at most so long. */
+/** Moves the oldest samples into an array and returns how many. Waits for the first at most `waitMilliseconds`. */
 HARVLINK_EXPORT uint32_t harvlink_fleet_take(HarvlinkFleet fleet, HarvlinkFleetSample* samples, uint32_t capacity,
                                              uint32_t waitMilliseconds);
 /** The same for events. */
@@ -1005,7 +1004,7 @@ HARVLINK_EXPORT uint32_t harvlink_fleet_take_events(HarvlinkFleet fleet, Harvlin
 /** The last value of each item, of one controller or, with a null name, of all. */
 HARVLINK_EXPORT uint32_t harvlink_fleet_latest(HarvlinkFleet fleet, char const* name, HarvlinkFleetSample* samples,
                                                uint32_t capacity);
-/** How each controller does. `*droppedSamples`, which may be null, counts samples that nobody took in time. */
+/** Statistics of each controller. `*droppedSamples`, which may be null, counts samples that nobody took in time. */
 HARVLINK_EXPORT uint32_t harvlink_fleet_statistics(HarvlinkFleet fleet, HarvlinkFleetStatistics* statistics,
                                                    uint32_t capacity, uint64_t* droppedSamples);
 /** Stops, and frees the fleet. Null is ignored. No other function of it may run. */

@@ -87,7 +87,7 @@ Microseconds ParseTime(std::string_view text, Microseconds begin, Microseconds e
         }
     }
     throw InputError(fmt::format(
-        "'{}' is not a time such as 2026-11-22T03:15:00Z, +90s after the begin or -1m before the end", text));
+        "'{}' is not a time such as 2026-11-22T03:15:00Z, +90s after the start or -1m before the end", text));
 }
 
 std::chrono::microseconds ParseDuration(std::string_view text) {

@@ -88,7 +88,7 @@ private:
     void UseAtOnce(Change const& change) {
         bool const isInRange = change.moment.answer >= options_.range.begin;
         if (!options_.wide) {
-            // What is known at the begin is part of the picture; after that, pictures say nothing new.
+            // What is known at the start is part of the picture; after that, pictures say nothing new.
             if (isInRange && (!change.isPicture || !isOpen_[change.reading])) {
                 isOpen_[change.reading] = true;
                 WriteLong(change);

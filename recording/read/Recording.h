@@ -63,7 +63,7 @@ public:
     RecordingInfo Info();
 
     /// Calls `use` with all changes of the range in the order in which they were recorded, until it returns false. With
-    /// `withState`, those before it come too, from the full picture at or before the begin on.
+    /// `withState`, those before it come too, from the full picture at or before the start on.
     void ForEachChange(TimeRange const& range, bool withState, std::function<bool(Change const&)> const& use);
 
     /// Appends the changes of some hundred rows from row `sequence` on. Returns the row to go on with, 0 at the end.

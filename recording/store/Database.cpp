@@ -151,10 +151,8 @@ void Database::Fail(int code) const {
     bool const isWrite = code == SQLITE_IOERR_WRITE || code == SQLITE_IOERR_SHMSIZE;
     switch (isWrite ? SQLITE_FULL : code & 0xFF) {
     case SQLITE_FULL:
-        throw DiskFull(
-            fmt::format("{}: the disk is full, or takes no more for another reason: {}. What is recorded so far is "
-                        "safe",
-                        path_.string(), text));
+        throw DiskFull(fmt::format("{}: the disk is full or a limit is reached: {}. What is recorded so far is safe",
+                                   path_.string(), text));
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         throw Busy(fmt::format("{}: another program holds the file", path_.string()));

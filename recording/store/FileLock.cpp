@@ -21,7 +21,7 @@ FileLock::FileLock(std::filesystem::path const& recording) : path_(recording.str
             return;
         }
     }
-    throw Busy(fmt::format("{}: other recorders come and go", recording.string()));
+    throw Busy(fmt::format("{}: other recorders keep opening this file; try again", recording.string()));
 }
 
 bool FileLock::TryLock() {

@@ -65,7 +65,7 @@ private:
         }
     }
 
-    /// Begins with all that is known at the begin of the range.
+    /// Begins with all that is known at the start of the range.
     void Open() {
         if (isOpen_) {
             return;

@@ -19,7 +19,7 @@ BUILD = Path(os.environ.get("HARVLINK_FUZZ_BUILD", PROJECT / "build" / "fuzz"))
 PREFIX = "harvlink_fuzz_"
 JOBS = int(os.environ.get("HARVLINK_FUZZ_JOBS", os.cpu_count() or 1))
 LONGEST_INPUT = 8192
-PATIENCE = 100  # seconds for one input: much, because a busy machine is no fault
+PATIENCE = 100  # seconds for one input: much, because a busy machine is not a fault
 GRACE = 300  # seconds beyond its time after which a fuzzer counts as hung
 ENVIRONMENT = dict(
     os.environ,

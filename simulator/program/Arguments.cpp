@@ -95,12 +95,12 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
         ->check(CLI::ExistingFile.description(""))
         ->type_name("FILE");
     app.add_option("--at", replayOptions_.at,
-                   "With --replay, where to begin: UTC, +90s after the begin, -1m before the end")
+                   "With --replay, where to begin: UTC, +90s after the start, -1m before the end")
         ->type_name("TIME");
     app.add_option("--speed", replayOptions_.speed.factor, "With --replay, the speed against that of the recording [1]")
         ->check(CLI::Range(0.001, 10000.0).description(""))
         ->type_name("FACTOR");
-    app.add_flag("--loop", replayOptions_.speed.loops, "With --replay, begin anew at the end");
+    app.add_flag("--loop", replayOptions_.speed.loops, "With --replay, start again at the end");
     app.add_option("--cell", replayOptions_.controller, "With --replay, the controller of the recording to be")
         ->type_name("NAME");
     app.add_flag("--verbose", verbose_, "Print a line for every request");

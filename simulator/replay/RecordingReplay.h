@@ -19,7 +19,7 @@
 namespace harvlink::simulator {
 
 struct ReplayOptions {
-    std::string at; ///< where to begin, as ParseTime of the recordings takes it; empty: at the begin
+    std::string at; ///< where to begin, as ParseTime of the recordings takes it; empty: at the start
     std::string controller; ///< by its name; empty: the only one of the recording
     ReplaySpeed speed{};
 };
