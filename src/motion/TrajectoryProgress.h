@@ -44,8 +44,8 @@ struct StepRecord {
     std::array<SentTarget, MotionSlots> targets{}; ///< of `groups`
 };
 
-/// Keeps count of a trajectory: what became of each step, how many targets each group was given since the controller
-/// last cleared them, and what the monitor is doing. It decides nothing.
+/// Records what became of each step, how many targets each group was given since the controller last cleared them, and what
+/// the monitor is doing. It decides nothing.
 ///
 /// Any thread may call anything. Its lock is the last one that a thread takes: nothing else is waited for under it.
 class TrajectoryProgress {

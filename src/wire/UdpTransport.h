@@ -13,8 +13,8 @@ namespace harvlink {
 inline constexpr std::uint16_t RobotPort = 10040;
 inline constexpr std::uint16_t FilePort = 10041;
 
-/// Two UDP sockets, one for each port of the controller. The one place of the library that talks to the operating system's
-/// network.
+/// The two UDP sockets of a connection, one for each port of the controller. A fleet has sockets of its own, FleetSocket;
+/// nothing else of the library sends or receives datagrams.
 class UdpTransport final : public DatagramTransport {
 public:
     /// Whom the sockets listen to.
