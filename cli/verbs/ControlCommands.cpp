@@ -29,7 +29,7 @@ constexpr std::array<Named<CycleMode>, 4> WantedCycleNames{{{"step", CycleMode::
 void AddServo(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("servo", "Turn servo power on or off: POWERS THE MACHINE");
-    verb->add_option("STATE", *state, "on or off")->type_name(Choices(SwitchNames))->required();
+    verb->add_option("STATE", *state, "On or off")->type_name(Choices(SwitchNames))->required();
     SetExamples(*verb, {"servo on", "servo off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the servos");
@@ -47,7 +47,7 @@ void AddServo(CLI::App& app, Session& session) {
 void AddHold(CLI::App& app, Session& session) {
     auto state = std::make_shared<std::string>();
     CLI::App* const verb = app.add_subcommand("hold", "Hold the machine, or release it: off MOVES THE MACHINE");
-    verb->add_option("STATE", *state, "on or off")->type_name(Choices(SwitchNames))->required();
+    verb->add_option("STATE", *state, "On or off")->type_name(Choices(SwitchNames))->required();
     SetExamples(*verb, {"hold on", "hold off --yes"});
     verb->callback([state, &session] {
         SignalStatus const wanted = ParseName(SwitchNames, *state, "state of the hold");
