@@ -22,7 +22,8 @@ inline bool LostAnswer(StatusInfo const& status) {
 /// Whether nobody answers, or the host says that nobody listens: whatever else is asked would get no answer either.
 inline bool IsSilence(StatusInfo const& status) {
     auto const code = static_cast<ErrorStatusCodes>(status.StatusCode);
-    return code == ErrorStatusCodes::ResponseTimeout || code == ErrorStatusCodes::ControllerNotListening;
+    return code == ErrorStatusCodes::ResponseTimeout || code == ErrorStatusCodes::ControllerNotListening ||
+           code == ErrorStatusCodes::SystemFailure;
 }
 
 /// Calls `read()`, and repeats it while it fails in that way: a read changes nothing, so it is safe to repeat. The

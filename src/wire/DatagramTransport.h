@@ -14,6 +14,7 @@ namespace harvlink {
 struct Arrival {
     /// Of the whole datagram, also if it was cut; 0 if none came.
     std::size_t length = 0;
+    bool isEmpty = false; ///< a datagram without a single byte came
     bool isForeign = false; ///< it came from another address or port than those of the controller that were asked
     bool isRefused = false; ///< instead of a datagram: the host says that nobody listens on the port
     std::chrono::nanoseconds waited{}; ///< part of the period that had passed when it was there

@@ -71,6 +71,7 @@ struct NetworkManager::Question {
     SubHeaderForSending asked;
     bool hasOwnId; ///< given by the caller, as in a transfer
     bool isWaitedFor;
+    bool isRepeated = false;
     std::uint8_t id = 0;
     microseconds period{};
     nanoseconds waited{}; ///< for the answer, since the request was sent
@@ -118,7 +119,7 @@ StatusInfo NetworkManager::Ask(Question& question) {
     question.request.header.requestId = question.id;
     try {
         if (!RenewIfDue(question)) {
-            return NamingRule(StatusInformation(ErrorStatusCodes::SystemFailure), Rule::NewPort);
+            return ReportUnreachable();
         }
         if (question.SendsBlock() && policy.Enforces(Rule::BlockOrder)) {
             DropWaiting(question);
@@ -133,17 +134,22 @@ StatusInfo NetworkManager::Ask(Question& question) {
     return CheckHeader(question.reply.subHeader);
 }
 
-/// A port is also due when the other one has used up numbers: a doubled answer that waits there unread would fit once they
-/// come round again. A transfer keeps its number, and so its port.
+/// A port is also due after a read that was sent again, as the other answer is still on its way, and when the other port has
+/// used up numbers: a doubled answer that waits there unread would fit once they come round again. A transfer keeps its
+/// number, and so its port.
 bool NetworkManager::RenewIfDue(Question const& question) {
     constexpr std::uint64_t mostIdsElsewhere = highestRequestId / 2;
     std::size_t const port = IndexOf(question.Port());
     bool& isDue = isNewPortDue[port];
     if (!question.hasOwnId) {
         std::uint64_t const idsBetween = idsDrawn - std::exchange(idsDrawnUntil[port], idsDrawn);
-        isDue = isDue || (idsBetween > mostIdsElsewhere && policy.Enforces(Rule::NewPort));
+        bool const mayCollide = idsBetween > mostIdsElsewhere || isSecondAnswerDue[port];
+        isDue = isDue || (mayCollide && policy.Enforces(Rule::NewPort));
     }
-    isDue = isDue && !transport->Renew(question.Port());
+    if (isDue && transport->Renew(question.Port())) {
+        isDue = false;
+        isSecondAnswerDue[port] = false;
+    }
     return !isDue;
 }
 
@@ -151,7 +157,11 @@ bool NetworkManager::RenewIfDue(Question const& question) {
 /// leaves can't be its answer.
 void NetworkManager::DropWaiting(Question& question) {
     constexpr int most = 64; // whoever sends more must not hold the transfer up
-    for (int i = 0; i < most && transport->Receive(question.Port(), question.reply.bytes, timeval{}).length != 0; ++i) {
+    for (int i = 0; i < most; ++i) {
+        Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, timeval{});
+        if (arrival.length == 0 && !arrival.isEmpty) {
+            break;
+        }
         IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
     }
     question.refusedBy.reset();
@@ -169,6 +179,16 @@ void NetworkManager::Send(Question const& question) {
     }
 }
 
+/// Without a new port nothing may be sent. For the link that is the same as silence.
+StatusInfo NetworkManager::ReportUnreachable() {
+    statistics.Add(LinkCounter::Exchanges);
+    statistics.Add(LinkCounter::Timeouts);
+    statistics.NoteSilence();
+    return NamingRule(StatusInformation(ErrorStatusCodes::SystemFailure,
+                                        "This computer has no socket for the controller, or no route to it."),
+                      Rule::NewPort);
+}
+
 StatusInfo NetworkManager::WaitForAnswer(Question& question) {
     statistics.Add(LinkCounter::Exchanges);
     if (question.hasOwnId || policy.Enforces(Rule::SilenceIsTimeout)) {
@@ -179,6 +199,8 @@ StatusInfo NetworkManager::WaitForAnswer(Question& question) {
     Outcome const outcome = Listen(question);
     if (outcome == Outcome::Answered) {
         isDue = false;
+        bool& isSecondDue = isSecondAnswerDue[IndexOf(question.Port())];
+        isSecondDue = question.isRepeated || (question.hasOwnId && isSecondDue);
         return TakeAnswer(question);
     }
     statistics.Add(LinkCounter::Timeouts);
@@ -207,6 +229,7 @@ void NetworkManager::Repeat(Question& question) {
     if (!policy.Watches(Rule::RepeatReads) || !question.IsRepeatable() || !Refuses(Rule::RepeatReads)) {
         return;
     }
+    question.isRepeated = true;
     Send(question);
     statistics.Add(LinkCounter::RepeatedRequests);
     if (isStartingUp) {
@@ -231,7 +254,7 @@ NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question) {
             question.answerLength = arrival.length;
             return Outcome::Answered;
         }
-        if (arrival.length == 0) {
+        if (arrival.length == 0 && !arrival.isEmpty) {
             return Outcome::Silent;
         }
         Refuses(Rule::Deadline);
@@ -249,6 +272,9 @@ bool NetworkManager::IsAnswer(Question& question, Arrival const& arrival) {
     IncomingView const& reply = question.reply;
     bool const hasId = reply.header.requestId == question.id;
     if (arrival.length == 0) {
+        if (arrival.isEmpty) {
+            statistics.Add(LinkCounter::MalformedAnswers);
+        }
         if (hasId) {
             Refuses(Rule::SilenceIsTimeout); // only ever noted here: where it is enforced, the reply has another id
         }

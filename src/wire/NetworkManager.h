@@ -129,6 +129,7 @@ private:
     bool RenewIfDue(Question const& question);
     void DropWaiting(Question& question);
     void Send(Question const& question);
+    StatusInfo ReportUnreachable();
     StatusInfo WaitForAnswer(Question& question);
     Outcome Listen(Question& question);
     Outcome ListenForPeriod(Question& question);
@@ -158,6 +159,7 @@ private:
     std::bitset<256> usedIds;
     std::optional<std::uint8_t> lastAnsweredId; ///< of the exchange before, if it was answered
     std::array<bool, 2> isNewPortDue{}; ///< of the robot and of the file port
+    std::array<bool, 2> isSecondAnswerDue{}; ///< to a read that was sent again, by port
     bool areUploadsNumbered = false; ///< an answer to a block of an upload has had the number of the block
     std::uint64_t idsDrawn = 0;
     std::array<std::uint64_t, 2> idsDrawnUntil{}; ///< the last exchange with an id of its own, by port

@@ -109,7 +109,9 @@ StatusInfo UdpTransport::Open(std::string const& ipAddress, Peers whom) {
     file.endpoint = MakeEndpoint(ipAddress, FilePort);
     bool const isRobotOpen = OpenSocket(robot);
     if (!OpenSocket(file) || !isRobotOpen) {
-        return StatusInformation(ErrorStatusCodes::SocketOpenError, "Failed to create socket.");
+        bool const isMade = robot.socket >= 0 && file.socket >= 0;
+        return StatusInformation(ErrorStatusCodes::SocketOpenError,
+                                 isMade ? "There is no route to the controller." : "Failed to create socket.");
     }
     return StatusInformation(ErrorStatusCodes::Ok);
 }
@@ -177,6 +179,7 @@ Arrival UdpTransport::Read(Port const& port, Port const& asked, std::span<std::b
         return arrival;
     }
     arrival.length = static_cast<std::size_t>(length);
+    arrival.isEmpty = length == 0;
     arrival.isForeign = isNamed && (sender.sin_addr.s_addr != asked.endpoint.sin_addr.s_addr ||
                                     sender.sin_port != asked.endpoint.sin_port);
     return arrival;

@@ -31,7 +31,8 @@ public:
     /// Whether a text is the address of a host: IPv4 in dotted form, neither of all hosts nor of a group of them.
     static bool IsHostAddress(std::string const& text);
 
-    /// Makes the sockets. Fails with SocketOpenError, "Failed to create socket."; what was made is closed by the
+    /// Makes the sockets. Fails with SocketOpenError, "Failed to create socket.", or if
+    /// only the controller is listened to "There is no route to the controller."; what was made is closed by the
     /// destructor. An address that can't be read is not an error while anyone is listened to: nobody will answer it.
     StatusInfo Open(std::string const& ipAddress, Peers whom = Peers::Anyone);
 

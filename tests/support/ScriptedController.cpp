@@ -125,10 +125,11 @@ void ScriptedController::Serve() {
 }
 
 void ScriptedController::ReadFrom(Port& port, Port& other) {
-    Datagram datagram{Bytes(65536), port.number, {}};
+    Datagram datagram{Bytes(65536), port.number, 0, {}};
     socklen_t size = sizeof(port.lastClient);
     auto const length = ::recvfrom(port.descriptor, datagram.bytes.data(), datagram.bytes.size(), 0,
                                    reinterpret_cast<sockaddr*>(&port.lastClient), &size);
+    datagram.clientPort = ntohs(port.lastClient.sin_port);
     datagram.time = std::chrono::steady_clock::now();
     datagram.bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
     Replies const replies = RepliesTo(datagram);

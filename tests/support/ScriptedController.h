@@ -43,6 +43,7 @@ using Replies = std::vector<Reply>;
 struct Datagram {
     Bytes bytes;
     std::uint16_t port = 0;
+    std::uint16_t clientPort = 0;
     std::chrono::steady_clock::time_point time;
 
     std::uint8_t Id() const { return bytes.size() > idOffset ? bytes[idOffset] : std::uint8_t{0}; }

@@ -180,7 +180,9 @@ TEST(Rules, DeadlineHoldsWhateverArrives) {
     Session session({.enforced = StrictRules}, 1);
     Hurry(*session.manager);
     Reply const stale{.staleBy = 1, .delay = milliseconds(40)};
-    session.Answer({Replies(40, stale), {}});
+    Replies strays(40, stale);
+    strays.insert(strays.begin(), Reply{.raw = Bytes{}}); // a datagram without a byte is no silence
+    session.Answer({strays, {}});
     auto const start = Clock::now();
     StatusInfo const status = session.Read();
     auto const elapsed = Clock::now() - start;
@@ -189,6 +191,21 @@ TEST(Rules, DeadlineHoldsWhateverArrives) {
     EXPECT_GE(elapsed, 2 * period);
     EXPECT_LT(elapsed, milliseconds(1400));
     ASSERT_EQ(session.controller.Received(3).size(), 3U);
+}
+
+/// The first answer may still be on its way, and fits once its number comes round again.
+TEST(Rules, ReadThatWasSentAgainIsTheLastOnItsPort) {
+    Session session({.enforced = StrictRules}, 1);
+    Hurry(*session.manager);
+    session.Answer({{}, {Payload(U32(8))}});
+    EXPECT_EQ(session.Read().StatusCode, 0);
+    EXPECT_EQ(session.Read().StatusCode, 0);
+    EXPECT_EQ(session.Read().StatusCode, 0);
+    auto const all = session.controller.Received(5);
+    ASSERT_EQ(all.size(), 5U);
+    EXPECT_EQ(all[1].clientPort, all[2].clientPort);
+    EXPECT_NE(all[2].clientPort, all[3].clientPort);
+    EXPECT_EQ(all[3].clientPort, all[4].clientPort);
 }
 
 TEST(Rules, OnlyReadsAreSentAgain) {
