@@ -14,6 +14,7 @@
 namespace harvlink::fuzz {
 namespace {
 
+// NOLINTNEXTLINE(google-build-using-namespace): nearly all that follows is of the engine
 using namespace fleet;
 
 FleetItem TakeItem(Input& input) {
@@ -56,8 +57,8 @@ ControllerFacts Learn(std::span<Item const> items, Input& input) {
     return startUp.Facts();
 }
 
-void Answer(ControllerRecord& controller, std::uint32_t number, ControllerFacts const& facts, Edges& edges,
-            ChangeFilter& filter, Input& input) {
+void TakeAnswer(ControllerRecord& controller, std::uint32_t number, ControllerFacts const& facts, Edges& edges,
+                ChangeFilter& filter, Input& input) {
     Item const& item = controller.items[number];
     if (RefusalByGeneration(item, facts.generation) != 0) {
         return;
@@ -109,7 +110,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     ChangeFilter filter(controller);
     for (int round = 0; round < 3; ++round) {
         for (std::uint32_t i = 0; i < controller.items.size(); ++i) {
-            Answer(controller, i, facts, edges, filter, input);
+            TakeAnswer(controller, i, facts, edges, filter, input);
         }
     }
     return 0;

@@ -17,7 +17,8 @@
 namespace harvlink::bench {
 namespace {
 
-using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
 
 constexpr int fleetRounds = 7;
 constexpr int firstAddress = 4000;
@@ -60,7 +61,7 @@ std::size_t CountOnline(FleetStatistics const& seen) {
 double AwaitOnline(Fleet const& fleet, std::size_t count) {
     return Time([&] {
         while (CountOnline(fleet.Statistics()) < count) {
-            std::this_thread::sleep_for(2ms);
+            std::this_thread::sleep_for(milliseconds(2));
         }
     });
 }
@@ -96,7 +97,7 @@ Paired CostOfExchange(int controllers) {
         },
         [&] {
             Fleet fleet;
-            Watch(fleet, addresses, Bytes(1ms, 20));
+            Watch(fleet, addresses, Bytes(milliseconds(1), 20));
             AwaitOnline(fleet, addresses.size());
             Spent const spent = Observe(fleet, turn);
             return spent.cpu / spent.exchanges;
@@ -134,11 +135,11 @@ void SteadyState(Report& report) {
     auto const addresses = FleetAddresses(200);
     Responder const responder(addresses, 1);
     Fleet fleet;
-    Watch(fleet, addresses, Bytes(1ms, 20));
+    Watch(fleet, addresses, Bytes(milliseconds(1), 20));
     AwaitOnline(fleet, addresses.size());
-    std::this_thread::sleep_for(200ms);
+    std::this_thread::sleep_for(milliseconds(200));
     std::size_t const before = CurrentHeapUse().allocations;
-    std::this_thread::sleep_for(300ms);
+    std::this_thread::sleep_for(milliseconds(300));
     auto const allocated = static_cast<double>(CurrentHeapUse().allocations - before);
     Spent const spent = Observe(fleet, turn);
     AddFigure(report, "fleet of 200, allocations in 0.3 s", "", allocated, "==", 0.0);
@@ -148,8 +149,9 @@ void SteadyState(Report& report) {
 /// Against one strict connection each, asked in turn.
 void ManyInFlight(Report& report) {
     auto const addresses = FleetAddresses(200);
-    Responder const responder(addresses, 1, ArrivalTime::Read, 1ms);
+    Responder const responder(addresses, 1, ArrivalTime::Read, milliseconds(1));
     std::vector<Connection> connections;
+    connections.reserve(addresses.size());
     for (std::string const& address : addresses) {
         connections.push_back(OpenStrictly(address));
     }
@@ -163,7 +165,7 @@ void ManyInFlight(Report& report) {
         },
         [&] {
             Fleet fleet;
-            Watch(fleet, addresses, Bytes(1ms, 20));
+            Watch(fleet, addresses, Bytes(milliseconds(1), 20));
             AwaitOnline(fleet, addresses.size());
             Spent const spent = Observe(fleet, turn);
             return spent.exchanges / spent.seconds;
@@ -180,10 +182,10 @@ void ManyInFlight(Report& report) {
 
 void FleetOpening(Report& report) {
     auto const addresses = FleetAddresses(1000);
-    Responder const responder(addresses, 1, ArrivalTime::Read, 1ms);
+    Responder const responder(addresses, 1, ArrivalTime::Read, milliseconds(1));
     Fleet fleet;
     double const seconds = Time([&] {
-        Watch(fleet, addresses, Bytes(10s, 1));
+        Watch(fleet, addresses, Bytes(seconds(10), 1));
         AwaitOnline(fleet, addresses.size());
     });
     AddFigure(report, "fleet of 1000, opening, answers after 1 ms", "s", seconds, "<=", 2.0);
@@ -194,9 +196,9 @@ void ThousandAtOneHertz(Report& report) {
     Responder const responder(addresses, 1);
     std::size_t const bytesBefore = CurrentHeapUse().bytes;
     Fleet fleet;
-    Watch(fleet, addresses, Bytes(1s, 20));
+    Watch(fleet, addresses, Bytes(seconds(1), 20));
     AwaitOnline(fleet, addresses.size());
-    std::this_thread::sleep_for(1500ms);
+    std::this_thread::sleep_for(milliseconds(1500));
     Spent const spent = Observe(fleet, 2.0);
     auto const bytes = static_cast<double>(CurrentHeapUse().bytes - bytesBefore) / 1000.0;
     double overruns = 0.0;
@@ -220,17 +222,17 @@ struct Timing {
 
 Timing TimeRounds(std::vector<std::string> const& addresses, std::size_t answering) {
     Fleet fleet;
-    Watch(fleet, addresses, Bytes(100ms, 1));
+    Watch(fleet, addresses, Bytes(milliseconds(100), 1));
     AwaitOnline(fleet, answering);
-    std::this_thread::sleep_for(300ms);
+    std::this_thread::sleep_for(milliseconds(300));
     std::map<std::string, std::chrono::system_clock::time_point> last;
     std::vector<double> jitter;
     std::vector<double> periods;
     std::vector<FleetSample> samples(256);
-    (void)fleet.Take(samples, 0ms);
-    auto const end = std::chrono::steady_clock::now() + 3s;
+    (void)fleet.Take(samples, milliseconds(0));
+    auto const end = std::chrono::steady_clock::now() + seconds(3);
     while (std::chrono::steady_clock::now() < end) {
-        std::size_t const count = fleet.Take(samples, 100ms);
+        std::size_t const count = fleet.Take(samples, milliseconds(100));
         for (FleetSample const& sample : std::span(samples).first(count)) {
             auto& before = last[sample.controller];
             if (before.time_since_epoch().count() != 0) {

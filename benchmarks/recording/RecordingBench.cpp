@@ -146,8 +146,8 @@ double SecondsOf(auto const& work) {
 }
 
 void Show(std::string const& name, double value, std::string const& unit, double target) {
-    std::cout << "{\"case\": \"" << name << "\", \"value\": " << value << ", \"unit\": \"" << unit
-              << "\", \"target\": " << target << "}" << std::endl;
+    std::cout << R"({"case": ")" << name << R"(", "value": )" << value << R"(, "unit": ")" << unit << R"(", "target": )"
+              << target << "}" << std::endl;
 }
 
 void Run(std::filesystem::path const& folder, double scale) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <ranges>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -38,7 +39,7 @@ void SetPath(std::array<char, PATH_MAX>& to, std::string const& path) {
     to[0] = '\0';
     if (path.size() < to.size()) {
         // The first byte comes last, so that a handler never sees half a path.
-        std::copy(path.begin() + (path.empty() ? 0 : 1), path.end(), to.begin() + 1);
+        std::ranges::copy(path | std::views::drop(1), to.begin() + 1);
         to.at(std::max<std::size_t>(path.size(), 1)) = '\0';
         std::atomic_signal_fence(std::memory_order_release);
         to[0] = path.empty() ? '\0' : path[0];

@@ -307,7 +307,7 @@ void AddCat(CLI::App& family, Session& session) {
     verb->callback([name, raw, &session] {
         session.OnConnection(Access::Observe, [name, raw](QuorvanController& robot, Output& output) {
             std::string contents;
-            StatusInfo const status = FetchContents(robot, output, *name, contents);
+            StatusInfo status = FetchContents(robot, output, *name, contents);
             if (status.StatusCode == 0) {
                 ShowContents(output, *name, contents, *raw);
             }

@@ -11,6 +11,7 @@ namespace harvlink::cli {
 
 /// What the machine still executes after it was told to stop. Waits for at most a second and a half, as a motion slows down
 /// before it ends.
+// NOLINTNEXTLINE(bugprone-exception-escape): only moving the JSON, which does not throw
 struct Remains {
     StatusInfo status; ///< of the reads
     bool isRunning = false;

@@ -63,6 +63,7 @@ void AddGetVariable(CLI::App& family, Session& session) {
 
 std::vector<PendingWrite> WritesOf(QuorvanController& robot, std::vector<VariableAssignment> const& assignments) {
     std::vector<PendingWrite> writes;
+    writes.reserve(assignments.size());
     for (VariableAssignment const& assignment : assignments) {
         writes.push_back(
             {VariableName(assignment.address), [&] { return WriteVariable(*robot.Variables, assignment); }});

@@ -33,7 +33,8 @@ RecordedItem AxisItem(std::int32_t coordinate, std::size_t axis) {
     if (coordinate == PulseCoordinate) {
         return Real(PulseAxes.at(axis), "pulse", 1);
     }
-    return axis < Lengths ? Real(CartesianAxes.at(axis), "mm", 1000) : Real(CartesianAxes.at(axis), "deg", 10000);
+    bool const isLength = axis < Lengths;
+    return Real(CartesianAxes.at(axis), isLength ? "mm" : "deg", isLength ? 1000 : 10000);
 }
 
 void AddPlace(std::vector<RecordedItem>& items) {

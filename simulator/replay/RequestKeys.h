@@ -15,6 +15,7 @@ struct RequestKey {
     std::uint16_t instance = 0;
     std::uint64_t detail = 0; ///< of those that ask by their payload
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the spaceship's literal zero for a pointer
     auto operator<=>(RequestKey const&) const = default;
 };
 

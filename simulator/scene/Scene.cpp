@@ -87,8 +87,8 @@ Scene Scene::ChangeFromText(std::string_view text, std::string name, ControllerO
     return {DocumentFrom(text, std::move(name)), options};
 }
 
-Scene::Scene(std::unique_ptr<Document> document, ControllerOptions const& options)
-    : document_(std::move(document)), options_(options) {
+Scene::Scene(std::unique_ptr<Document> document, ControllerOptions options)
+    : document_(std::move(document)), options_(std::move(options)) {
     auto const root = document_->Root();
     root.AllowOnly({"controller", "parameters", "variables", "signals", "signal_groups", "registers", "tools",
                     "user_frames", "alarms"});

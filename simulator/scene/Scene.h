@@ -41,7 +41,7 @@ private:
 
     static std::unique_ptr<Document> DocumentFrom(std::string_view text, std::string name);
     Scene(std::unique_ptr<Document> document, std::filesystem::path const& folder);
-    Scene(std::unique_ptr<Document> document, ControllerOptions const& options);
+    Scene(std::unique_ptr<Document> document, ControllerOptions options);
 
     /// Applies it to a controller of its own.
     void Try() const;

@@ -45,6 +45,7 @@ FleetValue ValueOf(Output&& output) {
     using Plain = std::remove_cvref_t<Output>;
     if constexpr (requires { output.positionData; }) {
         return output.positionData;
+        // cppcheck-suppress identicalConditionAfterEarlyExit // it compares the word requires alone
     } else if constexpr (requires { output.variableIndex; }) {
         return ValueOf(std::move(output.value));
     } else if constexpr (std::is_integral_v<Plain>) {

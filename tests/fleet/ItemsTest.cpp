@@ -139,11 +139,10 @@ void Fill(simulator::ControllerModel& model) {
 class Items : public testing::TestWithParam<std::pair<ControllerVersion, int>> {};
 
 TEST_P(Items, GiveWhatTheInterfacesRead) {
-    auto const [generation, rs022] = GetParam();
-    FleetRig rig(1, [&](std::size_t) {
+    FleetRig rig(1, [](std::size_t) {
         ControllerOptions options;
-        options.generation = generation;
-        options.rs022 = rs022;
+        options.generation = GetParam().first;
+        options.rs022 = GetParam().second;
         options.timeScale = 0.0;
         return options;
     });

@@ -42,7 +42,8 @@ std::string SafeName(std::string_view name) {
     std::string safe = EscapeUnsafe(name);
     if (safe.size() > LongestSafeName) {
         std::string const checksum = fmt::format("~{:016x}", Checksum(name));
-        safe = safe.substr(0, LongestSafeName - checksum.size()) + checksum;
+        safe.resize(LongestSafeName - checksum.size());
+        safe += checksum;
     }
     return safe;
 }
