@@ -18,7 +18,6 @@ namespace harvlink::bench {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
 
 constexpr int fleetRounds = 7;
 constexpr int firstAddress = 4000;
@@ -185,7 +184,7 @@ void FleetOpening(Report& report) {
     Responder const responder(addresses, 1, ArrivalTime::Read, milliseconds(1));
     Fleet fleet;
     double const seconds = Time([&] {
-        Watch(fleet, addresses, Bytes(seconds(10), 1));
+        Watch(fleet, addresses, Bytes(std::chrono::seconds(10), 1));
         AwaitOnline(fleet, addresses.size());
     });
     AddFigure(report, "fleet of 1000, opening, answers after 1 ms", "s", seconds, "<=", 2.0);
@@ -196,7 +195,7 @@ void ThousandAtOneHertz(Report& report) {
     Responder const responder(addresses, 1);
     std::size_t const bytesBefore = CurrentHeapUse().bytes;
     Fleet fleet;
-    Watch(fleet, addresses, Bytes(seconds(1), 20));
+    Watch(fleet, addresses, Bytes(std::chrono::seconds(1), 20));
     AwaitOnline(fleet, addresses.size());
     std::this_thread::sleep_for(milliseconds(1500));
     Spent const spent = Observe(fleet, 2.0);
@@ -230,7 +229,7 @@ Timing TimeRounds(std::vector<std::string> const& addresses, std::size_t answeri
     std::vector<double> periods;
     std::vector<FleetSample> samples(256);
     (void)fleet.Take(samples, milliseconds(0));
-    auto const end = std::chrono::steady_clock::now() + seconds(3);
+    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
     while (std::chrono::steady_clock::now() < end) {
         std::size_t const count = fleet.Take(samples, milliseconds(100));
         for (FleetSample const& sample : std::span(samples).first(count)) {

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -39,7 +38,7 @@ void SetPath(std::array<char, PATH_MAX>& to, std::string const& path) {
     to[0] = '\0';
     if (path.size() < to.size()) {
         // The first byte comes last, so that a handler never sees half a path.
-        std::ranges::copy(path | std::views::drop(1), to.begin() + 1);
+        std::copy_n(path.data() + (path.empty() ? 0 : 1), std::max<std::size_t>(path.size(), 1) - 1, to.begin() + 1);
         to.at(std::max<std::size_t>(path.size(), 1)) = '\0';
         std::atomic_signal_fence(std::memory_order_release);
         to[0] = path.empty() ? '\0' : path[0];
