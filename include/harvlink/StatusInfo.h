@@ -64,8 +64,7 @@ enum class ErrorStatusCodes : std::int32_t {
     FileBlockMissing = 0x50004, ///< a block of a file was left out
     FileTooLarge = 0x50005, ///< more than `largestFile`
     OutOfMemory = 0x50006,
-    SystemFailure =
-        0x50007, ///< this computer failed: a thread, a lock or a socket could not be had, or there is no route
+    SystemFailure = 0x50007, ///< this computer gave no thread, lock or socket, or has no route
     UnreadableTime = 0x50008, ///< the controller's operating time is not one
     StepWithdrawn = 0x50009, ///< a queued step was dropped by a stop, a clear, a failure or the end of the connection
     WaitTimedOut = 0x50010, ///< what was waited for did not happen in the given time

@@ -126,10 +126,10 @@ class OnTerminal {
 public:
     OnTerminal(std::string const& line, char const* type) {
         winsize const size{24, 80, 0, 0};
-        Arguments arguments = Words("harvlink " + line);
         pid_ = ::forkpty(&master_, nullptr, nullptr, &size);
         if (pid_ == 0) {
             ::setenv("TERM", type, 1);
+            Arguments arguments = Words("harvlink " + line);
             std::vector<char*> argv;
             for (std::string& argument : arguments) {
                 argv.push_back(argument.data());
