@@ -104,7 +104,6 @@ constexpr std::array Verbs = std::to_array<VerbCase>({
     {"config", "", NoConnection},
     {"explain", "0x2060", NoConnection},
     {"completion", "bash", NoConnection},
-    {"complete-words", "JOB", Access::Observe},
     {"help", "status", NoConnection},
     {"record", "--for 300ms --out r.harvlink", Access::Observe},
     {"recording info", "none.harvlink", NoConnection},
@@ -128,7 +127,15 @@ void AddNames(CLI::App const& command, std::string const& prefix, std::set<std::
 std::set<std::string> AllVerbs() {
     std::istringstream in;
     std::ostringstream out;
-    Console console{in, out, out, false, false, false};
+    Console console{
+        in,
+        out,
+        out,
+        false,
+        false,
+        false // The last, as it does not wait for answers that take too long: what it asked may come when it has ended.
+        {"complete-words", "JOB", Access::Observe},
+    };
     Output output(console);
     Session session(output);
     CLI::App app;
