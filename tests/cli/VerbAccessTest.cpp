@@ -110,6 +110,8 @@ constexpr std::array Verbs = std::to_array<VerbCase>({
     {"recording events", "none.harvlink", NoConnection},
     {"recording export", "none.harvlink", NoConnection},
     {"recording cut", "none.harvlink --out cut.harvlink", NoConnection},
+    // The last, as it does not wait for answers that take too long: what it asked may come when it has ended.
+    {"complete-words", "JOB", Access::Observe},
 });
 
 void AddNames(CLI::App const& command, std::string const& prefix, std::set<std::string>& names) {
@@ -127,15 +129,7 @@ void AddNames(CLI::App const& command, std::string const& prefix, std::set<std::
 std::set<std::string> AllVerbs() {
     std::istringstream in;
     std::ostringstream out;
-    Console console{
-        in,
-        out,
-        out,
-        false,
-        false,
-        false // The last, as it does not wait for answers that take too long: what it asked may come when it has ended.
-        {"complete-words", "JOB", Access::Observe},
-    };
+    Console console{in, out, out, false, false, false};
     Output output(console);
     Session session(output);
     CLI::App app;
