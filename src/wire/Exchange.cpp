@@ -89,8 +89,8 @@ struct NetworkManager::Question {
     /// A block of a file on its way to the controller.
     bool SendsBlock() const { return IsBlockSent(AskedNow()); }
 
-    bool IsOfOtherBlock(std::size_t length, bool areUploadsNumbered) const {
-        return AnswersOtherBlock(AskedNow(), AnswerOf(length), areUploadsNumbered);
+    bool IsOfOtherBlock(std::size_t length, bool isNumbered) const {
+        return AnswersOtherBlock(AskedNow(), AnswerOf(length), isNumbered);
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "ToolTest.h"
 #include "support/RecordedSamples.h"
 #include "support/ScratchFolder.h"
+#include "words/text/Json.h"
 
 namespace harvlink::cli {
 namespace {

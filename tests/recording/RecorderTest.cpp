@@ -133,7 +133,11 @@ TEST_F(RecorderTest, StopsWithAClearWordWhenTheDiskIsFull) {
 }
 
 TEST_F(RecorderTest, LosesAtMostASecondWhenItIsKilled) {
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+    constexpr std::size_t Times = 8; // more of so slow recorders at once would not keep up with two processors
+#else
     constexpr std::size_t Times = 50;
+#endif
     void* const memory = mmap(nullptr, Times * sizeof(std::atomic<std::int64_t>), PROT_READ | PROT_WRITE,
                               MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
@@ -148,7 +152,7 @@ TEST_F(RecorderTest, LosesAtMostASecondWhenItIsKilled) {
     }
     std::mt19937 random(20); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
     for (std::size_t i = 0; i < Times; ++i) {
-        ASSERT_TRUE(Await([&] { return newest[i] > 600'000; }));
+        ASSERT_TRUE(Await([&] { return newest[i] > 1'200'000; }));
         std::this_thread::sleep_for(milliseconds(random() % 40));
         kill(children[i], SIGKILL);
         waitpid(children[i], nullptr, 0);
