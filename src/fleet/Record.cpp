@@ -226,6 +226,9 @@ Reading ReadRecord(Item const& item, std::span<std::byte const> record) {
 }
 
 std::int32_t RefusalCode(Item const& item, std::int32_t code) {
+    if (code == 0) { // without a refusal a request would read the record, and there is none
+        return 0;
+    }
     StatusInfo status = StatusInformation(code);
     if (item.Kind() == FleetItemKind::Position) {
         ApplyControlGroupTable(status);
