@@ -19,7 +19,8 @@ inline bool LostAnswer(StatusInfo const& status) {
            code == ErrorStatusCodes::AnswerTooShort;
 }
 
-/// Whether nobody answers, or the host says that nobody listens: whatever else is asked would get no answer either.
+/// Whether nobody answers, the host says that nobody listens, or this computer has no way to it: whatever else is asked
+/// would get no answer either.
 inline bool IsSilence(StatusInfo const& status) {
     auto const code = static_cast<ErrorStatusCodes>(status.StatusCode);
     return code == ErrorStatusCodes::ResponseTimeout || code == ErrorStatusCodes::ControllerNotListening ||

@@ -50,7 +50,7 @@ Json MissingJson(std::vector<Missing> const& missing) {
     return rows;
 }
 
-/// Of the files that are stored under names which do not give theirs back.
+/// The whole names of the files whose stored names are shortened.
 Json LongNamesJson(Snapshot const& snapshot) {
     Json names = Json::object();
     for (auto const& [name, contents] : snapshot.files) {

@@ -12,7 +12,7 @@ namespace harvlink::recording {
 /// "2026-11-22T03:15:00.250000Z"
 std::string FormatTime(Microseconds time);
 
-/// The same without what may not stand in the name of a file: "20261122T031500Z".
+/// The same without the characters that a file name can't have: "20261122T031500Z".
 std::string FormatTimeForName(Microseconds time);
 
 /// Reads "2026-11-22T03:15:00.25Z", with fewer parts too ("2026-11-22", "2026-11-22 03:15"), in UTC; "+90s" after `begin`, or

@@ -75,7 +75,7 @@ void ControllerAgent::SkipRefused(std::uint32_t group, std::int64_t now) {
 }
 
 bool ControllerAgent::Ask(Worker& worker, std::int64_t now) {
-    if (!worker.lane.Ask(QueryFor(record->items[worker.begin], worker.part, facts), patience, now)) {
+    if (!worker.lane.Ask(QueryFor(record->items[worker.begin], worker.part, facts), limits, now)) {
         GoAway(FleetState::Refused, static_cast<std::int32_t>(ErrorStatusCodes::SocketOpenError), now);
         return false;
     }

@@ -24,7 +24,7 @@ void ControllerAgent::AskForStartUp(std::int64_t now) {
         return;
     }
     nextSend = now + spacing;
-    Patience const ofStartUp{.timeout = patience.timeout, .retries = std::max(patience.retries, silentAfter - 1)};
+    WaitLimits const ofStartUp{.timeout = limits.timeout, .retries = std::max(limits.retries, silentAfter - 1)};
     if (startUp->Now() == StartUp::State::AskFilePort) {
         AskForFile(now);
     } else if (!workers.front()->lane.Ask(startUp->Next(), ofStartUp, now)) {
@@ -43,7 +43,7 @@ void ControllerAgent::AskForFile(std::int64_t now) {
     }
     auto const step = startUp->NextOfFile();
     if (step) {
-        file->AskFile(step->request, step->requestId, step->waitForReply, patience, now);
+        file->AskFile(step->request, step->requestId, step->waitForReply, limits, now);
         if (step->waitForReply) {
             return;
         }

@@ -2,7 +2,7 @@
 
 #include "fleet/ControllerAgent.h"
 
-// What an agent tells of the values of its controller.
+// How an agent publishes the values of its controller: table, samples and events.
 
 namespace harvlink::fleet {
 

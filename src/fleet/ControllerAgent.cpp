@@ -12,8 +12,8 @@ ControllerAgent::ControllerAgent(std::shared_ptr<ControllerRecord> controller, S
       services(shared),
       firstToken(ownToken),
       spacing(record->Spacing()),
-      patience{.timeout = std::chrono::nanoseconds(std::chrono::milliseconds(record->options.timeout)).count(),
-               .retries = record->options.retries},
+      limits{.timeout = std::chrono::nanoseconds(std::chrono::milliseconds(record->options.timeout)).count(),
+             .retries = record->options.retries},
       backoff(ownToken),
       edges(shared.events, record->id),
       filter(*record) {
@@ -125,7 +125,7 @@ void ControllerAgent::Halt(std::int64_t now) {
     }
 }
 
-/// That a single answer is late is no event: it happens, and Statistics shows it.
+/// A single late answer makes no event. It happens often, and the statistics show it.
 void ControllerAgent::SetState(FleetState state, std::int32_t code, std::int64_t now) {
     FleetState const before = record->state.load(std::memory_order_relaxed);
     if (before == state) {

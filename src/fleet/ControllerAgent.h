@@ -101,7 +101,7 @@ private:
     Services& services;
     Poller::Token const firstToken;
     std::int64_t const spacing;
-    Patience const patience;
+    WaitLimits const limits;
     Phase phase = Phase::Pausing;
     std::int64_t pauseEnd = 0;
     std::int64_t nextSend = 0; ///< no request before

@@ -68,8 +68,23 @@ public:
           events(std::min(options.eventCapacity, mostEvents)),
           engine(samples, events) {}
 
-    StatusInfo Put(Registry::Record const& old, std::string const& name, std::string const& address,
-                   FleetControllerOptions const& options, std::vector<FleetGroup> const& groups) {
+    enum class Place : std::uint8_t { New, Existing };
+
+    StatusInfo Put(Place place, std::string const& name, FleetControllerOptions const& options,
+                   std::vector<FleetGroup> const& groups) {
+        std::string address;
+        StatusInfo status = Check(name, options, groups, address);
+        if (status.StatusCode != 0) {
+            return status;
+        }
+        std::scoped_lock const lock(changing);
+        auto const old = registry.Find(name);
+        if (place == Place::New && old) {
+            return fleet::InvalidController(name, "the name is taken");
+        }
+        if (place == Place::Existing && !old) {
+            return Unknown(name);
+        }
         sockaddr_in const endpoint = EndpointOf(address);
         auto const other = registry.FindAddress(endpoint.sin_addr);
         if (other && other != old) {
@@ -110,32 +125,12 @@ Fleet::~Fleet() = default;
 
 StatusInfo Fleet::Add(std::string const& name, FleetControllerOptions const& options,
                       std::vector<FleetGroup> const& groups) {
-    return Unthrown([&]() -> StatusInfo {
-        std::string address;
-        StatusInfo status = Check(name, options, groups, address);
-        if (status.StatusCode != 0) {
-            return status;
-        }
-        std::scoped_lock const lock(implementation->changing);
-        if (implementation->registry.Find(name)) {
-            return fleet::InvalidController(name, "the name is taken");
-        }
-        return implementation->Put(nullptr, name, address, options, groups);
-    });
+    return Unthrown([&] { return implementation->Put(Implementation::Place::New, name, options, groups); });
 }
 
 StatusInfo Fleet::Change(std::string const& name, FleetControllerOptions const& options,
                          std::vector<FleetGroup> const& groups) {
-    return Unthrown([&]() -> StatusInfo {
-        std::string address;
-        StatusInfo status = Check(name, options, groups, address);
-        if (status.StatusCode != 0) {
-            return status;
-        }
-        std::scoped_lock const lock(implementation->changing);
-        auto const old = implementation->registry.Find(name);
-        return old ? implementation->Put(old, name, address, options, groups) : Unknown(name);
-    });
+    return Unthrown([&] { return implementation->Put(Implementation::Place::Existing, name, options, groups); });
 }
 
 StatusInfo Fleet::Remove(std::string const& name) {

@@ -44,7 +44,7 @@ void Lane::Abandon() {
     isWaiting = false;
 }
 
-bool Lane::Ask(Query const& query, Patience const& patience, std::int64_t now) {
+bool Lane::Ask(Query const& query, WaitLimits const& limits, std::int64_t now) {
     if (isNewPortDue && !Open(port)) {
         return false;
     }
@@ -55,28 +55,28 @@ bool Lane::Ask(Query const& query, Patience const& patience, std::int64_t now) {
     request.subHeader = query.subHeader;
     std::memcpy(request.payload.data(), query.payload.data(), query.payloadSize);
     minimumReply = query.minimumReply;
-    Begin(patience, now);
+    Begin(limits, now);
     Send();
     return true;
 }
 
 void Lane::AskFile(FileRequest const& step, std::optional<std::uint8_t> transferId, bool waitForReply,
-                   Patience const& patience, std::int64_t now) {
+                   WaitLimits const& limits, std::int64_t now) {
     lastId = transferId.value_or(static_cast<std::uint8_t>(lastId % highestId + 1));
     request.header = step.header;
     request.header.requestId = lastId;
     request.subHeader = step.subHeader;
     std::memcpy(request.payload.data(), step.payload.data(), sizeof(step.payload));
     minimumReply = 0;
-    Begin(patience, now);
+    Begin(limits, now);
     isWaiting = waitForReply;
     Send();
 }
 
-void Lane::Begin(Patience const& patience, std::int64_t now) {
+void Lane::Begin(WaitLimits const& limits, std::int64_t now) {
     isWaiting = true;
-    periodsLeft = patience.retries;
-    period = patience.timeout;
+    periodsLeft = limits.retries;
+    period = limits.timeout;
     askedAt = now;
     deadline = now + period;
 }

@@ -14,7 +14,7 @@
 namespace harvlink::fleet {
 
 /// How long an answer is waited for.
-struct Patience {
+struct WaitLimits {
     std::int64_t timeout = 0; ///< nanoseconds
     unsigned retries = 0;
 };
@@ -40,11 +40,11 @@ public:
 
     /// Sends a request. What is still on its way to an unanswered one never arrives, as it goes to another port.
     /// @return false if that takes a socket which this computer refused
-    bool Ask(Query const& query, Patience const& patience, std::int64_t now);
+    bool Ask(Query const& query, WaitLimits const& limits, std::int64_t now);
 
     /// A step of a transfer. Those after the first keep the number of the transfer, and only the first is sent again.
     void AskFile(FileRequest const& step, std::optional<std::uint8_t> transferId, bool waitForReply,
-                 Patience const& patience, std::int64_t now);
+                 WaitLimits const& limits, std::int64_t now);
 
     enum class Outcome : std::uint8_t { Nothing, Answered, NotListening };
 
@@ -68,7 +68,7 @@ public:
 private:
     using RequestPacket = OutgoingPacket<std::array<std::byte, FileNameSize>>;
 
-    void Begin(Patience const& patience, std::int64_t now);
+    void Begin(WaitLimits const& limits, std::int64_t now);
     void Send();
     bool IsAnswer(std::size_t length);
 

@@ -272,7 +272,7 @@ TEST(RepeatedRead, BeginsAnewOnlyAfterAnAnswerWasLostOrDamaged) {
         EXPECT_EQ(calls, each.calls) << static_cast<int>(each.code);
         EXPECT_EQ(status.StatusCode, each.result);
     }
-    EXPECT_EQ(out.str(), "") << "a repetition is no error";
+    EXPECT_EQ(out.str(), "") << "a repetition is not an error";
 }
 
 } // namespace

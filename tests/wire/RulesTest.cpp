@@ -181,7 +181,7 @@ TEST(Rules, DeadlineHoldsWhateverArrives) {
     Hurry(*session.manager);
     Reply const stale{.staleBy = 1, .delay = milliseconds(40)};
     Replies strays(40, stale);
-    strays.insert(strays.begin(), Reply{.raw = Bytes{}}); // a datagram without a byte is no silence
+    strays.insert(strays.begin(), Reply{.raw = Bytes{}}); // an empty datagram is not silence
     session.Answer({strays, {}});
     auto const start = Clock::now();
     StatusInfo const status = session.Read();
