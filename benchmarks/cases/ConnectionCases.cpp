@@ -110,13 +110,14 @@ void SilentController(Report& report) {
     int const socket = BindSocket(address, 10040); // takes everything and says nothing
     BareClient bare(address);
     std::vector<double> late;
+    std::vector<double> bareLate;
     auto const cpu = [&](auto operation) {
         double const before = ThreadCpuSeconds();
         operation();
         return (ThreadCpuSeconds() - before) * 1e3;
     };
     Paired const milliseconds =
-        Pair([&] { return cpu([&] { BareSilence(bare, 1 + retries, timeout); }); },
+        Pair([&] { return cpu([&] { bareLate.push_back(Time([&] { BareSilence(bare, 1 + retries, timeout); })); }); },
              [&] {
                  return cpu([&] {
                      ByteVariableData variable;
@@ -124,8 +125,15 @@ void SilentController(Report& report) {
                  });
              },
              attempts);
-    report.Add(Figure("silent controller, beyond (1 + retries) x time-out", "ms",
-                      Median(late) * 1e3 - timeout * (1.0 + retries), "<=", 0.5));
+    double const allowed = timeout * (1.0 + retries);
+    report.Add({.name = "silent controller, beyond (1 + retries) x time-out",
+                .unit = "ms",
+                .floor = Median(bareLate) * 1e3 - allowed,
+                .harvlink = Median(late) * 1e3 - allowed,
+                .gated = Median(late) * 1e3 - allowed,
+                .comparison = "<=",
+                .target = 0.5,
+                .note = "three waits"});
     report.Add({.name = "silent controller, processor time",
                 .unit = "ms",
                 .floor = milliseconds.floor,
