@@ -74,7 +74,16 @@ ROOMS = {
         **{verb: ["program", "output"] for verb in VERBS},
         "verbs": [*VERBS, "program", "output"],
     }),
-    "gateway": Room(["include", "words", "recording", "simulator"]),
+    "gateway": Room(["include", "words", "recording", "simulator"], {
+        "model": [],
+        "config": ["model"],
+        "watch": ["config", "model"],
+        "history": ["config", "model"],
+        "sparkplug": ["config", "model"],
+        "prometheus": ["watch", "config", "model"],
+        "http": ["watch", "history", "config", "model"],
+        "program": ["http", "prometheus", "sparkplug", "history", "watch", "config", "model"],
+    }),
     "examples": Room(["include"], {"demo": [], "c": []}),
     "soak": Room(["include"]),
     "tools": Room(["include", "src"], {"wireshark": []}),
@@ -108,10 +117,14 @@ WIRE_FORMATS = re.compile(
 
 # Libraries of others have their places too; the library and its headers use none.
 LIBRARIES = {
-    "CLI/": ["cli/", "simulator/program/", "soak/", "tests/cli/"],
+    "CLI/": ["cli/", "simulator/program/", "gateway/program/", "soak/", "tests/cli/"],
     "curses.h": ["cli/watch/"],
     "sqlite3.h": ["recording/store/"],
-    "toml++/": ["words/settings/", "simulator/scene/"],
+    "toml++/": ["words/settings/", "simulator/scene/", "gateway/config/"],
+    "libwebsockets.h": ["gateway/http/"],
+    "prometheus/": ["gateway/prometheus/"],
+    "mosquitto.h": ["gateway/sparkplug/", "tests/gateway/"],
+    "google/protobuf/": ["gateway/sparkplug/", "tests/gateway/"],
     "fmt/": ["words/", "recording/", "simulator/", "cli/", "gateway/", "soak/", "fuzz/", "tests/"],
     "nlohmann/": ["words/", "simulator/control/", "recording/", "cli/", "gateway/", "soak/", "fuzz/", "benchmarks/", "tests/"],
 }

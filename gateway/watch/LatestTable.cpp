@@ -1,0 +1,111 @@
+#include "gateway/watch/LatestTable.h"
+
+#include <algorithm>
+
+namespace harvlink::gateway {
+
+void LatestTable::Added(ControllerPtr const& controller) {
+    std::scoped_lock const lock(mutex_);
+    LatestController entry;
+    entry.controller = controller;
+    entry.samples.resize(controller->readings.size());
+    entry.versions.resize(controller->readings.size());
+    controllers_.insert_or_assign(controller->id, std::move(entry));
+    listVersion_ = ++version_;
+}
+
+void LatestTable::Removed(ControllerPtr const& controller) {
+    std::scoped_lock const lock(mutex_);
+    controllers_.erase(controller->id);
+    listVersion_ = ++version_;
+}
+
+LatestController* LatestTable::Find(ControllerPtr const& controller) {
+    auto const found = controllers_.find(controller->id);
+    return found == controllers_.end() ? nullptr : &found->second;
+}
+
+void LatestTable::Take(Batch const& batch) {
+    if (batch.samples.empty() && batch.events.empty()) {
+        return;
+    }
+    std::scoped_lock const lock(mutex_);
+    ++version_;
+    for (SamplePtr const& sample : batch.samples) {
+        LatestController* const entry = Find(sample->controller);
+        if (entry == nullptr) {
+            continue;
+        }
+        entry->samples[sample->reading] = sample;
+        entry->versions[sample->reading] = version_;
+        if (sample->moment.quality != recording::RecordedQuality::NeverRead) {
+            entry->lastAnswer = std::max(entry->lastAnswer, sample->moment.answer);
+        }
+    }
+    for (Event const& event : batch.events) {
+        LatestController* const entry = Find(event.controller);
+        if (entry == nullptr) {
+            continue;
+        }
+        if (event.kind == FleetEventKind::StateChanged) {
+            entry->link = static_cast<FleetState>(event.record.after);
+            entry->linkSince = event.record.time;
+            entry->linkVersion = version_;
+        }
+        events_.push_back({++lastEvent_, event});
+        eventVersions_.push_back(version_);
+        if (events_.size() > MostEvents) {
+            events_.pop_front();
+            eventVersions_.pop_front();
+        }
+    }
+}
+
+std::vector<LatestController> LatestTable::Snapshot() const {
+    std::scoped_lock const lock(mutex_);
+    std::vector<LatestController> all;
+    all.reserve(controllers_.size());
+    for (auto const& [id, entry] : controllers_) {
+        all.push_back(entry);
+    }
+    return all;
+}
+
+LatestTable::Changes LatestTable::ChangesSince(std::uint64_t version) const {
+    std::scoped_lock const lock(mutex_);
+    Changes changes;
+    changes.version = version_;
+    changes.isWhole = version < listVersion_;
+    for (auto const& [id, entry] : controllers_) {
+        auto const isNew = [&](std::uint64_t of) { return of > version; };
+        bool const hasChanged =
+            isNew(entry.linkVersion) || std::any_of(entry.versions.begin(), entry.versions.end(), isNew);
+        if (!hasChanged && !changes.isWhole) {
+            continue;
+        }
+        LatestController& copy = changes.controllers.emplace_back(entry);
+        for (std::size_t i = 0; i < copy.samples.size() && !changes.isWhole; ++i) {
+            if (!isNew(copy.versions[i])) {
+                copy.samples[i].reset();
+            }
+        }
+    }
+    for (std::size_t i = 0; i < events_.size(); ++i) {
+        if (eventVersions_[i] > version) {
+            changes.events.push_back(events_[i]);
+        }
+    }
+    return changes;
+}
+
+std::vector<NumberedEvent> LatestTable::Events() const {
+    std::scoped_lock const lock(mutex_);
+    return {events_.begin(), events_.end()};
+}
+
+std::uint64_t LatestTable::Version() const {
+    std::scoped_lock const lock(mutex_);
+    return version_;
+}
+
+} // namespace harvlink::gateway

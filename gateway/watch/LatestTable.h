@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "gateway/model/Observer.h"
+
+namespace harvlink::gateway {
+
+/// What is known of a controller now.
+struct LatestController {
+    ControllerPtr controller;
+    FleetState link = FleetState::Connecting;
+    recording::Microseconds linkSince = 0; ///< UTC; 0: since it was added
+    recording::Microseconds lastAnswer = 0; ///< UTC; 0: it has never answered
+    std::uint64_t linkVersion = 0;
+    std::vector<SamplePtr> samples; ///< by reading; null for what was never read
+    std::vector<std::uint64_t> versions; ///< of the samples
+};
+
+/// An event and its number, which counts from 1 as long as the gateway runs.
+struct NumberedEvent {
+    std::uint64_t number = 0;
+    Event event;
+};
+
+/// The last sample of each reading, the state of each link, and the last events. Each change has a version, which rises: whoever
+/// knows the table at one version asks for what has changed since. May be read from any thread.
+class LatestTable : public Observer {
+public:
+    static constexpr std::size_t MostEvents = 1000;
+
+    void Added(ControllerPtr const& controller) override;
+    void Removed(ControllerPtr const& controller) override;
+    void Take(Batch const& batch) override;
+
+    /// All controllers in the order in which they were added.
+    std::vector<LatestController> Snapshot() const;
+
+    /// What has changed since a version, in one moment.
+    struct Changes {
+        std::uint64_t version = 0; ///< of the table now
+        bool isWhole = false; ///< controllers were added or removed: `controllers` has all of them with all samples
+        std::vector<LatestController> controllers; ///< those with changes; samples that did not change are null
+        std::vector<NumberedEvent> events;
+    };
+    Changes ChangesSince(std::uint64_t version) const;
+
+    /// The last events, oldest first.
+    std::vector<NumberedEvent> Events() const;
+
+    std::uint64_t Version() const;
+
+private:
+    LatestController* Find(ControllerPtr const& controller);
+
+    mutable std::mutex mutex_;
+    std::map<std::uint32_t, LatestController> controllers_; ///< by id, so in the order of adding
+    std::deque<NumberedEvent> events_;
+    std::deque<std::uint64_t> eventVersions_;
+    std::uint64_t lastEvent_ = 0;
+    std::uint64_t version_ = 1;
+    std::uint64_t listVersion_ = 1; ///< when a controller was added or removed
+};
+
+} // namespace harvlink::gateway
