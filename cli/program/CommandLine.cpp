@@ -99,6 +99,7 @@ int Run(int argc, char const* const* argv, Console& console, std::span<AddComman
         output.Problem(error.what());
         return ExitStatus::WrongUsage;
     } catch (Interrupted const& error) {
+        BrokenPipesIgnored const readerMayBeGone; // the exit status counts
         output.Problem(error.what());
         return error.ExitStatus();
     } catch (std::filesystem::filesystem_error const& error) {

@@ -108,6 +108,19 @@ BrokenPipesIgnored::~BrokenPipesIgnored() {
     sigaction(SIGPIPE, &previous_, nullptr);
 }
 
+SignalsHeldBack::SignalsHeldBack() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (int const signal : Interrupt::Signals) {
+        sigaddset(&held, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &held, &previous_);
+}
+
+SignalsHeldBack::~SignalsHeldBack() {
+    pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
+}
+
 int Interrupt::Descriptor() const {
     return wakePipe[0];
 }

@@ -60,4 +60,17 @@ private:
     struct sigaction previous_ {};
 };
 
+/// While it lives, the signals of Interrupt wait: what is done meanwhile on this thread is done whole or not at all. Only for what
+/// takes no time, such as making a folder and noting that a signal has to remove it.
+class SignalsHeldBack {
+public:
+    SignalsHeldBack();
+    SignalsHeldBack(SignalsHeldBack const&) = delete;
+    SignalsHeldBack& operator=(SignalsHeldBack const&) = delete;
+    ~SignalsHeldBack();
+
+private:
+    sigset_t previous_{};
+};
+
 } // namespace harvlink::cli

@@ -18,6 +18,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "cli/program/Interrupt.h"
+
 namespace harvlink::cli {
 
 namespace filesystem = std::filesystem;
@@ -119,8 +121,10 @@ FileError::FileError(std::string_view what, filesystem::path const& path, int co
 
 ScratchSpace::ScratchSpace(filesystem::path const& parent) {
     RemoveLeftovers(parent);
+    SignalsHeldBack const untilItIsNoted;
     // Another process may take the new folder for a leftover before it is locked.
     for (int attempt = 0; lock_ < 0 && attempt < 10; ++attempt) {
+        ::rmdir(path_.c_str()); // of a file system that has no locks
         std::string name = (parent / (std::string(Prefix) + "XXXXXX")).string();
         if (::mkdtemp(name.data()) == nullptr) {
             Fail("can't write into", parent);
@@ -138,6 +142,8 @@ ScratchSpace::ScratchSpace(filesystem::path const& parent) {
 }
 
 ScratchSpace::~ScratchSpace() {
+    // A signal removes one file and the folder. While more than that is being removed it has to wait.
+    SignalsHeldBack const untilItIsGone;
     if (!isKept_) {
         std::error_code ignored;
         filesystem::remove_all(path_, ignored);

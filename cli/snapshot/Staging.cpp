@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
+#include "cli/program/Interrupt.h"
 #include "cli/snapshot/Folder.h"
 #include "words/text/InputError.h"
 
@@ -44,6 +45,7 @@ filesystem::path CheckTarget(filesystem::path const& target, bool force) {
 }
 
 void MoveInto(filesystem::path const& finished, filesystem::path const& target, ScratchSpace& scratch) {
+    SignalsHeldBack const untilOneIsInPlace;
     filesystem::path const former = scratch.Path() / "former";
     bool const isReplaced = filesystem::exists(target);
     if (isReplaced) {
