@@ -3,7 +3,7 @@
 import datetime
 from typing import Any, Dict, Iterator, List, Tuple
 
-from ._fleet_records import HarvlinkFleetItem, HarvlinkFleetSample
+from ._records import HarvlinkFleetItem, HarvlinkFleetSample
 from .controller_state import OperatingTime, State, SystemInformation
 from .enums import ControlMode, CoordinateType, CycleMode, FleetItemKind, TimeType, group_number
 from .fault import Alarm

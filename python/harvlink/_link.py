@@ -6,7 +6,8 @@ import threading
 from typing import Any, Iterator, Optional
 
 from ._library import Library, without_zero
-from ._records import HarvlinkConnectOptions, IStatusInfo, OwnedText
+from ._owned_text import OwnedText
+from ._records import HarvlinkConnectOptions, IStatusInfo
 from ._text import Encoding
 from .errors import settle
 

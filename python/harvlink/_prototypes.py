@@ -1,131 +1,214 @@
-"""The plain functions: result and argument types by name."""
+"""The plain functions: result and argument types by name.
 
-import ctypes
-from ctypes import c_bool, c_char_p, c_double, c_int, c_int32, c_ubyte, c_uint, c_uint32, c_uint64, c_ushort
+Made from include/harvlink/harvlink_c.h by tools/generate_bindings: change that file, and run it again."""
+
+from ctypes import (
+    POINTER,
+    c_bool,
+    c_char,
+    c_char_p,
+    c_double,
+    c_int,
+    c_int32,
+    c_ubyte,
+    c_uint,
+    c_uint32,
+    c_uint64,
+    c_ushort,
+    c_void_p,
+)
 from typing import Any, Dict, Tuple
 
-from . import _fleet_records as f
 from . import _records as r
-
-HANDLE = ctypes.c_void_p
-TEXT = c_char_p
-ENUM = c_int32
-STATUS = r.IStatusInfo
-P = ctypes.POINTER
-
-_PLACE = {"type": (ENUM, c_ushort), "address": (c_uint,)}
-_POSITION = P(r.PositionData)
-_MOTION = P(r.Motion)
-
-
-def _variables() -> Dict[str, Tuple[Any, ...]]:
-    by_value = {
-        "byte": r.ByteVariableData,
-        "integer": r.IntegerVariableData,
-        "double_int": r.DoubleIntVariableData,
-        "real": r.RealVariableData,
-    }
-    by_pointer = {
-        "string": r.IStringVariableData,
-        "robot_position": r.RobotPositionVariableData,
-        "base_position": r.BaseAxisPositionVariableData,
-        "station_position": r.StationPositionVariableData,
-    }
-    table: Dict[str, Tuple[Any, ...]] = {}
-    for kind, record in {**by_value, **by_pointer}.items():
-        written = record if kind in by_value else P(record)
-        table[f"{kind}_variable_interface_read"] = (STATUS, HANDLE, c_ushort, P(record))
-        table[f"{kind}_variable_interface_write"] = (STATUS, HANDLE, written)
-    return table
-
-
-def _signals() -> Dict[str, Tuple[Any, ...]]:
-    table: Dict[str, Tuple[Any, ...]] = {}
-    for by, place in _PLACE.items():
-        bit = (c_ubyte,) if by == "type" else ()
-        table[f"io_interface_{by}_ReadBit"] = (STATUS, HANDLE, *place, *bit, P(c_int))
-        table[f"io_interface_{by}_WriteBit"] = (STATUS, HANDLE, *place, *bit, c_int)
-        for size, narrow, integer in (("Byte", "uint8", c_ubyte), ("Word", "uint16", c_ushort)):
-            for form, value in ((by, c_uint), (f"{narrow}_{by}", integer)):
-                table[f"io_interface_{form}_Read{size}"] = (STATUS, HANDLE, *place, P(value))
-                table[f"io_interface_{form}_Write{size}"] = (STATUS, HANDLE, *place, value)
-    return table
-
+from ._owned_text import OwnedText
 
 PROTOTYPES: Dict[str, Tuple[Any, ...]] = {
-    "open_connection": (HANDLE, TEXT, P(STATUS), c_uint, c_uint),
-    "close_connection": (None, HANDLE),
-    "harvlink_connect_options_init": (None, P(r.HarvlinkConnectOptions)),
-    "harvlink_connect": (HANDLE, P(r.HarvlinkConnectOptions), P(STATUS)),
-    "harvlink_get_connection_statistics": (STATUS, HANDLE, P(r.HarvlinkConnectionStatistics)),
-    "fault_interface_get_active_alarms": (STATUS, HANDLE, P(r.IActiveAlarms)),
-    "fault_interface_get_alarm_history": (STATUS, HANDLE, ENUM, c_uint, P(r.IAlarmHistory)),
-    "fault_interface_clear_all_faults": (STATUS, HANDLE),
-    "control_group_interface_read_position_data": (STATUS, HANDLE, ENUM, ENUM, c_ubyte, c_ubyte, _POSITION),
-    "control_group_interface_read_axis_configuration": (STATUS, HANDLE, ENUM, P(ctypes.c_char)),
-    "control_group_interface_read_position_error": (STATUS, HANDLE, ENUM, P(r.PositionErrorData)),
-    "control_group_interface_read_torque_data": (STATUS, HANDLE, ENUM, P(r.TorqueData)),
-    **_variables(),
-    "controller_state_interface_read_state": (STATUS, HANDLE, P(r.ControllerStateData)),
-    "controller_state_interface_read_system_information": (STATUS, HANDLE, ENUM, P(r.ISystemInfoData)),
-    "controller_state_interface_read_operating_times": (STATUS, HANDLE, ENUM, ENUM, P(r.TimeData), ENUM),
-    "controller_state_read_system_param": (STATUS, HANDLE, ENUM, c_int, P(c_int)),
-    "controller_state_group_read_system_param": (STATUS, HANDLE, ENUM, c_int, c_int, P(c_int)),
-    "job_interface_set_active_job": (STATUS, HANDLE, TEXT, c_uint),
-    "job_interface_get_executing_job_information": (STATUS, HANDLE, ENUM, P(r.IJobData)),
-    "job_interface_get_job_stack": (STATUS, HANDLE, ENUM, P(r.IJobStack)),
-    "file_interface_LoadToControllerFromString": (STATUS, HANDLE, TEXT, TEXT),
-    "file_interface_LoadToControllerFromPath": (STATUS, HANDLE, TEXT),
-    "file_interface_SaveFromControllerToFile": (STATUS, HANDLE, TEXT, TEXT, c_int),
-    "file_interface_SaveFromControllerToString": (r.OwnedText, HANDLE, TEXT, P(STATUS)),
-    "file_interface_DeleteJobFile": (STATUS, HANDLE, TEXT),
-    "file_interface_GetFileCount": (STATUS, HANDLE, ENUM, P(c_int)),
-    "file_interface_ListFiles": (r.OwnedText, HANDLE, ENUM, P(STATUS), c_bool),
-    **_signals(),
-    "io_interface_ReadRegister": (STATUS, HANDLE, c_ushort, P(c_ushort)),
-    "io_interface_WriteRegister": (STATUS, HANDLE, c_ushort, c_ushort),
-    "io_interface_uint32_ReadRegister": (STATUS, HANDLE, c_ushort, P(c_uint)),
-    "io_interface_uint32_WriteRegister": (STATUS, HANDLE, c_ushort, P(c_uint)),
-    "io_interface_ConvertIOGroupToBitAddress": (c_uint32, HANDLE, ENUM, c_ushort, c_ubyte, P(STATUS)),
-    "control_commands_interface_SetServos": (STATUS, HANDLE, ENUM),
-    "control_commands_interface_SetHold": (STATUS, HANDLE, ENUM),
-    "control_commands_interface_SetCycleMode": (STATUS, HANDLE, ENUM),
-    "control_commands_interface_DisplayStringToPendant": (STATUS, HANDLE, TEXT),
-    "control_commands_interface_StartJob": (STATUS, HANDLE),
-    "motion_manager_AddPointToTrajectory": (STATUS, HANDLE, _MOTION),
-    "motion_manager_Add2PointsToTrajectory": (STATUS, HANDLE, _MOTION, _MOTION),
-    "motion_manager_Add3PointsToTrajectory": (STATUS, HANDLE, _MOTION, _MOTION, _MOTION),
-    "motion_manager_Add4PointsToTrajectory": (STATUS, HANDLE, _MOTION, _MOTION, _MOTION, _MOTION),
-    "motion_manager_GetMotionTargetProgress": (c_double, HANDLE, ENUM, P(STATUS)),
-    "motion_manager_MotionStart": (STATUS, HANDLE),
-    "motion_manager_MotionStop": (STATUS, HANDLE, c_bool),
-    "motion_manager_ClearAllTrajectory": (STATUS, HANDLE),
-    "harvlink_motion_add": (STATUS, HANDLE, P(c_uint64), _MOTION, _MOTION, _MOTION, _MOTION),
-    "harvlink_motion_get_state": (STATUS, HANDLE, P(r.HarvlinkTrajectoryState)),
-    "harvlink_motion_wait_for_target": (STATUS, HANDLE, c_uint64, c_uint32, c_double),
-    "harvlink_motion_wait_until_sent": (STATUS, HANDLE, c_uint64, c_uint32),
-    "kinematics_interface_ConvertPosition": (STATUS, HANDLE, ENUM, _POSITION, ENUM, _POSITION),
-    "kinematics_interface_ConvertPositionFromCartesian": (
-        *(STATUS, HANDLE, ENUM, _POSITION, ENUM, ENUM, P(c_double), _POSITION),
+    "open_connection": (c_void_p, c_char_p, POINTER(r.IStatusInfo), c_uint, c_uint),
+    "harvlink_connect_options_init": (None, POINTER(r.HarvlinkConnectOptions)),
+    "harvlink_connect": (c_void_p, POINTER(r.HarvlinkConnectOptions), POINTER(r.IStatusInfo)),
+    "harvlink_get_connection_statistics": (r.IStatusInfo, c_void_p, POINTER(r.HarvlinkConnectionStatistics)),
+    "close_connection": (None, c_void_p),
+    "fault_interface_get_active_alarms": (r.IStatusInfo, c_void_p, POINTER(r.IActiveAlarms)),
+    "fault_interface_get_alarm_history": (r.IStatusInfo, c_void_p, c_int32, c_uint, POINTER(r.IAlarmHistory)),
+    "fault_interface_clear_all_faults": (r.IStatusInfo, c_void_p),
+    "control_group_interface_read_position_data": (
+        r.IStatusInfo,
+        c_void_p,
+        c_int32,
+        c_int32,
+        c_ubyte,
+        c_ubyte,
+        POINTER(r.PositionData),
     ),
-    "harvlink_fleet_create": (HANDLE, c_uint32, P(STATUS)),
-    "harvlink_fleet_add": (STATUS, HANDLE, TEXT, P(f.HarvlinkFleetOptions), P(f.HarvlinkFleetGroup), c_uint32),
-    "harvlink_fleet_change": (STATUS, HANDLE, TEXT, P(f.HarvlinkFleetOptions), P(f.HarvlinkFleetGroup), c_uint32),
-    "harvlink_fleet_remove": (STATUS, HANDLE, TEXT),
-    "harvlink_fleet_plan": (c_uint32, HANDLE, P(f.HarvlinkFleetPlan), c_uint32),
-    "harvlink_fleet_start": (STATUS, HANDLE),
-    "harvlink_fleet_stop": (None, HANDLE),
-    "harvlink_fleet_take": (c_uint32, HANDLE, P(f.HarvlinkFleetSample), c_uint32, c_uint32),
-    "harvlink_fleet_take_events": (c_uint32, HANDLE, P(f.HarvlinkFleetEvent), c_uint32, c_uint32),
-    "harvlink_fleet_latest": (c_uint32, HANDLE, TEXT, P(f.HarvlinkFleetSample), c_uint32),
-    "harvlink_fleet_statistics": (c_uint32, HANDLE, P(f.HarvlinkFleetStatistics), c_uint32, P(c_uint64)),
-    "harvlink_fleet_destroy": (None, HANDLE),
-    "vector_math_inner_product": (None, P(r.XyzVector), P(r.XyzVector), P(c_double)),
-    "vector_math_cross_product": (None, P(r.XyzVector), P(r.XyzVector), P(r.XyzVector)),
-    "frame_math_invert_frame": (None, P(r.EulerMatrix), P(r.EulerMatrix)),
-    "frame_math_rotate_frame": (None, P(r.EulerMatrix), P(r.XyzVector), P(r.EulerMatrix), c_double),
-    "frame_math_frame_to_zyx_euler": (None, P(r.EulerMatrix), P(r.ZyxEulerPose)),
-    "frame_math_multiply_frames": (None, P(r.EulerMatrix), P(r.EulerMatrix), P(r.EulerMatrix)),
-    "frame_math_zyx_euler_to_frame": (None, P(r.ZyxEulerPose), P(r.EulerMatrix)),
-    "frame_math_set_identity_matrix_in_frame": (None, P(r.EulerMatrix)),
+    "control_group_interface_read_axis_configuration": (r.IStatusInfo, c_void_p, c_int32, POINTER(c_char)),
+    "control_group_interface_read_position_error": (r.IStatusInfo, c_void_p, c_int32, POINTER(r.PositionErrorData)),
+    "control_group_interface_read_torque_data": (r.IStatusInfo, c_void_p, c_int32, POINTER(r.TorqueData)),
+    "byte_variable_interface_read": (r.IStatusInfo, c_void_p, c_ushort, POINTER(r.ByteVariableData)),
+    "byte_variable_interface_write": (r.IStatusInfo, c_void_p, r.ByteVariableData),
+    "integer_variable_interface_read": (r.IStatusInfo, c_void_p, c_ushort, POINTER(r.IntegerVariableData)),
+    "integer_variable_interface_write": (r.IStatusInfo, c_void_p, r.IntegerVariableData),
+    "double_int_variable_interface_read": (r.IStatusInfo, c_void_p, c_ushort, POINTER(r.DoubleIntVariableData)),
+    "double_int_variable_interface_write": (r.IStatusInfo, c_void_p, r.DoubleIntVariableData),
+    "real_variable_interface_read": (r.IStatusInfo, c_void_p, c_ushort, POINTER(r.RealVariableData)),
+    "real_variable_interface_write": (r.IStatusInfo, c_void_p, r.RealVariableData),
+    "string_variable_interface_read": (r.IStatusInfo, c_void_p, c_ushort, POINTER(r.IStringVariableData)),
+    "string_variable_interface_write": (r.IStatusInfo, c_void_p, POINTER(r.IStringVariableData)),
+    "robot_position_variable_interface_read": (r.IStatusInfo, c_void_p, c_ushort, POINTER(r.RobotPositionVariableData)),
+    "robot_position_variable_interface_write": (r.IStatusInfo, c_void_p, POINTER(r.RobotPositionVariableData)),
+    "base_position_variable_interface_read": (
+        r.IStatusInfo,
+        c_void_p,
+        c_ushort,
+        POINTER(r.BaseAxisPositionVariableData),
+    ),
+    "base_position_variable_interface_write": (r.IStatusInfo, c_void_p, POINTER(r.BaseAxisPositionVariableData)),
+    "station_position_variable_interface_read": (
+        r.IStatusInfo,
+        c_void_p,
+        c_ushort,
+        POINTER(r.StationPositionVariableData),
+    ),
+    "station_position_variable_interface_write": (r.IStatusInfo, c_void_p, POINTER(r.StationPositionVariableData)),
+    "controller_state_interface_read_state": (r.IStatusInfo, c_void_p, POINTER(r.ControllerStateData)),
+    "controller_state_interface_read_system_information": (
+        r.IStatusInfo,
+        c_void_p,
+        c_int32,
+        POINTER(r.ISystemInfoData),
+    ),
+    "controller_state_interface_read_operating_times": (
+        r.IStatusInfo,
+        c_void_p,
+        c_int32,
+        c_int32,
+        POINTER(r.TimeData),
+        c_int32,
+    ),
+    "controller_state_read_system_param": (r.IStatusInfo, c_void_p, c_int32, c_int, POINTER(c_int)),
+    "controller_state_group_read_system_param": (r.IStatusInfo, c_void_p, c_int32, c_int, c_int, POINTER(c_int)),
+    "job_interface_set_active_job": (r.IStatusInfo, c_void_p, c_char_p, c_uint),
+    "job_interface_get_executing_job_information": (r.IStatusInfo, c_void_p, c_int32, POINTER(r.IJobData)),
+    "job_interface_get_job_stack": (r.IStatusInfo, c_void_p, c_int32, POINTER(r.IJobStack)),
+    "file_interface_LoadToControllerFromString": (r.IStatusInfo, c_void_p, c_char_p, c_char_p),
+    "file_interface_LoadToControllerFromPath": (r.IStatusInfo, c_void_p, c_char_p),
+    "file_interface_SaveFromControllerToFile": (r.IStatusInfo, c_void_p, c_char_p, c_char_p, c_int),
+    "file_interface_SaveFromControllerToString": (OwnedText, c_void_p, c_char_p, POINTER(r.IStatusInfo)),
+    "file_interface_DeleteJobFile": (r.IStatusInfo, c_void_p, c_char_p),
+    "file_interface_GetFileCount": (r.IStatusInfo, c_void_p, c_int32, POINTER(c_int)),
+    "file_interface_ListFiles": (OwnedText, c_void_p, c_int32, POINTER(r.IStatusInfo), c_bool),
+    "io_interface_type_ReadBit": (r.IStatusInfo, c_void_p, c_int32, c_ushort, c_ubyte, POINTER(c_int)),
+    "io_interface_address_ReadBit": (r.IStatusInfo, c_void_p, c_uint, POINTER(c_int)),
+    "io_interface_type_ReadByte": (r.IStatusInfo, c_void_p, c_int32, c_ushort, POINTER(c_uint)),
+    "io_interface_address_ReadByte": (r.IStatusInfo, c_void_p, c_uint, POINTER(c_uint)),
+    "io_interface_uint8_type_ReadByte": (r.IStatusInfo, c_void_p, c_int32, c_ushort, POINTER(c_ubyte)),
+    "io_interface_uint8_address_ReadByte": (r.IStatusInfo, c_void_p, c_uint, POINTER(c_ubyte)),
+    "io_interface_type_ReadWord": (r.IStatusInfo, c_void_p, c_int32, c_ushort, POINTER(c_uint)),
+    "io_interface_address_ReadWord": (r.IStatusInfo, c_void_p, c_uint, POINTER(c_uint)),
+    "io_interface_uint16_type_ReadWord": (r.IStatusInfo, c_void_p, c_int32, c_ushort, POINTER(c_ushort)),
+    "io_interface_uint16_address_ReadWord": (r.IStatusInfo, c_void_p, c_uint, POINTER(c_ushort)),
+    "io_interface_address_WriteBit": (r.IStatusInfo, c_void_p, c_uint, c_int),
+    "io_interface_type_WriteBit": (r.IStatusInfo, c_void_p, c_int32, c_ushort, c_ubyte, c_int),
+    "io_interface_type_WriteByte": (r.IStatusInfo, c_void_p, c_int32, c_ushort, c_uint),
+    "io_interface_address_WriteByte": (r.IStatusInfo, c_void_p, c_uint, c_uint),
+    "io_interface_uint8_type_WriteByte": (r.IStatusInfo, c_void_p, c_int32, c_ushort, c_ubyte),
+    "io_interface_uint8_address_WriteByte": (r.IStatusInfo, c_void_p, c_uint, c_ubyte),
+    "io_interface_type_WriteWord": (r.IStatusInfo, c_void_p, c_int32, c_ushort, c_uint),
+    "io_interface_address_WriteWord": (r.IStatusInfo, c_void_p, c_uint, c_uint),
+    "io_interface_uint16_type_WriteWord": (r.IStatusInfo, c_void_p, c_int32, c_ushort, c_ushort),
+    "io_interface_uint16_address_WriteWord": (r.IStatusInfo, c_void_p, c_uint, c_ushort),
+    "io_interface_ReadRegister": (r.IStatusInfo, c_void_p, c_ushort, POINTER(c_ushort)),
+    "io_interface_WriteRegister": (r.IStatusInfo, c_void_p, c_ushort, c_ushort),
+    "io_interface_uint32_ReadRegister": (r.IStatusInfo, c_void_p, c_ushort, POINTER(c_uint)),
+    "io_interface_uint32_WriteRegister": (r.IStatusInfo, c_void_p, c_ushort, POINTER(c_uint)),
+    "io_interface_ConvertIOGroupToBitAddress": (c_uint32, c_void_p, c_int32, c_ushort, c_ubyte, POINTER(r.IStatusInfo)),
+    "control_commands_interface_SetServos": (r.IStatusInfo, c_void_p, c_int32),
+    "control_commands_interface_SetHold": (r.IStatusInfo, c_void_p, c_int32),
+    "control_commands_interface_SetCycleMode": (r.IStatusInfo, c_void_p, c_int32),
+    "control_commands_interface_DisplayStringToPendant": (r.IStatusInfo, c_void_p, c_char_p),
+    "control_commands_interface_StartJob": (r.IStatusInfo, c_void_p),
+    "motion_manager_AddPointToTrajectory": (r.IStatusInfo, c_void_p, POINTER(r.Motion)),
+    "motion_manager_Add2PointsToTrajectory": (r.IStatusInfo, c_void_p, POINTER(r.Motion), POINTER(r.Motion)),
+    "motion_manager_Add3PointsToTrajectory": (
+        r.IStatusInfo,
+        c_void_p,
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+    ),
+    "motion_manager_Add4PointsToTrajectory": (
+        r.IStatusInfo,
+        c_void_p,
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+    ),
+    "motion_manager_GetMotionTargetProgress": (c_double, c_void_p, c_int32, POINTER(r.IStatusInfo)),
+    "motion_manager_MotionStart": (r.IStatusInfo, c_void_p),
+    "motion_manager_MotionStop": (r.IStatusInfo, c_void_p, c_bool),
+    "motion_manager_ClearAllTrajectory": (r.IStatusInfo, c_void_p),
+    "harvlink_motion_add": (
+        r.IStatusInfo,
+        c_void_p,
+        POINTER(c_uint64),
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+        POINTER(r.Motion),
+    ),
+    "harvlink_motion_get_state": (r.IStatusInfo, c_void_p, POINTER(r.HarvlinkTrajectoryState)),
+    "harvlink_motion_wait_for_target": (r.IStatusInfo, c_void_p, c_uint64, c_uint32, c_double),
+    "harvlink_motion_wait_until_sent": (r.IStatusInfo, c_void_p, c_uint64, c_uint32),
+    "kinematics_interface_ConvertPosition": (
+        r.IStatusInfo,
+        c_void_p,
+        c_int32,
+        POINTER(r.PositionData),
+        c_int32,
+        POINTER(r.PositionData),
+    ),
+    "kinematics_interface_ConvertPositionFromCartesian": (
+        r.IStatusInfo,
+        c_void_p,
+        c_int32,
+        POINTER(r.PositionData),
+        c_int32,
+        c_int32,
+        POINTER(c_double),
+        POINTER(r.PositionData),
+    ),
+    "harvlink_fleet_create": (c_void_p, c_uint32, POINTER(r.IStatusInfo)),
+    "harvlink_fleet_add": (
+        r.IStatusInfo,
+        c_void_p,
+        c_char_p,
+        POINTER(r.HarvlinkFleetOptions),
+        POINTER(r.HarvlinkFleetGroup),
+        c_uint32,
+    ),
+    "harvlink_fleet_change": (
+        r.IStatusInfo,
+        c_void_p,
+        c_char_p,
+        POINTER(r.HarvlinkFleetOptions),
+        POINTER(r.HarvlinkFleetGroup),
+        c_uint32,
+    ),
+    "harvlink_fleet_remove": (r.IStatusInfo, c_void_p, c_char_p),
+    "harvlink_fleet_plan": (c_uint32, c_void_p, POINTER(r.HarvlinkFleetPlan), c_uint32),
+    "harvlink_fleet_start": (r.IStatusInfo, c_void_p),
+    "harvlink_fleet_stop": (None, c_void_p),
+    "harvlink_fleet_take": (c_uint32, c_void_p, POINTER(r.HarvlinkFleetSample), c_uint32, c_uint32),
+    "harvlink_fleet_take_events": (c_uint32, c_void_p, POINTER(r.HarvlinkFleetEvent), c_uint32, c_uint32),
+    "harvlink_fleet_latest": (c_uint32, c_void_p, c_char_p, POINTER(r.HarvlinkFleetSample), c_uint32),
+    "harvlink_fleet_statistics": (c_uint32, c_void_p, POINTER(r.HarvlinkFleetStatistics), c_uint32, POINTER(c_uint64)),
+    "harvlink_fleet_destroy": (None, c_void_p),
+    "vector_math_inner_product": (None, POINTER(r.XyzVector), POINTER(r.XyzVector), POINTER(c_double)),
+    "vector_math_cross_product": (None, POINTER(r.XyzVector), POINTER(r.XyzVector), POINTER(r.XyzVector)),
+    "frame_math_invert_frame": (None, POINTER(r.EulerMatrix), POINTER(r.EulerMatrix)),
+    "frame_math_rotate_frame": (None, POINTER(r.EulerMatrix), POINTER(r.XyzVector), POINTER(r.EulerMatrix), c_double),
+    "frame_math_frame_to_zyx_euler": (None, POINTER(r.EulerMatrix), POINTER(r.ZyxEulerPose)),
+    "frame_math_multiply_frames": (None, POINTER(r.EulerMatrix), POINTER(r.EulerMatrix), POINTER(r.EulerMatrix)),
+    "frame_math_zyx_euler_to_frame": (None, POINTER(r.ZyxEulerPose), POINTER(r.EulerMatrix)),
+    "frame_math_set_identity_matrix_in_frame": (None, POINTER(r.EulerMatrix)),
 }

@@ -7,7 +7,7 @@ import threading
 from types import TracebackType
 from typing import Any, AsyncIterator, Dict, Iterator, List, Optional, Tuple, Type
 
-from . import _fleet_records as records
+from . import _records as records
 from ._connect_options import checked_address
 from ._fleet_items import items, name_of, value_of
 from ._library import exact, load, switch, without_zero

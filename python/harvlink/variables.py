@@ -7,6 +7,7 @@ from . import _records
 from ._indexed import Indexed, Value
 from ._library import exact
 from ._link import Link
+from ._owned_text import StringToWrite
 from .position import Position, from_record, to_record
 
 
@@ -60,7 +61,7 @@ class Texts(_Kind[str]):
         return text
 
     def _set(self, index: int, text: str) -> None:
-        record = _records.StringToWrite(self._link.encoded(text), exact(ctypes.c_uint16, index))
+        record = StringToWrite(self._link.encoded(text), exact(ctypes.c_uint16, index))
         self._write(ctypes.cast(ctypes.byref(record), ctypes.POINTER(self._record)))
 
 
