@@ -1,0 +1,48 @@
+import { element, printable, replace } from "./dom";
+import { clock } from "./format";
+import type { PlantEvent } from "./model";
+import { texts } from "./texts";
+
+const minute = 60_000;
+const after = 10_000;
+
+/** Events, newest first. Each links to the minute before it where there is a recording. */
+export function eventList(events: PlantEvent[], hasHistory: boolean, isOfMany: boolean): HTMLElement {
+    if (events.length === 0) {
+        return element("p", { class: "note" }, texts.noEvents);
+    }
+    const list = element("ol", { class: "events", role: "list" });
+    for (const event of events) {
+        list.append(eventLine(event, hasHistory, isOfMany));
+    }
+    return list;
+}
+
+function eventLine(event: PlantEvent, hasHistory: boolean, isOfMany: boolean): HTMLElement {
+    const code = event.code ? ` ${event.code}${event.subcode ? `[${event.subcode}]` : ""}` : "";
+    const line = element(
+        "li",
+        { "data-kind": event.kind },
+        element("time", { datetime: new Date(event.time).toISOString() }, clock(event.time)),
+        isOfMany && element("span", { class: "name" }, printable(event.controller)),
+        element("span", { class: "kind" }, `${texts.event[event.kind] ?? printable(event.kind)}${code}`),
+        element("span", { class: "text" }, printable(event.text ?? "")),
+    );
+    if (hasHistory) {
+        line.append(element("a", { href: minuteBefore(event) }, texts.minuteBefore));
+    }
+    return line;
+}
+
+export function minuteBefore(event: PlantEvent): string {
+    const query = new URLSearchParams({
+        controller: event.controller,
+        from: String(event.time - minute),
+        to: String(event.time + after),
+    });
+    return `#/history?${query}`;
+}
+
+export function showEvents(place: HTMLElement, events: PlantEvent[], hasHistory: boolean, isOfMany: boolean): void {
+    replace(place, eventList(events, hasHistory, isOfMany));
+}
