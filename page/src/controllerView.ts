@@ -99,8 +99,7 @@ export class ControllerView implements View {
             element("p", { class: "note" }, texts.plot.keys),
             this.plots,
             element("button", { type: "button", class: "add", click: () => this.addPlot([]) }, texts.plot.add),
-            this.arm.root,
-            this.path,
+            element("div", { class: "drawings" }, this.arm.root, this.path),
             element("section", { class: "panel" }, element("h2", {}, texts.events), this.events),
             element("section", { class: "panel" }, element("h2", {}, texts.values), element("div", { class: "scroll", tabindex: 0, role: "region", "aria-label": texts.values }, table)),
         );

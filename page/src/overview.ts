@@ -30,7 +30,7 @@ export class Overview implements View {
     private readonly schedule = oncePerFrame(() => this.draw());
 
     constructor(private readonly plant: Plant) {
-        this.root.append(this.bar(), this.note, this.list);
+        this.root.append(element("h1", { class: "unseen" }, texts.overview), this.bar(), this.note, this.list);
         this.list.addEventListener("keydown", (event) => this.moveFocus(event));
         this.search.addEventListener("input", () => this.arrange());
         this.bag.add(plant.summaryChanges.add((names) => this.changed(names)));

@@ -22,6 +22,16 @@ export interface PlotHooks {
 const colours = ["#2f7ed8", "#d9731a", "#3a9d4a", "#b0459b", "#8a6d1f", "#1595a3", "#c23b3b", "#6c6fd0"];
 const dashes = [[], [8, 4], [2, 3], [10, 3, 2, 3], [5, 5], [1, 2], [12, 4], [4, 2, 1, 2]];
 
+const date = "{YYYY}-{MM}-{DD}";
+const noLabel = null;
+/** Labels by the distance of the ticks in seconds: the usual one, then those where a year, month, day, hour, minute begins. */
+const timeLabels: uPlot.Axis.DynamicValues[] | (string | number | null)[][] = [
+    [86400, date, noLabel, noLabel, noLabel, noLabel, noLabel, noLabel, 1],
+    [60, "{HH}:{mm}", `\n${date}`, noLabel, `\n${date}`, noLabel, noLabel, noLabel, 1],
+    [1, "{HH}:{mm}:{ss}", `\n${date}`, noLabel, `\n${date}`, noLabel, noLabel, noLabel, 1],
+    [0.001, "{ss}.{fff}", `\n${date} {HH}:{mm}`, noLabel, `\n${date} {HH}:{mm}`, noLabel, "\n{HH}:{mm}", noLabel, 1],
+];
+
 const cssColour = (name: string) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 
 export class Plot {
@@ -88,7 +98,7 @@ export class Plot {
         const text = cssColour("--text");
         const grid = { stroke: cssColour("--grid"), width: 1 };
         const axis = { stroke: text, grid, ticks: grid };
-        const axes: uPlot.Axis[] = [{ ...axis }];
+        const axes: uPlot.Axis[] = [{ ...axis, values: timeLabels as uPlot.Axis.Values }];
         const scales: uPlot.Scales = { x: { time: true, auto: false } };
         this.units().forEach((unit, index) => {
             scales[unit] = { auto: false };
@@ -99,7 +109,7 @@ export class Plot {
             height: this.height,
             scales,
             axes,
-            series: [{ label: "Time" }, ...this.lines.map((line, index) => seriesOf(line, index))],
+            series: [{ label: texts.plot.time, value: "{HH}:{mm}:{ss}.{fff}" }, ...this.lines.map((line, index) => seriesOf(line, index))],
             cursor: { drag: { x: true, y: false, setScale: false }, focus: { prox: 16 } },
             legend: { live: true },
             hooks: {
@@ -134,6 +144,7 @@ export class Plot {
             ctx.lineTo(x, bbox.top + bbox.height);
             ctx.stroke();
             const label = texts.event[event.kind] ?? event.kind;
+            ctx.textAlign = "left";
             ctx.fillText(event.code ? `${label} ${event.code}` : label, x + 4, bbox.top + 12 * devicePixelRatio);
         }
         ctx.restore();

@@ -63,6 +63,7 @@ export const texts = {
         add: "Add a plot",
         remove: "Remove this plot",
         items: "Items",
+        time: "Time",
         window: "Window",
         pause: "Pause",
         live: "Live",
