@@ -68,13 +68,14 @@ ROOMS = {
         "program": ["base", "protocol", "faults", "model", "arm", "jobs", "files", "motion", "handlers", "controller",
                     "replay", "scene", "network", "control"],
     }),
-    "cli": Room(["include", "words", "recording"], {
+    "page": Room([]),
+    "cli": Room(["include", "words", "recording", "page"], {
         "output": [],
         "program": ["output"],
         **{verb: ["program", "output"] for verb in VERBS},
         "verbs": [*VERBS, "program", "output"],
     }),
-    "gateway": Room(["include", "words", "recording", "simulator"], {
+    "gateway": Room(["include", "words", "recording", "simulator", "page"], {
         "model": [],
         "config": ["model"],
         "watch": ["config", "model"],
