@@ -1,5 +1,6 @@
 import { AlarmCard } from "./alarmCard";
 import { ArmView } from "./armView";
+import { backfill } from "./backfill";
 import { element, printable, replace, setAttribute, setText } from "./dom";
 import { showEvents } from "./eventList";
 import { clock, duration, reading } from "./format";
@@ -35,6 +36,7 @@ export class ControllerView implements View {
     private readonly cells = new Map<number, { value: HTMLElement; quality: HTMLElement; time: HTMLElement }>();
     private readonly bag = new Bag();
     private panels: PlotPanel[] = [];
+    private shownItems: string | null = null;
     private toolPath: ToolPath | null = null;
     private arm: ArmView | null = null;
     private knobs: HTMLElement | null = null;
@@ -145,6 +147,13 @@ export class ControllerView implements View {
     /** The items of the controller are known, or others than before: the plots start again with them. */
     private showItems(): void {
         const { items } = this.watched;
+        void backfill(this.plant, this.name, this.plant.lostAt).catch(() => undefined); // without it plots begin now
+        this.plant.lostAt = 0;
+        const shown = [...items.values()].map((item) => `${item.id} ${item.name}`).join("\n");
+        if (shown === this.shownItems) {
+            return; // the same after a reconnect: plots keep their choice, zoom and pause
+        }
+        this.shownItems = shown;
         this.closePanels();
         this.plots.replaceChildren();
         this.cells.clear();

@@ -81,6 +81,9 @@ export class Live {
             return;
         }
         this.send({ pause: document.hidden });
+        if (!document.hidden && this.watched.length > 0) {
+            this.send({ watch: this.watched }); // brings the items with their values of now
+        }
     }
 
     private become(state: LinkState): void {

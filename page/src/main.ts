@@ -104,6 +104,7 @@ live.messages.add((message) => plant.take(message));
 live.changes.add(showConnection);
 plant.summaryChanges.add((names) => (names === null ? showGateway() : showTitle()));
 window.addEventListener("hashchange", show);
+document.addEventListener("visibilitychange", () => document.hidden && plant.interrupt());
 document.addEventListener("keydown", (event) => {
     const isTyping = event.target instanceof HTMLInputElement || event.target instanceof HTMLSelectElement;
     if (event.key === "/" && !isTyping && view instanceof Overview) {

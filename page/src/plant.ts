@@ -62,6 +62,9 @@ export class Plant {
     readonly itemChanges = new Listeners<[string]>();
     readonly eventChanges = new Listeners<[PlantEvent[]]>();
 
+    /** When the connection was lost, by the gateway's time; 0 while nothing is missing. */
+    lostAt = 0;
+
     private clockOffset = 0;
 
     /** The gateway's time, which all other times are compared with. */
@@ -93,9 +96,11 @@ export class Plant {
         }
     }
 
+    /** The connection is lost: what is known ends here, until it is there again. */
     interrupt(): void {
+        this.lostAt = this.now();
         for (const each of this.watched.values()) {
-            each.interrupt(this.now());
+            each.interrupt(this.lostAt);
         }
     }
 

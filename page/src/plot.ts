@@ -46,6 +46,7 @@ export class Plot {
         private readonly height = 260,
     ) {
         this.chart = new uPlot(this.options(), [[]] as unknown as uPlot.AlignedData, place);
+        Object.assign(place, { chart: this.chart }); // for the console, and for whoever wants the numbers
         this.observer = new ResizeObserver(() => this.resize());
         this.observer.observe(place);
         place.tabIndex = 0;

@@ -44,8 +44,21 @@ export class Track {
         return { times, values };
     }
 
-    get first(): number | null {
-        return this.count > 0 ? this.timeAt(0) : null;
+    /** Puts what was recorded between two times in place of what is known of them. */
+    replace(from: number, to: number, times: number[], values: (number | null)[]): void {
+        const kept: [number, number][] = [];
+        for (let i = 0; i < this.count; ++i) {
+            if (this.timeAt(i) < from || this.timeAt(i) > to) {
+                kept.push([this.timeAt(i), this.valueAt(i)]);
+            }
+        }
+        const all = kept.concat(times.map((time, index) => [time, values[index] ?? NaN]));
+        all.sort((a, b) => a[0] - b[0]);
+        this.start = 0;
+        this.count = 0;
+        for (const [time, value] of all) {
+            this.push(time, value);
+        }
     }
 
     private push(time: number, value: number): void {
