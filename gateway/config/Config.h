@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -42,11 +43,27 @@ struct PollConfig {
     FleetGroup group;
 };
 
+/// Section [controller.geometry]: lengths of an arm in millimetres, so that the page can show it.
+struct GeometryConfig {
+    std::string group = "R1";
+    double shoulderHeight = 0.0; ///< mounting face to L axis
+    double shoulderOffset = 0.0; ///< S axis to L axis, forward
+    double upperArm = 0.0; ///< L axis to U axis
+    double elbowOffset = 0.0; ///< U axis to R axis, across the forearm
+    double forearm = 0.0; ///< U axis to wrist centre, along the forearm
+    double hand = 0.0; ///< wrist centre to flange
+    std::array<double, 6> pulsesPerDegree{};
+
+    bool operator==(GeometryConfig const&) const = default;
+};
+
 /// A controller, with ranges spread out.
 struct ControllerConfig {
     std::string name;
     FleetControllerOptions options;
     std::vector<std::string> polls; ///< names of polls
+    std::optional<GeometryConfig> geometry;
+    std::string encoding = "utf-8"; ///< of its texts
 };
 
 /// Section [prometheus].

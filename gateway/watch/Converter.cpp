@@ -1,5 +1,7 @@
 #include "gateway/watch/Converter.h"
 
+#include <algorithm>
+#include <map>
 #include <set>
 #include <string_view>
 
@@ -82,13 +84,28 @@ std::vector<recording::RecordedReading> ReadingsOf(std::vector<FleetGroup> const
     return readings;
 }
 
+std::vector<std::chrono::milliseconds> PeriodsOf(std::vector<FleetGroup> const& groups) {
+    std::map<Converter::Key, std::chrono::nanoseconds> shortest;
+    for (FleetGroup const& group : groups) {
+        for (FleetItem const& element : ElementsOf({group})) {
+            auto const [found, isNew] = shortest.try_emplace(KeyOf(element), group.period);
+            found->second = std::min(found->second, group.period);
+        }
+    }
+    std::vector<std::chrono::milliseconds> periods;
+    for (FleetItem const& element : ElementsOf(groups)) {
+        periods.push_back(std::chrono::duration_cast<std::chrono::milliseconds>(shortest.at(KeyOf(element))));
+    }
+    return periods;
+}
+
 std::size_t Converter::KeyHash::operator()(Key const& key) const {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the bytes of an array of integers
     return std::hash<std::string_view>()({reinterpret_cast<char const*>(key.data()), sizeof key});
 }
 
 void Converter::Add(ControllerPtr const& controller, std::vector<FleetGroup> const& groups) {
-    Entry entry{controller, {}};
+    Entry entry{controller, words::TextEncoding(controller->encoding), {}};
     std::uint32_t place = 0;
     for (FleetItem const& element : ElementsOf(groups)) {
         entry.readings.emplace(KeyOf(element), place++);
@@ -113,14 +130,24 @@ SamplePtr Converter::Convert(FleetSample const& sample) const {
         return nullptr;
     }
     bool const hasValue = sample.quality == FleetQuality::Good || sample.quality == FleetQuality::Stale;
+    auto values = hasValue ? recording::ValuesOf(sample) : std::vector<recording::RecordedValue>();
+    for (recording::RecordedValue& value : values) {
+        if (auto* const text = std::get_if<std::string>(&value); text != nullptr) {
+            *text = entry->second.encoding.Decode(*text);
+        }
+    }
     return std::make_shared<Sample const>(
-        Sample{entry->second.controller, reading->second, recording::MomentOf(sample),
-               hasValue ? recording::ValuesOf(sample) : std::vector<recording::RecordedValue>()});
+        Sample{entry->second.controller, reading->second, recording::MomentOf(sample), std::move(values)});
 }
 
 Event Converter::Convert(FleetEvent const& event) const {
     auto const entry = entries_.find(event.controller);
-    return {entry == entries_.end() ? nullptr : entry->second.controller, event.kind, recording::EventOf(event)};
+    if (entry == entries_.end()) {
+        return {};
+    }
+    Event converted{entry->second.controller, event.kind, recording::EventOf(event)};
+    converted.record.text = entry->second.encoding.Decode(converted.record.text);
+    return converted;
 }
 
 } // namespace harvlink::gateway

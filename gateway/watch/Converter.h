@@ -8,11 +8,15 @@
 
 #include "gateway/model/Batch.h"
 #include "harvlink/Fleet.h"
+#include "words/text/Encoding.h"
 
 namespace harvlink::gateway {
 
 /// What is read by these groups: rows spread out, nothing twice, each with its items and a name of its own.
 std::vector<recording::RecordedReading> ReadingsOf(std::vector<FleetGroup> const& groups);
+
+/// The period of each of these readings: the shortest of the groups that have it.
+std::vector<std::chrono::milliseconds> PeriodsOf(std::vector<FleetGroup> const& groups);
 
 /// Finds for samples and events of the fleet the controllers and readings of the gateway. For one thread.
 class Converter {
@@ -35,6 +39,7 @@ private:
     };
     struct Entry {
         ControllerPtr controller;
+        words::TextEncoding encoding;
         std::unordered_map<Key, std::uint32_t, KeyHash> readings; ///< places
     };
 
