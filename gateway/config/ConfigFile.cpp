@@ -36,6 +36,10 @@ void ReadPolls(Section& root, Config& config, Problems& problems) {
             continue;
         }
         Section section(*node.as_table(), fmt::format("[poll.{}]", name), problems);
+        constexpr char const* Letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
+        if (name.empty() || name.find_first_not_of(Letters) != std::string::npos) {
+            root.Refuse(node, "poll", fmt::format("'{}' is not a name of letters, digits, _ and -", name));
+        }
         config.polls.push_back(ReadPoll(section, name));
     }
 }

@@ -52,6 +52,9 @@ void LatestTable::Take(Batch const& batch) {
             entry->linkSince = event.record.time;
             entry->linkVersion = version_;
         }
+        if (event.kind == FleetEventKind::AlarmRaised) {
+            entry->alarmSince = event.record.time;
+        }
         events_.push_back({++lastEvent_, event});
         eventVersions_.push_back(version_);
         if (events_.size() > MostEvents) {

@@ -16,6 +16,7 @@ struct LatestController {
     FleetState link = FleetState::Connecting;
     recording::Microseconds linkSince = 0; ///< UTC; 0: since it was added
     recording::Microseconds lastAnswer = 0; ///< UTC; 0: it has never answered
+    recording::Microseconds alarmSince = 0; ///< UTC; when the last alarm was raised, 0 if none was
     std::uint64_t linkVersion = 0;
     std::vector<SamplePtr> samples; ///< by reading; null for what was never read
     std::vector<std::uint64_t> versions; ///< of the samples

@@ -1,0 +1,183 @@
+#include "gateway/history/History.h"
+
+#include <algorithm>
+#include <map>
+
+namespace harvlink::gateway {
+
+namespace {
+
+using recording::Change;
+using recording::Microseconds;
+using recording::RecordedValue;
+
+bool IsLess(RecordedValue const& left, RecordedValue const& right) {
+    auto const number = [](RecordedValue const& value) {
+        auto const* const integer = std::get_if<std::int64_t>(&value);
+        return integer != nullptr ? static_cast<double>(*integer) : *std::get_if<double>(&value);
+    };
+    return left.index() != 3 && right.index() != 3 && left.index() != 0 && right.index() != 0 &&
+           number(left) < number(right);
+}
+
+/// Makes points of the changes of one item.
+class SeriesMaker {
+public:
+    SeriesMaker(HistoryQuery const& query, HistorySeries& series)
+        : from_(query.from),
+          length_(std::max<Microseconds>(1, (query.to - query.from) / static_cast<Microseconds>(query.points))),
+          series_(series) {}
+
+    void Put(Microseconds time, RecordedValue const& value) {
+        if (time <= from_) {
+            start_ = value;
+            hasStart_ = true;
+            return;
+        }
+        Begin();
+        Microseconds const part = (time - from_) / length_;
+        bool const isSamePart = part == part_ && !series_.points.empty();
+        // A gap is not merged with values: that a controller was silent must be seen at every scale.
+        if (isSamePart && value.index() != 0 && series_.points.back().last.index() != 0) {
+            HistorySeries::Point& point = series_.points.back();
+            point.low = IsLess(value, point.low) ? value : point.low;
+            point.high = IsLess(point.high, value) ? value : point.high;
+            point.last = value;
+            return;
+        }
+        part_ = part;
+        series_.points.push_back({time, value, value, value});
+    }
+
+    /// What was known at the start of the time.
+    void Begin() {
+        if (hasStart_) {
+            series_.points.push_back({from_, start_, start_, start_});
+            hasStart_ = false;
+        }
+    }
+
+private:
+    Microseconds from_;
+    Microseconds length_;
+    HistorySeries& series_;
+    RecordedValue start_;
+    bool hasStart_ = false;
+    Microseconds part_ = -1;
+};
+
+/// The makers of a reading, with the places that they take.
+using Makers = std::multimap<std::uint32_t, std::pair<std::size_t, SeriesMaker*>>;
+
+Makers MakersOf(recording::Catalogue const& catalogue, HistoryQuery const& query, std::vector<SeriesMaker>& all) {
+    Makers makers;
+    for (std::uint32_t id = 1; id <= catalogue.readings.size(); ++id) {
+        recording::RecordedReading const& reading = catalogue.readings[id - 1];
+        if (catalogue.controllers.at(reading.controller - 1).name != query.controller) {
+            continue;
+        }
+        for (std::size_t i = 0; i < query.items.size(); ++i) {
+            if (query.items[i].reading == reading.name && query.items[i].place < reading.items.size()) {
+                makers.emplace(id, std::pair(query.items[i].place, &all[i]));
+            }
+        }
+    }
+    return makers;
+}
+
+void Use(Change const& change, Makers const& makers) {
+    auto const [begin, end] = makers.equal_range(change.reading);
+    bool const isGood = change.moment.quality == recording::RecordedQuality::Good;
+    for (auto maker = begin; maker != end; ++maker) {
+        auto const& [place, series] = maker->second;
+        if (!isGood) {
+            series->Put(change.moment.answer, {});
+            continue;
+        }
+        for (auto const& [changedPlace, value] : change.values) {
+            if (static_cast<std::size_t>(changedPlace) == place) {
+                series->Put(change.moment.answer, value);
+            }
+        }
+    }
+}
+
+constexpr std::string_view Extension = ".harvlink";
+constexpr std::size_t TimeLength = 16; ///< of 20261122T031500Z
+
+/// "press-1-20261122T031500Z-alarm-4107": the name of the controller may have dashes too.
+bool ReadName(std::string const& stem, Incident& incident) {
+    for (std::size_t dash = stem.rfind('-'); dash != std::string::npos && dash > 0; dash = stem.rfind('-', dash - 1)) {
+        std::string const time = stem.substr(dash + 1, TimeLength);
+        if (time.size() == TimeLength && time[8] == 'T' && time.back() == 'Z' &&
+            time.find_first_not_of("0123456789TZ") == std::string::npos) {
+            incident.controller = stem.substr(0, dash);
+            incident.time = time;
+            std::size_t const kind = dash + 1 + TimeLength;
+            incident.kind = kind < stem.size() ? stem.substr(kind + 1) : "";
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const& query) {
+    recording::Recording source(file);
+    HistoryResult result;
+    result.series.resize(query.items.size());
+    std::vector<SeriesMaker> all;
+    all.reserve(query.items.size());
+    for (HistorySeries& series : result.series) {
+        all.emplace_back(query, series);
+    }
+    Makers const makers = MakersOf(source.Contents(), query, all);
+    auto const end = std::chrono::steady_clock::now() + query.longest;
+    std::size_t count = 0;
+    constexpr std::size_t Often = 1024;
+    source.ForEachChange({query.from, query.to}, true, [&](Change const& change) {
+        Use(change, makers);
+        result.isCut = ++count % Often == 0 && std::chrono::steady_clock::now() > end;
+        return !result.isCut;
+    });
+    for (SeriesMaker& maker : all) {
+        maker.Begin();
+    }
+    return result;
+}
+
+std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, recording::TimeRange const& range) {
+    recording::Recording source(file);
+    std::vector<PastEvent> events;
+    for (recording::StoredEvent& stored : source.Events(range)) {
+        auto const& controllers = source.Contents().controllers;
+        std::size_t const place = stored.event.controller - std::size_t{1};
+        events.push_back(
+            {stored.sequence, place < controllers.size() ? controllers[place].name : "", std::move(stored.event)});
+    }
+    return events;
+}
+
+std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
+    std::vector<Incident> incidents;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), last; !error && entry != last;
+         entry.increment(error)) {
+        Incident incident;
+        incident.file = entry->path().filename().string();
+        std::error_code failure;
+        if (entry->path().extension() == Extension && entry->is_regular_file(failure) &&
+            ReadName(entry->path().stem().string(), incident)) {
+            incident.bytes = entry->file_size(failure);
+            incident.isComplete = !std::filesystem::exists(entry->path().string() + "-wal", failure);
+            incidents.push_back(std::move(incident));
+        }
+    }
+    std::sort(incidents.begin(), incidents.end(), [](Incident const& left, Incident const& right) {
+        return std::tie(left.time, left.file) > std::tie(right.time, right.file);
+    });
+    return incidents;
+}
+
+} // namespace harvlink::gateway
