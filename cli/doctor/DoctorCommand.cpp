@@ -192,7 +192,10 @@ void AddDoctorCommand(CLI::App& app, Session& session) {
     verb->add_flag("--no-audit", arguments->noAudit, "Do not connect: only probe");
     SetExamples(*verb, {"doctor 192.168.255.1", "doctor --probes 1000 --timeout 100 --json"}, DoctorHelp);
     verb->callback([arguments, &session] {
-        session.Locally([arguments, &session](Output& output) {
+        if (session.NamesSeveralCells() && !arguments->host.empty()) {
+            throw InputError("give HOST or several cells, not both");
+        }
+        session.LocallyForEachCell([arguments, &session](Output& output) {
             Settings const& settings = session.settings();
             Expectation expected{settings.host, std::chrono::milliseconds(settings.timeoutMilliseconds),
                                  settings.generation};

@@ -30,16 +30,25 @@ std::string Dump(Json const& document, int indent) {
 
 } // namespace
 
-Output::Output(Console& console)
+Output::Output(Console& console, OutputSink* sink)
     : console_(console),
+      sink_(sink),
       colour_(console.outputIsTerminal && ColourAllowed()),
       errorColour_(console.errorIsTerminal && ColourAllowed()) {}
 
 void Output::Show(Json const& document) {
+    if (sink_ != nullptr) {
+        sink_->Document(document);
+        return;
+    }
     console_.out << (json ? Dump(document, 2) + "\n" : FormatTable(document, colour_)) << std::flush;
 }
 
 void Output::ShowEvent(Json const& event, std::string_view text) {
+    if (sink_ != nullptr) {
+        sink_->Event(event, text);
+        return;
+    }
     console_.out << (json ? Dump(event, -1) : std::string(text)) << '\n' << std::flush;
     // A series goes on until Ctrl-C, or until the reader of the output is gone.
     if (!console_.out) {
@@ -59,6 +68,10 @@ void Output::Failure(StatusInfo const& status, std::string_view subject) {
     std::ostringstream line;
     line << subject << (subject.empty() ? "" : ": ") << status;
     std::string const text = Printable(line.str());
+    if (sink_ != nullptr) {
+        sink_->Problem(text);
+        return;
+    }
     console_.err << (errorColour_ ? fmt::format(fmt::fg(fmt::terminal_color::red), "{}", text) : text) << std::endl;
     if (console_.errorIsTerminal) {
         console_.err << fmt::format("What it means: harvlink explain {}", status.StatusCode) << std::endl;
@@ -67,6 +80,10 @@ void Output::Failure(StatusInfo const& status, std::string_view subject) {
 
 void Output::Problem(std::string_view message) {
     hasFailed_ = true;
+    if (sink_ != nullptr) {
+        sink_->Problem(message);
+        return;
+    }
     console_.err << "harvlink: " << message << std::endl;
 }
 

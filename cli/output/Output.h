@@ -10,12 +10,26 @@
 
 namespace harvlink::cli {
 
+/// Takes what a command shows, for one of several cells whose results are shown together.
+class OutputSink {
+public:
+    OutputSink() = default;
+    OutputSink(OutputSink const&) = delete;
+    OutputSink& operator=(OutputSink const&) = delete;
+    virtual ~OutputSink() = default;
+
+    virtual void Document(Json const& document) = 0;
+    virtual void Event(Json const& event, std::string_view text) = 0;
+    virtual void Problem(std::string_view line) = 0;
+};
+
 /// Shows the result of a command. The command makes one JSON document, which is shown as it is or, for people, as tables:
 /// an array of objects is a table with a header, an object is a list of its fields, and a list in a field becomes a table
 /// after it. Keys in snake case ("servo_on") become labels ("Servo on").
 class Output {
 public:
-    explicit Output(Console& console);
+    /// With a sink, only what the command writes to the console itself goes there.
+    explicit Output(Console& console, OutputSink* sink = nullptr);
 
     bool json = false;
 
@@ -47,6 +61,7 @@ public:
 
 private:
     Console& console_;
+    OutputSink* sink_;
     bool colour_ = false;
     bool errorColour_ = false;
     bool hasFailed_ = false;

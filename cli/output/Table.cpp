@@ -13,10 +13,6 @@
 
 namespace harvlink::cli {
 
-namespace {
-
-constexpr std::string_view Gap = "  ";
-
 std::string Label(std::string_view key) {
     std::string label(key);
     std::replace(label.begin(), label.end(), '_', ' ');
@@ -52,6 +48,10 @@ std::string CellText(Json const& value) {
 bool IsTable(Json const& value) {
     return value.is_array() && !value.empty() && value.front().is_object();
 }
+
+namespace {
+
+constexpr std::string_view Gap = "  ";
 
 using Cells = std::vector<std::string>;
 

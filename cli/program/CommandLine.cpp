@@ -6,6 +6,7 @@
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include <fmt/format.h>
 
 #include "cli/output/Output.h"
+#include "cli/program/CellRuns.h"
 #include "cli/program/Help.h"
 #include "cli/program/HelpCommand.h"
 #include "cli/program/Interrupt.h"
@@ -67,34 +69,11 @@ std::vector<std::string> Arguments(CLI::App const& app, int argc, char const* co
     return arguments;
 }
 
-int ParseAndRun(CLI::App& app, Session& session, int argc, char const* const* argv, Console& console) {
+/// Runs a part of the program and shows what it throws. Returns its exit status.
+template <typename Part>
+int Guarded(Output& output, Part const& part) {
     try {
-        app.parse(Arguments(app, argc, argv));
-    } catch (CLI::ParseError const& error) {
-        if (error.get_exit_code() == 0) {
-            return app.exit(error, console.out, console.err);
-        }
-        throw InputError(fmt::format("{}\nFor help run: {} --help", ParseErrorText(app, error), CommandName(app)));
-    }
-    return session.Run();
-}
-
-int Run(int argc, char const* const* argv, Console& console, std::span<AddCommands const> commands, Output& output) {
-    Session session(output);
-    CLI::App app("Reads from and commands a robot controller over Ethernet.", "harvlink");
-    UseHelpFormat(app);
-    app.set_version_flag("--version", "harvlink " + std::string(HeaderVersion));
-    app.require_subcommand(1);
-    // Lets the global options stand after the command too; subcommands inherit it.
-    app.fallthrough();
-    session.AddOptions(app);
-    for (AddCommands const add : commands) {
-        add(app, session);
-    }
-    // After the commands are added, as they would inherit it.
-    app.footer(Footer);
-    try {
-        return ParseAndRun(app, session, argc, argv, console);
+        return part();
     } catch (InputError const& error) {
         output.Problem(error.what());
         return ExitStatus::WrongUsage;
@@ -109,6 +88,72 @@ int Run(int argc, char const* const* argv, Console& console, std::span<AddComman
         output.Problem(error.what());
         return ExitStatus::Failure;
     }
+}
+
+/// A command line, with all commands of the program.
+class Program {
+public:
+    Program(Output& output, std::span<AddCommands const> commands, std::string const& cell = {})
+        : session_(output, cell), app_("Reads from and commands a robot controller over Ethernet.", "harvlink") {
+        UseHelpFormat(app_);
+        app_.set_version_flag("--version", "harvlink " + std::string(HeaderVersion));
+        app_.require_subcommand(1);
+        // Lets the global options stand after the command too; subcommands inherit it.
+        app_.fallthrough();
+        session_.AddOptions(app_);
+        for (AddCommands const add : commands) {
+            add(app_, session_);
+        }
+        // After the commands are added, as they would inherit it.
+        app_.footer(Footer);
+    }
+
+    /// Returns the exit status if nothing is left to run, after the help for example.
+    std::optional<int> Parse(int argc, char const* const* argv, Console& console) {
+        try {
+            app_.parse(Arguments(app_, argc, argv));
+        } catch (CLI::ParseError const& error) {
+            if (error.get_exit_code() == 0) {
+                return app_.exit(error, console.out, console.err);
+            }
+            throw InputError(
+                fmt::format("{}\nFor help run: {} --help", ParseErrorText(app_, error), CommandName(app_)));
+        }
+        return std::nullopt;
+    }
+
+    Session& session() { return session_; }
+
+private:
+    Session session_;
+    CLI::App app_;
+};
+
+/// Every command line is parsed again for each cell, and checked, before any of them runs.
+int RunForEachCell(int argc, char const* const* argv, std::span<AddCommands const> commands,
+                   std::vector<std::string> const& cells, Output& output) {
+    CellRuns runs(output);
+    std::vector<std::unique_ptr<Program>> programs;
+    for (std::string const& cell : cells) {
+        CellRuns::Run& run = runs.Add(cell);
+        Program& program = *programs.emplace_back(std::make_unique<Program>(run.output, commands, cell));
+        (void)program.Parse(argc, argv, run.console);
+        run.encoding = program.session().settings().encoding;
+        run.work = [&program, &run] { return Guarded(run.output, [&] { return program.session().Run(); }); };
+    }
+    return runs.Finish();
+}
+
+int Run(int argc, char const* const* argv, Console& console, std::span<AddCommands const> commands, Output& output) {
+    return Guarded(output, [&] {
+        Program program(output, commands);
+        if (auto const exit = program.Parse(argc, argv, console)) {
+            return *exit;
+        }
+        Session& session = program.session();
+        return session.RunsForEachCell() ? RunForEachCell(argc, argv, commands, session.NamedCells(), output)
+                                         : session.Run();
+    });
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "cli/program/Interrupt.h"
 
 #include <cerrno>
+#include <mutex>
 #include <stdexcept>
 #include <string_view>
 
@@ -19,8 +20,12 @@ namespace {
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): a signal handler reaches nothing else
 std::array<int, 2> wakePipe{-1, -1};
 volatile std::sig_atomic_t lastSignal = SIGINT;
-volatile std::sig_atomic_t isTaken = 0; // the living Interrupt has had its signal
+volatile std::sig_atomic_t isTaken = 0; // the living ones have had their signal
 volatile std::sig_atomic_t endsLine = 0; // the terminal shows "^C" on the line of the error stream
+
+std::mutex counting;
+int living = 0; // the first one prepares for the signal, the last one restores what was before
+std::array<struct sigaction, Interrupt::Signals.size()> previous{};
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 constexpr int SignalBase = 128;
@@ -54,7 +59,7 @@ void Wake(int signal) {
 }
 
 // A signal that the parent ignores stays ignored, as nohup asks for; the living Interrupt gives that only to a hang-up.
-void SetHandler(void (*handler)(int), struct sigaction* previous) {
+void SetHandler(void (*handler)(int), struct sigaction* formers) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
@@ -62,11 +67,11 @@ void SetHandler(void (*handler)(int), struct sigaction* previous) {
         int const signal = Interrupt::Signals.at(i);
         struct sigaction former {};
         sigaction(signal, &action, &former);
-        if (former.sa_handler == SIG_IGN && (signal == SIGHUP || previous == nullptr)) {
+        if (former.sa_handler == SIG_IGN && (signal == SIGHUP || formers == nullptr)) {
             sigaction(signal, &former, nullptr);
         }
-        if (previous != nullptr) {
-            previous[i] = former;
+        if (formers != nullptr) {
+            formers[i] = former;
         }
     }
 }
@@ -81,16 +86,23 @@ void EndBySignals() {
 }
 
 Interrupt::Interrupt() {
-    if (pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+    std::lock_guard const lock(counting);
+    if (living == 0 && pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
         throw std::runtime_error("can't open a pipe for signals");
     }
-    isTaken = 0;
-    SetHandler(Wake, previous_.data());
+    if (living++ == 0) {
+        isTaken = 0;
+        SetHandler(Wake, previous.data());
+    }
 }
 
 Interrupt::~Interrupt() {
+    std::lock_guard const lock(counting);
+    if (--living > 0) {
+        return;
+    }
     for (std::size_t i = 0; i < Signals.size(); ++i) {
-        sigaction(Signals.at(i), &previous_.at(i), nullptr);
+        sigaction(Signals.at(i), &previous.at(i), nullptr);
     }
     for (int& end : wakePipe) {
         close(end);

@@ -21,7 +21,7 @@ private:
 };
 
 /// While it lives, the program gets the first Ctrl-C, Ctrl-\, SIGTERM or hang-up itself, and the second ends the process.
-/// There can be only one at a time.
+/// If several live at a time, on any threads, the signal comes to all of them.
 class Interrupt {
 public:
     Interrupt();
@@ -39,9 +39,6 @@ public:
     int Descriptor() const;
 
     static constexpr std::array<int, 4> Signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
-
-private:
-    std::array<struct sigaction, Signals.size()> previous_{};
 };
 
 /// Makes the signals of Interrupt, while none lives, end the process at once with one line, with the exit status of Interrupted,

@@ -28,14 +28,6 @@ namespace {
 
 constexpr std::string_view Prefix = ".harvlink-scratch-";
 
-/// The paths of the folder that lives, for a signal handler. Empty: none.
-struct SignalPaths {
-    std::array<char, PATH_MAX> file{};
-    std::array<char, PATH_MAX> folder{};
-};
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a signal handler reaches nothing else
-SignalPaths signalPaths;
-
 void SetPath(std::array<char, PATH_MAX>& to, std::string const& path) {
     to[0] = '\0';
     if (path.size() < to.size()) {
@@ -115,6 +107,33 @@ void WriteStream(filesystem::path const& path, std::string_view text) {
 
 } // namespace
 
+/// The paths of a folder that lives, for a signal handler. Empty: none. They are used again and never freed, so that a handler
+/// can look at all of them at any time.
+struct ScratchSpace::SignalPaths {
+    std::array<char, PATH_MAX> file{};
+    std::array<char, PATH_MAX> folder{};
+    std::atomic<bool> isTaken = true;
+    SignalPaths* next = nullptr;
+
+    static SignalPaths& Take() {
+        for (SignalPaths* each = all.load(); each != nullptr; each = each->next) {
+            if (!each->isTaken.exchange(true)) {
+                return *each;
+            }
+        }
+        auto* const added = new SignalPaths; // NOLINT(cppcoreguidelines-owning-memory): never freed, see above
+        added->next = all.load();
+        while (!all.compare_exchange_weak(added->next, added)) {
+        }
+        return *added;
+    }
+
+    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a signal handler reaches nothing else
+    static std::atomic<SignalPaths*> all;
+};
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): see above
+std::atomic<ScratchSpace::SignalPaths*> ScratchSpace::SignalPaths::all = nullptr;
+
 FileError::FileError(std::string_view what, filesystem::path const& path, int code)
     : std::runtime_error(fmt::format("{} {}: {}", what, path.string(), std::generic_category().message(code))),
       code_(code) {}
@@ -137,8 +156,9 @@ ScratchSpace::ScratchSpace(filesystem::path const& parent) {
         }
         path_ = name;
     }
-    SetPath(signalPaths.file, File().string());
-    SetPath(signalPaths.folder, path_.string());
+    signalPaths_ = &SignalPaths::Take();
+    SetPath(signalPaths_->file, File().string());
+    SetPath(signalPaths_->folder, path_.string());
 }
 
 ScratchSpace::~ScratchSpace() {
@@ -148,8 +168,9 @@ ScratchSpace::~ScratchSpace() {
         std::error_code ignored;
         filesystem::remove_all(path_, ignored);
     }
-    SetPath(signalPaths.folder, "");
-    SetPath(signalPaths.file, "");
+    SetPath(signalPaths_->folder, "");
+    SetPath(signalPaths_->file, "");
+    signalPaths_->isTaken = false;
     if (lock_ >= 0) {
         ::close(lock_);
     }
@@ -180,9 +201,11 @@ void ScratchSpace::MoveFileTo(filesystem::path const& target, bool overwrite) co
 }
 
 void ScratchSpace::RemoveAtSignal() {
-    if (signalPaths.folder[0] != '\0') {
-        ::unlink(signalPaths.file.data());
-        ::rmdir(signalPaths.folder.data());
+    for (SignalPaths* each = SignalPaths::all.load(); each != nullptr; each = each->next) {
+        if (each->folder[0] != '\0') {
+            ::unlink(each->file.data());
+            ::rmdir(each->folder.data());
+        }
     }
 }
 

@@ -40,11 +40,14 @@ public:
     /// Lets the destructor leave the folder where it is.
     void Keep() { isKept_ = true; }
 
-    /// Removes the file and the folder of the one that lives. A signal handler may call it.
+    /// Removes the files and the folders of those that live. A signal handler may call it.
     static void RemoveAtSignal();
 
 private:
+    struct SignalPaths;
+
     std::filesystem::path path_;
+    SignalPaths* signalPaths_ = nullptr;
     int lock_ = -1; ///< on the folder, as long as the process lives
     bool isKept_ = false;
 };

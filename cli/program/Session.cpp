@@ -1,5 +1,6 @@
 #include "cli/program/Session.h"
 
+#include <filesystem>
 #include <istream>
 #include <ostream>
 #include <stdexcept>
@@ -20,6 +21,7 @@
 #include "words/text/InputError.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
+#include "words/values/SafeName.h"
 
 namespace harvlink::cli {
 
@@ -43,7 +45,20 @@ void Session::AddOptions(CLI::App& app) {
     app.add_flag("-y,--yes", confirmed_, "Do not ask before the machine moves or its power changes");
 }
 
+/// What writes could have been done at one controller when another one refuses, so it takes one at a time.
+void Session::CheckOneCell() const {
+    if (NamesSeveralCells()) {
+        throw InputError("this command works on one controller; give one --cell. Several, and --all, are for commands "
+                         "that only read");
+    }
+}
+
 void Session::OnConnection(Access access, ConnectedPlan plan) {
+    if (access == Access::Observe) {
+        several_ = SeveralCells::Each;
+    } else {
+        CheckOneCell();
+    }
     plan_ = [this, access, plan = std::move(plan)](Output&) {
         CheckHost();
         AnnounceClear(access);
@@ -52,16 +67,46 @@ void Session::OnConnection(Access access, ConnectedPlan plan) {
 }
 
 void Session::OnConnectionConfirmed(Access access, std::string const& consequence, ConnectedPlan plan) {
+    CheckOneCell();
     plan_ = [this, access, consequence, plan = std::move(plan)](Output&) {
         CheckHost();
         return IsConfirmed(access, consequence) ? RunConnected(access, plan) : ExitStatus::Failure;
     };
 }
 
+void Session::LocallyForEachCell(LocalPlan plan) {
+    several_ = SeveralCells::Each;
+    plan_ = std::move(plan);
+}
+
+void Session::LocallyForAllCells(LocalPlan plan) {
+    several_ = SeveralCells::Together;
+    plan_ = std::move(plan);
+}
+
+std::string Session::FolderFor(std::string const& folder) const {
+    if (ownCell_.empty() && !NamesSeveralCells()) {
+        return folder;
+    }
+    std::string const cell = ownCell_.empty() ? NamedCells().front() : ownCell_;
+    return (std::filesystem::path(folder) / SafeName(cell)).string();
+}
+
+int Session::Run() {
+    isRunning_ = true;
+    return plan_ ? plan_(output_) : ExitStatus::Success;
+}
+
 Settings const& Session::settings() {
+    if (isRunning_ && several_ == SeveralCells::Refused) {
+        CheckOneCell();
+    }
     if (!settings_) {
-        settings_ = options_.Resolve();
-        SetControllerEncoding(TextEncoding(settings_->encoding));
+        std::vector<std::string> const named = ownCell_.empty() ? NamedCells() : std::vector{ownCell_};
+        settings_ = options_.Resolve(named.empty() ? "" : named.front());
+        if (ownCell_.empty()) { // or else its thread has the encoding
+            SetControllerEncoding(TextEncoding(settings_->encoding));
+        }
     }
     return *settings_;
 }

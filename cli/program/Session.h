@@ -30,7 +30,8 @@ public:
     using ConnectedPlan = std::function<StatusInfo(QuorvanController&, Output&)>;
     using LocalPlan = std::function<int(Output&)>;
 
-    explicit Session(Output& output) : output_(output) {}
+    /// For a command that runs for several cells: the session of one of them.
+    explicit Session(Output& output, std::string cell = {}) : output_(output), ownCell_(std::move(cell)) {}
 
     void AddOptions(CLI::App& app);
 
@@ -47,8 +48,27 @@ public:
     /// Whether the user wants it, by --yes or by the answer.
     bool Confirm(std::string const& consequence);
 
-    /// Plans work that needs no controller. It returns the exit status.
+    /// Plans work that needs no controller, or opens connections itself. It returns the exit status.
     void Locally(LocalPlan plan) { plan_ = std::move(plan); }
+
+    /// The same for work that several cells can do at the same time, each by a run of its own.
+    void LocallyForEachCell(LocalPlan plan);
+
+    /// The same for work that takes all cells together, see NamedCells.
+    void LocallyForAllCells(LocalPlan plan);
+
+    /// Whether --all was given, or --cell more than once.
+    bool NamesSeveralCells() const { return ownCell_.empty() && options_.NameSeveralCells(); }
+
+    /// The cells that --cell or --all name. Empty if neither was given. Throws InputError.
+    std::vector<std::string> NamedCells() const { return options_.NamedCells(); }
+
+    /// Whether the command is to be run once for each of the named cells, as it only reads. Throws InputError.
+    bool RunsForEachCell() const { return NamesSeveralCells() && several_ == SeveralCells::Each; }
+
+    /// The folder that a command writes for the controller: `folder`, or one with the name of the cell in it if the command is
+    /// for several.
+    std::string FolderFor(std::string const& folder) const;
 
     /// Opens a connection by the settings, for plans with an exit status of their own. Empty on failure. Throws InputError if
     /// no host is given.
@@ -80,18 +100,25 @@ public:
     /// Lets the library write failures of motion to its log file. The program shows what was written, and where.
     void EnableLogging() { logging_ = true; }
 
-    int Run() { return plan_ ? plan_(output_) : 0; }
+    int Run();
 
     Output& output() { return output_; }
 
 private:
+    /// What becomes of a command for which several cells are named.
+    enum class SeveralCells { Refused, Each, Together };
+
+    void CheckOneCell() const;
     void AnnounceClear(Access access);
     bool IsConfirmed(Access access, std::string const& consequence);
     int RunConnected(Access access, ConnectedPlan const& plan);
     void ShowLog(LibraryLog const& log);
 
     Output& output_;
+    std::string ownCell_;
     LocalPlan plan_;
+    SeveralCells several_ = SeveralCells::Refused;
+    bool isRunning_ = false;
     SettingsOptions options_;
     std::optional<Settings> settings_;
     bool confirmed_ = false;

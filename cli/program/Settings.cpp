@@ -1,5 +1,6 @@
 #include "cli/program/Settings.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -70,7 +71,33 @@ void SettingsOptions::Add(CLI::App& app) {
     app.add_option("--config", namedFile_,
                    fmt::format("Configuration file to read instead of the usual one [{}]", FileVariable))
         ->type_name("FILE");
-    app.add_option("--cell", cell_, "The controller of this name in the configuration file")->type_name("CELL");
+    app.add_option("--cell", cells_, "The controller of this name in the configuration file; repeatable")
+        ->type_name("CELL")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_flag("--all", all_, "All cells of the configuration file at once, for what only reads");
+}
+
+std::vector<std::string> SettingsOptions::NamedCells() const {
+    if (all_ && !cells_.empty()) {
+        throw InputError("give --all or --cell, not both");
+    }
+    if (NameSeveralCells() && options_.front()->count() > 0) {
+        throw InputError("--host names one controller; give it without --all and with one --cell at most");
+    }
+    std::vector<std::string> names = cells_;
+    for (Cell const& cell : all_ ? Cells() : std::vector<Cell>()) {
+        names.push_back(cell.name);
+    }
+    if (all_ && names.empty()) {
+        throw InputError("--all: the configuration file names no cells; see harvlink config --help");
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (std::ranges::count(names, names[i]) > 1) {
+            throw InputError(fmt::format("--cell {} is given twice", names[i]));
+        }
+    }
+    return names;
 }
 
 std::string SettingsOptions::File() const {

@@ -43,10 +43,15 @@ class SettingsOptions {
 public:
     void Add(CLI::App& app);
 
-    /// Reads the environment and the file. Throws InputError that names the source of a bad value, and for an unknown cell.
-    Settings Resolve() const { return Resolve(cell_); }
+    /// Whether --all was given, or --cell more than once.
+    bool NameSeveralCells() const { return all_ || cells_.size() > 1; }
 
-    /// The same for another cell than the one that --cell names; empty: for none.
+    /// The cells that --cell names, or with --all those of the file by name. Empty if neither was given. Throws InputError for
+    /// a cell that is named twice, if the file has no cells, and if --host or a second way to name cells contradicts them.
+    std::vector<std::string> NamedCells() const;
+
+    /// Reads the environment and the file. Throws InputError that names the source of a bad value, and for an unknown cell. An
+    /// empty cell stands for none.
     Settings Resolve(std::string const& cell) const;
 
     /// The cells that the file has, by name.
@@ -60,7 +65,8 @@ private:
     std::array<CLI::Option const*, SettingCount> options_{};
     std::array<std::string, SettingCount> given_;
     std::string namedFile_;
-    std::string cell_;
+    std::vector<std::string> cells_;
+    bool all_ = false;
 };
 
 } // namespace harvlink::cli

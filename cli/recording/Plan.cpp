@@ -58,7 +58,6 @@ PlannedController Planned(std::string const& name, Settings const& settings) {
 } // namespace
 
 void PlanArguments::AddOptions(CLI::App& verb) {
-    verb.add_flag("--all", all, "All cells of the settings file");
     verb.add_option("--every", every, "Time between two readings")->type_name("DURATION")->capture_default_str();
     verb.add_option("--group", groups, "Control groups whose position and torque are recorded")
         ->type_name("GROUP")
@@ -71,19 +70,14 @@ void PlanArguments::AddOptions(CLI::App& verb) {
     verb.add_option("--register", registers, "Registers by their numbers")->type_name("NUMBER");
 }
 
-std::vector<PlannedController> ControllersOf(PlanArguments const& arguments, Session& session) {
+std::vector<PlannedController> ControllersOf(Session& session) {
     std::vector<PlannedController> controllers;
-    if (!arguments.all) {
-        session.CheckHost();
-        Settings const& settings = session.settings();
-        controllers.push_back(Planned(settings.cell.empty() ? settings.host : settings.cell, settings));
-        return controllers;
-    }
-    for (Cell const& cell : session.Cells()) {
-        controllers.push_back(Planned(cell.name, session.SettingsOf(cell.name)));
+    for (std::string const& cell : session.NamedCells()) {
+        controllers.push_back(Planned(cell, session.SettingsOf(cell)));
     }
     if (controllers.empty()) {
-        throw InputError("--all: the settings file names no cells; see harvlink config --help");
+        session.CheckHost();
+        controllers.push_back(Planned(session.settings().host, session.settings()));
     }
     return controllers;
 }

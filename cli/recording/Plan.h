@@ -11,7 +11,6 @@ namespace harvlink::cli::recordings {
 
 /// What is recorded of each controller.
 struct PlanArguments {
-    bool all = false; ///< every cell of the settings file
     std::string every = "100ms";
     std::vector<std::string> groups{"R1"};
     std::vector<std::string> coordinates{"pulse", "base"};
@@ -28,7 +27,7 @@ struct PlannedController {
 };
 
 /// The controllers that --cell, --all or --host name. Throws InputError.
-std::vector<PlannedController> ControllersOf(PlanArguments const& arguments, Session& session);
+std::vector<PlannedController> ControllersOf(Session& session);
 
 /// What to read of each of them, and how often. Throws InputError.
 std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments);

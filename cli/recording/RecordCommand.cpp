@@ -75,7 +75,7 @@ Plan MakePlan(RecordArguments const& arguments, Session& session) {
         throw words::InputError("give either --out for a recording, or --before for a black box");
     }
     Plan plan;
-    plan.controllers = ControllersOf(arguments.plan, session);
+    plan.controllers = ControllersOf(session);
     plan.groups = GroupsOf(arguments.plan);
     plan.out = arguments.out;
     if (!arguments.keep.empty()) {
@@ -297,7 +297,7 @@ void AddRecordCommand(CLI::App& app, Session& session) {
                 recordings::RecordNotes);
     verb->callback([arguments, &session] {
         auto plan = std::make_shared<recordings::Plan>(recordings::MakePlan(*arguments, session));
-        session.Locally([plan](Output& output) { return recordings::Record(output, *plan); });
+        session.LocallyForAllCells([plan](Output& output) { return recordings::Record(output, *plan); });
     });
 }
 

@@ -102,6 +102,7 @@ void AddSave(CLI::App& family, Session& session) {
         SaveNotes);
     verb->callback([arguments, &session] {
         Check(arguments->selection);
+        arguments->folder = session.FolderFor(arguments->folder);
         filesystem::path const place = CheckTarget(arguments->folder, arguments->force);
         if (filesystem::exists(IncompletePlace(place))) {
             CheckTarget(IncompletePlace(place), true);

@@ -170,7 +170,9 @@ void AddGet(CLI::App& family, Session& session) {
     verb->add_flag("--force", arguments->force, "Overwrite existing files");
     SetExamples(*verb, {"files get MAIN.JBI", "files get '*.JBI' --to backup --force"}, FileNamesHelp);
     verb->callback([arguments, &session] {
+        arguments->folder = session.FolderFor(arguments->folder);
         session.OnConnection(Access::Observe, [arguments](QuorvanController& robot, Output& output) {
+            filesystem::create_directory(arguments->folder);
             return GetFiles(robot, output, *arguments);
         });
     });

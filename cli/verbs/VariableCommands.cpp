@@ -166,6 +166,9 @@ void AddDump(CLI::App& family, Session& session) {
     SetExamples(*verb, {"var dump --kind B --out vars.csv", "var dump > all.csv"});
     verb->callback([arguments, &session] {
         std::vector<VariableKind> const kinds = ParseKinds(arguments->kinds);
+        if (!arguments->path.empty() && session.NamesSeveralCells()) {
+            throw InputError("--out names one file; give one --cell");
+        }
         if (!arguments->path.empty() && !arguments->force && std::filesystem::exists(arguments->path)) {
             throw InputError(fmt::format("{} exists; give --force to overwrite it", arguments->path));
         }

@@ -156,7 +156,7 @@ COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _harvlink 2>/dev/null; [[ ${#COMPREPLY
         std::string words;
         char const* completed;
     };
-    std::array<Case, 14> const cases{{
+    std::array<Case, 16> const cases{{
         {"sta", "status start "},
         {"position R", "R1 R2 R3 R4 R5 R6 R7 R8 "},
         {"position --coordinate u", "user: "},
@@ -167,6 +167,8 @@ COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _harvlink 2>/dev/null; [[ ${#COMPREPLY
         {"snapshot show sn", "snapshot3 "},
         {"snapshot show snapshot3 var", "variables "},
         {"--config config --cell pr", "press1 "},
+        {"--config config --cell press1 --cell we", "weld "},
+        {"status --al", "--all "},
         {fmt::format("--host {} job select DE", host), "DEMO "},
         {"--host 192.0.2.1 job select DE", ""},
         {"files get --for", "--force "},

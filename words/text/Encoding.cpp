@@ -131,6 +131,10 @@ Current& CurrentEncoding() {
     return current;
 }
 
+/// Null: that of the process.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the texts of a thread have one encoding
+thread_local TextEncoding const* encodingOfThread = nullptr;
+
 } // namespace
 
 std::vector<std::string_view> TextEncoding::Names() {
@@ -180,7 +184,18 @@ std::string TextEncoding::Encode(std::string_view text) const {
     });
 }
 
+ThreadEncoding::ThreadEncoding(TextEncoding const& encoding) : encoding_(encoding), former_(encodingOfThread) {
+    encodingOfThread = &encoding_;
+}
+
+ThreadEncoding::~ThreadEncoding() {
+    encodingOfThread = former_;
+}
+
 TextEncoding ControllerEncoding() {
+    if (encodingOfThread != nullptr) {
+        return *encodingOfThread;
+    }
     Current& current = CurrentEncoding();
     std::lock_guard const lock(current.mutex);
     return current.encoding;

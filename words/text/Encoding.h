@@ -33,9 +33,23 @@ private:
 };
 
 /// The encoding of the controller that the program works with. One for the whole process, because every text of the
-/// controller passes through it and a program asks one controller at a time. It may be called from any thread.
+/// controller passes through it and most programs ask one controller at a time. It may be called from any thread.
 TextEncoding ControllerEncoding();
 void SetControllerEncoding(TextEncoding const& encoding);
+
+/// While it lives, its thread works with a controller of another encoding than that of the process. For programs that ask
+/// several controllers at once. They end in the reverse order, on the thread that made them.
+class ThreadEncoding {
+public:
+    explicit ThreadEncoding(TextEncoding const& encoding);
+    ThreadEncoding(ThreadEncoding const&) = delete;
+    ThreadEncoding& operator=(ThreadEncoding const&) = delete;
+    ~ThreadEncoding();
+
+private:
+    TextEncoding encoding_;
+    TextEncoding const* former_;
+};
 
 /// A text of a controller in UTF-8: its field without the zero bytes that fill it up.
 std::string ControllerText(std::string_view field);
