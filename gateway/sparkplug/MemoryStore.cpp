@@ -1,0 +1,40 @@
+#include "gateway/sparkplug/MemoryStore.h"
+
+#include <algorithm>
+
+namespace harvlink::gateway::sparkplug {
+
+bool MemoryStore::Append(recording::Microseconds /*time*/, std::string_view record) {
+    records_.emplace_back(record);
+    bytes_ += record.size();
+    while (bytes_ > maxBytes_ && records_.size() > 1) {
+        RemoveFirst();
+    }
+    return true;
+}
+
+void MemoryStore::RemoveFirst() {
+    bytes_ -= records_.front().size();
+    records_.pop_front();
+    ++first_;
+}
+
+std::vector<StoredRecord> MemoryStore::Read(std::uint64_t id, std::size_t most) {
+    std::vector<StoredRecord> records;
+    for (std::uint64_t i = std::max(id, first_); i < first_ + records_.size() && records.size() < most; ++i) {
+        records.push_back({i, records_[i - first_]});
+    }
+    return records;
+}
+
+void MemoryStore::RemoveBefore(std::uint64_t id) {
+    while (!records_.empty() && first_ < id) {
+        RemoveFirst();
+    }
+}
+
+StoreStatistics MemoryStore::Statistics() const {
+    return {.first = first_, .next = first_ + records_.size(), .bytes = bytes_, .maxBytes = maxBytes_, .damaged = 0};
+}
+
+} // namespace harvlink::gateway::sparkplug
