@@ -48,6 +48,36 @@ def file_blocks():
     write("file_blocks", "save-refused", b"\2" + block(1, b"a" * 479) + block(2, b"", 0x1F, 0xA001))
 
 
+def captures():
+    """A request and its answer, in each of the link layers, in the classic format and in the new one."""
+    header = struct.pack("<4sHHBBBBI8s", b"TROZ", 32, 0, 3, 1, 0, 7, 0, b"99999999")
+    request = header + struct.pack("<HHBBH", 122, 5, 1, 0x0E, 0)
+    answer = header[:6] + b"\1" + header[7:] + struct.pack("<BBBBHH", 0x8E, 0, 0, 0, 0, 0) + b"\x11"
+
+    def ip(source, target, payload):
+        udp = struct.pack(">HHHH", source, target, 8 + len(payload), 0) + payload
+        return struct.pack(">BBHHHBBHII", 0x45, 0, 20 + len(udp), 1, 0, 64, 17, 0, source, target) + udp
+
+    packets = (ip(50000, 10040, request), ip(10040, 50000, answer))
+    before = {0: b"\2\0\0\0", 1: bytes(12) + b"\x81\0\0\7\x08\0", 101: b"", 113: bytes(14) + b"\x08\0",
+              276: b"\x08\0" + bytes(18)}
+    for link, front in before.items():
+        content = struct.pack("<IHHIIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, link)
+        for packet in packets:
+            size = len(front + packet)
+            content += struct.pack("<IIII", 1790000000, 5, size, size) + front + packet
+        write("capture", f"classic-{link}", content)
+
+    def block(kind, body):
+        body += bytes(-len(body) % 4)
+        return struct.pack("<II", kind, len(body) + 12) + body + struct.pack("<I", len(body) + 12)
+
+    content = block(0x0A0D0D0A, struct.pack("<IIQ", 0x1A2B3C4D, 1, 2**64 - 1)) + block(1, struct.pack("<II", 101, 65535))
+    for packet in packets:
+        content += block(6, struct.pack("<IIIII", 0, 416760, 1, len(packet), len(packet)) + packet)
+    write("capture", "new", content)
+
+
 def requests(capture, length):
     """The requests in their order, without repetitions. Leaves out a seed that has no new kind of request."""
     fields = ["tshark", "-r", capture, "-T", "fields", "-e", "udp.dstport", "-e", "udp.payload"]
@@ -70,5 +100,6 @@ def requests(capture, length):
 if __name__ == "__main__":
     replies()
     file_blocks()
+    captures()
     if len(sys.argv) > 1:
         requests(sys.argv[1], int(sys.argv[2]) if len(sys.argv) > 2 else 5)

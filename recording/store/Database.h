@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "recording/model/RecordingError.h"
 #include "recording/model/Records.h"
 
 struct sqlite3;
@@ -16,24 +16,6 @@ struct sqlite3_stmt;
 /// SQLite with owners. Nothing outside of this folder includes its header.
 
 namespace harvlink::recording {
-
-/// A recording can't be written or read. The text names the file and says what to do.
-class RecordingError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// The disk has no more space.
-class DiskFull : public RecordingError {
-public:
-    using RecordingError::RecordingError;
-};
-
-/// Somebody else holds the file; the same may succeed later.
-class Busy : public RecordingError {
-public:
-    using RecordingError::RecordingError;
-};
 
 class Database;
 

@@ -48,6 +48,8 @@ ROOMS = {
         "read": ["store", "model"],
         "write": ["read", "store", "model"],
         "blackbox": ["write", "store", "model"],
+        "capture": ["model"],
+        "forward": ["store", "model"],
         "fleet": ["model"],
     }),
     "simulator": Room(["include", "src", "recording"], {
@@ -121,6 +123,8 @@ LIBRARIES = {
     "CLI/": ["cli/", "simulator/program/", "gateway/program/", "soak/", "tests/cli/"],
     "curses.h": ["cli/watch/"],
     "sqlite3.h": ["recording/store/"],
+    "zlib.h": ["recording/forward/"],
+    "pcap/": ["recording/capture/", "tests/recording/"],
     "toml++/": ["words/settings/", "simulator/scene/", "gateway/config/"],
     "libwebsockets.h": ["gateway/http/"],
     "prometheus/": ["gateway/prometheus/"],

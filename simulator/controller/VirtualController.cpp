@@ -1,18 +1,8 @@
 #include "simulator/controller/VirtualController.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace harvlink::simulator {
-
-namespace {
-
-bool IsOfThisProtocol(CommonHeader const& header) {
-    CommonHeader const expected;
-    return header.magic == expected.magic && header.headerSize == expected.headerSize;
-}
-
-} // namespace
 
 VirtualController::VirtualController(std::string address, ControllerOptions const& options)
     : address_(std::move(address)), clock_(options.timeScale), parts_(options, clock_), dispatcher_(parts_) {
@@ -40,7 +30,7 @@ TrafficCounts VirtualController::Traffic() {
 Request const* VirtualController::Handle(Port port, std::uint64_t peer, std::span<std::byte const> datagram,
                                          Reply& reply) {
     std::scoped_lock const lock(mutex_);
-    if (!Parse(datagram)) {
+    if (!request_.Parse(datagram)) {
         ++traffic_.ignored;
         return nullptr;
     }
@@ -86,16 +76,6 @@ void VirtualController::AnswerWithFaults(Reply& reply) {
     }
     // The injector sends the reply.
     reply.Suppress();
-}
-
-bool VirtualController::Parse(std::span<std::byte const> datagram) {
-    if (datagram.size() < HeaderSize) {
-        return false;
-    }
-    std::memcpy(&request_.header, datagram.data(), sizeof(request_.header));
-    std::memcpy(&request_.subHeader, datagram.data() + sizeof(request_.header), sizeof(request_.subHeader));
-    request_.payload = datagram.subspan(HeaderSize);
-    return IsOfThisProtocol(request_.header);
 }
 
 bool VirtualController::Tick() {

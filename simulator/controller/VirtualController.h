@@ -96,7 +96,6 @@ private:
         }
     };
 
-    bool Parse(std::span<std::byte const> datagram);
     void CarryOut(Reply& reply);
     void AnswerWithFaults(Reply& reply);
     void UpdateActive() { active_.store(parts_.NeedsTicks() || faults_.HasDeliveries(), std::memory_order_relaxed); }

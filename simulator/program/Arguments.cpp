@@ -91,7 +91,8 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--fault-log", faultLog_, "File that gets a line of JSON for every request that a fault hits")
         ->type_name("FILE");
     app.add_option("--pcap", pcap_, "File to record all datagrams in, for packet sniffers")->type_name("FILE");
-    app.add_option("--replay", replay_, "Recording to answer from, as the controller answered that was recorded")
+    app.add_option("--replay", replay_,
+                   "Recording, or capture of a packet sniffer, to answer from as its controller did")
         ->check(CLI::ExistingFile.description(""))
         ->type_name("FILE");
     app.add_option("--at", replayOptions_.at,
@@ -101,7 +102,8 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
         ->check(CLI::Range(0.001, 10000.0).description(""))
         ->type_name("FACTOR");
     app.add_flag("--loop", replayOptions_.speed.loops, "With --replay, start again at the end");
-    app.add_option("--cell", replayOptions_.controller, "With --replay, the controller of the recording to be")
+    app.add_option("--cell", replayOptions_.controller,
+                   "With --replay, the controller of the file to be, by its name or address")
         ->type_name("NAME");
     app.add_flag("--verbose", verbose_, "Print a line for every request");
     app.footer(Footer());

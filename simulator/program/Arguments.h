@@ -7,7 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "simulator/controller/ControllerOptions.h"
-#include "simulator/replay/RecordingReplay.h"
+#include "simulator/replay/Replay.h"
 #include "simulator/scene/Scene.h"
 
 namespace harvlink::simulator {

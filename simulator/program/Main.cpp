@@ -84,17 +84,36 @@ std::optional<ControllerVersion> GenerationOf(std::string const& softwareVersion
     return GenerationFromName(std::string_view(softwareVersion).substr(0, Letters));
 }
 
-/// The controller that was recorded, as far as the recording says what it is.
-VirtualController& AddReplay(Server& server, std::string const& address, Arguments const& arguments) {
-    auto replay = std::make_unique<RecordingReplay>(*arguments.replay, arguments.replayOptions);
+using Replays = std::vector<std::pair<std::string, Replay const*>>; ///< by the address where they are served
+
+/// The controller that was recorded, as far as the file says what it is.
+VirtualController& AddReplay(Server& server, std::string const& address, Arguments const& arguments, Replays& replays) {
+    ReplayOptions replayOptions = arguments.replayOptions;
+    replayOptions.servedAddress = address;
+    auto replay = OpenReplay(*arguments.replay, replayOptions);
+    if (std::string const warning = replay->Warning(); !warning.empty()) {
+        fmt::print(stderr, "harvlink-sim: {}\n", warning);
+    }
     ControllerOptions options = arguments.options;
     options.generation = GenerationOf(replay->SoftwareVersion()).value_or(options.generation);
     if (auto groups = replay->Groups(); !groups.empty()) {
         options.groups = std::move(groups);
     }
     VirtualController& controller = server.Add(address, options);
+    replays.emplace_back(address, replay.get());
     controller.SetAnswerer(std::move(replay));
     return controller;
+}
+
+/// After the server has stopped.
+void PrintMissed(Replays const& replays) {
+    for (auto const& [address, replay] : replays) {
+        auto const lines = replay->Missed().Lines();
+        if (!lines.empty()) {
+            fmt::print("harvlink-sim: {} was asked for what the file does not have:\n  {}\n", address,
+                       fmt::join(lines, "\n  "));
+        }
+    }
 }
 
 bool Prepare(VirtualController& controller, Arguments const& arguments) {
@@ -127,8 +146,9 @@ int Serve(Arguments const& arguments) {
     std::optional<FaultLog> faultLog;
     Server server;
     std::vector<VirtualController*> controllers;
+    Replays replays;
     for (auto const& address : arguments.addresses) {
-        controllers.push_back(arguments.replay ? &AddReplay(server, address, arguments)
+        controllers.push_back(arguments.replay ? &AddReplay(server, address, arguments, replays)
                                                : &server.Add(address, arguments.options));
         if (!Prepare(*controllers.back(), arguments)) {
             return 1;
@@ -163,6 +183,7 @@ int Serve(Arguments const& arguments) {
     std::fflush(stdout);
     desk.ServeUntil(signals);
     server.Stop();
+    PrintMissed(replays);
     if (recording && !recording->IsWhole()) {
         fmt::print(stderr, "harvlink-sim: could not write all datagrams to {}\n", *arguments.pcap);
         return 1;

@@ -60,6 +60,17 @@ void Reply::SetBlockNumber(std::uint32_t number) {
     std::memcpy(datagram_.data() + offsetof(CommonHeader, blockNumber), &number, sizeof(number));
 }
 
+void Reply::SetDatagram(std::span<std::byte const> datagram, Request const& request) {
+    auto const size = std::min(datagram.size(), datagram_.size());
+    std::copy_n(datagram.begin(), size, datagram_.begin());
+    datagram_[offsetof(CommonHeader, requestId)] = std::byte{request.header.requestId};
+    payloadSize_ = size - std::min(size, HeaderSize);
+    SubHeaderForReceiving subHeader;
+    std::memcpy(&subHeader, datagram_.data() + sizeof(CommonHeader), sizeof(subHeader));
+    code_ = subHeader.status == 0 ? Refusal::None : static_cast<Refusal>(subHeader.addedStatus);
+    suppressed_ = false;
+}
+
 void Reply::WriteSubHeader(std::uint8_t status, Refusal code) {
     SubHeaderForReceiving subHeader;
     subHeader.service = service_;

@@ -50,6 +50,10 @@ public:
 
     void SetBlockNumber(std::uint32_t number);
 
+    /// Makes it a whole datagram that a controller once sent, with the number of this request. It has at least a header, and at
+    /// most MaxPayload more.
+    void SetDatagram(std::span<std::byte const> datagram, Request const& request);
+
     /// Sends no reply, as after the last acknowledgement of a file transfer.
     void Suppress() { suppressed_ = true; }
 

@@ -22,6 +22,9 @@ struct Request {
     SubHeaderForSending subHeader{};
     std::span<std::byte const> payload;
 
+    /// Takes a datagram apart, whose memory the payload refers to. False if it is not one of this protocol.
+    bool Parse(std::span<std::byte const> datagram);
+
     CommandNumber Command() const { return static_cast<CommandNumber>(subHeader.command); }
     bool IsWrite() const { return subHeader.service == ServiceWriteOne || subHeader.service == ServiceWriteAll; }
 

@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include "recording/model/Kinds.h"
-#include "recording/model/TimeText.h"
 #include "simulator/protocol/Catalogue.h"
 
 namespace harvlink::simulator {
@@ -17,44 +16,24 @@ namespace {
 using recording::Microseconds;
 using recording::RecordedQuality;
 
-/// As a controller answers for a variable that it does not have.
-constexpr Refusal NotRecorded = Refusal::InvalidInstance;
-constexpr Refusal WriteRefused = Refusal::IncorrectMode;
-
-bool IsFileWrite(Request const& request) {
-    auto const service = static_cast<FileServices>(request.subHeader.service);
-    return service == FileServices::DeleteFile || service == FileServices::LoadFile;
-}
-
 /// The ids of robots, bases and stations begin ten apart.
 std::string GroupName(std::int32_t id) {
     char const* const letter = id < 10 ? "R" : id < 20 ? "B" : "S";
     return fmt::format("{}{}", letter, id < 10 ? id : id < 20 ? id - 10 : id - 20);
 }
 
-/// What a client asks for when it connects, and no recording has.
-bool IsOfController(Request const& request) {
-    return request.Command() == CommandNumber::SystemParameterRead ||
-           request.Command() == CommandNumber::AxisConfigurationRead;
-}
-
 } // namespace
 
 RecordingReplay::RecordingReplay(std::filesystem::path const& path, ReplayOptions const& options)
     : recording_(path), known_(recording_.Contents()) {
-    ChooseController(options.controller);
+    ChooseController(options);
     MakeIndex();
     FindSoftware();
     auto const info = recording_.Info();
     if (info.segments == 0) {
         throw recording::RecordingError(path.string() + ": the recording is empty");
     }
-    Microseconds const at = options.at.empty() ? info.begin : recording::ParseTime(options.at, info.begin, info.end);
-    if (at < info.begin || at > info.end) {
-        throw recording::RecordingError(fmt::format("{} is not in the recording, which is from {} to {}",
-                                                    recording::FormatTime(at), recording::FormatTime(info.begin),
-                                                    recording::FormatTime(info.end)));
-    }
+    Microseconds const at = StartTime(options.at, info.begin, info.end);
     auto const begin = recording_.Find(info.begin);
     firstRow_ = begin.firstRow;
     clock_.emplace(begin.monotonic, std::max(info.endMonotonic, begin.monotonic), recording_.Find(at).monotonic,
@@ -62,14 +41,16 @@ RecordingReplay::RecordingReplay(std::filesystem::path const& path, ReplayOption
     Rewind();
 }
 
-void RecordingReplay::ChooseController(std::string const& name) {
+void RecordingReplay::ChooseController(ReplayOptions const& options) {
     auto const& controllers = recording_.Contents().controllers;
+    std::string const& wanted = options.controller;
     std::string names;
-    for (std::size_t i = 0; i < controllers.size(); ++i) {
-        if (controllers[i].name == name || (name.empty() && controllers.size() == 1)) {
-            controller_ = static_cast<std::uint32_t>(i + 1);
-        }
-        names += (names.empty() ? "" : ", ") + controllers[i].name;
+    for (std::uint32_t id = 1; id <= controllers.size(); ++id) {
+        auto const& [name, address] = controllers[id - 1];
+        bool const isNamed = name == wanted || (controller_ == 0 && address == wanted);
+        bool const isOnly = wanted.empty() && (controllers.size() == 1 || address == options.servedAddress);
+        controller_ = isNamed || isOnly ? id : controller_;
+        names += (names.empty() ? "" : ", ") + name;
     }
     if (controller_ == 0) {
         throw recording::RecordingError(fmt::format("choose a cell of the recording: {}", names));
@@ -162,28 +143,31 @@ void RecordingReplay::MoveTo(Microseconds now) {
 }
 
 bool RecordingReplay::Answer(Request const& request, Reply& reply) {
-    bool const isFile = request.port == Port::File;
-    if (isFile ? !IsFileWrite(request) : IsOfController(request)) {
+    using Outcome = MissedRequests::Outcome;
+    if (IsLeftToController(request)) {
+        missed_.Note(request, Outcome::AnsweredByVirtualController);
         return false;
     }
     reply.Begin(request);
-    if (isFile || request.IsWrite()) {
+    if (request.port == Port::File || request.IsWrite()) {
+        missed_.Note(request, Outcome::Refused);
         reply.Refuse(WriteRefused);
     } else if (request.header.payloadSize != request.payload.size()) {
         reply.Refuse(Refusal::DataSizeError);
     } else if (!reply.RefuseIf(CheckAgainstCatalogue(request, true))) {
-        bool const isRecorded = readings_.contains(KeyOf(request));
-        if (!isRecorded && request.Command() == CommandNumber::SystemInformationRead) {
-            return false;
-        }
         AnswerRead(request, reply);
     }
     return true;
 }
 
+bool RecordingReplay::IsLeftToController(Request const& request) const {
+    return IsOfConnecting(request) && (request.port == Port::File || !readings_.contains(KeyOf(request)));
+}
+
 void RecordingReplay::AnswerRead(Request const& request, Reply& reply) {
     auto const found = readings_.find(KeyOf(request));
     if (found == readings_.end()) {
+        missed_.Note(request, MissedRequests::Outcome::Refused);
         reply.Refuse(NotRecorded);
         return;
     }

@@ -10,42 +10,30 @@
 
 #include "recording/read/KnownState.h"
 #include "recording/read/Recording.h"
-#include "simulator/model/ControlGroups.h"
-#include "simulator/protocol/Answerer.h"
 #include "simulator/replay/RecordedAnswer.h"
-#include "simulator/replay/ReplayClock.h"
+#include "simulator/replay/Replay.h"
 #include "simulator/replay/RequestKeys.h"
 
 namespace harvlink::simulator {
 
-struct ReplayOptions {
-    std::string at; ///< where to begin, as ParseTime of the recordings takes it; empty: at the start
-    std::string controller; ///< by its name; empty: the only one of the recording
-    ReplaySpeed speed{};
-};
-
 /// Answers every read with what a recording has for that moment. What was not recorded is refused as by a controller that does
-/// not have it, writes are refused, and while the controller was silent nothing is answered. Files, parameters and axes, which
-/// a client asks for when it connects, are those of the virtual controller.
-class RecordingReplay final : public Answerer {
+/// not have it, writes are refused, and while the controller was silent nothing is answered.
+class RecordingReplay final : public Replay {
 public:
-    /// Throws RecordingError, also for a name that the recording does not have; what ParseTime throws for a wrong time.
     RecordingReplay(std::filesystem::path const& path, ReplayOptions const& options);
 
     bool Answer(Request const& request, Reply& reply) override;
 
-    /// "YAS4.10.00A(EN/JP)-00", by which a client knows the generation; empty if it was not recorded.
-    std::string SoftwareVersion() const;
-
-    /// The control groups of which anything was recorded.
-    std::vector<ControlGroup> Groups() const;
+    std::string SoftwareVersion() const override;
+    std::vector<ControlGroup> Groups() const override;
 
 private:
-    void ChooseController(std::string const& name);
+    void ChooseController(ReplayOptions const& options);
     void MakeIndex();
     void FindSoftware();
     void Rewind();
     void MoveTo(recording::Microseconds now);
+    bool IsLeftToController(Request const& request) const;
     void AnswerRead(Request const& request, Reply& reply);
 
     recording::Recording recording_;

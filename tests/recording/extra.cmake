@@ -1,1 +1,4 @@
 target_link_libraries(${target} PRIVATE harvlink_recording)
+# Tests write captures.
+find_library(HARVLINK_PCAP pcap REQUIRED)
+target_link_libraries(${target} PRIVATE ${HARVLINK_PCAP})
