@@ -12,7 +12,8 @@
 
 namespace harvlink::recording {
 
-/// Rises with each change that an older program could misread.
+/// Rises with each change that an older program could misread; all versions up to this one are read. Columns and tables that are
+/// added don't raise it: readers use names.
 inline constexpr std::int64_t SchemaVersion = 1;
 
 /// Marks the file: "HVLK".

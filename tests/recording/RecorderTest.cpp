@@ -1,13 +1,16 @@
 #include "recording/write/Recorder.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <random>
 #include <span>
 
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <sys/mman.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -116,6 +119,64 @@ TEST_F(RecorderTest, StopsWithAClearWordWhenTheDiskIsFull) {
     EXPECT_TRUE(ended);
     EXPECT_NE(recorder.Status().problem.find("the disk is full"), std::string::npos) << recorder.Status().problem;
     EXPECT_GT(ChangesOf(path_).size(), 1000);
+}
+
+/// Gives this process, which must have one thread, a disk of a megabyte that no other sees.
+bool MountSmallDisk(std::filesystem::path const& folder) {
+    std::string const user = "0 " + std::to_string(getuid()) + " 1";
+    std::string const group = "0 " + std::to_string(getgid()) + " 1";
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
+        return false;
+    }
+    test::WriteFile("/proc/self/uid_map", user);
+    test::WriteFile("/proc/self/setgroups", "deny");
+    test::WriteFile("/proc/self/gid_map", group);
+    return mount("none", folder.c_str(), "tmpfs", 0, "size=1m") == 0;
+}
+
+/// Returns what the recorder said at its end; nothing if there can't be such a disk.
+std::string RecordOnASmallDisk(std::filesystem::path const& folder) {
+    if (!MountSmallDisk(folder)) {
+        return "";
+    }
+    std::string said;
+    {
+        Recorder recorder(folder / "x.harvlink", {.commitInterval = milliseconds(5)});
+        Cell const cell(recorder);
+        std::int64_t number = 0;
+        Await([&] {
+            for (int i = 0; i < 1000; ++i, ++number) {
+                recorder.Put(At(number * 1000, cell.job, {std::to_string(number)}));
+            }
+            return !recorder.Status().problem.empty();
+        });
+        recorder.Close();
+        said = recorder.Status().problem;
+    }
+    return said + "; " + (ChangesOf(folder / "x.harvlink").size() > 1000 ? "the rest is there" : "the rest is lost");
+}
+
+TEST_F(RecorderTest, StopsOnADiskThatIsReallyFull) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    pid_t const child = fork();
+    if (child == 0) {
+        std::string const said = RecordOnASmallDisk(folder_.Path());
+        auto const written = write(ends[1], said.data(), said.size());
+        _exit(written == static_cast<ssize_t>(said.size()) ? 0 : 1);
+    }
+    close(ends[1]);
+    std::string said(1000, '\0');
+    said.resize(static_cast<std::size_t>(std::max<ssize_t>(read(ends[0], said.data(), said.size()), 0)));
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_EQ(status, 0);
+    if (said.empty()) {
+        GTEST_SKIP() << "this system does not let a test mount a file system of its own";
+    }
+    EXPECT_NE(said.find("the disk is full"), std::string::npos) << said;
+    EXPECT_NE(said.find("the rest is there"), std::string::npos) << said;
 }
 
 /// Records until it is killed, and says in `newest` which number it has put at last.
