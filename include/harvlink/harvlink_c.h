@@ -10,8 +10,8 @@
  * the handle must not be used again. Its cell of 16 bytes is never released. A handle of `harvlink_connect` is the same.
  *
  * Ownership. Every `Message` of an `IStatusInfo` that is returned or filled, every text inside a record that is filled,
- * and every text that is returned, is allocated with malloc and is yours: release it with `free`, also after success,
- * also if it is empty. It is null only if memory ran out, which a strict connection of `harvlink_connect` reports by
+ * and every text that is returned, is allocated with malloc and is yours: release it with `free`, or with `harvlink_free` in
+ * a program that may use another C library than this one, as on Windows; also after success, also if it is empty. It is null only if memory ran out, which a strict connection of `harvlink_connect` reports by
  * its status too, unless that is a failure already. What you pass in stays yours; the library copies what it keeps.
  *
  * Arguments. Handles, texts and pointers must not be null; nothing checks this. Texts end at their first zero byte.
@@ -649,6 +649,9 @@ HARVLINK_EXPORT IStatusInfo harvlink_get_connection_statistics(ControllerHandle 
 
 /** Closes a connection, or the handle of a failed one. Once only. */
 HARVLINK_EXPORT void close_connection(ControllerHandle handle);
+
+/** Releases a text that is yours, by the `free` of the C library that this library uses. Null is ignored. */
+HARVLINK_EXPORT void harvlink_free(void* text);
 
 /* ---- Alarms (FaultInterface.h) ------------------------------------------------------------------------------------- */
 

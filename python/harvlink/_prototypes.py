@@ -28,6 +28,7 @@ PROTOTYPES: Dict[str, Tuple[Any, ...]] = {
     "harvlink_connect": (c_void_p, POINTER(r.HarvlinkConnectOptions), POINTER(r.IStatusInfo)),
     "harvlink_get_connection_statistics": (r.IStatusInfo, c_void_p, POINTER(r.HarvlinkConnectionStatistics)),
     "close_connection": (None, c_void_p),
+    "harvlink_free": (None, c_void_p),
     "fault_interface_get_active_alarms": (r.IStatusInfo, c_void_p, POINTER(r.IActiveAlarms)),
     "fault_interface_get_alarm_history": (r.IStatusInfo, c_void_p, c_int32, c_uint, POINTER(r.IAlarmHistory)),
     "fault_interface_clear_all_faults": (r.IStatusInfo, c_void_p),

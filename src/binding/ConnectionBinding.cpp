@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <forward_list>
 #include <mutex>
 
@@ -33,6 +34,10 @@ ControllerHandle open_connection(char const* ipAddress, IStatusInfo* status, uns
 
 void close_connection(ControllerHandle handle) {
     harvlink::CloseConnection(handle->controller);
+}
+
+void harvlink_free(void* text) {
+    std::free(text); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): of the plain C interface
 }
 
 } // namespace harvlink_c

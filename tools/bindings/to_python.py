@@ -79,6 +79,8 @@ def _fields(header: Header, record: Record) -> Iterator[str]:
 def _expression(header: Header, kind: Type, records_prefix: str) -> str:
     if kind.base == "void" and not kind.pointers:
         return "None"
+    if kind.base == "void":
+        return "c_void_p"
     if kind.is_owned_text and kind.count is None:
         return "OwnedText"
     if kind.base == "char" and kind.pointers == 1:
