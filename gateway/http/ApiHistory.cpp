@@ -1,0 +1,201 @@
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include <fmt/format.h>
+
+#include "gateway/history/History.h"
+#include "gateway/http/Api.h"
+#include "gateway/http/Items.h"
+#include "gateway/http/Query.h"
+#include "recording/model/TimeText.h"
+#include "recording/read/CsvExport.h"
+#include "words/text/InputError.h"
+#include "words/text/Text.h"
+
+namespace harvlink::gateway {
+
+namespace {
+
+using recording::Microseconds;
+using words::Json;
+
+constexpr Microseconds Millisecond = 1000;
+constexpr std::size_t MostItems = 64;
+constexpr std::uintmax_t LargestDownload = 256ULL << 20;
+
+Response NoRecording(char const* what) {
+    return ErrorResponse(409, fmt::format("this gateway has no {}: the section is not in its configuration", what));
+}
+
+/// The items that the query names by their ids.
+std::vector<ApiItem> WantedItems(Request const& request, Controller const& controller) {
+    std::vector<ApiItem> const all = ItemsOf(controller);
+    std::vector<ApiItem> wanted;
+    for (std::string_view const text : words::Split(TextOf(request, "items"), ',')) {
+        auto const id = words::ParseNumber<std::uint32_t>(text, "item");
+        if (id == 0 || id > all.size()) {
+            throw words::InputError(fmt::format("the controller has no item {}", id));
+        }
+        wanted.push_back(all[id - 1]);
+    }
+    if (wanted.size() > MostItems) {
+        throw words::InputError(fmt::format("at most {} items at once", MostItems));
+    }
+    return wanted;
+}
+
+Json SeriesJson(Controller const& controller, ApiItem const& item, HistorySeries const& series) {
+    recording::RecordedItem const& own = controller.readings[item.reading].items[item.place];
+    Json const named = ItemJson(controller, item);
+    Json times = Json::array();
+    Json low = Json::array();
+    Json high = Json::array();
+    Json last = Json::array();
+    for (HistorySeries::Point const& point : series.points) {
+        times.push_back(Milliseconds(point.time));
+        low.push_back(ValueJson(own, point.low));
+        high.push_back(ValueJson(own, point.high));
+        last.push_back(ValueJson(own, point.last));
+    }
+    return {{"id", item.id},         {"name", named["name"]},   {"unit", own.unit},       {"times", std::move(times)},
+            {"low", std::move(low)}, {"high", std::move(high)}, {"last", std::move(last)}};
+}
+
+std::string ReadWhole(std::filesystem::path const& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::int64_t TimeOf(Incident const& incident) {
+    std::string const& text = incident.time;
+    std::string const iso = fmt::format("{}-{}-{}T{}:{}:{}Z", text.substr(0, 4), text.substr(4, 2), text.substr(6, 2),
+                                        text.substr(9, 2), text.substr(11, 2), text.substr(13, 2));
+    try {
+        return Milliseconds(recording::ParseTime(iso, 0, 0));
+    } catch (words::InputError const&) {
+        return 0; // a file that somebody has named
+    }
+}
+
+} // namespace
+
+Response Api::Events(Request const& request) const {
+    std::int64_t const from = NumberOf(request, "from", 0, 0, LatestTime);
+    std::int64_t const to = NumberOf(request, "to", LatestTime, 0, LatestTime);
+    constexpr std::int64_t MostEvents = 10'000;
+    auto const limit = static_cast<std::size_t>(NumberOf(request, "limit", 200, 1, MostEvents));
+    std::string const controller = TextOf(request, "controller");
+    std::string const kind = TextOf(request, "kind");
+    std::vector<Json> events;
+    for (NumberedEvent const& event : sources_.table->Events()) {
+        events.push_back(EventJson(event));
+    }
+    // What was before this start of the gateway, only the recording knows.
+    if (!sources_.recording.empty()) {
+        std::int64_t const known = events.empty() ? LatestTime : events.front()["time"].get<std::int64_t>();
+        std::vector<Json> past;
+        for (PastEvent const& event :
+             ReadPastEvents(sources_.recording, {from * Millisecond, std::min(to, known) * Millisecond})) {
+            past.push_back(EventJson(static_cast<std::uint64_t>(event.number), event.controller, event.event));
+        }
+        events.insert(events.begin(), past.begin(), past.end());
+    }
+    Json wanted = Json::array();
+    for (auto event = events.rbegin(); event != events.rend() && wanted.size() < limit; ++event) {
+        auto const time = (*event)["time"].get<std::int64_t>();
+        bool const isWanted = time >= from && time < to &&
+                              (controller.empty() || (*event)["controller"] == controller) &&
+                              (kind.empty() || (*event)["kind"] == kind);
+        if (isWanted) {
+            wanted.push_back(std::move(*event));
+        }
+    }
+    return JsonResponse(wanted);
+}
+
+Response Api::History(Request const& request) const {
+    if (sources_.recording.empty()) {
+        return NoRecording("[recording]");
+    }
+    std::string const name = TextOf(request, "controller");
+    auto const latest = Find(name);
+    if (!latest) {
+        return ErrorResponse(404, fmt::format("there is no controller '{}'", name));
+    }
+    constexpr std::int64_t MostPoints = 20'000;
+    constexpr std::int64_t Hour = 3'600'000;
+    HistoryQuery query;
+    query.controller = name;
+    std::int64_t const to = NumberOf(request, "to", NowMilliseconds(), 0, LatestTime);
+    std::int64_t const from = NumberOf(request, "from", to - Hour, 0, LatestTime);
+    if (from >= to) {
+        throw words::InputError("from must be before to");
+    }
+    query.from = from * Millisecond;
+    query.to = to * Millisecond;
+    query.points = static_cast<std::size_t>(NumberOf(request, "points", 1000, 1, MostPoints));
+    std::vector<ApiItem> const items = WantedItems(request, *latest->controller);
+    for (ApiItem const& item : items) {
+        query.items.push_back({latest->controller->readings[item.reading].name, item.place});
+    }
+    HistoryResult const result = ReadHistory(sources_.recording, query);
+    Json series = Json::array();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        series.push_back(SeriesJson(*latest->controller, items[i], result.series[i]));
+    }
+    return JsonResponse({{"from", from}, {"to", to}, {"cut", result.isCut}, {"series", std::move(series)}});
+}
+
+Response Api::Incidents(Request const& /*request*/) const {
+    if (sources_.incidents.empty()) {
+        return JsonResponse(Json::array());
+    }
+    Json all = Json::array();
+    for (gateway::Incident const& incident : ListIncidents(sources_.incidents)) {
+        all.push_back({{"file", incident.file},
+                       {"controller", incident.controller},
+                       {"time", TimeOf(incident)},
+                       {"kind", incident.kind},
+                       {"bytes", incident.bytes},
+                       {"complete", incident.isComplete}});
+    }
+    return JsonResponse(all);
+}
+
+Response Api::Incident(Request const& request, std::string const& name) const {
+    if (sources_.incidents.empty()) {
+        return NoRecording("[recording.incidents]");
+    }
+    // Only names of the list: nothing that a path could be made of.
+    auto const all = ListIncidents(sources_.incidents);
+    auto const found = std::find_if(all.begin(), all.end(), [&](auto const& each) { return each.file == name; });
+    if (found == all.end()) {
+        return ErrorResponse(404, fmt::format("there is no incident '{}'", name));
+    }
+    std::filesystem::path const file = sources_.incidents / name;
+    if (!found->isComplete) {
+        return ErrorResponse(409, "the incident is still being written");
+    }
+    if (found->bytes > LargestDownload) {
+        return ErrorResponse(413,
+                             fmt::format("the incident has more than 256 MB; take {} from the gateway's disk", name));
+    }
+    if (TextOf(request, "format") == "csv") {
+        recording::Recording source(file);
+        std::ostringstream out;
+        ExportCsv(source, {}, out);
+        return {200,
+                "text/csv; charset=utf-8",
+                std::move(out).str(),
+                {{"content-disposition:", fmt::format("attachment; filename=\"{}.csv\"", file.stem().string())}}};
+    }
+    return {200,
+            "application/vnd.sqlite3",
+            ReadWhole(file),
+            {{"content-disposition:", fmt::format("attachment; filename=\"{}\"", name)}}};
+}
+
+} // namespace harvlink::gateway

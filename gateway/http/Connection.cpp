@@ -1,0 +1,128 @@
+#include "gateway/http/Connection.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "gateway/http/PageFiles.h"
+#include "words/text/Text.h"
+
+namespace harvlink::gateway {
+
+namespace {
+
+constexpr std::size_t LargestHeaders = 2048;
+constexpr std::size_t Piece = 16'384;
+
+std::string Header(lws* socket, lws_token_indexes token) {
+    int const length = lws_hdr_total_length(socket, token);
+    if (length <= 0) {
+        return {};
+    }
+    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    int const copied = lws_hdr_copy(socket, text.data(), length + 1, token);
+    text.resize(copied > 0 ? static_cast<std::size_t>(copied) : 0);
+    return text;
+}
+
+std::string QueryOf(lws* socket) {
+    // The library keeps the parts between the ampersands apart.
+    std::string query;
+    std::array<char, 2048> part{};
+    for (int i = 0; lws_hdr_copy_fragment(socket, part.data(), part.size(), WSI_TOKEN_HTTP_URI_ARGS, i) > 0; ++i) {
+        query += (query.empty() ? "" : "&") + std::string(part.data());
+    }
+    return query;
+}
+
+std::string MethodOf(lws* socket) {
+    constexpr std::array<std::pair<lws_token_indexes, char const*>, 6> Methods{{{WSI_TOKEN_GET_URI, "GET"},
+                                                                                {WSI_TOKEN_POST_URI, "POST"},
+                                                                                {WSI_TOKEN_PUT_URI, "PUT"},
+                                                                                {WSI_TOKEN_PATCH_URI, "PATCH"},
+                                                                                {WSI_TOKEN_DELETE_URI, "DELETE"},
+                                                                                {WSI_TOKEN_OPTIONS_URI, "OPTIONS"}}};
+    for (auto const& [token, name] : Methods) {
+        if (lws_hdr_total_length(socket, token) > 0) {
+            return name;
+        }
+    }
+    return "HEAD"; // and what else there may be: none of it is answered
+}
+
+bool AddHeader(lws* socket, std::string const& name, std::string const& value, unsigned char** at, unsigned char* end) {
+    // The name of a header ends with a colon here.
+    return lws_add_http_header_by_name(socket, reinterpret_cast<unsigned char const*>(name.c_str()),
+                                       reinterpret_cast<unsigned char const*>(value.data()),
+                                       static_cast<int>(value.size()), at, end) == 0;
+}
+
+int SendHeaders(lws* socket, Exchange& exchange) {
+    Response const& response = exchange.response;
+    std::array<unsigned char, LWS_PRE + LargestHeaders> buffer{};
+    unsigned char* const start = buffer.data() + LWS_PRE;
+    unsigned char* at = start;
+    unsigned char* const end = buffer.data() + buffer.size() - 1;
+    bool isWell = lws_add_http_common_headers(socket, static_cast<unsigned>(response.status),
+                                              response.contentType.c_str(), response.body.size(), &at, end) == 0;
+    for (auto const& [name, value] : SecurityHeaders()) {
+        isWell = isWell && AddHeader(socket, name, value, &at, end);
+    }
+    for (auto const& [name, value] : response.headers) {
+        isWell = isWell && AddHeader(socket, name, value, &at, end);
+    }
+    if (!isWell || lws_finalize_write_http_header(socket, start, &at, end) != 0) {
+        return -1;
+    }
+    exchange.hasHeaders = true;
+    return 0;
+}
+
+} // namespace
+
+Request RequestOf(lws* socket, std::string_view path) {
+    Request request;
+    request.method = MethodOf(socket);
+    request.path = std::string(path);
+    request.query = ParseQuery(QueryOf(socket));
+    request.host = Header(socket, WSI_TOKEN_HOST);
+    request.origin = Header(socket, WSI_TOKEN_ORIGIN);
+    request.authorization = Header(socket, WSI_TOKEN_HTTP_AUTHORIZATION);
+    request.ifNoneMatch = Header(socket, WSI_TOKEN_HTTP_IF_NONE_MATCH);
+    request.takesGzip = Header(socket, WSI_TOKEN_HTTP_ACCEPT_ENCODING).find("gzip") != std::string::npos;
+    return request;
+}
+
+int SendResponse(lws* socket, Exchange& exchange) {
+    std::string const& body = exchange.response.body;
+    if (!exchange.hasHeaders) {
+        if (SendHeaders(socket, exchange) != 0) {
+            return -1;
+        }
+        if (body.empty()) {
+            return lws_http_transaction_completed(socket) != 0 ? -1 : 0;
+        }
+        lws_callback_on_writable(socket);
+        return 0;
+    }
+    std::size_t const count = std::min(Piece, body.size() - exchange.sent);
+    std::vector<unsigned char> piece(LWS_PRE + count);
+    std::copy_n(body.data() + exchange.sent, count, piece.data() + LWS_PRE);
+    exchange.sent += count;
+    bool const isLast = exchange.sent == body.size();
+    int const written =
+        lws_write(socket, piece.data() + LWS_PRE, count, isLast ? LWS_WRITE_HTTP_FINAL : LWS_WRITE_HTTP);
+    if (written < static_cast<int>(count)) {
+        return -1;
+    }
+    if (isLast) {
+        return lws_http_transaction_completed(socket) != 0 ? -1 : 0;
+    }
+    // A client that takes nothing for this long is let go.
+    constexpr int Seconds = 20;
+    lws_set_timeout(socket, PENDING_TIMEOUT_HTTP_CONTENT, Seconds);
+    lws_callback_on_writable(socket);
+    return 0;
+}
+
+} // namespace harvlink::gateway

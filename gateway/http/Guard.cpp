@@ -1,0 +1,108 @@
+#include "gateway/http/Guard.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include <arpa/inet.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "gateway/config/ConfigError.h"
+#include "words/text/Text.h"
+
+namespace harvlink::gateway {
+
+namespace {
+
+constexpr std::size_t LeastToken = 16;
+
+/// "press:9750" and "[::1]:9750" without the port and the brackets, in small letters.
+std::string HostOf(std::string const& text) {
+    if (text.starts_with('[')) {
+        std::size_t const end = text.find(']');
+        return end == std::string::npos ? text : words::LowerCase(text.substr(1, end - 1));
+    }
+    return words::LowerCase(text.substr(0, text.rfind(':')));
+}
+
+bool IsAddress(std::string const& text) {
+    std::array<unsigned char, sizeof(in6_addr)> address{};
+    return inet_pton(AF_INET, text.c_str(), address.data()) == 1 ||
+           inet_pton(AF_INET6, text.c_str(), address.data()) == 1;
+}
+
+/// Takes the same time wherever the first difference is.
+bool IsSame(std::string_view left, std::string_view right) {
+    unsigned difference = left.size() == right.size() ? 0 : 1;
+    for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
+        difference |= static_cast<unsigned char>(left[i]) ^ static_cast<unsigned char>(right[i]);
+    }
+    return difference == 0;
+}
+
+std::string ReadToken(std::filesystem::path const& file) {
+    std::ifstream stream(file);
+    std::string token;
+    std::getline(stream, token);
+    token = std::string(words::TrimBlanks(token));
+    if (token.size() < LeastToken) {
+        throw ConfigError({fmt::format("token_file {}: its first line must be a token of at least {} characters",
+                                       file.string(), LeastToken)});
+    }
+    return token;
+}
+
+} // namespace
+
+Guard::Guard(ListenConfig const& config) : hosts_(config.hosts) {
+    hosts_.push_back(config.address);
+    if (config.IsLoopback()) {
+        hosts_.insert(hosts_.end(), {"localhost", "127.0.0.1", "::1"});
+    }
+    isAnyHost_ = config.address == "0.0.0.0" || config.address == "::";
+    std::array<char, 256> name{};
+    if (!config.IsLoopback() && gethostname(name.data(), name.size() - 1) == 0) {
+        hosts_.push_back(words::LowerCase(name.data()));
+    }
+    if (!config.tokenFile.empty()) {
+        token_ = ReadToken(config.tokenFile);
+    }
+}
+
+bool Guard::IsOwnHost(std::string const& header) const {
+    std::string const host = HostOf(header);
+    // An address can't have been made to lead here by somebody's name server.
+    return std::find(hosts_.begin(), hosts_.end(), host) != hosts_.end() || (isAnyHost_ && IsAddress(host));
+}
+
+std::optional<Response> Guard::Refuse(Request const& request, bool isWebSocket) const {
+    if (!IsOwnHost(request.host)) {
+        return ErrorResponse(421,
+                             "this host is not known here; [gateway] hosts names the hosts by which clients may call");
+    }
+    if (!token_.empty()) {
+        constexpr std::string_view Start = "Bearer ";
+        std::string_view const given = request.authorization;
+        bool const isBearer = words::LowerCase(given.substr(0, Start.size())) == "bearer ";
+        auto const query = request.query.find("token"); // a browser's WebSocket has no other place for it
+        bool const isKnown = (isBearer && IsSame(given.substr(Start.size()), token_)) ||
+                             (isWebSocket && query != request.query.end() && IsSame(query->second, token_));
+        if (!isKnown) {
+            Response response = ErrorResponse(401, "the request needs the token of this gateway");
+            response.headers.emplace_back("www-authenticate:", "Bearer");
+            return response;
+        }
+    }
+    if (isWebSocket || request.method != "GET") {
+        std::size_t const scheme = request.origin.find("://");
+        std::string const origin = scheme == std::string::npos ? request.origin : request.origin.substr(scheme + 3);
+        // A program that is not a browser sends none.
+        if (!request.origin.empty() && words::LowerCase(origin) != words::LowerCase(request.host)) {
+            return ErrorResponse(403, "the request comes from the page of another site");
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace harvlink::gateway

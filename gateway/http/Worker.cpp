@@ -1,0 +1,41 @@
+#include "gateway/http/Worker.h"
+
+namespace harvlink::gateway {
+
+Worker::Worker() : thread_([this] { Run(); }) {}
+
+Worker::~Worker() {
+    {
+        std::scoped_lock const lock(mutex_);
+        isStopping_ = true;
+    }
+    wake_.notify_one();
+    thread_.join();
+}
+
+bool Worker::Put(std::function<void()> job) {
+    std::scoped_lock const lock(mutex_);
+    if (jobs_.size() >= MostWaiting) {
+        return false;
+    }
+    jobs_.push_back(std::move(job));
+    wake_.notify_one();
+    return true;
+}
+
+void Worker::Run() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+        wake_.wait(lock, [this] { return isStopping_ || !jobs_.empty(); });
+        if (isStopping_) {
+            return;
+        }
+        auto const job = std::move(jobs_.front());
+        jobs_.pop_front();
+        lock.unlock();
+        job();
+        lock.lock();
+    }
+}
+
+} // namespace harvlink::gateway
