@@ -28,6 +28,19 @@ constexpr std::size_t LargestMessage = 4096; ///< of a client of /api/live
 constexpr std::uint16_t SecondsToPing = 20;
 constexpr std::uint16_t SecondsToHangUp = 40;
 
+/// Counters of the process: a listener that takes the place of another one goes on with them.
+struct Counts {
+    std::atomic<unsigned> connections = 0;
+    std::atomic<unsigned> liveClients = 0;
+    std::atomic<std::uint64_t> requests = 0;
+    std::atomic<std::uint64_t> refused = 0;
+};
+
+Counts& AllCounts() {
+    static Counts counts;
+    return counts;
+}
+
 bool BelongsToApi(std::string const& path) {
     return path == "/metrics" || path.starts_with("/health") || path.starts_with("/api/");
 }
@@ -52,14 +65,6 @@ public:
 
     std::uint16_t Port() const {
         return static_cast<std::uint16_t>(lws_get_vhost_listen_port(lws_get_vhost_by_name(context_, "default")));
-    }
-
-    std::vector<Figure> Figures() const {
-        return {{"harvlink_http_connections", "Connections of clients.", static_cast<double>(connections_.load())},
-                {"harvlink_http_requests_total", "Requests of clients.", static_cast<double>(requests_.load())},
-                {"harvlink_http_refused_connections_total", "Connections beyond the limit.",
-                 static_cast<double>(refused_.load())},
-                {"harvlink_http_live_clients", "Open pages.", static_cast<double>(liveClients_.load())}};
     }
 
 private:
@@ -100,10 +105,8 @@ private:
     std::mutex answersMutex_;
     std::vector<std::pair<std::shared_ptr<Exchange>, Response>> answers_;
     std::atomic<bool> isStopping_ = false;
-    std::atomic<unsigned> connections_ = 0;
-    std::atomic<unsigned> liveClients_ = 0;
-    std::atomic<std::uint64_t> requests_ = 0;
-    std::atomic<std::uint64_t> refused_ = 0;
+    unsigned connections_ = 0; ///< the thread's own, as the next
+    unsigned liveClients_ = 0;
     std::unique_ptr<Worker> worker_ = std::make_unique<Worker>();
     std::thread thread_;
 };
@@ -175,10 +178,10 @@ int HttpServer::Implementation::Handle(lws* socket, lws_callback_reasons reason,
     case LWS_CALLBACK_FILTER_NETWORK_CONNECTION:
         return Accept();
     case LWS_CALLBACK_WSI_CREATE:
-        ++connections_;
+        AllCounts().connections = ++connections_;
         return 0;
     case LWS_CALLBACK_WSI_DESTROY:
-        --connections_;
+        AllCounts().connections = --connections_;
         open_.erase(socket);
         return 0;
     case LWS_CALLBACK_HTTP:
@@ -205,6 +208,7 @@ int HttpServer::Implementation::Handle(lws* socket, lws_callback_reasons reason,
         if (liveClients_++ == 0) {
             feed_.Look(); // nobody has looked since the last client left
         }
+        AllCounts().liveClients = liveClients_;
         open_[socket].live = std::make_unique<LiveClient>(feed_);
         lws_callback_on_writable(socket);
         return 0;
@@ -213,7 +217,8 @@ int HttpServer::Implementation::Handle(lws* socket, lws_callback_reasons reason,
     case LWS_CALLBACK_SERVER_WRITEABLE:
         return SendLive(socket);
     case LWS_CALLBACK_CLOSED:
-        liveClients_ -= open_.erase(socket) > 0 ? 1 : 0;
+        liveClients_ -= open_.erase(socket) > 0 ? 1U : 0U;
+        AllCounts().liveClients = liveClients_;
         return 0;
     default:
         return 0;
@@ -224,12 +229,12 @@ int HttpServer::Implementation::Accept() {
     if (connections_ < MostConnections) {
         return 0;
     }
-    ++refused_;
+    ++AllCounts().refused;
     return -1;
 }
 
 int HttpServer::Implementation::Begin(lws* socket, std::string_view path) {
-    ++requests_;
+    ++AllCounts().requests;
     Connection& connection = open_[socket];
     connection.exchange = std::make_shared<Exchange>();
     Exchange& exchange = *connection.exchange;
@@ -355,8 +360,13 @@ std::uint16_t HttpServer::Port() const {
     return implementation_->Port();
 }
 
-std::vector<Figure> HttpServer::Figures() const {
-    return implementation_->Figures();
+std::vector<Figure> HttpServer::Figures() {
+    Counts const& counts = AllCounts();
+    return {{"harvlink_http_connections", "Connections of clients.", static_cast<double>(counts.connections)},
+            {"harvlink_http_requests_total", "Requests of clients.", static_cast<double>(counts.requests)},
+            {"harvlink_http_refused_connections_total", "Connections beyond the limit.",
+             static_cast<double>(counts.refused)},
+            {"harvlink_http_live_clients", "Open pages.", static_cast<double>(counts.liveClients)}};
 }
 
 } // namespace harvlink::gateway

@@ -25,7 +25,9 @@ public:
     ~HttpServer();
 
     std::uint16_t Port() const;
-    std::vector<Figure> Figures() const; ///< connections, requests, what was refused
+
+    /// Connections, requests and what was refused, of all listeners that there were. Called on any thread.
+    static std::vector<Figure> Figures();
 
 private:
     class Implementation;

@@ -1,0 +1,5 @@
+#include "gateway/program/Program.h"
+
+int main(int argc, char** argv) {
+    return harvlink::gateway::RunProgram(argc, argv);
+}

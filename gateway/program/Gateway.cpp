@@ -1,0 +1,171 @@
+#include "gateway/program/Gateway.h"
+
+#include <fmt/format.h>
+
+#include "gateway/config/ConfigError.h"
+#include "gateway/history/RecordingSink.h"
+#include "gateway/sparkplug/EdgeNode.h"
+
+namespace harvlink::gateway {
+
+namespace {
+
+/// What the listener shows depends on more than its own section.
+bool HasSameListener(Config const& left, Config const& right) {
+    auto const geometries = [](Config const& config) {
+        std::map<std::string, std::optional<GeometryConfig>> all;
+        for (ControllerConfig const& controller : config.controllers) {
+            all[controller.name] = controller.geometry;
+        }
+        return all;
+    };
+    return left.gateway.name == right.gateway.name && left.gateway.listen == right.gateway.listen &&
+           left.recording == right.recording && left.prometheus == right.prometheus &&
+           geometries(left) == geometries(right);
+}
+
+} // namespace
+
+Gateway::Gateway(Log& log) : log_(log), watch_(log) {
+    watch_.Dispatch().Add(roundTrips_);
+}
+
+Gateway::~Gateway() {
+    http_.reset(); // first what asks all the others
+    watch_.Stop(); // what was read is still given to the sinks
+}
+
+void Gateway::Simulate(unsigned count) {
+    plant_ = std::make_unique<VirtualPlant>(count);
+}
+
+void Gateway::Apply(Config config) {
+    if (plant_ != nullptr) {
+        plant_->AddTo(config);
+    }
+    log_.SetLevel(config.gateway.logLevel);
+    // What may fail comes first, so that a file that can't be used changes nothing.
+    ApplyRecording(config);
+    ApplyListener(config);
+    ApplyMqtt(config);
+    Watch::Applied const applied = watch_.Apply(config, plant_ != nullptr);
+    if (StatusInfo const status = watch_.Start(); status.StatusCode != 0) {
+        throw ConfigError({status.Message});
+    }
+    config_ = std::move(config);
+    log_.Info("the configuration is in use", {{"controllers", std::to_string(config_->controllers.size())},
+                                              {"added", std::to_string(applied.added)},
+                                              {"removed", std::to_string(applied.removed)},
+                                              {"changed", std::to_string(applied.changed)},
+                                              {"listen", config_->gateway.listen.address},
+                                              {"port", std::to_string(config_->gateway.listen.port)}});
+}
+
+void Gateway::ApplyRecording(Config const& config) {
+    if (config_ && config_->recording == config.recording) {
+        return;
+    }
+    if (recording_ != nullptr) {
+        watch_.Dispatch().Remove(recording_);
+        recording_.reset(); // a file has one writer: the old one closes before the new one opens
+    }
+    if (config_) {
+        config_->recording.reset(); // if the new one fails, there is none
+    }
+    if (config.recording) {
+        recording_ = std::make_shared<RecordingSink>(*config.recording, log_);
+        watch_.Dispatch().Add(recording_);
+    }
+}
+
+void Gateway::ApplyMqtt(Config const& config) {
+    if (config_ && config_->mqtt == config.mqtt) {
+        return;
+    }
+    if (mqtt_ != nullptr) {
+        watch_.Dispatch().Remove(mqtt_);
+        mqtt_.reset();
+    }
+    if (config.mqtt) {
+        mqtt_ = std::make_shared<sparkplug::EdgeNode>(*config.mqtt, log_);
+        watch_.Dispatch().Add(mqtt_);
+    }
+}
+
+void Gateway::ApplyListener(Config const& config) {
+    if (http_ != nullptr && config_ && HasSameListener(*config_, config)) {
+        return;
+    }
+    http_.reset(); // the new one may have the same port
+    exposition_ = std::make_unique<Exposition>(ExpositionSourcesFor(config), config.prometheus.mostSeries);
+    try {
+        http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config), log_);
+    } catch (ConfigError const&) {
+        if (config_) {
+            exposition_ = std::make_unique<Exposition>(ExpositionSourcesFor(*config_), config_->prometheus.mostSeries);
+            http_ = std::make_unique<HttpServer>(config_->gateway.listen, SourcesFor(*config_), log_);
+        }
+        throw;
+    }
+}
+
+ExpositionSources Gateway::ExpositionSourcesFor(Config const& config) {
+    return {config.gateway.name,
+            [this] { return watch_.Dispatch().Latest().Snapshot(); },
+            [this] { return watch_.Engine().Statistics(); },
+            [this] { return roundTrips_->All(); },
+            [this] { return roundTrips_->Samples(); },
+            [this] { return Figures(); }};
+}
+
+ApiSources Gateway::SourcesFor(Config const& config) {
+    ApiSources sources;
+    sources.gateway = config.gateway.name;
+    sources.table = &watch_.Dispatch().Latest();
+    sources.statistics = [this] { return watch_.Engine().Statistics(); };
+    sources.plan = [this] { return watch_.Engine().Plan(); };
+    sources.roundTrips = [this] {
+        LastRoundTrips last;
+        for (auto const& [id, counts] : roundTrips_->All()) {
+            if (counts.count > 0) {
+                last[id] = counts.last;
+            }
+        }
+        return last;
+    };
+    sources.figures = [this] { return Figures(); };
+    if (config.prometheus.isOn) {
+        sources.metrics = [this] { return exposition_->Text(); };
+    }
+    for (ControllerConfig const& controller : config.controllers) {
+        if (controller.geometry) {
+            sources.geometries[controller.name] = *controller.geometry;
+        }
+    }
+    if (config.recording) {
+        sources.recording = config.recording->file;
+        sources.incidents = config.recording->incidents ? config.recording->incidents->folder : "";
+    }
+    sources.isSimulated = plant_ != nullptr;
+    if (plant_ != nullptr) {
+        sources.changeVirtual = [this](std::string const& name, words::Json const& body) {
+            return plant_->Change(name, body);
+        };
+    }
+    return sources;
+}
+
+/// Called on the worker's thread of the listener.
+std::vector<Figure> Gateway::Figures() {
+    std::vector<Figure> figures = watch_.Dispatch().Figures();
+    auto const own = HttpServer::Figures();
+    figures.insert(figures.end(), own.begin(), own.end());
+    return figures;
+}
+
+bool Gateway::IsAlive() {
+    std::uint64_t const rounds = watch_.Dispatch().Rounds();
+    return std::exchange(seenRounds_, rounds) != rounds;
+}
+
+} // namespace harvlink::gateway
