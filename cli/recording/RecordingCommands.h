@@ -8,7 +8,7 @@ namespace harvlink::cli {
 
 class Session;
 
-/// harvlink recording info, events, export, cut
+/// harvlink recording info, events, export, cut, plot
 void AddRecordingCommands(CLI::App& app, Session& session);
 
 namespace recordings {
@@ -17,6 +17,7 @@ void AddInfo(CLI::App& family, Session& session);
 void AddEvents(CLI::App& family, Session& session);
 void AddExport(CLI::App& family, Session& session);
 void AddCut(CLI::App& family, Session& session);
+void AddPlot(CLI::App& family, Session& session);
 
 } // namespace recordings
 

@@ -2,6 +2,7 @@ import { api } from "./api";
 import { element, printable, replace, setAttribute, setText } from "./dom";
 import { showEvents } from "./eventList";
 import { bytes, clock, localInput } from "./format";
+import { lineOf } from "./envelope";
 import { join } from "./joined";
 import type { History, Incident, Item, PlantEvent } from "./model";
 import type { Plant } from "./plant";
@@ -158,12 +159,11 @@ export class HistoryView implements View {
         if (history.series.length === 0) {
             return;
         }
-        const steps = new Set(this.items.filter((item) => item.kind === "boolean").map((item) => item.id));
         setAttribute(this.place, "role", "group");
         setAttribute(this.place, "aria-label", texts.plot.label(history.series.map((series) => printable(series.name)).join(", ")));
         this.plot = new Plot(
             this.place,
-            history.series.map((series) => ({ name: printable(series.name), unit: series.unit, isStepped: steps.has(series.id) })),
+            history.series.map((series) => ({ name: printable(series.name), unit: series.unit, isStepped: true })),
             {
                 zoomed: (from, to) => this.goTo(from, to),
                 unzoomed: () => history.from < history.to && this.goTo(history.from - (history.to - history.from) / 2, history.to + (history.to - history.from) / 2),
@@ -171,7 +171,7 @@ export class HistoryView implements View {
             },
             340,
         );
-        this.plot.set(join(history.series.map((series) => ({ times: series.times, values: series.last }))), history.from, history.to, events);
+        this.plot.set(join(history.series.map((series) => lineOf(series, history.to))), history.from, history.to, events);
     }
 
     private offerItems(): void {

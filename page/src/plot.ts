@@ -138,8 +138,8 @@ export class Plot {
             if (x < bbox.left || x > bbox.left + bbox.width) {
                 continue;
             }
-            ctx.strokeStyle = ctx.fillStyle = cssColour(event.kind === "alarm" ? "--alarm" : "--mark");
-            ctx.setLineDash(event.kind === "alarm" ? [] : [4, 4]);
+            ctx.strokeStyle = ctx.fillStyle = cssColour(event.kind === "alarm-raised" ? "--alarm" : "--mark");
+            ctx.setLineDash(event.kind === "alarm-raised" ? [] : [4, 4]);
             ctx.beginPath();
             ctx.moveTo(x, bbox.top);
             ctx.lineTo(x, bbox.top + bbox.height);

@@ -2,6 +2,7 @@
 import { element, printable } from "./dom";
 import { showEvents } from "./eventList";
 import { clock } from "./format";
+import { lineOf } from "./envelope";
 import { join } from "./joined";
 import type { History, PlantEvent } from "./model";
 import { Plot } from "./plot";
@@ -31,10 +32,10 @@ function show(content: Content): void {
             element("section", { class: "panel" }, element("h2", {}, texts.events), events),
         ),
     );
-    const data = join(content.series.map((series) => ({ times: series.times, values: series.last })));
+    const data = join(content.series.map((series) => lineOf(series, content.to)));
     const plot = new Plot(
         place,
-        content.series.map((series) => ({ name: printable(series.name), unit: series.unit, isStepped: false })),
+        content.series.map((series) => ({ name: printable(series.name), unit: series.unit, isStepped: true })),
         {
             zoomed: (from, to) => plot.set(data, from, to, content.events),
             unzoomed: () => plot.set(data, content.from, content.to, content.events),

@@ -151,7 +151,7 @@ test("controller", async (t) => {
     await t.test("an alarm shows its card, and a mark in the plot's time", async () => {
         await knob(gateway, name, { alarm: 4107 });
         await page.locator(".alarm-card.active").getByText("What to do").waitFor();
-        await page.locator(".events [data-kind=alarm]").first().waitFor();
+        await page.locator(".events [data-kind=alarm-raised]").first().waitFor();
         await knob(gateway, name, { reset: true });
         await page.locator(".alarm-card").getByText("No alarm.").waitFor();
     });
@@ -191,7 +191,7 @@ test("history", async (t) => {
     const page = await openPage(browser, gateway, `#/controller/${encodeURIComponent(name)}`);
 
     await t.test("an alarm leads to the minute before it", async () => {
-        await page.locator(".events [data-kind=alarm] a").first().click();
+        await page.locator(".events [data-kind=alarm-raised] a").first().click();
         await page.locator(".history .plot canvas").waitFor();
         const shown = await plotted(page);
         const { items } = await gateway.api(`controllers/${encodeURIComponent(name)}`);
@@ -201,7 +201,7 @@ test("history", async (t) => {
         const drawn = new Map(shown.times.map((time, index) => [time, shown.lines[0].values[index]]));
         assert.ok(series[0].times.length > 5);
         series[0].times.forEach((time, index) => assert.equal(drawn.get(time), series[0].last[index]));
-        assert.ok((await page.locator(".events [data-kind=alarm]").count()) > 0);
+        assert.ok((await page.locator(".events [data-kind=alarm-raised]").count()) > 0);
     });
 
     await t.test("an incident is downloaded, as a recording and as CSV", async () => {

@@ -45,6 +45,25 @@ TEST_F(RecordingCommandsTest, ShowsExportsAndCuts) {
     EXPECT_EQ(Json::parse(RunTool("recording info y.harvlink --json").out)["samples"], 3);
 }
 
+TEST_F(RecordingCommandsTest, WritesAPlotThatNeedsNothingElse) {
+    Json const result = Json::parse(RunTool("recording plot x.harvlink --item 'position R1 base' --json").out);
+    EXPECT_EQ(result["file"], "x.html");
+    EXPECT_EQ(result["events"], 1);
+    std::string const page = test::ContentOf("x.html");
+    std::string const begin = "<script type=\"application/json\" id=\"content\">";
+    std::size_t const start = page.find(begin) + begin.size();
+    Json const content = Json::parse(page.substr(start, page.find("</script>", start) - start));
+    ASSERT_EQ(content["series"].size(), result["lines"]);
+    Json const& line = content["series"][0];
+    EXPECT_EQ(line["unit"], "mm");
+    EXPECT_EQ(line["last"], Json({0.0, 0.5, 1.0, 1.5}));
+    EXPECT_EQ(content["events"][0]["code"], 4107);
+    EXPECT_EQ(page.find(" src="), std::string::npos) << "all of it stands in the file";
+    EXPECT_EQ(page.find(" href="), std::string::npos);
+    EXPECT_EQ(RunTool("recording plot x.harvlink --item 'position R1 base'").exit, 1) << "the file is there";
+    EXPECT_EQ(RunTool("recording plot x.harvlink --item 'position R1 base' --from +2s --force").exit, 0);
+}
+
 TEST_F(RecordingCommandsTest, SaysWhatIsWrong) {
     struct Case {
         char const* line;
@@ -54,6 +73,8 @@ TEST_F(RecordingCommandsTest, SaysWhatIsWrong) {
     for (Case const& wrong : {Case{"info missing.harvlink", 1, "there is no such file"},
                               Case{"export x.harvlink --item speed", 2, "has no item 'speed'"},
                               Case{"events x.harvlink --controller press2", 2, "has no controller 'press2'"},
+                              Case{"plot x.harvlink", 2, "choose what to plot with --item"},
+                              Case{"plot x.harvlink --item state --out none/x.html", 1, "can't write into none"},
                               Case{"export x.harvlink --every 0s", 2, "more than 0"},
                               Case{"export x.harvlink --from noon", 2, "'noon' is not a time"},
                               Case{"cut x.harvlink --from +2s --to +1s --out z", 2, "the end must be after"},

@@ -1,15 +1,11 @@
-#include "gateway/history/History.h"
+#include "recording/read/History.h"
 
 #include <algorithm>
 #include <map>
 
-namespace harvlink::gateway {
+namespace harvlink::recording {
 
 namespace {
-
-using recording::Change;
-using recording::Microseconds;
-using recording::RecordedValue;
 
 bool IsLess(RecordedValue const& left, RecordedValue const& right) {
     auto const number = [](RecordedValue const& value) {
@@ -69,10 +65,10 @@ private:
 /// The makers of a reading, with the places that they take.
 using Makers = std::multimap<std::uint32_t, std::pair<std::size_t, SeriesMaker*>>;
 
-Makers MakersOf(recording::Catalogue const& catalogue, HistoryQuery const& query, std::vector<SeriesMaker>& all) {
+Makers MakersOf(Catalogue const& catalogue, HistoryQuery const& query, std::vector<SeriesMaker>& all) {
     Makers makers;
     for (std::uint32_t id = 1; id <= catalogue.readings.size(); ++id) {
-        recording::RecordedReading const& reading = catalogue.readings[id - 1];
+        RecordedReading const& reading = catalogue.readings[id - 1];
         if (catalogue.controllers.at(reading.controller - 1).name != query.controller) {
             continue;
         }
@@ -87,7 +83,7 @@ Makers MakersOf(recording::Catalogue const& catalogue, HistoryQuery const& query
 
 void Use(Change const& change, Makers const& makers) {
     auto const [begin, end] = makers.equal_range(change.reading);
-    bool const isGood = change.moment.quality == recording::RecordedQuality::Good;
+    bool const isGood = change.moment.quality == RecordedQuality::Good;
     for (auto maker = begin; maker != end; ++maker) {
         auto const& [place, series] = maker->second;
         if (!isGood) {
@@ -102,29 +98,10 @@ void Use(Change const& change, Makers const& makers) {
     }
 }
 
-constexpr std::string_view Extension = ".harvlink";
-constexpr std::size_t TimeLength = 16; ///< of 20261122T031500Z
-
-/// "press-1-20261122T031500Z-alarm-4107": the name of the controller may have dashes too.
-bool ReadName(std::string const& stem, Incident& incident) {
-    for (std::size_t dash = stem.rfind('-'); dash != std::string::npos && dash > 0; dash = stem.rfind('-', dash - 1)) {
-        std::string const time = stem.substr(dash + 1, TimeLength);
-        if (time.size() == TimeLength && time[8] == 'T' && time.back() == 'Z' &&
-            time.find_first_not_of("0123456789TZ") == std::string::npos) {
-            incident.controller = stem.substr(0, dash);
-            incident.time = time;
-            std::size_t const kind = dash + 1 + TimeLength;
-            incident.kind = kind < stem.size() ? stem.substr(kind + 1) : "";
-            return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const& query) {
-    recording::Recording source(file);
+    Recording source(file);
     HistoryResult result;
     result.series.resize(query.items.size());
     std::vector<SeriesMaker> all;
@@ -147,10 +124,10 @@ HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const&
     return result;
 }
 
-std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, recording::TimeRange const& range) {
-    recording::Recording source(file);
+std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, TimeRange const& range) {
+    Recording source(file);
     std::vector<PastEvent> events;
-    for (recording::StoredEvent& stored : source.Events(range)) {
+    for (StoredEvent& stored : source.Events(range)) {
         auto const& controllers = source.Contents().controllers;
         std::size_t const place = stored.event.controller - std::size_t{1};
         events.push_back(
@@ -159,25 +136,4 @@ std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, recordi
     return events;
 }
 
-std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
-    std::vector<Incident> incidents;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), last; !error && entry != last;
-         entry.increment(error)) {
-        Incident incident;
-        incident.file = entry->path().filename().string();
-        std::error_code failure;
-        if (entry->path().extension() == Extension && entry->is_regular_file(failure) &&
-            ReadName(entry->path().stem().string(), incident)) {
-            incident.bytes = entry->file_size(failure);
-            incident.isComplete = !std::filesystem::exists(entry->path().string() + "-wal", failure);
-            incidents.push_back(std::move(incident));
-        }
-    }
-    std::sort(incidents.begin(), incidents.end(), [](Incident const& left, Incident const& right) {
-        return std::tie(left.time, left.file) > std::tie(right.time, right.file);
-    });
-    return incidents;
-}
-
-} // namespace harvlink::gateway
+} // namespace harvlink::recording

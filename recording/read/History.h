@@ -3,13 +3,12 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "recording/read/Recording.h"
 
-namespace harvlink::gateway {
+namespace harvlink::recording {
 
 /// Which numbers of a recording are wanted.
 struct HistoryQuery {
@@ -19,8 +18,8 @@ struct HistoryQuery {
     };
     std::string controller;
     std::vector<Item> items;
-    recording::Microseconds from = 0;
-    recording::Microseconds to = 0;
+    Microseconds from = 0;
+    Microseconds to = 0;
     std::size_t points = 1000; ///< at most so many parts of the time, each with its extremes
     std::chrono::milliseconds longest{5000}; ///< for reading
 };
@@ -28,10 +27,10 @@ struct HistoryQuery {
 /// The values of an item over time. A point is there only where the value changed; without numbers, it begins a gap.
 struct HistorySeries {
     struct Point {
-        recording::Microseconds time = 0;
-        recording::RecordedValue low;
-        recording::RecordedValue high;
-        recording::RecordedValue last; ///< empty: the controller was silent or refused
+        Microseconds time = 0;
+        RecordedValue low;
+        RecordedValue high;
+        RecordedValue last; ///< empty: the controller was silent or refused
     };
     std::vector<Point> points;
 };
@@ -41,28 +40,15 @@ struct HistoryResult {
     bool isCut = false; ///< the time for reading was over; the series end early
 };
 
-/// Reads the recording anew each time, which may be written meanwhile. Throws recording::RecordingError.
+/// Reads the recording anew each time, which may be written meanwhile. Throws RecordingError.
 HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const& query);
 
 /// The events of a time, oldest first, with the names of their controllers.
 struct PastEvent {
     std::int64_t number = 0; ///< place in the recording
     std::string controller;
-    recording::RecordedEvent event;
+    RecordedEvent event;
 };
-std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, recording::TimeRange const& range);
+std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, TimeRange const& range);
 
-/// A file of an incident.
-struct Incident {
-    std::string file; ///< without its folder
-    std::string controller;
-    std::string time; ///< as in the name: 20261122T031500Z
-    std::string kind; ///< such as "alarm-4107"
-    std::uint64_t bytes = 0;
-    bool isComplete = false; ///< nothing is written to it any more
-};
-
-/// Newest first.
-std::vector<Incident> ListIncidents(std::filesystem::path const& folder);
-
-} // namespace harvlink::gateway
+} // namespace harvlink::recording

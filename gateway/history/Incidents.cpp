@@ -1,0 +1,53 @@
+#include "gateway/history/Incidents.h"
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+
+namespace harvlink::gateway {
+
+namespace {
+
+constexpr std::string_view Extension = ".harvlink";
+constexpr std::size_t TimeLength = 16; ///< of 20261122T031500Z
+
+/// "press-1-20261122T031500Z-alarm-4107": the name of the controller may have dashes too.
+bool ReadName(std::string const& stem, Incident& incident) {
+    for (std::size_t dash = stem.rfind('-'); dash != std::string::npos && dash > 0; dash = stem.rfind('-', dash - 1)) {
+        std::string const time = stem.substr(dash + 1, TimeLength);
+        if (time.size() == TimeLength && time[8] == 'T' && time.back() == 'Z' &&
+            time.find_first_not_of("0123456789TZ") == std::string::npos) {
+            incident.controller = stem.substr(0, dash);
+            incident.time = time;
+            std::size_t const kind = dash + 1 + TimeLength;
+            incident.kind = kind < stem.size() ? stem.substr(kind + 1) : "";
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
+    std::vector<Incident> incidents;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), last; !error && entry != last;
+         entry.increment(error)) {
+        Incident incident;
+        incident.file = entry->path().filename().string();
+        std::error_code failure;
+        if (entry->path().extension() == Extension && entry->is_regular_file(failure) &&
+            ReadName(entry->path().stem().string(), incident)) {
+            incident.bytes = entry->file_size(failure);
+            incident.isComplete = !std::filesystem::exists(entry->path().string() + "-wal", failure);
+            incidents.push_back(std::move(incident));
+        }
+    }
+    std::sort(incidents.begin(), incidents.end(), [](Incident const& left, Incident const& right) {
+        return std::tie(left.time, left.file) > std::tie(right.time, right.file);
+    });
+    return incidents;
+}
+
+} // namespace harvlink::gateway
