@@ -31,6 +31,9 @@ public:
             return;
         }
         Begin();
+        if (!series_.points.empty() && series_.points.back().last == value) {
+            return; // a picture repeats what is known
+        }
         Microseconds const part = (time - from_) / length_;
         bool const isSamePart = part == part_ && !series_.points.empty();
         // A gap is not merged with values: that a controller was silent must be seen at every scale.

@@ -74,7 +74,7 @@ TEST_F(RecordingCommandsTest, SaysWhatIsWrong) {
                               Case{"export x.harvlink --item speed", 2, "has no item 'speed'"},
                               Case{"events x.harvlink --controller press2", 2, "has no controller 'press2'"},
                               Case{"plot x.harvlink", 2, "choose what to plot with --item"},
-                              Case{"plot x.harvlink --item state --out none/x.html", 1, "can't write into none"},
+                              Case{"plot x.harvlink --item 'register 3' --out none/x.html", 1, "can't write into none"},
                               Case{"export x.harvlink --every 0s", 2, "more than 0"},
                               Case{"export x.harvlink --from noon", 2, "'noon' is not a time"},
                               Case{"cut x.harvlink --from +2s --to +1s --out z", 2, "the end must be after"},

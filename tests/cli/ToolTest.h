@@ -1,7 +1,7 @@
 #pragma once
 
 #include <future>
-#include <iterator>
+#include <iomanip>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -26,9 +26,14 @@ struct Result {
     std::string err;
 };
 
+/// Words between spaces; single quotes keep spaces within a word.
 inline Arguments Words(std::string const& line) {
     std::istringstream stream(line);
-    return {std::istream_iterator<std::string>(stream), {}};
+    Arguments words;
+    for (std::string word; stream >> std::quoted(word, '\'');) {
+        words.push_back(word);
+    }
+    return words;
 }
 
 inline Result RunTool(std::string const& line, std::string const& answer = "", bool isTerminal = false) {
