@@ -6,12 +6,13 @@
 
 #include <fmt/format.h>
 
-#include "gateway/history/History.h"
+#include "gateway/history/Incidents.h"
 #include "gateway/http/Api.h"
 #include "gateway/http/Items.h"
 #include "gateway/http/Query.h"
 #include "recording/model/TimeText.h"
 #include "recording/read/CsvExport.h"
+#include "recording/read/History.h"
 #include "words/text/InputError.h"
 #include "words/text/Text.h"
 
@@ -47,14 +48,14 @@ std::vector<ApiItem> WantedItems(Request const& request, Controller const& contr
     return wanted;
 }
 
-Json SeriesJson(Controller const& controller, ApiItem const& item, HistorySeries const& series) {
+Json SeriesJson(Controller const& controller, ApiItem const& item, recording::HistorySeries const& series) {
     recording::RecordedItem const& own = controller.readings[item.reading].items[item.place];
     Json const named = ItemJson(controller, item);
     Json times = Json::array();
     Json low = Json::array();
     Json high = Json::array();
     Json last = Json::array();
-    for (HistorySeries::Point const& point : series.points) {
+    for (recording::HistorySeries::Point const& point : series.points) {
         times.push_back(Milliseconds(point.time));
         low.push_back(ValueJson(own, point.low));
         high.push_back(ValueJson(own, point.high));
@@ -97,8 +98,8 @@ Response Api::Events(Request const& request) const {
     if (!sources_.recording.empty()) {
         std::int64_t const known = events.empty() ? LatestTime : events.front()["time"].get<std::int64_t>();
         std::vector<Json> past;
-        for (PastEvent const& event :
-             ReadPastEvents(sources_.recording, {from * Millisecond, std::min(to, known) * Millisecond})) {
+        for (recording::PastEvent const& event :
+             recording::ReadPastEvents(sources_.recording, {from * Millisecond, std::min(to, known) * Millisecond})) {
             past.push_back(EventJson(static_cast<std::uint64_t>(event.number), event.controller, event.event));
         }
         events.insert(events.begin(), past.begin(), past.end());
@@ -127,7 +128,7 @@ Response Api::History(Request const& request) const {
     }
     constexpr std::int64_t MostPoints = 20'000;
     constexpr std::int64_t Hour = 3'600'000;
-    HistoryQuery query;
+    recording::HistoryQuery query;
     query.controller = name;
     std::int64_t const to = NumberOf(request, "to", NowMilliseconds(), 0, LatestTime);
     std::int64_t const from = NumberOf(request, "from", to - Hour, 0, LatestTime);
@@ -141,7 +142,7 @@ Response Api::History(Request const& request) const {
     for (ApiItem const& item : items) {
         query.items.push_back({latest->controller->readings[item.reading].name, item.place});
     }
-    HistoryResult const result = ReadHistory(sources_.recording, query);
+    recording::HistoryResult const result = ReadHistory(sources_.recording, query);
     Json series = Json::array();
     for (std::size_t i = 0; i < items.size(); ++i) {
         series.push_back(SeriesJson(*latest->controller, items[i], result.series[i]));
