@@ -166,7 +166,10 @@ bool Session::Confirm(std::string const& consequence) {
 
 Connection Session::Open(Access access, StatusInfo& status) {
     CheckHost();
-    Settings const& wanted = settings();
+    return Open(settings(), access, status);
+}
+
+Connection Session::Open(Settings const& wanted, Access access, StatusInfo& status) const {
     Connection connection = Connect({.address = wanted.host,
                                      .timeout = wanted.timeoutMilliseconds,
                                      .retries = wanted.retries,

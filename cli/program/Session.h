@@ -74,6 +74,9 @@ public:
     /// no host is given.
     Connection Open(Access access, StatusInfo& status);
 
+    /// The same by other settings. From any thread.
+    Connection Open(Settings const& wanted, Access access, StatusInfo& status) const;
+
     /// Throws InputError if no host is given.
     void CheckHost();
 

@@ -47,14 +47,6 @@ void AddPositions(PlanArguments const& arguments, std::vector<FleetItem>& items)
     }
 }
 
-PlannedController Planned(std::string const& name, Settings const& settings) {
-    FleetControllerOptions options;
-    options.address = AddressOf(settings.host);
-    options.timeout = settings.timeoutMilliseconds;
-    options.retries = settings.retries;
-    return {name, options};
-}
-
 } // namespace
 
 void PlanArguments::AddOptions(CLI::App& verb) {
@@ -70,16 +62,12 @@ void PlanArguments::AddOptions(CLI::App& verb) {
     verb.add_option("--register", registers, "Registers by their numbers")->type_name("NUMBER");
 }
 
-std::vector<PlannedController> ControllersOf(Session& session) {
-    std::vector<PlannedController> controllers;
-    for (std::string const& cell : session.NamedCells()) {
-        controllers.push_back(Planned(cell, session.SettingsOf(cell)));
+std::vector<FleetCell> ControllersOf(Session& session) {
+    std::vector<FleetCell> cells = FleetCells(session);
+    for (FleetCell& cell : cells) {
+        cell.options.address = AddressOf(cell.options.address);
     }
-    if (controllers.empty()) {
-        session.CheckHost();
-        controllers.push_back(Planned(session.settings().host, session.settings()));
-    }
-    return controllers;
+    return cells;
 }
 
 std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments) {

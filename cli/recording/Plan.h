@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/program/Session.h"
+#include "cli/program/FleetCells.h"
 #include "harvlink/Fleet.h"
 
 namespace harvlink::cli::recordings {
@@ -21,13 +21,8 @@ struct PlanArguments {
     void AddOptions(CLI::App& verb);
 };
 
-struct PlannedController {
-    std::string name;
-    FleetControllerOptions options;
-};
-
-/// The controllers that --cell, --all or --host name. Throws InputError.
-std::vector<PlannedController> ControllersOf(Session& session);
+/// The controllers that --cell, --all or --host name, by their addresses. Throws InputError.
+std::vector<FleetCell> ControllersOf(Session& session);
 
 /// What to read of each of them, and how often. Throws InputError.
 std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments);

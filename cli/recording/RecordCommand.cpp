@@ -47,7 +47,7 @@ struct RecordArguments {
 };
 
 struct Plan {
-    std::vector<PlannedController> controllers;
+    std::vector<FleetCell> controllers;
     std::vector<FleetGroup> groups;
     std::string out;
     recording::RecorderOptions recorder;
@@ -109,7 +109,7 @@ public:
                     [&sink](auto const& reading) { return sink.AddReading(reading); }}) {}
 
     int Run() {
-        for (PlannedController const& controller : plan_.controllers) {
+        for (FleetCell const& controller : plan_.controllers) {
             StatusInfo const status = fleet_.Add(controller.name, controller.options, plan_.groups);
             if (status.StatusCode != 0) {
                 output_.Failure(status, controller.name);

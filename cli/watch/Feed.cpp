@@ -9,20 +9,24 @@
 
 namespace harvlink::cli::watch {
 
-Feed::Feed(Reader& reader, std::chrono::milliseconds interval) : reader_(reader), interval_(interval) {
+Feed::Feed(SampleSource& source, std::chrono::milliseconds interval) : source_(source), interval_(interval) {
     if (pipe2(wake_.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
         throw std::runtime_error("can't open a pipe for the samples");
     }
     thread_ = std::thread([this] { Run(); });
 }
 
-Feed::~Feed() {
+void Feed::Stop() {
     {
         std::lock_guard const lock(mutex_);
         hasEnded_ = true;
     }
-    reader_.Stop();
+    source_.Stop();
     ended_.notify_one();
+}
+
+Feed::~Feed() {
+    Stop();
     thread_.join();
     for (int const end : wake_) {
         close(end);
@@ -46,7 +50,7 @@ void Feed::Run() {
         std::optional<Sample> sample;
         std::exception_ptr failure;
         try {
-            sample = reader_.Read();
+            sample = source_.Read();
         } catch (...) {
             failure = std::current_exception();
         }
@@ -55,6 +59,7 @@ void Feed::Run() {
         failure_ = failure;
         [[maybe_unused]] ssize_t const ignored = write(wake_[1], "", 1);
     } while (!failure_ && !ended_.wait_for(lock, interval_, [this] { return hasEnded_; }));
+    isDone_ = true;
 }
 
 } // namespace harvlink::cli::watch

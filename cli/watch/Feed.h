@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -8,8 +9,7 @@
 #include <optional>
 #include <thread>
 
-#include "cli/watch/Reader.h"
-#include "cli/watch/Sample.h"
+#include "cli/watch/SampleSource.h"
 
 namespace harvlink::cli::watch {
 
@@ -17,7 +17,7 @@ namespace harvlink::cli::watch {
 /// destructor waits for the running exchange.
 class Feed {
 public:
-    Feed(Reader& reader, std::chrono::milliseconds interval);
+    Feed(SampleSource& source, std::chrono::milliseconds interval);
     Feed(Feed const&) = delete;
     Feed& operator=(Feed const&) = delete;
     ~Feed();
@@ -28,10 +28,16 @@ public:
     /// Becomes readable when there is something to take.
     int Descriptor() const { return wake_[0]; }
 
+    /// Lets the thread end after the running exchange, without waiting for it.
+    void Stop();
+
+    /// Whether it has ended, so that the destructor does not wait.
+    bool HasEnded() const { return isDone_; }
+
 private:
     void Run();
 
-    Reader& reader_;
+    SampleSource& source_;
     std::chrono::milliseconds interval_;
     std::array<int, 2> wake_{-1, -1};
     std::mutex mutex_;
@@ -39,6 +45,7 @@ private:
     bool hasEnded_ = false;
     std::optional<Sample> newest_;
     std::exception_ptr failure_;
+    std::atomic<bool> isDone_ = false;
     std::thread thread_;
 };
 

@@ -17,21 +17,20 @@ namespace harvlink::cli::watch {
 
 namespace {
 
-constexpr char const* Keys = "q quits   watch only reads and writes nothing to the controller";
+constexpr char const* OnlyReads = "watch only reads and writes nothing to the controller";
 
 void Append(std::vector<Line>& lines, std::vector<Line> const& more) {
     lines.insert(lines.end(), more.begin(), more.end());
 }
 
-std::string ClockText(Sample::Time time) {
-    return fmt::format("{:%H:%M:%S}", fmt::localtime(std::chrono::system_clock::to_time_t(time)));
-}
-
 Line TitleLine(Sample const& sample, std::size_t columns) {
     Line line{
         {fmt::format("{}  {}  {}", sample.host, Printable(sample.model), Printable(sample.software)), Style::Title}};
-    std::string const clock =
-        fmt::format("{}  {:.1f} ms", sample.lost ? "no answer" : ClockText(sample.time), sample.duration.count());
+    std::string const clock = fmt::format("{}  {:.1f} ms",
+                                          sample.lost          ? "no answer"
+                                          : sample.number == 0 ? "connecting"
+                                                               : ClockText(sample.time),
+                                          sample.duration.count());
     std::size_t const used = WidthOf(line) + clock.size();
     line.push_back({std::string(used < columns ? columns - used : 2, ' ')});
     line.push_back({clock, Style::Faint});
@@ -162,21 +161,21 @@ std::vector<Line> Body(Sample const& sample, std::size_t columns) {
 
 } // namespace
 
-std::vector<Line> LayOut(Sample const& sample, Size size, std::size_t& scrolled) {
+std::vector<Line> LayOut(Sample const& sample, Size size, std::size_t& scrolled, std::string_view keys) {
     if (size.rows == 0 || size.columns == 0) {
         return {};
     }
     std::vector<Line> lines = Body(sample, size.columns);
     std::size_t const all = lines.size();
     std::size_t const room = size.rows - 1;
-    Line footer{{Keys, Style::Faint}};
+    Line footer{{fmt::format("{}   {}", keys, OnlyReads), Style::Faint}};
     scrolled = std::min(scrolled, all > room ? all - room : 0);
     if (all > room && room > 1) {
         auto const second = lines.begin() + 1;
         lines.erase(second, second + static_cast<std::ptrdiff_t>(scrolled));
         std::size_t const below = all - room - scrolled;
         footer = {
-            {fmt::format("q quits   {}lines {} to {} of {}, arrows scroll",
+            {fmt::format("{}   {}lines {} to {} of {}, arrows scroll", keys,
                          below > 0 ? fmt::format("{} more lines   ", below) : "", scrolled + 2, scrolled + room, all),
              Style::Warning}};
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
@@ -20,6 +21,10 @@ Span FailureSpan(StatusInfo const& status) {
     std::ostringstream text;
     text << status;
     return {Printable(text.str()), Style::Bad};
+}
+
+std::string ClockText(Sample::Time time) {
+    return fmt::format("{:%H:%M:%S}", fmt::localtime(std::chrono::system_clock::to_time_t(time)));
 }
 
 std::size_t WidthOf(Line const& line) {

@@ -14,6 +14,9 @@ inline constexpr std::size_t LabelWidth = 9;
 /// "Code (40961): ...", for the place of the value.
 Span FailureSpan(StatusInfo const& status);
 
+/// "11:42:03", local time.
+std::string ClockText(Sample::Time time);
+
 std::size_t WidthOf(Line const& line);
 
 /// The line, cut off after so many columns.

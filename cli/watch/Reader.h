@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/output/Words.h"
-#include "cli/watch/Sample.h"
+#include "cli/watch/SampleSource.h"
 #include "harvlink/QuorvanController.h"
 #include "words/values/SignalText.h"
 #include "words/values/VariableText.h"
@@ -21,7 +21,7 @@ struct Selection {
 
 /// Reads from a controller again and again, and writes nothing to it. A controller that stops answering is asked again on
 /// the same connection, which UDP never closes: opening another would clear the motion targets of newer controllers.
-class Reader {
+class Reader : public SampleSource {
 public:
     Reader(QuorvanController& robot, std::string host, Selection selection);
 
@@ -29,11 +29,8 @@ public:
     /// fails or a signal does not exist.
     StatusInfo Prepare();
 
-    /// Reads everything once more. If the controller does not answer, the sample keeps the last values and says so.
-    /// Another thread may call Stop, which ends the reading after the running exchange.
-    Sample const& Read();
-
-    void Stop() { isStopped_ = true; }
+    Sample const& Read() override;
+    void Stop() override { isStopped_ = true; }
 
 private:
     bool ReadAll(Sample& sample);

@@ -9,13 +9,30 @@
 
 namespace harvlink::cli::watch {
 
-namespace {
-
 std::string TimeText(Sample::Time time) {
     auto const milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()) % 1000;
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", fmt::gmtime(std::chrono::system_clock::to_time_t(time)),
                        milliseconds.count());
 }
+
+Json JobJson(JobData const& job) {
+    return {{"name", ControllerText(job.name)},
+            {"line", job.line},
+            {"step", job.stepNumber},
+            {"speed_override_percent", job.speedOverride}};
+}
+
+Json AlarmsJson(ActiveAlarms const& alarms) {
+    Json rows = Json::array();
+    for (AlarmData const& alarm : alarms.alarms) {
+        if (alarm.code != 0) {
+            rows.push_back(AlarmJson(alarm));
+        }
+    }
+    return rows;
+}
+
+namespace {
 
 /// Makes JSON of readings and collects the failures among them.
 class Writer {
@@ -38,23 +55,6 @@ public:
 private:
     Json problems_ = Json::array();
 };
-
-Json JobJson(JobData const& job) {
-    return {{"name", ControllerText(job.name)},
-            {"line", job.line},
-            {"step", job.stepNumber},
-            {"speed_override_percent", job.speedOverride}};
-}
-
-Json AlarmsJson(ActiveAlarms const& alarms) {
-    Json rows = Json::array();
-    for (AlarmData const& alarm : alarms.alarms) {
-        if (alarm.code != 0) {
-            rows.push_back(AlarmJson(alarm));
-        }
-    }
-    return rows;
-}
 
 template <typename Number>
 std::vector<Number> AxesOf(GroupSample const& group, GroupSample::Axes const& values) {

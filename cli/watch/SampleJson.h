@@ -9,4 +9,9 @@ namespace harvlink::cli::watch {
 /// sample.
 Json SampleJson(Sample const& sample);
 
+// Parts of it.
+Json JobJson(JobData const& job);
+Json AlarmsJson(ActiveAlarms const& alarms);
+std::string TimeText(Sample::Time time);
+
 } // namespace harvlink::cli::watch

@@ -19,6 +19,7 @@ namespace harvlink::cli::watch {
 namespace {
 
 constexpr int Escape = 27;
+constexpr int Delete = 127; ///< what the backspace key of many terminals sends
 
 struct Attributes {
     Style style;
@@ -26,12 +27,13 @@ struct Attributes {
     short colour; ///< -1: the terminal's own
 };
 
-constexpr std::array<Attributes, 6> StyleAttributes{{{Style::Normal, A_NORMAL, -1},
+constexpr std::array<Attributes, 7> StyleAttributes{{{Style::Normal, A_NORMAL, -1},
                                                      {Style::Title, A_BOLD, -1},
                                                      {Style::Faint, A_DIM, -1},
                                                      {Style::Good, A_NORMAL, COLOR_GREEN},
                                                      {Style::Warning, A_NORMAL, COLOR_YELLOW},
-                                                     {Style::Bad, A_BOLD, COLOR_RED}}};
+                                                     {Style::Bad, A_BOLD, COLOR_RED},
+                                                     {Style::Chosen, A_REVERSE, -1}}};
 
 void PrepareColours() {
     start_color();
@@ -116,8 +118,18 @@ Screen::Key Screen::ReadKey() {
         switch (wgetch(stdscr)) {
         case 'q':
         case 'Q':
-        case Escape:
             return Key::Quit;
+        case Escape:
+            return Key::Escape;
+        case '\n':
+        case '\r':
+        case KEY_ENTER:
+            return Key::Enter;
+        case '\b':
+        case Delete:
+        case KEY_BACKSPACE:
+        case KEY_LEFT:
+            return Key::Back;
         case KEY_RESIZE:
             return Key::Resize;
         case KEY_UP:

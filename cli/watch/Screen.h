@@ -21,7 +21,7 @@ public:
     /// Replaces what is shown; only the differences are sent to the terminal.
     void Draw(std::vector<Line> const& lines);
 
-    enum class Key { None, Quit, Resize, Up, Down, PageUp, PageDown, Home, End };
+    enum class Key { None, Quit, Escape, Enter, Back, Resize, Up, Down, PageUp, PageDown, Home, End };
 
     /// The next key that was pressed. Does not wait for one.
     Key ReadKey();

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <limits>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -17,6 +16,7 @@
 #include "cli/program/Help.h"
 #include "cli/program/Interrupt.h"
 #include "cli/program/Session.h"
+#include "cli/watch/BoardCommand.h"
 #include "cli/watch/Feed.h"
 #include "cli/watch/Layout.h"
 #include "cli/watch/Reader.h"
@@ -37,7 +37,9 @@ constexpr char const* WatchNotes =
     "Key q or Ctrl-C quits; arrows, page keys, Home and End scroll what does not fit. No key changes\n"
     "anything on the controller, and watch sends nothing but reads.\n"
     "If the controller stops answering, the screen says so, and watch asks until it answers\n"
-    "again. With --json each reading prints one line.";
+    "again. With --json each reading prints one line.\n"
+    "With --all, or several --cell, it shows a table of all controllers, the worst first: arrows choose\n"
+    "one, Enter opens it, Backspace goes back.";
 
 struct WatchArguments {
     std::vector<std::string> groups{"R1"};
@@ -97,26 +99,6 @@ bool WaitForNews(Interrupt const& interrupt, Feed const& feed) {
     return sources[0].revents == 0 && !isTerminalGone;
 }
 
-/// How far the screen is scrolled after a key.
-std::size_t Scroll(std::size_t scrolled, Screen::Key key, std::size_t page) {
-    switch (key) {
-    case Screen::Key::Up:
-        return scrolled - std::min<std::size_t>(scrolled, 1);
-    case Screen::Key::Down:
-        return scrolled + 1;
-    case Screen::Key::PageUp:
-        return scrolled - std::min(scrolled, page);
-    case Screen::Key::PageDown:
-        return scrolled + page;
-    case Screen::Key::Home:
-        return 0;
-    case Screen::Key::End:
-        return std::numeric_limits<std::size_t>::max(); // the layout makes it the end
-    default:
-        return scrolled;
-    }
-}
-
 StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
     Interrupt const interrupt;
     Feed feed(reader, interval);
@@ -126,7 +108,7 @@ StatusInfo ShowOnScreen(Reader& reader, Output& output, milliseconds interval) {
     std::size_t scrolled = 0;
     while (WaitForNews(interrupt, feed)) {
         Screen::Key const key = screen.ReadKey();
-        if (key == Screen::Key::Quit) {
+        if (key == Screen::Key::Quit || key == Screen::Key::Escape) {
             break;
         }
         std::optional<Sample> const newest = feed.Take();
@@ -166,11 +148,20 @@ void AddWatchCommand(CLI::App& app, Session& session) {
         ->type_name("MS")
         ->capture_default_str();
     verb->add_flag("--once", arguments->once, "Print everything once as text and end; needs no terminal");
-    SetExamples(*verb, {"watch", "watch --group R1 S1 --var B0..B9 D0 --io 10010 general-input:1", "watch --once"},
-                watch::WatchNotes);
+    SetExamples(
+        *verb,
+        {"watch", "watch --group R1 S1 --var B0..B9 D0 --io 10010 general-input:1", "watch --once", "watch --all"},
+        watch::WatchNotes);
     verb->callback([arguments, &session] {
         watch::Selection const selection = watch::ParseSelection(*arguments);
         watch::CheckTerminal(*arguments, session.output());
+        if (session.NamesSeveralCells()) {
+            session.LocallyForAllCells([arguments, selection, &session](Output& output) {
+                std::chrono::milliseconds const interval(arguments->interval);
+                return watch::ShowBoard(session, output, {selection, interval, arguments->once});
+            });
+            return;
+        }
         session.OnConnection(Access::Observe,
                              [arguments, selection, &session](QuorvanController& robot, Output& output) {
                                  watch::Reader reader(robot, session.settings().host, selection);

@@ -16,6 +16,7 @@
 
 #include "ToolTest.h"
 #include "cli/output/Output.h"
+#include "cli/watch/BoardText.h"
 #include "cli/watch/Layout.h"
 #include "support/ScratchFolder.h"
 #include "words/text/Printable.h"
@@ -272,6 +273,114 @@ TEST_F(WatchTest, LeavesTheTerminalCleanOnEveryWayOut) {
         EXPECT_EQ(refused->Output().find("\x1b[?"), std::string::npos) << refused->Output();
         EXPECT_TRUE(refused->HasFormerModes());
     }
+}
+
+CellRow RowOf(std::string cell, FleetState link) {
+    CellRow row;
+    row.cell = std::move(cell);
+    row.link = link;
+    row.encoding = "utf-8";
+    row.state.emplace();
+    row.alarms.emplace();
+    return row;
+}
+
+TEST(BoardLayout, RanksTheWorstFirstAndFitsEveryWindow) {
+    using enum CellRow::Rank;
+    std::vector<std::pair<CellRow, CellRow::Rank>> cases{
+        {RowOf("fine", FleetState::Online), Fine},      {RowOf("late", FleetState::Late), Late},
+        {RowOf("new", FleetState::Connecting), Late},   {RowOf("silent", FleetState::Silent), NoAnswer},
+        {RowOf("gone", FleetState::Refused), NoAnswer}, {RowOf("hold", FleetState::Online), Hold},
+        {RowOf("alarm", FleetState::Online), Alarm},    {RowOf("error\x1b[2J", FleetState::Late), Alarm}};
+    cases[5].first.state->isProgramPendantHold = true;
+    cases[6].first.alarms->alarms[1] = {4107, 3, "", "SHOCK"};
+    cases[7].first.state->isErroring = true;
+    std::vector<CellRow> rows;
+    for (auto const& [row, rank] : cases) {
+        EXPECT_EQ(row.HowBad(), rank) << row.cell;
+        rows.push_back(row);
+    }
+    EXPECT_NE(PlainText(rows, 80).find("4107-3 SHOCK"), std::string::npos);
+    for (std::size_t height = 0; height < 14; ++height) {
+        for (std::size_t width = 0; width < 120; width += 13) {
+            for (std::size_t chosen = 0; chosen < rows.size(); ++chosen) {
+                std::vector<Line> const lines = LayOut(rows, {height, width}, chosen);
+                ASSERT_EQ(lines.size(), width == 0 ? 0 : height);
+                bool isShown = false;
+                for (Line const& line : lines) {
+                    std::size_t used = 0;
+                    for (Span const& span : line) {
+                        used += span.text.size();
+                        isShown = isShown || (span.style == Style::Chosen && !span.text.empty());
+                        EXPECT_EQ(span.text.find('\x1b'), std::string::npos);
+                    }
+                    EXPECT_LE(used, width);
+                }
+                EXPECT_TRUE(isShown || height < 4 || width == 0) << height << " x " << width;
+            }
+        }
+    }
+}
+
+/// The controller of WatchTest, another one, and an address at which nobody answers.
+class BoardTest : public WatchTest {
+protected:
+    BoardTest() {
+        other_ = &others_.Add(test::NextLoopbackAddress());
+        EXPECT_TRUE(others_.Start()) << others_.Error();
+        test::WriteFile("config.toml", fmt::format("timeout = 200\nretries = 0\n[cell.press1]\nhost = \"{}\"\n"
+                                                   "[cell.press2]\nhost = \"{}\"\n[cell.void]\nhost = \"{}\"\n",
+                                                   host_, other_->Address(), test::NextLoopbackAddress()));
+    }
+
+    test::ScratchFolder folder_;
+    simulator::Server others_;
+    simulator::VirtualController* other_ = nullptr;
+};
+
+TEST_F(BoardTest, ShowsAllCellsOnce) {
+    other_->With([](ControllerModel& model) { model.RaiseAlarm(4107, 3, "SHOCK"); });
+    Result const text = RunTool("--config config.toml --all watch --once");
+    EXPECT_EQ(text.exit, 1);
+    EXPECT_TRUE(text.out.starts_with("3 controllers   1 without an answer   1 with an alarm   1 fine\n")) << text.out;
+    std::size_t const gone = text.out.find("  void ");
+    std::size_t const alarm = text.out.find("4107-3 SHOCK");
+    EXPECT_LT(gone, alarm);
+    EXPECT_LT(alarm, text.out.find("  press1 ")) << text.out;
+    Result const json = RunTool("--config config.toml --cell press1 --cell press2 watch --once --json");
+    EXPECT_EQ(json.exit, 0);
+    Json const cells = Json::parse(json.out)["cells"];
+    EXPECT_EQ(cells["press2"]["alarms"][0]["code"], 4107);
+    EXPECT_EQ(cells["press1"]["link"], "online");
+    EXPECT_EQ(cells["press1"]["state"]["mode"], "remote");
+    Json const wrong = Json::parse(RunTool("--config config.toml --all watch --once --json --generation FS").out);
+    EXPECT_EQ(wrong["cells"]["press1"]["problem"]["message"], "not of generation FS");
+}
+
+TEST_F(BoardTest, OpensOneAndGoesBack) {
+    OnTerminal terminal("--config config.toml --all watch --interval 20 --var B5", "xterm");
+    ASSERT_TRUE(terminal.Shows("327682")) << terminal.Output(); // nobody listens
+    other_->With([](ControllerModel& model) { model.RaiseAlarm(4107, 3, "SHOCK"); });
+    ASSERT_TRUE(terminal.Shows("SHOCK"));
+    other_->With([](ControllerModel& model) { model.variables.bytes[5] = 231; });
+    // Only differences are drawn, so each step looks for a text on a screen of another size, which is drawn anew.
+    struct Step {
+        std::string keys;
+        unsigned short columns;
+        char const* shows;
+    };
+    for (Step const& step : {Step{"jk\n", 90, "Backspace goes back"}, Step{"\x7f", 91, "Enter opens"},
+                             Step{"j\n", 92, "231"}, Step{"\x1b", 93, "Enter opens"}}) {
+        for (char const key : step.keys) {
+            terminal.Type(key);
+        }
+        terminal.Resize(30, step.columns);
+        ASSERT_TRUE(terminal.Shows(step.shows)) << step.shows << terminal.Output();
+    }
+    terminal.Type('q');
+    EXPECT_EQ(terminal.End(), 0);
+    EXPECT_TRUE(terminal.IsClean());
+    EXPECT_TRUE(terminal.HasFormerModes());
 }
 
 } // namespace
