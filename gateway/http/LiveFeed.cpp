@@ -19,25 +19,31 @@ LiveText TextOf(Json const& json) {
 
 } // namespace
 
-void LiveFeed::TakeChange(LatestController& changed, bool isWhole) {
+bool LiveFeed::TakeChange(LatestController& changed, bool isWhole) {
     Known& known = known_[changed.controller->name];
     if (isWhole || known.latest.controller != changed.controller) {
         known.latest = std::move(changed);
-        return;
+        return true;
     }
+    bool hasNews = known.latest.linkVersion != changed.linkVersion;
     for (std::size_t i = 0; i < changed.samples.size(); ++i) {
         if (changed.samples[i] != nullptr) {
             known.latest.samples[i] = std::move(changed.samples[i]);
+            hasNews = true;
         }
     }
     changed.samples = std::move(known.latest.samples);
     known.latest = std::move(changed);
+    return hasNews;
 }
 
 /// Adds the keys of the summary that have changed, if any has.
-void LiveFeed::AddChanged(Json& changed, Known& known, std::int64_t now) const {
-    Json summary = SummaryJson(known.latest, roundTrips_);
+void LiveFeed::AddChanged(Json& changed, Known& known, bool hasNews, std::int64_t now) const {
     bool const saysAnswer = now - known.answerSaid >= AnswerPace || now < known.answerSaid;
+    if (!hasNews && !saysAnswer) {
+        return;
+    }
+    Json summary = SummaryJson(known.latest, roundTrips_);
     Json difference = Json::object();
     for (auto const& [key, value] : summary.items()) {
         bool const isAnswer = key == "answered" || key == "roundTrip";
@@ -79,8 +85,8 @@ LiveText LiveFeed::Look() {
     }
     for (LatestController& each : changes.controllers) {
         std::string const name = each.controller->name;
-        TakeChange(each, changes.isWhole);
-        AddChanged(changed, known_[name], now);
+        bool const hasNews = TakeChange(each, changes.isWhole);
+        AddChanged(changed, known_[name], hasNews, now);
     }
     Json events = Json::array();
     for (NumberedEvent const& event : changes.events) {

@@ -45,8 +45,9 @@ private:
         LiveText text;
     };
 
-    void TakeChange(LatestController& changed, bool isWhole);
-    void AddChanged(words::Json& changed, Known& known, std::int64_t now) const;
+    /// True if more has changed than the time of the last answer.
+    bool TakeChange(LatestController& changed, bool isWhole);
+    void AddChanged(words::Json& changed, Known& known, bool hasNews, std::int64_t now) const;
 
     Api const& api_;
     std::uint64_t version_ = 0;

@@ -18,8 +18,8 @@ struct Controller {
     std::string address;
     /// Each value of a reading is an item with field, unit and type. Rows are spread out, no reading is there twice.
     std::vector<recording::RecordedReading> readings;
-    std::vector<std::chrono::milliseconds> periods; ///< of the readings; 0 for less than a millisecond
-    std::string polls; ///< names of its groups, separated by blanks
+    std::vector<std::chrono::milliseconds> periods{}; ///< of the readings; 0 for less than a millisecond
+    std::string polls{}; ///< names of its groups, separated by blanks
     std::string encoding = "utf-8"; ///< of the controller; all texts of samples and events are UTF-8
     bool isVirtual = false; ///< of --simulate
 };

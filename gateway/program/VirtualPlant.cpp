@@ -23,8 +23,8 @@ void SetToWork(simulator::VirtualController& controller, unsigned number) {
         parts.model.SetServo(true);
         parts.model.SetCycle(CycleMode::Automatic);
         parts.model.registers[0] = static_cast<std::uint16_t>(number);
-        constexpr unsigned Lines = 8;
-        if (parts.jobs.Select("DEMO", number % Lines) == simulator::Refusal::None) {
+        constexpr unsigned EachFourth = 4; // has a job that calls another one: more would hide all other events
+        if (parts.jobs.Select(number % EachFourth == 0 ? "DEMO" : "PICK", 0) == simulator::Refusal::None) {
             parts.jobs.Start();
         }
     });

@@ -36,8 +36,14 @@ void LatestTable::Take(Batch const& batch) {
         if (entry == nullptr) {
             continue;
         }
-        entry->samples[sample->reading] = sample;
-        entry->versions[sample->reading] = version_;
+        SamplePtr& known = entry->samples[sample->reading];
+        bool const isSame = known != nullptr && known->moment.quality == sample->moment.quality &&
+                            known->moment.code == sample->moment.code && known->values == sample->values;
+        if (!isSame) {
+            entry->versions[sample->reading] = version_;
+        }
+        known = sample;
+        entry->answerVersion = version_;
         if (sample->moment.quality != recording::RecordedQuality::NeverRead) {
             entry->lastAnswer = std::max(entry->lastAnswer, sample->moment.answer);
         }
@@ -81,8 +87,8 @@ LatestTable::Changes LatestTable::ChangesSince(std::uint64_t version) const {
     changes.isWhole = version < listVersion_;
     for (auto const& [id, entry] : controllers_) {
         auto const isNew = [&](std::uint64_t of) { return of > version; };
-        bool const hasChanged =
-            isNew(entry.linkVersion) || std::any_of(entry.versions.begin(), entry.versions.end(), isNew);
+        bool const hasChanged = isNew(entry.linkVersion) || isNew(entry.answerVersion) ||
+                                std::any_of(entry.versions.begin(), entry.versions.end(), isNew);
         if (!hasChanged && !changes.isWhole) {
             continue;
         }

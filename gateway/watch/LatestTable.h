@@ -18,8 +18,9 @@ struct LatestController {
     recording::Microseconds lastAnswer = 0; ///< UTC; 0: it has never answered
     recording::Microseconds alarmSince = 0; ///< UTC; when the last alarm was raised, 0 if none was
     std::uint64_t linkVersion = 0;
+    std::uint64_t answerVersion = 0; ///< when it last answered, with new values or not
     std::vector<SamplePtr> samples; ///< by reading; null for what was never read
-    std::vector<std::uint64_t> versions; ///< of the samples
+    std::vector<std::uint64_t> versions; ///< of the samples: when value or quality was last another than before
 };
 
 /// An event and its number, which counts from 1 as long as the gateway runs.
@@ -45,7 +46,7 @@ public:
     struct Changes {
         std::uint64_t version = 0; ///< of the table now
         bool isWhole = false; ///< controllers were added or removed: `controllers` has all of them with all samples
-        std::vector<LatestController> controllers; ///< those with changes; samples that did not change are null
+        std::vector<LatestController> controllers; ///< those with changes; samples with the value of before are null
         std::vector<NumberedEvent> events;
     };
     Changes ChangesSince(std::uint64_t version) const;
