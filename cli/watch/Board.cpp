@@ -64,7 +64,7 @@ CellRow::Rank CellRow::HowBad() const {
 }
 
 bool CellRow::IsSettled() const {
-    return HowBad() == Rank::NoAnswer || (link == FleetState::Online && state && job && alarms);
+    return HowBad() == Rank::NoAnswer || isRead;
 }
 
 Board::Board(std::vector<FleetCell> const& cells, milliseconds interval) : cells_(cells), interval_(interval) {
@@ -126,7 +126,9 @@ CellRow Board::RowOf(FleetCell const& cell, FleetControllerStatistics const& see
         row.problem = refused_.at(cell.name);
         return row;
     }
+    row.isRead = row.link == FleetState::Online;
     for (FleetSample const& sample : fleet_.Latest(cell.name)) {
+        row.isRead = row.isRead && sample.quality != FleetQuality::NeverRead;
         Keep(sample, row.state);
         Keep(sample, row.job);
         Keep(sample, row.alarms);

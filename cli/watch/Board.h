@@ -29,6 +29,7 @@ struct CellRow {
     std::optional<ControllerStateData> state;
     std::optional<JobData> job;
     std::optional<ActiveAlarms> alarms;
+    bool isRead = false; ///< all of these were read, or refused
 
     /// The worst comes first: no answer, an alarm or error, an answer that is late, a hold, all others.
     enum class Rank : std::uint8_t { NoAnswer, Alarm, Late, Hold, Fine };
