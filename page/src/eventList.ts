@@ -11,7 +11,7 @@ export function eventList(events: PlantEvent[], hasHistory: boolean, isOfMany: b
     if (events.length === 0) {
         return element("p", { class: "note" }, texts.noEvents);
     }
-    const list = element("ol", { class: "events", role: "list" });
+    const list = element("ol", { class: "events", role: "list", tabindex: 0, "aria-label": texts.events });
     for (const event of events) {
         list.append(eventLine(event, hasHistory, isOfMany));
     }

@@ -252,5 +252,5 @@ function incidentTable(incidents: Incident[]): HTMLElement {
             element("a", { href: api.incidentLink(incident.file, "csv"), download: `${incident.file}.csv` }, texts.record.downloadTable),
         ),
     );
-    return element("ol", { class: "events", role: "list" }, ...rows);
+    return element("ol", { class: "events", role: "list", tabindex: 0, "aria-label": texts.record.incidents }, ...rows);
 }

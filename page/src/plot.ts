@@ -22,6 +22,9 @@ export interface PlotHooks {
 const colours = ["#2f7ed8", "#d9731a", "#3a9d4a", "#b0459b", "#8a6d1f", "#1595a3", "#c23b3b", "#6c6fd0"];
 const dashes = [[], [8, 4], [2, 3], [10, 3, 2, 3], [5, 5], [1, 2], [12, 4], [4, 2, 1, 2]];
 
+// Marks in a plot. What happens all the time, a job that calls another, stands in the list only.
+const marked = new Set(["alarm-raised", "servo-off", "servo-on", "silent", "online", "mode", "model-changed", "gap"]);
+
 const date = "{YYYY}-{MM}-{DD}";
 const noLabel = null;
 /** Labels by the distance of the ticks in seconds: the usual one, then those where a year, month, day, hour, minute begins. */
@@ -133,7 +136,8 @@ export class Plot {
         const { ctx, bbox } = chart;
         ctx.save();
         ctx.font = `${11 * devicePixelRatio}px sans-serif`;
-        for (const event of this.events) {
+        let free = -Infinity; // where the next label has room
+        for (const event of [...this.events].filter((each) => marked.has(each.kind)).reverse()) {
             const x = chart.valToPos(event.time / 1000, "x", true);
             if (x < bbox.left || x > bbox.left + bbox.width) {
                 continue;
@@ -144,9 +148,13 @@ export class Plot {
             ctx.moveTo(x, bbox.top);
             ctx.lineTo(x, bbox.top + bbox.height);
             ctx.stroke();
-            const label = texts.event[event.kind] ?? event.kind;
-            ctx.textAlign = "left";
-            ctx.fillText(event.code ? `${label} ${event.code}` : label, x + 4, bbox.top + 12 * devicePixelRatio);
+            const name = texts.event[event.kind] ?? event.kind;
+            const label = event.code ? `${name} ${event.code}` : name;
+            if (x >= free) {
+                ctx.textAlign = "left";
+                ctx.fillText(label, x + 4, bbox.top + 12 * devicePixelRatio);
+                free = x + ctx.measureText(label).width + 8;
+            }
         }
         ctx.restore();
     }

@@ -2,7 +2,6 @@
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
 import { createRequire } from "node:module";
-import { join } from "node:path";
 import { test } from "node:test";
 import { knob, launch, openPage, plotted, scratchFolder, startGateway, tile, until } from "./support.mjs";
 
@@ -17,7 +16,7 @@ async function seriousFindings(page) {
 }
 
 test("overview", async (t) => {
-    const gateway = await startGateway(t, "127.77.1.1:9750", "--simulate", "200");
+    const gateway = await startGateway(t, "127.77.1.1:9750", ["--simulate", "200"]);
     const browser = await launch(t);
     const page = await openPage(browser, gateway);
     await until(async () => (await page.locator("a.tile").count()) === 200, "200 tiles");
@@ -83,7 +82,7 @@ test("overview", async (t) => {
 });
 
 test("controller", async (t) => {
-    const gateway = await startGateway(t, "127.77.2.1:9750", "--simulate", "4");
+    const gateway = await startGateway(t, "127.77.2.1:9750", ["--simulate", "4"]);
     const browser = await launch(t);
     const [{ name }] = await gateway.api("controllers");
     const page = await openPage(browser, gateway, `#/controller/${encodeURIComponent(name)}`);
@@ -177,12 +176,8 @@ test("controller", async (t) => {
 
 test("history", async (t) => {
     const folder = await scratchFolder(t);
-    const config = join(folder, "plant.toml");
-    await (await import("node:fs/promises")).writeFile(
-        config,
-        `[gateway]\nname = "hall"\n[recording]\nfolder = "${folder}/recording"\n[recording.incidents]\nfolder = "${folder}/incidents"\non = ["alarm"]\nbefore = "5s"\nafter = "1s"\n`,
-    );
-    const gateway = await startGateway(t, "127.77.3.1:9750", "--config", config, "--simulate", "2");
+    const sections = `[recording]\nfile = "${folder}/hall.harvlink"\n[recording.incidents]\nfolder = "${folder}/incidents"\non = ["alarm"]\nbefore = "5s"\nafter = "1s"\n`;
+    const gateway = await startGateway(t, "127.77.3.1:9750", ["--simulate", "2"], sections);
     const browser = await launch(t);
     const [{ name }] = await gateway.api("controllers");
     await new Promise((resolve) => setTimeout(resolve, 2000)); // something to look back on
@@ -217,12 +212,12 @@ test("history", async (t) => {
 
 test("a gateway that is started again under an open page", async (t) => {
     const address = "127.77.4.1:9750";
-    const first = await startGateway(t, address, "--simulate", "3");
+    const first = await startGateway(t, address, ["--simulate", "3"]);
     const page = await openPage(await launch(t), first);
     await until(async () => (await page.locator("a.tile").count()) === 3, "three tiles");
     await first.stop();
     await page.locator(".banner").waitFor();
-    const second = await startGateway(t, address, "--simulate", "5");
+    const second = await startGateway(t, address, ["--simulate", "5"]);
     await until(async () => (await page.locator("a.tile").count()) === 5, "five tiles");
     await page.locator(".banner").waitFor({ state: "hidden" });
     assert.ok(!second.hasEnded());

@@ -1,6 +1,6 @@
 // Starts gateways and a browser, and looks into the page.
 import { spawn } from "node:child_process";
-import { mkdtemp, rm } from "node:fs/promises";
+import { mkdtemp, rm, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { chromium } from "playwright-core";
@@ -45,9 +45,11 @@ function start(t, program, args) {
 
 export const startSimulator = (t, ...args) => start(t, "simulator/harvlink-sim", args);
 
-/** A gateway at an address of its own; ready when this returns. */
-export async function startGateway(t, address, ...args) {
-    const gateway = start(t, "gateway/harvlink-gateway", [...args, "--listen", address]);
+/** A gateway at an address of its own, with these sections in its configuration besides; ready when this returns. */
+export async function startGateway(t, address, args, sections = "") {
+    const config = join(await scratchFolder(t), "plant.toml");
+    await writeFile(config, `[gateway]\nname = "hall"\nlisten = "${address}"\n${sections}`);
+    const gateway = start(t, "gateway/harvlink-gateway", ["--config", config, ...args]);
     const url = `http://${address}/`;
     await until(async () => {
         if (gateway.hasEnded()) {
