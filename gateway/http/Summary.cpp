@@ -70,26 +70,13 @@ void AddState(Json& json, Sample const* state) {
     json["hold"] = truth(3);
 }
 
-/// The names of events in the API.
-std::string_view EventKindOf(std::string const& recorded) {
-    static std::map<std::string_view, std::string_view> const Names{
-        {"alarm-raised", "alarm"}, {"alarm-cleared", "alarm-cleared"},
-        {"servo-on", "servo-on"},  {"servo-off", "servo-off"},
-        {"mode", "mode"},          {"job", "job"},
-        {"silent", "silent"},      {"refused", "silent"},
-        {"online", "back"}};
-    auto const found = Names.find(recorded);
-    return found == Names.end() ? "changed" : found->second;
-}
-
 std::string EventText(recording::RecordedEvent const& event) {
     bool const isMode =
         event.kind == "mode" && event.after >= 0 && event.after < static_cast<std::int64_t>(Modes.size());
     if (isMode) {
         return std::string(Modes.at(static_cast<std::size_t>(event.after)));
     }
-    bool const saysMore = EventKindOf(event.kind) == "changed" || event.kind == "refused";
-    return event.text.empty() && saysMore ? event.kind : event.text;
+    return event.text;
 }
 
 } // namespace
@@ -124,7 +111,7 @@ Json EventJson(std::uint64_t id, std::string const& controller, recording::Recor
     return {{"id", id},
             {"time", Milliseconds(event.time)},
             {"controller", controller},
-            {"kind", EventKindOf(event.kind)},
+            {"kind", event.kind},
             {"code", isAlarm ? (event.after != 0 ? event.after : event.before) : event.code},
             {"subcode", 0},
             {"text", EventText(event)}};
