@@ -1,0 +1,222 @@
+#!/usr/bin/env python3
+"""Runs the gateway as a plant does: with virtual controllers, signals, files that are wrong, and a real Prometheus server."""
+
+import contextlib
+import json
+import os
+import pathlib
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import urllib.error
+import urllib.parse
+import urllib.request
+
+PROGRAM = sys.argv[1]
+SOURCE = pathlib.Path(sys.argv[2])
+PATIENCE = 30  # seconds
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+def wait_for(condition, what):
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        found = condition()
+        if found:
+            return found
+        time.sleep(0.1)
+    raise AssertionError(f"waited in vain for {what}")
+
+
+def get(port, path, expected=200, body=None, **headers):
+    request = urllib.request.Request(f"http://127.0.0.1:{port}{path}", data=body, headers=headers)
+    try:
+        with urllib.request.urlopen(request, timeout=PATIENCE) as answer:
+            status, text = answer.status, answer.read().decode()
+    except urllib.error.HTTPError as error:
+        status, text = error.code, error.read().decode()
+    assert status == expected, f"{path}: {status} {text}"
+    return text
+
+
+class Gateway:
+    """One that runs, with what it prints."""
+
+    def __init__(self, test, text, *options, environment=None):
+        folder = test.folder
+        self.port = free_port()
+        self.file = folder / "plant.toml"
+        self.write(text)
+        self.errors = open(folder / "errors", "w+", encoding="utf-8")
+        self.process = subprocess.Popen([PROGRAM, "--config", self.file, *options], stdout=subprocess.PIPE, text=True,
+                                        stderr=self.errors, env={**os.environ, **(environment or {})})
+        test.addCleanup(self.end)
+        line = self.process.stdout.readline()
+        assert "ready" in line, (folder / "errors").read_text()
+
+    def write(self, text):
+        self.file.write_text(f'[gateway]\nname = "hall"\nlisten = "127.0.0.1:{self.port}"\n{text}', encoding="utf-8")
+
+    def log(self):
+        return pathlib.Path(self.errors.name).read_text(encoding="utf-8")
+
+    def stop(self):
+        self.process.send_signal(signal.SIGTERM)
+        return self.process.wait(PATIENCE)
+
+    def end(self):
+        self.process.kill()
+        self.process.wait(PATIENCE)
+        self.process.stdout.close()
+        self.errors.close()
+
+
+class ProgramTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+
+    def test_example_is_right_and_a_wrong_file_is_told(self):
+        example = subprocess.run([PROGRAM, "--print-example"], capture_output=True, text=True, check=True).stdout
+        file = self.folder / "plant.toml"
+        file.write_text(example, encoding="utf-8")
+        checked = subprocess.run([PROGRAM, "--config", file, "--check"], capture_output=True, text=True, check=True)
+        self.assertIn("61 controllers, ", checked.stdout)
+        file.write_text("[gateway]\nnam = 1\n[x]\n", encoding="utf-8")
+        for arguments, status, text in (([], 2, "--simulate"), (["--config", str(file)], 1, f"{file}:2: [gateway] nam"),
+                                        (["--config", "/no/such"], 1, "can't read /no/such"),
+                                        (["--simulate", "0"], 2, "--simulate")):
+            run = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False)
+            self.assertEqual(run.returncode, status, arguments)
+            self.assertIn(text, run.stderr)
+
+    def test_signals_recording_and_notices(self):
+        notices = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self.addCleanup(notices.close)
+        notices.bind(str(self.folder / "notify"))
+        notices.settimeout(PATIENCE)
+        recording = f'[recording]\nfile = "{self.folder}/plant.harvlink"\n[recording.incidents]\nfolder = "{self.folder}"\n'
+        gateway = Gateway(self, recording, "--simulate", "3", environment={
+            "NOTIFY_SOCKET": str(self.folder / "notify"), "WATCHDOG_USEC": "400000"})
+        self.assertIn(b"READY=1", notices.recv(100))
+        self.assertEqual(notices.recv(100), b"WATCHDOG=1")
+
+        port = gateway.port
+        wait_for(lambda: json.loads(get(port, "/health/live"))["online"] == 3, "three controllers")
+        get(port, "/api/virtual/robot2", body=b'{"alarm":4107}')
+        wait_for(lambda: 'harvlink_alarm_active{controller="robot2",code="4107",subcode="0"} 1' in get(port, "/metrics"),
+                 "the alarm")
+        wait_for(lambda: any(event["controller"] == "robot2" and event["code"] == 4107 for event in
+                             json.loads(get(port, "/api/events?kind=alarm"))), "its event")
+        items = json.loads(get(port, "/api/controllers/robot2"))["items"]
+        item = next(item["id"] for item in items if item["name"] == "state alarm")
+        wait_for(lambda: json.loads(get(port, f"/api/history?controller=robot2&items={item}"))["series"][0]["last"][-1:]
+                 == [True], "the alarm in the recording")
+        get(port, "/api/latest", 421, Host="evil.example")
+        get(port, "/api/virtual/robot2", 403, body=b"{}", Origin="http://evil.example")
+
+        gateway.write("[prometheus]\nenabled = 1\n")
+        gateway.process.send_signal(signal.SIGHUP)
+        wait_for(lambda: "goes on with the one before" in gateway.log(), "the refusal of a bad file")
+        self.assertIn("[prometheus] enabled: must be true or false", gateway.log())
+        get(port, "/metrics")
+        gateway.write("[prometheus]\nenabled = false\n")
+        gateway.process.send_signal(signal.SIGHUP)
+        wait_for(lambda: "added=0 removed=0 changed=0" in gateway.log(), "the reload")
+        get(port, "/metrics", 404)
+        start = time.monotonic()
+        self.assertEqual(gateway.stop(), 0)
+        self.assertLess(time.monotonic() - start, 5.0)
+        with contextlib.suppress(TimeoutError):
+            seen = b""
+            while seen != b"STOPPING=1":
+                seen = notices.recv(100)
+        self.assertEqual(seen, b"STOPPING=1")
+
+    def test_hostile_clients_do_not_disturb_others(self):
+        gateway = Gateway(self, "", "--simulate", "1")
+        address = ("127.0.0.1", gateway.port)
+        slow = [socket.create_connection(address) for _ in range(100)]
+        for client in slow:
+            client.sendall(b"GET /metrics HTTP/1.1\r\nHost: ")
+        for bad in (b"GET / HTTP/1.1\r\nHost: localhost\r\nX: " + b"x" * 20000 + b"\r\n\r\n", b"\x16\x03\x01" + bytes(200),
+                    b"GET /%00%ff/../.. HTTP/1.1\r\nHost: localhost\r\n\r\n", b"\r\n" * 500,
+                    b"POST /api/virtual/robot1 HTTP/1.1\r\nHost: localhost\r\nContent-Length: 99999999\r\n\r\n{"):
+            with socket.create_connection(address) as client, contextlib.suppress(OSError):
+                client.sendall(bad)
+                client.settimeout(1.0)
+                client.recv(1000)
+        self.assertIn("harvlink_up", get(gateway.port, "/metrics"))
+        for client in slow:
+            client.close()
+        self.assertEqual(gateway.stop(), 0)
+
+    def test_the_commands_of_the_documents(self):
+        page = (SOURCE / "docs" / "gateway.md").read_text(encoding="utf-8")
+        blocks = re.findall(r"^```sh gateway\n(.*?)^```", page, re.MULTILINE | re.DOTALL)
+        self.assertEqual(len(blocks), 2)
+        for name in ("prometheus.yml", "harvlink.rules.yml"):
+            shutil.copy(SOURCE / "packaging" / "prometheus" / name, self.folder)
+        # The port of the page may be in use here, so the program gets another one.
+        port = free_port()
+        (self.folder / "port.toml").write_text(f'[gateway]\nlisten = "127.0.0.1:{port}"\n', encoding="utf-8")
+        for block in blocks:
+            script = block.replace("--simulate 12", "--simulate 12 --config port.toml").replace("9750", str(port))
+            script = f'set -em -o pipefail\nharvlink-gateway() {{ "{PROGRAM}" "$@"; }}\n{script}'
+            run = subprocess.run(["bash", "-c", script], cwd=self.folder, capture_output=True, text=True, check=False,
+                                 timeout=60)
+            self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        self.assertIn("61 controllers", run.stdout)
+
+    @unittest.skipUnless(shutil.which("prometheus") and shutil.which("promtool"), "needs prometheus")
+    def test_a_real_server_scrapes_a_hundred_controllers(self):
+        gateway = Gateway(self, "", "--simulate", "100")
+        wait_for(lambda: json.loads(get(gateway.port, "/health/live"))["online"] == 100, "all controllers")
+        text = get(gateway.port, "/metrics")
+        subprocess.run(["promtool", "check", "metrics"], input=text, text=True, check=True)
+        shipped = SOURCE / "packaging" / "prometheus"
+        subprocess.run(["promtool", "check", "rules", shipped / "harvlink.rules.yml"], check=True, capture_output=True)
+        subprocess.run(["promtool", "check", "config", shipped / "prometheus.yml"], check=True, capture_output=True)
+        config = (shipped / "prometheus.yml").read_text(encoding="utf-8")
+        config = config.replace("127.0.0.1:9750", f"127.0.0.1:{gateway.port}").replace("5s", "1s")
+        shutil.copy(shipped / "harvlink.rules.yml", self.folder)
+        (self.folder / "prometheus.yml").write_text(config, encoding="utf-8")
+        port = free_port()
+        server = subprocess.Popen(["prometheus", f"--config.file={self.folder}/prometheus.yml",
+                                   f"--storage.tsdb.path={self.folder}/data", f"--web.listen-address=127.0.0.1:{port}"],
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+        def ask(query):
+            try:
+                answer = json.loads(get(port, "/api/v1/query?query=" + urllib.parse.quote(query)))
+            except (OSError, AssertionError):
+                return None  # it is still starting
+            return [float(result["value"][1]) for result in answer["data"]["result"]]
+
+        try:
+            wait_for(lambda: ask("sum(harvlink_up)") == [100.0], "a hundred controllers in the server")
+            wait_for(lambda: ask("count(rate(harvlink_exchanges_total[10s]) > 0)") == [100.0], "their rates")
+            self.assertEqual(ask('count(harvlink_axis_position_pulses{axis="s"})'), [100.0])
+            get(gateway.port, "/api/virtual/robot7", body=b'{"fault":"silence=100%"}')
+            wait_for(lambda: ask('harvlink_up{controller="robot7"}') == [0.0], "a silent controller")
+            wait_for(lambda: ask('harvlink_servo_on{controller="robot7"}') == [], "its values vanish")
+            self.assertEqual(len(ask('harvlink_last_answer_timestamp_seconds{controller="robot7"}')), 1)
+        finally:
+            server.terminate()
+            server.wait(PATIENCE)
+        self.assertEqual(gateway.stop(), 0)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
