@@ -212,7 +212,7 @@ struct FleetControllerPlan {
     std::vector<FleetGroupPlan> groups;
 };
 
-/// The bill, before anything is sent.
+/// What all controllers together cost, computed before anything is sent.
 struct FleetPlan {
     double exchangesPerSecond = 0.0;
     std::uint32_t descriptors = 0; ///< sockets and what the engine needs, once all controllers are online

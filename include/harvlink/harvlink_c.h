@@ -515,7 +515,7 @@ enum {
 typedef int32_t HarvlinkFleetQuality;
 enum {
     HARVLINK_FLEET_GOOD = 0,
-    HARVLINK_FLEET_NOT_GIVEN = 1, /**< FleetQuality::Refused */
+    HARVLINK_FLEET_NOT_GIVEN = 1, /**< FleetQuality::Refused; in C that name is taken by the state of a link */
     HARVLINK_FLEET_STALE = 2,
     HARVLINK_FLEET_NEVER_READ = 3
 };

@@ -10,7 +10,7 @@
 #include "fleet/ControllerAgent.h"
 #include "fleet/DueHeap.h"
 #include "fleet/Services.h"
-#include "fleet/Signal.h"
+#include "fleet/WakeUp.h"
 
 namespace harvlink::fleet {
 
@@ -54,7 +54,7 @@ private:
     void CompareClocks();
 
     Poller poller;
-    Signal wake;
+    WakeUp wake;
     Counter systemCalls;
     Counter pauses;
     Services services;

@@ -34,9 +34,9 @@ void FleetSocket::Send(std::span<std::byte const> datagram) const {
 FleetSocket::Arrival FleetSocket::Receive(std::span<std::byte> buffer) const {
     ssize_t const length = ::recv(descriptor, buffer.data(), buffer.size(), MSG_TRUNC);
     if (length < 0) {
-        return {.isRefused = errno == ECONNREFUSED};
+        return {.length = 0, .hasArrived = false, .isRefused = errno == ECONNREFUSED};
     }
-    return {.length = static_cast<std::size_t>(length)};
+    return {.length = static_cast<std::size_t>(length), .hasArrived = true, .isRefused = false};
 }
 
 } // namespace harvlink::fleet

@@ -31,7 +31,8 @@ public:
 
     /// What was there to be read.
     struct Arrival {
-        std::size_t length = 0; ///< of the whole datagram, also if it was cut; 0 if there was none
+        std::size_t length = 0; ///< of the whole datagram, also if it was cut
+        bool hasArrived = false; ///< a datagram; an empty one too
         bool isRefused = false; ///< the host says that nobody listens on the port
     };
     Arrival Receive(std::span<std::byte> buffer) const;

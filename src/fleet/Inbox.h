@@ -4,20 +4,20 @@
 #include <atomic>
 #include <chrono>
 
-#include "fleet/Signal.h"
+#include "fleet/WakeUp.h"
 
 namespace harvlink::fleet {
 
 /// Lets threads wait until the engine has put something into a queue. The engine makes a system call only if somebody waits.
 class Inbox {
 public:
-    bool IsOpen() const { return signal.IsOpen(); }
+    bool IsOpen() const { return wakeUp.IsOpen(); }
 
     /// Called after something was put in. Both sides write first and then look at what the other one wrote, so one of them
     /// sees the other.
     void Announce() {
         if (waiting.load(std::memory_order_seq_cst) > 0) {
-            signal.Set();
+            wakeUp.Set();
         }
     }
 
@@ -36,23 +36,23 @@ public:
             }
             waiting.fetch_add(1, std::memory_order_seq_cst);
             if (isEmpty()) {
-                (void)signal.Wait(rest);
+                (void)wakeUp.Wait(rest);
             }
             waiting.fetch_sub(1, std::memory_order_seq_cst);
-            signal.Clear();
+            wakeUp.Clear();
         }
     }
 
 private:
-    /// What is left is for another one that waits: its signal may just have been cleared.
+    /// What is left is for another one that waits: its wakeUp may just have been cleared.
     template <typename IsEmpty>
     void PassOn(IsEmpty const& isEmpty) {
         if (waiting.load(std::memory_order_seq_cst) > 0 && !isEmpty()) {
-            signal.Set();
+            wakeUp.Set();
         }
     }
 
-    Signal signal;
+    WakeUp wakeUp;
     std::atomic<int> waiting = 0;
 };
 

@@ -97,7 +97,7 @@ Lane::Outcome Lane::Receive(std::int64_t now) {
     if (arrival.isRefused) {
         return Outcome::NotListening;
     }
-    if (arrival.length == 0 || !IsAnswer(arrival.length)) {
+    if (!arrival.hasArrived || !IsAnswer(arrival.length)) {
         return Outcome::Nothing;
     }
     isWaiting = false;

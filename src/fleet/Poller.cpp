@@ -24,21 +24,43 @@ int ToMilliseconds(std::int64_t nanoseconds) {
 
 } // namespace
 
+bool PollPoller::Watch(int descriptor, Token token) {
+    descriptors.push_back({descriptor, POLLIN, 0});
+    tokens.push_back(token);
+    ready.reserve(tokens.size()); // so that waiting takes no memory
+    return true;
+}
+
+void PollPoller::Forget(int descriptor) {
+    auto const place = std::ranges::find(descriptors, descriptor, &pollfd::fd) - descriptors.begin();
+    if (place < static_cast<std::ptrdiff_t>(descriptors.size())) {
+        descriptors.erase(descriptors.begin() + place);
+        tokens.erase(tokens.begin() + place);
+    }
+}
+
+std::span<PollPoller::Token const> PollPoller::Wait(std::int64_t nanoseconds) {
+    ready.clear();
+    int const count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), ToMilliseconds(nanoseconds));
+    for (std::size_t i = 0; i < descriptors.size() && count > 0; ++i) { // else they are those of the wait before
+        if (descriptors[i].revents != 0) {
+            ready.push_back(tokens[i]);
+        }
+    }
+    return ready;
+}
+
 #if defined(__linux__)
 
-Poller::Poller() : epoll(::epoll_create1(EPOLL_CLOEXEC)) {}
+EpollPoller::EpollPoller() : epoll(::epoll_create1(EPOLL_CLOEXEC)) {}
 
-Poller::~Poller() {
+EpollPoller::~EpollPoller() {
     if (epoll >= 0) {
         ::close(epoll);
     }
 }
 
-bool Poller::IsOpen() const {
-    return epoll >= 0;
-}
-
-bool Poller::Watch(int descriptor, Token token) {
+bool EpollPoller::Watch(int descriptor, Token token) {
     epoll_event event{};
     event.events = EPOLLIN;
     event.data.u32 = token;
@@ -46,11 +68,11 @@ bool Poller::Watch(int descriptor, Token token) {
 }
 
 /// What is closed is forgotten anyway, unless a child process has it too.
-void Poller::Forget(int descriptor) {
+void EpollPoller::Forget(int descriptor) {
     ::epoll_ctl(epoll, EPOLL_CTL_DEL, descriptor, nullptr);
 }
 
-std::span<Poller::Token const> Poller::Wait(std::int64_t nanoseconds) {
+std::span<EpollPoller::Token const> EpollPoller::Wait(std::int64_t nanoseconds) {
     int const count = WaitEvents(nanoseconds);
     readyCount = static_cast<std::size_t>(std::max(count, 0));
     std::ranges::transform(std::span(events).first(readyCount), ready.begin(),
@@ -59,7 +81,7 @@ std::span<Poller::Token const> Poller::Wait(std::int64_t nanoseconds) {
 }
 
 /// Whole milliseconds would make a short period late; older systems have no others.
-int Poller::WaitEvents(std::int64_t nanoseconds) {
+int EpollPoller::WaitEvents(std::int64_t nanoseconds) {
     int const most = static_cast<int>(events.size());
 #if defined(SYS_epoll_pwait2) && defined(__LP64__)
     if (hasFineWait) {
@@ -74,40 +96,6 @@ int Poller::WaitEvents(std::int64_t nanoseconds) {
     }
 #endif
     return ::epoll_wait(epoll, events.data(), most, ToMilliseconds(nanoseconds));
-}
-
-#else
-
-Poller::Poller() = default;
-Poller::~Poller() = default;
-
-bool Poller::IsOpen() const {
-    return true;
-}
-
-bool Poller::Watch(int descriptor, Token token) {
-    descriptors.push_back({descriptor, POLLIN, 0});
-    tokens.push_back(token);
-    return true;
-}
-
-void Poller::Forget(int descriptor) {
-    auto const place = std::ranges::find(descriptors, descriptor, &pollfd::fd) - descriptors.begin();
-    if (place < static_cast<std::ptrdiff_t>(descriptors.size())) {
-        descriptors.erase(descriptors.begin() + place);
-        tokens.erase(tokens.begin() + place);
-    }
-}
-
-std::span<Poller::Token const> Poller::Wait(std::int64_t nanoseconds) {
-    (void)::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), ToMilliseconds(nanoseconds));
-    readyCount = 0;
-    for (std::size_t i = 0; i < descriptors.size() && readyCount < ready.size(); ++i) {
-        if (descriptors[i].revents != 0) {
-            ready[readyCount++] = tokens[i];
-        }
-    }
-    return std::span(ready).first(readyCount);
 }
 
 #endif

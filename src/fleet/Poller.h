@@ -13,17 +13,13 @@
 
 namespace harvlink::fleet {
 
-/// Waits for many descriptors at once: epoll on Linux, poll elsewhere. Of one thread.
-class Poller {
+/// Waits for many descriptors at once. Of one thread. One class for each way in which systems do that, with the same members;
+/// Poller is the best one of this system.
+class PollPoller {
 public:
     using Token = std::uint32_t; ///< what the caller knows a descriptor by
 
-    Poller();
-    Poller(Poller const&) = delete;
-    Poller& operator=(Poller const&) = delete;
-    ~Poller();
-
-    bool IsOpen() const;
+    bool IsOpen() const { return true; }
 
     /// @return false if this computer refused
     bool Watch(int descriptor, Token token);
@@ -34,23 +30,50 @@ public:
     std::span<Token const> Wait(std::int64_t nanoseconds);
 
     /// Whether the last Wait may have left some out.
+    bool IsFull() const { return false; }
+
+private:
+    std::vector<pollfd> descriptors;
+    std::vector<Token> tokens;
+    std::vector<Token> ready;
+};
+
+#if defined(__linux__)
+
+/// Costs the same for any number of descriptors.
+class EpollPoller {
+public:
+    using Token = PollPoller::Token;
+
+    EpollPoller();
+    EpollPoller(EpollPoller const&) = delete;
+    EpollPoller& operator=(EpollPoller const&) = delete;
+    ~EpollPoller();
+
+    bool IsOpen() const { return epoll >= 0; }
+    bool Watch(int descriptor, Token token);
+    void Forget(int descriptor);
+    std::span<Token const> Wait(std::int64_t nanoseconds);
     bool IsFull() const { return readyCount == ready.size(); }
 
 private:
     static constexpr std::size_t mostAtOnce = 256;
 
-    std::array<Token, mostAtOnce> ready{};
-    std::size_t readyCount = 0;
-#if defined(__linux__)
     int WaitEvents(std::int64_t nanoseconds);
 
+    std::array<Token, mostAtOnce> ready{};
+    std::size_t readyCount = 0;
     int epoll;
     bool hasFineWait = true;
     std::array<epoll_event, mostAtOnce> events{};
-#else
-    std::vector<pollfd> descriptors;
-    std::vector<Token> tokens;
-#endif
 };
+
+#endif
+
+#if defined(__linux__) && !defined(HARVLINK_FLEET_POLL)
+using Poller = EpollPoller;
+#else
+using Poller = PollPoller;
+#endif
 
 } // namespace harvlink::fleet

@@ -1,4 +1,4 @@
-#include "fleet/Signal.h"
+#include "fleet/WakeUp.h"
 
 #include <algorithm>
 #include <array>
@@ -17,11 +17,11 @@ namespace harvlink::fleet {
 
 #if defined(__linux__)
 
-Signal::Signal() : readEnd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), writeEnd(readEnd) {}
+WakeUp::WakeUp() : readEnd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), writeEnd(readEnd) {}
 
 #else
 
-Signal::Signal() {
+WakeUp::WakeUp() {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) == 0) {
         for (int const end : ends) {
@@ -35,7 +35,7 @@ Signal::Signal() {
 
 #endif
 
-Signal::~Signal() {
+WakeUp::~WakeUp() {
     if (writeEnd >= 0 && writeEnd != readEnd) {
         ::close(writeEnd);
     }
@@ -44,18 +44,18 @@ Signal::~Signal() {
     }
 }
 
-void Signal::Set() const {
+void WakeUp::Set() const {
     std::uint64_t const one = 1;
     [[maybe_unused]] auto const written = ::write(writeEnd, &one, sizeof(one)); // a full pipe is set already
 }
 
-void Signal::Clear() const {
+void WakeUp::Clear() const {
     std::uint64_t value = 0;
     while (::read(readEnd, &value, sizeof(value)) > 0 && writeEnd != readEnd) {
     }
 }
 
-bool Signal::Wait(std::chrono::milliseconds time) const {
+bool WakeUp::Wait(std::chrono::milliseconds time) const {
     using Milliseconds = decltype(time)::rep;
     pollfd waited{readEnd, POLLIN, 0};
     auto const bounded = std::clamp<Milliseconds>(time.count(), 0, std::numeric_limits<int>::max());

@@ -5,12 +5,12 @@
 namespace harvlink::fleet {
 
 /// Wakes threads that wait for a descriptor. Set stays set until Clear.
-class Signal {
+class WakeUp {
 public:
-    Signal();
-    Signal(Signal const&) = delete;
-    Signal& operator=(Signal const&) = delete;
-    ~Signal();
+    WakeUp();
+    WakeUp(WakeUp const&) = delete;
+    WakeUp& operator=(WakeUp const&) = delete;
+    ~WakeUp();
 
     bool IsOpen() const { return readEnd >= 0; }
     int Descriptor() const { return readEnd; }
