@@ -23,14 +23,19 @@ function(harvlink_install_output target folder file)
     add_custom_command(OUTPUT "${output}" COMMAND ${ARGN} > "${output}.part" COMMAND ${finish}
                        DEPENDS ${target} ${inputs} VERBATIM COMMENT "Generating ${file}")
     add_custom_target(harvlink_install_${file} ALL DEPENDS "${output}")
-    install(FILES "${output}" DESTINATION "${folder}" COMPONENT tools)
+    if(NOT DEFINED component)
+        set(component tools)
+    endif()
+    install(FILES "${output}" DESTINATION "${folder}" COMPONENT ${component})
 endfunction()
 
-# harvlink_install_program(<target> <name>): the program and its page. It finds the library wherever both are put together.
+# harvlink_install_program(<target> <name> [<component>]): the program and its page. It finds the library wherever both are put together.
 function(harvlink_install_program target name)
+    set(component tools ${ARGN})
+    list(GET component -1 component)
     file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
-    install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+    install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${component})
     harvlink_install_output(${target} "${CMAKE_INSTALL_MANDIR}/man1" "${name}.1${page_suffix}"
                             "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/packaging/man_page.py" $<TARGET_FILE:${target}>
                             "${PROJECT_SOURCE_DIR}/packaging/man/${name}.txt" ${PROJECT_VERSION})
@@ -66,4 +71,9 @@ if(TARGET harvlink-sim)
     harvlink_install_program(harvlink-sim harvlink-sim)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/simulator/scenes" DESTINATION "${CMAKE_INSTALL_DATADIR}/harvlink"
             COMPONENT tools)
+endif()
+if(TARGET harvlink-gateway)
+    harvlink_install_program(harvlink-gateway harvlink-gateway gateway)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/packaging/prometheus" DESTINATION "${CMAKE_INSTALL_DATADIR}/harvlink-gateway"
+            COMPONENT gateway)
 endif()
