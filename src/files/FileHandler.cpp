@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 #include <thread>
@@ -101,8 +102,9 @@ StatusInfo FileHandler::ReadDiskFile(std::string const& path, std::vector<FileBl
         stream.open(path, std::ios::binary);
     }
     if (stream.is_open()) {
-        std::uintmax_t const size = std::filesystem::file_size(path, ignored);
-        blocks.reserve(ignored ? 0 : size / FileBlockSize + 1);
+        // On a 32-bit processor a size can be more than any memory.
+        std::uintmax_t const size = std::min<std::uintmax_t>(std::filesystem::file_size(path, ignored), SIZE_MAX);
+        blocks.reserve(ignored ? 0 : static_cast<std::size_t>(size) / FileBlockSize + 1);
         ReadFileIntoBuffer(stream, blocks);
     }
     // A stream that was read to its end is at end of file; any other state is a failure.

@@ -3,12 +3,25 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace harvlink::fleet {
+namespace {
+
+/// The largest capacity is more than a 32-bit processor can address.
+std::size_t Addressable(std::uint64_t count) {
+    if (!std::in_range<std::size_t>(count)) {
+        throw std::bad_array_new_length();
+    }
+    return static_cast<std::size_t>(count);
+}
+
+} // namespace
 
 SampleQueue::SampleQueue(std::uint32_t capacity)
     : mask(std::bit_ceil(std::uint64_t{std::max(capacity, std::uint32_t{AlarmPlaces})}) - 1),
-      words(std::make_unique<SharedWord[]>((mask + 1) * (slotWords + 1))) {}
+      words(std::make_unique<SharedWord[]>(Addressable((mask + 1) * (slotWords + 1)))) {}
 
 void SampleQueue::Put(std::uint32_t controller, std::uint32_t item, Stamp const& stamp,
                       std::span<std::byte const> record) {
@@ -61,7 +74,7 @@ bool SampleQueue::ReadSlot(Slot& slot) {
 
 /// Adds the part in a slot. Returns whether the sample is complete.
 bool SampleQueue::Append(Slot const& slot, RawSample& sample) {
-    std::size_t const begin = slot[2];
+    auto const begin = static_cast<std::size_t>(slot[2]);
     auto const controller = static_cast<std::uint32_t>(slot[0]);
     if (begin == 0) {
         sample.controller = controller;

@@ -81,7 +81,8 @@ ConnectionStatistics LinkStatistics::Snapshot() const {
 }
 
 RoundTripTimes LinkStatistics::RoundTrips() const {
-    auto const count = std::min<std::size_t>(answers.load(std::memory_order_acquire), roundTripCount);
+    auto const count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(answers.load(std::memory_order_acquire), roundTripCount));
     if (count == 0) {
         return {};
     }

@@ -77,7 +77,7 @@ int PollOnce(std::span<pollfd> sockets, timespec& remaining) {
 /// @return how much of the period has passed.
 nanoseconds WaitReadable(std::span<pollfd> sockets, timeval period) {
     timespec const whole{period.tv_sec + period.tv_usec / microsecondsPerSecond,
-                         period.tv_usec % microsecondsPerSecond * nanosecondsPerMicrosecond};
+                         static_cast<long>(period.tv_usec % microsecondsPerSecond) * nanosecondsPerMicrosecond};
     timespec remaining = whole;
     while (PollOnce(sockets, remaining) < 0 && errno == EINTR) {
     }
