@@ -118,8 +118,8 @@ void HttpServer::Implementation::Listen(ListenConfig const& config) {
     info.iface = config.address.c_str();
     info.protocols = protocols_.data();
     info.user = this;
-    info.gid = static_cast<gid_t>(-1);
-    info.uid = static_cast<uid_t>(-1);
+    info.gid = -1;
+    info.uid = -1;
     info.max_http_header_data = LargestHeader;
     info.max_http_header_pool = MostConnections;
     info.fd_limit_per_thread = MostConnections + 32;
