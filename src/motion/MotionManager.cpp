@@ -1,5 +1,7 @@
 #include "motion/MotionManager.h"
 
+#include <mutex>
+
 #include "motion/MotionRequests.h"
 #include "motion/TargetWait.h"
 #include "wire/Guarded.h"
@@ -17,6 +19,11 @@ StatusInfo TooOld() {
 StatusInfo InvalidGroupOfTarget(std::string_view ordinal) {
     return StatusInformation(InvalidControlGroup,
                              "Invalid control group id for the " + std::string(ordinal) + " target submitted.");
+}
+
+template <typename Mutex>
+std::unique_lock<Mutex> LockIf(bool isNeeded, Mutex& mutex) {
+    return isNeeded ? std::unique_lock(mutex) : std::unique_lock(mutex, std::defer_lock);
 }
 
 } // namespace
@@ -119,17 +126,19 @@ StatusInfo MotionManager::AddTargets(MotionStep& step, Motion const& first,
 }
 
 StatusInfo MotionManager::MotionStart() {
-    return Guarded(*networkManager, [&] {
-        if (!IsSupported()) {
-            return TooOld();
-        }
-        StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
-        if (status.StatusCode == 0) {
-            progress.Release();
-            StartMonitorTrajectoryThread();
-        }
-        return status;
-    });
+    return Guarded(*networkManager, [&] { return IsSupported() ? Start() : TooOld(); });
+}
+
+/// Under Rule::BoundedClose starts and stops follow each other: of two at the same time, the controller and the hold agree on
+/// which was the later one.
+StatusInfo MotionManager::Start() {
+    auto const order = LockIf(Enforces(Rule::BoundedClose), startStopMutex);
+    StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
+    if (status.StatusCode == 0) {
+        progress.Release();
+        StartMonitorTrajectoryThread();
+    }
+    return status;
 }
 
 StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
@@ -139,6 +148,7 @@ StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
 /// As designed the monitor is not touched. Under Rule::BoundedClose no target leaves after the stop, until the next start.
 StatusInfo MotionManager::Stop(bool clearTrajectory) {
     bool const holds = Enforces(Rule::BoundedClose);
+    auto const order = LockIf(holds, startStopMutex);
     bool const wasHeld = holds && progress.Hold();
     StatusInfo status = Guarded(*networkManager, [&] { return SendStop(); });
     bool const isStopped = status.StatusCode == 0;
@@ -152,10 +162,7 @@ StatusInfo MotionManager::Stop(bool clearTrajectory) {
 }
 
 StatusInfo MotionManager::SendStop() {
-    std::unique_lock lock(targetsMutex, std::defer_lock);
-    if (Enforces(Rule::BoundedClose)) {
-        lock.lock(); // behind the target that is under way
-    }
+    auto const lock = LockIf(Enforces(Rule::BoundedClose), targetsMutex); // behind the target that is under way
     return CarryOut(*networkManager, MotionStopRequest{});
 }
 

@@ -23,8 +23,8 @@ namespace harvlink {
 /// Queues motion steps, turns each into the series of commands that the controller expects, and feeds them to it from a
 /// thread of its own, the trajectory monitor.
 ///
-/// Locks, in this order, as LockRank has it: `trajectoryMutex`, `targetsMutex`, those of an exchange. The monitor never holds
-/// the first while it sends. The cached profiles belong to the thread that calls SendTarget, which is the monitor.
+/// Locks, in this order, as LockRank has it: `startStopMutex`, `trajectoryMutex`, `targetsMutex`, those of an exchange. The
+/// monitor never holds the first two while it sends. The cached profiles belong to the thread that calls SendTarget, which is the monitor.
 ///
 /// Three rules of the connection change what the monitor does: IdleMonitor, SentStep and BoundedClose.
 class MotionManager final : public MotionManagerInterface {
@@ -106,6 +106,7 @@ private:
     StatusInfo AddTargets(MotionStep& step, Motion const& first, std::array<std::optional<Motion>, 3> const& others);
     StatusInfo Queue(MotionStep const& step, StepNumber& stepNumber);
     StatusInfo ReadTargetProgress(ControlGroupId group, double& reached);
+    StatusInfo Start();
     StatusInfo Stop(bool clearTrajectory);
     StatusInfo SendStop();
     StatusInfo Clear();
@@ -149,6 +150,8 @@ private:
     std::array<TargetProfile, MotionSlots> cachedProfiles;
     std::optional<TargetControlGroup> groupBeingSet; ///< whose settings are being sent; of the monitor, as the cache
     TrajectoryQueue trajectory;
+    RankedMutex<LockRank::MotionStartStop>
+        startStopMutex; ///< under Rule::BoundedClose: a start or a stop, with its hold
     RankedMutex<LockRank::MotionQueue> trajectoryMutex;
     RankedMutex<LockRank::MotionTargets> targetsMutex; ///< a target or a clear and its entry in `progress` are one
     TrajectoryProgress progress;

@@ -11,7 +11,7 @@
 namespace harvlink {
 
 /// The library's locks, in the order in which a thread may wait for them: only for a lock of a higher rank than all it holds.
-enum class LockRank : std::uint8_t { MotionQueue, MotionTargets, FirstExchange, SecondExchange };
+enum class LockRank : std::uint8_t { MotionStartStop, MotionQueue, MotionTargets, FirstExchange, SecondExchange };
 
 #ifdef NDEBUG
 

@@ -161,6 +161,22 @@ TEST(TrajectoryRules, StopAndClearEndTheWaitForRoom) {
     EXPECT_EQ(designed.back(), (std::pair{target, 3}));
 }
 
+/// The stop comes second while the start still waits for its answer: it decides.
+TEST(TrajectoryRules, AStopBehindAStartThatIsUnderWayHoldsTheQueue) {
+    RunningSession session({.enforced = StrictRules});
+    session.controller.AnswerRest(
+        [](Datagram const& datagram) { return Replies{{.delay = CommandOf(datagram) == start ? 200ms : 0ms}}; });
+    std::jthread starter([&] { EXPECT_EQ(session.manager->MotionStart().StatusCode, 0); });
+    session.Sent(1);
+    EXPECT_EQ(session.manager->MotionStop(false).StatusCode, 0);
+    starter.join();
+    session.Add(1);
+    TrajectoryState state;
+    session.manager->GetTrajectoryState(state);
+    EXPECT_EQ(state.monitor, TrajectoryMonitorState::Stopped);
+    EXPECT_EQ(session.Finish(), (Sequence{{start, 0}, {stop, 0}}));
+}
+
 TEST(TrajectoryRules, AStopThatIsRefusedHoldsNothing) {
     RunningSession session({.enforced = StrictRules});
     session.controller.AnswerRest(

@@ -9,6 +9,7 @@ namespace {
 
 TEST(RankedMutexDeathTest, EndsTheProgramWhenItIsWaitedForOutOfOrder) {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    RankedMutex<LockRank::MotionStartStop> startStop;
     RankedMutex<LockRank::MotionQueue> queue;
     RankedMutex<LockRank::FirstExchange> first;
     RankedMutex<LockRank::SecondExchange> second;
@@ -21,7 +22,10 @@ TEST(RankedMutexDeathTest, EndsTheProgramWhenItIsWaitedForOutOfOrder) {
     RankedMutex<LockRank::FirstExchange> ofAnotherConnection;
     EXPECT_DEATH(ofAnotherConnection.lock(), "ranks behind");
     firstLock.unlock();
+    std::unique_lock startStopLock(startStop);
     std::scoped_lock const inOrder(queue);
+    startStopLock.unlock();
+    EXPECT_DEATH(startStop.lock(), "ranks behind") << "the queue is held";
     firstLock.lock();
     secondLock.lock();
 }
