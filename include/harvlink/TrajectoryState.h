@@ -15,7 +15,8 @@ enum class TrajectoryMonitorState : std::int32_t {
     Sending = 2,
     HeldBack = 3, ///< the controller has no room for the step; it is sent again every millisecond
     Failed = 4, ///< the last step that was sent failed, and the queue was emptied; the next step is sent all the same
-    Stopped = 5, ///< under Rule::BoundedClose: MotionStop(false) holds the queue until the next MotionStart
+    Stopped =
+        5, ///< under Rule::BoundedClose: MotionStop(false), or a stop without an answer, holds the queue until MotionStart
 };
 
 /// The last step that failed.

@@ -21,6 +21,13 @@ StatusInfo InvalidGroupOfTarget(std::string_view ordinal) {
                              "Invalid control group id for the " + std::string(ordinal) + " target submitted.");
 }
 
+/// Whether the stop has certainly not acted: the controller refused it, or it was not sent.
+bool IsRefusal(StatusInfo const& status) {
+    constexpr int firstOfLibrary = 0x10000; // the controller's codes lie below, folded ones too
+    return status.StatusCode != 0 && (status.StatusCode < firstOfLibrary ||
+                                      status.StatusCode == static_cast<int>(ErrorStatusCodes::AccessDenied));
+}
+
 template <typename Mutex>
 std::unique_lock<Mutex> LockIf(bool isNeeded, Mutex& mutex) {
     return isNeeded ? std::unique_lock(mutex) : std::unique_lock(mutex, std::defer_lock);
@@ -145,17 +152,19 @@ StatusInfo MotionManager::MotionStop(bool clearTrajectory) {
     return Guarded(*networkManager, [&] { return IsSupported() ? Stop(clearTrajectory) : TooOld(); });
 }
 
-/// As designed the monitor is not touched. Under Rule::BoundedClose no target leaves after the stop, until the next start.
+/// As designed the monitor is not touched. Under Rule::BoundedClose no target leaves after the stop, until the next start: nor
+/// if the answer to it is lost, as the controller may stand.
 StatusInfo MotionManager::Stop(bool clearTrajectory) {
     bool const holds = Enforces(Rule::BoundedClose);
     auto const order = LockIf(holds, startStopMutex);
     bool const wasHeld = holds && progress.Hold();
     StatusInfo status = Guarded(*networkManager, [&] { return SendStop(); });
-    bool const isStopped = status.StatusCode == 0;
-    if (isStopped && clearTrajectory) {
+    bool const isCleared = status.StatusCode == 0 && clearTrajectory;
+    bool const isRefused = IsRefusal(status);
+    if (isCleared) {
         ClearAllTrajectory();
     }
-    if (holds && (isStopped ? clearTrajectory : !wasHeld)) {
+    if (holds && (isCleared || (isRefused && !wasHeld))) {
         progress.Release();
     }
     return status;

@@ -177,14 +177,36 @@ TEST(TrajectoryRules, AStopBehindAStartThatIsUnderWayHoldsTheQueue) {
     EXPECT_EQ(session.Finish(), (Sequence{{start, 0}, {stop, 0}}));
 }
 
-TEST(TrajectoryRules, AStopThatIsRefusedHoldsNothing) {
-    RunningSession session({.enforced = StrictRules});
-    session.controller.AnswerRest(
-        [](Datagram const& datagram) { return Replies{CommandOf(datagram) == stop ? Refusal(65535) : Reply{}}; });
-    EXPECT_NE(session.manager->MotionStop(false).StatusCode, 0);
-    std::uint64_t number = 0;
-    session.manager->AddPointToTrajectory(number, Point(1), {}, {}, {});
-    EXPECT_EQ(session.manager->WaitUntilSent(number, 10000).StatusCode, 0);
+/// The controller may have taken a stop whose answer is lost, so it holds; one that was refused holds nothing.
+TEST(TrajectoryRules, AStopHoldsUnlessItIsRefused) {
+    struct {
+        char const* what;
+        Replies toStop;
+        bool clears, holds;
+    } const cases[] = {
+        {"refused", {Refusal(65535)}, false, false},
+        {"refused, with clear", {Refusal(8288)}, true, false},
+        {"lost", {}, false, true},
+        {"lost, with clear", {}, true, true},
+    };
+    for (auto const& example : cases) {
+        SCOPED_TRACE(example.what);
+        RunningSession session({.enforced = StrictRules});
+        session.controller.AnswerRest(
+            [&](Datagram const& datagram) { return CommandOf(datagram) == stop ? example.toStop : Replies{{}}; });
+        Hurry(*session.network);
+        EXPECT_NE(session.manager->MotionStop(example.clears).StatusCode, 0);
+        std::uint64_t number = 0;
+        session.manager->AddPointToTrajectory(number, Point(1), {}, {}, {});
+        TrajectoryState state;
+        session.manager->GetTrajectoryState(state);
+        EXPECT_EQ(state.monitor == TrajectoryMonitorState::Stopped, example.holds);
+        if (example.holds) {
+            EXPECT_EQ(Summary(session.Sent(1)), (Sequence{{stop, 0}}));
+            session.manager->MotionStart();
+        }
+        EXPECT_EQ(session.manager->WaitUntilSent(number, 10000).StatusCode, 0);
+    }
 }
 
 TEST(TrajectoryRules, CloseDropsTheQueueAndTakesTwoExchangesAtMost) {
