@@ -105,6 +105,9 @@ StatusInfo MotionManager::Queue(MotionStep const& step, StepNumber& stepNumber) 
         stepNumber = trajectory.PushBack(step); // last, as the monitor then waits for the lock
     }
     progress.Queued(stepNumber);
+    if (isHoldDue) {
+        CountHold();
+    }
     return status;
 }
 
@@ -142,6 +145,7 @@ StatusInfo MotionManager::Start() {
     auto const order = LockIf(Enforces(Rule::BoundedClose), startStopMutex);
     StatusInfo status = CarryOut(*networkManager, MotionStartRequest{});
     if (status.StatusCode == 0) {
+        isHoldDue = false;
         progress.Release();
         StartMonitorTrajectoryThread();
     }
@@ -164,10 +168,23 @@ StatusInfo MotionManager::Stop(bool clearTrajectory) {
     if (isCleared) {
         ClearAllTrajectory();
     }
+    if (!isRefused) {
+        isHoldDue = !isCleared && progress.HasMonitor();
+    }
+    if (isHoldDue && !trajectory.IsEmpty()) {
+        CountHold();
+    }
     if (holds && (isCleared || (isRefused && !wasHeld))) {
         progress.Release();
     }
     return status;
+}
+
+/// Counts a stop once: when it finds steps in the queue, or when the first is queued behind it.
+void MotionManager::CountHold() {
+    if (isHoldDue.exchange(false)) {
+        networkManager->Refuses(Rule::BoundedClose);
+    }
 }
 
 StatusInfo MotionManager::SendStop() {

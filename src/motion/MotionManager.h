@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -108,6 +109,7 @@ private:
     StatusInfo ReadTargetProgress(ControlGroupId group, double& reached);
     StatusInfo Start();
     StatusInfo Stop(bool clearTrajectory);
+    void CountHold();
     StatusInfo SendStop();
     StatusInfo Clear();
     StatusInfo SendClear(std::int32_t group);
@@ -155,6 +157,8 @@ private:
     RankedMutex<LockRank::MotionQueue> trajectoryMutex;
     RankedMutex<LockRank::MotionTargets> targetsMutex; ///< a target or a clear and its entry in `progress` are one
     TrajectoryProgress progress;
+    std::atomic<bool> isHoldDue =
+        false; ///< a stop holds the next step back, or would, and was not counted for that yet
     GroupNumberMap groupNumberMap;
     std::once_flag monitorStarted;
     std::jthread monitorThread; ///< last, so that it is joined before what it uses goes

@@ -67,6 +67,9 @@ public:
 
     // Of the monitor.
     void Started();
+    bool HasMonitor() const {
+        return monitor != TrajectoryMonitorState::NotStarted;
+    } ///< Whether steps leave the queue.
     /// A step is being sent.
     void Taken() { monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed); }
     void Full(); ///< There was no room for it.

@@ -1,3 +1,4 @@
+#include <bit>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -14,6 +15,20 @@ namespace {
 
 constexpr Rules Only(Rule rule) {
     return NoRules.With(rule);
+}
+
+std::uint64_t CountOf(Rule rule, MotionSession const& session) {
+    return session.network->Statistics()
+        .Snapshot()
+        .ruleCounts[static_cast<std::size_t>(std::countr_zero(static_cast<std::uint32_t>(rule)))];
+}
+
+void AwaitIdle(MotionSession& session) {
+    auto const end = std::chrono::steady_clock::now() + 10s;
+    TrajectoryState state;
+    while (state.monitor != TrajectoryMonitorState::Idle && std::chrono::steady_clock::now() < end) {
+        session.manager->GetTrajectoryState(state);
+    }
 }
 
 std::set<std::string> Threads() {
@@ -206,6 +221,30 @@ TEST(TrajectoryRules, AStopHoldsUnlessItIsRefused) {
             session.manager->MotionStart();
         }
         EXPECT_EQ(session.manager->WaitUntilSent(number, 10000).StatusCode, 0);
+    }
+}
+
+/// Once for each stop behind which a step waits, in an audit too: what stands still with the rule has to show without it.
+TEST(TrajectoryRules, AStopCountsForTheStepsThatItHolds) {
+    using Play = void (*)(RunningSession&);
+    std::pair<Play, std::uint64_t> const cases[] = {
+        {[](RunningSession& s) { s.Add(1); }, 0},
+        {[](RunningSession& s) { s.manager->MotionStop(false); }, 0},
+        {[](RunningSession& s) { s.manager->MotionStop(true), s.Add(1); }, 0},
+        {[](RunningSession& s) { s.manager->MotionStop(false), s.manager->MotionStart(), s.Add(1); }, 0},
+        {[](RunningSession& s) { s.manager->MotionStop(false), s.Add(1), s.Add(2); }, 1},
+        {[](RunningSession& s) { s.manager->MotionStop(false), s.Add(1), s.manager->MotionStop(false), s.Add(2); }, 2},
+    };
+    ConnectionPolicy const policies[] = {{}, {.enforced = StrictRules}, {.audited = StrictRules}};
+    for (auto const& example : cases) {
+        for (ConnectionPolicy const& policy : policies) {
+            SCOPED_TRACE(testing::Message() << "case " << &example - cases << ", policy " << &policy - policies);
+            RunningSession session(policy);
+            AwaitIdle(session);
+            example.first(session);
+            bool const isWatched = policy.Watches(Rule::BoundedClose);
+            EXPECT_EQ(CountOf(Rule::BoundedClose, session), isWatched ? example.second : 0);
+        }
     }
 }
 
