@@ -28,18 +28,18 @@ StatusInfo ControlGroupImplementation::ReadPositionData(ControlGroupId group, Co
                 "This controller generation only returns position data for the active tool. Please "
                 "pass 0 for the tool selection.");
         }
-        position = IsReadByRobotPosition(type, networkManager->controllerVersion)
-                       ? HSEReadPositionData(group, type, status)
-                       : UAPIReadPositionData(group, type, userCoordinateNumber, toolNumber, status);
-        return FinishPosition(std::move(status), type, networkManager->GetNumberOfAxesInGroup(group), position);
+        if (!IsReadByRobotPosition(type, networkManager->controllerVersion) &&
+            !CheckUAPIInputs(type, userCoordinateNumber, toolNumber, status)) {
+            return status;
+        }
+        return CarryOutPosition(*networkManager, group, type, userCoordinateNumber, toolNumber, position);
     });
 }
 
 PositionData ControlGroupImplementation::HSEReadPositionData(ControlGroupId group, CoordinateType type,
                                                              StatusInfo& status) {
     PositionData position;
-    status = RobotPositionRequest::Serves(type) ? CarryOut(*networkManager, RobotPositionRequest(group, type), position)
-                                                : InvalidPositionType();
+    status = CarryOutRobotPosition(*networkManager, group, type, position);
     return position;
 }
 

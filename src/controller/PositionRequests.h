@@ -46,4 +46,22 @@ struct ExtendedPositionRequest {
 /// and a group of fewer than eight axes has no eighth.
 StatusInfo FinishPosition(StatusInfo status, CoordinateType type, std::uint32_t numberOfAxes, PositionData& position);
 
+/// Reads it by RobotPositionRequest if that serves its type.
+template <typename Engine>
+StatusInfo CarryOutRobotPosition(Engine& engine, ControlGroupId group, CoordinateType type, PositionData& position) {
+    return RobotPositionRequest::Serves(type) ? CarryOut(engine, RobotPositionRequest(group, type), position)
+                                              : InvalidPositionType();
+}
+
+/// Reads it by the request that serves type and generation, to the last step. The two numbers are not checked.
+template <typename Engine>
+StatusInfo CarryOutPosition(Engine& engine, ControlGroupId group, CoordinateType type,
+                            std::uint16_t userCoordinateNumber, std::uint16_t toolNumber, PositionData& position) {
+    StatusInfo status =
+        IsReadByRobotPosition(type, engine.controllerVersion)
+            ? CarryOutRobotPosition(engine, group, type, position)
+            : CarryOut(engine, ExtendedPositionRequest(group, type, userCoordinateNumber, toolNumber), position);
+    return FinishPosition(std::move(status), type, engine.GetNumberOfAxesInGroup(group), position);
+}
+
 } // namespace harvlink

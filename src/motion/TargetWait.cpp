@@ -152,18 +152,9 @@ TargetWait::Result TargetWait::LookAtCount(StepRecord const& record, std::size_t
 }
 
 StatusInfo TargetWait::ReadPosition(SentTarget const& target, ControlGroupId group, PositionData& position) {
-    CoordinateType const type = target.coordinateType;
-    StatusInfo status;
-    if (!IsReadByRobotPosition(type, networkManager.controllerVersion)) {
-        auto const tool = static_cast<std::uint16_t>(std::max(target.toolNumber, 0));
-        auto const frame = static_cast<std::uint16_t>(target.userCoordinateNumber);
-        status = CarryOut(networkManager, ExtendedPositionRequest(group, type, frame, tool), position);
-    } else {
-        status = RobotPositionRequest::Serves(type)
-                     ? CarryOut(networkManager, RobotPositionRequest(group, type), position)
-                     : InvalidPositionType();
-    }
-    return FinishPosition(std::move(status), type, networkManager.GetNumberOfAxesInGroup(group), position);
+    auto const tool = static_cast<std::uint16_t>(std::max(target.toolNumber, 0));
+    auto const frame = static_cast<std::uint16_t>(target.userCoordinateNumber);
+    return CarryOutPosition(networkManager, group, target.coordinateType, frame, tool, position);
 }
 
 /// An alarm ends the wait, but not before the queue that it makes the controller refuse was dropped: what the caller

@@ -76,6 +76,23 @@ TEST(ControlGroup, ExtendedCommandRequests) {
     EXPECT_EQ(session.position.axes[0], -1.0);
 }
 
+/// Each road by itself takes no notice of the generation.
+TEST(ControlGroup, RoadsOneByOne) {
+    Session session("FS1");
+    StatusInfo status;
+    session.controller.Expect(RobotRequest(117, 101, 0, 1), Payload(Words({16, 0, 3, 0, 0, 1000})));
+    EXPECT_EQ(session.groups.HSEReadPositionData(R1, BaseCoordinate, status).axes[0], 1.0);
+    EXPECT_EQ(status.StatusCode, 0);
+    EXPECT_TRUE(IsZero(session.groups.HSEReadPositionData(R1, UserCoordinate, status)));
+    EXPECT_EQ(status.StatusCode, 0x20015);
+    session.controller.Expect(RobotRequest(829, 0, 0, 1, Words({0, 0}) + U16(2) + U16(4) + U32(0)),
+                              Payload(extendedPosition));
+    EXPECT_EQ(session.groups.UAPIReadPositionData(R1, UserCoordinate, 1, 4, status).userCoordinateNumber, 5);
+    EXPECT_EQ(status.StatusCode, 0);
+    EXPECT_TRUE(IsZero(session.groups.UAPIReadPositionData(R1, UserCoordinate, 64, 4, status)));
+    EXPECT_EQ(status.StatusCode, 45070);
+}
+
 TEST(ControlGroup, ArgumentsAreRefusedBeforeAnythingIsSent) {
     constexpr char const* notAttached = "This Control Group is not attached to the controller.";
     constexpr char const* wrongType = "Coordinate type is not valid for position data retrieval.";

@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <bit>
+#include <cstring>
 #include <sstream>
 
 #include "support/Printed.h"
 #include "support/ScriptedController.h"
+#include "variables/VariableFunctions.h"
 #include "variables/VariablesImplementation.h"
 
 namespace harvlink::test {
@@ -41,6 +44,40 @@ TEST_F(VariablesTest, IndexIsCheckedAndIsAllThatARefusalLeaves) {
     VariablesImplementation fromOne(manager.get(), 0, toolFiles); // the controller counts from 1
     controller.Expect(RobotRequest(122, 2049, 1, 16, U8(9)));
     EXPECT_EQ(fromOne.byteVariable->Write({9, 2048}).StatusCode, 0);
+}
+
+/// Each kind by its command, whose number decides between the one value and the whole record.
+TEST_F(VariablesTest, GetVariableReadsEveryKind) {
+    auto const get = [&]<typename Value>(unsigned command, bool isWhole, Bytes const& payload, Value const& expected) {
+        SCOPED_TRACE(command);
+        controller.Expect(RobotRequest(command, 6, isWhole ? 0 : 1, isWhole ? 1 : 14), Payload(payload));
+        StatusInfo status;
+        auto const reply =
+            VariableFunctions::GetVariable<Value>(5, static_cast<CommandNumber>(command), status, manager.get(), 0);
+        EXPECT_EQ(status.StatusCode, 0);
+        EXPECT_EQ(std::memcmp(&reply.payload, &expected, sizeof(Value)), 0);
+        Value const none{};
+        for (auto const& [index, answer] : {std::pair{2049, 0}, {2048, 40961}}) {
+            if (answer != 0) {
+                controller.Expect(RobotRequest(command, 2048, isWhole ? 0 : 1, isWhole ? 1 : 14), Refusal(40961));
+            }
+            auto const refused = VariableFunctions::GetVariable<Value>(
+                static_cast<unsigned short>(index), static_cast<CommandNumber>(command), status, manager.get(), 1);
+            EXPECT_EQ(status.StatusCode, 0x30008);
+            EXPECT_EQ(status.Message, invalidIndex);
+            EXPECT_EQ(std::memcmp(&refused.payload, &none, sizeof(Value)), 0);
+        }
+    };
+    std::array<char, 32> text{};
+    std::ranges::copy(std::string_view("hello"), text.begin());
+    get(122, false, U8(200), std::uint8_t{200});
+    get(123, false, U16(0xfffe), std::int16_t{-2});
+    get(124, false, U32(0xfffffffe), std::int32_t{-2});
+    get(125, false, U32(0x3fc00000), 1.5F);
+    get(140, false, Text("hello", 32), text);
+    get(127, true, Words({0, 0, 3}) + Bytes(40), RobotPositionMsg{.toolNumber = 3});
+    get(128, true, Words({7}) + Bytes(32), std::bit_cast<BasePositionVariableMsg>(std::array<std::int32_t, 9>{7}));
+    get(129, true, Words({7}) + Bytes(32), std::bit_cast<StationPositionVariableMsg>(std::array<std::int32_t, 9>{7}));
 }
 
 TEST_F(VariablesTest, StringLengths) {
