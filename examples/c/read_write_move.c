@@ -14,7 +14,7 @@
 
 #include "harvlink/harvlink_c.h"
 
-enum { TIMEOUT_MS = 500, RETRIES = 3, VARIABLE = 5, TURN_PULSES = 2000, MOST_LOOKS = 500 };
+enum { VARIABLE = 5, TURN_PULSES = 2000, MOST_LOOKS = 500 };
 
 /* The memory behind a handle is never released. This pointer keeps it reachable for leak checkers. */
 static ControllerHandle controller;
@@ -107,7 +107,11 @@ int main(int argc, char** argv) {
         return 2;
     }
     IStatusInfo status;
-    controller = open_connection(argv[1], &status, TIMEOUT_MS, RETRIES);
+    HarvlinkConnectOptions options;
+    harvlink_connect_options_init(&options);
+    options.address = argv[1];
+    options.access = HARVLINK_FULL; /* clears the targets of other programs */
+    controller = harvlink_connect(&options, &status);
     /* A failed connection returns a handle too, which only close_connection accepts. */
     bool const ok = succeeded("connect", status) && show_state() && change_variable() && turn_first_axis();
     close_connection(controller);

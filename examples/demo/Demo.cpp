@@ -54,7 +54,8 @@ namespace {
 
 void Run(std::string const& address) {
     harvlink::StatusInfo status;
-    auto const robot = harvlink::Connect(address, status, 300, 3);
+    auto const robot =
+        harvlink::Connect({.address = address, .timeout = 300, .access = harvlink::Access::Full}, status);
     Require(status, "open a connection to " + address);
     ShowController(*robot);
     ShowControlGroups(*robot);

@@ -2,7 +2,7 @@
 
     import harvlink
 
-    with harvlink.connect("127.0.0.1") as robot:
+    with harvlink.connect("127.0.0.1", access="operate") as robot:
         print(robot.state(), robot.position("R1"))
         robot.variables.b[5] = 12
 """

@@ -2,7 +2,7 @@
 
     import harvlink.aio
 
-    async with harvlink.aio.connect("127.0.0.1") as robot:
+    async with harvlink.aio.connect("127.0.0.1", access="operate") as robot:
         print(await robot.state(), await robot.variables.b[0:5])
         await robot.variables.b.write(5, 12)
 

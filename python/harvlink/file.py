@@ -29,7 +29,7 @@ _LOST = (ErrorCode.RESPONSE_TIMEOUT, ErrorCode.FILE_BLOCK_MISSING, ErrorCode.ANS
 
 
 def _repeatedly(read: Callable[[], _Result]) -> _Result:
-    """Begins anew up to three times if an answer was lost or damaged on the way: a read is safe to repeat."""
+    """Reads again up to three times if an answer was lost or damaged on the way: a read is safe to repeat."""
     for _ in range(_MOST_REPEATS):
         try:
             return read()
@@ -40,7 +40,7 @@ def _repeatedly(read: Callable[[], _Result]) -> _Result:
 
 
 class Files:
-    """A list, a count or a download begins anew up to three times if a block is lost or damaged on the way."""
+    """A list, a count or a download starts again up to three times if a block is lost or damaged on the way."""
 
     def __init__(self, link: Link) -> None:
         self._link = link
