@@ -61,4 +61,15 @@ StatusInfo WriteVariable(VariablesInterface& variables, VariableAssignment const
     });
 }
 
+PendingWrite PendingVariable(VariablesInterface& variables, VariableAssignment const& assignment, AfterLoss afterLoss) {
+    return {VariableName(assignment.address), [&variables, assignment] { return WriteVariable(variables, assignment); },
+            [&variables, assignment](bool& isHeld) {
+                VariableValue present;
+                StatusInfo status = ReadVariable(variables, assignment.address, present);
+                isHeld = FormatVariableValue(present) == FormatVariableValue(assignment.value);
+                return status;
+            },
+            afterLoss};
+}
+
 } // namespace harvlink::cli

@@ -15,6 +15,27 @@ namespace {
 
 constexpr std::size_t MostUnanswered = 3; ///< in a row, before nobody is there
 
+StatusInfo Write(PendingWrite const& pending, Progress& progress, Interrupt const& interrupt) {
+    StatusInfo status = pending.write();
+    for (int repeat = 0; LostAnswer(status) && !interrupt.HasCome(); ++repeat) {
+        bool isHeld = false;
+        StatusInfo const read = ReadRepeatedly(progress, fmt::format("Reading {} back", pending.name),
+                                               [&] { return pending.readBack(isHeld); });
+        if (read.StatusCode != 0) {
+            break;
+        }
+        if (isHeld) {
+            return {};
+        }
+        if (repeat == MostRepeats || pending.afterLoss == AfterLoss::ReadBack) {
+            status.Message += " Read back, the controller does not hold it.";
+            break;
+        }
+        status = pending.write();
+    }
+    return status;
+}
+
 } // namespace
 
 WriteReport WriteEach(Output& output, std::string_view what, std::vector<PendingWrite> const& writes,
@@ -31,10 +52,7 @@ WriteReport WriteEach(Output& output, std::string_view what, std::vector<Pending
         }
         progress.Count(fmt::format("{} {},", what, next->name), static_cast<std::size_t>(next - writes.begin()) + 1,
                        writes.size());
-        StatusInfo status = next->write();
-        for (int repeat = 0; repeat < MostRepeats && LostAnswer(status) && !interrupt.HasCome(); ++repeat) {
-            status = next->write();
-        }
+        StatusInfo status = Write(*next, progress, interrupt);
         unanswered = IsSilence(status) ? unanswered + 1 : 0;
         if (status.StatusCode == 0) {
             ++report.written;

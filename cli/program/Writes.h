@@ -11,10 +11,21 @@
 
 namespace harvlink::cli {
 
-/// A value or file that is to be written. Writing it twice must be the same as writing it once.
+/// What may follow a write whose answer is lost, so that nobody knows whether it acted.
+enum class AfterLoss {
+    /// It is read back, and written again if the controller does not hold it. Where another program has changed it meanwhile,
+    /// it is then written a second time.
+    WriteAgain,
+    /// It is read back, to report what became of it, and never written again: whatever waits for it might act twice.
+    ReadBack,
+};
+
+/// A value or file that is to be written.
 struct PendingWrite {
     std::string name; ///< such as "B5"
     std::function<StatusInfo()> write;
+    std::function<StatusInfo(bool& isHeld)> readBack; ///< whether the controller holds what was to be written
+    AfterLoss afterLoss = AfterLoss::ReadBack;
 };
 
 struct WriteFailure {
@@ -33,8 +44,8 @@ struct WriteReport {
 
 enum class AfterFailure { GoOn, Stop };
 
-/// Writes one after the other. A write whose answer is lost is repeated, up to three times. Three in a row that stay unanswered
-/// end it, and so does Ctrl-C.
+/// Writes one after the other. A write whose answer is lost is read back, and repeated up to three times if it may be. Three
+/// in a row that stay unanswered end it, and so does Ctrl-C.
 WriteReport WriteEach(Output& output, std::string_view what, std::vector<PendingWrite> const& writes,
                       AfterFailure afterFailure);
 

@@ -34,8 +34,9 @@ constexpr char const* RestoreNotes =
     "Groups and parameters can't be written. Signals are restored only with --only signals, as whatever\n"
     "is wired to them may move.\n"
     "The command reads the controller, shows the plan, asks, writes, reads again and shows what still\n"
-    "differs. Entries that only the controller has are not deleted. Exit status: 0 if nothing of the plan\n"
-    "differs at the end.";
+    "differs. Entries that only the controller has are not deleted. If an answer is lost, the entry is read\n"
+    "back, and written again only if the controller does not hold it; a signal is never written again.\n"
+    "Exit status: 0 if nothing of the plan differs at the end.";
 
 struct RestoreArguments {
     std::string folder;

@@ -48,28 +48,56 @@ bool CanBeWritten(Change const& change, bool isOlder) {
     return change.before && (change.section != "signals" || IsWritableSignal(change.name, isOlder));
 }
 
+PendingWrite WriteOfFile(std::string const& name, std::string const& contents, FileInterface& files) {
+    return {name, [&files, name, &contents] { return files.LoadToControllerFromString(name, contents); },
+            [&files, name, &contents](bool& isHeld) {
+                std::string present;
+                StatusInfo status = files.SaveFromControllerToString(name, present);
+                isHeld = present == contents;
+                return status;
+            },
+            AfterLoss::WriteAgain};
+}
+
+PendingWrite WriteOfRegister(std::string const& name, std::string const& text, IOInterface& io) {
+    auto const index = ParseNumber<std::uint16_t>(name, "register number");
+    auto const value = ParseNumber<std::uint16_t>(text, "register value");
+    return {"register " + name, [&io, index, value] { return io.WriteRegister(index, value); },
+            [&io, index, value](bool& isHeld) {
+                std::uint16_t present = 0;
+                StatusInfo status = io.ReadRegister(index, present);
+                isHeld = present == value;
+                return status;
+            },
+            AfterLoss::WriteAgain};
+}
+
+/// What is wired to a signal might act twice.
+PendingWrite WriteOfSignal(std::string const& name, bool isOn, IOInterface& io) {
+    auto const address = ParseNumber<unsigned>(name, "address of a signal");
+    return {"signal " + name, [&io, address, isOn] { return io.WriteBit(address, isOn); },
+            [&io, address, isOn](bool& isHeld) {
+                bool present = !isOn;
+                StatusInfo status = io.ReadBit(address, present);
+                isHeld = present == isOn;
+                return status;
+            },
+            AfterLoss::ReadBack};
+}
+
 PendingWrite WriteOf(Change const& change, Snapshot const& saved, QuorvanController& robot) {
     std::string const& name = change.name;
+    std::string const value = change.after.value_or("");
     if (change.section == FilesSection) {
-        return {name, [&robot, name, &contents = saved.files.find(name)->second] {
-                    return robot.Files->LoadToControllerFromString(name, contents);
-                }};
+        return WriteOfFile(name, saved.files.find(name)->second, *robot.Files);
     }
     if (change.section == "variables") {
         VariableAddress const address = ParseVariable(name);
-        return {name, [&robot, assignment = VariableAssignment{
-                                   address, ParseVariableValue(address.kind, change.after.value_or(""))}] {
-                    return WriteVariable(*robot.Variables, assignment);
-                }};
+        return PendingVariable(*robot.Variables, {address, ParseVariableValue(address.kind, value)},
+                               AfterLoss::WriteAgain);
     }
-    if (change.section == "registers") {
-        return {"register " + name, [&robot, index = ParseNumber<std::uint16_t>(name, "register number"),
-                                     value = ParseNumber<std::uint16_t>(change.after.value_or(""), "register value")] {
-                    return robot.IO->WriteRegister(index, value);
-                }};
-    }
-    return {"signal " + name, [&robot, address = ParseNumber<unsigned>(name, "address of a signal"),
-                               isOn = change.after == "on"] { return robot.IO->WriteBit(address, isOn); }};
+    return change.section == "registers" ? WriteOfRegister(name, value, *robot.IO)
+                                         : WriteOfSignal(name, value == "on", *robot.IO);
 }
 
 } // namespace

@@ -65,8 +65,7 @@ std::vector<PendingWrite> WritesOf(QuorvanController& robot, std::vector<Variabl
     std::vector<PendingWrite> writes;
     writes.reserve(assignments.size());
     for (VariableAssignment const& assignment : assignments) {
-        writes.push_back(
-            {VariableName(assignment.address), [&] { return WriteVariable(*robot.Variables, assignment); }});
+        writes.push_back(PendingVariable(*robot.Variables, assignment, AfterLoss::ReadBack));
     }
     return writes;
 }
@@ -75,8 +74,12 @@ void AddSetVariable(CLI::App& family, Session& session) {
     auto texts = std::make_shared<std::vector<std::string>>();
     CLI::App* const verb = family.add_subcommand("set", "Write variables; nothing is written if one of them is wrong");
     verb->add_option("VARIABLE=VALUE", *texts, "Such as B5=12 S4=hello P1=pulse:0,0,0,0,0,0 B0..B9=0")->required();
-    SetExamples(*verb, {"var set B5=12 S4=\"hello\"", "var set B0..B9=0", "var set P1=pulse:0,0,0,0,0,0"},
-                std::string(VariableHelp) + "\n" + PositionHelp);
+    SetExamples(
+        *verb, {"var set B5=12 S4=\"hello\"", "var set B0..B9=0", "var set P1=pulse:0,0,0,0,0,0"},
+        std::string(
+            "If an answer is lost, the variable is read back, and the command fails unless it holds the value:\n"
+            "nothing is written twice.\n") +
+            VariableHelp + "\n" + PositionHelp);
     verb->callback([texts, &session] {
         session.UseEncoding();
         std::vector<VariableAssignment> assignments;

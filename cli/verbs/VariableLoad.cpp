@@ -28,7 +28,9 @@ namespace {
 constexpr char const* StandardInput = "-";
 
 constexpr char const* LoadNotes =
-    "A lost answer is requested again. A refused variable is reported and the others are still written.\n"
+    "If an answer is lost, the variable is read back, and written again only if it does not hold the value.\n"
+    "If another program has changed it in between, it is then written twice. A refused variable is reported\n"
+    "and the others are still written.\n"
     "At the end the command reports what was written, what failed and why, and what was not tried\n"
     "because the controller no longer answered. FILE - is standard input.\n";
 
@@ -49,18 +51,17 @@ Assignments ReadFile(std::string const& path, Console& console) {
 int Load(Session& session, Output& output, Assignments const& assignments) {
     StatusInfo status;
     Connection const connection = session.Open(Access::Operate, status);
-    std::vector<PendingWrite> writes;
-    for (VariableAssignment const& assignment : assignments) {
-        writes.push_back(
-            {VariableName(assignment.address), [&] { return WriteVariable(*connection->Variables, assignment); }});
-    }
     WriteReport report;
     if (connection) {
+        std::vector<PendingWrite> writes;
+        for (VariableAssignment const& assignment : assignments) {
+            writes.push_back(PendingVariable(*connection->Variables, assignment, AfterLoss::WriteAgain));
+        }
         report = WriteEach(output, "Writing", writes, AfterFailure::GoOn);
     } else {
         output.Failure(status);
-        std::transform(writes.begin(), writes.end(), std::back_inserter(report.notTried),
-                       [](PendingWrite const& write) { return write.name; });
+        std::transform(assignments.begin(), assignments.end(), std::back_inserter(report.notTried),
+                       [](VariableAssignment const& assignment) { return VariableName(assignment.address); });
     }
     ShowReport(output, report, "variable");
     return output.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;

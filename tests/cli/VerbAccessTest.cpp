@@ -21,6 +21,7 @@
 #include "cli/output/Output.h"
 #include "cli/program/RepeatedRead.h"
 #include "cli/program/Session.h"
+#include "cli/program/Writes.h"
 #include "support/ScratchFolder.h"
 #include "wire/MinimumAccess.h"
 
@@ -242,6 +243,51 @@ TEST_F(VerbAccess, BeginsADownloadAnewThatLostABlock) {
         most = std::max(most, transfersBegun_.load());
     }
     EXPECT_GT(most, 1U);
+}
+
+/// What is lost is the write (w), the answer to it (a), the answer to the read-back (r) or nothing (.), one after the other.
+TEST(Writes, AreRepeatedOnlyIfTheyDidNotAct) {
+    struct Case {
+        AfterLoss afterLoss;
+        std::string_view losses;
+        std::size_t writes;
+        bool succeeds;
+    };
+    constexpr auto Again = AfterLoss::WriteAgain;
+    constexpr auto Once = AfterLoss::ReadBack;
+    std::istringstream in;
+    std::ostringstream out;
+    Console console{in, out, out, false, false, false};
+    Output output(console);
+    for (Case const& each :
+         {Case{Again, ".", 1, true}, Case{Again, "a.", 1, true}, Case{Again, "w..", 2, true},
+          Case{Again, "w.a.", 2, true}, Case{Again, "arr.", 1, true}, Case{Again, "arrrr", 1, false},
+          Case{Again, "w.w.w.w.", 4, false}, Case{Once, "a.", 1, true}, Case{Once, "w.", 1, false}}) {
+        auto left = each.losses.begin();
+        std::size_t writes = 0;
+        bool isHeld = false;
+        auto const answered = [&](char expected) {
+            return StatusInformation(left != each.losses.end() && *left++ == expected
+                                         ? ErrorStatusCodes::ResponseTimeout
+                                         : ErrorStatusCodes::Ok);
+        };
+        PendingWrite const pending{"B5",
+                                   [&] {
+                                       ++writes;
+                                       bool const isLost = *left == 'w';
+                                       isHeld = isHeld || !isLost;
+                                       return answered(isLost ? 'w' : 'a');
+                                   },
+                                   [&](bool& held) {
+                                       held = isHeld;
+                                       return answered('r');
+                                   },
+                                   each.afterLoss};
+        WriteReport const report = WriteEach(output, "Writing", {pending}, AfterFailure::GoOn);
+        EXPECT_EQ(writes, each.writes) << each.losses;
+        EXPECT_EQ(report.Succeeded(), each.succeeds) << each.losses;
+        EXPECT_EQ(left, each.losses.end()) << each.losses;
+    }
 }
 
 TEST(RepeatedRead, BeginsAnewOnlyAfterAnAnswerWasLostOrDamaged) {
