@@ -70,21 +70,28 @@ struct NetworkManager::Question {
     IncomingView reply;
     SubHeaderForSending asked;
     bool hasOwnId; ///< given by the caller, as in a transfer
-    bool isWaitedFor;
     bool isRepeated = false;
     std::uint8_t id = 0;
     microseconds period{};
     nanoseconds waited{}; ///< for the answer, since the request was sent
     std::size_t answerLength = 0;
     std::optional<Rule> refusedBy{}; ///< the rule that last dropped what would have been the answer
+    std::optional<Arrival> kept{}; ///< what counts as the answer unless a further one comes within the period
 
     CommandNumber Command() const { return static_cast<CommandNumber>(asked.command); }
     Division Port() const { return request.header.division; }
+    std::span<std::byte const> Sent() const {
+        return request.bytes.first(std::min(request.header.payloadSize + HeaderSize, request.bytes.size()));
+    }
 
     /// What writes, moves or acknowledges must not act twice.
     bool IsRepeatable() const { return request.header.ack == 0 && OnlyReads(Port(), Command(), asked.service); }
 
     bool IsFitting(std::size_t length) const { return FitsRequest(AskedNow(), AnswerOf(length)); }
+
+    bool MayBeOfOpening(std::size_t length, bool isNumbered) const {
+        return MayAnswerOpening(AskedNow(), AnswerOf(length), isNumbered);
+    }
 
     /// A block of a file on its way to the controller.
     bool SendsBlock() const { return IsBlockSent(AskedNow()); }
@@ -100,7 +107,7 @@ private:
 
 StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, std::optional<unsigned char> requestId,
                                     bool waitForReply) {
-    Question question{request, reply, SubHeaderOf(request), requestId.has_value(), waitForReply};
+    Question question{request, reply, SubHeaderOf(request), requestId.has_value()};
     if (policy.access != Access::Full) {
         Access const needed = MinimumAccess(question.Port(), question.Command(), question.asked.service);
         if (needed > policy.access) {
@@ -110,28 +117,24 @@ StatusInfo NetworkManager::Exchange(OutgoingView request, IncomingView reply, st
     ExchangeLock const lock(firstExchangeMutex, secondExchangeMutex);
     std::uint8_t const newId = GetNewRequestId();
     question.id = requestId.value_or(newId);
-    StatusInfo status = Ask(question);
-    NoteLossOfStartUp(status);
-    return status;
-}
-
-StatusInfo NetworkManager::Ask(Question& question) {
-    question.request.header.requestId = question.id;
+    request.header.requestId = question.id;
+    StatusInfo status;
     try {
-        if (!RenewIfDue(question)) {
-            return ReportUnreachable();
-        }
-        if (question.SendsBlock() && policy.Enforces(Rule::BlockOrder)) {
-            DropWaiting(question);
-        }
-        Send(question);
-        if (question.isWaitedFor) {
-            return WaitForAnswer(question);
+        if (RenewIfDue(question)) {
+            if (question.SendsBlock() && policy.Enforces(Rule::BlockOrder)) {
+                DropWaiting(question);
+            }
+            transport->Send(question.Port(), question.Sent());
+            NoteSent(question);
+            status = waitForReply ? WaitForAnswer(question) : CheckHeader(reply.subHeader);
+        } else {
+            status = ReportUnreachable();
         }
     } catch (std::system_error const& error) {
-        return StatusOf(error);
+        status = StatusOf(error);
     }
-    return CheckHeader(question.reply.subHeader);
+    NoteLossOfStartUp(status);
+    return status;
 }
 
 /// A port is also due after a read that was sent again, as the other answer is still on its way, and when the other port has
@@ -168,13 +171,11 @@ void NetworkManager::DropWaiting(Question& question) {
     Clear(question.reply);
 }
 
-void NetworkManager::Send(Question const& question) {
-    OutgoingView const& request = question.request;
-    std::size_t const length = std::min(request.header.payloadSize + HeaderSize, request.bytes.size());
-    transport->Send(question.Port(), request.bytes.first(length));
+void NetworkManager::NoteSent(Question const& question) {
+    CommonHeader const& header = question.request.header;
     usedIds.set(question.id);
-    statistics.Add(LinkCounter::BytesSent, length);
-    if (request.header.ack != 0 && request.header.payloadSize != 0) {
+    statistics.Add(LinkCounter::BytesSent, question.Sent().size());
+    if (header.ack != 0 && header.payloadSize != 0) {
         statistics.Add(LinkCounter::BlocksSent);
     }
 }
@@ -189,6 +190,7 @@ StatusInfo NetworkManager::ReportUnreachable() {
                       Rule::NewPort);
 }
 
+/// Listens for 1 + retries periods.
 StatusInfo NetworkManager::WaitForAnswer(Question& question) {
     statistics.Add(LinkCounter::Exchanges);
     if (question.hasOwnId || policy.Enforces(Rule::SilenceIsTimeout)) {
@@ -196,7 +198,12 @@ StatusInfo NetworkManager::WaitForAnswer(Question& question) {
     }
     bool& isDue = isNewPortDue[IndexOf(question.Port())];
     isDue = policy.Enforces(Rule::NewPort); // until it is answered, whatever ends the wait
-    Outcome const outcome = Listen(question);
+    question.period = microseconds(timeoutMicroseconds);
+    Outcome outcome = ListenForPeriod(question);
+    for (std::uint64_t number = 1; number <= retries && outcome == Outcome::Silent; ++number) {
+        Repeat(question);
+        outcome = ListenForPeriod(question);
+    }
     if (outcome == Outcome::Answered) {
         isDue = false;
         bool& isSecondDue = isSecondAnswerDue[IndexOf(question.Port())];
@@ -214,23 +221,13 @@ StatusInfo NetworkManager::WaitForAnswer(Question& question) {
     return ReportSilence(question);
 }
 
-/// Listens for 1 + retries periods.
-NetworkManager::Outcome NetworkManager::Listen(Question& question) {
-    question.period = microseconds(timeoutMicroseconds);
-    Outcome outcome = ListenForPeriod(question);
-    for (std::uint64_t number = 1; number <= retries && outcome == Outcome::Silent; ++number) {
-        Repeat(question);
-        outcome = ListenForPeriod(question);
-    }
-    return outcome;
-}
-
 void NetworkManager::Repeat(Question& question) {
     if (!policy.Watches(Rule::RepeatReads) || !question.IsRepeatable() || !Refuses(Rule::RepeatReads)) {
         return;
     }
     question.isRepeated = true;
-    Send(question);
+    transport->Send(question.Port(), question.Sent());
+    NoteSent(question);
     statistics.Add(LinkCounter::RepeatedRequests);
     if (isStartingUp) {
         statistics.Add(LinkCounter::StartUpRetries);
@@ -255,16 +252,27 @@ NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question) {
             return Outcome::Answered;
         }
         if (arrival.length == 0 && !arrival.isEmpty) {
-            return Outcome::Silent;
+            break;
         }
-        Refuses(Rule::Deadline);
-        if (hasDeadline) {
+        if (!question.kept) {
+            Refuses(Rule::Deadline);
+        }
+        if (hasDeadline || question.kept) {
             Clock::time_point const now = Clock::now();
             end = end.value_or(now + std::min<nanoseconds>(rest, longest) - arrival.waited);
             rest = std::chrono::ceil<microseconds>(*end - now);
         }
-    } while (hasDeadline && rest > microseconds::zero());
-    return Outcome::Silent;
+    } while ((hasDeadline || question.kept) && rest > microseconds::zero());
+    return question.kept ? TakeKept(question) : Outcome::Silent;
+}
+
+/// Nothing else came: this controller does not number its answers. It had said no more than that all is well.
+NetworkManager::Outcome NetworkManager::TakeKept(Question& question) {
+    Clear(question.reply);
+    question.reply.header.requestId = question.id;
+    question.answerLength = question.kept->length;
+    question.waited = question.kept->waited;
+    return Outcome::Answered;
 }
 
 /// Of a datagram that is not the answer only an id stays in the reply, and never that of the request.
@@ -303,8 +311,26 @@ bool NetworkManager::IsAcceptable(Question& question, Arrival const& arrival) {
         IsRefused(question, Rule::FittingAnswer, LinkCounter::MalformedAnswers)) {
         return false;
     }
-    return !question.IsOfOtherBlock(arrival.length, areUploadsNumbered) ||
-           !IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers);
+    if (question.IsOfOtherBlock(arrival.length, areUploadsNumbered) &&
+        IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers)) {
+        return false;
+    }
+    return !IsKept(question, arrival);
+}
+
+/// A doubled answer to the request that opened an upload can come when the block is on its way already. The first answer that
+/// could be it therefore waits for a further one, until the period is over.
+bool NetworkManager::IsKept(Question& question, Arrival const& arrival) {
+    if (question.kept) {
+        IsRefused(question, Rule::BlockOrder, LinkCounter::DoubledAnswers); // the one before
+        return false;
+    }
+    if (!policy.Enforces(Rule::BlockOrder) || !question.MayBeOfOpening(arrival.length, areUploadsNumbered)) {
+        return false;
+    }
+    question.kept = arrival;
+    question.kept->waited = question.waited;
+    return true;
 }
 
 bool NetworkManager::IsRefused(Question& question, Rule rule, LinkCounter counter) {

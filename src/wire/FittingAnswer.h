@@ -63,6 +63,15 @@ inline bool AnswersOtherBlock(Asked const& asked, Answer const& answer, bool are
     return IsBlockSent(asked) ? number != sent : number <= sent;
 }
 
+/// Whether it says nothing about the block that it answers and could be a second answer to the request that opened the upload:
+/// the first block went out, and the controller has not numbered any answer yet.
+inline bool MayAnswerOpening(Asked const& asked, Answer const& answer, bool areUploadsNumbered) {
+    bool const isFirst = IsBlockSent(asked) && (asked.header.blockNumber & ~LastBlockFlag) == 1;
+    bool const saysNothing =
+        answer.header.blockNumber == 0 && answer.subHeader.status == 0 && answer.subHeader.addedStatusSize == 0;
+    return isFirst && saysNothing && !areUploadsNumbered;
+}
+
 /// The code that an answer reports: its added status, or its status byte if that is 0. 0 for success.
 inline int AnsweredCode(SubHeaderForReceiving const& subHeader) {
     if (subHeader.status == 0 && subHeader.addedStatusSize == 0) {

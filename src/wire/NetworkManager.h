@@ -89,7 +89,7 @@ public:
     StatusInfo const& LossOfStartUp() const { return lossOfStartUp; }
     void NoteLossOfStartUp(StatusInfo const& status);
     void EndStartUp() { isStartingUp = false; }
-    /// What was lost is read anew.
+    /// What was lost is read again.
     void ForgetLossOfStartUp() { lossOfStartUp = {}; }
 
     /// The status that a reply reports: its added status, or its status byte if that is 0.
@@ -125,17 +125,17 @@ private:
     enum class Outcome : std::uint8_t;
 
     void ProbeGeneration(StatusInfo& status);
-    StatusInfo Ask(Question& question);
     bool RenewIfDue(Question const& question);
     void DropWaiting(Question& question);
-    void Send(Question const& question);
+    void NoteSent(Question const& question);
     StatusInfo ReportUnreachable();
     StatusInfo WaitForAnswer(Question& question);
-    Outcome Listen(Question& question);
     Outcome ListenForPeriod(Question& question);
+    Outcome TakeKept(Question& question);
     void Repeat(Question& question);
     bool IsAnswer(Question& question, Arrival const& arrival);
     bool IsAcceptable(Question& question, Arrival const& arrival);
+    bool IsKept(Question& question, Arrival const& arrival);
     bool IsRefused(Question& question, Rule rule, LinkCounter counter);
     void CountStray(Question const& question, Arrival const& arrival);
     StatusInfo TakeAnswer(Question const& question);

@@ -121,7 +121,6 @@ std::vector<Transfer> const transfers{
      {{{}}, {{.block = lastBlock + 1}}, {{}, {}}, {Refusal(57996)}},
      {0, "", 4},
      {57996, "", 4}},
-    {"answers without numbers", Load, {{{}}, {{}}, {{}}}, {0, "", 3}, {0, "", 3}},
 };
 
 constexpr Rules rules = NoRules.With(Rule::BlockOrder).With(Rule::Deadline);
@@ -194,6 +193,44 @@ TEST(BlockOrder, WhatWaitsBeforeABlockLeavesIsNotItsAnswer) {
         FileHandler files(&manager);
         EXPECT_EQ(files.LoadToControllerFromString("A.DAT", "x").StatusCode, isStrict ? 0x1f : 0);
         EXPECT_EQ(manager.Statistics().Snapshot().doubledAnswers, isStrict ? 1U : 0U);
+    }
+}
+
+/// The first answer to the first block waits for a further one, as long as the controller has not numbered any.
+TEST(BlockOrder, WhatComesBehindABlockIsNotItsAnswerIfAnotherFollows) {
+    using std::chrono::milliseconds;
+    Replies const twice{{}, {.delay = milliseconds(30)}}; // the second when the block is on its way
+    Reply const refusal{.status = 0x1f, .addedStatusSize = 2, .addedStatus = 57996, .delay = milliseconds(60)};
+    struct {
+        char const* name;
+        std::size_t size; ///< of the file: one block or two
+        std::vector<Replies> answers; ///< to the opening request and its blocks
+        int designed, strict;
+        std::uint64_t doubled;
+    } const cases[] = {
+        {"refused", 1, {twice, {refusal}}, 0, 57996, 1},
+        {"numbered", 500, {twice, {{.block = 1, .delay = milliseconds(60)}}, {{.block = lastBlock + 2}}}, 0, 0, 1},
+        {"not numbered", 500, {twice, {{.delay = milliseconds(60)}}, {{}}}, 0, 0, 1},
+        {"not doubled", 500, {{{}}, {{}}, {{}}}, 0, 0, 0},
+    };
+    for (auto const& example : cases) {
+        for (bool const isStrict : {false, true}) {
+            SCOPED_TRACE(testing::Message() << example.name << (isStrict ? ", strict" : ", designed"));
+            std::size_t asked = 0;
+            ScriptedController controller;
+            auto const manager = controller.Connect("YA1.00", 0, {.enforced = isStrict ? rules : NoRules});
+            manager->ResetTimeout();
+            manager->ResetTimeout(); // half a second
+            controller.AnswerRest([&](Datagram const&) {
+                return asked < example.answers.size() ? example.answers[asked++] : Replies{{}};
+            });
+            FileHandler files(manager.get());
+            StatusInfo const status = files.LoadToControllerFromString("A.DAT", std::string(example.size, 'x'));
+            EXPECT_EQ(status.StatusCode, isStrict ? example.strict : example.designed) << status.Message;
+            if (isStrict) {
+                EXPECT_EQ(manager->Statistics().Snapshot().doubledAnswers, example.doubled);
+            }
+        }
     }
 }
 

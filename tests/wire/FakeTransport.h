@@ -20,6 +20,8 @@ public:
         std::function<void()> onSend;
         /// Each wait calls it with the last id. It returns the number of bytes that it wrote into the buffer.
         std::function<std::size_t(std::uint8_t id, std::span<std::byte> buffer)> onReceive = AnswerAtOnce;
+        std::function<bool()> onRenew = [] { return true; };
+        unsigned renewals = 0;
         std::atomic<bool> isBusy = false;
     };
 
@@ -43,6 +45,11 @@ public:
         return record->onReceive(record->sentIds.back(), buffer);
     }
 
+    bool Renew(Division) override {
+        ++record->renewals;
+        return record->onRenew();
+    }
+
     static std::size_t AnswerAtOnce(std::uint8_t id, std::span<std::byte> buffer) {
         buffer[11] = std::byte{id};
         return buffer.size();
@@ -55,8 +62,8 @@ private:
 
 /// A manager with a fake transport that answers the probe.
 struct FakeSession {
-    explicit FakeSession(unsigned timeout = 100, unsigned retries = 0)
-        : manager(std::make_unique<FakeTransport>(record), timeout, retries, probeStatus) {
+    explicit FakeSession(unsigned timeout = 100, unsigned retries = 0, ConnectionPolicy const& policy = {})
+        : manager(std::make_unique<FakeTransport>(record), timeout, retries, probeStatus, policy) {
         record->periods.clear();
         record->sentIds.clear();
     }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <system_error>
 
 #include "support/ScratchFolder.h"
@@ -136,6 +137,36 @@ TEST(NetworkManager, SystemErrorsBecomeStatuses) {
         session.record->onSend = nullptr;
         session.record->onReceive = FakeTransport::AnswerAtOnce;
         EXPECT_EQ(session.Exchange().StatusCode, 0);
+    }
+}
+
+/// Whatever ended the wait, its answer may still come. Without a new port nothing may be sent; a lost route comes back.
+TEST(NetworkManager, ANewPortFollowsEachExchangeWithoutAnAnswer) {
+    std::function<std::size_t(std::uint8_t, std::span<std::byte>)> const ends[] = {
+        FakeTransport::Silence,
+        [](auto, auto) -> std::size_t { throw std::system_error(std::make_error_code(std::errc::io_error)); },
+        [](auto, auto) -> std::size_t { throw std::bad_alloc(); },
+    };
+    for (auto const& end : ends) {
+        FakeSession session(100, 0, {.enforced = NoRules.With(Rule::NewPort)});
+        session.record->onReceive = end;
+        try {
+            EXPECT_NE(session.Exchange().StatusCode, 0);
+        } catch (std::bad_alloc const&) {
+        }
+        session.record->onReceive = FakeTransport::AnswerAtOnce;
+        session.record->onRenew = [] { return false; };
+        for (unsigned attempt = 1; attempt <= 2; ++attempt) {
+            StatusInfo const status = session.Exchange();
+            EXPECT_EQ(status.StatusCode, 0x50007);
+            EXPECT_TRUE(status.Message.ends_with("no route to it. (rule NewPort)")) << status.Message;
+            EXPECT_EQ(session.record->renewals, attempt);
+        }
+        EXPECT_EQ(session.record->sentIds.size(), 1U) << "nothing leaves the old port";
+        session.record->onRenew = [] { return true; };
+        EXPECT_EQ(session.Exchange().StatusCode, 0);
+        EXPECT_EQ(session.Exchange().StatusCode, 0);
+        EXPECT_EQ(session.record->renewals, 3U);
     }
 }
 

@@ -1,6 +1,10 @@
 #include <bit>
 #include <chrono>
 
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include "support/LoopbackAddress.h"
 #include "support/ScriptedController.h"
 
@@ -86,6 +90,21 @@ bool AcceptsSpoiled(Session& session, std::size_t offset, std::uint8_t change = 
     return status.StatusCode == 0;
 }
 
+/// Sends it to a client from an address that is nobody's the client has asked.
+void SendFromStranger(Bytes const& bytes, std::uint16_t clientPort) {
+    int const stranger = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in endpoint{};
+    endpoint.sin_family = AF_INET;
+    endpoint.sin_addr.s_addr = ::inet_addr(NextLoopbackAddress().c_str());
+    EXPECT_EQ(::bind(stranger, reinterpret_cast<sockaddr const*>(&endpoint), sizeof(endpoint)), 0);
+    endpoint.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+    endpoint.sin_port = ::htons(clientPort);
+    EXPECT_GT(::sendto(stranger, bytes.data(), bytes.size(), 0, reinterpret_cast<sockaddr const*>(&endpoint),
+                       sizeof(endpoint)),
+              0);
+    ::close(stranger);
+}
+
 Edge const edges[] = {
     {"silence with number 0", Rule::SilenceIsTimeout,
      [](Session& s) {
@@ -104,6 +123,16 @@ Edge const edges[] = {
      [](Session& s) {
          s.Answer({{{}}, {{.payload = U32(5), .toOtherSocket = true}}});
          s.AcknowledgeBlock(1); // so that the file socket has an address
+         Hurry(*s.manager);
+         return s.Read().StatusCode == 0;
+     },
+     0, false},
+    {"an answer from another address", Rule::KnownSender,
+     [](Session& s) {
+         s.controller.AnswerRest([](Datagram const& request) {
+             SendFromStranger(ScriptedController::ReplyBytes(Payload(U32(5)), request), request.clientPort);
+             return Replies{};
+         });
          Hurry(*s.manager);
          return s.Read().StatusCode == 0;
      },
