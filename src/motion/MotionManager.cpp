@@ -262,7 +262,7 @@ StatusInfo MotionManager::ReadTargetProgress(ControlGroupId group, double& reach
     return CarryOut(*networkManager, TargetProgressRequest{slot}, reached);
 }
 
-StatusInfo MotionManager::SetAlarm(std::string const& text, unsigned char subCode) {
+StatusInfo MotionManager::SetAlarm(std::string_view text, unsigned char subCode) {
     return CarryOut(*networkManager, SetAlarmRequest(text, subCode));
 }
 

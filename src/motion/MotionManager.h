@@ -7,6 +7,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <type_traits>
 
@@ -25,7 +26,7 @@ namespace harvlink {
 /// thread of its own, the trajectory monitor.
 ///
 /// Locks, in this order, as LockRank has it: `startStopMutex`, `trajectoryMutex`, `targetsMutex`, those of an exchange. The
-/// monitor never holds the first two while it sends. The cached profiles belong to the thread that calls SendTarget, which is the monitor.
+/// monitor holds neither of the first two while it sends. The cached profiles belong to the thread that calls SendTarget.
 ///
 /// Three rules of the connection change what the monitor does: IdleMonitor, SentStep and BoundedClose.
 class MotionManager final : public MotionManagerInterface {
@@ -89,7 +90,7 @@ public:
     bool ClearTrajectory(TargetControlGroup group, StatusInfo& status);
 
     /// Raises alarm 8015 on the pendant with the first 31 bytes of `text`.
-    StatusInfo SetAlarm(std::string const& text, unsigned char subCode);
+    StatusInfo SetAlarm(std::string_view text, unsigned char subCode);
 
     /// Text for the pendant of a code as the controller sent it.
     std::string GetShortErrorMessage(int code) const;
@@ -114,13 +115,7 @@ private:
     StatusInfo Clear();
     StatusInfo SendClear(std::int32_t group);
     TargetProfile& Cached(TargetControlGroup group);
-
-    /// One setting of a step. Under Rule::BoundedClose none goes out any more once the connection closes.
-    template <typename Setting>
-    StatusInfo SendSetting(Setting const& setting) {
-        return Enforces(Rule::BoundedClose) && progress.IsClosing() ? StatusInformation(ErrorStatusCodes::StepWithdrawn)
-                                                                    : CarryOut(*networkManager, setting);
-    }
+    bool MayGoOn(StatusInfo& status) const;
 
     struct NumberedStep {
         StepNumber number{};
@@ -139,11 +134,13 @@ private:
     bool MayTakeStep() const;
     std::optional<NumberedStep> CopyFrontTrajectory();
     StatusInfo SendStep(MotionStep const& step, StepNumber number);
-    StatusInfo SendTargetOnce(SendTargetRequest const& request, MotionStep const& step, StepNumber number);
-    void WaitForRoom(StepNumber number, bool& isCounted);
+    StatusInfo SendTargetOnce(SendTargetRequest const& request, MotionStep const& step, StepNumber number,
+                              bool& isCounted);
+    void WaitForRoom(StepNumber number);
     void PopSentStep(StepNumber number);
     void HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group);
-    StatusInfo ReportFailure(StatusInfo status, StepNumber number, ControlGroupId group);
+    StatusInfo RaiseAlarm(int code);
+    StatusInfo LogFailure();
 
     ControlGroupId FailedGroup(MotionStep const& step) const;
     bool Enforces(Rule rule) const { return networkManager->Policy().Enforces(rule); }

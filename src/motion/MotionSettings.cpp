@@ -51,14 +51,28 @@ bool MotionManager::SetTargetProfile(MotionStep const& step, StatusInfo& status)
         groupBeingSet = group;
         TargetProfile const& profile = step.profiles[slot];
         bool const isPulse = profile.coordinateType == CoordinateType::Pulse;
-        if (!SetTargetCoords(profile, group, status) || !SetTargetSpeed(profile, group, profile.moveType, status) ||
-            (!isPulse && !SetTargetConfig(profile, group, status)) || !SetTargetTool(profile, group, status) ||
-            !SetTargetAccelRatio(profile, group, status) || !SetTargetDecelRatio(profile, group, status)) {
+        // Asked before each: under Rule::BoundedClose no setting goes out any more once the connection closes.
+        auto const goesOn = [&] { return MayGoOn(status); };
+        bool const isSet = goesOn() && SetTargetCoords(profile, group, status) && goesOn() &&
+                           SetTargetSpeed(profile, group, profile.moveType, status) && goesOn() &&
+                           (isPulse || SetTargetConfig(profile, group, status)) && goesOn() &&
+                           SetTargetTool(profile, group, status) && goesOn() &&
+                           SetTargetAccelRatio(profile, group, status) && goesOn() &&
+                           SetTargetDecelRatio(profile, group, status);
+        if (!isSet) {
             return false;
         }
     }
     groupBeingSet.reset();
     return true;
+}
+
+bool MotionManager::MayGoOn(StatusInfo& status) const {
+    bool const isEnding = Enforces(Rule::BoundedClose) && progress.IsClosing();
+    if (isEnding) {
+        status = StatusInformation(ErrorStatusCodes::StepWithdrawn);
+    }
+    return !isEnding;
 }
 
 bool MotionManager::SetTargetCoords(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
@@ -67,7 +81,7 @@ bool MotionManager::SetTargetCoords(TargetProfile const& profile, TargetControlG
     if (profile.coordinateType == cached.coordinateType) {
         return true;
     }
-    status = SendSetting(CoordRequest(group, profile.coordinateType, profile.userCoordinateNumber));
+    status = CarryOut(*networkManager, CoordRequest(group, profile.coordinateType, profile.userCoordinateNumber));
     if (status.StatusCode != 0) {
         return false;
     }
@@ -82,7 +96,7 @@ bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGr
     if (profile.speed == cached.speed) {
         return true;
     }
-    status = SendSetting(SetSpeedRequest{{group, WireSpeed(profile.speed, type)}});
+    status = CarryOut(*networkManager, SetSpeedRequest{{group, WireSpeed(profile.speed, type)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -93,7 +107,7 @@ bool MotionManager::SetTargetSpeed(TargetProfile const& profile, TargetControlGr
 bool MotionManager::SetTargetConfig(TargetProfile const& profile, TargetControlGroup group, StatusInfo& status) {
     TargetProfile& cached = Cached(group);
     if (!IsSameConfiguration(profile.figure, cached.figure)) {
-        status = SendSetting(SetConfigRequest{{group, FigureWord(profile.figure)}});
+        status = CarryOut(*networkManager, SetConfigRequest{{group, FigureWord(profile.figure)}});
         if (status.StatusCode != 0) {
             return false;
         }
@@ -107,7 +121,7 @@ bool MotionManager::SetTargetTool(TargetProfile const& profile, TargetControlGro
     if (profile.toolNumber == cached.toolNumber) {
         return true;
     }
-    status = SendSetting(SetToolRequest{{group, profile.toolNumber}});
+    status = CarryOut(*networkManager, SetToolRequest{{group, profile.toolNumber}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -126,7 +140,7 @@ bool MotionManager::SetTargetAccelRatio(TargetProfile const& profile, TargetCont
                                    "Acceleration ratio out of range. Valid ranges are 20.0%-100.00%.");
         return false;
     }
-    status = SendSetting(SetAccelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
+    status = CarryOut(*networkManager, SetAccelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
     if (status.StatusCode != 0) {
         return false;
     }
@@ -145,7 +159,7 @@ bool MotionManager::SetTargetDecelRatio(TargetProfile const& profile, TargetCont
                                    "Deceleration ratio out of range. Valid ranges are 20.00%-100.00%.");
         return false;
     }
-    status = SendSetting(SetDecelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
+    status = CarryOut(*networkManager, SetDecelRatioRequest{{group, HelperFunction::ConvertDoubleToInt32(ratio)}});
     if (status.StatusCode != 0) {
         return false;
     }

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <sstream>
+#include <utility>
 
 #include "motion/MotionManager.h"
 #include "status/ErrorTables.h"
@@ -24,6 +25,11 @@ constexpr std::chrono::microseconds idleSpin{200};
 /// Whether the step has to go out later or not at all, which is not a failure of it.
 bool IsWithdrawn(StatusInfo const& status) {
     return status.StatusCode == static_cast<int>(ErrorStatusCodes::StepWithdrawn);
+}
+
+/// For the pendant, of a code as the controller sent it.
+std::string_view ShortErrorText(int code) {
+    return MotionShortErrorTable.Find(code).value_or("Unknown Motion Error. Check HarvlinkLog.");
 }
 
 /// What a line of the log and a message name beside the designed one.
@@ -113,18 +119,26 @@ StatusInfo MotionManager::SendStep(MotionStep const& step, StepNumber number) {
         return status;
     }
     SendTargetRequest const request{{static_cast<std::uint32_t>(step.groups.to_ulong()), step.targets}};
-    status = SendTargetOnce(request, step, number);
-    for (bool isCounted = false; status.StatusCode == bufferFull;) {
-        WaitForRoom(number, isCounted);
-        status = SendTargetOnce(request, step, number);
+    bool isCounted = false;
+    status = SendTargetOnce(request, step, number, isCounted);
+    while (status.StatusCode == bufferFull) {
+        WaitForRoom(number);
+        status = SendTargetOnce(request, step, number, isCounted);
     }
     return status;
 }
 
-StatusInfo MotionManager::SendTargetOnce(SendTargetRequest const& request, MotionStep const& step, StepNumber number) {
+/// The rule counts once for each step that a close, a stop or a clear ends, or should have ended.
+StatusInfo MotionManager::SendTargetOnce(SendTargetRequest const& request, MotionStep const& step, StepNumber number,
+                                         bool& isCounted) {
     std::lock_guard const lock(targetsMutex);
-    if (Enforces(Rule::BoundedClose) && !progress.MaySend(number)) {
-        return StatusInformation(ErrorStatusCodes::StepWithdrawn);
+    if (networkManager->Policy().Watches(Rule::BoundedClose) && !progress.MaySend(number)) {
+        if (!std::exchange(isCounted, true)) {
+            networkManager->Refuses(Rule::BoundedClose);
+        }
+        if (Enforces(Rule::BoundedClose)) {
+            return StatusInformation(ErrorStatusCodes::StepWithdrawn);
+        }
     }
     StatusInfo status = CarryOut(*networkManager, request);
     if (status.StatusCode == 0) {
@@ -133,8 +147,7 @@ StatusInfo MotionManager::SendTargetOnce(SendTargetRequest const& request, Motio
     return status;
 }
 
-/// The rule counts once for each step whose repetition a close, a stop or a clear should have ended.
-void MotionManager::WaitForRoom(StepNumber number, bool& isCounted) {
+void MotionManager::WaitForRoom(StepNumber number) {
     if (number != 0) {
         progress.Full();
     }
@@ -142,10 +155,6 @@ void MotionManager::WaitForRoom(StepNumber number, bool& isCounted) {
         progress.SleepWhileFull(number, fullBufferPeriod);
     } else {
         std::this_thread::sleep_for(fullBufferPeriod);
-    }
-    if (!isCounted && !progress.MaySend(number)) {
-        isCounted = true;
-        networkManager->Refuses(Rule::BoundedClose);
     }
 }
 
@@ -185,8 +194,11 @@ ControlGroupId MotionManager::FailedGroup(MotionStep const& step) const {
 }
 
 void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, ControlGroupId group) {
-    progress.BeginFailure(number, status.StatusCode);
-    Guarded(*networkManager, [&] { return ReportFailure(std::move(status), number, group); });
+    int const code = status.StatusCode;
+    progress.BeginFailure({std::move(status), number, group});
+    // Each by itself: where memory runs out, the machine is still told, and the queue still dropped.
+    Guarded(*networkManager, [&] { return RaiseAlarm(code); });
+    Guarded(*networkManager, [&] { return LogFailure(); });
     // An end of the connection doesn't wait for one more exchange; what the controller has, it keeps on any close.
     if (!Enforces(Rule::BoundedClose) || !progress.IsClosing()) {
         ClearAllTrajectory();
@@ -194,16 +206,23 @@ void MotionManager::HandleFailedStep(StatusInfo status, StepNumber number, Contr
     progress.EndFailure();
 }
 
-StatusInfo MotionManager::ReportFailure(StatusInfo status, StepNumber number, ControlGroupId group) {
+/// Takes no memory until it is sent.
+StatusInfo MotionManager::RaiseAlarm(int code) {
+    // The offset undoes the fold. What was not folded, such as a missing reply, is then not in the table.
+    auto const controllerCode = static_cast<std::uint32_t>(code) + MotionErrorOffset;
+    return SetAlarm(ShortErrorText(static_cast<int>(controllerCode)), static_cast<unsigned char>(code & 0xff));
+}
+
+StatusInfo MotionManager::LogFailure() {
+    TrajectoryFailure const failure = progress.State().lastFailure;
+    StatusInfo const status{std::abs(failure.status.StatusCode), failure.status.Message};
     // Without a rule everything is said as designed, and no more.
     bool const isNamed = networkManager->Policy().enforced.bits != 0;
-    std::string const place = isNamed ? PlaceOf(networkManager->Address(), number, group) : "";
-    progress.NoteFailure({{status.StatusCode, status.Message + (isNamed ? '\n' + place : "")}, number, group});
-    // The offset undoes the fold. What was not folded, such as a missing reply, is then not in the table.
-    auto const controllerCode = static_cast<std::uint32_t>(status.StatusCode) + MotionErrorOffset;
-    std::string const shortText = GetShortErrorMessage(static_cast<int>(controllerCode));
-    SetAlarm(shortText, static_cast<unsigned char>(status.StatusCode & 0xff));
-    status.StatusCode = std::abs(status.StatusCode);
+    std::string const place =
+        isNamed ? PlaceOf(networkManager->Address(), failure.stepNumber, failure.group) : std::string();
+    if (isNamed) {
+        progress.NameFailure(status.Message + '\n' + place);
+    }
     networkManager->LogIfEnabled(status);
     if (isNamed) {
         networkManager->LogIfEnabled({status.StatusCode, place});
@@ -212,7 +231,7 @@ StatusInfo MotionManager::ReportFailure(StatusInfo status, StepNumber number, Co
 }
 
 std::string MotionManager::GetShortErrorMessage(int code) const {
-    return std::string(MotionShortErrorTable.Find(code).value_or("Unknown Motion Error. Check HarvlinkLog."));
+    return std::string(ShortErrorText(code));
 }
 
 } // namespace harvlink

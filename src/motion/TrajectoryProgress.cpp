@@ -137,18 +137,19 @@ void TrajectoryProgress::Sent(StepNumber number, MotionStep const& step) {
     forOthers.notify_all();
 }
 
-void TrajectoryProgress::BeginFailure(StepNumber number, std::int32_t code) {
+void TrajectoryProgress::BeginFailure(TrajectoryFailure failure) {
     std::lock_guard const lock(mutex);
-    if (StepRecord* const record = Leave(number, StepOutcome::Refused); record != nullptr) {
-        record->code = code;
+    if (StepRecord* const record = Leave(failure.stepNumber, StepOutcome::Refused); record != nullptr) {
+        record->code = failure.status.StatusCode;
     }
+    state.lastFailure = std::move(failure);
     isFailing = true;
     monitor = TrajectoryMonitorState::Failed;
 }
 
-void TrajectoryProgress::NoteFailure(TrajectoryFailure failure) {
+void TrajectoryProgress::NameFailure(std::string message) {
     std::lock_guard const lock(mutex);
-    state.lastFailure = std::move(failure);
+    state.lastFailure.status.Message = std::move(message);
 }
 
 void TrajectoryProgress::EndFailure() {
@@ -235,11 +236,6 @@ void TrajectoryProgress::Close() {
     forOthers.wait(lock, [this] { return visits == 0; });
 }
 
-bool TrajectoryProgress::IsClosing() const {
-    std::lock_guard const lock(mutex);
-    return isClosing;
-}
-
 bool TrajectoryProgress::MaySend(StepNumber number) const {
     std::lock_guard const lock(mutex);
     return MaySendLocked(number);
@@ -268,7 +264,7 @@ TrajectoryProgress::Visit::~Visit() {
 
 void TrajectoryProgress::Pause(Clock::time_point end) {
     std::unique_lock lock(mutex);
-    forOthers.wait_until(lock, end, [this] { return isClosing; });
+    forOthers.wait_until(lock, end, [this] { return isClosing.load(); });
 }
 
 bool TrajectoryProgress::AwaitOutcome(StepNumber number, Clock::time_point end) {

@@ -74,8 +74,8 @@ public:
     void Taken() { monitor.store(TrajectoryMonitorState::Sending, std::memory_order_relaxed); }
     void Full(); ///< There was no room for it.
     void Sent(StepNumber number, MotionStep const& step); ///< Number 0 only counts the targets.
-    void BeginFailure(StepNumber number, std::int32_t code); ///< Until EndFailure no wait returns.
-    void NoteFailure(TrajectoryFailure failure);
+    void BeginFailure(TrajectoryFailure failure); ///< Until EndFailure no wait returns. Takes no memory.
+    void NameFailure(std::string message); ///< In place of its text.
     void EndFailure();
     void Rested(); ///< There is nothing to send.
 
@@ -95,7 +95,7 @@ public:
     void Release();
     bool IsHeld() const;
     void Close(); ///< Ends all waits, and returns when nobody waits any more.
-    bool IsClosing() const;
+    bool IsClosing() const { return isClosing; }
 
     /// Whether the step may still be sent: neither withdrawn nor held back nor overtaken by the end of the connection.
     bool MaySend(StepNumber number) const;
@@ -154,7 +154,7 @@ private:
     bool isCountKnown = false;
     bool isFailing = false;
     bool isHeld = false;
-    bool isClosing = false;
+    std::atomic<bool> isClosing = false; ///< set under the lock, for those who wait
 };
 
 } // namespace harvlink

@@ -1,5 +1,6 @@
 #include "behaviour/Failure.h"
 
+#include <atomic>
 #include <bit>
 #include <set>
 
@@ -97,6 +98,7 @@ TEST(Failures, OfMemoryInEveryOperation) {
 struct QueuedPoint {
     explicit QueuedPoint(std::uint16_t answerToTarget) : answer(answerToTarget) {
         robot.machine.AnswerAll([this](unsigned command) -> std::optional<std::uint16_t> {
+            alarms += command == alarm ? 1U : 0U;
             if (ofMonitor != nullptr && command != start) {
                 Failure::Arm(std::exchange(ofMonitor, nullptr));
             }
@@ -107,8 +109,9 @@ struct QueuedPoint {
     }
 
     static constexpr std::uint16_t taken = 0, refused = 65534;
-    static constexpr unsigned start = 839, target = 842, waitMilliseconds = 20'000;
+    static constexpr unsigned start = 839, target = 842, alarm = 916, waitMilliseconds = 20'000;
     std::uint16_t answer;
+    std::atomic<unsigned> alarms = 0;
     Failure* ofMonitor = nullptr; ///< armed by the first exchange of the thread that sends
     Robot robot{false, {.enforced = StrictRules}};
     MotionManagerInterface& motion = *robot.controller->MotionManager;
@@ -134,6 +137,7 @@ TEST(Failures, OfMemoryOnTheThreadThatSendsPoints) {
             EXPECT_EQ(step.motion.GetTrajectoryState(state).StatusCode, 0);
             EXPECT_EQ(state.sent, status.StatusCode == 0 ? 1U : 0U) << status;
             EXPECT_EQ(state.sent + state.refused, 1U);
+            EXPECT_EQ(state.refused, step.alarms) << "whatever memory there is, the pendant shows it";
             step.robot.controller.reset(); // ends the thread
             if (!failure.hasHappened) {
                 EXPECT_EQ(status.StatusCode == 0, answer == QueuedPoint::taken) << status;
@@ -213,6 +217,7 @@ TEST(Failures, AreExceptionsAsDesigned) {
     for (ConnectionPolicy const& policy : {ConnectionPolicy{}, audit}) {
         OperatingTime designed(policy);
         EXPECT_THROW((void)designed.Read(), std::invalid_argument);
+        EXPECT_EQ(designed.robot.CountOf(Rule::NoExceptions), policy.Watches(Rule::NoExceptions) ? 1U : 0U);
         EXPECT_THROW((void)job_interface_set_active_job(&designed.robot.cell, nullptr, 0), std::logic_error);
         if (Failure::CanFail(Resource::Memory)) {
             designed.robot.machine.Play({{114}}, 0, Lost);
@@ -226,6 +231,7 @@ TEST(Failures, AreExceptionsAsDesigned) {
     StatusInfo const status = strict.Read();
     EXPECT_EQ(status.StatusCode, 0x50008);
     EXPECT_TRUE(status.Message.ends_with("(rule NoExceptions)")) << status;
+    EXPECT_EQ(strict.robot.CountOf(Rule::NoExceptions), 1U);
     EXPECT_EQ(strict.time.startTimeEpoch, 0);
     EXPECT_EQ(Take(job_interface_set_active_job(&strict.robot.cell, nullptr, 0)).StatusCode, 0x50007);
 }

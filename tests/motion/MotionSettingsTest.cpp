@@ -38,6 +38,30 @@ MotionStep StepOf(Motion const& motion, TargetControlGroup group = GroupOne) {
     return step;
 }
 
+/// What the class offers beside its interface, and does not need itself.
+TEST(MotionManager, CommandsAndStepsOneByOne) {
+    MotionSession session;
+    std::uint32_t const word = 3;
+    std::pair<Reply, int> const answers[] = {{Payload(U32(77)), 0}, {Refusal(65534), 65534}};
+    for (auto const& [answer, code] : answers) { // not folded
+        session.controller.Expect(RobotRequest(844, 0, 0, 1, Words({3})), answer);
+        StatusInfo status;
+        auto const reply = session.manager->SendMotionCommand<std::uint32_t const, std::uint32_t>(
+            word, CommandNumber::MotionTargetProgress, status, ServiceReadAll);
+        EXPECT_EQ(status.StatusCode, code);
+        EXPECT_EQ(reply.payload, code == 0 ? 77U : 0U);
+    }
+    for (double const x : {1.0, 2.0}) {
+        session.manager->AddPointToTrajectory(Point(x), {}, {}, {});
+    }
+    for (std::uint64_t const withdrawn : {1U, 2U, 2U}) { // the third finds nothing
+        session.manager->TryPopFrontTrajectory();
+        TrajectoryState state;
+        session.manager->GetTrajectoryState(state);
+        EXPECT_EQ(state.withdrawn, withdrawn);
+    }
+}
+
 TEST(MotionSettings, GoOutInTheirOrderAndOnlyOnce) {
     MotionSession session;
     for (Bytes const& setting : fullLineSettings) {

@@ -133,8 +133,8 @@ TEST(TrajectoryRules, AfterAClearTheStepThatWasSentIsTheOneThatGoes) {
 }
 
 /// What went out when a full buffer met a stop or clear, with all repetitions taken as one.
-Sequence WhileFull(Rules rules, StatusInfo (*operation)(MotionManager&), bool startsAgain) {
-    RunningSession session({.enforced = rules});
+Sequence WhileFull(ConnectionPolicy const& policy, StatusInfo (*operation)(MotionManager&), bool startsAgain) {
+    RunningSession session(policy);
     session.isFull = true;
     for (int i = 1; i <= 2; ++i) {
         session.Add(i);
@@ -143,6 +143,12 @@ Sequence WhileFull(Rules rules, StatusInfo (*operation)(MotionManager&), bool st
     EXPECT_EQ(operation(*session.manager).StatusCode, 0);
     // As designed, the repetition still goes on when this has its answer; under the rule nothing comes between.
     session.manager->SetTool(TargetControlGroup::GroupTwo, 0);
+    bool const isWatched = policy.Watches(Rule::BoundedClose);
+    auto const end = std::chrono::steady_clock::now() + 10s;
+    while (isWatched && CountOf(Rule::BoundedClose, session) == 0 && std::chrono::steady_clock::now() < end) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(CountOf(Rule::BoundedClose, session) > 0, isWatched);
     session.isFull = false;
     if (startsAgain) {
         session.manager->MotionStart();
@@ -160,7 +166,7 @@ TEST(TrajectoryRules, StopAndClearEndTheWaitForRoom) {
     auto const halt = [](MotionManager& manager) { return manager.MotionStop(false); };
     auto const stopAndClear = [](MotionManager& manager) { return manager.MotionStop(true); };
     auto const drop = [](MotionManager& manager) { return manager.ClearAllTrajectory(); };
-    Rules const bounded = Only(Rule::BoundedClose).With(Rule::SentStep);
+    ConnectionPolicy const bounded{.enforced = Only(Rule::BoundedClose).With(Rule::SentStep)};
 
     EXPECT_EQ(WhileFull(bounded, halt, false), (Sequence{{target, 1}, {stop, 0}, {tool, 0}}));
     EXPECT_EQ(WhileFull(bounded, halt, true),
@@ -170,10 +176,16 @@ TEST(TrajectoryRules, StopAndClearEndTheWaitForRoom) {
     EXPECT_EQ(WhileFull(bounded, drop, true), (Sequence{{target, 1}, {clear, 0}, {tool, 0}, {start, 0}, {target, 3}}));
 
     // As designed the step that is under way goes out whatever happens, and a stop holds nothing.
-    auto const designed = WhileFull(NoRules, halt, true);
-    auto const stopped = std::ranges::find(designed, std::pair{stop, 0});
-    EXPECT_GT(std::count(stopped, designed.end(), std::pair{target, 1}), 0);
-    EXPECT_EQ(designed.back(), (std::pair{target, 3}));
+    for (Rules const audited : {NoRules, StrictRules.Without(Rule::SentStep)}) {
+        for (auto const& [operation, command] : {std::pair{+halt, stop}, {+stopAndClear, clear}, {+drop, clear}}) {
+            auto const designed = WhileFull({.enforced = Only(Rule::SentStep), .audited = audited}, operation, true);
+            auto const halted = std::ranges::find(designed, std::pair{command, 0});
+            EXPECT_GT(std::count(halted, designed.end(), std::pair{target, 1}), 0);
+            if (command == stop) {
+                EXPECT_EQ(designed.back(), (std::pair{target, 3}));
+            }
+        }
+    }
 }
 
 /// The stop comes second while the start still waits for its answer: it decides.
