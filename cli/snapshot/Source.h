@@ -18,7 +18,7 @@ public:
 
     QuorvanController& robot;
 
-    /// Calls `read()`, and up to three times anew if the answer was lost or damaged: among thousands of datagrams one may be.
+    /// Calls `read()`, and up to three more times if the answer was lost or damaged: among thousands of datagrams one may be.
     /// If there is no answer even then, the controller counts as gone.
     template <typename ReadOnce>
     StatusInfo Ask(std::string_view what, ReadOnce const& read) {

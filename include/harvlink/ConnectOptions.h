@@ -41,7 +41,9 @@ enum class Rule : std::uint32_t {
     WholeAnswer = 1U << 6U, ///< an answer shorter than its record fails
     BlockOrder =
         1U << 7U, ///< blocks of a file rise by one; a repeated one is dropped; no more than `largestFile` bytes
-    WholeStartUp = 1U << 8U, ///< a connection opens only if its groups and tools could be read
+    /// A connection opens only if its groups and tools could be read. A controller that refuses the axes of a group or a motion
+    /// slot has answered all the same: the group counts as one without an eighth axis, and the slots end there.
+    WholeStartUp = 1U << 8U,
     IdleMonitor = 1U << 9U, ///< the thread that feeds motion sleeps while it has nothing to send
     SentStep = 1U << 10U, ///< after a clear, only the step that was sent leaves the queue
     BoundedClose = 1U << 11U, ///< closing, stopping and clearing end the wait for room in the controller's buffer

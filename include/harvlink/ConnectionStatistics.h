@@ -37,7 +37,8 @@ struct ConnectionStatistics {
     std::uint64_t malformedAnswers =
         0; ///< magic, division, header size, service or payload size do not fit, or too short
     std::uint64_t repeatedRequests = 0; ///< reads that were asked again
-    std::uint64_t startUpRetries = 0; ///< those of them while the connection opened
+    std::uint64_t startUpRetries =
+        0; ///< while the connection opened: reads asked again, and files read again from the start
     std::uint64_t blocksReceived = 0;
     std::uint64_t blocksSent = 0;
     std::uint64_t bytesReceived = 0; ///< of all datagrams

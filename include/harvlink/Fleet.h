@@ -286,7 +286,7 @@ public:
     StatusInfo Add(std::string const& name, FleetControllerOptions const& options,
                    std::vector<FleetGroup> const& groups);
 
-    /// Replaces options and groups of a controller. Its values start anew. UnknownFleetController for a name that is not
+    /// Replaces options and groups of a controller. Its values are read again. UnknownFleetController for a name that is not
     /// there; InvalidFleet as for Add, and it goes on as before.
     StatusInfo Change(std::string const& name, FleetControllerOptions const& options,
                       std::vector<FleetGroup> const& groups);

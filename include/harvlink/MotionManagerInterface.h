@@ -57,7 +57,7 @@ struct SpeedStruct {
 /// thread raises alarm 8015 on the pendant, writes the log file, empties the queue and clears the controller's targets;
 /// the program is not called back.
 ///
-/// To go on after that, on the same connection: ClearAllFaults, SetServos(On), MotionStart, and add points anew from
+/// To go on after that, on the same connection: ClearAllFaults, SetServos(On), MotionStart, and queue new points from
 /// where the robot stands. The alarm drops the servo power: without turning it on, the next point raises 8015 again.
 /// MotionStart is needed if the robot was moving when the alarm came, and does no harm if it stood.
 ///
@@ -69,9 +69,9 @@ struct SpeedStruct {
 ///
 /// Three rules of a connection with options change this, see Rule. IdleMonitor: the thread sleeps while it has nothing to
 /// send. SentStep: after a clear, only the step that was sent leaves the queue. BoundedClose: a stop, a clear and a close end
-/// the wait for room in the controller's buffer; no target goes out after MotionStop(false) until the next MotionStart; a
-/// close drops the queue and takes at most two exchanges. With any rule, the log file and the message of a failure name
-/// controller, step and group in a line of their own. Without full access, points are refused with AccessDenied.
+/// the wait for room in the controller's buffer; no target goes out after MotionStop(false), or a stop without an answer,
+/// until the next MotionStart; a close drops the queue and takes at most two exchanges. With any rule, the log file and
+/// a failure's message name controller, step and group in a line of their own. Points without full access: AccessDenied.
 class MotionManagerInterface {
 public:
     MotionManagerInterface() = default;
@@ -99,7 +99,8 @@ public:
     virtual StatusInfo MotionStart() = 0;
 
     /// Stops the motion; with `clearTrajectory` a stop that succeeded also empties the queue and the controller's
-    /// targets. Without it, the queue goes on being fed. One or two exchanges.
+    /// targets. Without it, the queue goes on being fed; Rule::BoundedClose holds it until the next MotionStart, also if
+    /// the answer to the stop is lost. One or two exchanges.
     virtual StatusInfo MotionStop(bool clearTrajectory) = 0;
 
     /// Empties the queue and the controller's targets. A point that is being sent at this moment still goes out.
@@ -135,9 +136,11 @@ public:
     /// StepWithdrawn for a step that was dropped from the queue, or was sent and cleared on its way; UnknownStep for a number
     /// that was never given, or lies more than 1,024 steps back; the status of a read that failed.
     ///
-    /// Whenever it returns, no failed step is being handled: what is queued next is not dropped with it. This can take the
-    /// alarm and the clear, two exchanges, longer than the time-out. A close ends the wait with StepWithdrawn. Every 20 ms one
-    /// exchange for the state and, once the step was sent, up to two for each of its groups. They only read.
+    /// Whenever it returns, no failed step is being handled: what is queued next is not dropped with it. So it can take longer
+    /// than the time-out: by the alarm and the clear, two exchanges; after an alarm, by up to a second until the queue that the
+    /// controller then refuses is dropped, and by the reads of the active alarms, up to four. A close ends the wait with
+    /// StepWithdrawn. Every 20 ms one exchange for the state and, once the step was sent, up to two for each of its groups.
+    /// They only read.
     virtual StatusInfo WaitForTarget(std::uint64_t /*stepNumber*/, unsigned /*timeoutMilliseconds*/,
                                      double /*tolerance*/ = 1.0) {
         return StatusInformation(ErrorStatusCodes::UnsupportedOnThisController);

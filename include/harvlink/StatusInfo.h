@@ -68,7 +68,7 @@ enum class ErrorStatusCodes : std::int32_t {
     UnreadableTime = 0x50008, ///< the controller's operating time is not one
     StepWithdrawn = 0x50009, ///< a queued step was dropped by a stop, a clear, a failure or the end of the connection
     WaitTimedOut = 0x50010, ///< what was waited for did not happen in the given time
-    UnknownStep = 0x50011, ///< no step of this number was queued
+    UnknownStep = 0x50011, ///< no step of this number was queued, or it is more than 1,024 steps back
     NameNotResolved = 0x50012, ///< the system has no IPv4 address for the name of the controller
 
     // Of fleets, see Fleet.h.

@@ -941,7 +941,8 @@ HARVLINK_EXPORT double motion_manager_GetMotionTargetProgress(ControllerHandle h
 /** Lets the controller move to its targets, and starts to send the queue. */
 HARVLINK_EXPORT IStatusInfo motion_manager_MotionStart(ControllerHandle handle);
 /** Stops the motion. With `clearTrajectory` a stop that succeeded also clears the queue and the controller's
- * targets; without it the queue goes on being sent. */
+ * targets. Without it the queue goes on being sent; the rule BoundedClose holds it until the next start, also if the answer
+ * to the stop is lost. */
 HARVLINK_EXPORT IStatusInfo motion_manager_MotionStop(ControllerHandle handle, bool clearTrajectory);
 /** Clears the queue and the controller's targets. */
 HARVLINK_EXPORT IStatusInfo motion_manager_ClearAllTrajectory(ControllerHandle handle);

@@ -163,7 +163,7 @@ void QuorvanControllerImplementation::CreateInterfaces(int rs22State, int number
     QuorvanController::Kinematics = KinematicsPtr(&networkManager);
 }
 
-/// Where a gap fails the connection, a file of which blocks have arrived begins anew if one is lost: a read is safe to repeat.
+/// Where a gap fails the connection, a file that lost a block is read again from its start: a read is safe to repeat.
 StatusInfo QuorvanControllerImplementation::ReadFile(std::string const& name, std::string& text) {
     LinkStatistics& statistics = networkManager.Statistics();
     for (int repeat = 0;; ++repeat) {

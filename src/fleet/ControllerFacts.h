@@ -8,7 +8,7 @@
 
 namespace harvlink::fleet {
 
-/// What has to be known of a controller before its items can be read. Learnt anew after each silence.
+/// What has to be known of a controller before its items can be read. Read again after each silence.
 struct ControllerFacts {
     static constexpr std::size_t groupNumbers = 45;
 

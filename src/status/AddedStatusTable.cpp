@@ -17,7 +17,7 @@ constexpr auto rows = SortRows(std::to_array<StatusText<std::int32_t>>({
     {0x50008, "The controller's operating time can't be read."},
     {0x50009, "The step was withdrawn before the controller took it."},
     {0x50010, "It did not happen in the given time."},
-    {0x50011, "No step of this number was queued."},
+    {0x50011, "No step of this number was queued, or it is too far back."},
     {0x50012, "The name of the controller could not be resolved."},
     {0x50013, "The fleet can't be watched like this."},
     {0x50014, "The fleet has no controller of this name."},
