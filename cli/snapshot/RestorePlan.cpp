@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/output/Words.h"
+#include "cli/program/RepeatedRead.h"
 #include "cli/program/VariableAccess.h"
 #include "harvlink/FileInterface.h"
 #include "harvlink/IOInterface.h"
@@ -53,8 +54,9 @@ PendingWrite WriteOfFile(std::string const& name, std::string const& contents, F
             [&files, name, &contents](bool& isHeld) {
                 std::string present;
                 StatusInfo status = files.SaveFromControllerToString(name, present);
-                isHeld = present == contents;
-                return status;
+                isHeld = status.StatusCode == 0 && present == contents;
+                bool const isRefused = status.StatusCode != 0 && !LostAnswer(status) && !IsSilence(status);
+                return isRefused ? StatusInfo{} : status; // there is no such file yet
             },
             AfterLoss::WriteAgain};
 }
