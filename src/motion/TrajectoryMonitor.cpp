@@ -215,7 +215,7 @@ StatusInfo MotionManager::RaiseAlarm(int code) {
 
 StatusInfo MotionManager::LogFailure() {
     TrajectoryFailure const failure = progress.State().lastFailure;
-    StatusInfo const status{std::abs(failure.status.StatusCode), failure.status.Message};
+    StatusInfo status{std::abs(failure.status.StatusCode), failure.status.Message};
     // Without a rule everything is said as designed, and no more.
     bool const isNamed = networkManager->Policy().enforced.bits != 0;
     std::string const place =
