@@ -135,6 +135,7 @@ void HttpServer::Implementation::Listen(ListenConfig const& config) {
                            : LWS_SERVER_OPTION_DISABLE_IPV6;
     if (!config.key.empty()) {
         info.options |= LWS_SERVER_OPTION_DO_SSL_GLOBAL_INIT;
+        info.alpn = "http/1.1"; // of HTTP/2 the headers have other names, and a WebSocket gains nothing
         info.ssl_cert_filepath = config.certificate.c_str();
         info.ssl_private_key_filepath = config.key.c_str();
     }
