@@ -59,7 +59,7 @@ TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
         EXPECT_EQ(status.StatusCode, answers ? 0 : 0x30006);
         std::vector<long> microseconds;
         for (timeval const& period : session.record->periods) {
-            microseconds.push_back(period.tv_usec);
+            microseconds.push_back(static_cast<long>(period.tv_usec));
         }
         EXPECT_EQ(microseconds,
                   answers ? (std::vector<long>{120000, 30000}) : (std::vector<long>{120000, 30000, 30000}));
