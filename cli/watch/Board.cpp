@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 #include <stdexcept>
+#include <utility>
 
 #include <arpa/inet.h>
 #include <fmt/format.h>
@@ -67,7 +68,7 @@ bool CellRow::IsSettled() const {
     return HowBad() == Rank::NoAnswer || isRead;
 }
 
-Board::Board(std::vector<FleetCell> const& cells, milliseconds interval) : cells_(cells), interval_(interval) {
+Board::Board(std::vector<FleetCell> cells, milliseconds interval) : cells_(std::move(cells)), interval_(interval) {
     if (StatusInfo const status = fleet_.Start(); status.StatusCode != 0) {
         throw std::runtime_error(status.Message);
     }

@@ -43,7 +43,7 @@ struct CellRow {
 class Board {
 public:
     /// Begins at once. Names of hosts are resolved beside each other. Throws std::runtime_error if the computer gives no means.
-    Board(std::vector<FleetCell> const& cells, std::chrono::milliseconds interval);
+    Board(std::vector<FleetCell> cells, std::chrono::milliseconds interval);
 
     /// The worst first, those that are equally bad in the order of the cells.
     std::vector<CellRow> Rows();
