@@ -35,7 +35,8 @@ Response NoRecording(char const* what) {
 std::vector<ApiItem> WantedItems(Request const& request, Controller const& controller) {
     std::vector<ApiItem> const all = ItemsOf(controller);
     std::vector<ApiItem> wanted;
-    for (std::string_view const text : words::Split(TextOf(request, "items"), ',')) {
+    std::string const ids = TextOf(request, "items");
+    for (std::string_view const text : words::Split(ids, ',')) {
         auto const id = words::ParseNumber<std::uint32_t>(text, "item");
         if (id == 0 || id > all.size()) {
             throw words::InputError(fmt::format("the controller has no item {}", id));

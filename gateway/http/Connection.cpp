@@ -29,10 +29,13 @@ std::string QueryOf(lws* socket) {
     // The library keeps the parts between the ampersands apart.
     std::string query;
     std::array<char, 2048> part{};
-    for (int i = 0; lws_hdr_copy_fragment(socket, part.data(), part.size(), WSI_TOKEN_HTTP_URI_ARGS, i) > 0; ++i) {
-        query += (query.empty() ? "" : "&") + std::string(part.data());
+    for (int i = 0;; ++i) {
+        int const length = lws_hdr_copy_fragment(socket, part.data(), part.size(), WSI_TOKEN_HTTP_URI_ARGS, i);
+        if (length <= 0) {
+            return query;
+        }
+        query.append(query.empty() ? "" : "&").append(part.data(), static_cast<std::size_t>(length));
     }
-    return query;
 }
 
 std::string MethodOf(lws* socket) {

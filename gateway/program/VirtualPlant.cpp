@@ -15,15 +15,19 @@ using words::Json;
 constexpr unsigned FirstBlock = 60; ///< of 127.60.0.0
 constexpr unsigned Blocks = 40;
 constexpr unsigned HostsOfNet = 250;
+constexpr unsigned EachThird = 3; ///< runs a job and stands still
 
-/// In automatic mode with a job that counts, and each at another place of it.
-void SetToWork(simulator::VirtualController& controller, unsigned number) {
+/// In automatic mode, ready to move; with a job that counts if it does not.
+void SetToWork(simulator::VirtualController& controller, unsigned number, bool moves) {
     controller.WithParts([&](simulator::ControllerParts& parts) {
         parts.model.SetMode(simulator::Mode::Remote);
         parts.model.SetServo(true);
         parts.model.SetCycle(CycleMode::Automatic);
         parts.model.registers[0] = static_cast<std::uint16_t>(number);
         constexpr unsigned EachFourth = 4; // has a job that calls another one: more would hide all other events
+        if (moves) {
+            return; // a job would hold the arm
+        }
         if (parts.jobs.Select(number % EachFourth == 0 ? "DEMO" : "PICK", 0) == simulator::Refusal::None) {
             parts.jobs.Start();
         }
@@ -81,6 +85,14 @@ VirtualPlant::VirtualPlant(unsigned count) {
 }
 
 VirtualPlant::~VirtualPlant() {
+    {
+        std::scoped_lock const lock(mutex_);
+        isEnding_ = true;
+    }
+    ends_.notify_all();
+    if (mover_.joinable()) {
+        mover_.join();
+    }
     server_->Stop();
 }
 
@@ -96,9 +108,24 @@ bool VirtualPlant::Start(unsigned block, unsigned count) {
     }
     unsigned number = 0;
     for (auto const& [name, controller] : controllers_) {
-        SetToWork(*controller, number++);
+        bool const moves = number % EachThird != EachThird - 1;
+        SetToWork(*controller, number, moves);
+        if (moves) {
+            tours_.emplace_back(controller, simulator::Tour(number));
+        }
+        ++number;
     }
+    mover_ = std::thread([this] { KeepMoving(); });
     return true;
+}
+
+void VirtualPlant::KeepMoving() {
+    std::unique_lock lock(mutex_);
+    do {
+        for (auto& [controller, tour] : tours_) {
+            controller->WithParts([&](simulator::ControllerParts& parts) { tour.Feed(parts); });
+        }
+    } while (!ends_.wait_for(lock, std::chrono::seconds(1), [&] { return isEnding_; }));
 }
 
 void VirtualPlant::AddTo(Config& config) const {

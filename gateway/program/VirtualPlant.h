@@ -6,15 +6,18 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "gateway/config/Config.h"
 #include "gateway/http/Request.h"
+#include "simulator/control/Tour.h"
 #include "simulator/network/Server.h"
 
 namespace harvlink::gateway {
 
-/// The virtual controllers of --simulate, on loopback addresses of their own. They work: each runs a job, some stand still now
-/// and then. Only they can be changed through the gateway, and only within this process.
+/// The virtual controllers of --simulate, on loopback addresses of their own. They work: two of three move their
+/// arms, the others run a job. Only they can be changed through the gateway, and only within this process.
 class VirtualPlant {
 public:
     /// Throws ConfigError if there are not so many free addresses.
@@ -31,10 +34,16 @@ public:
 
 private:
     bool Start(unsigned block, unsigned count);
+    void KeepMoving();
 
     std::unique_ptr<simulator::Server> server_;
     simulator::ControllerOptions options_;
     std::map<std::string, simulator::VirtualController*> controllers_; ///< by name
+    std::vector<std::pair<simulator::VirtualController*, simulator::Tour>> tours_; ///< of those whose arms move
+    std::mutex mutex_;
+    std::condition_variable ends_;
+    bool isEnding_ = false;
+    std::thread mover_;
 };
 
 } // namespace harvlink::gateway

@@ -43,6 +43,11 @@ export function minuteBefore(event: PlantEvent): string {
     return `#/history?${query}`;
 }
 
+/** Leaves a list that is already there alone: a link must not vanish under the pointer. */
 export function showEvents(place: HTMLElement, events: PlantEvent[], hasHistory: boolean, isOfMany: boolean): void {
-    replace(place, eventList(events, hasHistory, isOfMany));
+    const shown = `${hasHistory} ${events.map((event) => `${event.id}/${event.time}`).join(" ")}`;
+    if (place.dataset["shown"] !== shown) {
+        place.dataset["shown"] = shown;
+        replace(place, eventList(events, hasHistory, isOfMany));
+    }
 }

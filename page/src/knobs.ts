@@ -34,6 +34,8 @@ export function knobsOf(name: string): HTMLElement {
         row(
             button(texts.knobs.hold, () => ({ hold: true })),
             button(texts.knobs.release, () => ({ hold: false })),
+            button(texts.servo.on, () => ({ servo: true })),
+            button(texts.servo.off, () => ({ servo: false })),
         ),
         row(
             signal,

@@ -66,7 +66,7 @@ ROOMS = {
         "replay": ["protocol", "model"],
         "scene": ["protocol", "model", "faults", "files", "controller"],
         "network": ["base", "protocol", "faults", "controller"],
-        "control": ["base", "protocol", "faults", "model", "controller", "scene"],
+        "control": ["base", "protocol", "faults", "model", "arm", "motion", "controller", "scene"],
         "program": ["base", "protocol", "faults", "model", "arm", "jobs", "files", "motion", "handlers", "controller",
                     "replay", "scene", "network", "control"],
     }),

@@ -153,6 +153,7 @@ test("controller", async (t) => {
         await page.locator(".events [data-kind=alarm-raised]").first().waitFor();
         await knob(gateway, name, { reset: true });
         await page.locator(".alarm-card").getByText("No alarm.").waitFor();
+        await knob(gateway, name, { servo: true });
     });
 
     await t.test("silence is a gap", async () => {

@@ -97,6 +97,7 @@ export async function openPage(browser, gateway, path = "", options = {}) {
     page.problems = [];
     page.on("pageerror", (error) => page.problems.push(String(error)));
     page.on("console", (message) => message.type() === "error" && page.problems.push(message.text()));
+    page.on("response", (answer) => answer.status() >= 400 && page.problems.push(`${answer.status()} ${answer.url()}`));
     page.on("dialog", (dialog) => (page.problems.push(`dialog: ${dialog.message()}`), dialog.dismiss()));
     page.on("request", (request) => {
         if (!request.url().startsWith(gateway.url)) {
