@@ -118,7 +118,7 @@ class ProgramTest(unittest.TestCase):
         wait_for(lambda: 'harvlink_alarm_active{controller="robot2",code="4107",subcode="0"} 1' in get(port, "/metrics"),
                  "the alarm")
         wait_for(lambda: any(event["controller"] == "robot2" and event["code"] == 4107 for event in
-                             json.loads(get(port, "/api/events?kind=alarm"))), "its event")
+                             json.loads(get(port, "/api/events?kind=alarm-raised"))), "its event")
         items = json.loads(get(port, "/api/controllers/robot2"))["items"]
         item = next(item["id"] for item in items if item["name"] == "state alarm")
         wait_for(lambda: json.loads(get(port, f"/api/history?controller=robot2&items={item}"))["series"][0]["last"][-1:]
