@@ -337,7 +337,7 @@ namespace Harvlink
         StepWithdrawn = 0x50009,
         /// <summary>What was waited for did not happen in the given time.</summary>
         WaitTimedOut = 0x50010,
-        /// <summary>No step of this number was queued.</summary>
+        /// <summary>No step of this number was queued, or it is more than 1,024 steps back.</summary>
         UnknownStep = 0x50011,
         /// <summary>The system has no IPv4 address for the name of the controller.</summary>
         NameNotResolved = 0x50012,
@@ -600,7 +600,11 @@ namespace Harvlink
         WholeAnswer = 64,
         /// <summary>Blocks of a file rise by one; a repeated one is dropped; no more than largestFile bytes.</summary>
         BlockOrder = 128,
-        /// <summary>A connection opens only if its groups and tools could be read.</summary>
+        /// <summary>
+        /// A connection opens only if its groups and tools could be read. A controller that refuses the axes of a
+        /// group or a motion slot has answered all the same: the group counts as one without an eighth axis, and the
+        /// slots end there.
+        /// </summary>
         WholeStartUp = 256,
         /// <summary>The thread that feeds motion sleeps while it has nothing to send.</summary>
         IdleMonitor = 512,
@@ -748,7 +752,10 @@ namespace Harvlink
         HeldBack = 3,
         /// <summary>The last step that was sent failed, and the queue was emptied; the next step is sent all the same.</summary>
         Failed = 4,
-        /// <summary>Under Rule::BoundedClose: MotionStop(false) holds the queue until the next MotionStart.</summary>
+        /// <summary>
+        /// Under Rule::BoundedClose: MotionStop(false), or a stop without an answer, holds the queue until
+        /// MotionStart.
+        /// </summary>
         Stopped = 5,
     }
 
