@@ -14,12 +14,26 @@ struct BlackBox::Ring {
     std::uint32_t controller = 0;
     std::map<std::uint32_t, RecordedSample> known; ///< by reading: as it was before the first entry
     std::deque<Entry> entries;
+    std::deque<Microseconds> forgotten; ///< monotonic times of those that went before their time, for want of memory
     std::unique_ptr<SampleStore> incident;
-    std::map<std::uint32_t, std::uint32_t> ids; ///< of the readings in the file of the incident
+    ReadingIds ids; ///< of the readings in the file of the incident
     Microseconds end = 0; ///< monotonic, of the incident
 };
 
-BlackBox::BlackBox(BlackBoxOptions options) : options_(std::move(options)), thread_([this] { Run(); }) {}
+namespace {
+
+std::unique_ptr<RingFile> OpenRing(BlackBoxOptions const& options) {
+    if (options.ringFile.empty()) {
+        return nullptr;
+    }
+    // Whole segments are dropped, each an eighth of it.
+    return std::make_unique<RingFile>(options.ringFile, options.before + options.before / 4 + std::chrono::seconds(1));
+}
+
+} // namespace
+
+BlackBox::BlackBox(BlackBoxOptions options)
+    : options_(std::move(options)), file_(OpenRing(options_)), thread_([this] { Run(); }) {}
 
 BlackBox::~BlackBox() {
     Close();
@@ -44,18 +58,42 @@ std::uint32_t BlackBox::AddReading(RecordedReading const& reading) {
 
 void BlackBox::Put(RecordedSample sample) {
     std::scoped_lock const lock(mutex_);
+    if (sample.reading < 1 || sample.reading > readings_.size()) {
+        return;
+    }
+    auto const controller = readings_[sample.reading - 1].controller;
     auto const monotonic = sample.moment.monotonic;
-    if (sample.reading >= 1 && sample.reading <= readings_.size() && waiting_.size() < options_.capacity) {
-        waiting_.push_back({monotonic, std::move(sample), {}});
+    if (IsFull()) {
+        Miss(controller, 1, sample.moment.answer, monotonic);
+    } else {
+        waiting_.push_back({monotonic, controller, std::move(sample)});
     }
 }
 
 void BlackBox::Put(RecordedEvent event) {
     std::scoped_lock const lock(mutex_);
     auto const monotonic = event.monotonic;
-    if (event.controller >= 1 && event.controller <= controllers_.size()) {
-        waiting_.push_back({monotonic, {}, std::move(event)});
+    auto const controller = event.controller;
+    if (controller >= 1 && controller <= controllers_.size()) {
+        waiting_.push_back({monotonic, controller, std::move(event)});
     }
+}
+
+void BlackBox::NoteLoss(std::uint64_t count, Microseconds time, Microseconds monotonic) {
+    std::scoped_lock const lock(mutex_);
+    for (std::uint32_t controller = 1; controller <= controllers_.size(); ++controller) {
+        Miss(controller, count, time, monotonic);
+    }
+}
+
+void BlackBox::Miss(std::uint32_t controller, std::uint64_t count, Microseconds time, Microseconds monotonic) {
+    RecordedGap& gap = gaps_[controller];
+    if (gap.count == 0) {
+        gap = {.time = time, .monotonic = monotonic, .reason = "this computer did not take the samples in time"};
+    }
+    gap.duration = std::max(gap.duration, monotonic - gap.monotonic);
+    gap.count += count;
+    status_.dropped += count;
 }
 
 BlackBoxStatus BlackBox::Status() const {
@@ -83,6 +121,10 @@ void BlackBox::Run() {
                 wake_.wait_for(lock, options_.writeInterval, [this] { return isClosing_; });
                 isClosing = isClosing_;
                 std::swap(entries, waiting_);
+                for (auto& [controller, gap] : gaps_) {
+                    entries.push_back({gap.monotonic, controller, std::move(gap)});
+                }
+                gaps_.clear();
             }
             for (Entry& entry : entries) {
                 Take(std::move(entry));
@@ -107,47 +149,71 @@ BlackBox::Ring& BlackBox::RingOf(std::uint32_t controller) {
     return *ring;
 }
 
+RecordedReading BlackBox::ReadingOf(std::uint32_t id) const {
+    std::scoped_lock const lock(mutex_);
+    return readings_[id - 1];
+}
+
+bool BlackBox::IsIncident(Entry const& entry) const {
+    auto const* const event = std::get_if<RecordedEvent>(&entry.what);
+    return event != nullptr && std::find(options_.on.begin(), options_.on.end(), event->kind) != options_.on.end();
+}
+
 void BlackBox::Take(Entry entry) {
-    bool const isEvent = entry.sample.reading == 0;
-    std::uint32_t controller = entry.event.controller;
-    if (!isEvent) {
-        std::scoped_lock const lock(mutex_);
-        controller = readings_[entry.sample.reading - 1].controller;
-    }
-    Ring& ring = RingOf(controller);
+    Ring& ring = RingOf(entry.controller);
     if (ring.incident && entry.monotonic > ring.end) {
         End(ring);
     }
-    bool const isIncident =
-        isEvent && std::find(options_.on.begin(), options_.on.end(), entry.event.kind) != options_.on.end();
-    if (isIncident) {
+    if (IsIncident(entry)) {
         if (!ring.incident) {
             Forget(ring, entry.monotonic);
-            Begin(ring, entry.event);
+            Begin(ring, std::get<RecordedEvent>(entry.what));
         }
         ring.end = entry.monotonic + options_.after.count();
     }
     if (ring.incident) {
         Write(ring, entry);
     }
-    Forget(ring, entry.monotonic);
-    ring.entries.push_back(std::move(entry));
+    Keep(ring, std::move(entry));
+}
+
+void BlackBox::Keep(Ring& ring, Entry entry) {
+    if (!file_) {
+        Forget(ring, entry.monotonic);
+        ring.entries.push_back(std::move(entry));
+        return;
+    }
+    if (!file_->HasController(entry.controller)) {
+        std::scoped_lock const lock(mutex_);
+        file_->AddController(entry.controller, controllers_[entry.controller - 1]);
+    }
+    auto const* const sample = std::get_if<RecordedSample>(&entry.what);
+    if (sample != nullptr && !file_->HasReading(sample->reading)) {
+        file_->AddReading(sample->reading, ReadingOf(sample->reading));
+    }
+    std::visit([this](auto& what) { file_->Put(std::move(what)); }, entry.what);
 }
 
 /// Drops what is older than the time before an event, and keeps what it said.
 void BlackBox::Forget(Ring& ring, Microseconds now) {
     std::size_t const most = options_.capacity / std::max<std::size_t>(rings_.size(), 1);
-    while (!ring.entries.empty() &&
-           (ring.entries.front().monotonic < now - options_.before.count() || ring.entries.size() > most)) {
-        RecordedSample& sample = ring.entries.front().sample;
-        if (sample.reading != 0) {
-            RecordedSample& known = ring.known[sample.reading];
-            if (sample.values.empty()) {
-                std::swap(sample.values, known.values); // the last that it had
+    Microseconds const begin = now - options_.before.count();
+    while (!ring.entries.empty() && (ring.entries.front().monotonic < begin || ring.entries.size() > most)) {
+        Entry& entry = ring.entries.front();
+        if (entry.monotonic >= begin) {
+            ring.forgotten.push_back(entry.monotonic);
+        }
+        if (auto* const sample = std::get_if<RecordedSample>(&entry.what)) {
+            RecordedSample& known = ring.known[sample->reading];
+            if (sample->values.empty()) {
+                std::swap(sample->values, known.values); // the last that it had
             }
-            known = std::move(sample);
+            known = std::move(*sample);
         }
         ring.entries.pop_front();
+    }
+    while (!ring.forgotten.empty() && ring.forgotten.front() < begin) {
+        ring.forgotten.pop_front();
     }
 }
 
@@ -178,24 +244,47 @@ void BlackBox::Begin(Ring& ring, RecordedEvent const& event) {
         std::scoped_lock const lock(mutex_);
         status_.incidents.push_back(path);
         ring.incident->AddController(controllers_[ring.controller - 1]);
-        for (std::uint32_t id = 1; id <= readings_.size(); ++id) {
-            if (readings_[id - 1].controller == ring.controller) {
-                RecordedReading reading = readings_[id - 1];
-                reading.controller = 1;
-                ring.ids[id] = ring.incident->AddReading(reading);
-            }
-        }
     }
     ring.incident->Begin();
+    if (!file_) {
+        AddContents(ring);
+        WriteTimeBefore(ring, event);
+    } else if (file_->HasController(ring.controller)) {
+        ring.ids = file_->CopyFrom(event.time - options_.before.count(), ring.controller, *ring.incident);
+    }
+}
+
+void BlackBox::AddContents(Ring& ring) {
+    std::scoped_lock const lock(mutex_);
+    for (std::uint32_t id = 1; id <= readings_.size(); ++id) {
+        if (readings_[id - 1].controller == ring.controller) {
+            RecordedReading reading = readings_[id - 1];
+            reading.controller = 1;
+            ring.ids[id] = ring.incident->AddReading(reading);
+        }
+    }
+}
+
+void BlackBox::WriteTimeBefore(Ring& ring, RecordedEvent const& event) {
+    Microseconds time = event.time - options_.before.count();
+    Microseconds monotonic = event.monotonic - options_.before.count();
+    if (!ring.forgotten.empty()) {
+        Microseconds const duration = ring.forgotten.back() - monotonic;
+        ring.incident->Put(RecordedGap{.time = time,
+                                       .monotonic = monotonic,
+                                       .duration = duration,
+                                       .count = ring.forgotten.size(),
+                                       .reason = "the memory for the time before was full"});
+        time += duration;
+        monotonic += duration;
+    }
     for (auto const& [id, sample] : ring.known) {
         RecordedSample known = sample;
         known.reading = ring.ids.at(id);
         ring.incident->Know(known);
     }
-    auto const begin = event.monotonic - options_.before.count();
-    bool const isWhole = !ring.known.empty();
-    if (isWhole) {
-        ring.incident->StartAt(event.time - options_.before.count(), begin);
+    if (!ring.known.empty()) {
+        ring.incident->StartAt(time, monotonic);
     }
     for (Entry const& entry : ring.entries) {
         Write(ring, entry);
@@ -203,27 +292,30 @@ void BlackBox::Begin(Ring& ring, RecordedEvent const& event) {
 }
 
 void BlackBox::Write(Ring& ring, Entry const& entry) {
-    if (entry.sample.reading == 0) {
-        RecordedEvent event = entry.event;
-        event.controller = 1;
-        ring.incident->Put(std::move(event));
-        return;
+    if (auto const* const event = std::get_if<RecordedEvent>(&entry.what)) {
+        RecordedEvent own = *event;
+        own.controller = 1;
+        ring.incident->Put(std::move(own));
+    } else if (auto const* const gap = std::get_if<RecordedGap>(&entry.what)) {
+        ring.incident->Put(*gap);
+    } else {
+        RecordedSample sample = std::get<RecordedSample>(entry.what);
+        if (!ring.ids.contains(sample.reading)) {
+            RecordedReading reading = ReadingOf(sample.reading);
+            reading.controller = 1;
+            ring.ids[sample.reading] = ring.incident->AddReading(reading);
+        }
+        sample.reading = ring.ids.at(sample.reading);
+        ring.incident->Put(sample);
     }
-    RecordedSample sample = entry.sample;
-    auto const found = ring.ids.find(sample.reading);
-    if (found == ring.ids.end()) {
-        std::scoped_lock const lock(mutex_);
-        RecordedReading reading = readings_[sample.reading - 1];
-        reading.controller = 1;
-        ring.ids[sample.reading] = ring.incident->AddReading(reading);
-    }
-    sample.reading = ring.ids.at(sample.reading);
-    ring.incident->Put(sample);
 }
 
 /// Each interval the open files are made safe against a cut of power.
 void BlackBox::CommitOpen() {
     std::size_t samples = 0;
+    if (file_) {
+        file_->Commit();
+    }
     for (auto& [controller, ring] : rings_) {
         if (ring->incident) {
             ring->incident->Commit();

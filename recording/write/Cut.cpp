@@ -1,51 +1,66 @@
 #include "recording/write/Cut.h"
 
-#include <algorithm>
+#include <limits>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "recording/read/KnownState.h"
-#include "recording/write/SampleStore.h"
 
 namespace harvlink::recording {
 
 namespace {
 
-class Cutter {
+class Copier {
 public:
-    Cutter(Recording& recording, TimeRange const& range, std::filesystem::path const& path)
+    Copier(Recording& recording, TimeRange const& range, std::uint32_t controller, SampleStore& store)
         : recording_(recording),
           range_(range),
-          store_(path),
+          controller_(controller),
+          store_(store),
           known_(recording.Contents()),
           events_(recording.Events(range)),
           gaps_(recording.Gaps(range)) {}
 
-    void Run() {
+    ReadingIds Run() {
         AddContents();
-        store_.Begin();
         recording_.ForEachChange(range_, true, [this](Change const& change) {
             Use(change);
             return true;
         });
         Open();
         PutEventsBefore(std::numeric_limits<std::int64_t>::max());
-        store_.Commit();
-        store_.Close();
+        return ids_;
     }
 
 private:
-    /// Ids of both files are the same, as both count from 1.
+    bool IsWanted(std::uint32_t controller) const { return controller_ == 0 || controller == controller_; }
+
     void AddContents() {
-        for (RecordedController const& controller : recording_.Contents().controllers) {
-            store_.AddController(controller);
+        Catalogue const& contents = recording_.Contents();
+        for (std::uint32_t id = 1; id <= contents.controllers.size(); ++id) {
+            if (IsWanted(id)) {
+                controllers_[id] = store_.AddController(contents.controllers[id - 1]);
+            }
         }
-        for (RecordedReading const& reading : recording_.Contents().readings) {
-            store_.AddReading(reading);
+        for (std::uint32_t id = 1; id <= contents.readings.size(); ++id) {
+            RecordedReading reading = contents.readings[id - 1];
+            if (IsWanted(reading.controller)) {
+                reading.controller = controllers_.at(reading.controller);
+                ids_[id] = store_.AddReading(reading);
+            }
         }
     }
 
+    RecordedSample InStore(RecordedSample sample) const {
+        sample.reading = ids_.at(sample.reading);
+        return sample;
+    }
+
     void Use(Change const& change) {
+        if (!ids_.contains(change.reading)) {
+            return;
+        }
         if (change.moment.answer < range_.begin) {
             lastMonotonic_ = change.moment.monotonic;
             lastTime_ = change.moment.answer;
@@ -60,7 +75,7 @@ private:
         bool const isNew = known_.Samples()[change.reading - 1].moment.quality == RecordedQuality::NeverRead;
         RecordedSample const& sample = known_.Apply(change);
         if (!change.isPicture || isNew) {
-            store_.Put(sample);
+            store_.Put(InStore(sample));
             CommitAtTimes();
         }
     }
@@ -72,7 +87,9 @@ private:
         }
         isOpen_ = true;
         for (RecordedSample const& sample : known_.Samples()) {
-            store_.Know(sample);
+            if (ids_.contains(sample.reading)) {
+                store_.Know(InStore(sample));
+            }
         }
         if (lastTime_ != 0) {
             store_.StartAt(range_.begin, lastMonotonic_);
@@ -81,7 +98,11 @@ private:
 
     void PutEventsBefore(std::int64_t sequence) {
         for (; event_ < events_.size() && events_[event_].sequence < sequence; ++event_) {
-            store_.Put(events_[event_].event);
+            RecordedEvent event = events_[event_].event;
+            if (auto const found = controllers_.find(event.controller); found != controllers_.end()) {
+                event.controller = found->second;
+                store_.Put(std::move(event));
+            }
         }
         for (; gap_ < gaps_.size() && gaps_[gap_].sequence < sequence; ++gap_) {
             store_.Put(gaps_[gap_].gap);
@@ -99,7 +120,10 @@ private:
 
     Recording& recording_;
     TimeRange range_;
-    SampleStore store_;
+    std::uint32_t controller_;
+    SampleStore& store_;
+    std::map<std::uint32_t, std::uint32_t> controllers_; ///< their ids here and in the store
+    ReadingIds ids_;
     KnownState known_;
     std::vector<StoredEvent> events_;
     std::vector<StoredGap> gaps_;
@@ -113,11 +137,19 @@ private:
 
 } // namespace
 
+ReadingIds CopyPart(Recording& recording, TimeRange const& range, std::uint32_t controller, SampleStore& store) {
+    return Copier(recording, range, controller, store).Run();
+}
+
 void Cut(Recording& recording, TimeRange const& range, std::filesystem::path const& path) {
     if (std::filesystem::exists(path)) {
         throw RecordingError(fmt::format("{}: there is a file of that name", path.string()));
     }
-    Cutter(recording, range, path).Run();
+    SampleStore store(path);
+    store.Begin();
+    CopyPart(recording, range, 0, store);
+    store.Commit();
+    store.Close();
 }
 
 } // namespace harvlink::recording

@@ -104,8 +104,7 @@ void FrameWriter::Flush() {
 
 void FrameWriter::Write(Frame& frame) {
     Statement& insert = InsertFor(frame.head.width);
-    insert.Reset();
-    insert.Bind(0, frame.sequence);
+    insert.Bind(0, frame.sequence); // Run has left it without bindings
     insert.Bind(1, std::int64_t{frame.head.block});
     insert.Bind(2, frame.first.request);
     insert.Bind(3, frame.first.monotonic);

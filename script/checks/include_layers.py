@@ -47,7 +47,7 @@ ROOMS = {
         "store": ["model"],
         "read": ["store", "model"],
         "write": ["read", "store", "model"],
-        "blackbox": ["write", "store", "model"],
+        "blackbox": ["write", "read", "store", "model"],
         "capture": ["model"],
         "forward": ["store", "model"],
         "fleet": ["model"],
