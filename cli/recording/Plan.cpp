@@ -1,6 +1,7 @@
 #include "cli/recording/Plan.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -26,14 +27,6 @@ static_assert(static_cast<int>(FleetItemKind::StationPositionVariable) -
                   static_cast<int>(FleetItemKind::ByteVariable) ==
               static_cast<int>(VariableKind::StationPosition));
 
-unsigned AddressOfSignal(std::string const& text) {
-    SignalName const name = ParseSignal(text);
-    if (!name.address) {
-        throw InputError(fmt::format("'{}': recordings take signals by their address, such as 10010", text));
-    }
-    return *name.address;
-}
-
 void AddPositions(PlanArguments const& arguments, std::vector<FleetItem>& items) {
     for (std::string const& name : arguments.groups) {
         ControlGroupId const group = ParseGroup(name);
@@ -45,29 +38,6 @@ void AddPositions(PlanArguments const& arguments, std::vector<FleetItem>& items)
         }
         items.push_back(FleetItem::Torque(group));
     }
-}
-
-} // namespace
-
-void PlanArguments::AddOptions(CLI::App& verb) {
-    verb.add_option("--every", every, "Time between two readings")->type_name("DURATION")->capture_default_str();
-    verb.add_option("--group", groups, "Control groups whose position and torque are recorded")
-        ->type_name("GROUP")
-        ->default_str("R1");
-    verb.add_option("--coordinate", coordinates, "Coordinates of the positions")
-        ->type_name("COORDINATE")
-        ->default_str("pulse base");
-    verb.add_option("--var", variables, "Variables and ranges, such as B5 S4 P12 B0..B9")->type_name("VARIABLE");
-    verb.add_option("--io", signals, "Signals by their addresses, such as 10010")->type_name("SIGNAL");
-    verb.add_option("--register", registers, "Registers by their numbers")->type_name("NUMBER");
-}
-
-std::vector<FleetCell> ControllersOf(Session& session) {
-    std::vector<FleetCell> cells = FleetCells(session);
-    for (FleetCell& cell : cells) {
-        cell.options.address = AddressOf(cell.options.address);
-    }
-    return cells;
 }
 
 std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments) {
@@ -82,8 +52,12 @@ std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments) {
             fast.items.push_back(FleetItem::Variable(KindOf(address.kind), address.index));
         }
     }
-    for (std::string const& name : arguments.signals) {
-        fast.items.push_back(FleetItem::Signal(AddressOfSignal(name)));
+    for (std::string const& text : arguments.signals) {
+        for (SignalName const& name : ParseSignalRange(text)) {
+            if (name.address) {
+                fast.items.push_back(FleetItem::Signal(*name.address));
+            }
+        }
     }
     for (std::string const& number : arguments.registers) {
         fast.items.push_back(FleetItem::Register(ParseNumber<std::uint16_t>(number, "register")));
@@ -95,6 +69,64 @@ std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments) {
     rare.period = Rare;
     rare.items = {FleetItem::Software()};
     return {fast, slow, rare};
+}
+
+std::vector<SignalName> SignalsByClass(PlanArguments const& arguments) {
+    std::vector<SignalName> signals;
+    for (std::string const& text : arguments.signals) {
+        for (SignalName const& name : ParseSignalRange(text)) {
+            if (!name.address) {
+                signals.push_back(name);
+            }
+        }
+    }
+    return signals;
+}
+
+} // namespace
+
+void PlanArguments::AddOptions(CLI::App& verb) {
+    verb.add_option("--every", every, "Time between two readings")->type_name("DURATION")->capture_default_str();
+    verb.add_option("--group", groups, "Control groups whose position and torque are recorded")
+        ->type_name("GROUP")
+        ->default_str("R1");
+    verb.add_option("--coordinate", coordinates, "Coordinates of the positions")
+        ->type_name("COORDINATE")
+        ->default_str("pulse base");
+    verb.add_option("--var", variables, "Variables and ranges, such as B5 S4 P12 B0..B9")->type_name("VARIABLE");
+    verb.add_option("--io", signals, "Signals and ranges, such as 10010 or general-output:1.0..7")->type_name("SIGNAL");
+    verb.add_option("--register", registers, "Registers by their numbers")->type_name("NUMBER");
+}
+
+std::vector<PlannedController> ControllersOf(PlanArguments const& arguments, Session& session) {
+    std::vector<PlannedController> controllers;
+    for (FleetCell& cell : FleetCells(session)) {
+        cell.options.address = AddressOf(cell.options.address);
+        controllers.push_back({std::move(cell), GroupsOf(arguments), SignalsByClass(arguments)});
+    }
+    return controllers;
+}
+
+StatusInfo AddSignalsByClass(PlannedController const& controller, std::vector<FleetGroup>& groups) {
+    StatusInfo status;
+    if (controller.signalsByClass.empty()) {
+        return status;
+    }
+    FleetControllerOptions const& options = controller.cell.options;
+    Connection const robot = Connect({.address = options.address,
+                                      .timeout = options.timeout,
+                                      .retries = options.retries,
+                                      .logging = false,
+                                      .access = Access::Observe},
+                                     status);
+    std::vector<Signal> signals;
+    for (SignalName const& name : controller.signalsByClass) {
+        status = status.StatusCode == 0 ? ResolveSignals(*robot->IO, name, signals) : status;
+    }
+    for (Signal const& signal : signals) {
+        groups.front().items.push_back(FleetItem::Signal(signal.address));
+    }
+    return status;
 }
 
 } // namespace harvlink::cli::recordings

@@ -6,6 +6,7 @@
 
 #include "cli/program/FleetCells.h"
 #include "harvlink/Fleet.h"
+#include "words/values/SignalText.h"
 
 namespace harvlink::cli::recordings {
 
@@ -21,10 +22,18 @@ struct PlanArguments {
     void AddOptions(CLI::App& verb);
 };
 
-/// The controllers that --cell, --all or --host name, by their addresses. Throws InputError.
-std::vector<FleetCell> ControllersOf(Session& session);
+/// A controller, what to read of it, and how often.
+struct PlannedController {
+    FleetCell cell; ///< by its address
+    std::vector<FleetGroup> groups;
+    std::vector<words::SignalName> signalsByClass; ///< whose addresses only the controller knows
+};
 
-/// What to read of each of them, and how often. Throws InputError.
-std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments);
+/// The controllers that --cell, --all or --host name. Throws InputError.
+std::vector<PlannedController> ControllersOf(PlanArguments const& arguments, Session& session);
+
+/// Adds signals that are named by their class to the first of the groups. Asks the controller which addresses they have, if there
+/// are any.
+StatusInfo AddSignalsByClass(PlannedController const& controller, std::vector<FleetGroup>& groups);
 
 } // namespace harvlink::cli::recordings

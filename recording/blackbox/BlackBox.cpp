@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -16,11 +18,16 @@ struct BlackBox::Ring {
     std::deque<Entry> entries;
     std::deque<Microseconds> forgotten; ///< monotonic times of those that went before their time, for want of memory
     std::unique_ptr<SampleStore> incident;
+    std::filesystem::path path; ///< of the incident
+    RecordedEvent reason; ///< by which it is named
+    bool isNamedLater = false; ///< its name lacks the alarm
     ReadingIds ids; ///< of the readings in the file of the incident
     Microseconds end = 0; ///< monotonic, of the incident
 };
 
 namespace {
+
+constexpr std::string_view AlarmRaised = "alarm-raised";
 
 std::unique_ptr<RingFile> OpenRing(BlackBoxOptions const& options) {
     if (options.ringFile.empty()) {
@@ -227,7 +234,8 @@ std::filesystem::path BlackBox::NameFor(Ring const& ring, RecordedEvent const& e
     std::replace_if(
         name.begin(), name.end(),
         [](char character) { return character == '/' || static_cast<unsigned char>(character) < ' '; }, '_');
-    std::string const what = event.kind == "alarm-raised" ? fmt::format("alarm-{}", event.after) : event.kind;
+    bool const isAlarm = event.kind == AlarmRaised;
+    std::string const what = !isAlarm ? event.kind : event.after == 0 ? "alarm" : fmt::format("alarm-{}", event.after);
     std::string const stem = fmt::format("{}-{}-{}", name, FormatTimeForName(event.time), what);
     auto path = options_.folder / (stem + ".harvlink");
     for (int number = 2; std::filesystem::exists(path); ++number) {
@@ -237,12 +245,14 @@ std::filesystem::path BlackBox::NameFor(Ring const& ring, RecordedEvent const& e
 }
 
 void BlackBox::Begin(Ring& ring, RecordedEvent const& event) {
-    auto const path = NameFor(ring, event);
-    ring.incident = std::make_unique<SampleStore>(path);
+    ring.reason = event;
+    ring.isNamedLater = false;
+    ring.path = NameFor(ring, event);
+    ring.incident = std::make_unique<SampleStore>(ring.path);
     ring.ids.clear();
     {
         std::scoped_lock const lock(mutex_);
-        status_.incidents.push_back(path);
+        status_.incidents.push_back(ring.path);
         ring.incident->AddController(controllers_[ring.controller - 1]);
     }
     ring.incident->Begin();
@@ -293,6 +303,10 @@ void BlackBox::WriteTimeBefore(Ring& ring, RecordedEvent const& event) {
 
 void BlackBox::Write(Ring& ring, Entry const& entry) {
     if (auto const* const event = std::get_if<RecordedEvent>(&entry.what)) {
+        if (event->kind == AlarmRaised && ring.reason.kind == AlarmRaised && ring.reason.after == 0) {
+            ring.reason.after = event->after;
+            ring.isNamedLater = event->after != 0;
+        }
         RecordedEvent own = *event;
         own.controller = 1;
         ring.incident->Put(std::move(own));
@@ -332,6 +346,22 @@ void BlackBox::End(Ring& ring) {
         ring.incident->Commit();
         ring.incident->Close();
         ring.incident.reset();
+        Rename(ring);
+    }
+}
+
+/// The state of a controller shows that there is an alarm before its alarms show which.
+void BlackBox::Rename(Ring& ring) {
+    std::error_code error;
+    // While somebody reads it, it has a log that SQLite finds by the name.
+    if (!ring.isNamedLater || std::filesystem::exists(ring.path.string() + "-wal", error)) {
+        return;
+    }
+    auto const path = NameFor(ring, ring.reason);
+    std::filesystem::rename(ring.path, path, error);
+    if (!error) {
+        std::scoped_lock const lock(mutex_);
+        std::replace(status_.incidents.begin(), status_.incidents.end(), ring.path, path);
     }
 }
 

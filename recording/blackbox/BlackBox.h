@@ -82,6 +82,7 @@ private:
     void WriteTimeBefore(Ring& ring, RecordedEvent const& event);
     void Write(Ring& ring, Entry const& entry);
     void End(Ring& ring);
+    void Rename(Ring& ring);
     void CommitOpen();
     void Forget(Ring& ring, Microseconds now);
     Ring& RingOf(std::uint32_t controller);

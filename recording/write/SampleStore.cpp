@@ -114,6 +114,9 @@ Microseconds SampleStore::ToFileTime(Microseconds monotonic, Microseconds utc) {
 }
 
 void SampleStore::Note(Microseconds utc, Microseconds monotonic) {
+    if (!layout_.IsStored()) { // a new segment needs the places of all readings
+        layout_.Store();
+    }
     if (segment_.begin == 0 || utc < segment_.end - SetBack) {
         BeginSegment(utc, monotonic);
     }
@@ -177,9 +180,6 @@ void SampleStore::PutChanged(std::uint32_t reading, RecordedMoment const& moment
 void SampleStore::Put(RecordedSample const& sample) {
     if (sample.reading == 0 || sample.reading > known_.size() || sample.moment.quality == RecordedQuality::NeverRead) {
         return;
-    }
-    if (!layout_.IsStored()) {
-        layout_.Store();
     }
     RecordedMoment moment = sample.moment;
     moment.monotonic = ToFileTime(moment.monotonic, moment.answer);

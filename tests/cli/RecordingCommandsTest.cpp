@@ -1,3 +1,7 @@
+#include <chrono>
+#include <set>
+#include <thread>
+
 #include "ToolTest.h"
 #include "support/RecordedSamples.h"
 #include "support/ScratchFolder.h"
@@ -62,6 +66,45 @@ TEST_F(RecordingCommandsTest, WritesAPlotThatNeedsNothingElse) {
     EXPECT_EQ(page.find(" href="), std::string::npos);
     EXPECT_EQ(RunTool("recording plot x.harvlink --item 'position R1 base'").exit, 1) << "the file is there";
     EXPECT_EQ(RunTool("recording plot x.harvlink --item 'position R1 base' --from +2s --force").exit, 0);
+}
+
+using RecordTest = ToolTest;
+
+TEST_F(RecordTest, RecordsAndKeepsABlackBoxBesides) {
+    test::ScratchFolder const folder;
+    simulator::Server other;
+    simulator::VirtualController& weld = other.Add(test::NextLoopbackAddress());
+    ASSERT_TRUE(other.Start()) << other.Error();
+    test::WriteFile("cells.toml",
+                    "[cell.press1]\nhost = \"" + host_ + "\"\n[cell.weld]\nhost = \"" + weld.Address() + "\"\n");
+    std::string const run =
+        "--config cells.toml --cell press1 --cell weld record --every 20ms --for 4s --before 1s --json ";
+    std::jthread const work([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+        for (simulator::VirtualController* const controller : {controller_, &weld}) {
+            controller->With([](simulator::ControllerModel& model) { model.RaiseAlarm(4107, 3, "OUT OF RANGE"); });
+        }
+    });
+    Result const result =
+        RunTool(run + "--out x.harvlink --ring ring.harvlink --io general-output:1.0..1 --io 10020..10021");
+    EXPECT_EQ(result.exit, 0) << result.err;
+    Json const info = Json::parse(RunTool("recording info x.harvlink --json").out);
+    EXPECT_EQ(info["controllers"].size(), 2);
+    std::set<std::string> signals;
+    for (Json const& item : info["items"]) {
+        std::string const name = item["item"].get<std::string>();
+        if (name.starts_with("signal")) {
+            signals.insert(name);
+        }
+    }
+    EXPECT_EQ(signals.size(), 4) << result.out;
+    std::size_t incidents = 0;
+    for (auto const& file : std::filesystem::directory_iterator(".")) {
+        incidents += file.path().string().find("-alarm-4107.harvlink") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(incidents, 2);
+    EXPECT_EQ(RunTool("record --ring x --out y").exit, 2);
+    EXPECT_EQ(RunTool("record").exit, 2);
 }
 
 TEST_F(RecordingCommandsTest, SaysWhatIsWrong) {

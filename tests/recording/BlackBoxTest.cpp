@@ -38,7 +38,7 @@ void BlackBoxTest::WriteTwoIncidents(BlackBoxOptions const& options) {
         box.Put(At(i * Second, press.number, {std::int64_t{i}}));
         box.Put(At(i * Second, other.number, {std::int64_t{1000 + i}}));
         if (i == 30 || i == 34) { // the second within the window of the first
-            box.Put(EventAt(i * Second + 1, press.controller, "alarm-raised", 4107));
+            box.Put(EventAt(i * Second + 1, press.controller, "alarm-raised", i == 30 ? 0 : 4107));
         }
         if (i == 60) {
             box.Put(EventAt(i * Second + 1, press.controller, "job"));
