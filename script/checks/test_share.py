@@ -8,7 +8,7 @@ from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[2]
 TESTS = ("tests/", "fuzz/", "python/tests/", "csharp/tests/", "page/tests/")
-KINDS = {".h", ".hpp", ".c", ".cpp", ".py", ".cs", ".ts", ".lua", ".cmake"}
+KINDS = {".h", ".hpp", ".c", ".cpp", ".py", ".cs", ".ts", ".mjs", ".lua", ".cmake"}
 LIMIT = 0.33
 
 
