@@ -7,6 +7,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include "gateway/sparkplug/DiskStore.h"
 #include "gateway/sparkplug/MemoryStore.h"
 #include "gateway/sparkplug/NodeLoop.h"
 
@@ -17,6 +18,9 @@ namespace {
 constexpr std::uint64_t MostInMemory = 64ULL << 20;
 
 std::unique_ptr<Store> StoreOf(MqttStoreConfig const& config) {
+    if (!config.folder.empty()) {
+        return std::make_unique<DiskStore>(config);
+    }
     return std::make_unique<MemoryStore>(std::min(config.maxBytes, MostInMemory));
 }
 

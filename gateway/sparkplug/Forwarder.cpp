@@ -24,7 +24,8 @@ Forwarder::Forwarder(Store& store, Milliseconds window, std::uint32_t valuesPerS
       allowedAt_(now),
       measuredAt_(now),
       committedAt_(now),
-      first_(store.Statistics().first) {}
+      first_(store.Statistics().first),
+      droppedByStore_(store.Statistics().dropped) {}
 
 std::uint64_t Forwarder::Append(recording::Microseconds time, std::string_view record, Moment now) {
     std::uint64_t const id = Next();
@@ -38,20 +39,21 @@ std::uint64_t Forwarder::Append(recording::Microseconds time, std::string_view r
     return id;
 }
 
-/// Of the records that left, those count that nobody was sent: in a session what is before the cursor was sent, and what is
-/// live is sent at once.
+/// Of the records that left by themselves, those count that nobody was sent: in a session, neither what is before the cursor nor
+/// what is live, which is sent at once. Damaged ones are counted by the store.
 void Forwarder::CountDropped() {
-    std::uint64_t const before = first_;
-    std::uint64_t const after = store_.Statistics().first;
-    first_ = after;
-    if (!inSession_) {
-        dropped_ += after - before;
-        return;
+    StoreStatistics const state = store_.Statistics();
+    if (inSession_) {
+        std::uint64_t const from = std::max(first_, cursor_);
+        std::uint64_t const to = std::min(state.first, liveStart_);
+        std::uint64_t const unsent = to > from ? to - from : 0;
+        dropped_ += std::min(unsent, state.dropped - droppedByStore_);
+        cursor_ = std::max(cursor_, to);
+    } else {
+        dropped_ += state.dropped - droppedByStore_;
     }
-    std::uint64_t const unsentFrom = std::max(before, cursor_);
-    std::uint64_t const unsentTo = std::min(after, liveStart_);
-    dropped_ += unsentTo > unsentFrom ? unsentTo - unsentFrom : 0;
-    cursor_ = std::max(cursor_, std::min(after, liveStart_));
+    first_ = state.first;
+    droppedByStore_ = state.dropped;
 }
 
 void Forwarder::BeginSession(Moment now) {

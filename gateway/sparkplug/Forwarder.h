@@ -80,6 +80,7 @@ private:
     double bytesPerSecond_ = 0.0;
     Moment committedAt_;
     std::uint64_t first_; ///< of the store, as it is known here
+    std::uint64_t droppedByStore_; ///< the same
     std::uint64_t dropped_ = 0;
     std::uint64_t notStored_ = 0;
 };

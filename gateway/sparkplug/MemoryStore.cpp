@@ -9,6 +9,7 @@ bool MemoryStore::Append(recording::Microseconds /*time*/, std::string_view reco
     bytes_ += record.size();
     while (bytes_ > maxBytes_ && records_.size() > 1) {
         RemoveFirst();
+        ++dropped_;
     }
     return true;
 }
@@ -34,7 +35,12 @@ void MemoryStore::RemoveBefore(std::uint64_t id) {
 }
 
 StoreStatistics MemoryStore::Statistics() const {
-    return {.first = first_, .next = first_ + records_.size(), .bytes = bytes_, .maxBytes = maxBytes_, .damaged = 0};
+    return {.first = first_,
+            .next = first_ + records_.size(),
+            .bytes = bytes_,
+            .maxBytes = maxBytes_,
+            .dropped = dropped_,
+            .damaged = 0};
 }
 
 } // namespace harvlink::gateway::sparkplug

@@ -22,6 +22,7 @@ private:
     std::uint64_t maxBytes_;
     std::uint64_t bytes_ = 0;
     std::uint64_t first_ = 1;
+    std::uint64_t dropped_ = 0;
     std::deque<std::string> records_;
 };
 

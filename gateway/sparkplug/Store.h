@@ -19,6 +19,7 @@ struct StoreStatistics {
     std::uint64_t next = 0; ///< id that the next record will get
     std::uint64_t bytes = 0;
     std::uint64_t maxBytes = 0;
+    std::uint64_t dropped = 0; ///< records that went because it was full or they were too old
     std::uint64_t damaged = 0; ///< records that could not be read any more
     std::string problem{}; ///< why the last Commit could not write everything; empty if it could
 };

@@ -1,23 +1,6 @@
-# The edge node: libmosquitto carries, protobuf encodes. What protoc writes is not ours and keeps none of our warnings.
-find_package(Protobuf REQUIRED)
+# The edge node: libmosquitto carries, protobuf encodes.
+find_package(PkgConfig REQUIRED)
 pkg_check_modules(MOSQUITTO REQUIRED IMPORTED_TARGET libmosquitto)
-
-set(sparkplug_generated "${CMAKE_CURRENT_BINARY_DIR}/sparkplug_generated")
-set(sparkplug_proto "${CMAKE_CURRENT_SOURCE_DIR}/sparkplug/sparkplug_b.proto")
-file(MAKE_DIRECTORY "${sparkplug_generated}")
-add_custom_command(OUTPUT "${sparkplug_generated}/sparkplug_b.pb.cc" "${sparkplug_generated}/sparkplug_b.pb.h"
-                   COMMAND protobuf::protoc --cpp_out=${sparkplug_generated} -I "${CMAKE_CURRENT_SOURCE_DIR}/sparkplug"
-                           "${sparkplug_proto}"
-                   DEPENDS "${sparkplug_proto}" protobuf::protoc VERBATIM)
-add_library(harvlink_sparkplug_payload STATIC "${sparkplug_generated}/sparkplug_b.pb.cc"
-                                              "${sparkplug_generated}/sparkplug_b.pb.h")
-target_compile_features(harvlink_sparkplug_payload PUBLIC cxx_std_20)
-set_target_properties(harvlink_sparkplug_payload PROPERTIES POSITION_INDEPENDENT_CODE ON UNITY_BUILD OFF)
-target_compile_options(harvlink_sparkplug_payload PRIVATE -w)
-if(HARVLINK_SANITIZE)
-    target_compile_options(harvlink_sparkplug_payload PRIVATE -fsanitize=${HARVLINK_SANITIZE})
-endif()
-target_include_directories(harvlink_sparkplug_payload SYSTEM PUBLIC "${sparkplug_generated}")
-target_link_libraries(harvlink_sparkplug_payload PUBLIC protobuf::libprotobuf-lite)
+include("${CMAKE_CURRENT_LIST_DIR}/payload.cmake")
 
 target_link_libraries(harvlink_gateway_core PUBLIC harvlink_sparkplug_payload PRIVATE PkgConfig::MOSQUITTO)

@@ -336,7 +336,9 @@ ForwardStatus ForwardQueue::Status() const {
     for (auto const& [first, next] : damage_) {
         waiting -= std::min(waiting, next - first);
     }
-    return {.waiting = waiting,
+    return {.next = state_.next,
+            .acknowledged = state_.acknowledged,
+            .waiting = waiting,
             .uncommitted = waiting_.size(),
             .bytes = Bytes(),
             .droppedForSize = state_.droppedForSize,

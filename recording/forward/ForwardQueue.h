@@ -23,6 +23,8 @@ struct ForwardOptions {
 };
 
 struct ForwardStatus {
+    std::uint64_t next = 1; ///< number of the entry that is committed next
+    std::uint64_t acknowledged = 0; ///< number up to which entries are acknowledged, dropped or known to be damaged
     std::uint64_t waiting = 0; ///< entries that are on the disk and not acknowledged
     std::uint64_t uncommitted = 0; ///< entries that a power cut would take
     std::uint64_t bytes = 0; ///< on the disk

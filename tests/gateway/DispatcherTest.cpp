@@ -81,7 +81,7 @@ TEST(DispatcherTest, GivesSamplesAndEventsToAllObservers) {
     dispatcher.Add(early);
     std::vector<FleetGroup> const groups{{.period = 10ms, .items = {FleetItem::Register(3, 2), FleetItem::State()}},
                                          {.period = 50ms, .items = {FleetItem::Register(4)}}};
-    auto const press = std::make_shared<Controller const>(Controller{1, "press", address, ReadingsOf(groups)});
+    auto const press = std::make_shared<Controller const>(Controller{1, "press", address, ReadingsOf(groups), {}, {}});
     ASSERT_EQ(press->readings.size(), 3); // a row is spread out, and what two groups read is there once
     dispatcher.Add(press, groups);
     ASSERT_EQ(fleet.Add("press", {.address = address, .timeout = 100, .retries = 1}, groups).StatusCode, 0);
