@@ -2,7 +2,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "Session.h"
+#include "FuzzedConnection.h"
 #include "harvlink/FileInterface.h"
 
 // The blocks of file transfers. The first byte selects the direction: a text or a file of this computer goes to a correct
@@ -23,13 +23,13 @@ struct Folder {
     std::filesystem::path path;
 };
 
-void LoadAndSave(Session& session, Input& input, bool isOnDisk) {
+void LoadAndSave(FuzzedConnection& connection, Input& input, bool isOnDisk) {
     static Folder const folder;
     std::string const loadPath = folder.path / "FUZZ.DAT";
     std::string const savePath = folder.path / "saved";
-    session.transport->losses = input.Take<std::uint32_t>();
+    connection.transport->losses = input.Take<std::uint32_t>();
     std::string const text(input.TakeText());
-    auto& files = *session.robot.Files;
+    auto& files = *connection.robot.Files;
     std::string saved;
     StatusInfo loading;
     StatusInfo saving;
@@ -78,15 +78,15 @@ Expected TakeBlocks(Input& input, Answers& answers) {
     return expected;
 }
 
-void SaveHostile(Session& session, Input& input) {
+void SaveHostile(FuzzedConnection& connection, Input& input) {
     Answers answers;
     auto const expected = TakeBlocks(input, answers);
-    session.SetAnswers(answers);
+    connection.SetAnswers(answers);
     std::string text = "old";
-    bool const isSaved = session.robot.Files->SaveFromControllerToString("FUZZ.DAT", text).StatusCode == 0;
+    bool const isSaved = connection.robot.Files->SaveFromControllerToString("FUZZ.DAT", text).StatusCode == 0;
     Require(isSaved == expected.isWhole, "a file is saved if its last block arrived");
     Require(text == expected.text, "the text of all blocks that arrived");
-    auto const& sent = session.transport->sent;
+    auto const& sent = connection.transport->sent;
     for (std::size_t i = 1; i < sent.size(); ++i) {
         auto const offset = offsetof(CommonHeader, blockNumber);
         Require(std::equal(sent[i].begin() + offset, sent[i].begin() + offset + sizeof(std::uint32_t),
@@ -99,14 +99,14 @@ void SaveHostile(Session& session, Input& input) {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     Input input(data, size);
-    Session session(3);
+    FuzzedConnection connection(3);
     auto const direction = input.Take<std::uint8_t>() % 3;
     if (direction < 2) {
-        LoadAndSave(session, input, direction == 1);
+        LoadAndSave(connection, input, direction == 1);
     } else {
-        SaveHostile(session, input);
+        SaveHostile(connection, input);
     }
-    session.RequireUsable();
+    connection.RequireUsable();
     return 0;
 }
 

@@ -1,6 +1,6 @@
 #include <csignal>
 
-#include "Session.h"
+#include "FuzzedConnection.h"
 #include "motion/MotionManager.h"
 #include "tests/behaviour/Operation.h"
 
@@ -100,9 +100,9 @@ CircularMotion MotionOf(Input& input) {
 /// The work of the monitor for each point, on this thread.
 void SendTargets(std::uint8_t generation, Input& input) {
     auto const motion = MotionOf(input);
-    Session session(generation);
-    session.SetAnswers(TakeAnswers(input));
-    auto& manager = dynamic_cast<MotionManager&>(*session.robot.MotionManager);
+    FuzzedConnection connection(generation);
+    connection.SetAnswers(TakeAnswers(input));
+    auto& manager = dynamic_cast<MotionManager&>(*connection.robot.MotionManager);
     StatusInfo status;
     for (std::uint8_t slot = 0; slot < MotionSlots; ++slot) {
         MotionStep step;
@@ -110,24 +110,24 @@ void SendTargets(std::uint8_t generation, Input& input) {
             Require(!manager.SendTarget(step).Message.empty(), "a status has a text");
         }
     }
-    session.RequireUsable();
+    connection.RequireUsable();
 }
 
 /// The monitor sends two points, or fails and raises an alarm. Closing the connection waits for it.
 void FeedTrajectory(std::uint8_t generation, Input& input) {
     auto const motion = MotionOf(input);
-    Session session(generation);
-    session.SetAnswers(TakeAnswers(input));
+    FuzzedConnection connection(generation);
+    connection.SetAnswers(TakeAnswers(input));
     for (int point = 0; point < 2; ++point) {
-        session.robot.MotionManager->AddPointToTrajectory(motion, motion, {}, {});
+        connection.robot.MotionManager->AddPointToTrajectory(motion, motion, {}, {});
     }
-    session.robot.MotionManager->MotionStart();
+    connection.robot.MotionManager->MotionStart();
 }
 
 void OpenConnection(std::uint8_t generation, Input& input) {
-    Session session(generation, TakeAnswers(input));
-    if (session.status.StatusCode == 0) {
-        session.RequireUsable();
+    FuzzedConnection connection(generation, TakeAnswers(input));
+    if (connection.status.StatusCode == 0) {
+        connection.RequireUsable();
     }
 }
 
@@ -135,8 +135,8 @@ void OpenConnection(std::uint8_t generation, Input& input) {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static constexpr void (*others[])(std::uint8_t, Input&) = {OpenConnection, SendTargets, FeedTrajectory};
-    static test::Table const table = [] {
-        test::Table operations = test::AllOperations();
+    static test::Operations const table = [] {
+        test::Operations operations = test::AllOperations();
         std::erase_if(operations, [](Operation const& each) { // another fuzzer moves files of this computer
             return each.name.ends_with("FromPath") || each.name.ends_with("ToFile");
         });

@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "Session.h"
+#include "FuzzedConnection.h"
 
 // Requests to the virtual controller: datagrams at both of its ports, with and without faults in the replies.
 // Input: generation and whether there are faults, then datagrams, each with a control byte and its length.

@@ -1,6 +1,6 @@
 #include <sstream>
 
-#include "Session.h"
+#include "FuzzedConnection.h"
 
 // The parser of "RS.PRM", compared with a parser made of streams.
 
@@ -28,11 +28,11 @@ int Rs022Of(std::string const& text) {
 } // namespace
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static Session session(2);
+    static FuzzedConnection connection(2);
     std::string text(Input(data, size).TakeText());
     std::ranges::replace(text, '\0', ' ');
-    session.SetAnswers(BlocksOf(text));
-    Require(session.robot.GetRS22StateFromFile() == Rs022Of(text), "the third field of the fifth item");
+    connection.SetAnswers(BlocksOf(text));
+    Require(connection.robot.GetRS22StateFromFile() == Rs022Of(text), "the third field of the fifth item");
     return 0;
 }
 

@@ -1,7 +1,7 @@
 #include <regex>
 #include <set>
 
-#include "Session.h"
+#include "FuzzedConnection.h"
 #include "connection/SystemFileParser.h"
 #include "harvlink/ControlGroupInterface.h"
 
@@ -45,10 +45,10 @@ std::set<ControlGroupId> GroupsOf(std::string const& text) {
     return groups;
 }
 
-bool IsAttached(Session& session, int group) {
+bool IsAttached(FuzzedConnection& connection, int group) {
     PositionData position;
-    auto const status = session.robot.ControlGroup->ReadPositionData(static_cast<ControlGroupId>(group),
-                                                                     CoordinateType::Pulse, 0, 0, position);
+    auto const status = connection.robot.ControlGroup->ReadPositionData(static_cast<ControlGroupId>(group),
+                                                                        CoordinateType::Pulse, 0, 0, position);
     return status.StatusCode != static_cast<int>(ErrorStatusCodes::ControlGroupNotAttached);
 }
 
@@ -57,13 +57,13 @@ bool IsAttached(Session& session, int group) {
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::string text(Input(data, size).TakeText());
     std::ranges::replace(text, '\0', ' ');
-    Session session(3);
-    session.SetAnswers(BlocksOf(text));
-    Require(session.robot.GetAttachedControlGroups(), "a complete file is read");
+    FuzzedConnection connection(3);
+    connection.SetAnswers(BlocksOf(text));
+    Require(connection.robot.GetAttachedControlGroups(), "a complete file is read");
     auto const groups = GroupsOf(text);
     for (int group = 0; group <= 45; ++group) {
         bool const isExpected = groups.contains(static_cast<ControlGroupId>(group));
-        Require(IsAttached(session, group) == isExpected, "exactly the groups in the file");
+        Require(IsAttached(connection, group) == isExpected, "exactly the groups in the file");
     }
     return 0;
 }

@@ -1,20 +1,20 @@
 #include <iterator>
 #include <sstream>
 
-#include "Session.h"
+#include "FuzzedConnection.h"
 
 // The parser of "TOOL.CND", compared with a parser made of streams.
 
 namespace harvlink::fuzz {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static Session session(3);
+    static FuzzedConnection connection(3);
     std::string text(Input(data, size).TakeText());
     std::ranges::replace(text, '\0', ' ');
-    session.SetAnswers(BlocksOf(text));
+    connection.SetAnswers(BlocksOf(text));
     std::istringstream stream(text);
     auto const tools = std::count(std::istream_iterator<std::string>(stream), {}, "//TOOL");
-    Require(session.robot.GetNumberOfToolFiles() == tools, "one tool for each tool section of the file");
+    Require(connection.robot.GetNumberOfToolFiles() == tools, "one tool for each tool section of the file");
     return 0;
 }
 

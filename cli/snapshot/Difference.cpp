@@ -13,7 +13,7 @@ namespace {
 
 using Index = std::map<std::string_view, std::string_view>;
 
-Index IndexOf(Table const& table) {
+Index IndexOf(Entries const& table) {
     Index index;
     for (Entry const& entry : table) {
         index[entry.name] = entry.value;
@@ -22,7 +22,7 @@ Index IndexOf(Table const& table) {
 }
 
 // The names of both, in the order of the newer. A name that only the older has stands after the name it followed there.
-std::vector<std::string_view> NamesOf(Table const& before, Table const& after) {
+std::vector<std::string_view> NamesOf(Entries const& before, Entries const& after) {
     std::vector<std::string_view> names;
     std::set<std::string_view> known;
     Index const latter = IndexOf(after);
@@ -48,7 +48,7 @@ std::optional<std::string> Find(Index const& index, std::string_view name) {
 }
 
 // A group of eight signals that both have becomes one change for each signal that differs.
-void AddSignals(Change const& group, std::vector<Change>& changes) {
+void AddSignals(ChangedEntry const& group, std::vector<ChangedEntry>& changes) {
     unsigned address = 0;
     std::from_chars(group.name.data(), group.name.data() + group.name.size(), address);
     std::string const& before = *group.before;
@@ -62,12 +62,12 @@ void AddSignals(Change const& group, std::vector<Change>& changes) {
     }
 }
 
-void CompareTables(std::string_view section, Table const& before, Table const& after, bool onlyCommon,
-                   std::vector<Change>& changes) {
+void CompareTables(std::string_view section, Entries const& before, Entries const& after, bool onlyCommon,
+                   std::vector<ChangedEntry>& changes) {
     Index const former = IndexOf(before);
     Index const latter = IndexOf(after);
     for (std::string_view const name : NamesOf(before, after)) {
-        Change change{std::string(section), std::string(name), Find(former, name), Find(latter, name), {}};
+        ChangedEntry change{std::string(section), std::string(name), Find(former, name), Find(latter, name), {}};
         bool const isCommon = change.before && change.after;
         if (change.before == change.after || (onlyCommon && !isCommon)) {
             continue;
@@ -80,7 +80,7 @@ void CompareTables(std::string_view section, Table const& before, Table const& a
     }
 }
 
-void CompareFiles(Snapshot const& before, Snapshot const& after, bool onlyCommon, std::vector<Change>& changes) {
+void CompareFiles(Snapshot const& before, Snapshot const& after, bool onlyCommon, std::vector<ChangedEntry>& changes) {
     std::set<std::string_view> names;
     for (Snapshot const* const snapshot : {&before, &after}) {
         for (auto const& [name, contents] : snapshot->files) {
@@ -90,7 +90,7 @@ void CompareFiles(Snapshot const& before, Snapshot const& after, bool onlyCommon
     for (std::string_view const name : names) {
         auto const former = before.files.find(name);
         auto const latter = after.files.find(name);
-        Change change{
+        ChangedEntry change{
             .section = std::string(FilesSection), .name = std::string(name), .before = {}, .after = {}, .lines = {}};
         bool const isCommon = former != before.files.end() && latter != after.files.end();
         if (isCommon ? former->second == latter->second : onlyCommon) {
@@ -129,7 +129,7 @@ void CompareSection(std::string_view section, Snapshot const& before, Snapshot c
 
 Difference Compare(Snapshot const& before, Snapshot const& after) {
     Difference difference;
-    std::vector<Change>& changes = difference.changes;
+    std::vector<ChangedEntry>& changes = difference.changes;
     CompareSection(ControllerSection, before, after, difference, [&](bool onlyCommon) {
         CompareTables(ControllerSection, before.controller, after.controller, onlyCommon, changes);
     });

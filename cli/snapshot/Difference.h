@@ -10,7 +10,7 @@
 namespace harvlink::cli::snapshot {
 
 /// A value or file that differs. The values of a file are its sizes in bytes.
-struct Change {
+struct ChangedEntry {
     std::string section;
     std::string name;
     std::optional<std::string> before; ///< empty: it was not there
@@ -19,7 +19,7 @@ struct Change {
 };
 
 struct Difference {
-    std::vector<Change> changes; ///< in the order of sections and names
+    std::vector<ChangedEntry> changes; ///< in the order of sections and names
     std::vector<std::string> notTaken; ///< sections that only one of them has
     std::vector<std::string>
         incomplete; ///< sections that could not be read completely: only what both have is compared

@@ -30,9 +30,9 @@ std::string Text(LineChange const& line, bool hasColour) {
 
 } // namespace
 
-Json ChangesJson(std::vector<Change> const& list) {
+Json ChangesJson(std::vector<ChangedEntry> const& list) {
     Json changes = Json::array();
-    for (Change const& change : list) {
+    for (ChangedEntry const& change : list) {
         Json row{{"section", change.section},
                  {"name", ControllerText(change.name)},
                  {"before", change.before ? Json(*change.before) : Json()},
@@ -52,9 +52,9 @@ Json DifferenceJson(Difference const& difference) {
             {"only_in_one", difference.notTaken}};
 }
 
-void ShowChanges(std::ostream& out, std::vector<Change> const& changes, bool hasColour) {
+void ShowChanges(std::ostream& out, std::vector<ChangedEntry> const& changes, bool hasColour) {
     std::string section;
-    for (Change const& change : changes) {
+    for (ChangedEntry const& change : changes) {
         if (change.section != section) {
             section = change.section;
             out << section << '\n';

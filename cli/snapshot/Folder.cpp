@@ -35,7 +35,7 @@ void WriteFile(filesystem::path const& path, std::string const& text) {
     }
 }
 
-std::string TableText(TableKind const& kind, Table const& table) {
+std::string TableText(TableKind const& kind, Entries const& table) {
     std::string text = fmt::format("{},{}\n", kind.name, kind.value);
     for (Entry const& entry : table) {
         text += fmt::format("{},{}\n", CsvCell(entry.name), CsvCell(entry.value));
@@ -43,13 +43,13 @@ std::string TableText(TableKind const& kind, Table const& table) {
     return text;
 }
 
-Table ReadTable(filesystem::path const& path) {
+Entries ReadTable(filesystem::path const& path) {
     std::vector<CsvRow> rows = ParseCsv(path.string(), ReadTextFile(path.string()));
     if (rows.empty()) {
         throw InputError(fmt::format("{}:1: the header line is missing", path.string()));
     }
     rows.erase(rows.begin());
-    Table table;
+    Entries table;
     ForEachRow(path.string(), rows, [&](CsvRow const& row) {
         if (row.cells.size() != 2) {
             throw InputError(fmt::format("{} cells instead of 2", row.cells.size()));

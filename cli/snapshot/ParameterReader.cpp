@@ -43,7 +43,7 @@ struct ParameterRun {
     std::string suffix; ///< of the names, such as "@R1"
 };
 
-std::vector<ParameterRun> ParameterRunsOf(std::vector<ParameterRange> const& ranges, Table const& groups) {
+std::vector<ParameterRun> ParameterRunsOf(std::vector<ParameterRange> const& ranges, Entries const& groups) {
     std::vector<ParameterRun> runs;
     for (ParameterRange const& range : ranges) {
         if (!BelongsToGroup(range.type)) {
@@ -95,8 +95,8 @@ std::vector<ParameterRange> SelectedRanges(std::vector<std::string> const& texts
 }
 
 // No operation lists the groups, so each possible group is asked for.
-Table FindGroups(Source& source, Snapshot& snapshot) {
-    Table groups;
+Entries FindGroups(Source& source, Snapshot& snapshot) {
+    Entries groups;
     for (ControlGroupId const group : AllGroups()) {
         std::array<char, 8> axes{};
         StatusInfo const status = source.Ask(
@@ -121,7 +121,7 @@ void ReadGroups(Source& source, Snapshot& snapshot) {
 
 void ReadParameters(Source& source, Snapshot& snapshot) {
     auto const known = snapshot.tables.find("groups");
-    Table const groups = known == snapshot.tables.end() ? FindGroups(source, snapshot) : known->second;
+    Entries const groups = known == snapshot.tables.end() ? FindGroups(source, snapshot) : known->second;
     snapshot.tables["parameters"] = {};
     for (ParameterRun const& run : ParameterRunsOf(SelectedRanges(snapshot.selection.parameters), groups)) {
         if (source.IsGone()) {

@@ -94,20 +94,21 @@ void ShowPlan(Output& output, RestorePlan const& plan) {
 }
 
 /// Those of the plan that the controller does not have even now.
-std::vector<Change> Remaining(RestorePlan const& plan, RestorePlan const& now) {
+std::vector<ChangedEntry> Remaining(RestorePlan const& plan, RestorePlan const& now) {
     std::set<std::pair<std::string, std::string>> planned;
-    for (Change const& change : plan.changes) {
+    for (ChangedEntry const& change : plan.changes) {
         planned.emplace(change.section, change.name);
     }
-    std::vector<Change> remaining;
-    std::copy_if(now.changes.begin(), now.changes.end(), std::back_inserter(remaining), [&](Change const& change) {
-        return planned.contains({change.section, change.name});
-    });
+    std::vector<ChangedEntry> remaining;
+    std::copy_if(now.changes.begin(), now.changes.end(), std::back_inserter(remaining),
+                 [&](ChangedEntry const& change) {
+                     return planned.contains({change.section, change.name});
+                 });
     return remaining;
 }
 
 void ShowResult(Output& output, RestorePlan const& plan, WriteReport const& report,
-                std::vector<Change> const& remaining) {
+                std::vector<ChangedEntry> const& remaining) {
     if (output.json) {
         Json document{{"plan", ChangesJson(plan.changes)}, {"impossible", ChangesJson(plan.impossible)}};
         document.update(ReportJson(report, "name"));
@@ -147,14 +148,14 @@ int Restore(Session& session, Output& output, RestoreArguments const& arguments,
         if (arguments.dryRun && !output.json) {
             return output.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;
         }
-        ShowResult(output, plan, {}, arguments.dryRun ? plan.changes : std::vector<Change>{});
+        ShowResult(output, plan, {}, arguments.dryRun ? plan.changes : std::vector<ChangedEntry>{});
         return output.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;
     }
     if (!session.Confirm(Consequence(plan))) {
         return ExitStatus::Failure;
     }
     WriteReport const report = WriteEach(output, "Writing", WritesOf(plan, saved, *connection), AfterFailure::GoOn);
-    std::vector<Change> remaining = plan.changes;
+    std::vector<ChangedEntry> remaining = plan.changes;
     if (!report.wasInterrupted) {
         RestorePlan const now = MakePlan(ReadSections(*connection, session, output, saved, sections), saved, sections);
         remaining = Remaining(plan, now);

@@ -5,6 +5,7 @@
 #include "cli/output/Words.h"
 #include "cli/program/RepeatedRead.h"
 #include "cli/program/VariableAccess.h"
+#include "harvlink/ControllerVersion.h"
 #include "harvlink/FileInterface.h"
 #include "harvlink/IOInterface.h"
 #include "words/text/Text.h"
@@ -25,10 +26,13 @@ constexpr AddressRange OlderNetworkInputs{25'010, 29'567};
 constexpr std::array<AddressRange, 3> NewerSignals{{{27'010, 29'567}, {10'010, 15'127}, {60'010, 60'647}}};
 
 bool IsOlder(Snapshot const& live) {
-    constexpr std::array<std::string_view, 3> Older{"DS", "DN", "FS"};
-    return std::any_of(live.controller.begin(), live.controller.end(), [&](Entry const& entry) {
-        return entry.name == "generation" && std::find(Older.begin(), Older.end(), entry.value) != Older.end();
-    });
+    auto const generation = std::find_if(live.controller.begin(), live.controller.end(),
+                                         [](Entry const& entry) { return entry.name == "generation"; });
+    return generation != live.controller.end() &&
+           std::any_of(ControllerGenerations.begin(), ControllerGenerations.end(),
+                       [&](ControllerGeneration const& known) {
+                           return known.version < ControllerVersion::VersionYA && known.letters == generation->value;
+                       });
 }
 
 bool IsWritableSignal(std::string const& name, bool isOlder) {
@@ -42,7 +46,7 @@ bool IsWritableFile(std::string const& name) {
     return kinds.size() == 1 && FileKinds.at(static_cast<std::size_t>(kinds.front())).writable;
 }
 
-bool CanBeWritten(Change const& change, bool isOlder) {
+bool CanBeWritten(ChangedEntry const& change, bool isOlder) {
     if (change.section == FilesSection) {
         return IsWritableFile(change.name);
     }
@@ -87,7 +91,7 @@ PendingWrite WriteOfSignal(std::string const& name, bool isOn, IOInterface& io) 
             AfterLoss::ReadBack};
 }
 
-PendingWrite WriteOf(Change const& change, Snapshot const& saved, QuorvanController& robot) {
+PendingWrite WriteOf(ChangedEntry const& change, Snapshot const& saved, QuorvanController& robot) {
     std::string const& name = change.name;
     std::string const value = change.after.value_or("");
     if (change.section == FilesSection) {
@@ -106,10 +110,10 @@ PendingWrite WriteOf(Change const& change, Snapshot const& saved, QuorvanControl
 
 RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<std::string_view> const& sections) {
     RestorePlan plan;
-    std::vector<Change> const changes = Compare(live, saved).changes;
+    std::vector<ChangedEntry> const changes = Compare(live, saved).changes;
     bool const isOlder = IsOlder(live);
     for (std::string_view const section : sections) {
-        for (Change const& change : changes) {
+        for (ChangedEntry const& change : changes) {
             if (change.section == section && change.after) {
                 (CanBeWritten(change, isOlder) ? plan.changes : plan.impossible).push_back(change);
             }
@@ -120,7 +124,7 @@ RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<st
 
 std::vector<PendingWrite> WritesOf(RestorePlan const& plan, Snapshot const& saved, QuorvanController& robot) {
     std::vector<PendingWrite> writes;
-    for (Change const& change : plan.changes) {
+    for (ChangedEntry const& change : plan.changes) {
         writes.push_back(WriteOf(change, saved, robot));
     }
     return writes;

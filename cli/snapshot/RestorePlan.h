@@ -18,8 +18,8 @@ inline constexpr std::array<std::string_view, 4> RestorableSections{FilesSection
 
 /// What a controller lacks to hold what a snapshot holds.
 struct RestorePlan {
-    std::vector<Change> changes; ///< that can be written, from what the controller has to what the snapshot has
-    std::vector<Change>
+    std::vector<ChangedEntry> changes; ///< that can be written, from what the controller has to what the snapshot has
+    std::vector<ChangedEntry>
         impossible; ///< that can't: the controller has no such variable, or nobody can write such a signal
 };
 

@@ -28,7 +28,7 @@ struct ShowArguments {
     std::string section;
 };
 
-Json TableJson(Table const& table, std::string_view name, std::string_view value) {
+Json TableJson(Entries const& table, std::string_view name, std::string_view value) {
     Json rows = Json::array();
     for (Entry const& entry : table) {
         rows.push_back({{std::string(name), entry.name}, {std::string(value), entry.value}});

@@ -20,7 +20,7 @@ constexpr unsigned RegisterLimit = 2048;
 constexpr std::array<unsigned, 16> FirstGroups{1,    1001, 2001, 2501, 2701, 3001, 3501, 3701,
                                                4001, 5001, 6001, 7001, 8001, 8201, 8701, GroupLimit};
 
-StatusInfo ReadSignalRun(Source& source, Table& table, unsigned first, unsigned end) {
+StatusInfo ReadSignalRun(Source& source, Entries& table, unsigned first, unsigned end) {
     for (unsigned group = first; group < end; ++group) {
         std::bitset<8> bits;
         std::string const name = fmt::format("{}", group * 10);
@@ -36,7 +36,7 @@ StatusInfo ReadSignalRun(Source& source, Table& table, unsigned first, unsigned 
 } // namespace
 
 void ReadSignals(Source& source, Snapshot& snapshot) {
-    Table& table = snapshot.tables["signals"];
+    Entries& table = snapshot.tables["signals"];
     for (std::size_t i = 0; i + 1 < FirstGroups.size() && !source.IsGone(); ++i) {
         StatusInfo const status = ReadSignalRun(source, table, FirstGroups.at(i), FirstGroups.at(i + 1));
         if (status.StatusCode != 0) {
@@ -46,7 +46,7 @@ void ReadSignals(Source& source, Snapshot& snapshot) {
 }
 
 void ReadRegisters(Source& source, Snapshot& snapshot) {
-    Table& table = snapshot.tables["registers"];
+    Entries& table = snapshot.tables["registers"];
     for (unsigned index = 0; index <= RegisterLimit; ++index) {
         std::uint16_t value = 0;
         std::string const name = fmt::format("{}", index);

@@ -19,7 +19,7 @@ struct Entry {
 };
 
 /// One kind of values, in the order of their numbers.
-using Table = std::vector<Entry>;
+using Entries = std::vector<Entry>;
 
 /// A section that is stored as a table, with the header of its file.
 struct TableKind {
@@ -62,8 +62,8 @@ struct Snapshot {
     std::string created; ///< in UTC, such as "2026-11-21T10:00:00Z"
     Selection selection;
     std::string encoding = "utf-8"; ///< in which the controller has its texts
-    Table controller;
-    std::map<std::string, Table, std::less<>>
+    Entries controller;
+    std::map<std::string, Entries, std::less<>>
         tables; ///< by section; a section that the controller does not have is not there
     std::map<std::string, std::string, std::less<>> files; ///< contents by name
     std::vector<Missing> missing;

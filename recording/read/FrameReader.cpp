@@ -33,7 +33,7 @@ FrameReader::FrameReader(Database& database, Catalogue const& catalogue,
     : catalogue_(catalogue), readingsOfBlock_(readingsOfBlock) {
     for (int const width : FrameWidths) {
         std::string const table = FrameTable(width);
-        tables_.push_back(
+        cursors_.push_back(
             {width, Statement(database, "SELECT * FROM " + table + " WHERE sequence BETWEEN ? AND ? ORDER BY sequence"),
              Statement(database, "SELECT min(sequence) FROM " + table + " WHERE sequence >= ?")});
     }
@@ -43,8 +43,8 @@ bool FrameReader::Read(std::int64_t first, std::int64_t last, Use const& use) {
     while (first <= last) {
         rowCount_ = 0;
         std::int64_t const end = last - first < RowsAtOnce ? last : first + RowsAtOnce - 1;
-        for (Table& table : tables_) {
-            Load(table, first, end);
+        for (Cursor& cursor : cursors_) {
+            Load(cursor, first, end);
         }
         if (rowCount_ == 0) {
             // Numbers may be missing in plenty, and a damaged file may have any.
@@ -72,12 +72,12 @@ bool FrameReader::Read(std::int64_t first, std::int64_t last, Use const& use) {
 /// The next number from `from` on that a row has; the largest number if there is none.
 std::int64_t FrameReader::NextSequence(std::int64_t from) {
     std::int64_t next = std::numeric_limits<std::int64_t>::max();
-    for (Table& table : tables_) {
-        table.next.Bind(0, from);
-        if (table.next.Step() && !table.next.IsNull(0)) {
-            next = std::min(next, table.next.Integer(0));
+    for (Cursor& cursor : cursors_) {
+        cursor.next.Bind(0, from);
+        if (cursor.next.Step() && !cursor.next.IsNull(0)) {
+            next = std::min(next, cursor.next.Integer(0));
         }
-        table.next.Reset();
+        cursor.next.Reset();
     }
     return next;
 }
@@ -92,8 +92,8 @@ FrameReader::Row& FrameReader::NextRow() {
     return row;
 }
 
-void FrameReader::Load(Table& table, std::int64_t first, std::int64_t last) {
-    Statement& stored = table.rows;
+void FrameReader::Load(Cursor& cursor, std::int64_t first, std::int64_t last) {
+    Statement& stored = cursor.rows;
     stored.Bind(0, first);
     stored.Bind(1, last);
     while (stored.Step()) {
@@ -109,14 +109,14 @@ void FrameReader::Load(Table& table, std::int64_t first, std::int64_t last) {
         row.code = static_cast<std::int32_t>(stored.Integer(8));
         // A block of another width would be a damaged file: it has no readings in these rows.
         bool const fits = row.block >= 1 && row.block <= catalogue_.blocks.size() &&
-                          catalogue_.blocks[row.block - 1].width == table.width;
+                          catalogue_.blocks[row.block - 1].width == cursor.width;
         row.block = fits ? row.block : 0;
-        for (int slot = 0; fits && slot < table.width; ++slot) {
+        for (int slot = 0; fits && slot < cursor.width; ++slot) {
             if (!stored.IsNull(FirstValueColumn + slot)) {
                 row.values.emplace_back(slot, stored.Value(FirstValueColumn + slot));
             }
-            if (!stored.IsNull(FirstValueColumn + table.width + slot)) {
-                row.times.emplace_back(slot, stored.Integer(FirstValueColumn + table.width + slot));
+            if (!stored.IsNull(FirstValueColumn + cursor.width + slot)) {
+                row.times.emplace_back(slot, stored.Integer(FirstValueColumn + cursor.width + slot));
             }
         }
     }

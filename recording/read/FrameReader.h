@@ -34,13 +34,13 @@ private:
         std::vector<std::pair<int, RecordedValue>> values; ///< by slot
         std::vector<std::pair<int, std::int64_t>> times;
     };
-    struct Table {
+    struct Cursor {
         int width;
         Statement rows;
         Statement next;
     };
 
-    void Load(Table& table, std::int64_t first, std::int64_t last);
+    void Load(Cursor& cursor, std::int64_t first, std::int64_t last);
     Row& NextRow();
     std::int64_t NextSequence(std::int64_t from);
     bool Deliver(Row const& row, Use const& use);
@@ -49,7 +49,7 @@ private:
 
     Catalogue const& catalogue_;
     std::vector<std::vector<std::uint32_t>> const& readingsOfBlock_;
-    std::vector<Table> tables_;
+    std::vector<Cursor> cursors_;
     std::vector<Row> rows_; ///< kept for their memory
     std::size_t rowCount_ = 0;
     std::vector<Row const*> order_;

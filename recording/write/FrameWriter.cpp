@@ -65,67 +65,67 @@ Statement& FrameWriter::InsertFor(int width) {
     return inserts_.try_emplace(width, database_, InsertSql(width)).first->second;
 }
 
-bool FrameWriter::Fits(Frame const& frame, Head const& head, int slot, RecordedMoment const& moment) {
-    Microseconds const offset = moment.request - frame.first.request;
-    return frame.head.isPicture == head.isPicture && head.reading == 0 && frame.head.reading == 0 &&
-           slot > frame.lastSlot && offset >= 0 && offset <= MostSpan && RoundTrip(moment) <= MostRoundTrip;
+bool FrameWriter::Fits(OpenRow const& row, Head const& head, int slot, RecordedMoment const& moment) {
+    Microseconds const offset = moment.request - row.first.request;
+    return row.head.isPicture == head.isPicture && head.reading == 0 && row.head.reading == 0 && slot > row.lastSlot &&
+           offset >= 0 && offset <= MostSpan && RoundTrip(moment) <= MostRoundTrip;
 }
 
 void FrameWriter::Add(Head const& head, int slot, RecordedReading const& reading, RecordedMoment const& moment,
                       Places const& changed, std::vector<RecordedValue> const& values, std::int64_t& nextSequence) {
-    if (frames_.size() < head.block) {
-        frames_.resize(head.block);
+    if (rows_.size() < head.block) {
+        rows_.resize(head.block);
     }
-    Frame& frame = frames_[head.block - 1];
-    if (frame.sequence != 0 && !Fits(frame, head, slot, moment)) {
-        Write(frame);
+    OpenRow& row = rows_[head.block - 1];
+    if (row.sequence != 0 && !Fits(row, head, slot, moment)) {
+        Write(row);
     }
-    if (frame.sequence == 0) {
-        frame.head = head;
-        frame.sequence = nextSequence++;
-        frame.first = moment;
-    } else if (moment.request != frame.first.request || RoundTrip(moment) != RoundTrip(frame.first)) {
-        frame.times.emplace_back(slot, ((moment.request - frame.first.request) << RoundTripBits) | RoundTrip(moment));
+    if (row.sequence == 0) {
+        row.head = head;
+        row.sequence = nextSequence++;
+        row.first = moment;
+    } else if (moment.request != row.first.request || RoundTrip(moment) != RoundTrip(row.first)) {
+        row.times.emplace_back(slot, ((moment.request - row.first.request) << RoundTripBits) | RoundTrip(moment));
     }
     for (int const place : changed) {
         auto const index = static_cast<std::size_t>(place);
-        frame.values.emplace_back(slot + place, Encode(reading.items[index].divisor, values[index]));
+        row.values.emplace_back(slot + place, Encode(reading.items[index].divisor, values[index]));
     }
-    frame.lastSlot = slot;
+    row.lastSlot = slot;
 }
 
 void FrameWriter::Flush() {
-    for (Frame& frame : frames_) {
-        if (frame.sequence != 0) {
-            Write(frame);
+    for (OpenRow& row : rows_) {
+        if (row.sequence != 0) {
+            Write(row);
         }
     }
 }
 
-void FrameWriter::Write(Frame& frame) {
-    Statement& insert = InsertFor(frame.head.width);
-    insert.Bind(0, frame.sequence); // Run has left it without bindings
-    insert.Bind(1, std::int64_t{frame.head.block});
-    insert.Bind(2, frame.first.request);
-    insert.Bind(3, frame.first.monotonic);
-    insert.Bind(4, RoundTrip(frame.first));
-    insert.Bind(5, std::int64_t{frame.head.isPicture ? 1 : 0});
-    if (frame.head.reading != 0) {
-        insert.Bind(6, std::int64_t{frame.head.reading});
+void FrameWriter::Write(OpenRow& row) {
+    Statement& insert = InsertFor(row.head.width);
+    insert.Bind(0, row.sequence); // Run has left it without bindings
+    insert.Bind(1, std::int64_t{row.head.block});
+    insert.Bind(2, row.first.request);
+    insert.Bind(3, row.first.monotonic);
+    insert.Bind(4, RoundTrip(row.first));
+    insert.Bind(5, std::int64_t{row.head.isPicture ? 1 : 0});
+    if (row.head.reading != 0) {
+        insert.Bind(6, std::int64_t{row.head.reading});
     }
-    insert.Bind(7, static_cast<std::int64_t>(frame.first.quality));
-    insert.Bind(8, std::int64_t{frame.first.code});
-    for (auto const& [slot, value] : frame.values) {
+    insert.Bind(7, static_cast<std::int64_t>(row.first.quality));
+    insert.Bind(8, std::int64_t{row.first.code});
+    for (auto const& [slot, value] : row.values) {
         Bind(insert, FirstValueColumn + slot, value);
     }
-    for (auto const& [slot, time] : frame.times) {
-        insert.Bind(FirstValueColumn + frame.head.width + slot, time);
+    for (auto const& [slot, time] : row.times) {
+        insert.Bind(FirstValueColumn + row.head.width + slot, time);
     }
     insert.Run();
-    frame.values.clear();
-    frame.times.clear();
-    frame.sequence = 0;
-    frame.lastSlot = -1;
+    row.values.clear();
+    row.times.clear();
+    row.sequence = 0;
+    row.lastSlot = -1;
 }
 
 } // namespace harvlink::recording

@@ -34,7 +34,7 @@ public:
     void Flush();
 
 private:
-    struct Frame {
+    struct OpenRow {
         Head head{};
         std::int64_t sequence = 0; ///< 0: none is open
         RecordedMoment first{};
@@ -43,13 +43,13 @@ private:
         int lastSlot = -1; ///< readings come in the order of their slots; an earlier one begins the next round
     };
 
-    static bool Fits(Frame const& frame, Head const& head, int slot, RecordedMoment const& moment);
-    void Write(Frame& frame);
+    static bool Fits(OpenRow const& row, Head const& head, int slot, RecordedMoment const& moment);
+    void Write(OpenRow& row);
     Statement& InsertFor(int width);
 
     Database& database_;
     std::map<int, Statement> inserts_; ///< by width
-    std::vector<Frame> frames_; ///< by block
+    std::vector<OpenRow> rows_; ///< by block
 };
 
 } // namespace harvlink::recording

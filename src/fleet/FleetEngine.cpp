@@ -110,12 +110,12 @@ void FleetEngine::Read(std::span<Poller::Token const> tokens) {
 }
 
 void FleetEngine::MakeChanges(std::int64_t now) {
-    std::vector<Change> taken;
+    std::vector<Replacement> taken;
     {
         std::scoped_lock const lock(changeMutex);
         taken.swap(changes);
     }
-    for (Change const& change : taken) {
+    for (Replacement const& change : taken) {
         if (change.old) {
             Remove(change.old);
         }

@@ -34,7 +34,7 @@ public:
     std::uint64_t Pauses() const { return pauses.Get(); }
 
 private:
-    struct Change {
+    struct Replacement {
         std::shared_ptr<ControllerRecord> old;
         std::shared_ptr<ControllerRecord> fresh;
     };
@@ -61,7 +61,7 @@ private:
     DueHeap due;
     std::vector<Slot> slots;
     std::mutex changeMutex;
-    std::vector<Change> changes;
+    std::vector<Replacement> changes;
     std::atomic<bool> isStopping = false;
     std::thread thread;
 };

@@ -10,8 +10,8 @@ Bytes Pattern(std::size_t size) {
     return bytes;
 }
 
-Table AllOperations() {
-    Table table;
+Operations AllOperations() {
+    Operations table;
     AddStateOperations(table);
     AddVariableOperations(table);
     AddSignalOperations(table);

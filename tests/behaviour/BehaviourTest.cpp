@@ -58,7 +58,7 @@ protected:
     }
 
     ScratchFolder folder = MakeFolder();
-    Table table = AllOperations();
+    Operations table = AllOperations();
 };
 
 TEST_P(Behaviour, Success) {
@@ -288,7 +288,7 @@ std::size_t Count(std::string const& text, std::regex const& pattern) {
 
 /// Fails if a method or a plain name of the library is not in the table.
 TEST(BehaviourTable, HoldsEveryOperation) {
-    Table const table = AllOperations();
+    Operations const table = AllOperations();
     std::filesystem::path const root(HARVLINK_SOURCE_DIR);
     std::set<std::string> names;
     for (Operation const& operation : table) {

@@ -54,7 +54,7 @@ struct Operation {
     bool hasOutput;
 };
 
-using Table = std::vector<Operation>;
+using Operations = std::vector<Operation>;
 
 inline constexpr int UnsupportedThere = 0x30005;
 
@@ -142,8 +142,8 @@ struct PlainOutput {
 /// the content of the output after a failure of that exchange; the default is a cleared record.
 template <typename Record = NoOutput, typename Plain = NoOutput>
 void Add(
-    Table& table, Script const& script, std::string const& name, auto onClass, auto onPlain, Traits const& traits = {},
-    std::function<Record(std::size_t)> afterFailure = [](std::size_t) { return Record{}; }) {
+    Operations& table, Script const& script, std::string const& name, auto onClass, auto onPlain,
+    Traits const& traits = {}, std::function<Record(std::size_t)> afterFailure = [](std::size_t) { return Record{}; }) {
     constexpr bool hasOutput = !std::is_same_v<Record, NoOutput>;
     Record const onOlder = traits.isUntouchedOnOlder ? Poisoned<Record>() : Record{};
     // Records with texts are always filled, because the caller frees the texts.
@@ -179,11 +179,11 @@ void Add(
 /// Bytes that differ from each other and from zero.
 Bytes Pattern(std::size_t size);
 
-void AddStateOperations(Table& table); ///< state, groups, alarms, jobs, commands
-void AddVariableOperations(Table& table);
-void AddSignalOperations(Table& table); ///< and registers
-void AddSequenceOperations(Table& table); ///< files, motion, position conversion
+void AddStateOperations(Operations& table); ///< state, groups, alarms, jobs, commands
+void AddVariableOperations(Operations& table);
+void AddSignalOperations(Operations& table); ///< and registers
+void AddSequenceOperations(Operations& table); ///< files, motion, position conversion
 
-Table AllOperations();
+Operations AllOperations();
 
 } // namespace harvlink::test

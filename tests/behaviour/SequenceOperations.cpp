@@ -24,7 +24,7 @@ void Get(char const* name, std::string& content) {
     content = ContentOf(name);
 }
 
-void AddFiles(Table& table) {
+void AddFiles(Operations& table) {
     static std::string const content(500, 'x'); // two blocks
     Script const load(3, {0x15});
     static std::string const firstBlock(blockSize, '1');
@@ -88,7 +88,7 @@ Motion Point() {
 }
 
 /// Points only enter the queue: no exchange takes place.
-void AddPoints(Table& table) {
+void AddPoints(Operations& table) {
     Traits const queued{.statusOnOlder = unsupportedSequence, .successMessage = "Point added to trajectory."};
     auto const add = [&](char const* name, auto onClass, auto onPlain) {
         Add(
@@ -114,7 +114,7 @@ void AddPoints(Table& table) {
         [](auto h, auto p) { return motion_manager_Add4PointsToTrajectory(h, p, p, p, p); });
 }
 
-void AddMotion(Table& table) {
+void AddMotion(Operations& table) {
     std::map<int, int> const codes{{65535, 65535 - motionOffset}, {65534, 65534 - motionOffset}};
     Traits const plain{.codes = codes, .statusOnOlder = unsupportedSequence};
     Add<double, double>(
@@ -138,7 +138,7 @@ void AddMotion(Table& table) {
     Add(table, {{841}}, BOTH(c.MotionManager->ClearAllTrajectory(), motion_manager_ClearAllTrajectory), plain);
 }
 
-void AddConversion(Table& table, KinematicConversions conversion, Script const& script) {
+void AddConversion(Operations& table, KinematicConversions conversion, Script const& script) {
     bool const fromCartesian = conversion >= KinematicConversions::CartesianPosToJointAngle;
     static PositionData position{.coordinateType = CoordinateType::BaseCoordinate, .axes = {1, 2, 3, 4, 5, 6}};
     static std::array<double, 8> const angles{};
@@ -167,7 +167,7 @@ void AddConversion(Table& table, KinematicConversions conversion, Script const& 
         });
 }
 
-void AddConversions(Table& table) {
+void AddConversions(Operations& table) {
     using enum KinematicConversions;
     Bytes const converted = Words({2}) + U16(3) + U16(1) + Words({5, 0, 11, 22, 33, 44, 55, 66, 77, 88});
     AddConversion(table, JointAngleToCartesianPos, {{866, converted}});
@@ -180,7 +180,7 @@ void AddConversions(Table& table) {
 
 } // namespace
 
-void AddSequenceOperations(Table& table) {
+void AddSequenceOperations(Operations& table) {
     AddFiles(table);
     AddPoints(table);
     AddMotion(table);

@@ -10,7 +10,7 @@ constexpr unsigned firstOutput = 10010; ///< address of the first general output
 Script const readByte{{120, Pattern(1)}};
 Script const readWord{{120, Pattern(1)}, {120, Pattern(1)}};
 
-void AddReads(Table& table) {
+void AddReads(Operations& table) {
     Add<bool, int>(
         table, {{120, U8(8)}},
         BOTH(c.IO->ReadBit(IOType::GeneralOutput, 1, 3, out), io_interface_type_ReadBit, outputClass, 1, 3, out));
@@ -58,7 +58,7 @@ struct Place {
 };
 
 /// A write with both kinds of commands: byte by byte to a network input, and signal by signal to a general output.
-void AddWrite(Table& table, char const* name, Script const& olderScript, std::size_t signals, bool isByAddress,
+void AddWrite(Operations& table, char const* name, Script const& olderScript, std::size_t signals, bool isByAddress,
               auto onClass, auto onPlain) {
     auto const add = [&](Place const& place, Script const& script, int statusOnOlder) {
         Add(
@@ -89,7 +89,7 @@ auto ByPlainAddress(auto write) {
     return [=](ControllerHandle h, Place const& place) { return write(h, place.address, 0xa5); };
 }
 
-void AddWrites(Table& table) {
+void AddWrites(Operations& table) {
     Script const bit{{120, Pattern(1)}, {120}};
     Script const byte{{120}};
     Script const word{{120}, {120}};
@@ -119,7 +119,7 @@ void AddWrites(Table& table) {
              ByPlainAddress(io_interface_uint16_address_WriteWord));
 }
 
-void AddRegisters(Table& table) {
+void AddRegisters(Operations& table) {
     // A refused instance has another code for a write, because a write converts codes like a variable.
     Traits const reading{.codes = {{40961, 65535}}};
     Traits const writing{.codes = {{40961, 0x30008}}};
@@ -137,7 +137,7 @@ void AddRegisters(Table& table) {
 
 } // namespace
 
-void AddSignalOperations(Table& table) {
+void AddSignalOperations(Operations& table) {
     AddReads(table);
     AddWrites(table);
     AddRegisters(table);

@@ -19,7 +19,7 @@ Alarms ReadUpTo(std::size_t failed) {
     return list;
 }
 
-void AddState(Table& table) {
+void AddState(Operations& table) {
     Add<ControllerStateData, ::ControllerStateData>(
         table, {{114, Pattern(8)}}, BOTH(c.Status->ReadState(out), controller_state_interface_read_state, out));
     Add<SystemInfoData, ISystemInfoData>(table, {{137, Text("YA1.00", 24) + Text("MODEL", 24)}},
@@ -41,7 +41,7 @@ void AddState(Table& table) {
                   parameter);
 }
 
-void AddGroups(Table& table) {
+void AddGroups(Operations& table) {
     std::map<int, int> const codes{{40961, 40961 - groupOffset}};
     // The older command and the read of torque also decode the payload of a refusal.
     Add<PositionData, ::PositionData>(
@@ -69,7 +69,7 @@ void AddGroups(Table& table) {
         [](std::size_t) { return TorqueData{.controlGroup = ControlGroupId::R1}; });
 }
 
-void AddFaults(Table& table) {
+void AddFaults(Operations& table) {
     Add<ActiveAlarms, IActiveAlarms>(table, Script(4, {112, wireAlarm}),
                                      BOTH(c.Faults->GetActiveAlarms(out), fault_interface_get_active_alarms, out), {},
                                      ReadUpTo<ActiveAlarms>);
@@ -81,7 +81,7 @@ void AddFaults(Table& table) {
     Add(table, {{130}, {130}}, BOTH(c.Faults->ClearAllFaults(), fault_interface_clear_all_faults), {.ignored = {0}});
 }
 
-void AddJobs(Table& table) {
+void AddJobs(Operations& table) {
     std::map<int, int> const codes{{65535, 65535 - jobOffset}, {20992, 20992 - jobOffset}, {16448, 16448 - jobOffset}};
     Add(table, {{135}}, BOTH(c.Job->SetActiveJob("WELD", 3), job_interface_set_active_job, "WELD", 3),
         {.codes = codes});
@@ -95,7 +95,7 @@ void AddJobs(Table& table) {
         {.codes = codes, .statusOnOlder = UnsupportedThere, .isUntouchedOnOlder = true});
 }
 
-void AddCommands(Table& table) {
+void AddCommands(Operations& table) {
     // The operation always reads the mode, and after a refusal once more for the text.
     Add(table, {{131}, {114, Words({0x40})}},
         BOTH(c.ControlCommands->SetServos(SignalStatus::On), control_commands_interface_SetServos, 1),
@@ -113,7 +113,7 @@ void AddCommands(Table& table) {
 
 } // namespace
 
-void AddStateOperations(Table& table) {
+void AddStateOperations(Operations& table) {
     AddState(table);
     AddGroups(table);
     AddFaults(table);

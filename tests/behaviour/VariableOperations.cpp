@@ -8,7 +8,7 @@ std::map<int, int> const invalidIndex{{40961, 0x30008}};
 
 /// Read and write of one kind. The kinds differ in name, command and record.
 template <typename Record, typename Plain>
-void AddKind(Table& table, std::string const& kind, unsigned command, Bytes const& value,
+void AddKind(Operations& table, std::string const& kind, unsigned command, Bytes const& value,
              VariableInterface<Record>* VariablesInterface::*variables,
              IStatusInfo (*read)(ControllerHandle, unsigned short, Plain*), auto write) {
     Traits const traits{.codes = invalidIndex, .mayBeShort = std::is_same_v<Record, StringVariableData>};
@@ -48,7 +48,7 @@ void AddKind(Table& table, std::string const& kind, unsigned command, Bytes cons
 
 } // namespace
 
-void AddVariableOperations(Table& table) {
+void AddVariableOperations(Operations& table) {
     using Kinds = VariablesInterface;
     AddKind<ByteVariableData>(table, "byte", 122, Pattern(1), &Kinds::byteVariable, byte_variable_interface_read,
                               byte_variable_interface_write);

@@ -98,7 +98,7 @@ TEST_F(SnapshotTest, SavesWhatTheControllerHasAndShowsWhatChanged) {
     Result const saved = RunTool("snapshot save cell --json --param RS0..30 S1C0..2");
     ASSERT_EQ(saved.exit, 0) << saved.err;
     Snapshot const cell = Read("cell");
-    EXPECT_EQ(cell.tables.at("groups"), (Table{{"R1", "SLURBT"}}));
+    EXPECT_EQ(cell.tables.at("groups"), (Entries{{"R1", "SLURBT"}}));
     EXPECT_EQ(cell.tables.at("variables").size(), With([](ControllerModel& model) {
                   auto const& all = model.variables;
                   return all.bytes.size() + all.integers.size() + all.doubleInts.size() + all.reals.size() +

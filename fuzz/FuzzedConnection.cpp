@@ -1,4 +1,4 @@
-#include "Session.h"
+#include "FuzzedConnection.h"
 
 #include <ctime>
 
@@ -132,7 +132,7 @@ Bytes Transport::Next() {
     return kind <= Answer::Kind::Cut ? std::exchange(honestAnswer, {}) : bytes;
 }
 
-Session::Session(std::uint8_t generation, std::optional<Answers> const& answers)
+FuzzedConnection::FuzzedConnection(std::uint8_t generation, std::optional<Answers> const& answers)
     : transport(MakeTransport(generation, answers)),
       robot(std::unique_ptr<DatagramTransport>(transport), 0, 0, false, status) {
     if (transport->isHonest) {
@@ -141,13 +141,13 @@ Session::Session(std::uint8_t generation, std::optional<Answers> const& answers)
     transport->isHonest = !answers;
 }
 
-void Session::SetAnswers(Answers answers) {
+void FuzzedConnection::SetAnswers(Answers answers) {
     transport->sent.clear();
     transport->isHonest = false;
     transport->answers = std::move(answers);
 }
 
-void Session::RequireUsable() {
+void FuzzedConnection::RequireUsable() {
     IncomingPacket<StatusInformationReturnData> packet{.payload = {.first = 0x80, .second = 0x40}};
     auto const bytes = packet.Bytes();
     SetAnswers({{Answer::Kind::Raw, 0, {bytes.begin(), bytes.end()}}});

@@ -64,10 +64,10 @@ private:
 };
 
 /// A connection over a Transport.
-class Session {
+class FuzzedConnection {
 public:
     /// Opens the connection with correct answers, unless others are given.
-    explicit Session(std::uint8_t generation, std::optional<Answers> const& answers = std::nullopt);
+    explicit FuzzedConnection(std::uint8_t generation, std::optional<Answers> const& answers = std::nullopt);
 
     /// From now on only these answers come.
     void SetAnswers(Answers answers);
