@@ -155,6 +155,62 @@ void RaiseDescriptorLimit() {
     ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+/// Connections to many controllers in turn, and as many bare clients.
+struct Crowd {
+    std::vector<Connection> connections;
+    std::vector<std::unique_ptr<BareClient>> bareClients;
+
+    void GrowTo(std::size_t count, std::vector<std::string> const& addresses) {
+        while (connections.size() < count) {
+            std::string const& address = addresses[connections.size() % addresses.size()];
+            bareClients.push_back(std::make_unique<BareClient>(address));
+            connections.push_back(Open(address));
+        }
+    }
+};
+
+void GrowthOfConnections(Report& report, std::vector<std::string> const& addresses, Crowd& crowd) {
+    Points growth;
+    Points bareGrowth;
+    for (std::size_t const count : {1U, 10U, 100U, 1000U}) {
+        crowd.GrowTo(count, addresses);
+        bareGrowth.emplace_back(count, MedianTime(Rounds, [&] {
+                                    for (auto const& client : crowd.bareClients) {
+                                        client->ReadByteVariable();
+                                    }
+                                }));
+        growth.emplace_back(count, MedianTime(Rounds, [&] {
+                                for (Connection const& connection : crowd.connections) {
+                                    ReadByteVariable(*connection);
+                                }
+                            }));
+    }
+    AddGrowth(report, "connections", growth, bareGrowth);
+    report.Add(Figure("1,000 connections in a process, that answer", "", static_cast<double>(crowd.connections.size()),
+                      "==", 1000));
+}
+
+void ControllersInTurn(Report& report, std::size_t controllers, Crowd const& crowd) {
+    constexpr int turns = 30;
+    auto const timeOf = [&](std::size_t count, auto const& read) {
+        return Time([&] {
+            for (int turn = 0; turn < turns; ++turn) {
+                for (std::size_t i = 0; i < controllers; ++i) {
+                    read(i % count);
+                }
+            }
+        });
+    };
+    auto const ours = [&](std::size_t i) { ReadByteVariable(*crowd.connections[i]); };
+    auto const bare = [&](std::size_t i) { crowd.bareClients[i]->ReadByteVariable(); };
+    Paired const seconds = Pair([&] { return timeOf(1, ours); }, [&] { return timeOf(controllers, ours); });
+    double const bareRatio =
+        1.0 / Pair([&] { return timeOf(1, bare); }, [&] { return timeOf(controllers, bare); }).ratio;
+    AddRate(report, "200 controllers in turn, rate against one connection", "1/s",
+            turns * static_cast<int>(controllers), seconds, 0.92,
+            "ratio; with bare sockets " + std::to_string(bareRatio).substr(0, 5));
+}
+
 void ManyConnections(Report& report) {
     PinTo(0);
     RaiseDescriptorLimit();
@@ -165,54 +221,9 @@ void ManyConnections(Report& report) {
         addresses.push_back(BenchAddress(1000 + i));
     }
     Responder const responder(addresses, 0);
-    std::vector<Connection> connections;
-    std::vector<std::unique_ptr<BareClient>> bareClients;
-    Points growth;
-    Points bareGrowth;
-    for (std::size_t const count : {1U, 10U, 100U, 1000U}) {
-        while (connections.size() < count) {
-            std::string const& address = addresses[connections.size() % addresses.size()];
-            bareClients.push_back(std::make_unique<BareClient>(address));
-            connections.push_back(Open(address));
-        }
-        bareGrowth.emplace_back(count, MedianTime(Rounds, [&] {
-                                    for (auto const& client : bareClients) {
-                                        client->ReadByteVariable();
-                                    }
-                                }));
-        growth.emplace_back(count, MedianTime(Rounds, [&] {
-                                for (Connection const& connection : connections) {
-                                    ReadByteVariable(*connection);
-                                }
-                            }));
-    }
-    AddGrowth(report, "connections", growth, bareGrowth);
-    report.Add(
-        Figure("1,000 connections in a process, that answer", "", static_cast<double>(connections.size()), "==", 1000));
-
-    constexpr int turns = 30;
-    auto const rate = [&](std::size_t count) {
-        return Time([&] {
-            for (int turn = 0; turn < turns; ++turn) {
-                for (std::size_t i = 0; i < controllers; ++i) {
-                    ReadByteVariable(*connections[i % count]);
-                }
-            }
-        });
-    };
-    Paired const seconds = Pair([&] { return rate(1); }, [&] { return rate(controllers); });
-    auto const bareRate = [&](std::size_t count) {
-        return Time([&] {
-            for (int turn = 0; turn < turns; ++turn) {
-                for (std::size_t i = 0; i < controllers; ++i) {
-                    bareClients[i % count]->ReadByteVariable();
-                }
-            }
-        });
-    };
-    double const bareRatio = 1.0 / Pair([&] { return bareRate(1); }, [&] { return bareRate(controllers); }).ratio;
-    AddRate(report, "200 controllers in turn, rate against one connection", "1/s", turns * controllers, seconds, 0.92,
-            "ratio; with bare sockets " + std::to_string(bareRatio).substr(0, 5));
+    Crowd crowd;
+    GrowthOfConnections(report, addresses, crowd);
+    ControllersInTurn(report, addresses.size(), crowd);
 }
 
 void LibrarySize(Report& report) {

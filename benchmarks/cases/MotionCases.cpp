@@ -66,6 +66,21 @@ Drained DrainQueue(std::string const& address, Responder& responder, int steps) 
             static_cast<double>(counters.datagrams - datagrams) - steps};
 }
 
+/// @param[in,out] beyond the most datagrams besides the targets that a run has sent
+Points DrainingGrowth(std::string const& address, Responder& responder, double& beyond) {
+    Points growth;
+    for (int count = 100; count <= 100000; count *= 10) {
+        std::vector<double> times;
+        for (int i = 0; i < 3; ++i) {
+            Drained const result = DrainQueue(address, responder, count);
+            times.push_back(result.seconds);
+            beyond = std::max(beyond, result.otherDatagrams);
+        }
+        growth.emplace_back(count, Median(times));
+    }
+    return growth;
+}
+
 void Draining(Report& report) {
     constexpr int steps = 10000;
     constexpr int settingDatagrams = 4; // start, coordinates, speed and tool
@@ -99,17 +114,8 @@ void Draining(Report& report) {
                 .comparison = "<=",
                 .target = 0.001,
                 .note = "the start of the thread included"});
-    Points growth;
     double beyond = drained.otherDatagrams;
-    for (int count = 100; count <= 100000; count *= 10) {
-        std::vector<double> times;
-        for (int i = 0; i < 3; ++i) {
-            Drained const result = DrainQueue(address, responder, count);
-            times.push_back(result.seconds);
-            beyond = std::max(beyond, result.otherDatagrams);
-        }
-        growth.emplace_back(count, Median(times));
-    }
+    Points const growth = DrainingGrowth(address, responder, beyond);
     report.Add({.name = "draining, datagrams beyond one a step",
                 .unit = "",
                 .harvlink = beyond - settingDatagrams,

@@ -140,33 +140,49 @@ int FailToWrite(std::string const& path) {
     return 1;
 }
 
-int Serve(Arguments const& arguments) {
-    auto const signals = BlockEndSignals();
-    std::optional<PcapFile> recording; // both outlive the server's thread
-    std::optional<FaultLog> faultLog;
-    Server server;
+/// Adds the controllers and prepares them. Fewer than there are addresses if one can't be prepared.
+std::vector<VirtualController*> AddControllers(Server& server, Arguments const& arguments, Replays& replays) {
     std::vector<VirtualController*> controllers;
-    Replays replays;
     for (auto const& address : arguments.addresses) {
-        controllers.push_back(arguments.replay ? &AddReplay(server, address, arguments, replays)
-                                               : &server.Add(address, arguments.options));
-        if (!Prepare(*controllers.back(), arguments)) {
-            return 1;
+        VirtualController& controller =
+            arguments.replay ? AddReplay(server, address, arguments, replays) : server.Add(address, arguments.options);
+        if (!Prepare(controller, arguments)) {
+            break;
         }
+        controllers.push_back(&controller);
     }
-    if (arguments.faultLog) {
-        faultLog.emplace(*arguments.faultLog);
+    return controllers;
+}
+
+void Observe(Server& server, bool isVerbose, std::optional<FaultLog>& faultLog) {
+    if (!isVerbose && !faultLog) {
+        return;
     }
-    if (arguments.verbose || faultLog) {
-        server.SetObserver([&](VirtualController& controller, Request const& request, Reply const& reply) {
-            if (arguments.verbose) {
+    server.SetObserver(
+        [isVerbose, &faultLog](VirtualController& controller, Request const& request, Reply const& reply) {
+            if (isVerbose) {
                 PrintExchange(controller, request, reply);
             }
             if (faultLog) {
                 faultLog->Write(controller, request);
             }
         });
+}
+
+int Serve(Arguments const& arguments) {
+    auto const signals = BlockEndSignals();
+    std::optional<PcapFile> recording; // both outlive the server's thread
+    std::optional<FaultLog> faultLog;
+    Server server;
+    Replays replays;
+    std::vector<VirtualController*> const controllers = AddControllers(server, arguments, replays);
+    if (controllers.size() < arguments.addresses.size()) {
+        return 1;
     }
+    if (arguments.faultLog) {
+        faultLog.emplace(*arguments.faultLog);
+    }
+    Observe(server, arguments.verbose, faultLog);
     if (arguments.pcap) {
         recording.emplace(*arguments.pcap);
         server.SetRecorder([&](auto const&... datagram) { recording->Write(datagram...); });
