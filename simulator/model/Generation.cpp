@@ -25,6 +25,14 @@ GenerationTexts const& TextsOf(ControllerVersion generation) {
     return Texts.at(static_cast<std::size_t>(generation));
 }
 
+std::string GenerationNames() {
+    std::string names;
+    for (ControllerGeneration const& generation : ControllerGenerations) {
+        names.append(names.empty() ? "" : ", ").append(generation.letters);
+    }
+    return names;
+}
+
 std::optional<ControllerVersion> GenerationFromName(std::string_view name) {
     auto const found = std::ranges::find_if(ControllerGenerations, [&](ControllerGeneration const& generation) {
         return std::ranges::equal(generation.letters, name, {}, {},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "harvlink/ControllerVersion.h"
@@ -16,6 +17,9 @@ struct GenerationTexts {
 
 /// Of a known generation, not of VersionUnknown.
 GenerationTexts const& TextsOf(ControllerVersion generation);
+
+/// "DS, DN, ...": what GenerationFromName knows.
+std::string GenerationNames();
 
 /// From "YA" and the like, in any case.
 std::optional<ControllerVersion> GenerationFromName(std::string_view name);

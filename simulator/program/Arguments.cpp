@@ -19,7 +19,7 @@ std::string CheckGroup(std::string const& text) {
 }
 
 std::string CheckGeneration(std::string const& text) {
-    return GenerationFromName(text) ? "" : "'" + text + "' is not a generation; there are: DS, DN, FS, YA, YB, YN";
+    return GenerationFromName(text) ? "" : "'" + text + "' is not a generation; there are: " + GenerationNames();
 }
 
 std::string CheckTimeScale(std::string const& text) {
@@ -64,7 +64,7 @@ ArgumentParser::ArgumentParser(CLI::App& app) {
     app.add_option("--address", addresses_, "Address to serve, repeatable: one controller on each [127.0.0.1]")
         ->check(CheckAddress)
         ->type_name("ADDRESS");
-    app.add_option("--generation", generation_, "Generation of the controller: DS, DN, FS, YA, YB, YN [YA]")
+    app.add_option("--generation", generation_, "Generation of the controller: " + GenerationNames() + " [YA]")
         ->check(CheckGeneration)
         ->type_name("NAME");
     app.add_option("--rs022", rs022_, "1: the instance of a variable is its index, 0: it is one higher [1]")

@@ -11,7 +11,7 @@ namespace {
 ControllerVersion ReadGeneration(SceneNode const& node) {
     auto const generation = GenerationFromName(node.Text());
     if (!generation) {
-        node.Fail("must be one of: DS, DN, FS, YA, YB, YN");
+        node.Fail("must be one of: " + GenerationNames());
     }
     return *generation;
 }

@@ -45,7 +45,7 @@ NetworkManager::NetworkManager(std::unique_ptr<DatagramTransport> datagramTransp
 
 void NetworkManager::ProbeGeneration(StatusInfo& status) {
     auto const reply = SimpleRequest<SystemInfoReturnMsg>(generationProbeInstance, CommandNumber::SystemInformationRead,
-                                                          status, FixedField::WholeRecord, ServiceReadAll);
+                                                          status, Service::ReadAll);
     if (status.StatusCode == 0) {
         controllerVersion = GenerationOf(reply.payload);
     }

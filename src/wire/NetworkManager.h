@@ -71,6 +71,13 @@ public:
         return incoming;
     }
 
+    /// The same, with the attribute that goes with the service.
+    template <typename In>
+    IncomingPacket<In> SimpleRequest(unsigned short instance, CommandNumber command, StatusInfo& status,
+                                     Service service) {
+        return SimpleRequest<In>(instance, command, status, FieldOf(service), static_cast<unsigned char>(service));
+    }
+
     /// As it was given; empty over a transport of the caller's.
     std::string const& Address() const { return address; }
 
