@@ -95,7 +95,7 @@ public:
     std::string BytesOf(std::string const& text);
 
     /// The controllers to which the configuration file gives names.
-    std::vector<Cell> Cells() const { return options_.Cells(); }
+    std::vector<Cell> const& Cells() const { return options_.Cells(); }
 
     /// Full access then leaves the controller's motion targets as they are.
     void KeepTargets() { keepsTargets_ = true; }

@@ -117,12 +117,15 @@ std::string SettingsOptions::File() const {
 }
 
 // A file that the user named must exist, the usual one need not.
-SettingsContents SettingsOptions::ReadFile() const {
+SettingsContents const& SettingsOptions::FromFile() const {
+    if (contents_) {
+        return *contents_;
+    }
     std::string const path = File();
     bool const isNamed = !namedFile_.empty() || !Variable(FileVariable).empty();
     std::error_code error;
     bool const isRead = !path.empty() && (isNamed || std::filesystem::exists(path, error));
-    return isRead ? ReadSettingsFile(path) : SettingsContents{};
+    return contents_.emplace(isRead ? ReadSettingsFile(path) : SettingsContents{});
 }
 
 Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingsContents const& file, Cell const* cell) const {
@@ -149,7 +152,7 @@ Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingsContent
 
 Settings SettingsOptions::Resolve(std::string const& cell) const {
     Settings settings{.cell = cell, .file = File()};
-    SettingsContents const file = ReadFile();
+    SettingsContents const& file = FromFile();
     Cell const* const found = cell.empty() ? nullptr : &FindCell(file.cells, cell, settings.file);
     for (std::size_t i = 0; i < SettingCount; ++i) {
         settings.entries.at(i) = ResolveEntry(i, file, found);

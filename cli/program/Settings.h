@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,11 +56,11 @@ public:
     Settings Resolve(std::string const& cell) const;
 
     /// The cells that the file has, by name.
-    std::vector<Cell> Cells() const { return ReadFile().cells; }
+    std::vector<Cell> const& Cells() const { return FromFile().cells; }
 
 private:
     std::string File() const;
-    SettingsContents ReadFile() const;
+    SettingsContents const& FromFile() const;
     Settings::Entry ResolveEntry(std::size_t index, SettingsContents const& file, Cell const* cell) const;
 
     std::array<CLI::Option const*, SettingCount> options_{};
@@ -67,6 +68,7 @@ private:
     std::string namedFile_;
     std::vector<std::string> cells_;
     bool all_ = false;
+    mutable std::optional<SettingsContents> contents_; ///< of the file, which is read once: all cells are of one moment
 };
 
 } // namespace harvlink::cli
