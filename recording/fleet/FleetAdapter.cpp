@@ -54,6 +54,7 @@ Microseconds MicrosecondsOf(std::chrono::system_clock::time_point time) {
     return std::chrono::duration_cast<std::chrono::microseconds>(time.time_since_epoch()).count();
 }
 
+/// A sample has the time of the system's clock alone. It is young, so that clock has hardly been set since.
 Microseconds MonotonicOf(std::chrono::system_clock::time_point time) {
     using std::chrono::duration_cast;
     auto const age = std::chrono::system_clock::now() - time;

@@ -12,6 +12,8 @@ namespace harvlink::recording {
 
 namespace {
 
+// The oldest samples are dropped by whole segments, and each begins with a picture of all values: so a file has enough of them
+// to lose little at a time, and not so many that it is full of pictures.
 constexpr std::uint64_t LeastSegment = 256ULL << 10;
 constexpr std::uint64_t MostSegment = 64ULL << 20;
 constexpr std::uint64_t SegmentsOfFile = 16;
@@ -158,6 +160,7 @@ void SampleStore::PutPicture(Microseconds utc, Microseconds monotonic) {
             PutChanged(reading, moment, changed_, true);
         }
     }
+    // Only now: a quality that is not good takes a row for its reading alone, and would break up the rows of the values.
     for (std::uint32_t reading = 1; reading <= known_.size(); ++reading) {
         RecordedMoment moment = known_[reading - 1].moment;
         if (moment.quality != RecordedQuality::Good && moment.quality != RecordedQuality::NeverRead) {
@@ -268,6 +271,7 @@ void SampleStore::Commit() {
     database_.Run("COMMIT");
 }
 
+/// The file itself never shrinks: the pages of what was dropped are used again.
 std::uint64_t SampleStore::UsedBytes() {
     return static_cast<std::uint64_t>(
         (database_.Number("PRAGMA page_count") - database_.Number("PRAGMA freelist_count")) *

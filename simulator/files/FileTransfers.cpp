@@ -41,6 +41,7 @@ Refusal OutgoingTransfer::Acknowledge(std::uint32_t block) {
         ++block_;
         return Refusal::None;
     }
+    // Again the one before: the block that answered it was lost, and goes out once more.
     return block + 1 == block_ ? Refusal::None : Refusal::BlockNumberError;
 }
 
@@ -52,7 +53,7 @@ void OutgoingTransfer::Send(Reply& reply) const {
 }
 
 Refusal IncomingTransfer::Take(std::uint32_t number, std::string_view data, FileStore& files) {
-    if (number == last_ && number != 0) {
+    if (number == last_ && number != 0) { // the answer was lost; the block is not taken twice
         return result_;
     }
     if (isComplete_) {

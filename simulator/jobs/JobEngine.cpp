@@ -157,6 +157,7 @@ void JobEngine::Stop() {
     remaining_ = TimeOf(stack_.back().Current());
 }
 
+/// Limited, and what it could not do is not made up for: a loop that takes no time would hold up all controllers.
 void JobEngine::Tick(Clock::Duration now) {
     for (std::size_t i = 0; isRunning_ && due_ <= now && i < MaxPerTick; ++i) {
         Execute(stack_.back().Current());
