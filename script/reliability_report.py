@@ -20,9 +20,11 @@ BUILD = ROOT / "build"
 FIGURES = ROOT / "docs" / "reliability.json"
 PAGE = ROOT / "docs" / "reliability.md"
 TABLE = re.compile(r"(?<=<!-- figures -->\n).*(?=<!-- end of figures -->)", re.DOTALL)
-LINES_WANTED = {"coverage": 95.0, "coverage words": 97.0, "coverage simulator": 95.0, "coverage cli": 92.0}
-ROOMS = {"coverage": "the library", "coverage words": "`words/`", "coverage simulator": "`simulator/`",
-         "coverage cli": "`cli/`"}
+# As script/checks/coverage holds them.
+LINES_WANTED = {"coverage": 95.0, "coverage words": 97.0, "coverage recording": 90.0, "coverage simulator": 95.0,
+                "coverage cli": 90.0}
+ROOMS = {"coverage": "the library", "coverage words": "`words/`", "coverage recording": "`recording/`",
+         "coverage simulator": "`simulator/`", "coverage cli": "`cli/`"}
 BUILDS = {"release": "optimised, g++", "asan": "address and undefined-behaviour sanitizers, clang",
           "tsan": "thread sanitizer, g++"}
 
@@ -57,7 +59,8 @@ def soak_of(report):
 SOURCES = {
     **{f"tests {build}": (BUILD / build / "tests.xml", tests_of) for build in BUILDS},
     "coverage": (BUILD / "coverage" / "library.json", coverage_of),
-    **{f"coverage {room}": (BUILD / "coverage" / f"{room}.json", coverage_of) for room in ("words", "simulator", "cli")},
+    **{f"coverage {room}": (BUILD / "coverage" / f"{room}.json", coverage_of)
+       for room in ("words", "recording", "simulator", "cli")},
     "fuzzing": (BUILD / "fuzz" / "report.json", fuzzing_of),
     "soak": (BUILD / "soak" / "report.json", soak_of),
     "bad network": (BUILD / "netns" / "report.json", soak_of),

@@ -308,9 +308,11 @@ TEST_F(ProgramTest, LosesNoFileIfItCanNotWrite) {
         int exit;
         char const* out;
     };
+    // The limit would also cut off what the build for coverage counts, and so spoil it for all tests.
     std::array<Case, 5> const cases{{
-        {"trap '' XFSZ; ulimit -f 8; $H files get BIG.DAT --force", 1, "BIG.DAT: Code (107374"},
-        {"trap '' XFSZ; ulimit -f 8; $H var dump --out v.csv --force", 1, "harvlink: can't write "},
+        {"trap '' XFSZ; ulimit -f 8; GCOV_PREFIX=/dev/null $H files get BIG.DAT --force", 1, "BIG.DAT: Code (107374"},
+        {"trap '' XFSZ; ulimit -f 8; GCOV_PREFIX=/dev/null $H var dump --out v.csv --force", 1,
+         "harvlink: can't write "},
         {"$H var dump --kind B --out /dev/full --force", 1,
          "harvlink: can't write /dev/full: No space left on device\n"},
         {"$H var dump --kind B --out none/v.csv", 1, "harvlink: can't write into none: No such file or directory\n"},
