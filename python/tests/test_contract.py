@@ -42,7 +42,7 @@ class ContractTest(unittest.TestCase):
     def test_enumerations(self):
         headers = "".join(path.read_text() for path in INCLUDE.glob("*.h"))
         numbers = {
-            name: {int(number, 0) for number in re.findall(r"= (\w+)", body)}
+            name: {int(number, 0) for number in re.findall(r"=\s*(\w+)", body)}
             for name, body in re.findall(r"enum class (\w+) : std::int32_t \{(.*?)\}", headers, re.DOTALL)
         }
         for name, ours in vars(enums).items():
