@@ -132,7 +132,9 @@ class EncodingTest(unittest.TestCase):
             ("LATIN-1", b"Gr\xf6\xdfe", "Größe"),
             ("cp1252", b"\x80\x81", "€\\x81"),
             ("cp932", b"\x83\x5c\x78\x34\x31", "ソx41"),  # its second byte is that of a backslash
-            ("cp932", b"\xfb\x72", r"\xFBr"),  # a second form of a character
+            ("cp932", b"\xfa@\xee\xef", "\u2170\\xEE\\xEF"),  # two forms of a character
+            ("cp932", b"\x80\xa0\xfd\xfe\xff", r"\x80\xA0\xFD\xFE\xFF"),
+            ("gbk", b"\x80", r"\x80"),
         ]:
             with self.subTest(name, read=read):
                 encoding = _text.Encoding(name)
@@ -142,8 +144,9 @@ class EncodingTest(unittest.TestCase):
         for name in _text.NAMES:
             encoding = _text.Encoding(name)
             self.assertEqual(encoding.encode(encoding.decode(every)), every, name)
-        with self.assertRaises(ValueError):
-            _text.Encoding("latin-1").encode("€")
+        for name, character in [("latin-1", "€"), *(("cp932", each) for each in "\u00a5\u301c\u0080\uf8f1")]:
+            with self.subTest(name, character=character), self.assertRaises(ValueError):
+                _text.Encoding(name).encode(character)
 
 
 class WholeFileTest(SimulatorTest):

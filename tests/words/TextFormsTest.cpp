@@ -249,9 +249,12 @@ TEST(Encoding, GivesEveryByteBack) {
         std::string_view bytes;
         std::string_view text;
     };
-    std::array<Case, 6> const cases{{{"utf-8", "Z\u00FC \xE9\\x41", "Z\u00FC \\xE9\\x5Cx41"},
+    std::array<Case, 9> const cases{{{"utf-8", "Z\u00FC \xE9\\x41", "Z\u00FC \\xE9\\x5Cx41"},
                                      {"latin-1", "\xE9\xC3\xBC", "\u00E9\u00C3\u00BC"},
                                      {"CP932", "\x97n\x90\xDA\x81", "\u6EB6\u63A5\\x81"},
+                                     {"cp932", "\x80\xA0\xFD\xFE\xFF", "\\x80\\xA0\\xFD\\xFE\\xFF"},
+                                     {"cp932", "\xFA@\xEE\xEF", "\u2170\\xEE\\xEF"},
+                                     {"gbk", "\x80", "\\x80"},
                                      {"gbk", "\xBA\xB8\xBD\xD3", "\u710A\u63A5"},
                                      {"cp949", "\xBF\xEB\xC1\xA2", "\uC6A9\uC811"},
                                      {"cp1252", "\x80\x81", "\u20AC\\x81"}}};
@@ -260,6 +263,9 @@ TEST(Encoding, GivesEveryByteBack) {
         EXPECT_EQ(TextEncoding(each.encoding).Encode(each.text), each.bytes);
     }
     EXPECT_THROW(TextEncoding("latin-1").Encode("\u6EB6"), InputError);
+    for (char const* const nearlyThere : {"\u00A5", "\u301C", "\u0080", "\uF8F1"}) {
+        EXPECT_THROW(TextEncoding("cp932").Encode(nearlyThere), InputError) << nearlyThere;
+    }
     EXPECT_THROW(TextEncoding("ebcdic"), InputError);
 }
 

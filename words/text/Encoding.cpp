@@ -21,7 +21,7 @@ constexpr std::size_t EscapeSize = 4; ///< of "\xE9"
 constexpr std::size_t LargestCharacter = 4; ///< in bytes, in all of the encodings and in UTF-8
 constexpr char const* Utf8 = "UTF-8";
 
-/// Only those of which Python and the C library have the same table.
+/// Only those of which Python and the C library have the same table, but for what Codec leaves out.
 constexpr std::array<Named<char const*>, 8> Encodings{{{"utf-8", Utf8},
                                                        {"latin-1", "ISO-8859-1"},
                                                        {"cp1250", "CP1250"},
@@ -69,6 +69,53 @@ private:
     }
 
     iconv_t handle_;
+};
+
+/// The characters that an encoding has, as the C library and Python agree on them.
+class Codec {
+public:
+    explicit Codec(char const* encoding) : decoder_(encoding, Utf8), encoder_(Utf8, encoding) {
+        isSingleByte_ = std::none_of(TwoByteEncodings.begin(), TwoByteEncodings.end(),
+                                     [&](std::string_view name) { return name == encoding; });
+    }
+
+    /// Takes the bytes of the first character off `bytes` and returns it in UTF-8; empty if none begins there.
+    std::string TakeCharacter(std::string_view& bytes) {
+        std::string_view left = bytes;
+        std::string character = decoder_.TakeCharacter(left);
+        std::string_view const taken = bytes.substr(0, bytes.size() - left.size());
+        if (IsStray(taken) || Whole(encoder_, character) != taken) {
+            return {};
+        }
+        bytes = left;
+        return character;
+    }
+
+    /// The bytes of a character; empty if the encoding does not have it.
+    std::string BytesOf(std::string_view character) {
+        std::string bytes = Whole(encoder_, character);
+        bool const isTaken = !IsStray(bytes) && Whole(decoder_, bytes) == character;
+        return isTaken ? bytes : "";
+    }
+
+private:
+    static constexpr std::array<std::string_view, 3> TwoByteEncodings{"CP932", "GBK", "CP949"};
+
+    static std::string Whole(Converter& converter, std::string_view text) {
+        std::string converted = converter.TakeCharacter(text);
+        return text.empty() ? converted : "";
+    }
+
+    /// What extensions of the two-byte encodings use for one character each, and not all of them for the same one.
+    bool IsStray(std::string_view bytes) const {
+        constexpr unsigned char AfterLeadBytes = 0xFD;
+        auto const first = static_cast<unsigned char>(bytes.empty() ? '\0' : bytes[0]);
+        return !isSingleByte_ && bytes.size() == 1 && (first == 0x80 || first == 0xA0 || first >= AfterLeadBytes);
+    }
+
+    Converter decoder_;
+    Converter encoder_;
+    bool isSingleByte_ = false;
 };
 
 bool BeginsEscape(std::string_view text) {
@@ -154,33 +201,21 @@ std::string TextEncoding::Decode(std::string_view bytes) const {
     if (std::string_view(systemName_) == Utf8) {
         return DecodeWith(bytes, TakeUtf8);
     }
-    Converter decoder(systemName_, Utf8);
-    Converter encoder(Utf8, systemName_);
-    return DecodeWith(bytes, [&](std::string_view& left) {
-        std::string_view const all = left;
-        std::string character = decoder.TakeCharacter(left);
-        // Some encodings have a character twice; only the form that encoding gives back is taken for it.
-        std::string_view again = character;
-        if (encoder.TakeCharacter(again) != all.substr(0, all.size() - left.size())) {
-            left = all;
-            character.clear();
-        }
-        return character;
-    });
+    Codec codec(systemName_);
+    return DecodeWith(bytes, [&](std::string_view& left) { return codec.TakeCharacter(left); });
 }
 
 std::string TextEncoding::Encode(std::string_view text) const {
     if (std::string_view(systemName_) == Utf8) {
         return EncodeWith(text, [](std::string_view character) { return std::string(character); });
     }
-    Converter converter(Utf8, systemName_);
+    Codec codec(systemName_);
     return EncodeWith(text, [&](std::string_view character) {
-        std::string_view left = character;
-        std::string converted = converter.TakeCharacter(left);
-        if (converted.empty() || !left.empty()) {
+        std::string bytes = codec.BytesOf(character);
+        if (bytes.empty()) {
             throw InputError(fmt::format("'{}' is not in the encoding {}", character, name_));
         }
-        return converted;
+        return bytes;
     });
 }
 

@@ -8,8 +8,9 @@ namespace harvlink::words {
 
 /// The encoding in which a controller has its texts: string variables, names of jobs and files, alarms, contents of files.
 /// Inside the program and in all that it shows and reads, texts are UTF-8. A byte that is not part of the encoding, or of the
-/// second form of a character that it has twice, is written "\x" and two hexadecimal digits, and reading that gives the byte back; so is a backslash before such an "x", which would
-/// otherwise be read as one. So Encode(Decode(bytes)) are the same bytes, whatever they are.
+/// second form of a character that it has twice, is written "\x" and two hexadecimal digits, and reading that gives the byte
+/// back; so is a backslash before such an "x", which would otherwise be read as one. So Encode(Decode(bytes)) are the same
+/// bytes, whatever they are. Of the two-byte encodings, no single byte from 0x80 on is a character but half-width katakana.
 class TextEncoding {
 public:
     /// The names, as the setting has them and as Python knows them: "utf-8", which is the default, "latin-1" and so on.
