@@ -25,7 +25,7 @@ bool ColourAllowed() {
 
 // Texts of a controller may hold any bytes. Bytes that are not UTF-8 are replaced, so that every document can be parsed.
 std::string Dump(Json const& document, int indent) {
-    return document.dump(indent, ' ', false, Json::error_handler_t::replace);
+    return PrintableJson(document.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
 } // namespace
@@ -80,11 +80,12 @@ void Output::Failure(StatusInfo const& status, std::string_view subject) {
 
 void Output::Problem(std::string_view message) {
     hasFailed_ = true;
+    std::string const text = PrintableLines(message);
     if (sink_ != nullptr) {
-        sink_->Problem(message);
+        sink_->Problem(text);
         return;
     }
-    console_.err << "harvlink: " << message << std::endl;
+    console_.err << "harvlink: " << text << std::endl;
 }
 
 bool Output::Interactive() const {

@@ -55,10 +55,14 @@ private:
     locale_t former_ = nullptr;
 };
 
+bool IsUnprintable(char32_t code) {
+    return IsMark(code) || Utf8Widths::Of(code) < 0;
+}
+
 void AppendPrintable(std::string& printable, Utf8Character const& character) {
     if (!character.isValid) {
         printable += fmt::format("\\x{:02X}", static_cast<unsigned char>(character.bytes[0]));
-    } else if (IsMark(character.code) || Utf8Widths::Of(character.code) < 0) {
+    } else if (IsUnprintable(character.code)) {
         printable += '?';
     } else {
         printable += character.bytes;
@@ -84,6 +88,23 @@ std::string PrintableLines(std::string_view text) {
             printable += character.bytes;
         } else if (!isLineEnd) {
             AppendPrintable(printable, character);
+        }
+    });
+    return printable;
+}
+
+std::string PrintableJson(std::string_view json) {
+    constexpr char32_t FirstOfPairs = 0x10000;
+    Utf8Widths const widths;
+    std::string printable;
+    ForEachUtf8Character(json, [&](Utf8Character const& character) {
+        if (character.bytes == "\n" || !IsUnprintable(character.code)) {
+            printable += character.bytes;
+        } else if (character.code < FirstOfPairs) {
+            printable += fmt::format("\\u{:04x}", static_cast<unsigned>(character.code));
+        } else { // as JSON has it: the two halves of UTF-16
+            unsigned const rest = static_cast<unsigned>(character.code) - FirstOfPairs;
+            printable += fmt::format("\\u{:04x}\\u{:04x}", 0xD800 + (rest >> 10U), 0xDC00 + (rest & 0x3FFU));
         }
     });
     return printable;

@@ -14,6 +14,9 @@ std::string Printable(std::string_view text);
 /// The same for a text of several lines: line feeds and tabs stay, and a carriage return before a line feed is left out.
 std::string PrintableLines(std::string_view text);
 
+/// The text of a JSON document with such characters as escapes: the values stay the same.
+std::string PrintableJson(std::string_view json);
+
 /// The columns that a printable text takes on a terminal: two for a wide character, none for a combining one.
 std::size_t ColumnsOf(std::string_view text);
 
