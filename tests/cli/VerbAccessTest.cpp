@@ -111,6 +111,7 @@ constexpr std::array Verbs = std::to_array<VerbCase>({
     {"recording events", "none.harvlink", NoConnection},
     {"recording export", "none.harvlink", NoConnection},
     {"recording cut", "none.harvlink --out cut.harvlink", NoConnection},
+    {"recording plot", "none.harvlink", NoConnection},
     // The last, as it does not wait for answers that take too long: what it asked may come when it has ended.
     {"complete-words", "JOB", Access::Observe},
 });
