@@ -161,7 +161,7 @@ ForwardStatistics Forwarder::Statistics() const {
         std::uint64_t const from = std::max(cursor_, state.first);
         waiting = liveStart_ > from ? liveStart_ - from : 0;
     }
-    double const room = static_cast<double>(state.maxBytes - std::min(state.bytes, state.maxBytes));
+    auto const room = static_cast<double>(state.maxBytes - std::min(state.bytes, state.maxBytes));
     return {.waiting = waiting,
             .dropped = dropped_,
             .notStored = notStored_,

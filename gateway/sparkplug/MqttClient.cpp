@@ -93,8 +93,8 @@ struct MqttClient::Callbacks {
     }
 };
 
-MqttClient::MqttClient(MqttConfig const& config, std::string clientId)
-    : config_(config), clientId_(std::move(clientId)) {
+MqttClient::MqttClient(MqttConfig config, std::string clientId)
+    : config_(std::move(config)), clientId_(std::move(clientId)) {
     mosquitto_lib_init();
 }
 

@@ -36,7 +36,7 @@ struct MqttEvent {
 /// keeps no message for a later connection: what a new session sends is for others to decide.
 class MqttClient {
 public:
-    MqttClient(MqttConfig const& config, std::string clientId);
+    MqttClient(MqttConfig config, std::string clientId);
     MqttClient(MqttClient const&) = delete;
     MqttClient& operator=(MqttClient const&) = delete;
     ~MqttClient();
