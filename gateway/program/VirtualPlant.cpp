@@ -122,8 +122,8 @@ bool VirtualPlant::Start(unsigned block, unsigned count) {
 void VirtualPlant::KeepMoving() {
     std::unique_lock lock(mutex_);
     do {
-        for (auto& [controller, tour] : tours_) {
-            controller->WithParts([&](simulator::ControllerParts& parts) { tour.Feed(parts); });
+        for (auto& tour : tours_) {
+            tour.first->WithParts([&](simulator::ControllerParts& parts) { tour.second.Feed(parts); });
         }
     } while (!ends_.wait_for(lock, std::chrono::seconds(1), [&] { return isEnding_; }));
 }
