@@ -142,7 +142,10 @@ int Restore(Session& session, Output& output, RestoreArguments const& arguments,
     }
     SetControllerEncoding(TextEncoding(saved.encoding));
     std::vector<std::string_view> const sections = SectionsOf(arguments.only, saved);
-    RestorePlan const plan = MakePlan(ReadSections(*connection, session, output, saved, sections), saved, sections);
+    auto const compare = [&] {
+        return MakePlan(ReadSections(*connection, session, output, saved, sections), saved, sections, *connection->IO);
+    };
+    RestorePlan const plan = compare();
     ShowPlan(output, plan);
     if (arguments.dryRun || plan.changes.empty()) {
         if (arguments.dryRun && !output.json) {
@@ -157,8 +160,7 @@ int Restore(Session& session, Output& output, RestoreArguments const& arguments,
     WriteReport const report = WriteEach(output, "Writing", WritesOf(plan, saved, *connection), AfterFailure::GoOn);
     std::vector<ChangedEntry> remaining = plan.changes;
     if (!report.wasInterrupted) {
-        RestorePlan const now = MakePlan(ReadSections(*connection, session, output, saved, sections), saved, sections);
-        remaining = Remaining(plan, now);
+        remaining = Remaining(plan, compare());
     }
     ShowResult(output, plan, report, remaining);
     return output.HasFailed() || !remaining.empty() ? ExitStatus::Failure : ExitStatus::Success;

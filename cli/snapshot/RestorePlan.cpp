@@ -17,13 +17,22 @@ namespace harvlink::cli::snapshot {
 namespace {
 
 struct AddressRange {
-    unsigned first;
-    unsigned last;
+    unsigned first = 0;
+    unsigned last = 0;
 };
 
-constexpr AddressRange OlderNetworkInputs{25'010, 29'567};
-/// Network inputs, general outputs and signals of the interface panel.
-constexpr std::array<AddressRange, 3> NewerSignals{{{27'010, 29'567}, {10'010, 15'127}, {60'010, 60'647}}};
+/// The addresses of a class. Nothing is sent for them: the library knows them.
+AddressRange RangeOf(IOInterface& io, IOType type) {
+    constexpr unsigned char LastBit = 7;
+    StatusInfo status;
+    AddressRange range;
+    range.first = io.ConvertIOGroupToBitAddress(type, 1, 0, status);
+    for (std::uint16_t group = 1; status.StatusCode == 0; ++group) {
+        unsigned const last = io.ConvertIOGroupToBitAddress(type, group, LastBit, status);
+        range.last = status.StatusCode == 0 ? last : range.last;
+    }
+    return range;
+}
 
 bool IsOlder(Snapshot const& live) {
     auto const generation = std::find_if(live.controller.begin(), live.controller.end(),
@@ -35,10 +44,14 @@ bool IsOlder(Snapshot const& live) {
                        });
 }
 
-bool IsWritableSignal(std::string const& name, bool isOlder) {
-    auto const address = ParseNumber<unsigned>(name, "address of a signal");
-    auto const holds = [&](AddressRange range) { return address >= range.first && address <= range.last; };
-    return isOlder ? holds(OlderNetworkInputs) : std::any_of(NewerSignals.begin(), NewerSignals.end(), holds);
+/// The signals that a client may write.
+std::vector<AddressRange> WritableSignals(IOInterface& io, bool isOlder) {
+    std::vector<AddressRange> ranges{RangeOf(io, IOType::NetworkInput)};
+    if (!isOlder) {
+        ranges.push_back(RangeOf(io, IOType::GeneralOutput));
+        ranges.push_back(RangeOf(io, IOType::InterfacePanelInput));
+    }
+    return ranges;
 }
 
 bool IsWritableFile(std::string const& name) {
@@ -46,11 +59,15 @@ bool IsWritableFile(std::string const& name) {
     return kinds.size() == 1 && FileKinds.at(static_cast<std::size_t>(kinds.front())).writable;
 }
 
-bool CanBeWritten(ChangedEntry const& change, bool isOlder) {
+bool CanBeWritten(ChangedEntry const& change, std::vector<AddressRange> const& signals) {
     if (change.section == FilesSection) {
         return IsWritableFile(change.name);
     }
-    return change.before && (change.section != "signals" || IsWritableSignal(change.name, isOlder));
+    return change.before &&
+           (change.section != "signals" || std::any_of(signals.begin(), signals.end(), [&](AddressRange range) {
+                auto const address = ParseNumber<unsigned>(change.name, "address of a signal");
+                return address >= range.first && address <= range.last;
+            }));
 }
 
 PendingWrite WriteOfFile(std::string const& name, std::string const& contents, FileInterface& files) {
@@ -108,14 +125,15 @@ PendingWrite WriteOf(ChangedEntry const& change, Snapshot const& saved, QuorvanC
 
 } // namespace
 
-RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<std::string_view> const& sections) {
+RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<std::string_view> const& sections,
+                     IOInterface& io) {
     RestorePlan plan;
     std::vector<ChangedEntry> const changes = Compare(live, saved).changes;
-    bool const isOlder = IsOlder(live);
+    std::vector<AddressRange> const signals = WritableSignals(io, IsOlder(live));
     for (std::string_view const section : sections) {
         for (ChangedEntry const& change : changes) {
             if (change.section == section && change.after) {
-                (CanBeWritten(change, isOlder) ? plan.changes : plan.impossible).push_back(change);
+                (CanBeWritten(change, signals) ? plan.changes : plan.impossible).push_back(change);
             }
         }
     }

@@ -23,8 +23,9 @@ struct RestorePlan {
         impossible; ///< that can't: the controller has no such variable, or nobody can write such a signal
 };
 
-/// `sections` are those to write; `live` is the controller.
-RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<std::string_view> const& sections);
+/// `sections` are those to write; `live` is what the controller of `io` has, of which nothing is asked.
+RestorePlan MakePlan(Snapshot const& live, Snapshot const& saved, std::vector<std::string_view> const& sections,
+                     IOInterface& io);
 
 /// The writes of a plan. They refer to `saved` and `robot`.
 std::vector<PendingWrite> WritesOf(RestorePlan const& plan, Snapshot const& saved, QuorvanController& robot);
