@@ -1,3 +1,4 @@
+#include <csignal>
 #include <iostream>
 
 #include <fcntl.h>
@@ -22,6 +23,7 @@ void OccupyStandardStreams() {
 
 int main(int argc, char** argv) {
     OccupyStandardStreams();
+    std::signal(SIGXFSZ, SIG_IGN); // too large a file is an error like any other: it is reported, and nothing is left
     harvlink::cli::EndBySignals();
     harvlink::cli::Console console{.in = std::cin,
                                    .out = std::cout,

@@ -159,11 +159,8 @@ int Run(Output& output, Expectation const& expected, unsigned retries, DoctorArg
     Interrupt const interrupt;
     auto const isFree = [&] { return !interrupt.Wait(std::chrono::milliseconds(0)); };
     std::optional<Progress> progress(std::in_place, output, "Asking " + expected.host);
-    auto const goesOn = [&](unsigned done) {
-        progress->Count("Probe", done + 1, arguments.probes);
-        return isFree();
-    };
-    ControllerReport report = ProbeController(expected.host, expected.timeout, arguments.probes, goesOn);
+    auto const show = [&](unsigned done) { progress->Count("Probe", done + 1, arguments.probes); };
+    ControllerReport report = ProbeController(expected.host, expected.timeout, arguments.probes, show, isFree);
     if (!arguments.noAudit && IsWorthAnAudit(report) && isFree()) {
         progress->Show("Auditing " + expected.host);
         ConnectOptions const options{
@@ -171,6 +168,9 @@ int Run(Output& output, Expectation const& expected, unsigned retries, DoctorArg
         report.audit = AuditController(options, arguments.probes, isFree);
     }
     progress.reset();
+    if (!isFree() && report.link.sent == 0) {
+        throw Interrupted("interrupted before it was known whether the controller answers");
+    }
     int const exit = Show(output, report, expected);
     if (!isFree()) {
         throw Interrupted("interrupted; the report is of the probes until then");

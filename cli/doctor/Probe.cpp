@@ -46,10 +46,11 @@ class ControllerProbe {
     };
 
 public:
-    ControllerProbe(std::string const& host, std::chrono::milliseconds timeout) : socket_(host), timeout_(timeout) {}
+    ControllerProbe(std::string const& host, std::chrono::milliseconds timeout, std::function<bool()> const& goesOn)
+        : socket_(host), timeout_(timeout), goesOn_(goesOn) {}
 
     void Discover() {
-        while (report_.attempts < DiscoveryTries && !IsKnown()) {
+        while (report_.attempts < DiscoveryTries && !IsKnown() && goesOn_()) {
             ++report_.attempts;
             if (IsOpen(report_.commands)) {
                 Ask(report_.commands, Asked::Identity, SystemInformation);
@@ -58,17 +59,18 @@ public:
                 Ask(report_.files, Asked::File, MissingFile);
             }
             auto const end = Clock::now() + timeout_;
-            while (Clock::now() < end && !IsKnown()) {
+            while (Clock::now() < end && !IsKnown() && goesOn_()) {
                 Note(Receive(end));
             }
         }
     }
 
-    void Measure(unsigned probes, std::function<bool(unsigned)> const& progress) {
+    void Measure(unsigned probes, std::function<void(unsigned)> const& progress) {
         LinkReport& link = report_.link;
         unsigned silent = 0;
         unsigned receivedBefore = 0;
-        while (link.sent < probes && silent < MostSilentProbes && progress(link.sent)) {
+        while (link.sent < probes && silent < MostSilentProbes && goesOn_()) {
+            progress(link.sent);
             receivedBefore = silent == 0 ? received_ : receivedBefore;
             silent = ProbeOnce() ? 0 : silent + 1;
         }
@@ -186,8 +188,12 @@ private:
         Question& question = questions_.at(id);
         OtherAnswers others;
         auto const end = question.sent + timeout_;
-        while (question.phase == Phase::Awaited && Clock::now() < end) {
+        while (question.phase == Phase::Awaited && Clock::now() < end && goesOn_()) {
             CountAnswer(Receive(end), id, previous, others);
+        }
+        if (question.phase == Phase::Awaited && !goesOn_()) {
+            --link.sent; // its time was not over
+            return true;
         }
         if (question.phase == Phase::Done) {
             link.duplicates += others.repeated + others.previous;
@@ -216,7 +222,8 @@ private:
 
     void WaitForLateAnswers() {
         LinkReport const& link = report_.link;
-        auto const end = Clock::now() + std::max<Clock::duration>(timeout_, LateAnswerTime);
+        auto const end =
+            Clock::now() + (goesOn_() ? std::max<Clock::duration>(timeout_, LateAnswerTime) : LateAnswerTime);
         OtherAnswers others;
         while (link.answered + link.late + link.spoilt < link.sent && Clock::now() < end) {
             CountAnswer(Receive(end), lastId_, lastId_, others);
@@ -281,6 +288,7 @@ private:
 
     ProbeSocket socket_;
     std::chrono::milliseconds timeout_;
+    std::function<bool()> const& goesOn_;
     ControllerReport report_;
     std::array<std::byte, LargestDatagram> buffer_{};
     std::array<Question, 256> questions_{};
@@ -293,8 +301,8 @@ private:
 } // namespace
 
 ControllerReport ProbeController(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
-                                 std::function<bool(unsigned)> const& progress) {
-    ControllerProbe probe(host, timeout);
+                                 std::function<void(unsigned)> const& progress, std::function<bool()> const& goesOn) {
+    ControllerProbe probe(host, timeout, goesOn);
     probe.Discover();
     if (probe.Report().commands.state == State::Answers) {
         probe.Measure(probes, progress);

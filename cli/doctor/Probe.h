@@ -61,9 +61,9 @@ struct ControllerReport {
 };
 
 /// Asks a controller for its model and software, then for a file that does not exist, and then `probes` times for its
-/// state. It only reads. Does not fill in the audit. Calls `progress` with the number
-/// of probes that are done; the series ends if it returns false.
+/// state. It only reads. Does not fill in the audit. Calls `progress` with the number of probes that are done. Ends when
+/// `goesOn` returns false, which it asks after every signal.
 ControllerReport ProbeController(std::string const& host, std::chrono::milliseconds timeout, unsigned probes,
-                                 std::function<bool(unsigned)> const& progress);
+                                 std::function<void(unsigned)> const& progress, std::function<bool()> const& goesOn);
 
 } // namespace harvlink::cli

@@ -95,16 +95,6 @@ void Flush(filesystem::path const& path, int flags) {
     }
 }
 
-void WriteStream(filesystem::path const& path, std::string_view text) {
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    file << text << std::flush;
-    if (!file) {
-        errno = errno == 0 ? EIO : errno;
-        Fail("can't write", path);
-    }
-}
-
 } // namespace
 
 /// The paths of a folder that lives, for a signal handler. Empty: none. They are used again and never freed, so that a handler
@@ -209,17 +199,39 @@ void ScratchSpace::RemoveAtSignal() {
     }
 }
 
+void WriteNewFile(filesystem::path const& path, std::string_view text) {
+    errno = 0;
+    std::ofstream file(path, std::ios::binary);
+    file << text << std::flush;
+    if (!file) {
+        errno = errno == 0 ? EIO : errno;
+        Fail("can't write", path);
+    }
+}
+
+void FlushFolder(filesystem::path const& folder) {
+    int const descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    bool const isFlushed = descriptor >= 0 && ::syncfs(descriptor) == 0;
+    int const error = errno;
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+    if (!isFlushed) {
+        throw FileError("can't write", folder, error);
+    }
+}
+
 void WriteWholeFile(filesystem::path const& path, std::string_view text, bool overwrite) {
     std::error_code error;
     filesystem::file_status const status = filesystem::status(path, error);
     if (filesystem::exists(status) && !filesystem::is_regular_file(status)) {
-        WriteStream(path, text);
+        WriteNewFile(path, text);
         return;
     }
     // A link is followed before the folder is made: a file can't be moved to another file system.
     filesystem::path const place = filesystem::exists(status) ? filesystem::weakly_canonical(path) : path;
     ScratchSpace const scratch(place.has_parent_path() ? place.parent_path() : ".");
-    WriteStream(scratch.File(), text);
+    WriteNewFile(scratch.File(), text);
     scratch.MoveFileTo(place, overwrite);
 }
 

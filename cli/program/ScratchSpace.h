@@ -52,6 +52,12 @@ private:
     bool isKept_ = false;
 };
 
+/// Writes a file at its place, for what is moved as a whole later. Throws FileError.
+void WriteNewFile(std::filesystem::path const& path, std::string_view text);
+
+/// Flushes all that was written below a folder to the disk. Throws FileError.
+void FlushFolder(std::filesystem::path const& folder);
+
 /// Writes a file as a ScratchSpace does; a device or a pipe directly. Throws FileError.
 void WriteWholeFile(std::filesystem::path const& path, std::string_view text, bool overwrite);
 

@@ -1,12 +1,12 @@
 #include "cli/snapshot/Folder.h"
 
 #include <algorithm>
-#include <fstream>
 #include <stdexcept>
 
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
+#include "cli/program/ScratchSpace.h"
 #include "cli/snapshot/Manifest.h"
 #include "words/text/Csv.h"
 #include "words/text/InputError.h"
@@ -25,14 +25,6 @@ constexpr char const* Attributes = "# Keeps git from changing line ends.\n* -tex
 
 std::string TableFile(std::string_view section) {
     return fmt::format("{}.csv", section);
-}
-
-void WriteFile(filesystem::path const& path, std::string const& text) {
-    std::ofstream file(path, std::ios::binary);
-    file << text << std::flush;
-    if (!file) {
-        throw std::runtime_error(fmt::format("can't write {}", path.string()));
-    }
 }
 
 std::string TableText(TableKind const& kind, Entries const& table) {
@@ -89,17 +81,18 @@ void Write(Snapshot const& snapshot, filesystem::path const& folder) {
     for (TableKind const& kind : TableKinds) {
         auto const table = snapshot.tables.find(kind.section);
         if (table != snapshot.tables.end()) {
-            WriteFile(folder / TableFile(kind.section), TableText(kind, table->second));
+            WriteNewFile(folder / TableFile(kind.section), TableText(kind, table->second));
         }
     }
     if (snapshot.HasSection(FilesSection)) {
         filesystem::create_directory(folder / FilesSection);
     }
     for (auto const& [name, contents] : snapshot.files) {
-        WriteFile(folder / FilesSection / SafeName(name), contents);
+        WriteNewFile(folder / FilesSection / SafeName(name), contents);
     }
-    WriteFile(folder / AttributesName, Attributes);
-    WriteFile(folder / ManifestName, ManifestJson(snapshot).dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    WriteNewFile(folder / AttributesName, Attributes);
+    WriteNewFile(folder / ManifestName,
+                 ManifestJson(snapshot).dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 Snapshot Read(filesystem::path const& folder) {

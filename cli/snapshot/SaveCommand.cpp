@@ -65,6 +65,7 @@ StatusInfo Save(QuorvanController& robot, std::string const& host, Output& outpu
     filesystem::path const finished = scratch.Path() / "finished";
     filesystem::create_directory(finished);
     Write(snapshot, finished);
+    FlushFolder(finished);
     // The first check saved the user a long wait for a refusal. Something may have been written there since.
     place = CheckTarget(place, arguments.force);
     if (!snapshot.IsComplete() && filesystem::exists(place) && !filesystem::is_empty(place)) {

@@ -72,17 +72,21 @@ Json ShownValue(Output& output, VariableValue const& value) {
 }
 
 /// Shows what loading would change; writes nothing.
-StatusInfo ShowChanges(QuorvanController& robot, Output& output, Assignments const& assignments) {
+int ShowChanges(Session& session, Output& output, Assignments const& assignments) {
+    StatusInfo opened;
+    Connection const connection = session.Open(Access::Observe, opened);
     Json changes = Json::array();
     std::size_t same = 0;
     std::vector<WriteFailure> failures;
-    {
+    if (!connection) {
+        output.Failure(opened);
+    } else {
         Progress progress(output, "Comparing");
         for (VariableAssignment const& assignment : assignments) {
             VariableValue present;
             std::string const name = VariableName(assignment.address);
             StatusInfo status = ReadRepeatedly(progress, "Comparing " + name, [&] {
-                return ReadVariable(*robot.Variables, assignment.address, present);
+                return ReadVariable(*connection->Variables, assignment.address, present);
             });
             if (status.StatusCode != 0) {
                 failures.push_back({name, status});
@@ -103,7 +107,7 @@ StatusInfo ShowChanges(QuorvanController& robot, Output& output, Assignments con
     }
     std::size_t const left = assignments.size() - same - changes.size();
     output.Show(Json{{"would_change", changes.size()}, {"same", same}, {"unknown", left}, {"changes", changes}});
-    return {};
+    return output.HasFailed() ? ExitStatus::Failure : ExitStatus::Success;
 }
 
 } // namespace
@@ -122,13 +126,9 @@ void AddVariableLoad(CLI::App& family, Session& session) {
         session.UseEncoding();
         session.CheckHost();
         Assignments const assignments = ReadFile(arguments->path, session.output().console());
-        if (arguments->dryRun) {
-            session.OnConnection(Access::Observe, [assignments](QuorvanController& robot, Output& output) {
-                return ShowChanges(robot, output, assignments);
-            });
-        } else {
-            session.Locally([assignments, &session](Output& output) { return Load(session, output, assignments); });
-        }
+        session.Locally([isDry = arguments->dryRun, assignments, &session](Output& output) {
+            return isDry ? ShowChanges(session, output, assignments) : Load(session, output, assignments);
+        });
     });
 }
 

@@ -3,10 +3,12 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <future>
 #include <ostream>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -34,7 +36,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         char const* out; ///< a part of the output
         char const* err;
     };
-    std::array<Case, 107> const cases{{
+    std::array<Case, 108> const cases{{
         {"status", 0, "Servo on  no\n", ""},
         {"--json status", 0, "\"servo_on\": false", ""},
         {"info robot7", 1, "", "Code (45063): The system ID requested is invalid\n"},
@@ -74,6 +76,7 @@ TEST_F(ProgramTest, SaysWhatItDidAndHowItEnded) {
         {"files list X", 2, "", "not a kind of file"},
         {"files get *.LST", 1, "", "Code (131078): No files found with this extension.\n"},
         {"", 2, "", "harvlink: a command is missing\n"},
+        {"stat\u009b\u202e", 2, "", "there is no command 'stat?"},
         {"statsu", 2, "", "there is no command 'statsu'; is status meant?"},
         {"status extra", 2, "", "'extra' is one argument too many"},
         {"var", 2, "", "a command is missing; there are: get, set, dump, load\nFor help run: harvlink var --help"},
@@ -248,6 +251,7 @@ TEST_F(ProgramTest, LoadsAllThatItCanAndReportsTheRest) {
         Json const shown = Json::parse(result.out);
         EXPECT_EQ(Json({shown["written"], shown["failed"], shown["not_tried"]}), each.result) << result.out;
     }
+    EXPECT_EQ(Json::parse(RunTool("--timeout 20 --retries 0 var load v.csv --dry-run --json").out)["unknown"], 3);
     EXPECT_EQ(With([](ControllerModel& model) { return int{model.variables.bytes[99]}; }), 1);
 }
 
@@ -309,13 +313,13 @@ TEST_F(ProgramTest, LosesNoFileIfItCanNotWrite) {
         char const* out;
     };
     // The limit would also cut off what the build for coverage counts, and so spoil it for all tests.
-    std::array<Case, 5> const cases{{
-        {"trap '' XFSZ; ulimit -f 8; GCOV_PREFIX=/dev/null $H files get BIG.DAT --force", 1, "BIG.DAT: Code (107374"},
-        {"trap '' XFSZ; ulimit -f 8; GCOV_PREFIX=/dev/null $H var dump --out v.csv --force", 1,
-         "harvlink: can't write "},
+    std::array<Case, 6> const cases{{
+        {"ulimit -f 8; GCOV_PREFIX=/dev/null $H files get BIG.DAT --force", 1, "BIG.DAT: Code (107374"},
+        {"ulimit -f 8; GCOV_PREFIX=/dev/null $H var dump --out v.csv --force", 1, "harvlink: can't write "},
         {"$H var dump --kind B --out /dev/full --force", 1,
          "harvlink: can't write /dev/full: No space left on device\n"},
         {"$H var dump --kind B --out none/v.csv", 1, "harvlink: can't write into none: No such file or directory\n"},
+        {"ulimit -f 0; GCOV_PREFIX=/dev/null $H snapshot save cell --only groups", 1, "groups.csv: File too large\n"},
         {"$H files get NONE.DAT", 1, "0 of 1 files fetched"},
     }};
     for (Case const& each : cases) {
@@ -349,6 +353,50 @@ TEST_F(ProgramTest, EndsWithOneLineOnCtrlC) {
     }
 }
 
+TEST_F(ProgramTest, ReportsOnCtrlCWhatWasDone) {
+    ScratchFolder const folder;
+    std::string many = "variable,value\n";
+    for (int i = 0; i < 100; ++i) {
+        many += fmt::format("B{},1\n", i);
+    }
+    test::WriteFile("many.csv", many);
+    controller_->WithFaults([](simulator::FaultInjector& faults) {
+        simulator::FaultPlan plan;
+        EXPECT_EQ(plan.Parse("delay=100%, delay-ms=50"), "");
+        faults.SetPlan(plan);
+    });
+    Program load("'" HARVLINK_PROGRAM "' --timeout 5000 var load many.csv --json");
+    while (With([](ControllerModel& model) { return model.variables.bytes[1]; }) == 0) {
+        std::this_thread::yield();
+    }
+    load.Signal(SIGINT);
+    Json const report = Json::parse(load.ReadRest());
+    EXPECT_EQ(load.ExitCode(), 130);
+    EXPECT_GE(report["written"], 1);
+    EXPECT_EQ(report["written"].get<int>() + report["not_tried"].get<int>(), 100) << report;
+    EXPECT_EQ(With([&](ControllerModel& model) { return int{model.variables.bytes[report["written"].get<int>()]}; }),
+              0);
+
+    // A controller that does not answer, and a time-out that nobody waits for.
+    std::string const silent = test::NextLoopbackAddress();
+    simulator::ControllerOptions options;
+    ASSERT_EQ(options.faults.Parse("drop=100%,file-drop=100%"), "");
+    simulator::Server server;
+    server.Add(silent, options);
+    std::promise<void> isAsked;
+    server.SetObserver([&, isFirst = true](auto const&...) mutable {
+        if (std::exchange(isFirst, false)) {
+            isAsked.set_value();
+        }
+    });
+    ASSERT_TRUE(server.Start()) << server.Error();
+    Program doctor("'" HARVLINK_PROGRAM "' --timeout 50000 doctor " + silent + " 2>&1");
+    ASSERT_EQ(isAsked.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    doctor.Signal(SIGINT);
+    EXPECT_EQ(doctor.ReadRest(), "harvlink: interrupted before it was known whether the controller answers\n");
+    EXPECT_EQ(doctor.ExitCode(), 130);
+}
+
 TEST_F(ProgramTest, KeepsWhatAControllerHoldsFromTheTerminal) {
     ScratchFolder const folder;
     test::WriteFile("H.DAT", "a\u009b31m\u202eb\xE9\r\nc\n");
@@ -364,6 +412,7 @@ TEST_F(ProgramTest, KeepsWhatAControllerHoldsFromTheTerminal) {
     }
     ASSERT_EQ(RunTool("var set S1=\u009b2J\\xE9\\x5Cx41").exit, 0);
     EXPECT_EQ(RunTool("var get S1").out, "Variable  Value\nS1        ?2J\\xE9\\x5Cx41\n");
+    EXPECT_NE(RunTool("var get S1 --json").out.find("\"\\u009b2J\\\\xE9"), std::string::npos);
     EXPECT_EQ(Json::parse(RunTool("var get S1 --json --encoding latin-1").out)[0]["value"],
               "\u00c2\u009b2J\u00e9\\x5Cx41");
 }
