@@ -21,7 +21,8 @@ bool TransferReport::Add(std::string const& name, StatusInfo const& status, std:
         ShowStatus(text, status);
     } else if (!output_.json) {
         output_.console().out << fmt::format("{}  {} bytes{}\n", Printable(text), bytes,
-                                             stored.empty() || stored == text ? "" : ", stored as " + Printable(stored));
+                                             stored.empty() || stored == text ? ""
+                                                                              : ", stored as " + Printable(stored));
     }
     Json row{{"name", text},
              {"bytes", succeeded ? Json(bytes) : Json()},

@@ -374,8 +374,9 @@ TEST_F(ProgramTest, ReportsOnCtrlCWhatWasDone) {
     EXPECT_EQ(load.ExitCode(), 130);
     EXPECT_GE(report["written"], 1);
     EXPECT_EQ(report["written"].get<int>() + report["not_tried"].get<int>(), 100) << report;
-    EXPECT_EQ(With([&](ControllerModel& model) { return int{model.variables.bytes[report["written"].get<int>()]}; }),
-              0);
+    EXPECT_EQ(
+        With([&](ControllerModel& model) { return int{model.variables.bytes[report["written"].get<std::size_t>()]}; }),
+        0);
 
     // A controller that does not answer, and a time-out that nobody waits for.
     std::string const silent = test::NextLoopbackAddress();
