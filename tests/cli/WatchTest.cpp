@@ -127,7 +127,8 @@ class OnTerminal {
 public:
     OnTerminal(std::string const& line, char const* type) {
         winsize const size{24, 80, 0, 0};
-        pid_ = ::forkpty(&master_, nullptr, nullptr, &size);
+        modes_ = ModesOfANewTerminal(); // asked for later, they could be those that the program has set
+        pid_ = ::forkpty(&master_, nullptr, &modes_, &size);
         if (pid_ == 0) {
             ::setenv("TERM", type, 1);
             Arguments arguments = Words("harvlink " + line);
@@ -142,7 +143,6 @@ public:
         if (pid_ < 0) {
             throw std::system_error(errno, std::generic_category(), "this computer gives no pseudo-terminal");
         }
-        ::tcgetattr(master_, &modes_);
     }
     OnTerminal(OnTerminal const&) = delete;
     OnTerminal& operator=(OnTerminal const&) = delete;
@@ -199,6 +199,18 @@ public:
     std::string const& Output() const { return output_; }
 
 private:
+    static termios ModesOfANewTerminal() {
+        termios modes{};
+        int master = -1;
+        int slave = -1;
+        if (::openpty(&master, &slave, nullptr, nullptr, nullptr) == 0) {
+            ::tcgetattr(slave, &modes);
+            ::close(slave);
+            ::close(master);
+        }
+        return modes;
+    }
+
     bool ReadMore() {
         pollfd waiting{master_, POLLIN, 0};
         std::array<char, 4096> bytes{};
