@@ -26,8 +26,7 @@ TEST(SparkplugHost, IndependentHostUnderstandsEverything) {
     std::vector<recording::RecordedValue> position(8, -0.5);
     position.resize(12, std::int64_t{0}); // coordinate, tool, user, figure
     Feed(*node,
-         {MakeSample(arm, 0, std::vector<recording::RecordedValue>(7, std::int64_t{1})),
-          MakeSample(arm, 1, position),
+         {MakeSample(arm, 0, std::vector<recording::RecordedValue>(7, std::int64_t{1})), MakeSample(arm, 1, position),
           MakeSample(arm, 2, {std::string("sp\xffot")})},
          {MakeStateEvent(arm, FleetState::Online)});
     ASSERT_TRUE(Eventually([&] { return plant.host->IsBorn("arm"); }));
