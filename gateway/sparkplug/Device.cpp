@@ -62,8 +62,8 @@ std::optional<Change> Device::Take(SamplePtr const& sample) {
                                 (!sample->values.empty() && !IsSame(latest.sample->values[i], sample->values[i])));
     }
     // A consumer tells values apart by metric and time.
-    if (latest.sample != nullptr && change.time <= latest.time && change.time + SameMoment > latest.time) {
-        change.time = latest.time + (change.items.any() ? 1 : 0);
+    if (latest.sample != nullptr && change.time + SameMoment > TimeOf(*latest.sample)) {
+        change.time = std::max(change.time, latest.time + (change.items.any() ? 1 : 0));
     }
     latest = {sample, change.time};
     return change.items.any() ? std::optional(std::move(change)) : std::nullopt;

@@ -19,7 +19,7 @@ Timestamp Now();
 /// What a sample changed.
 struct Change {
     SamplePtr sample;
-    Timestamp time = 0; ///< differs from that of every other change of the reading
+    Timestamp time = 0; ///< of every change of the reading another one, until the clock is set back
     std::bitset<recording::RecordedReading::MostItems> items; ///< those that changed
 };
 

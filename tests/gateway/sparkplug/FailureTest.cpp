@@ -1,3 +1,4 @@
+#include <array>
 #include <cstring>
 
 #include <gtest/gtest.h>
@@ -15,9 +16,11 @@ namespace {
 using namespace std::chrono_literals;
 using gateway::sparkplug::EdgeNode;
 
+constexpr auto BusyMachine = 3s; // for processes that wait for a processor among other tests
+
 class SparkplugFailure : public testing::Test {
 protected:
-    bool GoesOn(std::int64_t from, std::chrono::milliseconds limit = 5s) {
+    bool GoesOn(std::int64_t from, std::chrono::milliseconds limit = 5s + BusyMachine) {
         return Eventually([&] { return plant.host->LiveValueOf(Counter::Metric) > from; }, limit);
     }
     void ExpectAll(std::int64_t count) {
@@ -76,8 +79,12 @@ TEST_F(SparkplugFailure, ClockIsSetBack) {
 /// A gateway in a process of its own, which can be killed without hurting the test.
 class KillableGateway {
 public:
-    KillableGateway(Plant& plant, std::atomic<std::int64_t>& last) : process_(fork()) {
+    KillableGateway(Plant& plant, std::atomic<std::int64_t>& last) {
+        EXPECT_EQ(pipe(start_.data()), 0);
+        process_ = fork();
         if (process_ == 0) {
+            for (char go = 0; read(start_[0], &go, 1) != 1;) {
+            }
             auto node = plant.StartNode();
             Counter const counter(*node, last + 1, &last);
             for (;;) {
@@ -90,45 +97,66 @@ public:
     ~KillableGateway() {
         kill(process_, SIGKILL);
         waitpid(process_, nullptr, 0);
+        close(start_[0]);
+        close(start_[1]);
     }
 
+    void Start() { EXPECT_EQ(write(start_[1], "!", 1), 1); }
+
 private:
-    pid_t process_;
+    std::array<int, 2> start_{};
+    pid_t process_ = -1;
 };
 
-class SparkplugKill : public SparkplugFailure, public testing::WithParamInterface<bool> {};
+class SparkplugKill : public SparkplugFailure, public testing::WithParamInterface<bool> {
+protected:
+    SparkplugKill() {
+        // No session lasts so long that what it sent counts as arrived: a later host gets all of it again.
+        plant.config.keepAlive = 30s;
+        plant.host.reset(); // a process with threads is not one to fork from
+    }
+
+    /// A gateway of its own reads 150 values.
+    void LiveUntilKilled(std::atomic<std::int64_t>& last, bool isBrokerAway) {
+        KillableGateway gateway(plant, last);
+        plant.host = std::make_unique<Host>(plant.broker.Address(), "scada");
+        gateway.Start();
+        if (isBrokerAway) {
+            plant.broker.Kill();
+        }
+        EXPECT_TRUE(Eventually([&, from = last.load()] { return last > from + 150; }));
+        if (isBrokerAway) {
+            plant.broker.Start();
+        }
+        plant.host.reset();
+    }
+};
 
 TEST_P(SparkplugKill, LosesASecondAtMost) {
-    bool const isBrokerAway = GetParam();
+    constexpr std::int64_t MostLost = 100; // a second, and as much again for a disk that is busy
     void* const memory = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
     auto& last = *new (memory) std::atomic<std::int64_t>(0);
-    plant.host.reset(); // a process with threads is not one to fork from
     std::vector<std::int64_t> ends;
-    for (int i = 0; i < 3; ++i) {
-        KillableGateway const gateway(plant, last);
-        plant.host = std::make_unique<Host>(plant.broker.Address(), "scada");
-        if (isBrokerAway && i == 1) {
-            plant.broker.Kill();
-        }
-        ASSERT_TRUE(Eventually([&, from = last.load()] { return last > from + 150; }));
-        if (isBrokerAway && i == 1) {
-            plant.broker.Start();
-        }
-        if (i < 2) {
-            plant.host.reset();
-        } else {
-            EXPECT_TRUE(GoesOn(last));
-            EXPECT_TRUE(Eventually([&] { return plant.host->Missing(Counter::Metric, last).size() < 150; }));
-            // What was read until a second before a kill is there. The host came late, and gets what it missed as well.
-            for (std::int64_t const missing : plant.host->Missing(Counter::Metric, last - 50)) {
-                EXPECT_TRUE(
-                    std::any_of(ends.begin(), ends.end(), [&](std::int64_t end) { return missing > end - 50; }) ||
-                    missing <= ends[0])
-                    << missing;
-            }
-        }
+    for (bool const isBrokerAway : {false, GetParam()}) {
+        LiveUntilKilled(last, isBrokerAway);
         ends.push_back(last);
+    }
+    {
+        KillableGateway gateway(plant, last);
+        plant.host = std::make_unique<Host>(plant.broker.Address(), "scada");
+        gateway.Start();
+        EXPECT_TRUE(GoesOn(last, 10s));
+        auto const isExcused = [&](std::int64_t missing) {
+            return std::any_of(ends.begin(), ends.end(),
+                               [&](std::int64_t end) { return missing > end - MostLost && missing <= end; });
+        };
+        auto const missing = [&] { return plant.host->Missing(Counter::Metric, ends.back() + 10); };
+        EXPECT_TRUE(Eventually([&] {
+            auto const values = missing();
+            return std::all_of(values.begin(), values.end(), isExcused);
+        })) << missing().size()
+            << " are missing, the first is " << *missing().begin();
     }
     EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
     munmap(memory, 4096);
@@ -142,18 +170,17 @@ TEST_F(SparkplugFailure, FullStoreDropsTheOldestAndCounts) {
     plant.config.store.valuesPerSecond = 20'000;
     plant.broker.Kill();
     auto node = plant.StartNode();
-    Counter counter(*node);
-    counter.Stop();
-    counter.FeedMany(8000);
+    Series series(*node);
+    series.FeedMany(8000);
     ASSERT_TRUE(Eventually([&] { return node->Statistics().store.dropped > 0; }));
     EXPECT_TRUE(Eventually([&] { return node->Statistics().store.bytes > 100'000; }));
     plant.broker.Start();
     ASSERT_TRUE(Eventually([&] { return node->Statistics().state == gateway::sparkplug::SessionState::Born; }));
     ASSERT_TRUE(Eventually([&] { return node->Statistics().store.waiting == 0; }));
     auto const dropped = node->Statistics().store.dropped;
-    EXPECT_TRUE(Eventually([&] { return plant.host->Missing(Counter::Metric, counter.Last()).size() == dropped; }))
-        << plant.host->Missing(Counter::Metric, counter.Last()).size() << " are missing, " << dropped << " are counted";
-    EXPECT_EQ(*plant.host->Missing(Counter::Metric, counter.Last()).rbegin(), static_cast<std::int64_t>(dropped));
+    EXPECT_TRUE(Eventually([&] { return plant.host->Missing(Counter::Metric, series.Last()).size() == dropped; }))
+        << plant.host->Missing(Counter::Metric, series.Last()).size() << " are missing, " << dropped << " are counted";
+    EXPECT_EQ(*plant.host->Missing(Counter::Metric, series.Last()).rbegin(), static_cast<std::int64_t>(dropped));
     EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
 }
 
@@ -161,10 +188,9 @@ TEST_F(SparkplugFailure, DamagedStoreCostsNoMoreThanWhatIsDamaged) {
     plant.config.store.valuesPerSecond = 20'000;
     plant.broker.Kill();
     auto node = plant.StartNode();
-    auto counter = std::make_unique<Counter>(*node);
-    counter->FeedMany(2000);
-    std::int64_t const stored = counter->Stop();
-    counter.reset();
+    Series series(*node);
+    series.FeedMany(2000);
+    std::int64_t const stored = series.Last();
     node.reset();
     std::size_t flipped = 0;
     for (auto const& file : std::filesystem::directory_iterator(plant.config.store.folder)) {
@@ -178,9 +204,9 @@ TEST_F(SparkplugFailure, DamagedStoreCostsNoMoreThanWhatIsDamaged) {
     ASSERT_GT(flipped, 3U);
     plant.broker.Start();
     node = plant.StartNode();
-    counter = std::make_unique<Counter>(*node, stored + 1);
+    Counter counter(*node, stored + 1);
     EXPECT_TRUE(GoesOn(stored + 5, 10s));
-    std::int64_t const last = counter->Stop();
+    std::int64_t const last = counter.Stop();
     EXPECT_TRUE(Eventually([&] {
         return node->Statistics().damaged >= flipped &&
                plant.host->Missing(Counter::Metric, last).size() == node->Statistics().damaged;
@@ -198,7 +224,6 @@ TEST_P(SparkplugGarbage, IsSurvived) {
     plant.broker.Kill();
     auto const listener = ListenAt(plant.broker.Address(), 1883);
     ASSERT_GE(listener, 0);
-    plant.config.primaryHost.clear();
     auto node = plant.StartNode();
     Counter counter(*node);
     for (int i = 0; i < 2; ++i) {
@@ -212,7 +237,7 @@ TEST_P(SparkplugGarbage, IsSurvived) {
     }
     close(listener);
     plant.broker.Start();
-    plant.host = std::make_unique<Host>(plant.broker.Address(), "");
+    plant.host = std::make_unique<Host>(plant.broker.Address(), "scada");
     EXPECT_TRUE(GoesOn(counter.Last(), 12s));
 }
 

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include <fmt/format.h>
+#include <gtest/gtest.h>
 #include <mosquitto.h>
 
 namespace harvlink::test {
@@ -36,12 +37,16 @@ Host::Host(std::string address, std::string id) : address_(std::move(address)), 
         }
     });
     mosquitto_subscribe_callback_set(client_, [](mosquitto*, void* self, int, int, int const*) {
-        static_cast<Host*>(self)->SendState(true, UtcMilliseconds());
+        auto& host = *static_cast<Host*>(self);
+        host.SendState(true, UtcMilliseconds());
+        std::call_once(host.isSubscribed_, [&] { host.subscribed_.set_value(); });
     });
     mosquitto_message_callback_set(client_, [](mosquitto*, void* self, mosquitto_message const* message) {
         static_cast<Host*>(self)->Take(*message);
     });
     thread_ = std::thread([this] { Run(); });
+    auto const state = subscribed_.get_future().wait_for(std::chrono::seconds(20));
+    EXPECT_EQ(state, std::future_status::ready) << "the broker does not take the subscription";
 }
 
 Host::~Host() {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <future>
 #include <map>
 #include <mutex>
 #include <set>
@@ -23,6 +24,7 @@ public:
     using Payload = org::eclipse::tahu::protobuf::Payload;
     using Values = std::map<std::uint64_t, org::eclipse::tahu::protobuf::Metric>; ///< by time
 
+    /// Returns when it is subscribed: a birth that is published before reaches nobody.
     Host(std::string address, std::string id);
     Host(Host const&) = delete;
     Host& operator=(Host const&) = delete;
@@ -58,6 +60,8 @@ private:
     std::string id_;
     mosquitto* client_ = nullptr;
     std::atomic<bool> mustStop_{false};
+    std::promise<void> subscribed_; ///< for the first time
+    std::once_flag isSubscribed_;
     mutable std::recursive_mutex mutex_;
     bool isNodeBorn_ = false;
     std::int64_t session_ = -1;

@@ -16,33 +16,21 @@
 
 namespace harvlink::test {
 
-/// Feeds a node with a variable that counts up from `first`, every 20 ms, on a thread of its own.
-class Counter {
+/// Feeds a node with a variable that counts up from `first`.
+class Series {
 public:
     static constexpr char const* Metric = "press1/D001";
 
-    explicit Counter(gateway::Observer& node, std::int64_t first = 1, std::atomic<std::int64_t>* shown = nullptr)
+    explicit Series(gateway::Observer& node, std::int64_t first = 1, std::atomic<std::int64_t>* shown = nullptr)
         : node_(node),
           last_(first - 1),
           shown_(shown),
           controller_(MakeController(1, "press1", {{recording::kind::DoubleIntVariable, "D001"}})) {
         node_.Added(controller_);
         Feed(node_, {}, {MakeStateEvent(controller_, FleetState::Online)});
-        thread_ = std::thread([this] { Run(); });
     }
-    Counter(Counter const&) = delete;
-    Counter& operator=(Counter const&) = delete;
-    ~Counter() { Stop(); }
 
     std::int64_t Last() const { return last_; }
-    void ShiftClock(std::int64_t microseconds) { shift_ = microseconds; }
-    std::int64_t Stop() {
-        mustStop_ = true;
-        if (thread_.joinable()) {
-            thread_.join();
-        }
-        return last_;
-    }
 
     /// Feeds `count` values at once, as read in the milliseconds before.
     void FeedMany(std::int64_t count) {
@@ -51,27 +39,55 @@ public:
         }
     }
 
-private:
-    void Run() {
-        while (!mustStop_) {
-            FeedOne(0);
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-    }
+protected:
     void FeedOne(std::int64_t shift) {
-        Feed(node_, {MakeSample(controller_, 0, {last_ + 1}, shift_ + shift)});
+        Feed(node_, {MakeSample(controller_, 0, {last_ + 1}, shift)});
         ++last_;
         if (shown_ != nullptr) {
             *shown_ = last_.load();
         }
     }
 
+private:
     gateway::Observer& node_;
     std::atomic<std::int64_t> last_;
     std::atomic<std::int64_t>* shown_;
+    ControllerPtr controller_;
+};
+
+/// Feeds the next value of a series every 20 ms, on a thread of its own.
+class Counter : private Series {
+public:
+    using Series::Last;
+    using Series::Metric;
+
+    explicit Counter(gateway::Observer& node, std::int64_t first = 1, std::atomic<std::int64_t>* shown = nullptr)
+        : Series(node, first, shown) {
+        thread_ = std::thread([this] { Run(); });
+    }
+    Counter(Counter const&) = delete;
+    Counter& operator=(Counter const&) = delete;
+    ~Counter() { Stop(); }
+
+    void ShiftClock(std::int64_t microseconds) { shift_ = microseconds; }
+    std::int64_t Stop() {
+        mustStop_ = true;
+        if (thread_.joinable()) {
+            thread_.join();
+        }
+        return Last();
+    }
+
+private:
+    void Run() {
+        while (!mustStop_) {
+            FeedOne(shift_);
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+
     std::atomic<std::int64_t> shift_{0};
     std::atomic<bool> mustStop_{false};
-    ControllerPtr controller_;
     std::thread thread_;
 };
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "gateway/sparkplug/Commands.h"
+#include "gateway/sparkplug/Device.h"
+#include "gateway/sparkplug/Feeder.h"
 #include "gateway/sparkplug/Forwarder.h"
 #include "gateway/sparkplug/MemoryStore.h"
 
@@ -84,6 +86,21 @@ TEST(SparkplugCommands, OnlyTrueRebirthsCount) {
     EXPECT_EQ(ParseHostState(R"({"timestamp":7,"online":false,"more":[]})")->timestamp, 7);
     EXPECT_EQ(ParseCommands("\xff").refused.size(), 1U);
     EXPECT_EQ(ParseCommands(std::string(2U << 20U, '\0')).refused.size(), 1U);
+}
+
+TEST(SparkplugDevice, GivesEachChangeATimeOfItsOwn) {
+    auto const controller = test::MakeController(1, "press1", {{recording::kind::ByteVariable, "B000"}});
+    Device device(controller, 1);
+    Sample sample = *test::MakeSample(controller, 0, {std::int64_t{0}});
+    Timestamp last = device.Take(std::make_shared<Sample const>(sample))->time;
+    for (std::int64_t value = 1; value < 20; ++value) { // all read in one millisecond
+        sample.values = {value};
+        Timestamp const time = device.Take(std::make_shared<Sample const>(sample))->time;
+        EXPECT_EQ(time, std::exchange(last, time) + 1);
+    }
+    sample.moment.answer -= 1'000'000; // the clock was set back
+    sample.values = {std::int64_t{0}};
+    EXPECT_EQ(device.Take(std::make_shared<Sample const>(sample))->time, sample.moment.answer / 1000);
 }
 
 /// What was sent leaves the store only when the connection has held for the window; after a loss it is sent again.

@@ -131,11 +131,20 @@ void RunThroughCommands(Scene& scene) {
     EXPECT_TRUE(Eventually([&] { return scene.host.NodeBirths() == before + 1 && scene.host.IsBorn("d129"); }));
 }
 
+/// Whether the node has told of so many controllers that answer.
+bool HasTold(Scene const& scene, std::uint64_t online) {
+    auto const messages = LifeOf(scene.tap).Of("NDATA");
+    return std::any_of(messages.begin(), messages.end(), [&](Message const& message) {
+        auto const& metrics = message.payload.metrics();
+        return std::any_of(metrics.begin(), metrics.end(), [&](auto const& metric) {
+            return metric.name() == "Gateway/Controllers Online" && metric.long_value() == online;
+        });
+    });
+}
+
 void LoseAndFindPress(Scene& scene) {
-    auto const ndata = [&] { return LifeOf(scene.tap).Of("NDATA").size(); };
-    auto const before = ndata();
     Feed(*scene.node, {}, {MakeStateEvent(scene.press, FleetState::Silent)});
-    EXPECT_TRUE(Eventually([&] { return !scene.host.IsBorn("press1") && ndata() > before; }));
+    EXPECT_TRUE(Eventually([&] { return !scene.host.IsBorn("press1") && HasTold(scene, SmallDevices); }));
     Feed(*scene.node, {MakeSample(scene.press, 2, {std::int64_t{9}})},
          {MakeStateEvent(scene.press, FleetState::Online)});
     EXPECT_TRUE(Eventually([&] { return scene.host.IsBorn("press1"); }));
@@ -191,7 +200,7 @@ HostedLife LiveWithHost() {
     say("scada", false, now - 1);
     hosted.connectionsAfterOldOffline = scene.Count(MqttPacket::Connect);
     say("scada", false, now + 1);
-    EXPECT_TRUE(Eventually([&] { return scene.Count(MqttPacket::Suback) == 4; }));
+    EXPECT_TRUE(Eventually([&] { return scene.Count(MqttPacket::Suback) == 4 && !scene.host.IsBorn("press1"); }));
     std::this_thread::sleep_for(milliseconds(200));
     hosted.connectionsAfterOffline = scene.Count(MqttPacket::Connect);
     hosted.birthsWhileOffline = scene.Births();
@@ -199,6 +208,7 @@ HostedLife LiveWithHost() {
     EXPECT_TRUE(Eventually([&] { return scene.host.IsBorn("press1"); }));
     hosted.birthsAtTheEnd = scene.Births();
     scene.node.reset();
+    EXPECT_TRUE(Eventually([&] { return scene.Count(MqttPacket::Disconnect) == 2; }));
     hosted.life = LifeOf(scene.tap);
     return hosted;
 }
