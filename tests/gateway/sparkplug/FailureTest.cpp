@@ -14,7 +14,6 @@ namespace harvlink::test {
 namespace {
 
 using namespace std::chrono_literals;
-using gateway::sparkplug::EdgeNode;
 
 constexpr auto BusyMachine = 3s; // for processes that wait for a processor among other tests
 
@@ -25,8 +24,7 @@ protected:
     }
     void ExpectAll(std::int64_t count) {
         EXPECT_TRUE(Eventually([&] { return plant.host->HasAll(Counter::Metric, count); }))
-            << plant.host->Missing(Counter::Metric, count).size() << " of " << count << " are missing, the first is "
-            << *plant.host->Missing(Counter::Metric, count).begin();
+            << testing::PrintToString(plant.host->Missing(Counter::Metric, count)) << " of " << count << " are missing";
         EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
     }
 
@@ -155,8 +153,8 @@ TEST_P(SparkplugKill, LosesASecondAtMost) {
         EXPECT_TRUE(Eventually([&] {
             auto const values = missing();
             return std::all_of(values.begin(), values.end(), isExcused);
-        })) << missing().size()
-            << " are missing, the first is " << *missing().begin();
+        })) << testing::PrintToString(missing())
+            << " are missing";
     }
     EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
     munmap(memory, 4096);
