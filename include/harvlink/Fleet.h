@@ -66,18 +66,24 @@ struct FleetItem {
     /// was reported last. 0: at any difference.
     double deadBand = 0.0;
 
+    /// Mode, cycle, servo, hold, alarm and whether a job runs.
     static FleetItem State() { return {}; }
+    /// Name, line, step and speed of the job that the task executes.
     static FleetItem Job(TesselTaskNumber task = TesselTaskNumber::Master) {
         return {.kind = FleetItemKind::Job, .index = static_cast<std::uint32_t>(task)};
     }
+    /// The active alarms, four exchanges.
     static FleetItem Alarms() { return {.kind = FleetItemKind::Alarms}; }
+    /// Where a group is, or one axis of it from 0 on; -1 stands for all axes here and below.
     static FleetItem Position(ControlGroupId group, CoordinateType coordinate = CoordinateType::Pulse,
                               std::int32_t axis = -1) {
         return {.kind = FleetItemKind::Position, .group = group, .coordinate = coordinate, .axis = axis};
     }
+    /// The load of the axes of a group.
     static FleetItem Torque(ControlGroupId group, std::int32_t axis = -1) {
         return {.kind = FleetItemKind::Torque, .group = group, .axis = axis};
     }
+    /// How far the axes of a group are from where they should be, in pulses.
     static FleetItem PositionError(ControlGroupId group, std::int32_t axis = -1) {
         return {.kind = FleetItemKind::PositionError, .group = group, .axis = axis};
     }
@@ -85,15 +91,19 @@ struct FleetItem {
     static FleetItem Variable(FleetItemKind kind, std::uint32_t index, std::uint32_t count = 1) {
         return {.kind = kind, .index = index, .count = count};
     }
+    /// A signal, or `count` of them in a row.
     static FleetItem Signal(std::uint32_t address, std::uint32_t count = 1) {
         return {.kind = FleetItemKind::Signal, .index = address, .count = count};
     }
+    /// Eight signals as one number, or `count` such groups in a row. The address is a multiple of 10.
     static FleetItem SignalGroup(std::uint32_t address, std::uint32_t count = 1) {
         return {.kind = FleetItemKind::SignalGroup, .index = address, .count = count};
     }
+    /// A register, or `count` of them in a row.
     static FleetItem Register(std::uint32_t index, std::uint32_t count = 1) {
         return {.kind = FleetItemKind::Register, .index = index, .count = count};
     }
+    /// How long the controller, a group or an application has worked.
     static FleetItem OperatingTime(TimeType type, ControlGroupId group = ControlGroupId::R1,
                                    ApplicationNumber application = ApplicationNumber::None) {
         return {.kind = FleetItemKind::OperatingTime,
@@ -101,9 +111,11 @@ struct FleetItem {
                 .group = group,
                 .detail = static_cast<std::int32_t>(application)};
     }
+    /// Versions and model.
     static FleetItem Software(SystemInfoId id = SystemInfoId::Robot1) {
         return {.kind = FleetItemKind::Software, .index = static_cast<std::uint32_t>(id)};
     }
+    /// How far the target of a motion slot, 0 to 3, is done.
     static FleetItem TargetProgress(std::uint32_t slot = 0) {
         return {.kind = FleetItemKind::TargetProgress, .index = slot};
     }
@@ -270,6 +282,7 @@ struct FleetOptions {
 /// threads take are split among them. No operation raises an exception; where memory ends, they return OutOfMemory or less.
 class HARVLINK_EXPORT Fleet {
 public:
+    /// Watches nothing yet, and has no thread until Start.
     explicit Fleet(FleetOptions const& options = {});
     Fleet(Fleet const&) = delete;
     Fleet& operator=(Fleet const&) = delete;
@@ -317,6 +330,7 @@ public:
     std::vector<FleetSample> Latest(std::string const& name) const;
     /// @}
 
+    /// Counts since the start, of the engine and of each controller.
     FleetStatistics Statistics() const;
 
 private:
