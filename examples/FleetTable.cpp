@@ -13,7 +13,6 @@
 
 #include "harvlink/harvlink.h"
 
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -69,7 +68,7 @@ int main(int argc, char** argv) {
         std::cerr << status << '\n';
         return 1;
     }
-    auto const end = std::chrono::steady_clock::now() + 30s;
+    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     std::map<std::string, std::string> news;
     bool isAnnounced = false;
     while (std::chrono::steady_clock::now() < end && !TakeNews(fleet, news)) {

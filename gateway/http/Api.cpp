@@ -109,7 +109,7 @@ Json Api::Hello() const {
 std::optional<LatestController> Api::Find(std::string const& name) const {
     for (LatestController& latest : sources_.table->Snapshot()) {
         if (latest.controller->name == name) {
-            return std::move(latest);
+            return {std::move(latest)};
         }
     }
     return std::nullopt;
@@ -206,7 +206,8 @@ Response Api::Latest() const {
 Response Api::Card(Request const& request) const {
     std::string const code = request.path.substr(CardsPath.size());
     std::string const subcode = TextOf(request, "subcode");
-    for (std::string const& text : {subcode.empty() ? "alarm:" + code : code + "-" + subcode, "alarm:" + code}) {
+    for (std::string const& text :
+         {subcode.empty() ? "alarm:" + code : fmt::format("{}-{}", code, subcode), "alarm:" + code}) {
         for (words::Explanation const& explanation : words::Explain(text)) {
             if (explanation.match == words::ExactMatch) {
                 return JsonResponse({{"code", explanation.code},

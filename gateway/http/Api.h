@@ -39,7 +39,7 @@ class Api {
 public:
     explicit Api(ApiSources sources) : sources_(std::move(sources)) {}
 
-    Response Answer(Request const& request) const;
+    Response Answer(Request const& given) const;
 
     /// What a client gets first over the WebSocket, without controllers and events.
     words::Json Hello() const;

@@ -20,7 +20,7 @@ public:
     std::optional<Response> Refuse(Request const& request, bool isWebSocket) const;
 
 private:
-    bool IsOwnHost(std::string const& host) const;
+    bool IsOwnHost(std::string const& header) const;
 
     bool isAnyHost_ = false; ///< the listener has an address of all, so nobody knows how clients call it
     std::vector<std::string> hosts_; ///< without ports

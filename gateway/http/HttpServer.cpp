@@ -49,8 +49,8 @@ bool BelongsToApi(std::string const& path) {
 
 class HttpServer::Implementation {
 public:
-    Implementation(ListenConfig const& config, ApiSources sources, Log& log)
-        : log_(log), guard_(config), api_(std::move(sources)), feed_(api_) {
+    Implementation(ListenConfig const& config, ApiSources sources)
+        : guard_(config), api_(std::move(sources)), feed_(api_) {
         Listen(config);
         thread_ = std::thread([this] { Run(); });
     }
@@ -93,7 +93,6 @@ private:
     int SendLive(lws* socket);
     void TickLive();
 
-    Log& log_;
     Guard guard_;
     Api api_;
     LiveFeed feed_;
@@ -352,8 +351,8 @@ int HttpServer::Implementation::SendLive(lws* socket) {
     return 0;
 }
 
-HttpServer::HttpServer(ListenConfig const& config, ApiSources sources, Log& log)
-    : implementation_(std::make_unique<Implementation>(config, std::move(sources), log)) {}
+HttpServer::HttpServer(ListenConfig const& config, ApiSources sources)
+    : implementation_(std::make_unique<Implementation>(config, std::move(sources))) {}
 
 HttpServer::~HttpServer() = default;
 

@@ -5,7 +5,6 @@
 
 #include "gateway/config/Config.h"
 #include "gateway/http/Api.h"
-#include "gateway/model/Log.h"
 
 namespace harvlink::gateway {
 
@@ -18,7 +17,7 @@ public:
     static constexpr std::size_t LargestBody = 65'536;
 
     /// Listens. Throws ConfigError if it can't. Port 0 takes one that is free.
-    HttpServer(ListenConfig const& config, ApiSources sources, Log& log);
+    HttpServer(ListenConfig const& config, ApiSources sources);
     HttpServer(HttpServer const&) = delete;
     HttpServer& operator=(HttpServer const&) = delete;
     /// Closes all connections.

@@ -165,9 +165,9 @@ LiveText LiveFeed::Values(std::string const& controller, std::uint64_t& version)
             values.push_back(ItemValueJson(*latest.controller, item, latest.samples.at(item.reading)));
         }
     }
-    LiveText const text = values.empty()
-                              ? nullptr
-                              : TextOf({{"type", "values"}, {"controller", controller}, {"values", std::move(values)}});
+    LiveText text = values.empty()
+                        ? nullptr
+                        : TextOf({{"type", "values"}, {"controller", controller}, {"values", std::move(values)}});
     made.push_back({from, version_, text});
     return text;
 }
@@ -242,8 +242,8 @@ LiveText LiveClient::NextValues() {
         std::uint32_t const id = feed_.IdOf(watched.controller);
         bool const isNew = id != watched.id;
         watched.id = id;
-        LiveText const text = isNew ? feed_.Items(watched.controller, watched.version)
-                                    : feed_.Values(watched.controller, watched.version);
+        LiveText text = isNew ? feed_.Items(watched.controller, watched.version)
+                              : feed_.Values(watched.controller, watched.version);
         if (text != nullptr) {
             turn_ = (turn_ + i + 1) % watched_.size();
             return text;

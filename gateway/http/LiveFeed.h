@@ -34,7 +34,7 @@ public:
     std::uint32_t IdOf(std::string const& controller) const;
 
 private:
-    struct Known {
+    struct Known { // NOLINT(bugprone-exception-escape): its JSON is moved, which takes no memory
         LatestController latest;
         words::Json summary;
         std::int64_t answerSaid = 0; ///< when its last answer was last part of a delta

@@ -99,11 +99,11 @@ void Gateway::ApplyListener(Config const& config) {
     http_.reset(); // the new one may have the same port
     exposition_ = std::make_unique<Exposition>(ExpositionSourcesFor(config), config.prometheus.mostSeries);
     try {
-        http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config), log_);
+        http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config));
     } catch (ConfigError const&) {
         if (config_) {
             exposition_ = std::make_unique<Exposition>(ExpositionSourcesFor(*config_), config_->prometheus.mostSeries);
-            http_ = std::make_unique<HttpServer>(config_->gateway.listen, SourcesFor(*config_), log_);
+            http_ = std::make_unique<HttpServer>(config_->gateway.listen, SourcesFor(*config_));
         }
         throw;
     }

@@ -178,12 +178,13 @@ std::vector<std::vector<Series>> SeriesOf(Controller const& controller) {
     std::vector<std::vector<Series>> all;
     std::set<std::pair<Metric, Labels>> known;
     for (RecordedReading const& reading : controller.readings) {
-        std::vector<Series>& own = all.emplace_back();
+        std::vector<Series> own;
         for (Series& series : AllSeries(reading)) {
             if (known.emplace(series.metric, series.labels).second) {
                 own.push_back(std::move(series));
             }
         }
+        all.push_back(std::move(own));
     }
     return all;
 }
