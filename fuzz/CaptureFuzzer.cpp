@@ -11,6 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     if (size == 0) {
         return 0; // no file in memory is empty
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): it is only read
     std::FILE* const file = fmemopen(const_cast<std::uint8_t*>(data), size, "rb");
     fuzz::Require(file != nullptr, "a file in memory opens");
     try {

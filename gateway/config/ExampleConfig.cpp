@@ -2,6 +2,7 @@
 
 namespace harvlink::gateway {
 
+// NOLINTNEXTLINE(readability-function-size): one text
 std::string_view ExampleConfig() {
     return R"(# What harvlink-gateway watches, and to whom it says what it sees. Lines that begin with # show what can be set
 # besides, mostly with the value that holds without. Check a file with: harvlink-gateway --config FILE --check

@@ -167,7 +167,7 @@ FleetItem ParseItem(std::string_view text) {
         Words words(text);
         FleetItem item = Start(words);
         if (words.Take("axis")) {
-            item.axis = words.NextNumber<std::int8_t>("the number of the axis");
+            item.axis = words.NextNumber<std::int32_t>("the number of the axis");
         }
         if (words.Take("x")) {
             item.count = words.NextNumber<std::uint16_t>("the number of items");
