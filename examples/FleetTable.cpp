@@ -13,7 +13,6 @@
 
 #include "harvlink/harvlink.h"
 
-
 namespace {
 
 std::size_t CountOnline(harvlink::FleetStatistics const& seen) {
@@ -24,7 +23,7 @@ std::size_t CountOnline(harvlink::FleetStatistics const& seen) {
 /// The last event of each controller that has one. Returns whether there are enough of them.
 bool TakeNews(harvlink::Fleet& fleet, std::map<std::string, std::string>& news) {
     std::array<harvlink::FleetEvent, 64> events;
-    std::size_t const count = fleet.TakeEvents(events, 200ms);
+    std::size_t const count = fleet.TakeEvents(events, std::chrono::milliseconds(200));
     for (harvlink::FleetEvent const& event : std::span(events).first(count)) {
         bool const isSilent = event.after == static_cast<int>(harvlink::FleetState::Silent);
         if (event.kind == harvlink::FleetEventKind::AlarmRaised) {
@@ -57,7 +56,8 @@ void ShowTable(harvlink::Fleet const& fleet, std::map<std::string, std::string> 
 int main(int argc, char** argv) {
     harvlink::Fleet fleet;
     for (char const* const address : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
-        harvlink::FleetGroup const group{.period = 200ms, .items = {harvlink::FleetItem::State()}};
+        harvlink::FleetGroup const group{.period = std::chrono::milliseconds(200),
+                                         .items = {harvlink::FleetItem::State()}};
         if (auto const status = fleet.Add(address, {.address = address, .timeout = 200}, {group});
             status.StatusCode != 0) {
             std::cerr << status << '\n';
