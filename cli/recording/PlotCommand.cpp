@@ -100,16 +100,17 @@ void AppendSeries(Json& all, std::string const& file, recording::Catalogue const
 
 Json EventsJson(std::string const& file, recording::TimeRange const& range, PlotArguments const& arguments) {
     Json events = Json::array();
-    std::vector<recording::PastEvent> const past = recording::ReadPastEvents(file, range);
-    for (auto event = past.rbegin(); event != past.rend(); ++event) {
-        if (arguments.IsWanted(event->controller)) {
-            bool const isAlarm = event->event.kind.starts_with("alarm");
-            events.push_back({{"id", event->number},
-                              {"time", static_cast<double>(event->event.time) / 1e3},
-                              {"controller", event->controller},
-                              {"kind", event->event.kind},
-                              {"code", isAlarm ? std::max(event->event.before, event->event.after) : 0},
-                              {"text", event->event.text}});
+    std::vector<recording::PastEvent> past = recording::ReadPastEvents(file, range);
+    std::ranges::reverse(past); // the newest first, as the page has them
+    for (recording::PastEvent const& event : past) {
+        if (arguments.IsWanted(event.controller)) {
+            bool const isAlarm = event.event.kind.starts_with("alarm");
+            events.push_back({{"id", event.number},
+                              {"time", static_cast<double>(event.event.time) / 1e3},
+                              {"controller", event.controller},
+                              {"kind", event.event.kind},
+                              {"code", isAlarm ? std::max(event.event.before, event.event.after) : 0},
+                              {"text", event.event.text}});
         }
     }
     return events;

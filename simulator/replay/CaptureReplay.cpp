@@ -31,7 +31,7 @@ CapturedTraffic Choose(std::string const& file, Controllers controllers, ReplayO
     for (auto& [address, traffic] : controllers) {
         std::string const name = AddressText(address);
         if (name == options.controller) {
-            return CapturedTraffic(std::move(traffic));
+            return {std::move(traffic)};
         }
         served = name == options.servedAddress ? &traffic : served;
         names += fmt::format("{}{} ({} requests)", names.empty() ? "" : ", ", name, traffic.Requests());
