@@ -74,10 +74,11 @@ private:
 /// The characters that an encoding has, as the C library and Python agree on them.
 class Codec {
 public:
-    explicit Codec(char const* encoding) : decoder_(encoding, Utf8), encoder_(Utf8, encoding) {
-        isSingleByte_ = std::none_of(TwoByteEncodings.begin(), TwoByteEncodings.end(),
-                                     [&](std::string_view name) { return name == encoding; });
-    }
+    explicit Codec(char const* encoding)
+        : decoder_(encoding, Utf8),
+          encoder_(Utf8, encoding),
+          isSingleByte_(std::none_of(TwoByteEncodings.begin(), TwoByteEncodings.end(),
+                                     [&](std::string_view name) { return name == encoding; })) {}
 
     /// Takes the bytes of the first character off `bytes` and returns it in UTF-8; empty if none begins there.
     std::string TakeCharacter(std::string_view& bytes) {
