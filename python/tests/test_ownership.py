@@ -11,6 +11,7 @@ import harvlink
 from .support import SimulatorTest
 
 CALLS = 200
+ROUNDS = 3
 SMALLEST_BLOCK = 32
 HANDLE_CELL = 32  # with its heap header; the handle cell of a connection is never released
 
@@ -27,6 +28,13 @@ def bytes_in_use():
     information = ctypes.CDLL(None).mallinfo2
     information.restype = Mallinfo
     return information().uordblks
+
+
+def growth(operation):
+    before = bytes_in_use()
+    for _ in range(CALLS):
+        quietly(operation)
+    return bytes_in_use() - before
 
 
 def quietly(operation):
@@ -79,10 +87,10 @@ class OwnershipTest(SimulatorTest):
                 warnings.simplefilter("ignore")
                 for _ in range(20):
                     quietly(operation)
-                before = bytes_in_use()
-                for _ in range(CALLS):
-                    quietly(operation)
-                self.assertLess(bytes_in_use() - before, CALLS * (allowed + SMALLEST_BLOCK / 2))
+                # What the interpreter keeps for itself it keeps once; a leak comes back each time.
+                self.assertLess(
+                    min(growth(operation) for _ in range(ROUNDS)), CALLS * (allowed + SMALLEST_BLOCK / 2)
+                )
 
 
 if __name__ == "__main__":
