@@ -8,7 +8,7 @@
 
 /// A configuration is read, or refused with what is wrong; what is read has a bill.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    using namespace harvlink::gateway; // NOLINT(google-build-using-namespace): the function can't stand in a namespace
+    using namespace harvlink::gateway; // NOLINT(google-build-using-namespace): the entry of a fuzzer is in no namespace
     try {
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes as text
         Config const config = ParseConfig({reinterpret_cast<char const*>(data), size}, "plant.toml");

@@ -10,7 +10,8 @@ std::size_t SizeOf(proto::Payload const& payload) {
     return static_cast<std::size_t>(payload.metrics_size());
 }
 
-/// Further back the clock was set: what was read before must stand in an earlier payload.
+/// Milliseconds by which values may arrive out of order. If a value is earlier than that, the clock was set back, and what was
+/// read before it goes into a payload of its own, which is sent first.
 constexpr Timestamp SlightDisorder = 5;
 
 void SortByTime(proto::Payload& payload) {

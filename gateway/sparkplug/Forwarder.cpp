@@ -39,8 +39,8 @@ std::uint64_t Forwarder::Append(recording::Microseconds time, std::string_view r
     return id;
 }
 
-/// Of the records that left by themselves, those count that nobody was sent: in a session, neither what is before the cursor nor
-/// what is live, which is sent at once. Damaged ones are counted by the store.
+/// The store drops records by its limits. Only those that were never sent count as lost: in a session, what is before the cursor
+/// was sent, and live values are sent at once. The store itself counts damaged records.
 void Forwarder::CountDropped() {
     StoreStatistics const state = store_.Statistics();
     if (inSession_) {

@@ -10,9 +10,10 @@
  * the handle must not be used again. Its cell of 16 bytes is never released. A handle of `harvlink_connect` is the same.
  *
  * Ownership. Every `Message` of an `IStatusInfo` that is returned or filled, every text inside a record that is filled,
- * and every text that is returned, is allocated with malloc and is yours: release it with `free`, or with `harvlink_free` in
- * a program that may use another C library than this one, as on Windows; also after success, also if it is empty. It is null only if memory ran out, which a strict connection of `harvlink_connect` reports by
- * its status too, unless that is a failure already. What you pass in stays yours; the library copies what it keeps.
+ * and every text that is returned, is allocated with malloc and is yours. Release it with `free`, also after success, also
+ * if it is empty. A program that may use another C library than this one, as on Windows, calls `harvlink_free` instead. A
+ * text is null only if memory ran out, which a strict connection of `harvlink_connect` reports by its status too, unless that
+ * is a failure already. What you pass in stays yours; the library copies what it keeps.
  *
  * Arguments. Handles, texts and pointers must not be null; nothing checks this. Texts end at their first zero byte.
  * Enumerations are 32-bit integers; the numbers are those of the constants below, and any other number is passed on.

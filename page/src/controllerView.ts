@@ -8,7 +8,7 @@ import { knobsOf } from "./knobs";
 import type { Live } from "./live";
 import type { Item, Summary } from "./model";
 import { Watched, type Plant } from "./plant";
-import { isPlottable, PlotPanel } from "./plotPanel";
+import { firstItems, isPlottable, PlotPanel } from "./plotPanel";
 import { shapeOf, stateOf } from "./severity";
 import { texts } from "./texts";
 import { jobOf } from "./tile";
@@ -17,7 +17,6 @@ import { Bag, oncePerFrame, type View } from "./view";
 
 const clockPeriod = 200; // how often a plot moves on though no value changed
 const mostEvents = 50;
-const firstPlot = 3; // items in the plot that is there from the start
 
 type Fact = keyof typeof texts.facts;
 
@@ -166,7 +165,7 @@ export class ControllerView implements View {
         if (items.size > 0 && plottable.length === 0) {
             replace(this.plots, element("p", { class: "note" }, texts.plot.nothing));
         } else if (plottable.length > 0) {
-            this.addPlot(firstChoice(plottable));
+            this.addPlot(firstItems(plottable));
         }
         const axes = pathItems(this.watched);
         this.toolPath = axes === null ? null : new ToolPath(this.plant, this.watched, axes);
@@ -234,10 +233,4 @@ export class ControllerView implements View {
         const own = this.plant.events.filter((event) => event.controller === this.name).slice(0, mostEvents);
         showEvents(this.events, own, this.plant.hasHistory, false);
     }
-}
-
-/** Where the tool is says most at first sight; otherwise the first items there are. */
-function firstChoice(items: Item[]): number[] {
-    const position = items.filter((item) => item.what === "position" && item.coordinate !== "pulse");
-    return (position.length > 0 ? position : items).slice(0, firstPlot).map((item) => item.id);
 }

@@ -7,14 +7,13 @@ import { join } from "./joined";
 import type { History, Incident, Item, PlantEvent } from "./model";
 import type { Plant } from "./plant";
 import { Plot } from "./plot";
-import { isPlottable } from "./plotPanel";
+import { firstItems, isPlottable } from "./plotPanel";
 import { texts } from "./texts";
 import { Bag, type View } from "./view";
 
 const points = 1000;
 const mostEvents = 300;
 const firstSpan = 600_000;
-const firstPlot = 3;
 
 interface Choice {
     controller: string;
@@ -138,7 +137,7 @@ export class HistoryView implements View {
             return;
         }
         this.items = (await api.items(controller)).filter(isPlottable);
-        this.choice.items ||= firstChoice(this.items);
+        this.choice.items ||= firstItems(this.items).join(",");
         this.offerItems();
         const [history, events] = await Promise.all([
             this.choice.items === ""
@@ -229,14 +228,6 @@ export class HistoryView implements View {
         }
         location.hash = `#/history?${query}`;
     }
-}
-
-function firstChoice(items: Item[]): string {
-    const position = items.filter((item) => item.what === "position" && item.coordinate !== "pulse");
-    return (position.length > 0 ? position : items)
-        .slice(0, firstPlot)
-        .map((item) => item.id)
-        .join(",");
 }
 
 function incidentTable(incidents: Incident[]): HTMLElement {

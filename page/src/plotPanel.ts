@@ -10,6 +10,14 @@ const windows = [10, 60, 300, 600];
 
 export const isPlottable = (item: Item) => item.kind !== "text";
 
+const firstPlot = 3; // items
+
+/** What a plot begins with: where the tool is says most at first sight; otherwise the first items there are. */
+export function firstItems(items: Item[]): number[] {
+    const position = items.filter((item) => item.what === "position" && item.coordinate !== "pulse");
+    return (position.length > 0 ? position : items).slice(0, firstPlot).map((item) => item.id);
+}
+
 /** One live plot: chosen items of a controller over the last seconds, or a range that was paused or zoomed to. */
 export class PlotPanel {
     readonly root = element("section", { class: "panel plot-panel" });
