@@ -286,6 +286,7 @@ TEST(Csv, MayBeSeparatedBySemicolons) {
     }
     std::string const commented = FormatVariableFile({{{VariableKind::String, 1}, std::string("#1")}});
     EXPECT_EQ(std::get<std::string>(ParseVariableFile("v", commented)[0].value), "#1");
+    EXPECT_EQ(Cells("\"a;b\"\n" + CsvCell("c;d") + "\n"), "1:a;b;2:c;d;") << "a quoted semicolon separates nothing";
 }
 
 } // namespace

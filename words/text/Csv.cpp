@@ -18,12 +18,23 @@ namespace {
 
 constexpr std::size_t MostFaultsShown = 20;
 
+std::string WithoutQuoted(std::string_view line) {
+    std::string bare;
+    bool isQuoted = false;
+    for (char const character : line) {
+        isQuoted = isQuoted != (character == '"');
+        bare += isQuoted ? "" : std::string(1, character);
+    }
+    return bare;
+}
+
 /// Where a comma is the decimal sign, spreadsheets separate cells by semicolons. The header line tells.
 char SeparatorOf(std::string_view text) {
     for (std::string_view const line : Split(text, '\n')) {
         bool const isHeader = !line.starts_with('#') && !TrimBlanks(line).empty();
         if (isHeader) {
-            return line.find(';') != line.npos && line.find(',') == line.npos ? ';' : ',';
+            std::string const bare = WithoutQuoted(line);
+            return bare.find(';') != bare.npos && bare.find(',') == bare.npos ? ';' : ',';
         }
     }
     return ',';
@@ -124,7 +135,7 @@ std::vector<CsvRow> ParseCsv(std::string const& file, std::string_view text) {
 }
 
 std::string CsvCell(std::string_view text) {
-    bool const isBare = text.find_first_of(",\"\n\r#") == std::string_view::npos && TrimBlanks(text) == text;
+    bool const isBare = text.find_first_of(",;\"\n\r#") == std::string_view::npos && TrimBlanks(text) == text;
     if (isBare) {
         return std::string(text);
     }
