@@ -1,15 +1,55 @@
+#include <algorithm>
 #include <ctime>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "controller/StatusMessages.h"
 
 namespace harvlink {
 namespace {
 
-std::int64_t EpochOf(std::string const& startTime) {
+void TakeSpace(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+}
+
+/// Takes a number of at most so many digits off `text`, with the space in front of it. A digit that would lead beyond the
+/// most is left, as a reader of dates by a pattern leaves it.
+bool TakeField(std::string_view& text, int digits, int least, int most, int& number) {
+    TakeSpace(text);
+    int value = 0;
+    int taken = 0;
+    while (taken < digits && value * 10 <= most && !text.empty() && text.front() >= '0' && text.front() <= '9') {
+        value = value * 10 + (text.front() - '0');
+        text.remove_prefix(1);
+        ++taken;
+    }
+    bool const isGood = taken > 0 && value >= least && value <= most;
+    number = isGood ? value : number;
+    return isGood;
+}
+
+bool TakeMark(std::string_view& text, char mark) {
+    bool const isThere = text.starts_with(mark);
+    text.remove_prefix(isThere ? 1 : 0);
+    return isThere;
+}
+
+/// Reads "2026/11/22 09:50" in the time zone of this computer. What stands in front of the first fault counts, as designed:
+/// the rest is that of an empty calendar.
+std::int64_t EpochOf(std::string_view text) {
+    constexpr int firstYear = 1900;
+    text = text.substr(0, text.find('\0'));
     std::tm calendar{};
-    ::strptime(startTime.c_str(), "%Y/%m/%d %H:%M", &calendar);
+    int year = firstYear;
+    int month = 1;
+    if (TakeField(text, 4, 0, 9999, year) && TakeMark(text, '/') && TakeField(text, 2, 1, 12, month) &&
+        TakeMark(text, '/') && TakeField(text, 2, 1, 31, calendar.tm_mday)) {
+        (void)(TakeField(text, 2, 0, 23, calendar.tm_hour) && TakeMark(text, ':') &&
+               TakeField(text, 2, 0, 59, calendar.tm_min));
+    }
+    calendar.tm_year = year - firstYear;
+    calendar.tm_mon = month - 1;
     return std::mktime(&calendar);
 }
 
@@ -35,7 +75,7 @@ ElapsedTime ParseElapsedTime(std::string text) {
 
 TimeReturnMsg::operator TimeData() const {
     return {
-        .startTimeEpoch = EpochOf(std::string(startTime.begin(), startTime.end())),
+        .startTimeEpoch = EpochOf({startTime.data(), startTime.size()}),
         .elapsedTime = ParseElapsedTime(std::string(elapsedTime.begin(), elapsedTime.end())),
     };
 }
