@@ -103,7 +103,7 @@ void Transport::Ask(Division division, std::span<std::byte const> datagram) {
     losses >>= 1U;
 }
 
-Arrival Transport::Receive(Division /*division*/, std::span<std::byte> buffer, timeval /*period*/) {
+Arrival Transport::Receive(Division /*division*/, std::span<std::byte> buffer, std::chrono::microseconds /*period*/) {
     auto const answer = Next();
     auto const length = std::min(answer.size(), buffer.size());
     std::copy_n(answer.begin(), length, buffer.begin());

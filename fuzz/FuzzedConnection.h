@@ -44,7 +44,7 @@ public:
 
     /// Checks that every request is a valid datagram.
     void Send(Division division, std::span<std::byte const> datagram) override;
-    Arrival Receive(Division division, std::span<std::byte> buffer, timeval period) override;
+    Arrival Receive(Division division, std::span<std::byte> buffer, std::chrono::microseconds period) override;
 
     bool isHonest = true; ///< the virtual controller answers; otherwise only `answers`, and then silence
     Answers answers;

@@ -14,7 +14,7 @@ class EchoTransport final : public DatagramTransport {
 public:
     void Send(Division /*division*/, std::span<std::byte const> datagram) override { id = datagram[11]; }
 
-    Arrival Receive(Division /*division*/, std::span<std::byte> buffer, timeval /*period*/) override {
+    Arrival Receive(Division /*division*/, std::span<std::byte> buffer, std::chrono::microseconds /*period*/) override {
         buffer[11] = id;
         return buffer.size();
     }

@@ -21,15 +21,16 @@ class Room:
     folders: dict = dataclasses.field(default_factory=dict)
 
 
-FLOORS = ["status", "wire", "position"]
+FLOORS = ["system", "status", "wire", "position"]
 DEVICES = ["variables", "io", "controller", "files", "motion", "kinematics"]
 VERBS = ["trajectory", "doctor", "explain", "watch", "snapshot", "recording", "completion"]
 
 ROOMS = {
     "include": Room([], {"harvlink": []}),
     "src": Room(["include"], {
-        "status": [],
-        "wire": ["status"],
+        "system": [],
+        "status": ["system"],
+        "wire": ["status", "system"],
         "position": ["wire", "status"],
         **{device: FLOORS for device in DEVICES},
         "connection": [*DEVICES, *FLOORS],

@@ -50,7 +50,7 @@ std::vector<Placed> Place(FleetGroup const& group, std::uint8_t number) {
 } // namespace
 
 ControllerRecord::ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions given,
-                                   sockaddr_in const& host, std::vector<FleetGroup> const& fleetGroups)
+                                   Endpoint const& host, std::vector<FleetGroup> const& fleetGroups)
     : id(recordId),
       name(std::move(recordName)),
       options(std::move(given)),

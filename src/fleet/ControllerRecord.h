@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
-#include <netinet/in.h>
-
 #include "fleet/Item.h"
 #include "fleet/LatestTable.h"
+#include "system/Endpoint.h"
 
 namespace harvlink::fleet {
 
@@ -48,13 +47,13 @@ struct DeadBand {
 /// A controller as the engine and the programs see it together: what does not change, the latest values, and counters. The
 /// engine never waits for the others.
 struct ControllerRecord {
-    ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions given,
-                     sockaddr_in const& host, std::vector<FleetGroup> const& fleetGroups);
+    ControllerRecord(std::uint32_t recordId, std::string recordName, FleetControllerOptions given, Endpoint const& host,
+                     std::vector<FleetGroup> const& fleetGroups);
 
     std::uint32_t const id;
     std::string const name;
     FleetControllerOptions const options;
-    sockaddr_in const endpoint; ///< port 0
+    Endpoint const endpoint; ///< port 0
 
     std::deque<Group> groups; ///< their counters can't be moved
     std::vector<DeadBand> deadBands; ///< in the order of their items

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <mutex>
 
-#include <arpa/inet.h>
-
 #include "fleet/FleetCheck.h"
 #include "fleet/FleetEngine.h"
 #include "fleet/FleetPlan.h"
@@ -22,13 +20,6 @@ using fleet::Registry;
 constexpr std::uint32_t mostSamples = 1U << 24U;
 constexpr std::uint32_t mostEvents = 1U << 20U;
 constexpr std::uint32_t ownDescriptors = 4; ///< what waits and what wakes
-
-sockaddr_in EndpointOf(std::string const& address) {
-    sockaddr_in endpoint{};
-    endpoint.sin_family = AF_INET;
-    ::inet_pton(AF_INET, address.c_str(), &endpoint.sin_addr);
-    return endpoint;
-}
 
 StatusInfo Unknown(std::string const& name) {
     return StatusInformation(ErrorStatusCodes::UnknownFleetController, "The fleet has no controller \"" + name + "\".");
@@ -85,12 +76,12 @@ public:
         if (place == Place::Existing && !old) {
             return Unknown(name);
         }
-        sockaddr_in const endpoint = EndpointOf(address);
-        auto const other = registry.FindAddress(endpoint.sin_addr);
+        Endpoint const host{ParseAddress(address).value_or(0), 0};
+        auto const other = registry.FindAddress(host.address);
         if (other && other != old) {
             return fleet::InvalidController(name, "its address is that of \"" + other->name + "\"");
         }
-        Replace(old, std::make_shared<ControllerRecord>(registry.NewId(), name, options, endpoint, groups));
+        Replace(old, std::make_shared<ControllerRecord>(registry.NewId(), name, options, host, groups));
         return StatusInformation(ErrorStatusCodes::Ok);
     }
 

@@ -10,7 +10,7 @@
 #include "fleet/ControllerAgent.h"
 #include "fleet/DueHeap.h"
 #include "fleet/Services.h"
-#include "fleet/WakeUp.h"
+#include "system/WakeUp.h"
 
 namespace harvlink::fleet {
 

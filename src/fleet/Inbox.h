@@ -4,7 +4,7 @@
 #include <atomic>
 #include <chrono>
 
-#include "fleet/WakeUp.h"
+#include "system/WakeUp.h"
 
 namespace harvlink::fleet {
 

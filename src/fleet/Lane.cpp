@@ -16,12 +16,12 @@ constexpr std::uint8_t highestId = 127;
 
 bool Lane::Open(Division division) {
     port = division;
-    sockaddr_in endpoint = record.endpoint;
-    endpoint.sin_port = htons(division == Division::FileControl ? FilePort : RobotPort);
+    Endpoint endpoint = record.endpoint;
+    endpoint.port = division == Division::FileControl ? FilePort : RobotPort;
     // The old one is closed behind it, or the system might hand out the same source port once more.
-    FleetSocket fresh = FleetSocket::Open(endpoint);
+    DatagramSocket fresh = DatagramSocket::Open();
     services.systemCalls.Add(4);
-    if (!fresh.IsOpen() || !services.poller.Watch(fresh.Descriptor(), token)) {
+    if (!fresh.IsOpen() || !fresh.Connect(endpoint) || !services.poller.Watch(fresh.Native(), token)) {
         return false;
     }
     Close();
@@ -33,8 +33,8 @@ bool Lane::Open(Division division) {
 void Lane::Close() {
     Abandon();
     if (socket.IsOpen()) {
-        services.poller.Forget(socket.Descriptor());
-        socket = FleetSocket();
+        services.poller.Forget(socket.Native());
+        socket = DatagramSocket();
         services.systemCalls.Add(2);
     }
 }

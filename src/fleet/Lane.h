@@ -6,9 +6,9 @@
 #include <optional>
 
 #include "files/SetPacket.h"
-#include "fleet/FleetSocket.h"
 #include "fleet/Query.h"
 #include "fleet/Services.h"
+#include "system/DatagramSocket.h"
 #include "wire/Packets.h"
 
 namespace harvlink::fleet {
@@ -75,7 +75,7 @@ private:
     Services& services;
     ControllerRecord& record;
     Poller::Token token;
-    FleetSocket socket;
+    DatagramSocket socket; ///< connected to one port of the controller
     Division port = Division::RobotControl;
     bool isWaiting = false;
     bool isNewPortDue = false;

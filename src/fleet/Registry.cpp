@@ -18,9 +18,9 @@ Registry::Record Registry::Find(std::string const& name) const {
     return FindIf(records, [&](Record const& record) { return record->name == name; });
 }
 
-Registry::Record Registry::FindAddress(in_addr address) const {
+Registry::Record Registry::FindAddress(std::uint32_t address) const {
     std::scoped_lock const lock(mutex);
-    return FindIf(records, [&](Record const& record) { return record->endpoint.sin_addr.s_addr == address.s_addr; });
+    return FindIf(records, [&](Record const& record) { return record->endpoint.address == address; });
 }
 
 Registry::Record Registry::Find(std::uint32_t id) const {

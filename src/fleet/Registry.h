@@ -18,7 +18,7 @@ public:
     /// The controller that has the name, or watches the address; null if none does.
     /// @{
     Record Find(std::string const& name) const;
-    Record FindAddress(in_addr address) const;
+    Record FindAddress(std::uint32_t address) const;
     /// @}
     Record Find(std::uint32_t id) const;
 

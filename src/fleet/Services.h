@@ -7,8 +7,8 @@
 #include "files/SetPacket.h"
 #include "fleet/ControllerRecord.h"
 #include "fleet/EventQueue.h"
-#include "fleet/Poller.h"
 #include "fleet/SampleQueue.h"
+#include "system/Poller.h"
 
 namespace harvlink::fleet {
 

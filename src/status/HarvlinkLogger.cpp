@@ -5,6 +5,8 @@
 #include <exception>
 #include <fstream>
 
+#include "system/LocalTime.h"
+
 namespace harvlink {
 namespace {
 
@@ -36,9 +38,7 @@ std::string HarvlinkLogger::CurrentDate() {
 }
 
 std::string HarvlinkLogger::CurrentLocalTime() {
-    std::time_t const now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
+    std::tm const local = LocalTime(std::time(nullptr));
     return Join(local.tm_hour, local.tm_min, local.tm_sec, ':');
 }
 

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <span>
 
-#include <sys/time.h>
-
 #include "wire/Packets.h"
 
 namespace harvlink {
@@ -38,7 +36,7 @@ public:
 
     /// Waits for at most `period` until a datagram is there, and reads one into `buffer`. A longer one is cut. `asked` is
     /// the division of the request that is waited for; whether the other port is listened to too, the transport decides.
-    virtual Arrival Receive(Division asked, std::span<std::byte> buffer, timeval period) = 0;
+    virtual Arrival Receive(Division asked, std::span<std::byte> buffer, std::chrono::microseconds period) = 0;
 
     /// Goes on from another source port, so that what is still on its way to the old one never arrives.
     /// @return false if this computer refused; everything is as before then.

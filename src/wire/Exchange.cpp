@@ -161,7 +161,7 @@ bool NetworkManager::RenewIfDue(Question const& question) {
 void NetworkManager::DropWaiting(Question& question) {
     constexpr int most = 64; // whoever sends more must not hold the transfer up
     for (int i = 0; i < most; ++i) {
-        Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, timeval{});
+        Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, microseconds::zero());
         if (arrival.length == 0 && !arrival.isEmpty) {
             break;
         }
@@ -242,7 +242,7 @@ NetworkManager::Outcome NetworkManager::ListenForPeriod(Question& question) {
     std::optional<Clock::time_point> end;
     microseconds rest = question.period;
     do {
-        Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, timeval{0, rest.count()});
+        Arrival const arrival = transport->Receive(question.Port(), question.reply.bytes, rest);
         question.waited += arrival.waited;
         if (arrival.isRefused) {
             return Outcome::Refused;

@@ -1,16 +1,12 @@
 #include "wire/HostName.h"
 
 #include <algorithm>
-#include <array>
 #include <future>
-#include <memory>
 #include <string_view>
 #include <thread>
 
-#include <arpa/inet.h>
-#include <netdb.h>
-#include <netinet/in.h>
-
+#include "system/Endpoint.h"
+#include "system/NameService.h"
 #include "wire/UdpTransport.h"
 
 namespace harvlink {
@@ -34,12 +30,6 @@ bool IsNumber(std::string_view label) {
         return IsDigit(character) ||
                (isHexadecimal && ((character >= 'a' && character <= 'f') || (character >= 'A' && character <= 'F')));
     });
-}
-
-std::string Dotted(sockaddr const& address) {
-    std::array<char, INET_ADDRSTRLEN> text{};
-    auto const& endpoint = reinterpret_cast<sockaddr_in const&>(address);
-    return inet_ntop(AF_INET, &endpoint.sin_addr, text.data(), text.size()) != nullptr ? text.data() : "";
 }
 
 StatusInfo NotResolved(std::string const& name, std::string const& why) {
@@ -66,16 +56,12 @@ bool IsHostName(std::string const& text) {
 }
 
 HostAddress LookUp(std::string const& name) {
-    addrinfo wanted{};
-    wanted.ai_family = AF_INET;
-    wanted.ai_socktype = SOCK_DGRAM;
-    addrinfo* answer = nullptr;
-    if (int const error = getaddrinfo(name.c_str(), nullptr, &wanted, &answer); error != 0) {
-        return {"", gai_strerror(error)};
+    NameAnswer const answer = AskNameService(name);
+    if (!answer.failure.empty()) {
+        return {"", answer.failure};
     }
-    std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> const found(answer, freeaddrinfo);
-    for (auto const* each = found.get(); each != nullptr; each = each->ai_next) {
-        if (auto address = Dotted(*each->ai_addr); UdpTransport::IsHostAddress(address)) {
+    for (std::uint32_t const each : answer.addresses) {
+        if (auto address = AddressText(each); UdpTransport::IsHostAddress(address)) {
             return {std::move(address), ""};
         }
     }

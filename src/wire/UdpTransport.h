@@ -3,9 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include <netinet/in.h>
-
 #include "harvlink/StatusInfo.h"
+#include "system/DatagramSocket.h"
 #include "wire/DatagramTransport.h"
 
 namespace harvlink {
@@ -13,8 +12,8 @@ namespace harvlink {
 inline constexpr std::uint16_t RobotPort = 10040;
 inline constexpr std::uint16_t FilePort = 10041;
 
-/// The two UDP sockets of a connection, one for each port of the controller. A fleet has sockets of its own, FleetSocket;
-/// nothing else of the library sends or receives datagrams.
+/// The two UDP sockets of a connection, one for each port of the controller. A fleet has sockets of its own; nothing
+/// else of the library sends or receives datagrams.
 class UdpTransport final : public DatagramTransport {
 public:
     /// Whom the sockets listen to.
@@ -23,10 +22,6 @@ public:
         AnyoneNamed, ///< the same, and each datagram is told apart by its sender, which makes an exchange 1 % slower
         Controller, ///< both are connected, so that the system passes on nothing else; only the one asked is listened to
     };
-
-    UdpTransport() = default;
-    UdpTransport(UdpTransport&&) = delete;
-    ~UdpTransport() override;
 
     /// Whether a text is the address of a host: IPv4 in dotted form, neither of all hosts nor of a group of them.
     static bool IsHostAddress(std::string const& text);
@@ -37,18 +32,18 @@ public:
     StatusInfo Open(std::string const& ipAddress, Peers whom = Peers::Anyone);
 
     void Send(Division division, std::span<std::byte const> datagram) override;
-    Arrival Receive(Division asked, std::span<std::byte> buffer, timeval period) override;
+    Arrival Receive(Division asked, std::span<std::byte> buffer, std::chrono::microseconds period) override;
     bool Renew(Division division) override;
 
 private:
     struct Port {
-        int socket = -1;
-        sockaddr_in endpoint{};
+        DatagramSocket socket;
+        Endpoint endpoint;
     };
 
     Port& PortOf(Division division) { return division == Division::FileControl ? file : robot; }
     bool IsConnected() const { return peers == Peers::Controller; }
-    Arrival Read(Port const& port, Port const& asked, std::span<std::byte> buffer) const;
+    Arrival Read(DatagramSocket const& socket, Endpoint const& asked, std::span<std::byte> buffer) const;
     bool OpenSocket(Port& port) const;
 
     Port robot;

@@ -35,9 +35,9 @@ public:
         controller.Serve(division, datagram);
     }
 
-    Arrival Receive(Division, std::span<std::byte> buffer, timeval waits) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, std::chrono::microseconds waits) override {
         NotCounted const ofTest;
-        controller.period = waits.tv_sec * 1000000 + waits.tv_usec;
+        controller.period = waits.count();
         if (controller.pending.empty()) {
             return 0;
         }

@@ -58,8 +58,8 @@ TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
         StatusInfo const status = commands.SetServos(SignalStatus::On);
         EXPECT_EQ(status.StatusCode, answers ? 0 : 0x30006);
         std::vector<long> microseconds;
-        for (timeval const& period : session.record->periods) {
-            microseconds.push_back(static_cast<long>(period.tv_usec));
+        for (std::chrono::microseconds const& period : session.record->periods) {
+            microseconds.push_back(static_cast<long>(period.count()));
         }
         EXPECT_EQ(microseconds,
                   answers ? (std::vector<long>{120000, 30000}) : (std::vector<long>{120000, 30000, 30000}));
@@ -67,7 +67,7 @@ TEST(ControlCommandsTimeout, IsFourfoldForTheServoCommandAndThenAsBefore) {
     session.record->onReceive = FakeTransport::AnswerAtOnce;
     session.record->periods.clear();
     session.Exchange();
-    EXPECT_EQ(session.record->periods.at(0).tv_usec, 30000);
+    EXPECT_EQ(session.record->periods.at(0).count(), 30000);
 }
 
 } // namespace

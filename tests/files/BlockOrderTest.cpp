@@ -170,7 +170,7 @@ public:
         answer[25] = std::byte(sent == 3 ? 0x1f : 0);
         waiting.insert(waiting.end(), sent == 2 ? 2 : 1, answer);
     }
-    Arrival Receive(Division, std::span<std::byte> buffer, timeval) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, std::chrono::microseconds) override {
         if (waiting.empty()) {
             return {};
         }

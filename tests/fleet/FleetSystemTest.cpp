@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #include "FleetRig.h"
-#include "fleet/Poller.h"
-#include "fleet/WakeUp.h"
+#include "system/Poller.h"
+#include "system/WakeUp.h"
 
 // A fleet and the system under it: its waits, its descriptors, a process that is stopped, readers beside the engine.
 
@@ -22,10 +22,10 @@ FleetItem const text = FleetItem::Variable(FleetItemKind::StringVariable, 0);
 
 template <typename Poller>
 class Pollers : public testing::Test {};
-using AllPollers = testing::Types<fleet::PollPoller
+using AllPollers = testing::Types<PollPoller
 #if defined(__linux__)
                                   ,
-                                  fleet::EpollPoller
+                                  EpollPoller
 #endif
                                   >;
 TYPED_TEST_SUITE(Pollers, AllPollers);
@@ -33,7 +33,7 @@ TYPED_TEST_SUITE(Pollers, AllPollers);
 TYPED_TEST(Pollers, NameWhatIsReadable) {
     TypeParam poller;
     ASSERT_TRUE(poller.IsOpen());
-    std::array<fleet::WakeUp, 3> sources;
+    std::array<WakeUp, 3> sources;
     for (std::uint32_t i = 0; i < sources.size(); ++i) {
         ASSERT_TRUE(poller.Watch(sources.at(i).Descriptor(), 10 + i));
     }

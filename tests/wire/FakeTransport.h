@@ -15,7 +15,7 @@ namespace harvlink::test {
 class FakeTransport final : public DatagramTransport {
 public:
     struct Record {
-        std::vector<timeval> periods;
+        std::vector<std::chrono::microseconds> periods;
         std::vector<std::uint8_t> sentIds;
         std::function<void()> onSend;
         /// Each wait calls it with the last id. It returns the number of bytes that it wrote into the buffer.
@@ -37,7 +37,7 @@ public:
         }
     }
 
-    Arrival Receive(Division, std::span<std::byte> buffer, timeval period) override {
+    Arrival Receive(Division, std::span<std::byte> buffer, std::chrono::microseconds period) override {
         EXPECT_FALSE(record->isBusy.exchange(true));
         record->periods.push_back(period);
         std::this_thread::yield();

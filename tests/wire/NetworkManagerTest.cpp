@@ -70,8 +70,8 @@ TEST(NetworkManager, ListensForOnePeriodAndEachRetry) {
         EXPECT_EQ(session.Exchange().StatusCode, 0x30006);
         EXPECT_EQ(session.record->sentIds.size(), 1U);
         ASSERT_EQ(session.record->periods.size(), retries + 1);
-        for (timeval const& period : session.record->periods) {
-            EXPECT_EQ(period.tv_sec * 1000000 + period.tv_usec, 1500000);
+        for (std::chrono::microseconds const& period : session.record->periods) {
+            EXPECT_EQ(period.count(), 1500000);
         }
     }
 }
@@ -79,14 +79,14 @@ TEST(NetworkManager, ListensForOnePeriodAndEachRetry) {
 TEST(NetworkManager, TimeoutProductWrapsIn32Bits) {
     FakeSession session(4294968);
     session.Exchange();
-    EXPECT_EQ(session.record->periods.front().tv_usec, 704);
+    EXPECT_EQ(session.record->periods.front().count(), 704);
 }
 
 TEST(NetworkManager, TimeoutIsRaisedFourfoldAndPairsFromThreadsCancelOut) {
     FakeSession session(3);
     auto const period = [&] {
         session.Exchange();
-        return session.record->periods.back().tv_usec;
+        return session.record->periods.back().count();
     };
     session.manager.IncreaseTimeout();
     EXPECT_EQ(period(), 12000);
@@ -110,7 +110,7 @@ TEST(NetworkManager, TimeoutIsRaisedFourfoldAndPairsFromThreadsCancelOut) {
         }
     }
     shared.Exchange();
-    EXPECT_EQ(shared.record->periods.back().tv_usec, 100000);
+    EXPECT_EQ(shared.record->periods.back().count(), 100000);
 }
 
 TEST(NetworkManager, SystemErrorsBecomeStatuses) {

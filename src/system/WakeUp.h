@@ -2,7 +2,9 @@
 
 #include <chrono>
 
-namespace harvlink::fleet {
+#include "system/NativeSocket.h"
+
+namespace harvlink {
 
 /// Wakes threads that wait for a descriptor. Set stays set until Clear.
 class WakeUp {
@@ -12,8 +14,8 @@ public:
     WakeUp& operator=(WakeUp const&) = delete;
     ~WakeUp();
 
-    bool IsOpen() const { return readEnd >= 0; }
-    int Descriptor() const { return readEnd; }
+    bool IsOpen() const { return readEnd != NoSocket; }
+    NativeSocket Descriptor() const { return readEnd; }
 
     void Set() const;
     void Clear() const;
@@ -22,8 +24,8 @@ public:
     bool Wait(std::chrono::milliseconds time) const;
 
 private:
-    int readEnd = -1;
-    int writeEnd = -1;
+    NativeSocket readEnd = NoSocket;
+    NativeSocket writeEnd = NoSocket;
 };
 
-} // namespace harvlink::fleet
+} // namespace harvlink

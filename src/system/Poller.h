@@ -2,16 +2,12 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <span>
-#include <vector>
 
-#include <poll.h>
+#include "system/NativeSocket.h"
 
-#if defined(__linux__)
-#include <sys/epoll.h>
-#endif
-
-namespace harvlink::fleet {
+namespace harvlink {
 
 /// Waits for many descriptors at once. Of one thread. One class for each way in which systems do that, with the same members;
 /// Poller is the best one of this system.
@@ -19,11 +15,16 @@ class PollPoller {
 public:
     using Token = std::uint32_t; ///< what the caller knows a descriptor by
 
+    PollPoller();
+    PollPoller(PollPoller const&) = delete;
+    PollPoller& operator=(PollPoller const&) = delete;
+    ~PollPoller();
+
     bool IsOpen() const { return true; }
 
     /// @return false if this computer refused
-    bool Watch(int descriptor, Token token);
-    void Forget(int descriptor);
+    bool Watch(NativeSocket descriptor, Token token);
+    void Forget(NativeSocket descriptor);
 
     /// The tokens of readable descriptors, after at most so many nanoseconds. Empty too if a signal came. Valid until the
     /// next call.
@@ -33,9 +34,9 @@ public:
     bool IsFull() const { return false; }
 
 private:
-    std::vector<pollfd> descriptors;
-    std::vector<Token> tokens;
-    std::vector<Token> ready;
+    struct Watched;
+
+    std::unique_ptr<Watched> watched;
 };
 
 #if defined(__linux__)
@@ -51,13 +52,15 @@ public:
     ~EpollPoller();
 
     bool IsOpen() const { return epoll >= 0; }
-    bool Watch(int descriptor, Token token);
-    void Forget(int descriptor);
+    bool Watch(NativeSocket descriptor, Token token);
+    void Forget(NativeSocket descriptor);
     std::span<Token const> Wait(std::int64_t nanoseconds);
     bool IsFull() const { return readyCount == ready.size(); }
 
 private:
     static constexpr std::size_t mostAtOnce = 256;
+
+    struct Events;
 
     int WaitEvents(std::int64_t nanoseconds);
 
@@ -65,7 +68,7 @@ private:
     std::size_t readyCount = 0;
     int epoll;
     bool hasFineWait = true;
-    std::array<epoll_event, mostAtOnce> events{};
+    std::unique_ptr<Events> events;
 };
 
 #endif
@@ -76,4 +79,4 @@ using Poller = EpollPoller;
 using Poller = PollPoller;
 #endif
 
-} // namespace harvlink::fleet
+} // namespace harvlink

@@ -1,4 +1,4 @@
-#include "fleet/WakeUp.h"
+#include "system/WakeUp.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@
 #include <sys/eventfd.h>
 #endif
 
-namespace harvlink::fleet {
+namespace harvlink {
 
 #if defined(__linux__)
 
@@ -62,4 +62,4 @@ bool WakeUp::Wait(std::chrono::milliseconds time) const {
     return ::poll(&waited, 1, static_cast<int>(bounded)) == 1;
 }
 
-} // namespace harvlink::fleet
+} // namespace harvlink

@@ -1,17 +1,20 @@
-#include "fleet/Poller.h"
+#include "system/Poller.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
 #include <limits>
+#include <vector>
 
+#include <poll.h>
 #include <unistd.h>
 
 #if defined(__linux__)
+#include <sys/epoll.h>
 #include <sys/syscall.h>
 #endif
 
-namespace harvlink::fleet {
+namespace harvlink {
 namespace {
 
 constexpr std::int64_t nanosecondsInMillisecond = 1'000'000;
@@ -24,22 +27,34 @@ int ToMilliseconds(std::int64_t nanoseconds) {
 
 } // namespace
 
-bool PollPoller::Watch(int descriptor, Token token) {
-    descriptors.push_back({descriptor, POLLIN, 0});
-    tokens.push_back(token);
-    ready.reserve(tokens.size()); // so that waiting takes no memory
+struct PollPoller::Watched {
+    std::vector<pollfd> descriptors;
+    std::vector<Token> tokens;
+    std::vector<Token> ready;
+};
+
+PollPoller::PollPoller() : watched(std::make_unique<Watched>()) {}
+
+PollPoller::~PollPoller() = default;
+
+bool PollPoller::Watch(NativeSocket descriptor, Token token) {
+    watched->descriptors.push_back({descriptor, POLLIN, 0});
+    watched->tokens.push_back(token);
+    watched->ready.reserve(watched->tokens.size()); // so that waiting takes no memory
     return true;
 }
 
-void PollPoller::Forget(int descriptor) {
+void PollPoller::Forget(NativeSocket descriptor) {
+    auto& descriptors = watched->descriptors;
     auto const place = std::ranges::find(descriptors, descriptor, &pollfd::fd) - descriptors.begin();
     if (place < static_cast<std::ptrdiff_t>(descriptors.size())) {
         descriptors.erase(descriptors.begin() + place);
-        tokens.erase(tokens.begin() + place);
+        watched->tokens.erase(watched->tokens.begin() + place);
     }
 }
 
 std::span<PollPoller::Token const> PollPoller::Wait(std::int64_t nanoseconds) {
+    auto& [descriptors, tokens, ready] = *watched;
     ready.clear();
     int const count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), ToMilliseconds(nanoseconds));
     for (std::size_t i = 0; i < descriptors.size() && count > 0; ++i) { // else they are those of the wait before
@@ -52,7 +67,9 @@ std::span<PollPoller::Token const> PollPoller::Wait(std::int64_t nanoseconds) {
 
 #if defined(__linux__)
 
-EpollPoller::EpollPoller() : epoll(::epoll_create1(EPOLL_CLOEXEC)) {}
+struct EpollPoller::Events : std::array<epoll_event, mostAtOnce> {};
+
+EpollPoller::EpollPoller() : epoll(::epoll_create1(EPOLL_CLOEXEC)), events(std::make_unique<Events>()) {}
 
 EpollPoller::~EpollPoller() {
     if (epoll >= 0) {
@@ -60,7 +77,7 @@ EpollPoller::~EpollPoller() {
     }
 }
 
-bool EpollPoller::Watch(int descriptor, Token token) {
+bool EpollPoller::Watch(NativeSocket descriptor, Token token) {
     epoll_event event{};
     event.events = EPOLLIN;
     event.data.u32 = token;
@@ -68,36 +85,37 @@ bool EpollPoller::Watch(int descriptor, Token token) {
 }
 
 /// What is closed is forgotten anyway, unless a child process has it too.
-void EpollPoller::Forget(int descriptor) {
+void EpollPoller::Forget(NativeSocket descriptor) {
     ::epoll_ctl(epoll, EPOLL_CTL_DEL, descriptor, nullptr);
 }
 
 std::span<EpollPoller::Token const> EpollPoller::Wait(std::int64_t nanoseconds) {
     int const count = WaitEvents(nanoseconds);
     readyCount = static_cast<std::size_t>(std::max(count, 0));
-    std::ranges::transform(std::span(events).first(readyCount), ready.begin(),
+    std::ranges::transform(std::span(*events).first(readyCount), ready.begin(),
                            [](epoll_event const& event) { return event.data.u32; });
     return std::span(ready).first(readyCount);
 }
 
 /// Whole milliseconds would make a short period late; older systems have no others.
 int EpollPoller::WaitEvents(std::int64_t nanoseconds) {
-    int const most = static_cast<int>(events.size());
+    int const most = static_cast<int>(events->size());
 #if defined(SYS_epoll_pwait2) && defined(__LP64__)
     if (hasFineWait) {
         constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
         nanoseconds = std::max(nanoseconds, std::int64_t{0});
         timespec const time{nanoseconds / nanosecondsPerSecond, nanoseconds % nanosecondsPerSecond};
-        auto const count = static_cast<int>(::syscall(SYS_epoll_pwait2, epoll, events.data(), most, &time, nullptr, 0));
+        auto const count =
+            static_cast<int>(::syscall(SYS_epoll_pwait2, epoll, events->data(), most, &time, nullptr, 0));
         if (count >= 0 || errno != ENOSYS) {
             return count;
         }
         hasFineWait = false;
     }
 #endif
-    return ::epoll_wait(epoll, events.data(), most, ToMilliseconds(nanoseconds));
+    return ::epoll_wait(epoll, events->data(), most, ToMilliseconds(nanoseconds));
 }
 
 #endif
 
-} // namespace harvlink::fleet
+} // namespace harvlink

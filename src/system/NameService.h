@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace harvlink {
+
+/// What the system's name service knows of a name.
+struct NameAnswer {
+    std::vector<std::uint32_t> addresses; ///< IPv4, in the byte order of this computer
+    std::string failure; ///< why there are none
+};
+
+/// Asks for the IPv4 addresses of a name. It may take long.
+NameAnswer AskNameService(std::string const& name);
+
+} // namespace harvlink
