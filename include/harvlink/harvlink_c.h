@@ -980,7 +980,8 @@ HARVLINK_EXPORT IStatusInfo kinematics_interface_ConvertPositionFromCartesian(
 
 /* One thread watches any number of controllers and only reads. May be called from any thread, but for create and destroy.
  * A function that fills an array returns how many there are to be filled, which may be more than `capacity`, unless it says
- * otherwise. A null fleet has no controllers. */
+ * otherwise. A null fleet has no controllers. A null text is an empty one, a null array has no room or holds nothing: where
+ * that can't be, the status says what is missing. */
 
 /** Makes a fleet that keeps up to `queueCapacity` samples, 0 for 16384. Null, with a status, if memory or descriptors end. */
 HARVLINK_EXPORT HarvlinkFleet harvlink_fleet_create(uint32_t queueCapacity, IStatusInfo* status);

@@ -123,18 +123,29 @@ class Fleet:
         With `on_change`, samples come of what has changed, and at the latest after `longest_silence` seconds. Raises
         harvlink.Error with the item in its text if something can't be read; nothing was added then.
         """
+        options = _options(address, timeout, retries, lanes, gap, most_requests_per_second)
         groups = _groups(wanted, switch("on_change", on_change), longest_silence)
-        options = records.HarvlinkFleetOptions(
-            size=ctypes.sizeof(records.HarvlinkFleetOptions),
-            timeout=exact(ctypes.c_uint32, round(timeout * 1000)),
-            address=checked_address(address).encode("ascii"),
-            retries=exact(ctypes.c_uint32, retries),
-            lanes=exact(ctypes.c_uint32, lanes),
-            gap=exact(ctypes.c_uint32, round(gap * 1e6)),
-            generation=-1,
-            mostRequestsPerSecond=most_requests_per_second,
-        )
         settle(self._call("add", without_zero(name.encode()), ctypes.byref(options), groups, len(groups)))
+
+    def change(
+        self,
+        name: str,
+        address: str,
+        *,
+        timeout: float = 0.5,
+        retries: int = 3,
+        lanes: int = 1,
+        gap: float = 0.0,
+        most_requests_per_second: float = 0.0,
+        on_change: bool = False,
+        longest_silence: float = 0.0,
+        **wanted: Any,
+    ) -> None:
+        """Replaces all that `add` said of a controller, also while the fleet runs; its values are read again. Raises
+        harvlink.Error as `add` does, or if there is none of this name; the controller goes on as before then."""
+        options = _options(address, timeout, retries, lanes, gap, most_requests_per_second)
+        groups = _groups(wanted, switch("on_change", on_change), longest_silence)
+        settle(self._call("change", without_zero(name.encode()), ctypes.byref(options), groups, len(groups)))
 
     def remove(self, name: str) -> None:
         """Ends watching a controller. Raises harvlink.Error if there is none of this name."""
@@ -237,6 +248,19 @@ class Fleet:
             if count <= room:
                 return array[:count]
             room = count
+
+
+def _options(address: str, timeout: float, retries: int, lanes: int, gap: float, most_requests_per_second: float) -> Any:
+    return records.HarvlinkFleetOptions(
+        size=ctypes.sizeof(records.HarvlinkFleetOptions),
+        timeout=exact(ctypes.c_uint32, round(timeout * 1000)),
+        address=checked_address(address).encode("ascii"),
+        retries=exact(ctypes.c_uint32, retries),
+        lanes=exact(ctypes.c_uint32, lanes),
+        gap=exact(ctypes.c_uint32, round(gap * 1e6)),
+        generation=-1,
+        mostRequestsPerSecond=most_requests_per_second,
+    )
 
 
 def _groups(wanted: Dict[str, Any], on_change: bool, longest_silence: float) -> Any:

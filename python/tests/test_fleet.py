@@ -78,6 +78,18 @@ class FleetTest(SimulatorTest):
         self.fleet.remove("press1")
         self.assertEqual(self.fleet.samples(), [])
 
+    def test_a_controller_is_changed_while_it_is_watched(self):
+        self.fleet.add("press1", self.simulator.address, state=0.01)
+        self.first("state")
+        with self.assertRaisesRegex(harvlink.Error, '"B2049"'):
+            self.fleet.change("press1", self.simulator.address, b=(2049, 0.01))
+        self.first("state")
+        self.fleet.change("press1", self.simulator.address, lanes=2, b=(5, 0.01))
+        self.first("b5")
+        self.assertEqual(self.fleet.latest()["item"], ["b5"])
+        with self.assertRaisesRegex(harvlink.Error, '"press2"'):
+            self.fleet.change("press2", self.simulator.address, state=1.0)
+
     def test_async_iteration(self):
         async def one():
             async for sample in self.fleet:

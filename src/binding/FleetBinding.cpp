@@ -4,6 +4,9 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <span>
+#include <string>
+#include <vector>
 
 #include "binding/Binding.h"
 
@@ -31,6 +34,16 @@ std::uint32_t CopyText(std::string const& text, char (&field)[size]) {
     std::memcpy(field, text.data(), length);
     std::fill(field + length, field + size, '\0');
     return static_cast<std::uint32_t>(length);
+}
+
+/// Null stands for what is empty, here and in the arrays below: the fleet says what it lacks.
+std::string TextOf(char const* text) {
+    return text != nullptr ? text : "";
+}
+
+template <typename Plain>
+std::span<Plain> ArrayOf(Plain* plain, std::uint32_t count) {
+    return {plain, plain != nullptr ? count : 0};
 }
 
 /// Fields of the wire are filled up with zero bytes.
@@ -72,19 +85,19 @@ HarvlinkFleetItem ItemToPlain(FleetItem const& item) {
 
 std::vector<FleetGroup> FromPlain(HarvlinkFleetGroup const* groups, std::uint32_t count) {
     std::vector<FleetGroup> made;
-    for (std::uint32_t i = 0; i < count; ++i) {
+    for (HarvlinkFleetGroup const& plain : ArrayOf(groups, count)) {
         FleetGroup& group = made.emplace_back();
-        group.period = nanoseconds(groups[i].period);
-        group.onChange = groups[i].onChange != 0;
-        group.longestSilence = milliseconds(groups[i].longestSilence);
-        std::transform(groups[i].items, groups[i].items + groups[i].itemCount, std::back_inserter(group.items),
-                       [](HarvlinkFleetItem const& item) { return FromPlain(item); });
+        group.period = nanoseconds(plain.period);
+        group.onChange = plain.onChange != 0;
+        group.longestSilence = milliseconds(plain.longestSilence);
+        std::ranges::transform(ArrayOf(plain.items, plain.itemCount), std::back_inserter(group.items),
+                               [](HarvlinkFleetItem const& item) { return FromPlain(item); });
     }
     return made;
 }
 
 FleetControllerOptions FromPlain(HarvlinkFleetOptions const& plain) {
-    return {.address = plain.address != nullptr ? plain.address : "",
+    return {.address = TextOf(plain.address),
             .timeout = plain.timeout,
             .retries = plain.retries,
             .lanes = plain.lanes,
@@ -187,7 +200,8 @@ void ToPlain(FleetControllerStatistics const& seen, HarvlinkFleetStatistics& pla
 /// Fills an array and returns how many there are.
 template <typename Record, typename Plain>
 std::uint32_t Fill(std::vector<Record> const& records, Plain* plain, std::uint32_t capacity) {
-    for (std::size_t i = 0; i < std::min<std::size_t>(records.size(), capacity); ++i) {
+    auto const room = ArrayOf(plain, capacity).size();
+    for (std::size_t i = 0; i < std::min(records.size(), room); ++i) {
         ToPlain(records[i], plain[i]);
     }
     return static_cast<std::uint32_t>(records.size());
@@ -196,6 +210,7 @@ std::uint32_t Fill(std::vector<Record> const& records, Plain* plain, std::uint32
 /// Takes in batches; only the first one waits.
 template <typename Record, typename Plain, typename TakeSome>
 std::uint32_t TakeInto(Plain* plain, std::uint32_t capacity, std::uint32_t wait, TakeSome const& take) {
+    capacity = plain != nullptr ? capacity : 0;
     std::vector<Record> batch(std::min<std::size_t>(capacity, batchSize));
     std::uint32_t taken = 0;
     std::size_t count = batch.size();
@@ -258,7 +273,7 @@ inline namespace harvlink_c {
 
 HarvlinkFleet harvlink_fleet_create(uint32_t queueCapacity, IStatusInfo* status) {
     HarvlinkFleet fleet = nullptr;
-    *status = fleets::Unthrown([&] {
+    IStatusInfo const created = fleets::Unthrown([&] {
         harvlink::FleetOptions options;
         if (queueCapacity != 0) {
             options.queueCapacity = queueCapacity;
@@ -266,6 +281,11 @@ HarvlinkFleet harvlink_fleet_create(uint32_t queueCapacity, IStatusInfo* status)
         fleet = new HarvlinkFleetCell(options);
         return harvlink::InteropHelper::ToPlain(harvlink::StatusInformation(harvlink::ErrorStatusCodes::Ok));
     });
+    if (status != nullptr) {
+        *status = created;
+    } else {
+        harvlink_free(created.Message);
+    }
     return fleet;
 }
 
@@ -273,7 +293,7 @@ IStatusInfo harvlink_fleet_add(HarvlinkFleet fleet, char const* name, HarvlinkFl
                                HarvlinkFleetGroup const* groups, uint32_t groupCount) {
     return fleets::OnFleet(fleet, [&](harvlink::Fleet& own) {
         return fleets::IsKnownSize(options)
-                   ? own.Add(name, fleets::FromPlain(*options), fleets::FromPlain(groups, groupCount))
+                   ? own.Add(fleets::TextOf(name), fleets::FromPlain(*options), fleets::FromPlain(groups, groupCount))
                    : fleets::InvalidFleetSize();
     });
 }
@@ -281,14 +301,14 @@ IStatusInfo harvlink_fleet_add(HarvlinkFleet fleet, char const* name, HarvlinkFl
 IStatusInfo harvlink_fleet_change(HarvlinkFleet fleet, char const* name, HarvlinkFleetOptions const* options,
                                   HarvlinkFleetGroup const* groups, uint32_t groupCount) {
     return fleets::OnFleet(fleet, [&](harvlink::Fleet& own) {
-        return fleets::IsKnownSize(options)
-                   ? own.Change(name, fleets::FromPlain(*options), fleets::FromPlain(groups, groupCount))
-                   : fleets::InvalidFleetSize();
+        return fleets::IsKnownSize(options) ? own.Change(fleets::TextOf(name), fleets::FromPlain(*options),
+                                                         fleets::FromPlain(groups, groupCount))
+                                            : fleets::InvalidFleetSize();
     });
 }
 
 IStatusInfo harvlink_fleet_remove(HarvlinkFleet fleet, char const* name) {
-    return fleets::OnFleet(fleet, [&](harvlink::Fleet& own) { return own.Remove(name); });
+    return fleets::OnFleet(fleet, [&](harvlink::Fleet& own) { return own.Remove(fleets::TextOf(name)); });
 }
 
 uint32_t harvlink_fleet_plan(HarvlinkFleet fleet, HarvlinkFleetPlan* plans, uint32_t capacity) {

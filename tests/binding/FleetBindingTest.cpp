@@ -24,30 +24,58 @@ HarvlinkFleetOptions Options() {
             .mostRequestsPerSecond = 0};
 }
 
-TEST(FleetBinding, ANullFleetHasNoControllers) {
+HarvlinkFleetItem State() {
+    HarvlinkFleetItem item{};
+    item.kind = HARVLINK_FLEET_STATE;
+    item.count = 1;
+    item.group = 1;
+    item.axis = -1;
+    return item;
+}
+
+/// Whatever is null in a call: with a fleet and without one.
+TEST(FleetBinding, TakesNulls) {
     HarvlinkFleetOptions const options = Options();
-    EXPECT_EQ(Code(harvlink_fleet_add(nullptr, "a", &options, nullptr, 0)), 0x50013);
-    EXPECT_EQ(Code(harvlink_fleet_change(nullptr, "a", &options, nullptr, 0)), 0x50013);
+    HarvlinkFleetItem const item = State();
+    HarvlinkFleetGroup const group{
+        .period = 1'000'000'000, .items = &item, .itemCount = 1, .onChange = 0, .longestSilence = 0};
+    HarvlinkFleetGroup const empty{
+        .period = 1'000'000'000, .items = nullptr, .itemCount = 1, .onChange = 0, .longestSilence = 0};
+    HarvlinkFleet const fleet = harvlink_fleet_create(4, nullptr);
+    ASSERT_NE(fleet, nullptr);
+    ASSERT_EQ(Code(harvlink_fleet_add(fleet, "a", &options, &group, 1)), 0);
+    struct Call {
+        HarvlinkFleet fleet;
+        char const* name;
+        HarvlinkFleetOptions const* options;
+        HarvlinkFleetGroup const* groups;
+    };
+    for (Call const& call :
+         {Call{nullptr, "a", &options, &group}, Call{fleet, nullptr, &options, &group},
+          Call{fleet, "a", nullptr, &group}, Call{fleet, "a", &options, nullptr}, Call{fleet, "a", &options, &empty}}) {
+        EXPECT_EQ(Code(harvlink_fleet_add(call.fleet, call.name, call.options, call.groups, 1)), 0x50013);
+        EXPECT_EQ(Code(harvlink_fleet_change(call.fleet, call.name, call.options, call.groups, 1)), 0x50013);
+    }
     EXPECT_EQ(Code(harvlink_fleet_remove(nullptr, "a")), 0x50013);
+    EXPECT_EQ(Code(harvlink_fleet_remove(fleet, nullptr)), 0x50014);
     EXPECT_EQ(Code(harvlink_fleet_start(nullptr)), 0x50013);
-    EXPECT_EQ(harvlink_fleet_plan(nullptr, nullptr, 0), 0U);
-    EXPECT_EQ(harvlink_fleet_take(nullptr, nullptr, 0, 0), 0U);
-    EXPECT_EQ(harvlink_fleet_take_events(nullptr, nullptr, 0, 0), 0U);
-    EXPECT_EQ(harvlink_fleet_latest(nullptr, nullptr, nullptr, 0), 0U);
-    EXPECT_EQ(harvlink_fleet_statistics(nullptr, nullptr, 0, nullptr), 0U);
-    harvlink_fleet_stop(nullptr);
-    harvlink_fleet_destroy(nullptr);
+    for (HarvlinkFleet const any : {HarvlinkFleet{nullptr}, fleet}) {
+        std::uint32_t const controllers = any != nullptr ? 1 : 0;
+        EXPECT_EQ(harvlink_fleet_plan(any, nullptr, 8), controllers);
+        EXPECT_EQ(harvlink_fleet_latest(any, nullptr, nullptr, 8), controllers);
+        EXPECT_EQ(harvlink_fleet_statistics(any, nullptr, 8, nullptr), controllers);
+        EXPECT_EQ(harvlink_fleet_take(any, nullptr, 8, 1), 0U);
+        EXPECT_EQ(harvlink_fleet_take_events(any, nullptr, 8, 1), 0U);
+        harvlink_fleet_stop(any);
+        harvlink_fleet_destroy(any);
+    }
 }
 
 TEST(FleetBinding, FillsNoMoreThanThereIsRoomFor) {
     IStatusInfo status{};
     HarvlinkFleet const fleet = harvlink_fleet_create(4, &status);
     ASSERT_EQ(Code(status), 0);
-    HarvlinkFleetItem item{};
-    item.kind = HARVLINK_FLEET_STATE;
-    item.count = 1;
-    item.group = 1;
-    item.axis = -1;
+    HarvlinkFleetItem const item = State();
     HarvlinkFleetGroup const group{
         .period = 1'000'000'000, .items = &item, .itemCount = 1, .onChange = 0, .longestSilence = 0};
     HarvlinkFleetOptions options = Options();
@@ -56,7 +84,6 @@ TEST(FleetBinding, FillsNoMoreThanThereIsRoomFor) {
         EXPECT_EQ(Code(harvlink_fleet_add(fleet, "a", &options, &group, 1)), 0x50013) << size;
         EXPECT_EQ(Code(harvlink_fleet_change(fleet, "a", &options, &group, 1)), 0x50013) << size;
     }
-    EXPECT_EQ(Code(harvlink_fleet_add(fleet, "a", nullptr, &group, 1)), 0x50013);
     options = Options();
     options.address = nullptr;
     EXPECT_EQ(Code(harvlink_fleet_add(fleet, "a", &options, &group, 1)), 0x50013);
