@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <iterator>
+#include <limits>
 #include <map>
 #include <thread>
 
@@ -119,10 +121,11 @@ void Costs(Report& report) {
     AddGrowth(report, "controllers of a fleet", {ours.front(), ours.back()}, {bare.front(), bare.back()});
 }
 
-void AddFigure(Report& report, std::string name, std::string unit, double figure, std::string comparison,
-               double target) {
+void AddFigure(Report& report, std::string name, std::string unit, double figure, std::string comparison, double target,
+               double floor = std::numeric_limits<double>::quiet_NaN()) {
     report.Add({.name = std::move(name),
                 .unit = std::move(unit),
+                .floor = floor,
                 .harvlink = figure,
                 .gated = figure,
                 .comparison = std::move(comparison),
@@ -190,9 +193,18 @@ void FleetOpening(Report& report) {
     AddFigure(report, "fleet of 1000, opening, answers after 1 ms", "s", seconds, "<=", 2.0);
 }
 
+/// Share of a core of a loop that serves each event when it comes.
+double BareShare(std::vector<std::string> const& addresses, int items, double seconds) {
+    BareFleet bare(addresses);
+    double const before = ThreadCpuSeconds();
+    (void)bare.RunRounds(std::chrono::seconds(1), items, seconds);
+    return (ThreadCpuSeconds() - before) / seconds;
+}
+
 void ThousandAtOneHertz(Report& report) {
     auto const addresses = FleetAddresses(1000);
     Responder const responder(addresses, 1);
+    double const floor = BareShare(addresses, 20, 2.0);
     std::size_t const bytesBefore = CurrentHeapUse().bytes;
     Fleet fleet;
     Watch(fleet, addresses, Bytes(std::chrono::seconds(1), 20));
@@ -205,10 +217,10 @@ void ThousandAtOneHertz(Report& report) {
         overruns += static_cast<double>(controller.groups[0].overruns);
     }
     AddFigure(report, "fleet of 1000 with 20 items at 1 Hz, overruns", "", overruns, "==", 0.0);
-    AddFigure(report, "fleet of 1000 with 20 items at 1 Hz, share of a core", "", spent.cpu / spent.seconds,
-              "<=", 0.25);
+    AddFigure(report, "fleet of 1000 with 20 items at 1 Hz, share of a core", "", spent.cpu / spent.seconds, "<=", 0.25,
+              floor);
     AddFigure(report, "fleet of 1000 with 20 items at 1 Hz, system calls an exchange", "",
-              spent.systemCalls / spent.exchanges, "<=", 3.0);
+              spent.systemCalls / spent.exchanges, "<=", 2.2);
     // 4 KiB each and 64 bytes an item; the queue of samples, whose size the user chooses, is shared by all.
     AddFigure(report, "fleet of 1000 with 20 items, bytes a controller", "B", bytes, "<=", 4096.0 + 20.0 * 64.0);
 }
@@ -219,13 +231,18 @@ struct Timing {
     double period = 0.0; ///< seconds, 99 %
 };
 
+Timing TimingOf(std::vector<double> const& periods) {
+    std::vector<double> jitter;
+    std::ranges::transform(periods, std::back_inserter(jitter), [](double period) { return std::abs(period - 0.1); });
+    return {Percentile(jitter, 99.0), Percentile(periods, 99.0)};
+}
+
 Timing TimeRounds(std::vector<std::string> const& addresses, std::size_t answering) {
     Fleet fleet;
     Watch(fleet, addresses, Bytes(milliseconds(100), 1));
     AwaitOnline(fleet, answering);
     std::this_thread::sleep_for(milliseconds(300));
     std::map<std::string, std::chrono::system_clock::time_point> last;
-    std::vector<double> jitter;
     std::vector<double> periods;
     std::vector<FleetSample> samples(256);
     (void)fleet.Take(samples, milliseconds(0));
@@ -235,22 +252,22 @@ Timing TimeRounds(std::vector<std::string> const& addresses, std::size_t answeri
         for (FleetSample const& sample : std::span(samples).first(count)) {
             auto& before = last[sample.controller];
             if (before.time_since_epoch().count() != 0) {
-                double const period = std::chrono::duration<double>(sample.requestTime - before).count();
-                periods.push_back(period);
-                jitter.push_back(std::abs(period - 0.1));
+                periods.push_back(std::chrono::duration<double>(sample.requestTime - before).count());
             }
             before = sample.requestTime;
         }
     }
-    return {Percentile(jitter, 99.0), Percentile(periods, 99.0)};
+    return TimingOf(periods);
 }
 
 void Periods(Report& report) {
     auto const all = FleetAddresses(200);
     auto const most = FleetAddresses(160);
+    Timing bare;
     Timing whole;
     {
         Responder const responder(all, 1);
+        bare = TimingOf(BareFleet(all).RunRounds(milliseconds(100), 1, 3.0));
         whole = TimeRounds(all, all.size());
     }
     // The ports of the others are bound by a process that does not answer, so nothing says that nobody is there.
@@ -261,7 +278,8 @@ void Periods(Report& report) {
     Responder const responder(most, 1);
     Timing const partly = TimeRounds(all, most.size());
     std::ranges::for_each(silent, ::close);
-    AddFigure(report, "fleet of 200, jitter of a period of 100 ms, p99", "ms", whole.jitter * 1e3, "<=", 2.0);
+    AddFigure(report, "fleet of 200, jitter of a period of 100 ms, p99", "ms", whole.jitter * 1e3, "<=", 2.0,
+              bare.jitter * 1e3);
     AddRatio(report,
              {.name = "fleet of 200, a fifth silent, periods of the others, p99",
               .unit = "ms",

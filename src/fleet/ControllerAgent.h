@@ -35,6 +35,9 @@ public:
     /// When OnTime has to be called next.
     std::int64_t NextTime() const;
 
+    /// Whether that is by its distance between requests, which a common tick would lengthen.
+    bool KeepsDistance() const { return spacing > 0; }
+
     /// The engine did not run for so long. What arrived meanwhile has been read.
     void Excuse(std::int64_t nanoseconds);
 

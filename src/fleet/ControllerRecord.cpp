@@ -86,6 +86,16 @@ std::int64_t ControllerRecord::Spacing() const {
     return std::max(nanoseconds(options.gap).count(), byRate);
 }
 
+std::int64_t ControllerRecord::Patience() const {
+    constexpr double share = 1.0 / 32.0; // of what its periods leave for an exchange
+    double exchangesPerNanosecond = 0.0;
+    for (Group const& group : groups) {
+        exchangesPerNanosecond += ExchangesPerRound(group) / static_cast<double>(group.period);
+    }
+    double const between = std::max(1.0 / exchangesPerNanosecond, static_cast<double>(Spacing()));
+    return static_cast<std::int64_t>(between * options.lanes * share);
+}
+
 std::uint32_t ControllerRecord::ExchangesPerRound(Group const& group) const {
     std::uint32_t count = 0;
     for (std::uint32_t i = group.begin; i < group.end; ++i) {

@@ -73,6 +73,9 @@ struct ControllerRecord {
     /// Least nanoseconds from one request to the next.
     std::int64_t Spacing() const;
 
+    /// By how many nanoseconds an answer may be read later than it could be, with its periods kept all the same.
+    std::int64_t Patience() const;
+
     std::uint32_t ExchangesPerRound(Group const& group) const;
 
 private:

@@ -6,7 +6,8 @@
 
 namespace harvlink::fleet {
 
-/// Which slot is due next. A heap that knows where each slot stands, so that a new time costs its height.
+/// Which slot is due next. A heap that knows where each slot stands. A time that becomes later, as that of most exchanges
+/// does, is only noted: the slot sinks when it comes to the front.
 class DueHeap {
 public:
     using Slot = std::uint32_t;
@@ -19,17 +20,15 @@ public:
         }
         if (places[slot] == absent) {
             places[slot] = entries.size();
-            entries.push_back({time, slot});
+            entries.push_back({time, time, slot});
             Rise(places[slot]);
             return;
         }
-        std::size_t const place = places[slot];
-        bool const isEarlier = time < entries[place].time;
-        entries[place].time = time;
-        if (isEarlier) {
-            Rise(place);
-        } else {
-            Sink(place);
+        Entry& entry = entries[places[slot]];
+        entry.due = time;
+        if (time < entry.key) {
+            entry.key = time;
+            Rise(places[slot]);
         }
     }
 
@@ -45,12 +44,21 @@ public:
         }
     }
 
-    std::int64_t NextTime() const { return entries.empty() ? never : entries.front().time; }
+    std::int64_t NextTime() {
+        while (!entries.empty() && entries.front().key < entries.front().due) {
+            entries.front().key = entries.front().due;
+            Sink(0);
+        }
+        return entries.empty() ? never : entries.front().key;
+    }
+
+    /// The one that NextTime has found.
     Slot NextSlot() const { return entries.front().slot; }
 
 private:
     struct Entry {
-        std::int64_t time;
+        std::int64_t key; ///< orders the heap; never later than `due`
+        std::int64_t due;
         Slot slot;
     };
     static constexpr std::size_t absent = std::numeric_limits<std::size_t>::max();
@@ -62,7 +70,7 @@ private:
 
     void Rise(std::size_t place) {
         Entry const entry = entries[place];
-        for (; place > 0 && entry.time < entries[(place - 1) / 2].time; place = (place - 1) / 2) {
+        for (; place > 0 && entry.key < entries[(place - 1) / 2].key; place = (place - 1) / 2) {
             Put(place, entries[(place - 1) / 2]);
         }
         Put(place, entry);
@@ -72,10 +80,10 @@ private:
         Entry const entry = entries[place];
         for (;;) {
             std::size_t child = 2 * place + 1;
-            if (child + 1 < entries.size() && entries[child + 1].time < entries[child].time) {
+            if (child + 1 < entries.size() && entries[child + 1].key < entries[child].key) {
                 ++child;
             }
-            if (child >= entries.size() || entries[child].time >= entry.time) {
+            if (child >= entries.size() || entries[child].key >= entry.key) {
                 break;
             }
             Put(place, entries[child]);

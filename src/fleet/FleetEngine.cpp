@@ -13,6 +13,8 @@ using std::chrono::duration_cast;
 constexpr std::int64_t longestWait = 3'600'000'000'000;
 constexpr std::int64_t pauseFrom = 50'000'000; ///< an engine that did not run for so long was held up
 constexpr std::int64_t betweenStarts = 50'000; ///< so that a thousand controllers are not asked in one breath
+constexpr std::int64_t longestTick = 1'000'000; ///< the shortest period of a group
+constexpr std::int64_t shortestTick = longestTick / 8; ///< a wait that is shorter ends late, and saves nothing
 constexpr Poller::Token wakeToken = std::numeric_limits<Poller::Token>::max();
 
 template <typename Clock>
@@ -22,6 +24,11 @@ std::int64_t Now() {
 
 std::int64_t SteadyNow() {
     return Now<std::chrono::steady_clock>();
+}
+
+/// Ticks are points of a grid, so that a period of whole ticks does not jitter.
+std::int64_t NextTick(std::int64_t time, std::int64_t tick) {
+    return (time + tick - 1) / tick * tick;
 }
 
 } // namespace
@@ -66,8 +73,8 @@ void FleetEngine::Run() {
     while (!isStopping) {
         std::int64_t const before = SteadyNow();
         NotePause(before - lastAwake);
-        std::int64_t const wait = std::clamp<std::int64_t>(due.NextTime() - before, 0, longestWait);
-        ReadAll(before, wait);
+        Gather(before);
+        ReadAll(before, std::clamp<std::int64_t>(due.NextTime() - before, 0, longestWait));
         lastAwake = SteadyNow();
         MakeChanges(lastAwake);
         ServeDue(lastAwake);
@@ -81,10 +88,22 @@ void FleetEngine::Run() {
     }
 }
 
+/// Waking up costs more than all else that an exchange takes. Where several answers are expected, they are read together.
+void FleetEngine::Gather(std::int64_t now) {
+    if (tick == 0 || services.inFlight < 2) {
+        return;
+    }
+    std::int64_t const end = std::min(NextTick(now + 1, tick), due.NextTime());
+    if (end > now) {
+        std::this_thread::sleep_for(std::chrono::nanoseconds(end - now));
+        systemCalls.Add();
+    }
+}
+
 /// As often as there can be more than one wait returns, and then the times are looked at.
 void FleetEngine::ReadAll(std::int64_t start, std::int64_t wait) {
     std::size_t const mostTimes = slots.size() / 64 + 2;
-    auto tokens = poller.Wait(wait);
+    auto tokens = poller.Wait(start + wait - SteadyNow());
     systemCalls.Add();
     NotePause(SteadyNow() - start - wait);
     CompareClocks();
@@ -103,9 +122,8 @@ void FleetEngine::Read(std::span<Poller::Token const> tokens) {
             continue;
         }
         auto const number = token / ControllerAgent::tokensPerAgent;
-        ControllerAgent& agent = *slots[number].agent;
-        agent.OnReadable(token, SteadyNow());
-        due.Set(number, agent.NextTime());
+        slots[number].agent->OnReadable(token, SteadyNow());
+        SetDue(number);
     }
 }
 
@@ -124,6 +142,22 @@ void FleetEngine::MakeChanges(std::int64_t now) {
             now += betweenStarts;
         }
     }
+    if (!taken.empty()) {
+        ChooseTick();
+    }
+}
+
+/// As long as the least patient controller allows. Halves of the longest, so that whole milliseconds stay on the grid.
+void FleetEngine::ChooseTick() {
+    std::int64_t patience = longestTick;
+    for (Slot const& slot : slots) {
+        patience = slot.record ? std::min(patience, slot.record->Patience()) : patience;
+    }
+    tick = longestTick;
+    while (tick > patience) {
+        tick /= 2;
+    }
+    tick = tick < shortestTick || !CanSleepFinely ? 0 : tick;
 }
 
 void FleetEngine::Insert(std::shared_ptr<ControllerRecord> const& record, std::int64_t start) {
@@ -149,10 +183,16 @@ void FleetEngine::Remove(std::shared_ptr<ControllerRecord> const& record) {
 void FleetEngine::ServeDue(std::int64_t now) {
     while (due.NextTime() <= now) {
         DueHeap::Slot const number = due.NextSlot();
-        ControllerAgent& agent = *slots[number].agent;
-        agent.OnTime(now);
-        due.Set(number, agent.NextTime());
+        slots[number].agent->OnTime(now);
+        SetDue(number);
     }
+}
+
+void FleetEngine::SetDue(DueHeap::Slot number) {
+    ControllerAgent const& agent = *slots[number].agent;
+    std::int64_t const time = agent.NextTime();
+    bool const isExact = tick == 0 || agent.KeepsDistance() || time > DueHeap::never - tick;
+    due.Set(number, isExact ? time : NextTick(time, tick));
 }
 
 void FleetEngine::NotePause(std::int64_t nanoseconds) {

@@ -44,12 +44,15 @@ private:
     };
 
     void Run();
+    void Gather(std::int64_t now);
     void ReadAll(std::int64_t start, std::int64_t wait);
     void Read(std::span<Poller::Token const> tokens);
     void MakeChanges(std::int64_t now);
     void Insert(std::shared_ptr<ControllerRecord> const& record, std::int64_t start);
     void Remove(std::shared_ptr<ControllerRecord> const& record);
+    void ChooseTick();
     void ServeDue(std::int64_t now);
+    void SetDue(DueHeap::Slot number);
     void NotePause(std::int64_t nanoseconds);
     void CompareClocks();
 
@@ -60,6 +63,7 @@ private:
     Services services;
     DueHeap due;
     std::vector<Slot> slots;
+    std::int64_t tick = 0; ///< what is due between two of them is served at the second. 0: at once
     std::mutex changeMutex;
     std::vector<Replacement> changes;
     std::atomic<bool> isStopping = false;

@@ -41,7 +41,7 @@ void Lane::Close() {
 
 void Lane::Abandon() {
     isNewPortDue = isNewPortDue || isWaiting;
-    isWaiting = false;
+    SetWaiting(false);
 }
 
 bool Lane::Ask(Query const& query, WaitLimits const& limits, std::int64_t now) {
@@ -69,16 +69,21 @@ void Lane::AskFile(FileRequest const& step, std::optional<std::uint8_t> transfer
     std::memcpy(request.payload.data(), step.payload.data(), sizeof(step.payload));
     minimumReply = 0;
     Begin(limits, now);
-    isWaiting = waitForReply;
+    SetWaiting(waitForReply);
     Send();
 }
 
 void Lane::Begin(WaitLimits const& limits, std::int64_t now) {
-    isWaiting = true;
+    SetWaiting(true);
     periodsLeft = limits.retries;
     period = limits.timeout;
     askedAt = now;
     deadline = now + period;
+}
+
+void Lane::SetWaiting(bool value) {
+    services.inFlight += static_cast<int>(value) - static_cast<int>(isWaiting);
+    isWaiting = value;
 }
 
 /// The one place where a fleet sends. What the table of reads does not list stays here, whoever asked.
@@ -100,7 +105,7 @@ Lane::Outcome Lane::Receive(std::int64_t now) {
     if (!arrival.hasArrived || !IsAnswer(arrival.length)) {
         return Outcome::Nothing;
     }
-    isWaiting = false;
+    SetWaiting(false);
     roundTrip = now - askedAt;
     record.exchanges.Add();
     code = AnsweredCode(reply.subHeader);
@@ -143,7 +148,7 @@ bool Lane::IsAnswer(std::size_t length) {
 Lane::Expiry Lane::Expire(std::int64_t now) {
     isNewPortDue = true; // also if the answer to the repeated one comes: the other one is still on its way
     if (periodsLeft == 0) {
-        isWaiting = false;
+        SetWaiting(false);
         record.exchanges.Add();
         record.timeouts.Add();
         code = static_cast<std::int32_t>(ErrorStatusCodes::ResponseTimeout);

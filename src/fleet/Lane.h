@@ -69,6 +69,7 @@ private:
     using RequestPacket = OutgoingPacket<std::array<std::byte, FileNameSize>>;
 
     void Begin(WaitLimits const& limits, std::int64_t now);
+    void SetWaiting(bool value);
     void Send();
     bool IsAnswer(std::size_t length);
 

@@ -18,6 +18,7 @@ struct Services {
     SampleQueue& samples;
     EventQueue& events;
     Counter& systemCalls;
+    int inFlight = 0; ///< requests whose answer is waited for
     std::int64_t wallOffset = 0; ///< nanoseconds from the steady clock to that of the computer
     FileReply reply; ///< the datagram that was read last; no other is longer
     std::span<std::byte const> payload{}; ///< of it, as far as it arrived and is understood

@@ -79,4 +79,11 @@ using Poller = EpollPoller;
 using Poller = PollPoller;
 #endif
 
+/// Whether a thread can sleep for less than a millisecond. Windows wakes it at a tick of its own, up to 16 ms later.
+#if defined(_WIN32)
+inline constexpr bool CanSleepFinely = false;
+#else
+inline constexpr bool CanSleepFinely = true;
+#endif
+
 } // namespace harvlink
