@@ -23,17 +23,22 @@ internal static class Calls
         IntPtr direct = direct_open(args[0]);
         using (var robot = Controller.Connect(args[0]))
         {
+            int failures = 0;
             var directly = new List<double>();
             var through = new List<double>();
             for (int round = -rounds / 10; round < rounds; ++round)
             {
-                double one = Time(() => direct_run(direct, Block));
+                double one = Time(() => failures += direct_run(direct, Block));
                 double other = Time(() => Run(robot, Block));
                 if (round >= 0) // before that the package is still being compiled
                 {
                     directly.Add(Block / one);
                     through.Add(Block / other);
                 }
+            }
+            if (failures > 0)
+            {
+                throw new InvalidOperationException(failures + " of the direct calls failed");
             }
             double share = Median(through) / Median(directly);
             Console.WriteLine($"C {Median(directly):0} calls/s, C# {Median(through):0} calls/s, share {share:0.000}");

@@ -198,8 +198,10 @@ namespace Harvlink.Tests
                 Assert.That(stream.MoveNextAsync().AsTask().Result, Is.True);
                 Assert.That(stream.Current.Controller, Is.EqualTo("cell"));
                 Assert.That(fleet.Latest().Count, Is.EqualTo(4));
-                new Timer(unused => fleet.Stop(), null, 100, Timeout.Infinite);
-                Assert.That(fleet.Samples().Count(), Is.GreaterThanOrEqualTo(0));
+                using (new Timer(unused => fleet.Stop(), null, 100, Timeout.Infinite))
+                {
+                    Assert.That(fleet.Samples().Count(), Is.GreaterThanOrEqualTo(0));
+                }
                 var refusal = Assert.Throws<HarvlinkException>(() => fleet.Remove("other"));
                 Assert.That(refusal.Code, Is.EqualTo(ErrorCode.UnknownFleetController));
             }

@@ -34,14 +34,22 @@ namespace Harvlink.Tests
                     () => robot.Files.List(FileType.JobFile),
                     () => robot.Files.Get("NONE.JBI"),
                     () => robot.IO.AddressOf(IOType.NetworkInput, 1, 8),
+                    () => robot.Files.Get("DEMO.JBI"),
                     () => robot.Motion.GetState(),
+                    () => Controller.Connect("127.0.0.256"),
                     () => robot.Motion.Add(refused),
                 })
                 {
-                    Repeat(operation, 30);
-                    long before = BytesInUse();
-                    Repeat(operation, Calls);
-                    Assert.That(BytesInUse() - before, Is.LessThan(Calls * SmallestBlock / 2));
+                    // The runtime allocates for itself now and then: what leaks does so each time.
+                    long least = long.MaxValue;
+                    for (int round = 0; round < 3 && least >= Calls * SmallestBlock / 2; ++round)
+                    {
+                        Repeat(operation, 30);
+                        long before = BytesInUse();
+                        Repeat(operation, Calls);
+                        least = Math.Min(least, BytesInUse() - before);
+                    }
+                    Assert.That(least, Is.LessThan(Calls * SmallestBlock / 2));
                 }
             }
         }

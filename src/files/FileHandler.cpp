@@ -7,6 +7,7 @@
 #include <system_error>
 #include <thread>
 
+#include "system/Path.h"
 #include "wire/Guarded.h"
 #include "wire/HelperFunction.h"
 
@@ -18,7 +19,7 @@ constexpr std::string_view jobExtension = ".JBI";
 
 bool Exists(std::string const& path) {
     std::error_code ignored;
-    return std::filesystem::exists(path, ignored);
+    return std::filesystem::exists(PathOf(path), ignored);
 }
 
 StatusInfo Ok() {
@@ -68,7 +69,7 @@ StatusInfo FileHandler::LoadToControllerFromString(std::string const& fileName, 
 
 StatusInfo FileHandler::LoadToControllerFromPath(std::string const& path) {
     return Guarded(*networkManager, [&]() -> StatusInfo {
-        std::string const name = std::filesystem::path(path).filename().string();
+        std::string const name = TextOf(PathOf(path).filename());
         if (StatusInfo status = CheckLoadable(name); status.StatusCode != 0) {
             return status;
         }
@@ -98,12 +99,13 @@ StatusInfo FileHandler::ReadDiskFile(std::string const& path, std::vector<FileBl
     std::error_code ignored;
     std::ifstream stream;
     // A pipe or a device may block its reader for ever, or never end.
-    if (std::filesystem::is_regular_file(path, ignored)) {
-        stream.open(path, std::ios::binary);
+    if (std::filesystem::is_regular_file(PathOf(path), ignored)) {
+        stream.open(PathOf(path), std::ios::binary);
     }
     if (stream.is_open()) {
         // On a 32-bit processor a size can be more than any memory.
-        std::uintmax_t const size = std::min<std::uintmax_t>(std::filesystem::file_size(path, ignored), SIZE_MAX);
+        std::uintmax_t const size =
+            std::min<std::uintmax_t>(std::filesystem::file_size(PathOf(path), ignored), SIZE_MAX);
         blocks.reserve(ignored ? 0 : static_cast<std::size_t>(size) / FileBlockSize + 1);
         ReadFileIntoBuffer(stream, blocks);
     }
@@ -152,7 +154,7 @@ void FileHandler::WriteFileToDisk(std::string const& path, std::string const& co
     try {
         std::ofstream stream;
         stream.exceptions(std::ios::badbit | std::ios::failbit);
-        stream.open(path, std::ios::binary | std::ios::trunc);
+        stream.open(PathOf(path), std::ios::binary | std::ios::trunc);
         stream.write(contents.data(), static_cast<std::streamsize>(contents.size()));
         stream.close(); // a full disk shows here at the latest
     } catch (std::ios_base::failure const& failure) {

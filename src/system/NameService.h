@@ -12,6 +12,9 @@ struct NameAnswer {
     std::string failure; ///< why there are none
 };
 
+/// Keeps the code of the library loaded until the process ends: a question can outlast the call that asked it.
+void StayLoaded();
+
 /// Asks for the IPv4 addresses of a name. It may take long.
 NameAnswer AskNameService(std::string const& name);
 

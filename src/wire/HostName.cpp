@@ -73,7 +73,8 @@ StatusInfo ResolveHost(std::string& host, std::chrono::milliseconds limit, HostA
         return StatusInformation(ErrorStatusCodes::Ok);
     }
     // Nothing ends a lookup early. One that takes too long is left to itself and owns all that it touches; its code stays
-    // loaded, because the library is linked to stay.
+    // loaded.
+    StayLoaded();
     std::packaged_task<HostAddress(std::string const&)> task(lookUp);
     auto answer = task.get_future();
     std::thread([name = host, task = std::move(task)]() mutable { task(name); }).detach();

@@ -20,6 +20,9 @@ std::optional<std::uint32_t> ParseAddress(std::string const& text) {
     return ntohl(address.s_addr);
 }
 
+/// The library is linked to stay.
+void StayLoaded() {}
+
 NameAnswer AskNameService(std::string const& name) {
     addrinfo wanted{};
     wanted.ai_family = AF_INET;

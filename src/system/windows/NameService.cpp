@@ -1,0 +1,48 @@
+#include "system/NameService.h"
+
+#include <memory>
+#include <optional>
+#include <system_error>
+
+// clang-format off
+#include <winsock2.h>
+#include <ws2tcpip.h>
+// clang-format on
+
+#include "system/DatagramSocket.h"
+#include "system/Endpoint.h"
+
+namespace harvlink {
+
+std::optional<std::uint32_t> ParseAddress(std::string const& text) {
+    in_addr address{};
+    if (::inet_pton(AF_INET, text.c_str(), &address) != 1) {
+        return std::nullopt;
+    }
+    return ::ntohl(address.s_addr);
+}
+
+void StayLoaded() {
+    HMODULE ignored = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                         reinterpret_cast<LPCWSTR>(&StayLoaded), &ignored);
+}
+
+NameAnswer AskNameService(std::string const& name) {
+    DatagramSocket const started = DatagramSocket::Open(); // names are asked for by what sockets need too
+    addrinfo wanted{};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_DGRAM;
+    addrinfo* answer = nullptr;
+    if (int const error = ::getaddrinfo(name.c_str(), nullptr, &wanted, &answer); error != 0) {
+        return {{}, std::system_category().message(error)};
+    }
+    std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> const found(answer, ::freeaddrinfo);
+    NameAnswer named;
+    for (auto const* each = found.get(); each != nullptr; each = each->ai_next) {
+        named.addresses.push_back(::ntohl(reinterpret_cast<sockaddr_in const*>(each->ai_addr)->sin_addr.s_addr));
+    }
+    return named;
+}
+
+} // namespace harvlink
