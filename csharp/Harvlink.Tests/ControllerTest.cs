@@ -202,6 +202,10 @@ namespace Harvlink.Tests
                 {
                     Assert.That(fleet.Samples().Count(), Is.GreaterThanOrEqualTo(0));
                 }
+                var never = new FleetGroup(TimeSpan.MaxValue, FleetItem.State);
+                Assert.Throws<ArgumentOutOfRangeException>(() => fleet.Add("never", Address, never));
+                var slow = new FleetOptions { Gap = TimeSpan.FromHours(2) };
+                Assert.Throws<ArgumentOutOfRangeException>(() => fleet.Add("slow", Address, slow));
                 var refusal = Assert.Throws<HarvlinkException>(() => fleet.Remove("other"));
                 Assert.That(refusal.Code, Is.EqualTo(ErrorCode.UnknownFleetController));
             }

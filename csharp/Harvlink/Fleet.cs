@@ -33,9 +33,12 @@ namespace Harvlink
     {
         private const int Batch = 64;
 
-        /// <summary>After so long an iteration looks whether it was stopped.</summary>
-        private static readonly TimeSpan Period = TimeSpan.FromSeconds(0.2);
+        /// <summary>Milliseconds after which an iteration looks whether it was stopped.</summary>
+        private const uint Period = 200;
         private readonly FleetHandle fleet;
+
+        /// <summary>Held where it starts for an iteration and where it stops: an iteration that is ending starts nothing.</summary>
+        private readonly object gate = new object();
         private int stops;
 
         /// <summary>Makes a fleet that keeps up to so many samples until they are taken.</summary>
@@ -64,7 +67,7 @@ namespace Harvlink
                 timeout = Checked.Milliseconds(options.Timeout, nameof(options)),
                 retries = Checked.NotNegative(options.Retries, nameof(options)),
                 lanes = Checked.NotNegative(options.Lanes, nameof(options)),
-                gap = Checked.NotNegative((int)(options.Gap.Ticks / 10), nameof(options)),
+                gap = Checked.Microseconds(options.Gap, nameof(options)),
                 generation = -1,
                 mostRequestsPerSecond = options.MostRequestsPerSecond,
             };
@@ -78,7 +81,7 @@ namespace Harvlink
                     pinned.Add(GCHandle.Alloc(items, GCHandleType.Pinned));
                     records[place] = new HarvlinkFleetGroup
                     {
-                        period = groups[place].Period.Ticks * 100,
+                        period = Checked.Nanoseconds(groups[place].Period, nameof(groups)),
                         items = (HarvlinkFleetItem*)pinned[place].AddrOfPinnedObject(),
                         itemCount = (uint)items.Length,
                         onChange = groups[place].OnChange ? 1 : 0,
@@ -135,10 +138,13 @@ namespace Harvlink
         /// <summary>Ends reading, and the iterations over samples.</summary>
         public void Stop()
         {
-            Interlocked.Increment(ref stops);
-            using (var handle = fleet.Hold())
+            lock (gate)
             {
-                Functions.harvlink_fleet_stop(handle);
+                Interlocked.Increment(ref stops);
+                using (var handle = fleet.Hold())
+                {
+                    Functions.harvlink_fleet_stop(handle);
+                }
             }
         }
 
@@ -147,13 +153,7 @@ namespace Harvlink
         {
             uint milliseconds = Checked.Milliseconds(wait, nameof(wait));
             Start();
-            return Filled(
-                sizeof(HarvlinkFleetSample),
-                Batch,
-                (handle, records, room) =>
-                    Functions.harvlink_fleet_take(handle, (HarvlinkFleetSample*)records, room, milliseconds),
-                record => new FleetSample((HarvlinkFleetSample*)record),
-                out _);
+            return TakeStarted(milliseconds);
         }
 
         /// <summary>The same for events.</summary>
@@ -176,7 +176,7 @@ namespace Harvlink
             int before = Volatile.Read(ref stops);
             while (before == Volatile.Read(ref stops))
             {
-                foreach (FleetSample sample in TakeUnlessClosed())
+                foreach (FleetSample sample in TakeUnlessStopped(before))
                 {
                     yield return sample;
                 }
@@ -211,12 +211,31 @@ namespace Harvlink
             fleet.Dispose();
         }
 
-        /// <summary>An iteration that is closed from another thread ends, and does not fail.</summary>
-        private IReadOnlyList<FleetSample> TakeUnlessClosed()
+        private IReadOnlyList<FleetSample> TakeStarted(uint milliseconds)
+        {
+            return Filled(
+                sizeof(HarvlinkFleetSample),
+                Batch,
+                (handle, records, room) =>
+                    Functions.harvlink_fleet_take(handle, (HarvlinkFleetSample*)records, room, milliseconds),
+                record => new FleetSample((HarvlinkFleetSample*)record),
+                out _);
+        }
+
+        /// <summary>For an iteration that began after so many stops. If another thread closes the fleet, it ends and does not fail.</summary>
+        private IReadOnlyList<FleetSample> TakeUnlessStopped(int before)
         {
             try
             {
-                return Take(Period);
+                lock (gate)
+                {
+                    if (before != stops)
+                    {
+                        return new FleetSample[0];
+                    }
+                    Start();
+                }
+                return TakeStarted(Period);
             }
             catch (ObjectDisposedException)
             {

@@ -53,7 +53,7 @@ namespace Harvlink
                 while (before == Volatile.Read(ref fleet.stops))
                 {
                     cancellation.ThrowIfCancellationRequested();
-                    foreach (FleetSample sample in fleet.TakeUnlessClosed())
+                    foreach (FleetSample sample in fleet.TakeUnlessStopped(before))
                     {
                         ready.Enqueue(sample);
                     }

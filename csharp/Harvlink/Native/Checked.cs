@@ -15,6 +15,25 @@ namespace Harvlink.Native
             return (uint)milliseconds;
         }
 
+        public static uint Microseconds(TimeSpan time, string name)
+        {
+            long microseconds = time.Ticks / 10;
+            if (microseconds < 0 || microseconds > uint.MaxValue)
+            {
+                throw new ArgumentOutOfRangeException(name, time, "not a time between two requests");
+            }
+            return (uint)microseconds;
+        }
+
+        public static long Nanoseconds(TimeSpan time, string name)
+        {
+            if (time.Ticks > long.MaxValue / 100 || time.Ticks < 0)
+            {
+                throw new ArgumentOutOfRangeException(name, time, "not a period");
+            }
+            return time.Ticks * 100;
+        }
+
         public static uint NotNegative(int number, string name)
         {
             if (number < 0)
