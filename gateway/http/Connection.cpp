@@ -12,7 +12,7 @@ namespace harvlink::gateway {
 namespace {
 
 constexpr std::size_t LargestHeaders = 2048;
-constexpr std::size_t Piece = 16'384;
+constexpr std::size_t Piece = 65'536;
 
 std::string Header(lws* socket, lws_token_indexes token) {
     int const length = lws_hdr_total_length(socket, token);

@@ -122,7 +122,7 @@ void HttpServer::Implementation::Listen(ListenConfig const& config) {
     info.max_http_header_data = LargestHeader;
     info.max_http_header_pool = MostConnections;
     info.fd_limit_per_thread = MostConnections + 32;
-    info.pt_serv_buf_size = 32'768;
+    info.pt_serv_buf_size = 2 * 65'536;
     info.timeout_secs = HeaderSeconds;
     info.keepalive_timeout = KeepAliveSeconds;
     idle_.secs_since_valid_ping = SecondsToPing;

@@ -25,6 +25,8 @@ struct ExpositionSources {
     std::function<std::vector<Figure>()> figures;
 };
 
+class Families;
+
 /// The text that a Prometheus server scrapes, of what is known now. There are no time stamps in it: they would switch off the
 /// server's marking of stale values. Values that are not good are left out. Operations may be called from any thread.
 class Exposition {
@@ -36,10 +38,9 @@ public:
     void SetMostSeries(std::size_t mostSeries);
 
 private:
-    class Families;
+    using AllSeries = std::vector<std::vector<Series>>;
     struct Plan {
-        ControllerPtr controller;
-        std::vector<std::vector<Series>> series;
+        std::shared_ptr<AllSeries const> series; ///< of each reading; controllers with the same ones share them
         bool isUsed = false;
     };
 
@@ -47,14 +48,15 @@ private:
     static void AddLink(Families& families, LatestController const& latest);
     static void AddStatistics(Families& families, FleetStatistics const& statistics,
                               std::map<std::string, ControllerPtr> const& controllers);
-    static void AddRoundTrips(Families& families, LatestController const& latest, RoundTrips::Counts const& counts);
     void AddGateway(Families& families, FleetStatistics const& statistics) const;
     Plan const& PlanOf(ControllerPtr const& controller);
 
     ExpositionSources sources_;
     std::mutex mutex_;
     std::size_t mostSeries_;
-    std::map<std::uint32_t, Plan> plans_;
+    std::size_t lastSize_ = 0; ///< of the text
+    std::map<std::uint32_t, Plan> plans_; ///< by id of the controller
+    std::shared_ptr<AllSeries const> lastSeries_; ///< that were made
 };
 
 } // namespace harvlink::gateway

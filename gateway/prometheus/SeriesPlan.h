@@ -18,6 +18,8 @@ struct Series {
     Labels labels; ///< besides the controller
     std::size_t item = 0; ///< of the reading
     double factor = 1.0; ///< to the unit of the metric
+
+    bool operator==(Series const&) const = default;
 };
 
 /// The series of each reading that are numbers, found once for each controller. No two are the same: what two readings have in
