@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <numeric>
 
 #include <fmt/format.h>
 
@@ -40,59 +41,72 @@ Request WithoutVersion(Request request) {
 
 } // namespace
 
-Response Api::Answer(Request const& given) const {
+Effort Api::EffortOf(Request const& given) {
+    std::string const path = WithoutVersion(given).path;
+    if (path.starts_with("/health")) {
+        return Effort::None; // nothing that runs, and no length of a queue, must make it look dead
+    }
+    bool const needsDisk = path == "/api/events" || path == "/api/history" || path.starts_with("/api/incidents");
+    return needsDisk ? Effort::Disk : Effort::Memory;
+}
+
+Response Api::Answer(Request const& given, std::stop_token const& stop) const {
     Request const request = WithoutVersion(given);
-    std::string const& path = request.path;
-    bool const isPost = request.method == "POST" && path.starts_with(VirtualPath);
+    bool const isPost = request.method == "POST" && request.path.starts_with(VirtualPath);
     if (request.method != "GET" && !isPost) {
         Response response = ErrorResponse(405, "the gateway only reads; use GET");
         response.headers.emplace_back("allow:", "GET");
         return response;
     }
     try {
-        if (path == "/metrics") {
-            return sources_.metrics ? Response{200, "text/plain; version=0.0.4; charset=utf-8", sources_.metrics(), {}}
-                                    : NotFound("metrics are switched off by [prometheus] enabled = false");
-        }
-        if (path.starts_with("/health")) {
-            return Health(request);
-        }
-        if (path == "/api/controllers") {
-            return Controllers(request);
-        }
-        if (path == "/api/latest") {
-            return Latest();
-        }
-        if (path == "/api/events") {
-            return Events(request);
-        }
-        if (path == "/api/history") {
-            return History(request);
-        }
-        if (path == "/api/status") {
-            return Status();
-        }
-        if (path == "/api/incidents") {
-            return Incidents(request);
-        }
-        if (path.starts_with(ControllersPath)) {
-            return OneController(path.substr(ControllersPath.size()));
-        }
-        if (path.starts_with(CardsPath)) {
-            return Card(request);
-        }
-        if (path.starts_with(IncidentsPath)) {
-            return Incident(request, path.substr(IncidentsPath.size()));
-        }
-        if (path.starts_with(VirtualPath)) {
-            return Virtual(request, path.substr(VirtualPath.size()));
-        }
-        return NotFound("there is no such path; docs/gateway.md lists them");
+        return Dispatch(request, stop);
     } catch (words::InputError const& error) {
         return ErrorResponse(400, error.what());
     } catch (recording::RecordingError const& error) {
         return ErrorResponse(503, fmt::format("the recording can't be read now: {}", error.what()));
     }
+}
+
+Response Api::Dispatch(Request const& request, std::stop_token const& stop) const {
+    std::string const& path = request.path;
+    if (path == "/metrics") {
+        return sources_.metrics ? Response{200, "text/plain; version=0.0.4; charset=utf-8", sources_.metrics()}
+                                : NotFound("metrics are switched off by [prometheus] enabled = false");
+    }
+    if (path.starts_with("/health")) {
+        return Health(request);
+    }
+    if (path == "/api/controllers") {
+        return Controllers(request);
+    }
+    if (path == "/api/latest") {
+        return Latest();
+    }
+    if (path == "/api/events") {
+        return Events(request, stop);
+    }
+    if (path == "/api/history") {
+        return History(request, stop);
+    }
+    if (path == "/api/status") {
+        return Status();
+    }
+    if (path == "/api/incidents") {
+        return Incidents(request);
+    }
+    if (path.starts_with(ControllersPath)) {
+        return OneController(path.substr(ControllersPath.size()));
+    }
+    if (path.starts_with(CardsPath)) {
+        return Card(request);
+    }
+    if (path.starts_with(IncidentsPath)) {
+        return Incident(request, path.substr(IncidentsPath.size()), stop);
+    }
+    if (path.starts_with(VirtualPath)) {
+        return Virtual(request, path.substr(VirtualPath.size()));
+    }
+    return NotFound("there is no such path; docs/gateway.md lists them");
 }
 
 Json Api::Hello() const {
@@ -260,18 +274,15 @@ Response Api::Health(Request const& request) const {
     if (!isLive && !isReady) {
         return NotFound("there are /health/live and /health/ready");
     }
-    std::size_t connecting = 0;
-    std::size_t online = 0;
-    auto const all = sources_.table->Snapshot();
-    for (LatestController const& latest : all) {
-        connecting += latest.link == FleetState::Connecting ? 1U : 0U;
-        online += latest.link == FleetState::Online || latest.link == FleetState::Late ? 1U : 0U;
-    }
+    auto const counts = sources_.table->LinkCounts();
+    auto const of = [&](FleetState state) { return counts.at(static_cast<std::size_t>(state)); };
+    std::size_t const connecting = of(FleetState::Connecting);
+    std::size_t const online = of(FleetState::Online) + of(FleetState::Late);
     bool const isWell = isLive || connecting == 0;
     return JsonResponse({{"status", isLive   ? "live"
                                     : isWell ? "ready"
                                              : "starting"},
-                         {"controllers", all.size()},
+                         {"controllers", std::accumulate(counts.begin(), counts.end(), std::size_t{0})},
                          {"online", online},
                          {"connecting", connecting}},
                         isWell ? 200 : 503);

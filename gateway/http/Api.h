@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -33,13 +34,22 @@ struct ApiSources {
     std::function<Response(std::string const& controller, words::Json const& body)> changeVirtual;
 };
 
-/// Answers what begins with /api/, /metrics and /health. It may take long where it reads a recording, so it runs on the worker's
-/// thread; it keeps nothing.
+/// How long an answer takes at worst.
+enum class Effort {
+    None, ///< microseconds
+    Memory, ///< tens of milliseconds, of a thousand controllers
+    Disk ///< seconds
+};
+
+/// Answers what begins with /api/, /metrics and /health. It keeps nothing.
 class Api {
 public:
     explicit Api(ApiSources sources) : sources_(std::move(sources)) {}
 
-    Response Answer(Request const& given) const;
+    static Effort EffortOf(Request const& given);
+
+    /// `stop` ends soon what reads a recording; the answer is then of no use.
+    Response Answer(Request const& given, std::stop_token const& stop = {}) const;
 
     /// What a client gets first over the WebSocket, without controllers and events.
     words::Json Hello() const;
@@ -51,11 +61,12 @@ private:
     Response OneController(std::string const& rest) const;
     Response Geometry(LatestController const& latest) const;
     Response Latest() const;
-    Response Events(Request const& request) const;
-    Response History(Request const& request) const;
+    Response Dispatch(Request const& request, std::stop_token const& stop) const;
+    Response Events(Request const& request, std::stop_token const& stop) const;
+    Response History(Request const& request, std::stop_token const& stop) const;
     Response Card(Request const& request) const;
     Response Incidents(Request const& request) const;
-    Response Incident(Request const& request, std::string const& name) const;
+    Response Incident(Request const& request, std::string const& name, std::stop_token const& stop) const;
     Response Status() const;
     Response Health(Request const& request) const;
     Response Virtual(Request const& request, std::string const& name) const;

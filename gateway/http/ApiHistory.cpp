@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <chrono>
 #include <fstream>
-#include <iterator>
-#include <sstream>
 
 #include <fmt/format.h>
 
@@ -26,6 +24,7 @@ using words::Json;
 constexpr Microseconds Millisecond = 1000;
 constexpr std::size_t MostItems = 64;
 constexpr std::uintmax_t LargestDownload = 256ULL << 20;
+constexpr std::chrono::seconds LongestReading(5); ///< of events
 
 Response NoRecording(char const* what) {
     return ErrorResponse(409, fmt::format("this gateway has no {}: the section is not in its configuration", what));
@@ -66,9 +65,48 @@ Json SeriesJson(Controller const& controller, ApiItem const& item, recording::Hi
             {"low", std::move(low)}, {"high", std::move(high)}, {"last", std::move(last)}};
 }
 
-std::string ReadWhole(std::filesystem::path const& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+std::shared_ptr<FileBody> OpenBody(std::filesystem::path const& file) {
+    auto body = std::make_shared<FileBody>();
+    body->stream.open(file, std::ios::binary);
+    std::error_code error;
+    body->size = std::filesystem::file_size(file, error);
+    if (error || !body->stream) {
+        throw recording::RecordingError(fmt::format("can't read {}", file.string()));
+    }
+    return body;
+}
+
+/// Takes nothing any more once it must stop.
+class StoppableFile : public std::filebuf {
+public:
+    explicit StoppableFile(std::stop_token stop) : stop_(std::move(stop)) {}
+
+protected:
+    std::streamsize xsputn(char const* text, std::streamsize count) override {
+        return stop_.stop_requested() ? 0 : std::filebuf::xsputn(text, count);
+    }
+
+private:
+    std::stop_token stop_;
+};
+
+/// The rows of a recording, in a file that has no name any more: they may be many times as large as the recording.
+std::shared_ptr<FileBody> CsvBody(std::filesystem::path const& file, std::stop_token const& stop) {
+    std::filesystem::path const rows = file.string() + ".csv.part";
+    StoppableFile buffer(stop);
+    buffer.open(rows, std::ios::out | std::ios::trunc | std::ios::binary);
+    auto body = OpenBody(rows);
+    std::error_code error;
+    std::filesystem::remove(rows, error);
+    std::ostream out(&buffer);
+    recording::Recording source(file);
+    ExportCsv(source, {}, out);
+    out.flush();
+    if (!out) {
+        throw recording::RecordingError("the rows could not be written beside the incident");
+    }
+    body->size = static_cast<std::uint64_t>(out.tellp());
+    return body;
 }
 
 std::int64_t TimeOf(Incident const& incident) {
@@ -84,41 +122,39 @@ std::int64_t TimeOf(Incident const& incident) {
 
 } // namespace
 
-Response Api::Events(Request const& request) const {
+Response Api::Events(Request const& request, std::stop_token const& stop) const {
     std::int64_t const from = NumberOf(request, "from", 0, 0, LatestTime);
     std::int64_t const to = NumberOf(request, "to", LatestTime, 0, LatestTime);
     constexpr std::int64_t MostEvents = 10'000;
     auto const limit = static_cast<std::size_t>(NumberOf(request, "limit", 200, 1, MostEvents));
     std::string const controller = TextOf(request, "controller");
     std::string const kind = TextOf(request, "kind");
-    std::vector<Json> events;
-    for (NumberedEvent const& event : sources_.table->Events()) {
-        events.push_back(EventJson(event));
-    }
-    // What was before this start of the gateway, only the recording knows.
-    if (!sources_.recording.empty()) {
-        std::int64_t const known = events.empty() ? LatestTime : events.front()["time"].get<std::int64_t>();
-        std::vector<Json> past;
-        for (recording::PastEvent const& event :
-             recording::ReadPastEvents(sources_.recording, {from * Millisecond, std::min(to, known) * Millisecond})) {
-            past.push_back(EventJson(static_cast<std::uint64_t>(event.number), event.controller, event.event));
-        }
-        events.insert(events.begin(), past.begin(), past.end());
-    }
     Json wanted = Json::array();
-    for (auto event = events.rbegin(); event != events.rend() && wanted.size() < limit; ++event) {
-        auto const time = (*event)["time"].get<std::int64_t>();
-        bool const isWanted = time >= from && time < to &&
-                              (controller.empty() || (*event)["controller"] == controller) &&
-                              (kind.empty() || (*event)["kind"] == kind);
-        if (isWanted) {
-            wanted.push_back(std::move(*event));
+    auto const take = [&](Json&& event) {
+        auto const time = event["time"].get<std::int64_t>();
+        bool const isWanted = time >= from && time < to && (controller.empty() || event["controller"] == controller) &&
+                              (kind.empty() || event["kind"] == kind);
+        if (isWanted && wanted.size() < limit) {
+            wanted.push_back(std::move(event));
         }
+    };
+    std::vector<NumberedEvent> const known = sources_.table->Events();
+    std::for_each(known.rbegin(), known.rend(), [&](NumberedEvent const& event) { take(EventJson(event)); });
+    // What was before this start of the gateway, only the recording knows.
+    if (!sources_.recording.empty() && wanted.size() < limit) {
+        auto const first = known.empty() ? LatestTime : Milliseconds(known.front().event.record.time);
+        auto const end = std::chrono::steady_clock::now() + LongestReading;
+        recording::ForEachPastEvent(
+            sources_.recording, {from * Millisecond, std::min(to, first) * Millisecond},
+            [&](recording::PastEvent&& event) {
+                take(EventJson(static_cast<std::uint64_t>(event.number), event.controller, event.event));
+                return wanted.size() < limit && !stop.stop_requested() && std::chrono::steady_clock::now() < end;
+            });
     }
     return JsonResponse(wanted);
 }
 
-Response Api::History(Request const& request) const {
+Response Api::History(Request const& request, std::stop_token const& stop) const {
     if (sources_.recording.empty()) {
         return NoRecording("[recording]");
     }
@@ -131,6 +167,7 @@ Response Api::History(Request const& request) const {
     constexpr std::int64_t Hour = 3'600'000;
     recording::HistoryQuery query;
     query.controller = name;
+    query.stop = stop;
     std::int64_t const to = NumberOf(request, "to", NowMilliseconds(), 0, LatestTime);
     std::int64_t const from = NumberOf(request, "from", to - Hour, 0, LatestTime);
     if (from >= to) {
@@ -167,7 +204,7 @@ Response Api::Incidents(Request const& /*request*/) const {
     return JsonResponse(all);
 }
 
-Response Api::Incident(Request const& request, std::string const& name) const {
+Response Api::Incident(Request const& request, std::string const& name, std::stop_token const& stop) const {
     if (sources_.incidents.empty()) {
         return NoRecording("[recording.incidents]");
     }
@@ -185,19 +222,14 @@ Response Api::Incident(Request const& request, std::string const& name) const {
         return ErrorResponse(413,
                              fmt::format("the incident has more than 256 MB; take {} from the gateway's disk", name));
     }
+    auto const attached = [](std::string const& called) {
+        return std::pair<std::string, std::string>("content-disposition:",
+                                                   fmt::format("attachment; filename=\"{}\"", called));
+    };
     if (TextOf(request, "format") == "csv") {
-        recording::Recording source(file);
-        std::ostringstream out;
-        ExportCsv(source, {}, out);
-        return {200,
-                "text/csv; charset=utf-8",
-                std::move(out).str(),
-                {{"content-disposition:", fmt::format("attachment; filename=\"{}.csv\"", file.stem().string())}}};
+        return {200, "text/csv; charset=utf-8", {}, {attached(file.stem().string() + ".csv")}, CsvBody(file, stop)};
     }
-    return {200,
-            "application/vnd.sqlite3",
-            ReadWhole(file),
-            {{"content-disposition:", fmt::format("attachment; filename=\"{}\"", name)}}};
+    return {200, "application/vnd.sqlite3", {}, {attached(name)}, OpenBody(file)};
 }
 
 } // namespace harvlink::gateway

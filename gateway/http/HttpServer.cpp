@@ -1,8 +1,6 @@
 #include "gateway/http/HttpServer.h"
 
 #include <atomic>
-#include <map>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -10,10 +8,10 @@
 #include <libwebsockets.h>
 
 #include "gateway/config/ConfigError.h"
-#include "gateway/http/Connection.h"
+#include "gateway/http/AnswerQueue.h"
+#include "gateway/http/Connections.h"
 #include "gateway/http/Guard.h"
 #include "gateway/http/PageFiles.h"
-#include "gateway/http/Worker.h"
 
 namespace harvlink::gateway {
 
@@ -21,6 +19,7 @@ namespace {
 
 constexpr std::string_view LivePath = "/api/live";
 constexpr lws_usec_t LivePace = 100'000; ///< microseconds: at most ten messages a second
+constexpr unsigned SpareDescriptors = 32;
 constexpr unsigned HeaderSeconds = 10; ///< for the headers of a request, or what else the library waits for
 constexpr int KeepAliveSeconds = 30;
 constexpr int WorkSeconds = 60;
@@ -30,10 +29,11 @@ constexpr std::uint16_t SecondsToHangUp = 40;
 
 /// Counters of the process: a listener that takes the place of another one goes on with them.
 struct Counts {
-    std::atomic<unsigned> connections = 0;
-    std::atomic<unsigned> liveClients = 0;
+    std::atomic<std::size_t> connections = 0;
+    std::atomic<std::size_t> liveClients = 0;
     std::atomic<std::uint64_t> requests = 0;
     std::atomic<std::uint64_t> refused = 0;
+    std::atomic<std::uint64_t> givenUp = 0;
 };
 
 Counts& AllCounts() {
@@ -59,7 +59,7 @@ public:
         isStopping_ = true;
         lws_cancel_service(context_);
         thread_.join();
-        worker_.reset(); // nothing comes from it any more
+        queue_.reset(); // it wakes this no more
         lws_context_destroy(context_);
     }
 
@@ -81,13 +81,17 @@ private:
     void Listen(ListenConfig const& config);
     void Run();
     int Handle(lws* socket, lws_callback_reasons reason, void* in, std::size_t length);
+    int ShowCounts() const;
     int Accept();
     int Begin(lws* socket, std::string_view path);
+    int BeginLive(lws* socket);
     int TakeBody(lws* socket, std::string_view part);
     int Finish(lws* socket);
     int AnswerNow(lws* socket, Exchange& exchange, Response response);
     int AnswerLater(lws* socket, std::shared_ptr<Exchange> const& exchange);
     void TakeAnswers();
+    Response Bounded(Response const& response);
+    int Send(lws* socket);
     int RefuseLive(lws* socket);
     int ReceiveLive(lws* socket, std::string_view part);
     int SendLive(lws* socket);
@@ -100,13 +104,10 @@ private:
     lws_retry_bo_t idle_{};
     lws_context* context_ = nullptr;
     Tick tick_;
-    std::map<lws*, Connection> open_; ///< the thread's own
-    std::mutex answersMutex_;
-    std::vector<std::pair<std::shared_ptr<Exchange>, Response>> answers_;
+    Connections open_; ///< the thread's own, as the next
+    std::vector<unsigned char> piece_;
     std::atomic<bool> isStopping_ = false;
-    unsigned connections_ = 0; ///< the thread's own, as the next
-    unsigned liveClients_ = 0;
-    std::unique_ptr<Worker> worker_ = std::make_unique<Worker>();
+    std::unique_ptr<AnswerQueue> queue_ = std::make_unique<AnswerQueue>(api_, [this] { lws_cancel_service(context_); });
     std::thread thread_;
 };
 
@@ -120,8 +121,8 @@ void HttpServer::Implementation::Listen(ListenConfig const& config) {
     info.gid = -1;
     info.uid = -1;
     info.max_http_header_data = LargestHeader;
-    info.max_http_header_pool = MostConnections;
-    info.fd_limit_per_thread = MostConnections + 32;
+    info.max_http_header_pool = Connections::Most + SpareDescriptors;
+    info.fd_limit_per_thread = Connections::Most + SpareDescriptors;
     info.pt_serv_buf_size = 2 * 65'536;
     info.timeout_secs = HeaderSeconds;
     info.keepalive_timeout = KeepAliveSeconds;
@@ -161,9 +162,9 @@ void HttpServer::Implementation::Run() {
 }
 
 void HttpServer::Implementation::TickLive() {
-    if (liveClients_ > 0) {
+    if (open_.LiveClients() > 0) {
         LiveText const delta = feed_.Look();
-        for (auto& [socket, connection] : open_) {
+        for (auto& [socket, connection] : open_.All()) {
             if (connection.live != nullptr && connection.live->Tick(delta)) {
                 lws_callback_on_writable(socket);
             }
@@ -178,64 +179,60 @@ int HttpServer::Implementation::Handle(lws* socket, lws_callback_reasons reason,
     case LWS_CALLBACK_FILTER_NETWORK_CONNECTION:
         return Accept();
     case LWS_CALLBACK_WSI_CREATE:
-        AllCounts().connections = ++connections_;
-        return 0;
+        open_.Add(socket);
+        return ShowCounts();
     case LWS_CALLBACK_WSI_DESTROY:
-        AllCounts().connections = --connections_;
-        open_.erase(socket);
-        return 0;
+    case LWS_CALLBACK_CLOSED_HTTP:
+    case LWS_CALLBACK_CLOSED:
+        open_.Remove(socket);
+        return ShowCounts();
     case LWS_CALLBACK_HTTP:
         return Begin(socket, text);
     case LWS_CALLBACK_HTTP_BODY:
         return TakeBody(socket, text);
     case LWS_CALLBACK_HTTP_BODY_COMPLETION:
         return Finish(socket);
-    case LWS_CALLBACK_HTTP_WRITEABLE: {
-        auto const found = open_.find(socket);
-        bool const isReady =
-            found != open_.end() && found->second.exchange != nullptr && found->second.exchange->isAnswered;
-        return isReady ? SendResponse(socket, *found->second.exchange) : 0;
-    }
-    case LWS_CALLBACK_CLOSED_HTTP:
-        open_.erase(socket);
-        return 0;
+    case LWS_CALLBACK_HTTP_WRITEABLE:
+        return Send(socket);
     case LWS_CALLBACK_EVENT_WAIT_CANCELLED:
         TakeAnswers();
         return 0;
     case LWS_CALLBACK_FILTER_PROTOCOL_CONNECTION:
         return RefuseLive(socket);
     case LWS_CALLBACK_ESTABLISHED:
-        if (liveClients_++ == 0) {
-            feed_.Look(); // nobody has looked since the last client left
-        }
-        AllCounts().liveClients = liveClients_;
-        open_[socket].live = std::make_unique<LiveClient>(feed_);
-        lws_callback_on_writable(socket);
-        return 0;
+        return BeginLive(socket);
     case LWS_CALLBACK_RECEIVE:
         return ReceiveLive(socket, text);
     case LWS_CALLBACK_SERVER_WRITEABLE:
         return SendLive(socket);
-    case LWS_CALLBACK_CLOSED:
-        liveClients_ -= open_.erase(socket) > 0 ? 1U : 0U;
-        AllCounts().liveClients = liveClients_;
-        return 0;
     default:
         return 0;
     }
 }
 
+int HttpServer::Implementation::ShowCounts() const {
+    AllCounts().connections = open_.Size();
+    AllCounts().liveClients = open_.LiveClients();
+    return 0;
+}
+
+/// Whoever only holds places must not keep others out, so a new connection takes the place of an idle one.
 int HttpServer::Implementation::Accept() {
-    if (connections_ < MostConnections) {
+    if (!open_.IsFull()) {
         return 0;
     }
-    ++AllCounts().refused;
-    return -1;
+    bool const hasRoom = open_.GiveUpOne();
+    ++(hasRoom ? AllCounts().givenUp : AllCounts().refused);
+    return hasRoom ? 0 : -1;
 }
 
 int HttpServer::Implementation::Begin(lws* socket, std::string_view path) {
     ++AllCounts().requests;
-    Connection& connection = open_[socket];
+    Connection* const found = open_.Find(socket);
+    if (found == nullptr || found->isGivenUp) {
+        return -1;
+    }
+    Connection& connection = *found;
     connection.exchange = std::make_shared<Exchange>();
     Exchange& exchange = *connection.exchange;
     exchange.request = RequestOf(socket, path);
@@ -252,11 +249,11 @@ int HttpServer::Implementation::Begin(lws* socket, std::string_view path) {
 }
 
 int HttpServer::Implementation::TakeBody(lws* socket, std::string_view part) {
-    auto const found = open_.find(socket);
-    if (found == open_.end() || found->second.exchange == nullptr) {
+    Connection* const connection = open_.Find(socket);
+    if (connection == nullptr || connection->exchange == nullptr) {
         return -1;
     }
-    std::string& body = found->second.exchange->request.body;
+    std::string& body = connection->exchange->request.body;
     if (body.size() + part.size() > LargestBody) {
         return -1;
     }
@@ -265,28 +262,26 @@ int HttpServer::Implementation::TakeBody(lws* socket, std::string_view part) {
 }
 
 int HttpServer::Implementation::Finish(lws* socket) {
-    auto const found = open_.find(socket);
-    bool const isNew = found != open_.end() && found->second.exchange != nullptr && !found->second.exchange->isAnswered;
-    return isNew ? AnswerLater(socket, found->second.exchange) : 0;
+    Connection* const connection = open_.Find(socket);
+    bool const isNew = connection != nullptr && connection->exchange != nullptr && !connection->exchange->isAnswered;
+    return isNew ? AnswerLater(socket, connection->exchange) : 0;
 }
 
 int HttpServer::Implementation::AnswerNow(lws* socket, Exchange& exchange, Response response) {
     exchange.response = std::move(response);
+    exchange.isComplete = true;
     exchange.isAnswered = true;
     lws_callback_on_writable(socket);
     return 0;
 }
 
 int HttpServer::Implementation::AnswerLater(lws* socket, std::shared_ptr<Exchange> const& exchange) {
-    bool const isTaken = worker_->Put([this, exchange] {
-        Response response = api_.Answer(exchange->request);
-        {
-            std::scoped_lock const lock(answersMutex_);
-            answers_.emplace_back(exchange, std::move(response));
-        }
-        lws_cancel_service(context_);
-    });
-    if (!isTaken) {
+    Effort const effort = Api::EffortOf(exchange->request);
+    if (effort == Effort::None) {
+        return AnswerNow(socket, *exchange, api_.Answer(exchange->request));
+    }
+    exchange->isComplete = true;
+    if (!queue_->Put(exchange)) {
         return AnswerNow(socket, *exchange, ErrorResponse(503, "too many requests wait; try again"));
     }
     lws_set_timeout(socket, PENDING_TIMEOUT_HTTP_CONTENT, WorkSeconds);
@@ -294,24 +289,62 @@ int HttpServer::Implementation::AnswerLater(lws* socket, std::shared_ptr<Exchang
 }
 
 void HttpServer::Implementation::TakeAnswers() {
-    std::vector<std::pair<std::shared_ptr<Exchange>, Response>> answers;
-    {
-        std::scoped_lock const lock(answersMutex_);
-        answers.swap(answers_);
-    }
-    for (auto& [exchange, response] : answers) {
-        for (auto& [socket, connection] : open_) {
-            if (connection.exchange == exchange) {
-                AnswerNow(socket, *exchange, std::move(response));
-                break;
+    for (AnswerQueue::Answered const& answered : queue_->TakeAll()) {
+        for (auto const& exchange : answered.exchanges) {
+            if (lws* const socket = open_.SocketOf(exchange); socket != nullptr) {
+                open_.Find(socket)->since = std::chrono::steady_clock::now();
+                AnswerNow(socket, *exchange, Bounded(answered.response));
             }
         }
     }
 }
 
+/// Clients that take their answers slowly, or not at all, must not fill the memory.
+Response HttpServer::Implementation::Bounded(Response const& response) {
+    while (!open_.HasRoomFor(response)) {
+        if (!open_.GiveUpSlowReader()) {
+            return ErrorResponse(503, "too many answers are being sent; try again");
+        }
+        ++AllCounts().givenUp;
+    }
+    return response;
+}
+
+int HttpServer::Implementation::Send(lws* socket) {
+    Connection* const connection = open_.Find(socket);
+    if (connection == nullptr || connection->exchange == nullptr || !connection->exchange->isAnswered) {
+        return 0;
+    }
+    // The library may end the connection at the end of the answer, and it is removed then.
+    auto const exchange = connection->exchange;
+    if (SendResponse(socket, *exchange, piece_) != 0) {
+        return -1;
+    }
+    if (exchange->IsSent()) {
+        connection->exchange.reset(); // a connection that waits for its next request needs no memory for the last one
+        connection->since = std::chrono::steady_clock::now();
+    }
+    return 0;
+}
+
+int HttpServer::Implementation::BeginLive(lws* socket) {
+    Connection* const connection = open_.Find(socket);
+    if (connection == nullptr) {
+        return -1;
+    }
+    if (open_.LiveClients() == 0) {
+        feed_.Look(); // nobody has looked since the last client left
+    }
+    connection->live = std::make_unique<LiveClient>(feed_);
+    lws_callback_on_writable(socket);
+    return ShowCounts();
+}
+
 int HttpServer::Implementation::RefuseLive(lws* socket) {
     std::array<char, 256> path{};
-    if (lws_hdr_copy(socket, path.data(), path.size(), WSI_TOKEN_GET_URI) <= 0 || LivePath != path.data()) {
+    bool const isLive =
+        lws_hdr_copy(socket, path.data(), path.size(), WSI_TOKEN_GET_URI) > 0 && LivePath == path.data();
+    if (!isLive || open_.LiveClients() >= Connections::MostLive) {
         return -1;
     }
     auto const refused = guard_.Refuse(RequestOf(socket, path.data()), true);
@@ -319,24 +352,25 @@ int HttpServer::Implementation::RefuseLive(lws* socket) {
 }
 
 int HttpServer::Implementation::ReceiveLive(lws* socket, std::string_view part) {
-    Connection& connection = open_[socket];
-    if (connection.live == nullptr || connection.received.size() + part.size() > LargestMessage) {
+    Connection* const connection = open_.Find(socket);
+    if (connection == nullptr || connection->live == nullptr ||
+        connection->received.size() + part.size() > LargestMessage) {
         return -1;
     }
-    connection.received += part;
+    connection->received += part;
     if (lws_is_final_fragment(socket) != 0 && lws_remaining_packet_payload(socket) == 0) {
-        connection.live->Receive(std::exchange(connection.received, {}));
+        connection->live->Receive(std::exchange(connection->received, {}));
         lws_callback_on_writable(socket);
     }
     return 0;
 }
 
 int HttpServer::Implementation::SendLive(lws* socket) {
-    auto const found = open_.find(socket);
-    if (found == open_.end() || found->second.live == nullptr) {
+    Connection* const connection = open_.Find(socket);
+    if (connection == nullptr || connection->live == nullptr) {
         return 0;
     }
-    LiveText const text = found->second.live->Next();
+    LiveText const text = connection->live->Next();
     if (text == nullptr) {
         return 0;
     }
@@ -366,6 +400,8 @@ std::vector<Figure> HttpServer::Figures() {
             {"harvlink_http_requests_total", "Requests of clients.", static_cast<double>(counts.requests)},
             {"harvlink_http_refused_connections_total", "Connections beyond the limit.",
              static_cast<double>(counts.refused)},
+            {"harvlink_http_given_up_connections_total",
+             "Connections that were closed because others needed their place.", static_cast<double>(counts.givenUp)},
             {"harvlink_http_live_clients", "Open pages.", static_cast<double>(counts.liveClients)}};
 }
 

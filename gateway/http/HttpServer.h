@@ -12,7 +12,6 @@ namespace harvlink::gateway {
 /// that a slow client takes are limited.
 class HttpServer {
 public:
-    static constexpr unsigned MostConnections = 512;
     static constexpr std::size_t LargestHeader = 4096;
     static constexpr std::size_t LargestBody = 65'536;
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,16 +25,25 @@ struct Request {
     std::string body;
 };
 
+/// A body that is too large for the memory: it is read while it is sent.
+struct FileBody {
+    std::ifstream stream;
+    std::uint64_t size = 0;
+};
+
 struct Response {
     int status = 200;
     std::string contentType = "application/json";
     std::string body;
     std::vector<std::pair<std::string, std::string>> headers{}; ///< names in small letters, each with a colon
+    std::shared_ptr<FileBody> file{}; ///< in place of `body`
+
+    std::uint64_t Size() const { return file != nullptr ? file->size : body.size(); }
 };
 
 inline Response JsonResponse(words::Json const& json, int status = 200) {
     // What is not UTF-8 is replaced rather than an exception.
-    return {status, "application/json", json.dump(-1, ' ', false, words::Json::error_handler_t::replace), {}};
+    return {status, "application/json", json.dump(-1, ' ', false, words::Json::error_handler_t::replace)};
 }
 
 inline Response ErrorResponse(int status, std::string const& text) {

@@ -7,13 +7,13 @@ Worker::Worker() : thread_([this] { Run(); }) {}
 Worker::~Worker() {
     {
         std::scoped_lock const lock(mutex_);
-        isStopping_ = true;
+        stop_.request_stop();
     }
     wake_.notify_one();
     thread_.join();
 }
 
-bool Worker::Put(std::function<void()> job) {
+bool Worker::Put(Job job) {
     std::scoped_lock const lock(mutex_);
     if (jobs_.size() >= MostWaiting) {
         return false;
@@ -26,14 +26,14 @@ bool Worker::Put(std::function<void()> job) {
 void Worker::Run() {
     std::unique_lock lock(mutex_);
     while (true) {
-        wake_.wait(lock, [this] { return isStopping_ || !jobs_.empty(); });
-        if (isStopping_) {
+        wake_.wait(lock, [this] { return stop_.stop_requested() || !jobs_.empty(); });
+        if (stop_.stop_requested()) {
             return;
         }
         auto const job = std::move(jobs_.front());
         jobs_.pop_front();
         lock.unlock();
-        job();
+        job(stop_.get_token());
         lock.lock();
     }
 }

@@ -33,6 +33,8 @@ Gateway::Gateway(Log& log) : log_(log), watch_(log) {
 Gateway::~Gateway() {
     http_.reset(); // first what asks all the others
     watch_.Stop(); // what was read is still given to the sinks
+    recording_.reset();
+    mqtt_.reset(); // last, as it may wait for a name server
 }
 
 void Gateway::Simulate(unsigned count) {
@@ -43,11 +45,18 @@ void Gateway::Apply(Config config) {
     if (plant_ != nullptr) {
         plant_->AddTo(config);
     }
-    log_.SetLevel(config.gateway.logLevel);
     // What may fail comes first, so that a file that can't be used changes nothing.
-    ApplyRecording(config);
-    ApplyListener(config);
-    ApplyMqtt(config);
+    try {
+        ApplyRecording(config);
+        ApplyListener(config);
+        ApplyMqtt(config);
+    } catch (std::exception const&) {
+        if (config_) {
+            Restore(*config_);
+        }
+        throw;
+    }
+    log_.SetLevel(config.gateway.logLevel);
     Watch::Applied const applied = watch_.Apply(config, plant_ != nullptr);
     if (StatusInfo const status = watch_.Start(); status.StatusCode != 0) {
         throw ConfigError({status.Message});
@@ -61,52 +70,71 @@ void Gateway::Apply(Config config) {
                                               {"port", std::to_string(config_->gateway.listen.port)}});
 }
 
+/// Of a configuration that was in use until one of its parts was to be replaced.
+void Gateway::Restore(Config const& config) {
+    for (auto const& [apply, what] : {std::pair(&Gateway::ApplyRecording, "recording"),
+                                      {&Gateway::ApplyListener, "listener"},
+                                      {&Gateway::ApplyMqtt, "mqtt"}}) {
+        try {
+            (this->*apply)(config);
+        } catch (std::exception const& error) {
+            log_.Error("a part of the configuration before could not be started again",
+                       {{"part", what}, {"reason", error.what()}});
+        }
+    }
+}
+
 void Gateway::ApplyRecording(Config const& config) {
-    if (config_ && config_->recording == config.recording) {
+    if (recordingInUse_ == config.recording) {
         return;
     }
-    if (recording_ != nullptr) {
-        watch_.Dispatch().Remove(recording_);
-        recording_.reset(); // a file has one writer: the old one closes before the new one opens
+    auto const close = [this] {
+        if (recording_ != nullptr) {
+            watch_.Dispatch().Remove(recording_);
+            recording_.reset();
+        }
+        recordingInUse_.reset();
+    };
+    if (recordingInUse_ && config.recording && recordingInUse_->file == config.recording->file) {
+        close(); // a file has one writer
     }
-    if (config_) {
-        config_->recording.reset(); // if the new one fails, there is none
-    }
+    std::shared_ptr<Observer> next;
     if (config.recording) {
-        recording_ = std::make_shared<RecordingSink>(*config.recording, log_);
+        next = std::make_shared<RecordingSink>(*config.recording, log_);
+    }
+    close();
+    if (next != nullptr) {
+        recording_ = std::move(next);
+        recordingInUse_ = config.recording;
         watch_.Dispatch().Add(recording_);
     }
 }
 
 void Gateway::ApplyMqtt(Config const& config) {
-    if (config_ && config_->mqtt == config.mqtt) {
+    if (mqttInUse_ == config.mqtt) {
         return;
     }
     if (mqtt_ != nullptr) {
         watch_.Dispatch().Remove(mqtt_);
-        mqtt_.reset();
+        mqtt_.reset(); // a broker takes one client of an id, and a store has one writer
+        mqttInUse_.reset();
     }
     if (config.mqtt) {
         mqtt_ = std::make_shared<sparkplug::EdgeNode>(*config.mqtt, log_);
+        mqttInUse_ = config.mqtt;
         watch_.Dispatch().Add(mqtt_);
     }
 }
 
 void Gateway::ApplyListener(Config const& config) {
-    if (http_ != nullptr && config_ && HasSameListener(*config_, config)) {
+    if (http_ != nullptr && HasSameListener(*listenerInUse_, config)) {
         return;
     }
-    http_.reset(); // the new one may have the same port
-    exposition_ = std::make_unique<Exposition>(ExpositionSourcesFor(config), config.prometheus.mostSeries);
-    try {
-        http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config));
-    } catch (ConfigError const&) {
-        if (config_) {
-            exposition_ = std::make_unique<Exposition>(ExpositionSourcesFor(*config_), config_->prometheus.mostSeries);
-            http_ = std::make_unique<HttpServer>(config_->gateway.listen, SourcesFor(*config_));
-        }
-        throw;
+    if (http_ != nullptr && listenerInUse_->gateway.listen.port == config.gateway.listen.port) {
+        http_.reset();
     }
+    http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config));
+    listenerInUse_ = config;
 }
 
 ExpositionSources Gateway::ExpositionSourcesFor(Config const& config) {
@@ -135,7 +163,9 @@ ApiSources Gateway::SourcesFor(Config const& config) {
     };
     sources.figures = [this] { return Figures(); };
     if (config.prometheus.isOn) {
-        sources.metrics = [this] { return exposition_->Text(); };
+        auto const exposition =
+            std::make_shared<Exposition>(ExpositionSourcesFor(config), config.prometheus.mostSeries);
+        sources.metrics = [exposition] { return exposition->Text(); };
     }
     for (ControllerConfig const& controller : config.controllers) {
         if (controller.geometry) {

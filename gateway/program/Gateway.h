@@ -26,7 +26,7 @@ public:
     void Simulate(unsigned count);
 
     /// Runs as the configuration says. What it has in common with the one before goes on undisturbed. Throws ConfigError or
-    /// RecordingError; the gateway then goes on with what it has.
+    /// RecordingError; the gateway then goes on as the configuration before says.
     void Apply(Config config);
 
     /// Whether all its threads go round; for the watchdog.
@@ -36,6 +36,7 @@ public:
     ListenConfig const& Listening() const { return config_->gateway.listen; }
 
 private:
+    void Restore(Config const& config);
     void ApplyRecording(Config const& config);
     void ApplyMqtt(Config const& config);
     void ApplyListener(Config const& config);
@@ -50,8 +51,10 @@ private:
     std::optional<Config> config_;
     std::shared_ptr<Observer> recording_;
     std::shared_ptr<Observer> mqtt_;
-    std::unique_ptr<Exposition> exposition_;
     std::unique_ptr<HttpServer> http_;
+    std::optional<RecordingConfig> recordingInUse_; ///< what the three were made of
+    std::optional<MqttConfig> mqttInUse_;
+    std::optional<Config> listenerInUse_;
     std::uint64_t seenRounds_ = 0;
 };
 

@@ -1,10 +1,11 @@
 #include "gateway/program/Program.h"
 
-#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
 #include <exception>
+#include <string_view>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -13,6 +14,7 @@
 #include "gateway/config/ConfigFile.h"
 #include "gateway/program/Arguments.h"
 #include "gateway/program/Bill.h"
+#include "gateway/program/Deadline.h"
 #include "gateway/program/Gateway.h"
 #include "gateway/program/SystemNotice.h"
 #include "harvlink/Version.h"
@@ -22,6 +24,8 @@ namespace harvlink::gateway {
 namespace {
 
 constexpr int Failure = 1;
+constexpr std::string_view NotUsed = "the new configuration is not used; the gateway goes on with the one before";
+constexpr std::chrono::milliseconds TimeToEnd(900);
 
 /// A file that is opened later must not get the number of a closed standard stream, or output would go into it.
 void OccupyStandardStreams() {
@@ -60,9 +64,9 @@ void Reload(Gateway& gateway, Arguments const& arguments, Log& log) {
         for (std::string const& problem : error.Problems()) {
             log.Error(problem);
         }
-        log.Error("the new configuration is not used; the gateway goes on with the one before");
+        log.Error(NotUsed);
     } catch (std::exception const& error) {
-        log.Error("the new configuration is not used as a whole", {{"reason", error.what()}});
+        log.Error(NotUsed, {{"reason", error.what()}});
     }
 }
 
@@ -99,6 +103,7 @@ int Run(Arguments const& arguments) {
     Log log;
     log.SetLevel(config.gateway.logLevel);
     log.Info("the gateway starts", {{"version", std::string(HeaderVersion)}});
+    Deadline deadline(log);
     Gateway gateway(log);
     if (arguments.simulate > 0) {
         gateway.Simulate(arguments.simulate);
@@ -110,6 +115,7 @@ int Run(Arguments const& arguments) {
                listen.port);
     std::fflush(stdout);
     Serve(gateway, arguments, signals, log);
+    deadline.Start(TimeToEnd);
     return 0;
 }
 

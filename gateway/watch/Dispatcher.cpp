@@ -37,6 +37,8 @@ void Dispatcher::Stop() {
     if (thread_.joinable()) {
         thread_.join();
     }
+    std::scoped_lock const lock(observersMutex_);
+    observers_.clear(); // so that their owner decides when they end
 }
 
 void Dispatcher::Run() {

@@ -25,7 +25,7 @@ public:
     /// Stops.
     ~Dispatcher();
 
-    /// Gives what the fleet still has, then ends the thread.
+    /// Gives what the fleet still has, then ends the thread and lets go of the observers.
     void Stop();
 
     void Add(std::shared_ptr<Observer> const& observer);

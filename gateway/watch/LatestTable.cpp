@@ -80,6 +80,15 @@ std::vector<LatestController> LatestTable::Snapshot() const {
     return all;
 }
 
+std::array<std::size_t, 5> LatestTable::LinkCounts() const {
+    std::scoped_lock const lock(mutex_);
+    std::array<std::size_t, 5> counts{};
+    for (auto const& [id, entry] : controllers_) {
+        ++counts.at(static_cast<std::size_t>(entry.link));
+    }
+    return counts;
+}
+
 LatestTable::Changes LatestTable::ChangesSince(std::uint64_t version) const {
     std::scoped_lock const lock(mutex_);
     Changes changes;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -41,6 +43,9 @@ public:
 
     /// All controllers in the order in which they were added.
     std::vector<LatestController> Snapshot() const;
+
+    /// How many controllers there are by their FleetState.
+    std::array<std::size_t, 5> LinkCounts() const;
 
     /// What has changed since a version, in one moment.
     struct Changes {

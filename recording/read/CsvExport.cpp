@@ -14,7 +14,11 @@ constexpr std::string_view QualityNames[] = {"good", "refused", "stale", "never-
 class Export {
 public:
     Export(Recording& recording, CsvOptions const& options, std::ostream& out)
-        : recording_(recording), options_(options), rows_(out, options.decimalComma), known_(recording.Contents()) {
+        : recording_(recording),
+          options_(options),
+          out_(out),
+          rows_(out, options.decimalComma),
+          known_(recording.Contents()) {
         for (std::uint32_t const reading : options.readings) {
             isWanted_.at(reading) = true;
         }
@@ -29,7 +33,7 @@ public:
                 return true;
             }
             hasGrid ? UseOnGrid(change) : UseAtOnce(change);
-            return true;
+            return !out_.fail();
         });
         if (hasGrid) {
             FinishGrid();
@@ -181,6 +185,7 @@ private:
 
     Recording& recording_;
     CsvOptions const& options_;
+    std::ostream& out_;
     CsvRows rows_;
     KnownState known_;
     std::vector<std::vector<std::string>> cells_; ///< by reading and place

@@ -17,7 +17,7 @@ struct CsvOptions {
 };
 
 /// Writes a recording as comma separated values. Times are given twice: in ISO form, and in seconds since the first row.
-/// Returns the number of rows without the header.
+/// Returns the number of rows without the header. Ends early when the stream has failed.
 std::uint64_t ExportCsv(Recording& recording, CsvOptions const& options, std::ostream& out);
 
 } // namespace harvlink::recording

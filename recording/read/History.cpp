@@ -113,14 +113,28 @@ HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const&
         all.emplace_back(query, series);
     }
     Makers const makers = MakersOf(source.Contents(), query, all);
+    std::vector<TimeRange> const pauses = source.Pauses();
+    auto pause = pauses.begin();
+    // A line over the time in which nobody recorded would be made up.
+    auto const putPausesBefore = [&](Microseconds time) {
+        for (; pause != pauses.end() && pause->end <= time; ++pause) {
+            for (SeriesMaker& maker : all) {
+                maker.Put(pause->begin, {});
+            }
+        }
+    };
     auto const end = std::chrono::steady_clock::now() + query.longest;
     std::size_t count = 0;
     constexpr std::size_t Often = 1024;
     source.ForEachChange({query.from, query.to}, true, [&](Change const& change) {
+        putPausesBefore(change.moment.answer);
         Use(change, makers);
-        result.isCut = ++count % Often == 0 && std::chrono::steady_clock::now() > end;
+        result.isCut = ++count % Often == 0 && (std::chrono::steady_clock::now() > end || query.stop.stop_requested());
         return !result.isCut;
     });
+    if (!result.isCut) {
+        putPausesBefore(query.to);
+    }
     for (SeriesMaker& maker : all) {
         maker.Begin();
     }
@@ -128,15 +142,24 @@ HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const&
 }
 
 std::vector<PastEvent> ReadPastEvents(std::filesystem::path const& file, TimeRange const& range) {
-    Recording source(file);
     std::vector<PastEvent> events;
-    for (StoredEvent& stored : source.Events(range)) {
+    ForEachPastEvent(file, range, [&](PastEvent&& event) {
+        events.push_back(std::move(event));
+        return true;
+    });
+    std::reverse(events.begin(), events.end());
+    return events;
+}
+
+void ForEachPastEvent(std::filesystem::path const& file, TimeRange const& range,
+                      std::function<bool(PastEvent&&)> const& use) {
+    Recording source(file);
+    source.ForEachEvent(range, Recording::Order::NewestFirst, [&](StoredEvent&& stored) {
         auto const& controllers = source.Contents().controllers;
         std::size_t const place = stored.event.controller - std::size_t{1};
-        events.push_back(
-            {stored.sequence, place < controllers.size() ? controllers[place].name : "", std::move(stored.event)});
-    }
-    return events;
+        std::string const name = place < controllers.size() ? controllers[place].name : "";
+        return use({stored.sequence, name, std::move(stored.event)});
+    });
 }
 
 } // namespace harvlink::recording

@@ -142,10 +142,12 @@ Recording::Moment Recording::Find(Microseconds time) {
     return {segment.Integer(2) + offset, segment.Integer(4)};
 }
 
-std::vector<StoredEvent> Recording::Events(TimeRange const& range) {
-    std::vector<StoredEvent> events;
-    Statement row(database_, "SELECT sequence, utc_us, monotonic_us, controller, kind, before, after, code, text, card "
-                             "FROM events WHERE utc_us >= ? AND utc_us < ? ORDER BY sequence");
+void Recording::ForEachEvent(TimeRange const& range, Order order, std::function<bool(StoredEvent&&)> const& use) {
+    Statement row(
+        database_,
+        fmt::format("SELECT sequence, utc_us, monotonic_us, controller, kind, before, after, code, text, card "
+                    "FROM events WHERE utc_us >= ? AND utc_us < ? ORDER BY sequence {}",
+                    order == Order::NewestFirst ? "DESC" : "ASC"));
     row.Bind(0, range.begin);
     row.Bind(1, range.end);
     while (row.Step()) {
@@ -153,12 +155,37 @@ std::vector<StoredEvent> Recording::Events(TimeRange const& range) {
         if (controller < 1 || controller > static_cast<std::int64_t>(catalogue_.controllers.size())) {
             continue;
         }
-        events.push_back(
-            {row.Integer(0),
-             {row.Integer(1), row.Integer(2), static_cast<std::uint32_t>(controller), row.Text(4), row.Integer(5),
-              row.Integer(6), static_cast<std::int32_t>(row.Integer(7)), row.Text(8), row.Text(9)}});
+        StoredEvent event{row.Integer(0),
+                          {row.Integer(1), row.Integer(2), static_cast<std::uint32_t>(controller), row.Text(4),
+                           row.Integer(5), row.Integer(6), static_cast<std::int32_t>(row.Integer(7)), row.Text(8),
+                           row.Text(9)}};
+        if (!use(std::move(event))) {
+            return;
+        }
     }
+}
+
+std::vector<StoredEvent> Recording::Events(TimeRange const& range) {
+    std::vector<StoredEvent> events;
+    ForEachEvent(range, Order::OldestFirst, [&](StoredEvent&& event) {
+        events.push_back(std::move(event));
+        return true;
+    });
     return events;
+}
+
+/// A segment begins where the one before it ended, unless nobody wrote in between.
+std::vector<TimeRange> Recording::Pauses() {
+    std::vector<TimeRange> pauses;
+    Statement row(database_, "SELECT begin_us, end_us FROM segments ORDER BY id");
+    Microseconds end = std::numeric_limits<Microseconds>::max();
+    while (row.Step()) {
+        if (row.Integer(0) > end) {
+            pauses.push_back({end, row.Integer(0)});
+        }
+        end = row.Integer(1);
+    }
+    return pauses;
 }
 
 std::vector<StoredGap> Recording::Gaps(TimeRange const& range) {

@@ -76,7 +76,15 @@ public:
     };
     Moment Find(Microseconds time);
 
+    /// Calls `use` with all events of the range until it returns false.
+    enum class Order { OldestFirst, NewestFirst };
+    void ForEachEvent(TimeRange const& range, Order order, std::function<bool(StoredEvent&&)> const& use);
+
     std::vector<StoredEvent> Events(TimeRange const& range = {});
+
+    /// The times in which nobody recorded: from the last sample of one run of the recorder to the first of the next one.
+    std::vector<TimeRange> Pauses();
+
     std::vector<StoredGap> Gaps(TimeRange const& range = {});
 
 private:

@@ -11,8 +11,10 @@ target_compile_definitions(${target} PRIVATE HARVLINK_SOURCE_DIR="${PROJECT_SOUR
 # The program as a plant has it: signals, a bad file, a real Prometheus server, the commands of its page in the documents.
 if(NOT HARVLINK_SANITIZE)
     find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
-    add_test(NAME gateway.program COMMAND "${Python3_EXECUTABLE}" "${CMAKE_CURRENT_SOURCE_DIR}/gateway/program_test.py"
-                                          $<TARGET_FILE:harvlink-gateway> "${PROJECT_SOURCE_DIR}")
-    set_tests_properties(gateway.program PROPERTIES TIMEOUT 120)
+    foreach(name program hostile life)
+        add_test(NAME gateway.${name} COMMAND "${Python3_EXECUTABLE}" "${CMAKE_CURRENT_SOURCE_DIR}/gateway/${name}_test.py"
+                                              $<TARGET_FILE:harvlink-gateway> "${PROJECT_SOURCE_DIR}")
+        set_tests_properties(gateway.${name} PROPERTIES TIMEOUT 180 ENVIRONMENT PYTHONDONTWRITEBYTECODE=1)
+    endforeach()
     add_dependencies(${target} harvlink-gateway)
 endif()

@@ -3,90 +3,18 @@
 
 import contextlib
 import json
-import os
-import pathlib
 import re
 import shutil
-import signal
 import socket
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
-import urllib.error
 import urllib.parse
-import urllib.request
 
-PROGRAM = sys.argv[1]
-SOURCE = pathlib.Path(sys.argv[2])
-PATIENCE = 30  # seconds
+from gateway_program import PATIENCE, PROGRAM, SOURCE, Gateway, GatewayTest, free_port, get, wait_for
 
-
-def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
-
-
-def wait_for(condition, what):
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        found = condition()
-        if found:
-            return found
-        time.sleep(0.1)
-    raise AssertionError(f"waited in vain for {what}")
-
-
-def get(port, path, expected=200, body=None, **headers):
-    request = urllib.request.Request(f"http://127.0.0.1:{port}{path}", data=body, headers=headers)
-    try:
-        with urllib.request.urlopen(request, timeout=PATIENCE) as answer:
-            status, text = answer.status, answer.read().decode()
-    except urllib.error.HTTPError as error:
-        status, text = error.code, error.read().decode()
-    assert status == expected, f"{path}: {status} {text}"
-    return text
-
-
-class Gateway:
-    """One that runs, with what it prints."""
-
-    def __init__(self, test, text, *options, environment=None):
-        folder = test.folder
-        self.port = free_port()
-        self.file = folder / "plant.toml"
-        self.write(text)
-        self.errors = open(folder / "errors", "w+", encoding="utf-8")
-        self.process = subprocess.Popen([PROGRAM, "--config", self.file, *options], stdout=subprocess.PIPE, text=True,
-                                        stderr=self.errors, env={**os.environ, **(environment or {})})
-        test.addCleanup(self.end)
-        line = self.process.stdout.readline()
-        assert "ready" in line, (folder / "errors").read_text()
-
-    def write(self, text):
-        self.file.write_text(f'[gateway]\nname = "hall"\nlisten = "127.0.0.1:{self.port}"\n{text}', encoding="utf-8")
-
-    def log(self):
-        return pathlib.Path(self.errors.name).read_text(encoding="utf-8")
-
-    def stop(self):
-        self.process.send_signal(signal.SIGTERM)
-        return self.process.wait(PATIENCE)
-
-    def end(self):
-        self.process.kill()
-        self.process.wait(PATIENCE)
-        self.process.stdout.close()
-        self.errors.close()
-
-
-class ProgramTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-
+class ProgramTest(GatewayTest):
     def test_example_is_right_and_a_wrong_file_is_told(self):
         example = subprocess.run([PROGRAM, "--print-example"], capture_output=True, text=True, check=True).stdout
         file = self.folder / "plant.toml"
@@ -127,12 +55,12 @@ class ProgramTest(unittest.TestCase):
         get(port, "/api/virtual/robot2", 403, body=b"{}", Origin="http://evil.example")
 
         gateway.write("[prometheus]\nenabled = 1\n")
-        gateway.process.send_signal(signal.SIGHUP)
+        gateway.reload()
         wait_for(lambda: "goes on with the one before" in gateway.log(), "the refusal of a bad file")
         self.assertIn("[prometheus] enabled: must be true or false", gateway.log())
         get(port, "/metrics")
         gateway.write("[prometheus]\nenabled = false\n")
-        gateway.process.send_signal(signal.SIGHUP)
+        gateway.reload()
         wait_for(lambda: "added=0 removed=0 changed=0" in gateway.log(), "the reload")
         get(port, "/metrics", 404)
         start = time.monotonic()
@@ -143,24 +71,6 @@ class ProgramTest(unittest.TestCase):
             while seen != b"STOPPING=1":
                 seen = notices.recv(100)
         self.assertEqual(seen, b"STOPPING=1")
-
-    def test_hostile_clients_do_not_disturb_others(self):
-        gateway = Gateway(self, "", "--simulate", "1")
-        address = ("127.0.0.1", gateway.port)
-        slow = [socket.create_connection(address) for _ in range(100)]
-        for client in slow:
-            client.sendall(b"GET /metrics HTTP/1.1\r\nHost: ")
-        for bad in (b"GET / HTTP/1.1\r\nHost: localhost\r\nX: " + b"x" * 20000 + b"\r\n\r\n", b"\x16\x03\x01" + bytes(200),
-                    b"GET /%00%ff/../.. HTTP/1.1\r\nHost: localhost\r\n\r\n", b"\r\n" * 500,
-                    b"POST /api/virtual/robot1 HTTP/1.1\r\nHost: localhost\r\nContent-Length: 99999999\r\n\r\n{"):
-            with socket.create_connection(address) as client, contextlib.suppress(OSError):
-                client.sendall(bad)
-                client.settimeout(1.0)
-                client.recv(1000)
-        self.assertIn("harvlink_up", get(gateway.port, "/metrics"))
-        for client in slow:
-            client.close()
-        self.assertEqual(gateway.stop(), 0)
 
     def test_the_commands_of_the_documents(self):
         page = (SOURCE / "docs" / "gateway.md").read_text(encoding="utf-8")
@@ -189,7 +99,7 @@ class ProgramTest(unittest.TestCase):
         subprocess.run(["promtool", "check", "rules", shipped / "harvlink.rules.yml"], check=True, capture_output=True)
         subprocess.run(["promtool", "check", "config", shipped / "prometheus.yml"], check=True, capture_output=True)
         config = (shipped / "prometheus.yml").read_text(encoding="utf-8")
-        config = config.replace("127.0.0.1:9750", f"127.0.0.1:{gateway.port}").replace("5s", "1s")
+        config = config.replace("127.0.0.1:9750", f"127.0.0.1:{gateway.port}").replace("5s", "2s")
         shutil.copy(shipped / "harvlink.rules.yml", self.folder)
         (self.folder / "prometheus.yml").write_text(config, encoding="utf-8")
         port = free_port()
@@ -206,7 +116,7 @@ class ProgramTest(unittest.TestCase):
 
         try:
             wait_for(lambda: ask("sum(harvlink_up)") == [100.0], "a hundred controllers in the server")
-            wait_for(lambda: ask("count(rate(harvlink_exchanges_total[10s]) > 0)") == [100.0], "their rates")
+            wait_for(lambda: ask("count(rate(harvlink_exchanges_total[20s]) > 0)") == [100.0], "their rates")
             self.assertEqual(ask('count(harvlink_axis_position_pulses{axis="s"})'), [100.0])
             get(gateway.port, "/api/virtual/robot7", body=b'{"fault":"silence=100%"}')
             wait_for(lambda: ask('harvlink_up{controller="robot7"}') == [0.0], "a silent controller")

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "recording/read/CsvExport.h"
+#include "recording/read/History.h"
 #include "recording/store/Schema.h"
 #include "recording/write/Cut.h"
 #include "recording/write/SampleStore.h"
@@ -200,6 +201,43 @@ TEST_F(RecordingTest, ExportsRowsOrColumnsWithUnits) {
         std::ostringstream out;
         ExportCsv(recording, wanted.options, out);
         EXPECT_EQ(out.str(), wanted.text);
+    }
+}
+
+TEST_F(RecordingTest, ExportEndsWhenItsTargetTakesNothing) {
+    constexpr int Count = 100'000;
+    Record([&](SampleStore& store, Cell const& cell) {
+        for (int i = 0; i < Count; ++i) {
+            store.Put(At(i * 1000, cell.number, {std::int64_t{i}}));
+        }
+    });
+    std::ostringstream out;
+    out.setstate(std::ios::badbit);
+    Recording recording(path_);
+    EXPECT_LT(ExportCsv(recording, {}, out), Count / 2);
+}
+
+TEST_F(RecordingTest, HistoryHasAGapWhereNobodyRecorded) {
+    Record([&](SampleStore& store, Cell const& cell) { store.Put(At(0, cell.number, {std::int64_t{7}})); });
+    Record([&](SampleStore& store, Cell const& cell) {
+        store.Put(At(100 * Second, cell.number, {std::int64_t{7}}));
+        store.Put(At(101 * Second, cell.position, {1.0, 2.0}));
+    });
+    HistoryQuery query{.controller = "press1", .items = {{"register 3", 0}}, .to = Begin + 200 * Second};
+    struct Case {
+        Microseconds from;
+        std::vector<RecordedValue> values;
+    };
+    RecordedValue const seven = std::int64_t{7};
+    for (Case const& each : {Case{Begin - Second, {seven, {}, seven}}, Case{Begin + 50 * Second, {{}, seven}},
+                             Case{Begin + 150 * Second, {seven}}}) {
+        query.from = each.from;
+        std::vector<RecordedValue> values;
+        HistoryResult const result = ReadHistory(path_, query);
+        for (auto const& point : result.series[0].points) {
+            values.push_back(point.last);
+        }
+        EXPECT_EQ(values, each.values);
     }
 }
 

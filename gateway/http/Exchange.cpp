@@ -1,4 +1,4 @@
-#include "gateway/http/Connection.h"
+#include "gateway/http/Exchange.h"
 
 #include <algorithm>
 #include <array>
@@ -67,7 +67,7 @@ int SendHeaders(lws* socket, Exchange& exchange) {
     unsigned char* at = start;
     unsigned char* const end = buffer.data() + buffer.size() - 1;
     bool isWell = lws_add_http_common_headers(socket, static_cast<unsigned>(response.status),
-                                              response.contentType.c_str(), response.body.size(), &at, end) == 0;
+                                              response.contentType.c_str(), response.Size(), &at, end) == 0;
     for (auto const& [name, value] : SecurityHeaders()) {
         isWell = isWell && AddHeader(socket, name, value, &at, end);
     }
@@ -79,6 +79,19 @@ int SendHeaders(lws* socket, Exchange& exchange) {
     }
     exchange.hasHeaders = true;
     return 0;
+}
+
+/// Returns how many bytes; 0 if the file has become shorter.
+std::size_t FillPiece(Exchange& exchange, unsigned char* to) {
+    Response& response = exchange.response;
+    auto const count = static_cast<std::size_t>(std::min<std::uint64_t>(Piece, response.Size() - exchange.sent));
+    if (response.file == nullptr) {
+        std::copy_n(response.body.data() + exchange.sent, count, to);
+        return count;
+    }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): bytes, whatever their sign
+    response.file->stream.read(reinterpret_cast<char*>(to), static_cast<std::streamsize>(count));
+    return static_cast<std::size_t>(response.file->stream.gcount());
 }
 
 } // namespace
@@ -96,29 +109,25 @@ Request RequestOf(lws* socket, std::string_view path) {
     return request;
 }
 
-int SendResponse(lws* socket, Exchange& exchange) {
-    std::string const& body = exchange.response.body;
+int SendResponse(lws* socket, Exchange& exchange, std::vector<unsigned char>& piece) {
     if (!exchange.hasHeaders) {
         if (SendHeaders(socket, exchange) != 0) {
             return -1;
         }
-        if (body.empty()) {
+        if (exchange.IsSent()) {
             return lws_http_transaction_completed(socket) != 0 ? -1 : 0;
         }
         lws_callback_on_writable(socket);
         return 0;
     }
-    std::size_t const count = std::min(Piece, body.size() - exchange.sent);
-    std::vector<unsigned char> piece(LWS_PRE + count);
-    std::copy_n(body.data() + exchange.sent, count, piece.data() + LWS_PRE);
+    piece.resize(LWS_PRE + Piece);
+    std::size_t const count = FillPiece(exchange, piece.data() + LWS_PRE);
     exchange.sent += count;
-    bool const isLast = exchange.sent == body.size();
-    int const written =
-        lws_write(socket, piece.data() + LWS_PRE, count, isLast ? LWS_WRITE_HTTP_FINAL : LWS_WRITE_HTTP);
-    if (written < static_cast<int>(count)) {
+    lws_write_protocol const kind = exchange.IsSent() ? LWS_WRITE_HTTP_FINAL : LWS_WRITE_HTTP;
+    if (count == 0 || lws_write(socket, piece.data() + LWS_PRE, count, kind) < static_cast<int>(count)) {
         return -1;
     }
-    if (isLast) {
+    if (exchange.IsSent()) {
         return lws_http_transaction_completed(socket) != 0 ? -1 : 0;
     }
     // A client that takes nothing for this long is let go.
