@@ -48,7 +48,7 @@ void AnswerQueue::Answer(std::string const& key, std::stop_token const& stop) {
         std::scoped_lock const lock(mutex_);
         answered.exchanges = std::move(waiting_.extract(key).mapped());
     }
-    answered.response = api_.Answer(answered.exchanges.front()->request, stop);
+    answered.response = std::make_shared<Response>(api_.Answer(answered.exchanges.front()->request, stop));
     {
         std::scoped_lock const lock(mutex_);
         answers_.push_back(std::move(answered));

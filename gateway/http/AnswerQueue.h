@@ -21,7 +21,7 @@ class AnswerQueue {
 public:
     struct Answered {
         std::vector<std::shared_ptr<Exchange>> exchanges; ///< all get the same answer
-        Response response;
+        std::shared_ptr<Response> response;
     };
 
     /// `wake` is called on another thread when there is something to take.

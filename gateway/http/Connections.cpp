@@ -1,6 +1,7 @@
 #include "gateway/http/Connections.h"
 
 #include <algorithm>
+#include <set>
 
 #include <sys/socket.h>
 
@@ -17,7 +18,7 @@ bool HasNoRequest(Connection const& connection) {
 }
 
 bool IsSlowReader(Connection const& connection) {
-    return connection.exchange != nullptr && connection.exchange->isAnswered &&
+    return connection.exchange != nullptr && connection.exchange->response != nullptr &&
            steady_clock::now() - connection.since > Patience;
 }
 
@@ -43,13 +44,20 @@ lws* Connections::SocketOf(std::shared_ptr<Exchange> const& exchange) const {
 }
 
 bool Connections::HasRoomFor(Response const& response) const {
+    std::set<Response const*> others;
+    for (auto const& [socket, connection] : all_) {
+        if (connection.exchange != nullptr && connection.exchange->response != nullptr) {
+            others.insert(connection.exchange->response.get());
+        }
+    }
+    if (others.contains(&response)) {
+        return true;
+    }
     std::uint64_t bytes = 0;
     std::size_t downloads = 0;
-    for (auto const& [socket, connection] : all_) {
-        if (connection.exchange != nullptr && connection.exchange->isAnswered) {
-            bytes += connection.exchange->response.body.size();
-            downloads += connection.exchange->response.file != nullptr ? 1U : 0U;
-        }
+    for (Response const* other : others) {
+        bytes += other->body.size();
+        downloads += other->file != nullptr ? 1U : 0U;
     }
     return (bytes == 0 || bytes + response.body.size() <= MostBytes) &&
            (response.file == nullptr || downloads < MostDownloads);

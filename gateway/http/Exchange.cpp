@@ -61,7 +61,7 @@ bool AddHeader(lws* socket, std::string const& name, std::string const& value, u
 }
 
 int SendHeaders(lws* socket, Exchange& exchange) {
-    Response const& response = exchange.response;
+    Response const& response = *exchange.response;
     std::array<unsigned char, LWS_PRE + LargestHeaders> buffer{};
     unsigned char* const start = buffer.data() + LWS_PRE;
     unsigned char* at = start;
@@ -83,7 +83,7 @@ int SendHeaders(lws* socket, Exchange& exchange) {
 
 /// Returns how many bytes; 0 if the file has become shorter.
 std::size_t FillPiece(Exchange& exchange, unsigned char* to) {
-    Response& response = exchange.response;
+    Response& response = *exchange.response;
     auto const count = static_cast<std::size_t>(std::min<std::uint64_t>(Piece, response.Size() - exchange.sent));
     if (response.file == nullptr) {
         std::copy_n(response.body.data() + exchange.sent, count, to);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include <libwebsockets.h>
@@ -9,16 +10,15 @@
 
 namespace harvlink::gateway {
 
-/// A request and its answer. The listener's thread has it; a worker puts an answer into it.
+/// A request and its answer. For the listener's thread; a worker only reads the request.
 struct Exchange {
     Request request;
-    Response response;
+    std::shared_ptr<Response> response; ///< null until it is answered; several exchanges may have the same
     bool isComplete = false; ///< the whole request is there
-    bool isAnswered = false; ///< set on the listener's thread, by the worker's message
     bool hasHeaders = false;
     std::uint64_t sent = 0; ///< bytes of the body
 
-    bool IsSent() const { return hasHeaders && sent == response.Size(); }
+    bool IsSent() const { return hasHeaders && sent == response->Size(); }
 };
 
 /// The request whose headers have come.

@@ -87,10 +87,13 @@ private:
     int BeginLive(lws* socket);
     int TakeBody(lws* socket, std::string_view part);
     int Finish(lws* socket);
-    int AnswerNow(lws* socket, Exchange& exchange, Response response);
+    static int AnswerNow(lws* socket, Exchange& exchange, std::shared_ptr<Response> response);
+    static int AnswerNow(lws* socket, Exchange& exchange, Response response) {
+        return AnswerNow(socket, exchange, std::make_shared<Response>(std::move(response)));
+    }
     int AnswerLater(lws* socket, std::shared_ptr<Exchange> const& exchange);
     void TakeAnswers();
-    Response Bounded(Response const& response);
+    std::shared_ptr<Response> Bounded(std::shared_ptr<Response> const& response);
     int Send(lws* socket);
     int RefuseLive(lws* socket);
     int ReceiveLive(lws* socket, std::string_view part);
@@ -263,14 +266,14 @@ int HttpServer::Implementation::TakeBody(lws* socket, std::string_view part) {
 
 int HttpServer::Implementation::Finish(lws* socket) {
     Connection* const connection = open_.Find(socket);
-    bool const isNew = connection != nullptr && connection->exchange != nullptr && !connection->exchange->isAnswered;
+    bool const isNew =
+        connection != nullptr && connection->exchange != nullptr && connection->exchange->response == nullptr;
     return isNew ? AnswerLater(socket, connection->exchange) : 0;
 }
 
-int HttpServer::Implementation::AnswerNow(lws* socket, Exchange& exchange, Response response) {
+int HttpServer::Implementation::AnswerNow(lws* socket, Exchange& exchange, std::shared_ptr<Response> response) {
     exchange.response = std::move(response);
     exchange.isComplete = true;
-    exchange.isAnswered = true;
     lws_callback_on_writable(socket);
     return 0;
 }
@@ -300,10 +303,10 @@ void HttpServer::Implementation::TakeAnswers() {
 }
 
 /// Clients that take their answers slowly, or not at all, must not fill the memory.
-Response HttpServer::Implementation::Bounded(Response const& response) {
-    while (!open_.HasRoomFor(response)) {
+std::shared_ptr<Response> HttpServer::Implementation::Bounded(std::shared_ptr<Response> const& response) {
+    while (!open_.HasRoomFor(*response)) {
         if (!open_.GiveUpSlowReader()) {
-            return ErrorResponse(503, "too many answers are being sent; try again");
+            return std::make_shared<Response>(ErrorResponse(503, "too many answers are being sent; try again"));
         }
         ++AllCounts().givenUp;
     }
@@ -312,7 +315,7 @@ Response HttpServer::Implementation::Bounded(Response const& response) {
 
 int HttpServer::Implementation::Send(lws* socket) {
     Connection* const connection = open_.Find(socket);
-    if (connection == nullptr || connection->exchange == nullptr || !connection->exchange->isAnswered) {
+    if (connection == nullptr || connection->exchange == nullptr || connection->exchange->response == nullptr) {
         return 0;
     }
     // The library may end the connection at the end of the answer, and it is removed then.
