@@ -94,9 +94,9 @@ def calls_row(folder, kind, name):
     }
 
 
-def recording_rows(folder):
-    """The figures of recordings come as a line of JSON each."""
-    for line in (folder / "recording.json").read_text().splitlines():
+def lines_of(file):
+    """The figures of recordings and of the page come as a line of JSON each."""
+    for line in file.read_text().splitlines():
         case = json.loads(line)
         gated = case["value"] if case["gated"] is None else case["gated"]
         met = gated <= case["target"] if case["comparison"] == "<=" else gated >= case["target"]
@@ -179,7 +179,8 @@ def main():
     rows = results["rows"] + [
         calls_row(folder, "exchanges", "system calls per exchange"),
         calls_row(folder, "strict-exchanges", "strict: system calls per exchange"),
-        *recording_rows(folder),
+        *lines_of(folder / "recording.json"),
+        *lines_of(folder / "page.json"),
     ]
     missed = sum(not case["met"] for case in rows)
     page = PAGE.format(

@@ -157,7 +157,8 @@ Response Api::OneController(std::string const& rest) const {
     return JsonResponse({{"summary", SummaryJson(*latest, sources_.roundTrips())},
                          {"items", std::move(items)},
                          {"values", std::move(values)},
-                         {"link", LinkJson(name)}});
+                         {"link", LinkJson(name)},
+                         {"hasGeometry", sources_.geometries.contains(name)}});
 }
 
 Json Api::LinkJson(std::string const& name) const {

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 #include <libwebsockets.h>
+#include <pthread.h>
 
 #include "gateway/config/ConfigError.h"
 #include "gateway/http/AnswerQueue.h"
@@ -151,6 +152,7 @@ void HttpServer::Implementation::Listen(ListenConfig const& config) {
 }
 
 void HttpServer::Implementation::Run() {
+    pthread_setname_np(pthread_self(), "http"); // so that top -H and benchmarks show what open pages cost
     feed_.Look();
     tick_.self = this;
     auto const next = [](lws_sorted_usec_list_t* list) {

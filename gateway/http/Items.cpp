@@ -120,4 +120,22 @@ Json ItemValueJson(Controller const& controller, ApiItem const& item, SamplePtr 
                         Qualities.at(static_cast<std::size_t>(sample->moment.quality))});
 }
 
+void AppendItemValue(std::string& text, Controller const& controller, ApiItem const& item, SamplePtr const& sample) {
+    bool const isNumber = sample != nullptr && sample->moment.quality == recording::RecordedQuality::Good &&
+                          item.place < sample->values.size() &&
+                          controller.readings[item.reading].items[item.place].type != RecordedType::Truth;
+    recording::RecordedValue const* const value = isNumber ? &sample->values[item.place] : nullptr;
+    auto const append = [&](auto const& number) {
+        fmt::format_to(std::back_inserter(text), "[{},{},{},\"{}\"]", item.id, Milliseconds(sample->moment.answer),
+                       number, Qualities.at(static_cast<std::size_t>(sample->moment.quality)));
+    };
+    if (value != nullptr && std::holds_alternative<std::int64_t>(*value)) {
+        append(std::get<std::int64_t>(*value));
+    } else if (value != nullptr && std::holds_alternative<double>(*value) && std::isfinite(std::get<double>(*value))) {
+        append(std::get<double>(*value));
+    } else {
+        text += ItemValueJson(controller, item, sample).dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
+}
+
 } // namespace harvlink::gateway

@@ -27,6 +27,9 @@ words::Json ValueJson(recording::RecordedItem const& item, recording::RecordedVa
 /// [id, time, value, quality]; of what was never read, too.
 words::Json ItemValueJson(Controller const& controller, ApiItem const& item, SamplePtr const& sample);
 
+/// The same as text behind what is there: live values are most of what open pages cost, and a JSON tree takes five times as long.
+void AppendItemValue(std::string& text, Controller const& controller, ApiItem const& item, SamplePtr const& sample);
+
 inline std::int64_t Milliseconds(recording::Microseconds time) {
     return time / 1000;
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include "gateway/http/Items.h"
 
 namespace harvlink::gateway {
@@ -29,7 +31,7 @@ bool LiveFeed::TakeChange(LatestController& changed, bool isWhole) {
     for (std::size_t i = 0; i < changed.samples.size(); ++i) {
         if (changed.samples[i] != nullptr) {
             known.latest.samples[i] = std::move(changed.samples[i]);
-            hasNews = true;
+            hasNews = hasNews || IsInSummary(changed.controller->readings[i]);
         }
     }
     changed.samples = std::move(known.latest.samples);
@@ -159,15 +161,17 @@ LiveText LiveFeed::Values(std::string const& controller, std::uint64_t& version)
         return same->text;
     }
     LatestController const& latest = found->second.latest;
-    Json values = Json::array();
+    std::string values;
     for (ApiItem const& item : ItemsOf(*latest.controller)) {
         if (latest.versions.at(item.reading) > from) {
-            values.push_back(ItemValueJson(*latest.controller, item, latest.samples.at(item.reading)));
+            values += values.empty() ? "" : ",";
+            AppendItemValue(values, *latest.controller, item, latest.samples.at(item.reading));
         }
     }
     LiveText text = values.empty()
                         ? nullptr
-                        : TextOf({{"type", "values"}, {"controller", controller}, {"values", std::move(values)}});
+                        : std::make_shared<std::string const>(fmt::format(
+                              R"({{"type":"values","controller":{},"values":[{}]}})", *TextOf(controller), values));
     made.push_back({from, version_, text});
     return text;
 }

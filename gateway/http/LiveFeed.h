@@ -45,7 +45,7 @@ private:
         LiveText text;
     };
 
-    /// True if more has changed than the time of the last answer.
+    /// True if the summary may have changed in more than the time of the last answer.
     bool TakeChange(LatestController& changed, bool isWhole);
     void AddChanged(words::Json& changed, Known& known, bool hasNews, std::int64_t now) const;
 

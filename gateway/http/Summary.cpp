@@ -106,6 +106,11 @@ Json SummaryJson(LatestController const& latest, LastRoundTrips const& roundTrip
     return json;
 }
 
+bool IsInSummary(recording::RecordedReading const& reading) {
+    return reading.kind == kind::State || reading.kind == kind::Job || reading.kind == kind::Alarms ||
+           reading.kind == kind::Software;
+}
+
 Json EventJson(std::uint64_t id, std::string const& controller, recording::RecordedEvent const& event) {
     bool const isAlarm = event.kind == "alarm-raised" || event.kind == "alarm-cleared";
     return {{"id", id},

@@ -51,7 +51,7 @@ GeometryConfig StandardGeometry() {
 std::vector<std::string> CommandOf(std::string const& key, Json const& value) {
     auto const onOff = [](Json const& on) { return std::string(on.get<bool>() ? "on" : "off"); };
     if (key == "alarm" && value.is_number_unsigned()) {
-        return {"alarm", std::to_string(value.get<std::uint64_t>())};
+        return {"alarm", std::to_string(value.get<std::uint64_t>()), "0", "Raised by hand"};
     }
     if (key == "reset" && value == true) {
         return {"reset"};

@@ -9,19 +9,20 @@ export class AlarmCard {
     private shown = "";
 
     show(alarm: Alarm | null): void {
-        const key = alarm === null ? "none" : `${alarm.code} ${alarm.subcode} ${alarm.text}`;
+        const key = alarm === null ? "none" : `${alarm.code} ${alarm.subcode} ${alarm.count} ${alarm.text}`;
         if (key === this.shown) {
             return;
         }
         this.shown = key;
         this.root.classList.toggle("active", alarm !== null);
         if (alarm === null) {
-            replace(this.root, element("h2", {}, texts.alarms), element("p", { class: "note" }, texts.noAlarm));
+            replace(this.root, element("h2", { class: "unseen" }, texts.alarms), element("p", { class: "note" }, texts.noAlarm));
             return;
         }
-        const body = element("div");
+        const body = element("div", { class: "card" });
         const heading = texts.alarm(alarm.code, alarm.subcode, printable(alarm.text));
-        replace(this.root, element("h2", {}, texts.alarms), element("p", { class: "alarm-line" }, `▲ ${heading}`), body);
+        const more = alarm.count > 1 ? ` ${texts.moreAlarms(alarm.count - 1)}` : "";
+        replace(this.root, element("h2", { class: "unseen" }, texts.alarms), element("p", { class: "alarm-line" }, `▲ ${heading}${more}`), body);
         api.card(alarm.code, alarm.subcode).then(
             (card) => this.shown === key && showCard(body, card),
             () => this.shown === key && replace(body, element("p", { class: "note" }, texts.card.missing)),
@@ -32,10 +33,8 @@ export class AlarmCard {
 function showCard(body: HTMLElement, card: Card): void {
     replace(
         body,
-        element("p", {}, element("strong", {}, card.title)),
-        element("h3", {}, texts.card.meaning),
-        element("p", {}, card.meaning),
-        element("h3", {}, texts.card.action),
-        element("p", { class: "action" }, card.action),
+        element("p", { class: "title" }, card.title),
+        element("div", {}, element("h3", {}, texts.card.meaning), element("p", {}, card.meaning)),
+        element("div", {}, element("h3", {}, texts.card.action), element("p", { class: "action" }, card.action)),
     );
 }

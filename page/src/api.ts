@@ -1,5 +1,5 @@
 // The HTTP side of the gateway. Everything is read, apart from the knobs of virtual controllers.
-import type { Card, Geometry, History, Incident, PlantEvent } from "./model";
+import type { Card, Geometry, History, Incident, Item, LinkQuality, PlantEvent } from "./model";
 
 export class ApiError extends Error {
     constructor(
@@ -38,8 +38,7 @@ const controllerPath = (name: string) => `controllers/${encodeURIComponent(name)
 
 export const api = {
     geometry: (name: string) => get<Geometry>(`${controllerPath(name)}/geometry`),
-    items: async (name: string) =>
-        (await get<{ items: import("./model").Item[] }>(controllerPath(name))).items,
+    controller: (name: string) => get<{ items: Item[]; link: LinkQuality; hasGeometry?: boolean }>(controllerPath(name)),
     card: (code: number, subcode: number) => get<Card>(`cards/${code}${query({ subcode })}`),
     events: (range: { from: number; to: number; controller?: string; kind?: string; limit?: number }) =>
         get<PlantEvent[]>(`events${query(range)}`),

@@ -37,7 +37,11 @@ export class ArmView {
     }
 
     private async load(): Promise<void> {
-        const geometry = await api.geometry(this.name).catch(() => null);
+        const isKnown = await api.controller(this.name).then(
+            ({ hasGeometry }) => hasGeometry === true,
+            () => false,
+        );
+        const geometry = isKnown ? await api.geometry(this.name).catch(() => null) : null;
         if (geometry === null || this.isClosed) {
             return;
         }

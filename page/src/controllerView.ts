@@ -1,4 +1,5 @@
 import { AlarmCard } from "./alarmCard";
+import { api } from "./api";
 import { ArmView } from "./armView";
 import { backfill } from "./backfill";
 import { element, printable, replace, setAttribute, setText } from "./dom";
@@ -6,17 +7,19 @@ import { showEvents } from "./eventList";
 import { clock, duration, reading } from "./format";
 import { knobsOf } from "./knobs";
 import type { Live } from "./live";
-import type { Item, Summary } from "./model";
+import type { Item, LinkQuality, Summary, Value } from "./model";
 import { Watched, type Plant } from "./plant";
-import { firstItems, isPlottable, PlotPanel } from "./plotPanel";
+import { firstItems, isPlottable, PlotPanel, secondItems } from "./plotPanel";
 import { shapeOf, stateOf } from "./severity";
 import { texts } from "./texts";
 import { jobOf } from "./tile";
 import { pathItems, ToolPath } from "./toolPath";
 import { Bag, oncePerFrame, type View } from "./view";
 
-const clockPeriod = 200; // how often a plot moves on though no value changed
+const clockPeriod = 200; // ms, how often a plot moves on though no value changed
+const linkPeriod = 5000; // ms
 const mostEvents = 50;
+const eventsFor = 3_600_000; // ms
 
 type Fact = keyof typeof texts.facts;
 
@@ -38,7 +41,8 @@ export class ControllerView implements View {
     private shownItems: string | null = null;
     private toolPath: ToolPath | null = null;
     private arm: ArmView | null = null;
-    private knobs: HTMLElement | null = null;
+    private quality: LinkQuality = {};
+    private readonly knobs = element("div");
     private readonly showValues = oncePerFrame(() => this.drawValues());
 
     constructor(
@@ -60,6 +64,9 @@ export class ControllerView implements View {
         this.bag.add(plant.eventChanges.add(() => this.showEvents()));
         const timer = window.setInterval(() => this.tick(), clockPeriod);
         this.bag.add(() => window.clearInterval(timer));
+        const linkTimer = window.setInterval(() => void this.askLink(), linkPeriod);
+        this.bag.add(() => window.clearInterval(linkTimer));
+        this.watched.addEvents(plant.events.filter((event) => event.controller === name));
         this.showSummary();
         this.showItems();
         this.showEvents();
@@ -88,21 +95,30 @@ export class ControllerView implements View {
             element(
                 "thead",
                 {},
-                element("tr", {}, element("th", { scope: "col" }, texts.item), element("th", { scope: "col" }, texts.value), element("th", { scope: "col" }, texts.facts.answered)),
+                element("tr", {}, element("th", { scope: "col" }, texts.item), element("th", { scope: "col" }, texts.value), element("th", { scope: "col" }, texts.since)),
             ),
             this.values,
         );
         this.arm = new ArmView(this.name, this.watched);
         this.root.append(
-            element("section", { class: "panel" }, element("h1", {}, this.title), this.heading, list),
+            element("section", { class: "panel" }, element("div", { class: "title-line" }, element("h1", {}, this.title), this.heading), list),
             this.alarm.root,
-            element("h2", {}, texts.plots),
-            element("p", { class: "note" }, texts.plot.keys),
+            element(
+                "div",
+                { class: "title-line" },
+                element("h2", {}, texts.plots),
+                element("p", { class: "note" }, texts.plot.keys),
+                element("button", { type: "button", class: "last", click: () => this.addPlot([]) }, texts.plot.add),
+            ),
             this.plots,
-            element("button", { type: "button", class: "add", click: () => this.addPlot([]) }, texts.plot.add),
             element("div", { class: "drawings" }, this.arm.root, this.path),
-            element("section", { class: "panel" }, element("h2", {}, texts.events), this.events),
-            element("section", { class: "panel" }, element("h2", {}, texts.values), element("div", { class: "scroll", tabindex: 0, role: "region", "aria-label": texts.values }, table)),
+            this.knobs,
+            element(
+                "div",
+                { class: "columns" },
+                element("section", { class: "panel" }, element("h2", {}, texts.events), this.events),
+                element("section", { class: "panel" }, element("h2", {}, texts.values), element("div", { class: "scroll", tabindex: 0, role: "region", "aria-label": texts.values }, table)),
+            ),
         );
     }
 
@@ -117,14 +133,24 @@ export class ControllerView implements View {
         setText(this.heading, `${shapeOf(state)} ${texts.states[state]}`);
         this.alarm.show(controller.alarm);
         this.showFacts(controller);
-        if (controller.virtual && this.plant.simulated && this.knobs === null) {
-            this.knobs = knobsOf(this.name);
-            this.root.append(this.knobs);
+        if (controller.virtual && this.plant.simulated && this.knobs.firstChild === null) {
+            this.knobs.append(knobsOf(this.name));
+        }
+    }
+
+    private async askLink(): Promise<void> {
+        if (!document.hidden && this.plant.controllers.has(this.name)) {
+            this.quality = await api.controller(this.name).then(
+                ({ link }) => link,
+                () => ({}),
+            ); // the banner says that the gateway is away
         }
     }
 
     private showFacts(controller: Summary): void {
         const { answered, roundTrip } = controller;
+        const { exchanges, timeouts = 0, groups = [] } = this.quality;
+        const sum = (of: "rounds" | "overruns") => groups.reduce((all, group) => all + group[of], 0);
         const motion = controller.hold ? "hold" : controller.running ? "running" : "stopped";
         const shown: Record<Fact, string> = {
             address: controller.host,
@@ -136,6 +162,8 @@ export class ControllerView implements View {
             motion: controller.running === null ? "–" : texts.motion[motion],
             job: jobOf(controller),
             roundTrip: roundTrip === null ? "–" : texts.microseconds(roundTrip),
+            lost: exchanges === undefined ? texts.notKnown : texts.share(timeouts, exchanges),
+            overruns: exchanges === undefined ? texts.notKnown : texts.share(sum("overruns"), sum("rounds")),
             answered: answered === null ? texts.never : texts.age(duration(this.plant.now() - answered)),
         };
         for (const [fact, node] of this.facts) {
@@ -147,6 +175,8 @@ export class ControllerView implements View {
     private showItems(): void {
         const { items } = this.watched;
         void backfill(this.plant, this.name, this.plant.lostAt).catch(() => undefined); // without it plots begin now
+        void this.askEvents();
+        void this.askLink();
         this.plant.lostAt = 0;
         const shown = [...items.values()].map((item) => `${item.id} ${item.name}`).join("\n");
         if (shown === this.shownItems) {
@@ -166,6 +196,10 @@ export class ControllerView implements View {
             replace(this.plots, element("p", { class: "note" }, texts.plot.nothing));
         } else if (plottable.length > 0) {
             this.addPlot(firstItems(plottable));
+            const second = secondItems(plottable);
+            if (second.length > 0) {
+                this.addPlot(second);
+            }
         }
         const axes = pathItems(this.watched);
         this.toolPath = axes === null ? null : new ToolPath(this.plant, this.watched, axes);
@@ -210,7 +244,7 @@ export class ControllerView implements View {
             const latest = this.watched.latest.get(id);
             if (item !== undefined && latest !== undefined) {
                 const [, time, value, quality] = latest;
-                setText(cells.value, typeof value === "string" ? printable(value) : reading(value, item.unit));
+                setText(cells.value, shownValue(item, value));
                 setText(cells.quality, quality === "good" ? "" : texts.quality[quality]);
                 setText(cells.time, clock(time));
             }
@@ -229,8 +263,22 @@ export class ControllerView implements View {
         }
     }
 
-    private showEvents(): void {
-        const own = this.plant.events.filter((event) => event.controller === this.name).slice(0, mostEvents);
-        showEvents(this.events, own, this.plant.hasHistory, false);
+    /** What came before the page, or while it did not look. */
+    private async askEvents(): Promise<void> {
+        const to = Math.round(this.plant.now()) + linkPeriod; // clocks differ a little
+        const past = await api.events({ from: to - eventsFor, to, controller: this.name, limit: mostEvents }).catch(() => []);
+        this.watched.addEvents(past);
+        this.showEvents();
     }
+
+    private showEvents(): void {
+        showEvents(this.events, this.watched.events.slice(0, mostEvents), this.plant.hasHistory, false);
+    }
+}
+
+/** Mode and cycle are numbers on the wire. */
+function shownValue(item: Item, value: Value[2]): string {
+    const numbers: Record<string, readonly string[]> = { "state mode": texts.modeNumbers, "state cycle": texts.cycleNumbers };
+    const word = typeof value === "number" ? numbers[item.name]?.[value] : undefined;
+    return word ?? (typeof value === "string" ? printable(value) : reading(value, item.unit));
 }

@@ -6,6 +6,22 @@ import { texts } from "./texts";
 const minute = 60_000;
 const after = 10_000;
 
+const isOneAlarm = 2000; // ms
+
+/**
+ * Each event once, newest first. A controller whose state and alarms are both polled reports an alarm twice: the one without a
+ * code says nothing more.
+ */
+export function distinct(events: PlantEvent[]): PlantEvent[] {
+    const all = [...new Map(events.map((event) => [`${event.id}/${event.time}/${event.kind}`, event])).values()];
+    const coded = all.filter((event) => event.code);
+    const isSaid = (event: PlantEvent) =>
+        event.kind.startsWith("alarm-") &&
+        !event.code &&
+        coded.some((each) => each.controller === event.controller && each.kind === event.kind && Math.abs(each.time - event.time) < isOneAlarm);
+    return all.filter((event) => !isSaid(event)).sort((a, b) => b.time - a.time || b.id - a.id);
+}
+
 /** Events, newest first. Each links to the minute before it where there is a recording. */
 export function eventList(events: PlantEvent[], hasHistory: boolean, isOfMany: boolean): HTMLElement {
     if (events.length === 0) {
@@ -44,7 +60,8 @@ export function minuteBefore(event: PlantEvent): string {
 }
 
 /** Leaves a list that is already there alone: a link must not vanish under the pointer. */
-export function showEvents(place: HTMLElement, events: PlantEvent[], hasHistory: boolean, isOfMany: boolean): void {
+export function showEvents(place: HTMLElement, all: PlantEvent[], hasHistory: boolean, isOfMany: boolean): void {
+    const events = distinct(all);
     const shown = `${hasHistory} ${events.map((event) => `${event.id}/${event.time}`).join(" ")}`;
     if (place.dataset["shown"] !== shown) {
         place.dataset["shown"] = shown;

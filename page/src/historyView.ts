@@ -1,6 +1,6 @@
 import { api } from "./api";
 import { element, printable, replace, setAttribute, setText } from "./dom";
-import { showEvents } from "./eventList";
+import { distinct, showEvents } from "./eventList";
 import { bytes, clock, localInput } from "./format";
 import { lineOf } from "./envelope";
 import { join } from "./joined";
@@ -71,7 +71,7 @@ export class HistoryView implements View {
 
     private build(): void {
         const lasts = Object.entries(texts.record.lastChoices).map(([seconds, text]) =>
-            element("button", { type: "button", click: () => this.last(Number(seconds) * 1000) }, `${texts.record.last} ${text}`),
+            element("button", { type: "button", "aria-label": `${texts.record.last} ${text}`, click: () => this.last(Number(seconds) * 1000) }, text),
         );
         this.kind.append(element("option", { value: "" }, texts.record.everyKind));
         for (const [kind, text] of Object.entries(texts.event)) {
@@ -95,7 +95,7 @@ export class HistoryView implements View {
                     button(texts.record.show, () => this.goTo(Date.parse(this.from.value), Date.parse(this.to.value))),
                     button(texts.record.earlier, () => this.shift(-1)),
                     button(texts.record.later, () => this.shift(1)),
-                    ...lasts,
+                    element("span", { class: "filters last", role: "group", "aria-label": texts.record.last }, texts.record.last, ...lasts),
                 ),
                 element("details", { class: "items" }, element("summary", {}, texts.plot.items), this.itemChoices),
                 this.note,
@@ -136,7 +136,7 @@ export class HistoryView implements View {
             setText(this.note, texts.record.badRange);
             return;
         }
-        this.items = (await api.items(controller)).filter(isPlottable);
+        this.items = (await api.controller(controller)).items.filter(isPlottable);
         this.choice.items ||= firstItems(this.items).join(",");
         this.offerItems();
         const [history, events] = await Promise.all([
@@ -155,7 +155,8 @@ export class HistoryView implements View {
         this.plot?.destroy();
         this.plot = null;
         this.place.replaceChildren();
-        if (history.series.length === 0) {
+        if (history.series.every((series) => series.times.length === 0)) {
+            replace(this.place, element("p", { class: "note empty" }, this.choice.items === "" ? texts.plot.empty : texts.record.nothing));
             return;
         }
         setAttribute(this.place, "role", "group");
@@ -170,7 +171,7 @@ export class HistoryView implements View {
             },
             340,
         );
-        this.plot.set(join(history.series.map((series) => lineOf(series, history.to))), history.from, history.to, events);
+        this.plot.set(join(history.series.map((series) => lineOf(series, history.to))), history.from, history.to, distinct(events));
     }
 
     private offerItems(): void {
@@ -237,7 +238,7 @@ function incidentTable(incidents: Incident[]): HTMLElement {
             {},
             element("time", { datetime: new Date(incident.time).toISOString() }, clock(incident.time)),
             element("span", { class: "name" }, printable(incident.controller)),
-            element("span", { class: "kind" }, texts.event[incident.kind] ?? printable(incident.kind)),
+            element("span", { class: "kind" }, texts.event[incident.kind] ?? printable(texts.record.incident(incident.kind))),
             element("span", { class: "text" }, bytes(incident.bytes)),
             element("a", { href: api.incidentLink(incident.file), download: incident.file }, texts.record.download),
             element("a", { href: api.incidentLink(incident.file, "csv"), download: `${incident.file}.csv` }, texts.record.downloadTable),

@@ -21,32 +21,36 @@ export function knobsOf(name: string): HTMLElement {
     for (const [plan, text] of Object.entries(texts.knobs.faults)) {
         fault.append(element("option", { value: plan }, text));
     }
-    const row = (...children: HTMLElement[]) => element("div", { class: "bar" }, ...children);
+    const row = (name: string, ...children: HTMLElement[]) =>
+        element("div", { class: "knob", role: "group", "aria-label": name }, element("span", { "aria-hidden": "true" }, name), ...children);
     return element(
         "section",
         { class: "panel knobs" },
-        element("h2", {}, texts.knobs.title),
+        element("div", { class: "title-line" }, element("h2", {}, texts.knobs.title), answer),
         row(
+            texts.alarms,
             code,
             button(texts.knobs.alarm, () => ({ alarm: Number(code.value) })),
             button(texts.knobs.reset, () => ({ reset: true })),
         ),
         row(
+            texts.facts.motion,
             button(texts.knobs.hold, () => ({ hold: true })),
             button(texts.knobs.release, () => ({ hold: false })),
             button(texts.servo.on, () => ({ servo: true })),
             button(texts.servo.off, () => ({ servo: false })),
         ),
         row(
+            texts.knobs.signal,
             signal,
             button(texts.knobs.on, () => ({ signal: [Number(signal.value), true] })),
             button(texts.knobs.off, () => ({ signal: [Number(signal.value), false] })),
         ),
         row(
+            texts.knobs.fault,
             fault,
             button(texts.knobs.start, () => ({ fault: fault.value })),
             button(texts.knobs.end, () => ({ fault: "" })),
         ),
-        answer,
     );
 }

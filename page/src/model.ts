@@ -123,3 +123,11 @@ export interface Geometry {
     hand: number;
     pulsesPerDegree: number[];
 }
+
+/** How well a controller answers, since it was added. */
+export interface LinkQuality {
+    exchanges?: number;
+    timeouts?: number;
+    repeated?: number;
+    groups?: { rounds: number; overruns: number }[];
+}

@@ -1,6 +1,6 @@
 import { element, setAttribute, setText } from "./dom";
 import type { Plant } from "./plant";
-import { passes, worstFirst, type Filter } from "./severity";
+import { byName, passes, rankOf, type Filter } from "./severity";
 import { texts } from "./texts";
 import { Tile } from "./tile";
 import { Bag, oncePerFrame, type View } from "./view";
@@ -92,13 +92,12 @@ export class Overview implements View {
             this.tiles.delete(name);
         }
         const now = this.plant.now();
-        for (const [name, controller] of this.plant.controllers) {
-            const tile = this.tiles.get(name);
-            if (tile === undefined) {
-                this.tiles.set(name, new Tile(controller));
-            } else {
-                tile.update(controller, now);
-            }
+        for (const name of [...this.plant.controllers.keys()].sort(byName)) {
+            const controller = this.plant.controllers.get(name)!;
+            const tile = this.tiles.get(name) ?? new Tile(controller);
+            this.tiles.delete(name); // and behind those before it: the tiles stand by name
+            this.tiles.set(name, tile);
+            tile.update(controller, now);
         }
         this.arrange();
     }
@@ -124,7 +123,7 @@ export class Overview implements View {
     /** Puts the tiles that pass into order. A tile that stands right is not moved, so that it keeps the focus. */
     private arrange(): void {
         const wanted = this.search.value.trim().toLowerCase();
-        const all = [...this.tiles.values()].sort((a, b) => worstFirst(a.summary, b.summary));
+        const all = [...this.tiles.values()].sort((a, b) => rankOf(a.state) - rankOf(b.state)); // stable: by name within a state
         let place = this.list.firstElementChild;
         let shown = 0;
         const focused = document.activeElement;

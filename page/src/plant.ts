@@ -1,15 +1,24 @@
 // What is known of the controllers, put together from the gateway's messages.
+import { distinct } from "./eventList";
 import { Listeners } from "./listeners";
 import type { Item, PlantEvent, ServerMessage, Summary, Value } from "./model";
 import { Track } from "./track";
 
 const mostEvents = 1000;
+const mostOwnEvents = 300;
 
 /** The items of a watched controller, each with its recent past. */
 export class Watched {
     readonly items = new Map<number, Item>();
     readonly tracks = new Map<number, Track>();
     readonly latest = new Map<number, Value>();
+    events: PlantEvent[] = []; // newest first
+
+    addEvents(events: PlantEvent[]): void {
+        if (events.length > 0) {
+            this.events = distinct([...events, ...this.events]).slice(0, mostOwnEvents);
+        }
+    }
 
     setItems(items: Item[]): void {
         const gone = new Set(this.items.keys());
@@ -154,6 +163,9 @@ export class Plant {
     private addEvents(events: PlantEvent[]): void {
         if (events.length > 0) {
             this.events = [...events, ...this.events].sort((a, b) => b.time - a.time || b.id - a.id).slice(0, mostEvents);
+            for (const [name, watched] of this.watched) {
+                watched.addEvents(events.filter((event) => event.controller === name));
+            }
             this.eventChanges.tell(events);
         }
     }

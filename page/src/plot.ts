@@ -136,8 +136,11 @@ export class Plot {
         const { ctx, bbox } = chart;
         ctx.save();
         ctx.font = `${11 * devicePixelRatio}px sans-serif`;
-        let free = -Infinity; // where the next label has room
-        for (const event of [...this.events].filter((each) => marked.has(each.kind)).reverse()) {
+        const taken: { from: number; to: number }[] = []; // by labels
+        const isAlarm = (event: PlantEvent) => Number(event.kind === "alarm-raised");
+        const events = this.events.filter((each) => marked.has(each.kind));
+        // Alarms first: where labels would overlap, theirs stays.
+        for (const event of events.sort((left, right) => isAlarm(right) - isAlarm(left) || left.time - right.time)) {
             const x = chart.valToPos(event.time / 1000, "x", true);
             if (x < bbox.left || x > bbox.left + bbox.width) {
                 continue;
@@ -150,10 +153,11 @@ export class Plot {
             ctx.stroke();
             const name = texts.event[event.kind] ?? event.kind;
             const label = event.code ? `${name} ${event.code}` : name;
-            if (x >= free) {
+            const room = { from: x, to: x + ctx.measureText(label).width + 8 };
+            if (!taken.some((each) => room.from < each.to && each.from < room.to)) {
                 ctx.textAlign = "left";
                 ctx.fillText(label, x + 4, bbox.top + 12 * devicePixelRatio);
-                free = x + ctx.measureText(label).width + 8;
+                taken.push(room);
             }
         }
         ctx.restore();

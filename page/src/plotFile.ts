@@ -1,6 +1,6 @@
 // The script of a page that "harvlink recording plot" writes, with app.css: it shows the data that stands in the same file.
 import { element, printable } from "./dom";
-import { showEvents } from "./eventList";
+import { distinct, showEvents } from "./eventList";
 import { clock } from "./format";
 import { lineOf } from "./envelope";
 import { join } from "./joined";
@@ -14,6 +14,7 @@ interface Content extends History {
 }
 
 function show(content: Content): void {
+    const marks = distinct(content.events);
     const place = element("div", { class: "plot", role: "group", "aria-label": texts.plots });
     const events = element("div");
     document.title = printable(content.title);
@@ -37,13 +38,13 @@ function show(content: Content): void {
         place,
         content.series.map((series) => ({ name: printable(series.name), unit: series.unit, isStepped: true })),
         {
-            zoomed: (from, to) => plot.set(data, from, to, content.events),
-            unzoomed: () => plot.set(data, content.from, content.to, content.events),
+            zoomed: (from, to) => plot.set(data, from, to, marks),
+            unzoomed: () => plot.set(data, content.from, content.to, marks),
             paused: () => undefined,
         },
         420,
     );
-    plot.set(data, content.from, content.to, content.events);
+    plot.set(data, content.from, content.to, marks);
     showEvents(events, content.events, false, true);
 }
 

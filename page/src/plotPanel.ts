@@ -11,12 +11,16 @@ const windows = [10, 60, 300, 600];
 export const isPlottable = (item: Item) => item.kind !== "text";
 
 const firstPlot = 3; // items
+const secondPlot = 6;
 
 /** What a plot begins with: where the tool is says most at first sight; otherwise the first items there are. */
 export function firstItems(items: Item[]): number[] {
     const position = items.filter((item) => item.what === "position" && item.coordinate !== "pulse");
     return (position.length > 0 ? position : items).slice(0, firstPlot).map((item) => item.id);
 }
+
+/** And what stands beside it: how hard the axes work for it, if that is polled. */
+export const secondItems = (items: Item[]) => items.filter((item) => item.what === "torque").slice(0, secondPlot).map((item) => item.id);
 
 /** One live plot: chosen items of a controller over the last seconds, or a range that was paused or zoomed to. */
 export class PlotPanel {
@@ -63,11 +67,11 @@ export class PlotPanel {
         return element(
             "div",
             { class: "bar" },
-            element("details", { class: "items" }, element("summary", {}, texts.plot.items), choices),
             this.windowChoice,
             this.pauseButton,
             this.historyLink,
-            element("button", { type: "button", click: () => this.removed(this) }, texts.plot.remove),
+            element("button", { type: "button", class: "last", click: () => this.removed(this) }, texts.plot.remove),
+            element("details", { class: "items" }, element("summary", {}, texts.plot.items), choices),
         );
     }
 
@@ -150,7 +154,7 @@ export class PlotPanel {
         const { from, to } = this.shown();
         const tracks = this.chosen.map((id) => this.watched.tracks.get(id)).filter((track) => track !== undefined);
         const data = join(tracks.map((track) => track.slice(from, to)));
-        const events = this.plant.events.filter((event) => event.controller === this.controller && event.time >= from && event.time <= to);
+        const events = this.watched.events.filter((event) => event.time >= from && event.time <= to);
         this.plot.set(data, from, to, events);
     }
 }

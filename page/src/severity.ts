@@ -58,9 +58,10 @@ export const shapeOf = (state: State) => shapes[state];
 
 const names = new Intl.Collator("en", { numeric: true });
 
-export function worstFirst(a: Summary, b: Summary): number {
-    return order.indexOf(stateOf(a)) - order.indexOf(stateOf(b)) || names.compare(a.name, b.name);
-}
+export const byName = names.compare;
+
+/** The worst has the lowest. */
+export const rankOf = (state: State) => order.indexOf(state);
 
 export type Filter = keyof typeof texts.filters;
 

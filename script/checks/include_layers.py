@@ -127,7 +127,7 @@ LIBRARIES = {
     "zlib.h": ["recording/forward/"],
     "pcap/": ["recording/capture/", "tests/recording/"],
     "toml++/": ["words/settings/", "simulator/scene/", "gateway/config/"],
-    "libwebsockets.h": ["gateway/http/"],
+    "libwebsockets.h": ["gateway/http/", "benchmarks/gateway/"],
     "prometheus/": ["gateway/prometheus/"],
     "mosquitto.h": ["gateway/sparkplug/", "tests/gateway/"],
     "google/protobuf/": ["gateway/sparkplug/", "tests/gateway/"],

@@ -1,13 +1,14 @@
 // Starts gateways and a browser, and looks into the page.
 import { spawn } from "node:child_process";
-import { mkdtemp, rm, writeFile } from "node:fs/promises";
+import { mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
+import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { chromium } from "playwright-core";
 
 export const root = new URL("../../", import.meta.url).pathname;
 const programs = process.env.HARVLINK_BUILD ?? join(root, "build/release");
-const patience = 20_000; // ms for what takes a moment; nothing waits so long when all is well
+const patience = 60_000; // ms for what takes a moment; nothing waits so long when all is well
 
 export async function scratchFolder(t) {
     const folder = await mkdtemp(join(tmpdir(), "harvlink-browser-"));
@@ -40,10 +41,23 @@ function start(t, program, args) {
         return ended;
     };
     t.after(() => stop("SIGKILL"));
-    return { stop, output: () => output, hasEnded: () => child.exitCode !== null || child.signalCode !== null };
+    return { stop, ended, output: () => output, hasEnded: () => child.exitCode !== null || child.signalCode !== null };
 }
 
-export const startSimulator = (t, ...args) => start(t, "simulator/harvlink-sim", args);
+/** Virtual controllers in a process of their own, ready when this returns. */
+export async function startSimulator(t, addresses, ...args) {
+    const simulator = start(t, "simulator/harvlink-sim", ["--address", ...addresses, ...args]);
+    await until(() => simulator.output().includes("ready"), `virtual controllers: ${simulator.output()}`);
+    return simulator;
+}
+
+/** Does to one of them what its operator would. */
+export async function control(t, address, ...command) {
+    const ctl = start(t, "simulator/harvlink-sim", ["ctl", "--address", address, ...command]);
+    if ((await ctl.ended) !== 0) {
+        throw new Error(`ctl ${command[0]}: ${ctl.output()}`);
+    }
+}
 
 /** A gateway at an address of its own, with these sections in its configuration besides; ready when this returns. */
 export async function startGateway(t, address, args, sections = "") {
@@ -110,6 +124,54 @@ export async function openPage(browser, gateway, path = "", options = {}) {
 }
 
 export const tile = (page, name) => page.locator("a.tile", { has: page.locator(".name", { hasText: new RegExp(`^${escaped(name)}$`) }) });
+
+/** When the tile of a controller is first seen in a state, by the clock of the browser. Asks before that happens. */
+export const seen = (page, name, state) =>
+    page.evaluate(
+        ([name, state]) =>
+            new Promise((resolve) => {
+                const link = [...document.querySelectorAll("a.tile")].find((each) => each.querySelector(".name").textContent === name);
+                const look = () => link.dataset.state === state && requestAnimationFrame(() => resolve(Date.now()));
+                new MutationObserver(look).observe(link, { attributes: true, attributeFilter: ["data-state"] });
+                look();
+            }),
+        [name, state],
+    );
+
+/** When the gateway itself has noticed the last event of a kind. */
+export async function noticed(gateway, name, kind) {
+    const events = await gateway.api(`events?controller=${encodeURIComponent(name)}&kind=${kind}&limit=1`);
+    return events[0].time;
+}
+
+const axe = await readFile(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
+
+/** What keeps somebody from using the page, in light and in dark. */
+export async function seriousFindings(page) {
+    const found = [];
+    for (const colorScheme of ["dark", "light"]) {
+        await page.emulateMedia({ colorScheme });
+        await page.evaluate(`${axe}; undefined`);
+        const { violations } = await page.evaluate(() => window.axe.run());
+        for (const { id, impact, nodes } of violations) {
+            if (impact === "serious" || impact === "critical") {
+                found.push(`${colorScheme} ${id}: ${nodes.map((node) => node.html).join(" ")}`);
+            }
+        }
+    }
+    return found;
+}
+
+/** Presses Tab until what has the focus fits: the way of somebody without a mouse. */
+export async function tabTo(page, selector) {
+    for (let i = 0; i < 100; ++i) {
+        await page.keyboard.press("Tab");
+        if (await page.evaluate((wanted) => document.activeElement.matches(wanted), selector)) {
+            return;
+        }
+    }
+    throw new Error(`the Tab key does not reach ${selector}`);
+}
 
 const escaped = (text) => text.replace(/[.*+?^${}()|[\]\\]/g, "\\$&");
 
