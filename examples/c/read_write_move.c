@@ -10,7 +10,11 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <threads.h>
+#endif
 
 #include "harvlink/harvlink_c.h"
 
@@ -19,13 +23,22 @@ enum { VARIABLE = 5, TURN_PULSES = 2000, MOST_LOOKS = 500 };
 /* The memory behind a handle is never released. This pointer keeps it reachable for leak checkers. */
 static ControllerHandle controller;
 
+static void rest_milliseconds(long time) {
+#ifdef _WIN32
+    Sleep((DWORD)time);
+#else
+    struct timespec const pause = {.tv_nsec = time * 1000 * 1000};
+    thrd_sleep(&pause, NULL);
+#endif
+}
+
 /* The caller frees the message of every status, after a success too. */
 static bool succeeded(char const* operation, IStatusInfo status) {
     bool const ok = status.StatusCode == 0;
     if (!ok) {
         (void)fprintf(stderr, "%s: code %d: %s\n", operation, (int)status.StatusCode, status.Message);
     }
-    free(status.Message);
+    harvlink_free(status.Message);
     return ok;
 }
 
@@ -40,8 +53,8 @@ static bool show_state(void) {
         succeeded("read system information",
                   controller_state_interface_read_system_information(controller, HARVLINK_INFO_ROBOT(1), &robot));
     printf("%s, software %s, servo %s\n", robot.modelName, robot.softwareVersion, state.isServoOn ? "on" : "off");
-    free(robot.modelName);
-    free(robot.softwareVersion);
+    harvlink_free(robot.modelName);
+    harvlink_free(robot.softwareVersion);
     return ok;
 }
 
@@ -74,8 +87,7 @@ static bool wait_until_there(double pulses) {
             printf("R1 has arrived: S = %.0f pulses\n", position.axes[0]);
             return true;
         }
-        struct timespec const pause = {.tv_nsec = 10 * 1000 * 1000};
-        thrd_sleep(&pause, NULL);
+        rest_milliseconds(10);
     }
     (void)fprintf(stderr, "R1 did not arrive\n");
     return false;

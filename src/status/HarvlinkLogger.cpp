@@ -18,7 +18,7 @@ std::string Join(int first, int second, int third, char separator) {
 
 void HarvlinkLogger::LogStatusInfo(StatusInfo const& status) {
     try {
-        std::ofstream file("HarvlinkLog.txt", std::ios::app);
+        std::ofstream file("HarvlinkLog.txt", std::ios::app | std::ios::binary); // the same bytes on every system
         file << GetFormattedTime() << ' ' << status << std::endl;
     } catch (std::exception const&) {
         // A log line that cannot be written must not stop the thread that feeds the controller.

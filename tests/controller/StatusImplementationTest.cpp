@@ -6,6 +6,7 @@
 
 #include "support/Printed.h"
 #include "support/ScriptedController.h"
+#include "support/TimeZone.h"
 
 namespace harvlink::test {
 namespace {
@@ -134,8 +135,7 @@ TEST_F(ControllerState, TimesAreParsed) {
         {"1970/01/01 00:00", ":'9999999999", "invalid argument"},
         {"1970/01/01 00:00", "x:1'1", "invalid argument"},
     };
-    ::setenv("TZ", "UTC0", 1);
-    ::tzset();
+    TimeZone const zone("UTC0");
     for (auto const& [start, elapsed, printed] : cases) {
         controller.Expect(RobotRequest(136, 1, 0, 1), Payload(Text(start, 16) + Text(elapsed, 12)));
         TimeData time;

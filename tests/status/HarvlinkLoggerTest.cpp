@@ -7,30 +7,15 @@
 #include <gtest/gtest.h>
 
 #include "support/ScratchFolder.h"
+#include "support/TimeZone.h"
 
 namespace harvlink::test {
 namespace {
 
 constexpr char const* logFile = "HarvlinkLog.txt";
 
-/// Sets the time zone of the process, and restores it at the end.
-class Zone {
-public:
-    explicit Zone(char const* name) {
-        ::setenv("TZ", name, 1);
-        ::tzset();
-    }
-    Zone(Zone const&) = delete;
-    Zone& operator=(Zone const&) = delete;
-    ~Zone() {
-        ::unsetenv("TZ");
-        ::tzset();
-    }
-};
-
-std::string Formatted(std::tm const& time, char const* format) {
-    char text[40];
-    return {text, std::strftime(text, sizeof(text), format, &time)};
+std::string Joined(int first, int second, int third, char separator) {
+    return std::to_string(first) + separator + std::to_string(second) + separator + std::to_string(third);
 }
 
 /// The line without its time. Empty if the time is not made of plain numbers without leading zeros.
@@ -61,16 +46,15 @@ TEST(HarvlinkLogger, AppendsOneLinePerStatus) {
 
 // With a zone 14 hours ahead, the local time is never that of the UTC date.
 TEST(HarvlinkLogger, DateIsUtcAndTimeIsLocal) {
-    Zone const zone("TEST-14");
+    TimeZone const zone("TEST-14");
     std::string expected;
     std::string actual = "none";
     for (int attempt = 0; attempt < 10 && actual != expected; ++attempt) { // a second may end in between
         std::time_t const now = std::time(nullptr);
-        std::tm utc{};
-        std::tm local{};
-        gmtime_r(&now, &utc);
-        localtime_r(&now, &local);
-        expected = Formatted(utc, "%Y/%-m/%-d ") + Formatted(local, "%-H:%-M:%-S");
+        std::tm const utc = *std::gmtime(&now);
+        std::tm const local = *std::localtime(&now);
+        expected = Joined(utc.tm_year + 1900, utc.tm_mon + 1, utc.tm_mday, '/') + ' ' +
+                   Joined(local.tm_hour, local.tm_min, local.tm_sec, ':');
         actual = HarvlinkLogger::GetFormattedTime();
     }
     EXPECT_EQ(actual, expected);

@@ -1,10 +1,12 @@
 #pragma once
 
-#include <cerrno>
-#include <cstdlib>
+#include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
@@ -14,11 +16,14 @@ namespace harvlink::test {
 class ScratchFolder {
 public:
     ScratchFolder() : previous(std::filesystem::current_path()) {
-        std::string name = (std::filesystem::temp_directory_path() / "harvlink-test-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr) {
-            throw std::system_error(errno, std::generic_category(), "TMPDIR: no folder can be made as " + name);
+        static std::atomic<unsigned> number = 0;
+        auto const now = std::chrono::system_clock::now().time_since_epoch().count();
+        path = std::filesystem::temp_directory_path() /
+               ("harvlink-test-" + std::to_string(now) + '-' + std::to_string(std::random_device{}()) + '-' +
+                std::to_string(++number));
+        if (!std::filesystem::create_directory(path)) {
+            throw std::runtime_error("TMPDIR: no folder can be made as " + path.string());
         }
-        path = name;
         std::filesystem::current_path(path);
     }
     ScratchFolder(ScratchFolder const&) = delete;

@@ -3,11 +3,14 @@
 #include <array>
 #include <stdexcept>
 
+#if defined(_WIN32)
+#include <winsock2.h>
+#else
 #include <arpa/inet.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#endif
 
 #include "support/LoopbackAddress.h"
 
@@ -17,30 +20,50 @@ namespace {
 constexpr unsigned longTimeout = 8192;
 constexpr auto longestWait = std::chrono::seconds(10);
 
-int BoundSocket(std::string const& address, std::uint16_t port) {
-    sockaddr_in endpoint{};
-    endpoint.sin_family = AF_INET;
-    endpoint.sin_port = htons(port);
-    ::inet_pton(AF_INET, address.c_str(), &endpoint.sin_addr);
-    int const descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+#if defined(_WIN32)
+
+using pollfd = WSAPOLLFD;
+using socklen_t = int;
+
+int poll(pollfd* sockets, std::size_t count, int milliseconds) {
+    return ::WSAPoll(sockets, static_cast<ULONG>(count), milliseconds);
+}
+
+void close(NativeSocket descriptor) {
+    ::closesocket(descriptor);
+}
+
+#endif
+
+sockaddr_in NativeEndpoint(Endpoint const& endpoint) {
+    sockaddr_in native{};
+    native.sin_family = AF_INET;
+    native.sin_port = htons(endpoint.port);
+    native.sin_addr.s_addr = htonl(endpoint.address);
+    return native;
+}
+
+NativeSocket BoundSocket(std::string const& address, std::uint16_t port) {
+    sockaddr_in const endpoint = NativeEndpoint({ParseAddress(address).value(), port});
+    NativeSocket const descriptor = ::socket(AF_INET, SOCK_DGRAM, 0);
     if (::bind(descriptor, reinterpret_cast<sockaddr const*>(&endpoint), sizeof(endpoint)) != 0) {
-        ::close(descriptor);
-        return -1;
+        close(descriptor);
+        return NoSocket;
     }
     return descriptor;
 }
 
-void Release(int& descriptor) {
-    if (descriptor >= 0) {
-        ::close(descriptor);
+void Release(NativeSocket& descriptor) {
+    if (descriptor != NoSocket) {
+        close(descriptor);
     }
-    descriptor = -1;
+    descriptor = NoSocket;
 }
 
 } // namespace
 
-ScriptedController::ScriptedController() : stopEvent(::eventfd(0, EFD_CLOEXEC)) {
-    for (int attempt = 0; robot.descriptor < 0; ++attempt) {
+ScriptedController::ScriptedController() {
+    for (int attempt = 0; robot.descriptor == NoSocket; ++attempt) {
         if (attempt == 1000) {
             throw std::runtime_error("no free loopback address");
         }
@@ -53,7 +76,7 @@ void ScriptedController::Bind(std::string const& candidate) {
     address = candidate;
     robot = {BoundSocket(address, 10040), 10040, {}};
     file = {BoundSocket(address, 10041), 10041, {}};
-    if (robot.descriptor < 0 || file.descriptor < 0) {
+    if (robot.descriptor == NoSocket || file.descriptor == NoSocket) {
         Release(robot.descriptor);
         Release(file.descriptor);
     }
@@ -65,13 +88,11 @@ ScriptedController::~ScriptedController() {
         changed.wait_for(lock, longestWait, [this] { return steps.empty(); });
         EXPECT_TRUE(steps.empty()) << steps.size() << " expected requests never came";
     }
-    std::uint64_t const one = 1;
-    (void)!::write(stopEvent, &one, sizeof(one));
+    stopEvent.Set();
     thread.join();
     EXPECT_FALSE(HasPending()) << "a datagram was never read";
-    for (int* const descriptor : {&robot.descriptor, &file.descriptor, &stopEvent}) {
-        Release(*descriptor);
-    }
+    Release(robot.descriptor);
+    Release(file.descriptor);
 }
 
 void ScriptedController::Expect(Bytes request, Replies replies) {
@@ -97,7 +118,7 @@ std::vector<Datagram> ScriptedController::Received(std::size_t count) {
 
 bool ScriptedController::HasPending() const {
     std::array<pollfd, 2> sockets{{{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}}};
-    return ::poll(sockets.data(), sockets.size(), 0) > 0;
+    return poll(sockets.data(), sockets.size(), 0) > 0;
 }
 
 std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view softwareVersion, unsigned retries,
@@ -112,8 +133,9 @@ std::unique_ptr<NetworkManager> ScriptedController::Connect(std::string_view sof
 /// Serves all datagrams that arrived before the stop. The file port is first: the client does not wait for an answer to the
 /// end of a transfer, so datagrams on the other port came later.
 void ScriptedController::Serve() {
-    std::array<pollfd, 3> events{{{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}, {stopEvent, POLLIN, 0}}};
-    while (::poll(events.data(), events.size(), -1) > 0) {
+    std::array<pollfd, 3> events{
+        {{robot.descriptor, POLLIN, 0}, {file.descriptor, POLLIN, 0}, {stopEvent.Descriptor(), POLLIN, 0}}};
+    while (poll(events.data(), events.size(), -1) > 0) {
         if (events[1].revents != 0) {
             ReadFrom(file, robot);
         } else if (events[0].revents != 0) {
@@ -125,20 +147,24 @@ void ScriptedController::Serve() {
 }
 
 void ScriptedController::ReadFrom(Port& port, Port& other) {
-    Datagram datagram{Bytes(65536), port.number, 0, {}};
-    socklen_t size = sizeof(port.lastClient);
-    auto const length = ::recvfrom(port.descriptor, datagram.bytes.data(), datagram.bytes.size(), 0,
-                                   reinterpret_cast<sockaddr*>(&port.lastClient), &size);
-    datagram.clientPort = ntohs(port.lastClient.sin_port);
+    constexpr int most = 65536;
+    Datagram datagram{Bytes(most), port.number, 0, {}};
+    sockaddr_in client{};
+    socklen_t size = sizeof(client);
+    auto const length = ::recvfrom(port.descriptor, reinterpret_cast<char*>(datagram.bytes.data()), most, 0,
+                                   reinterpret_cast<sockaddr*>(&client), &size);
+    port.lastClient = {ntohl(client.sin_addr.s_addr), ntohs(client.sin_port)};
+    datagram.clientPort = port.lastClient.port;
     datagram.time = std::chrono::steady_clock::now();
-    datagram.bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    datagram.bytes.resize(static_cast<std::size_t>(std::max<std::ptrdiff_t>(length, 0)));
     Replies const replies = RepliesTo(datagram);
     for (Reply const& reply : replies) {
         std::this_thread::sleep_for(reply.delay);
         Bytes const bytes = ReplyBytes(reply, datagram);
         Port const& target = reply.toOtherSocket ? other : port;
-        ::sendto(target.descriptor, bytes.data(), bytes.size(), 0,
-                 reinterpret_cast<sockaddr const*>(&target.lastClient), sizeof(target.lastClient));
+        sockaddr_in const to = NativeEndpoint(target.lastClient);
+        ::sendto(target.descriptor, reinterpret_cast<char const*>(bytes.data()), static_cast<int>(bytes.size()), 0,
+                 reinterpret_cast<sockaddr const*>(&to), sizeof(to));
     }
 }
 

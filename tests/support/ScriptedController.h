@@ -12,9 +12,10 @@
 #include <thread>
 #include <vector>
 
-#include <netinet/in.h>
-
 #include "support/WireBytes.h"
+#include "system/Endpoint.h"
+#include "system/NativeSocket.h"
+#include "system/WakeUp.h"
 #include "wire/NetworkManager.h"
 
 namespace harvlink::test {
@@ -86,9 +87,9 @@ public:
 
 private:
     struct Port {
-        int descriptor = -1;
+        NativeSocket descriptor = NoSocket;
         std::uint16_t number = 0;
-        sockaddr_in lastClient{};
+        Endpoint lastClient;
     };
     struct Step {
         Bytes request;
@@ -103,7 +104,7 @@ private:
     std::string address;
     Port robot;
     Port file;
-    int stopEvent;
+    WakeUp stopEvent;
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Step> steps;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
+namespace harvlink::test {
+
+/// The time zone of the process, in the form that every system understands, such as "TEST-14". UTC at the end.
+class TimeZone {
+public:
+    explicit TimeZone(std::string const& name) { Set(name); }
+    TimeZone(TimeZone const&) = delete;
+    TimeZone& operator=(TimeZone const&) = delete;
+    ~TimeZone() { Set("UTC0"); }
+
+private:
+    static void Set(std::string const& name) {
+#if defined(_WIN32)
+        ::_putenv_s("TZ", name.c_str());
+        ::_tzset();
+#else
+        ::setenv("TZ", name.c_str(), 1);
+        ::tzset();
+#endif
+    }
+};
+
+} // namespace harvlink::test
