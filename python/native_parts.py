@@ -47,7 +47,9 @@ def _build(work):
             raise RuntimeError("the library can't be built, see above; it needs CMake and a compiler for C++20")
         print("harvlink: building without the virtual controller, see above for what is missing", file=sys.stderr)
     subprocess.run(["cmake", "--build", work, "--parallel", str(os.cpu_count() or 1)], check=True)
-    library = (work / "src" / "libharvlink.so").resolve()
+    from harvlink._library import FILE_NAME
+
+    library = (work / "src" / FILE_NAME).resolve()
     simulator = work / "simulator" / "harvlink-sim"
     for path in (library, simulator):
         if path.is_file():
@@ -55,8 +57,15 @@ def _build(work):
     return library, simulator if simulator.is_file() else None
 
 
+def shared_name(library):
+    """What the shared object is called in a package. HARVLINK_LIBRARY can name one for Windows, made by a cross compiler."""
+    return "harvlink.dll" if str(library).endswith(".dll") else "libharvlink.so"
+
+
 def platform(paths):
     """The tag of the platforms on which all of these run: manylinux if they need nothing but what each of these has."""
+    if shared_name(paths[0]) == "harvlink.dll":
+        return "win_amd64"
     here = re.sub(r"[-.]", "_", sysconfig.get_platform())
     least = [_least_glibc(path) for path in paths if path is not None]
     if not here.startswith("linux_") or None in least:

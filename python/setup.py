@@ -4,7 +4,7 @@ import pathlib
 import shutil
 import tempfile
 
-from native_parts import SOURCE_PARTS, SOURCES, find, platform
+from native_parts import SOURCE_PARTS, SOURCES, find, platform, shared_name
 from setuptools import Distribution, setup
 from setuptools.command.build_py import build_py
 from setuptools.command.install import install
@@ -28,7 +28,7 @@ class BuildWithNativeParts(build_py):
         super().run()
         if getattr(self, "editable_mode", False):
             return  # the checkout's own build is used
-        for path, name in zip(native(), ("libharvlink.so", "harvlink-sim")):
+        for path, name in zip(native(), (shared_name(native()[0]), "harvlink-sim")):
             if path is not None:
                 target = pathlib.Path(self.build_lib, "harvlink", name)
                 shutil.copyfile(path, target)

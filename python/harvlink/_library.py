@@ -12,7 +12,9 @@ from ._prototypes import PROTOTYPES
 Path = Union[str, "os.PathLike[str]"]
 """A path of this computer."""
 
-FILE_NAME = "libharvlink.so"
+_IS_WINDOWS = os.name == "nt"
+FILE_NAME = "harvlink.dll" if _IS_WINDOWS else "libharvlink.so"
+_INSTALLED_NAME = FILE_NAME if _IS_WINDOWS else "libharvlink.so.1"
 _INTEGERS = (ctypes.c_int, ctypes.c_int32, ctypes.c_ubyte, ctypes.c_ushort, ctypes.c_uint, ctypes.c_uint32)
 
 
@@ -79,7 +81,7 @@ def candidates() -> Iterator[pathlib.Path]:
 def build_folders() -> Iterator[pathlib.Path]:
     """The build folders of the checkout, if the package lies in one."""
     checkout = pathlib.Path(__file__).resolve().parents[2]
-    for build in ("build/release", "build/debug", "build"):
+    for build in ("build/windows",) if _IS_WINDOWS else ("build/release", "build/debug", "build"):
         yield checkout / build
 
 
@@ -90,4 +92,4 @@ def load() -> Library:
     if found is None and "HARVLINK_LIBRARY" in os.environ:
         raise OSError(f"HARVLINK_LIBRARY does not name a file: {os.environ['HARVLINK_LIBRARY']}")
     # Otherwise the system's loader looks for an installed one.
-    return Library(str(found or "libharvlink.so.1"))
+    return Library(str(found or _INSTALLED_NAME))

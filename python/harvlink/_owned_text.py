@@ -2,9 +2,12 @@
 
 import ctypes
 
-_free = ctypes.CDLL(None).free
-_free.argtypes = [ctypes.c_void_p]
-_free.restype = None
+
+def _free(address: int) -> None:
+    """By the library: the C runtime of the interpreter may be another one, with other memory."""
+    from ._library import load  # which needs this module for its prototypes
+
+    load().call("harvlink_free", address)
 
 
 class OwnedText(ctypes.c_void_p):

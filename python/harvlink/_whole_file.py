@@ -36,7 +36,7 @@ def write_whole(path: bytes, overwrite: bool, write: Callable[[bytes], None]) ->
 
 
 def _put(part: bytes, target: bytes, overwrite: bool) -> None:
-    with open(part, "rb") as file:
+    with open(part, "r+b") as file:  # Windows flushes only what may be written
         os.fsync(file.fileno())
     if overwrite:
         with contextlib.suppress(FileNotFoundError):

@@ -331,6 +331,7 @@ class InstallTest(unittest.TestCase):
         library, simulator = os.environ["HARVLINK_LIBRARY"], os.environ["HARVLINK_SIMULATOR"]
         here = re.sub(r"[-.]", "_", sysconfig.get_platform())
         self.assertEqual(tag(library, simulator), here)  # the latter needs libfmt
+        self.assertEqual(tag("build/windows/src/harvlink.dll"), "win_amd64")
         least = re.fullmatch(rf"manylinux_2_(\d+)_{here[6:]}", tag(library))[1]
         self.assertIn(int(least), range(17, int(os.confstr("CS_GNU_LIBC_VERSION").split(".")[1]) + 1))
         versions = subprocess.run(["readelf", "-VW", library], check=True, capture_output=True, text=True).stdout
