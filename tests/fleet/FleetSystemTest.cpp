@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "FleetRig.h"
+#include "fleet/FleetEngine.h"
 #include "system/Poller.h"
 #include "system/WakeUp.h"
 
@@ -41,6 +42,10 @@ TYPED_TEST(Pollers, NameWhatIsReadable) {
     sources[1].Set();
     sources[2].Set();
     auto const ready = poller.Wait(10'000'000'000);
+    std::array<WakeUp, 8> const more;
+    for (auto const& source : more) { // while the others are gone through
+        ASSERT_TRUE(poller.Watch(source.Descriptor(), 99));
+    }
     std::vector<std::uint32_t> tokens(ready.begin(), ready.end());
     std::ranges::sort(tokens);
     EXPECT_EQ(tokens, (std::vector<std::uint32_t>{11, 12}));
@@ -72,6 +77,51 @@ TEST(FleetSystem, IsNotSilentByItsOwnPause) {
         EXPECT_EQ(rig.Of(i).timeouts, 0U);
         EXPECT_EQ(rig.Of(i).startUps, 1U) << "nobody went silent";
     }
+}
+
+std::atomic<std::int64_t> wallShift = 0;
+
+std::int64_t ShiftedWallNow() {
+    return fleet::FleetEngine::WallNow() + wallShift;
+}
+
+/// Rounds go on as they did when the clock of the computer is set, forth and back; the times of samples follow it at once.
+TEST(FleetSystem, DoesNotMindThatTheClockIsSet) {
+    constexpr std::int64_t hour = 3'600'000'000'000;
+    FleetRig const rig(1);
+    fleet::SampleQueue samples(1024);
+    fleet::EventQueue events(16);
+    fleet::FleetEngine engine(samples, events, ShiftedWallNow);
+    auto const record = std::make_shared<fleet::ControllerRecord>(
+        1, "c0", rig.OptionsOf(0, 2000), Endpoint{ParseAddress(rig.controllers[0]->Address()).value_or(0), 0},
+        std::vector<FleetGroup>{{.period = 20ms, .items = {FleetItem::State()}}});
+    engine.Replace(nullptr, record);
+    auto const start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(engine.Start());
+    std::vector<std::int64_t> times;
+    auto const takeMore = [&](std::size_t count) {
+        auto const wanted = times.size() + count;
+        auto const end = std::chrono::steady_clock::now() + 10s;
+        while (times.size() < wanted && std::chrono::steady_clock::now() < end) {
+            (void)samples.Take(1, 100ms, [&](fleet::RawSample const& sample) {
+                times.push_back(sample.stamp.answerTime);
+                return true;
+            });
+        }
+        return times.size() >= wanted;
+    };
+    for (std::int64_t const shift : {std::int64_t{0}, hour, -hour}) {
+        wallShift = shift;
+        std::size_t const jump = times.size() + 1; // the one before may have been under way
+        ASSERT_TRUE(takeMore(10)) << shift;
+        EXPECT_TRUE(std::is_sorted(times.begin() + static_cast<std::ptrdiff_t>(jump), times.end())) << shift;
+        EXPECT_LT(std::abs(times.back() - ShiftedWallNow()), hour / 60) << shift;
+    }
+    engine.Stop();
+    std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start;
+    EXPECT_LE(static_cast<double>(record->groups[0].rounds.Get()), elapsed.count() / 0.02 + 2.0);
+    EXPECT_EQ(record->timeouts.Get(), 0U);
+    EXPECT_EQ(record->startUps.Get(), 1U);
 }
 
 #if defined(__has_feature)

@@ -40,7 +40,6 @@ PollPoller::~PollPoller() = default;
 bool PollPoller::Watch(NativeSocket descriptor, Token token) {
     watched->descriptors.push_back({descriptor, POLLIN, 0});
     watched->tokens.push_back(token);
-    watched->ready.reserve(watched->tokens.size()); // so that waiting takes no memory
     return true;
 }
 
@@ -56,6 +55,7 @@ void PollPoller::Forget(NativeSocket descriptor) {
 std::span<PollPoller::Token const> PollPoller::Wait(std::int64_t nanoseconds) {
     auto& [descriptors, tokens, ready] = *watched;
     ready.clear();
+    ready.reserve(tokens.size()); // not in Watch, which is called while somebody goes through the last ones
     int const count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), ToMilliseconds(nanoseconds));
     for (std::size_t i = 0; i < descriptors.size() && count > 0; ++i) { // else they are those of the wait before
         if (descriptors[i].revents != 0) {

@@ -23,7 +23,6 @@ PollPoller::~PollPoller() = default;
 bool PollPoller::Watch(NativeSocket descriptor, Token token) {
     watched->descriptors.push_back({descriptor, POLLRDNORM, 0});
     watched->tokens.push_back(token);
-    watched->ready.reserve(watched->tokens.size()); // so that waiting takes no memory
     return true;
 }
 
@@ -39,6 +38,7 @@ void PollPoller::Forget(NativeSocket descriptor) {
 std::span<PollPoller::Token const> PollPoller::Wait(std::int64_t nanoseconds) {
     auto& [descriptors, tokens, ready] = *watched;
     ready.clear();
+    ready.reserve(tokens.size()); // not in Watch, which is called while somebody goes through the last ones
     ShortWait const wait{std::chrono::nanoseconds(nanoseconds)};
     int const count = ::WSAPoll(descriptors.data(), static_cast<ULONG>(descriptors.size()), wait.Milliseconds());
     if (count < 0) {
