@@ -71,7 +71,7 @@ void ControllerAgent::OnTime(std::int64_t now) {
         return;
     }
     if (phase == Phase::StartingUp) {
-        if (Lane& lane = StartUpLane(); lane.IsWaiting() && lane.Deadline() <= now) {
+        if (Lane& lane = StartUpLane(); HasExpired(lane, now)) {
             Expire(lane, nullptr, now);
         } else if (!lane.IsWaiting()) {
             AskForStartUp(now);
@@ -79,7 +79,7 @@ void ControllerAgent::OnTime(std::int64_t now) {
         return;
     }
     for (std::size_t i = 0; i < workers.size() && phase == Phase::Running; ++i) {
-        if (Lane& lane = workers[i]->lane; lane.IsWaiting() && lane.Deadline() <= now) {
+        if (Lane& lane = workers[i]->lane; HasExpired(lane, now)) {
             Expire(lane, workers[i].get(), now);
         }
     }
@@ -146,13 +146,13 @@ std::int64_t ControllerAgent::NextTime() const {
     }
     if (phase == Phase::StartingUp) {
         Lane const& lane = file ? *file : workers.front()->lane;
-        return lane.IsWaiting() ? lane.Deadline() : nextSend;
+        return lane.IsWaiting() ? ExpiryOf(lane) : nextSend;
     }
     std::int64_t next = DueHeap::never;
     bool hasFree = false;
     for (auto const& worker : workers) {
         if (worker->lane.IsWaiting()) {
-            next = std::min(next, worker->lane.Deadline());
+            next = std::min(next, ExpiryOf(worker->lane));
         } else if (worker->hasWork) {
             next = std::min(next, nextSend);
         } else {
@@ -170,7 +170,7 @@ void ControllerAgent::Excuse(std::int64_t nanoseconds) {
         worker->lane.Shift(nanoseconds);
     }
     for (Round& round : rounds) {
-        round.schedule.Excuse();
+        round.schedule.Excuse(nanoseconds);
     }
 }
 

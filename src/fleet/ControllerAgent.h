@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -74,6 +75,9 @@ private:
 
     // The link.
     void TakeOutcome(Lane::Outcome outcome, Worker* worker, std::int64_t now);
+    /// A request is not sent again before the controller has had its rest.
+    std::int64_t ExpiryOf(Lane const& lane) const { return std::max(lane.Deadline(), nextSend); }
+    bool HasExpired(Lane const& lane, std::int64_t now) const { return lane.IsWaiting() && ExpiryOf(lane) <= now; }
     void Expire(Lane& lane, Worker* worker, std::int64_t now);
     void GoAway(FleetState state, std::int32_t code, std::int64_t now);
     void SetState(FleetState state, std::int32_t code, std::int64_t now);

@@ -33,8 +33,13 @@ std::int64_t NextTick(std::int64_t time, std::int64_t tick) {
 
 } // namespace
 
-FleetEngine::FleetEngine(SampleQueue& samples, EventQueue& events)
-    : services{.poller = poller, .samples = samples, .events = events, .systemCalls = systemCalls, .reply = {}} {}
+std::int64_t FleetEngine::WallNow() {
+    return Now<std::chrono::system_clock>();
+}
+
+FleetEngine::FleetEngine(SampleQueue& samples, EventQueue& events, WallClock wallClock)
+    : wall(wallClock),
+      services{.poller = poller, .samples = samples, .events = events, .systemCalls = systemCalls, .reply = {}} {}
 
 bool FleetEngine::Start() {
     if (!poller.IsOpen() || !wake.IsOpen() || !services.samples.IsOpen() || !services.events.IsOpen()) {
@@ -207,9 +212,15 @@ void FleetEngine::NotePause(std::int64_t nanoseconds) {
     }
 }
 
-/// The clock of the computer may be set at any time; nothing but the times of samples follows it.
+/// The clock of the computer may be set at any time; nothing but the times of samples follows it. Only as far as the
+/// difference can be known: between two looks at the clocks, this thread may not have run.
 void FleetEngine::CompareClocks() {
-    services.wallOffset = Now<std::chrono::system_clock>() - SteadyNow();
+    std::int64_t const before = SteadyNow();
+    std::int64_t const offset = wall() - before;
+    std::int64_t const doubt = SteadyNow() - before;
+    if (offset < services.wallOffset || offset - doubt > services.wallOffset) {
+        services.wallOffset = offset - doubt / 2;
+    }
 }
 
 } // namespace harvlink::fleet

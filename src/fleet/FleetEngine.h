@@ -17,7 +17,11 @@ namespace harvlink::fleet {
 /// The loop that serves all controllers, on a thread of its own. Other threads only leave word what is to be watched.
 class FleetEngine {
 public:
-    FleetEngine(SampleQueue& samples, EventQueue& events);
+    /// Nanoseconds since the epoch, by the clock of this computer.
+    using WallClock = std::int64_t (*)();
+    static std::int64_t WallNow();
+
+    FleetEngine(SampleQueue& samples, EventQueue& events, WallClock wallClock = WallNow);
     ~FleetEngine() { Stop(); }
     FleetEngine(FleetEngine const&) = delete;
     FleetEngine& operator=(FleetEngine const&) = delete;
@@ -60,6 +64,7 @@ private:
     WakeUp wake;
     Counter systemCalls;
     Counter pauses;
+    WallClock const wall;
     Services services;
     DueHeap due;
     std::vector<Slot> slots;

@@ -18,11 +18,13 @@ bool RoundSchedule::Finish(std::int64_t now) {
     due += group->period;
     group->rounds.Add();
     group->lastRound.Set(static_cast<std::uint64_t>(now - begunAt));
-    bool const isLate = due <= now && !isExcused;
+    bool const isBehind = due <= now;
+    bool const isSlow = now - begunAt > group->period;
+    bool const isLate = isBehind && (isSlow || !isExcused);
     if (isLate) {
         group->overruns.Add();
     }
-    isExcused = false;
+    isExcused = isBehind && !isLate;
     return isLate;
 }
 

@@ -42,8 +42,11 @@ public:
     /// Called when it is finished. @return whether the next one should have begun already
     bool Finish(std::int64_t now);
 
-    /// The engine itself was held up, or the controller was away: what is late is nobody's fault.
-    void Excuse() { isExcused = true; }
+    /// The engine itself did not run for so long: what is late, until the rounds are on the grid again, is nobody's fault.
+    void Excuse(std::int64_t nanoseconds) {
+        isExcused = true;
+        begunAt += begunAt != 0 ? nanoseconds : 0;
+    }
 
 private:
     static constexpr std::int64_t roundsOfMean = 8;

@@ -117,19 +117,25 @@ TEST(Fleet, PlansWhatItCosts) {
     EXPECT_EQ(plan.descriptors, 7U);
 }
 
-TEST(Fleet, KeepsPeriodsWithoutDrift) {
+/// No faster than they should be; how much slower is up to the machine, but it is the same for all.
+TEST(Fleet, KeepsPeriods) {
     FleetRig rig(20);
+    auto const start = std::chrono::steady_clock::now();
     ASSERT_EQ(rig.Watch({StateEach(20ms), {.period = 50ms, .items = {Byte(0), Byte(1)}}}).StatusCode, 0);
     ASSERT_TRUE(rig.Await([&](FleetSample const&) { return rig.Of(19).groups[0].rounds >= 50; }));
+    std::array<std::uint64_t, 2> rounds{};
     for (std::size_t i = 0; i < 20; ++i) {
-        auto const seen = rig.Of(i);
-        EXPECT_NEAR(static_cast<double>(seen.groups[0].rounds), 50.0, 4.0);
-        EXPECT_NEAR(static_cast<double>(seen.groups[1].rounds), 20.0, 3.0);
-        EXPECT_NEAR(seen.groups[0].effectiveRate, 50.0, 15.0);
+        auto const groups = rig.Of(i).groups;
+        std::chrono::duration<double> const elapsed = std::chrono::steady_clock::now() - start;
+        rounds = {groups[0].rounds, groups[1].rounds};
+        EXPECT_GE(rounds[0], 40U);
+        EXPECT_LE(static_cast<double>(rounds[0]), elapsed.count() / 0.02 + 2.0);
+        EXPECT_GE(rounds[1], rounds[0] / 4);
+        EXPECT_LE(static_cast<double>(rounds[1]), elapsed.count() / 0.05 + 2.0);
     }
 }
 
-/// Ten exchanges of 10 ms are too many for 70 ms. They run 10 times a second, not every second period.
+/// Ten exchanges of 10 ms are too many for 70 ms. Each round begins with the last answer of the one before it.
 TEST(Fleet, RunsAtTheRateThatIsPossible) {
     FleetRig rig(1, [](std::size_t) {
         ControllerOptions options;
@@ -137,14 +143,24 @@ TEST(Fleet, RunsAtTheRateThatIsPossible) {
         options.faults.delay = 10ms;
         return options;
     });
-    ASSERT_EQ(
-        rig.Watch({{.period = 70ms, .items = {FleetItem::Variable(FleetItemKind::ByteVariable, 0, 10)}}}).StatusCode,
-        0);
-    ASSERT_TRUE(rig.AwaitEvent(RanOver));
-    ASSERT_TRUE(rig.Await([&](FleetSample const&) { return rig.Of(0).groups[0].rounds >= 12; }));
+    ASSERT_EQ(rig.Watch({{.period = 70ms, .items = {FleetItem::Variable(FleetItemKind::ByteVariable, 0, 10)}}}, 2000)
+                  .StatusCode,
+              0);
+    std::chrono::system_clock::time_point last{};
+    int rounds = 0;
+    ASSERT_TRUE(rig.Await(
+        [&](FleetSample const& sample) {
+            if (sample.item.index == 0 && last.time_since_epoch().count() != 0) {
+                EXPECT_LE(sample.requestTime - last, 1ms);
+                ++rounds;
+            }
+            last = sample.answerTime;
+            return rounds == 12;
+        },
+        20s));
+    EXPECT_TRUE(rig.AwaitEvent(RanOver));
     auto const seen = rig.Of(0).groups[0];
-    EXPECT_GE(seen.overruns, 9U);
-    EXPECT_GT(seen.effectiveRate, 7.3); // every second period would be 7.1
+    EXPECT_GE(seen.overruns, 1U);
     EXPECT_LE(seen.effectiveRate, 10.2);
 }
 
@@ -165,6 +181,20 @@ TEST(Fleet, GivesTheControllerRest) {
         ASSERT_TRUE(rig.Await([&](FleetSample const&) { return rig.Of(0).exchanges >= 20; }));
         EXPECT_GE(std::chrono::steady_clock::now() - start, 19 * 20ms);
     }
+}
+
+/// Repeated requests are requests too.
+TEST(Fleet, GivesASilentControllerRest) {
+    FleetRig rig(1);
+    rig.controllers[0]->WithFaults([](simulator::FaultInjector& faults) { faults.Arm(Fault::Drop, 1'000'000); });
+    FleetControllerOptions options = rig.OptionsOf(0, 10);
+    options.gap = 150ms;
+    ASSERT_EQ(rig.fleet.Add("c0", options, {StateEach(1s)}).StatusCode, 0);
+    auto const start = std::chrono::steady_clock::now();
+    ASSERT_EQ(rig.fleet.Start().StatusCode, 0);
+    ASSERT_TRUE(rig.AwaitState(0, FleetState::Silent));
+    EXPECT_EQ(rig.Of(0).repeatedRequests, 2U);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 2 * 150ms);
 }
 
 TEST(Fleet, TellsEdgesOnce) {
