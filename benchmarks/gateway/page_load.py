@@ -213,6 +213,7 @@ def main():
         core, memory, sent, kinds = measure_gateway(gateway, pages, controllers, seconds, folder)
         bare, bare_sent = measure_bare(broadcast, pages, kinds, seconds, folder)
     print(f"{pages} pages, {controllers} controllers: {sent / 1e6:.2f} MB/s, bare {bare_sent / 1e6:.2f} MB/s", file=sys.stderr)
+    bare *= sent / bare_sent  # a machine with other work keeps neither pace
     name = f"{pages} pages, {controllers} controllers at 10 Hz"
     met = [row(f"{name}: processor more", "% of a core", core, "<=", 20),
            row(f"{name}: memory more", "MiB", memory, "<=", 20),

@@ -42,6 +42,16 @@ async function alarmSeen(page, gateway, name, host) {
     return delay;
 }
 
+/** What the page itself computes for each frame, in milliseconds of its thread: without GPU, drawing takes the most. */
+async function worked(page, action) {
+    const cdp = await page.context().newCDPSession(page);
+    await cdp.send("Performance.enable", { timeDomain: "threadTicks" });
+    const spent = async () => (await cdp.send("Performance.getMetrics")).metrics.find(({ name }) => name === "TaskDuration").value * 1000;
+    const before = await spent();
+    const frames = await action(page);
+    return { frames, own: ((await spent()) - before) / frames.length };
+}
+
 /** Milliseconds between frames while somebody scrolls through all tiles, once down and once up. */
 const scrolling = (page) =>
     page.evaluate(
@@ -92,9 +102,9 @@ async function measure() {
     const site = await plant(79, 1000);
     const wall = await openPage(browser, site.gateway, "", { viewport: { width: 1920, height: 1080 } });
     await until(async () => (await wall.locator("a.tile").count()) === 1000, "1,000 tiles");
-    const frames = await scrolling(wall);
-    row("1,000 tiles, scrolled: frame, median", "ms", quantile(frames, 0.5), 2 * frameTime);
-    row("1,000 tiles, scrolled: frame, 95 %", "ms", quantile(frames, 0.95), 3 * frameTime);
+    const { frames, own } = await worked(wall, scrolling);
+    row("1,000 tiles, scrolled: its own time for a frame", "ms", own, frameTime);
+    row("1,000 tiles, scrolled: frame drawn without GPU, median", "ms", quantile(frames, 0.5), 2 * frameTime);
 }
 
 try {

@@ -209,17 +209,22 @@ void LiveClient::Receive(std::string_view text) {
     for (Json const& name : *watch) {
         watched_.push_back({name.get<std::string>(), 0, 0});
     }
-    mayHaveValues_ = true;
+    turn_ = 0;
+    turnsLeft_ = watched_.size();
 }
 
 bool LiveClient::Tick(LiveText const& delta) {
-    mayHaveValues_ = !watched_.empty();
+    turnsLeft_ = watched_.size();
     if (delta != nullptr && !needsHello_) {
         // It has not taken the last one yet: it gets the full picture instead of both.
         needsHello_ = delta_ != nullptr;
         delta_ = needsHello_ ? nullptr : delta;
     }
-    return error_ != nullptr || (!isPaused_ && (needsHello_ || delta_ != nullptr || mayHaveValues_));
+    return !IsDone();
+}
+
+bool LiveClient::IsDone() const {
+    return error_ == nullptr && (isPaused_ || (!needsHello_ && delta_ == nullptr && turnsLeft_ == 0));
 }
 
 LiveText LiveClient::Next() {
@@ -241,19 +246,19 @@ LiveText LiveClient::Next() {
 }
 
 LiveText LiveClient::NextValues() {
-    for (std::size_t i = 0; i < watched_.size() && mayHaveValues_; ++i) {
-        Watched& watched = watched_[(turn_ + i) % watched_.size()];
+    for (; turnsLeft_ > 0; --turnsLeft_) {
+        Watched& watched = watched_[turn_];
+        turn_ = (turn_ + 1) % watched_.size();
         std::uint32_t const id = feed_.IdOf(watched.controller);
         bool const isNew = id != watched.id;
         watched.id = id;
         LiveText text = isNew ? feed_.Items(watched.controller, watched.version)
                               : feed_.Values(watched.controller, watched.version);
         if (text != nullptr) {
-            turn_ = (turn_ + i + 1) % watched_.size();
+            --turnsLeft_;
             return text;
         }
     }
-    mayHaveValues_ = false;
     return nullptr;
 }
 

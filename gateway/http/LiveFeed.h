@@ -72,6 +72,9 @@ public:
     /// The next message; null if there is nothing.
     LiveText Next();
 
+    /// False if Next may have one more.
+    bool IsDone() const;
+
 private:
     struct Watched {
         std::string controller;
@@ -90,7 +93,7 @@ private:
     LiveText error_;
     std::vector<Watched> watched_;
     std::size_t turn_ = 0; ///< of the watched: each gets its turn
-    bool mayHaveValues_ = false;
+    std::size_t turnsLeft_ = 0; ///< of the watched that may have values since the last tick
 };
 
 } // namespace harvlink::gateway
