@@ -10,6 +10,8 @@ import platform
 import subprocess
 import sys
 
+import gateway_report
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EXCHANGES = 1000  # the longer of the two counted runs has this many more than the shorter
 CALLS = {"sendto", "ppoll", "recvfrom"}
@@ -63,6 +65,8 @@ case says otherwise. The figure is the median of the ratios of all rounds. `scri
 | piece | time |
 |---|---|
 {pieces}
+
+{gateway}
 """
 
 
@@ -190,6 +194,7 @@ def main():
         missed=f"{len(rows) - missed} of {len(rows)} targets met" if missed else f"all {len(rows)} targets met",
         rows="\n".join(map(row, rows)),
         remarks=remarks(rows),
+        gateway=gateway_report.section(),
         pieces="\n".join(f"| {piece['name']} | {piece['real_time']:.1f} {piece['time_unit']} |" for piece in pieces),
     )
     (ROOT / "docs/benchmarks.md").write_text(page, encoding="utf-8")

@@ -8,9 +8,10 @@ namespace {
 
 /// Requests with the same one get the same answer.
 std::string KeyOf(Request const& request) {
-    std::string key = request.method + request.path;
+    std::string key = request.method;
+    key += request.path;
     for (auto const& [name, value] : request.query) {
-        key += '\n' + name + '\n' + value;
+        key.append("\n").append(name).append("\n").append(value);
     }
     return key;
 }

@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include "gateway/config/ConfigFile.h"
@@ -34,6 +35,16 @@ void OccupyStandardStreams() {
             open("/dev/null", O_RDONLY); // gets the lowest free number; writing to it fails, as before
         }
     }
+}
+
+/// Each answer to a scrape takes megabytes on one thread and gives them back on another. Unless such blocks are mapped each by
+/// itself, and threads share their heaps, they leave holes that grow for hours.
+void KeepMemoryFlat() {
+#ifdef __GLIBC__
+    constexpr int Large = 1 << 20;
+    mallopt(M_MMAP_THRESHOLD, Large);
+    mallopt(M_ARENA_MAX, 2);
+#endif
 }
 
 /// Blocked before any thread starts, which inherits the mask, so that the main thread takes them.
@@ -98,6 +109,7 @@ void Serve(Gateway& gateway, Arguments const& arguments, sigset_t const& signals
 }
 
 int Run(Arguments const& arguments) {
+    KeepMemoryFlat();
     sigset_t const signals = BlockSignals();
     Config config = ConfigFor(arguments);
     Log log;

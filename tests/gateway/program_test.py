@@ -72,21 +72,27 @@ class ProgramTest(GatewayTest):
                 seen = notices.recv(100)
         self.assertEqual(seen, b"STOPPING=1")
 
+    @unittest.skipUnless(shutil.which("prometheus") and shutil.which("mosquitto"), "needs prometheus and mosquitto")
     def test_the_commands_of_the_documents(self):
         page = (SOURCE / "docs" / "gateway.md").read_text(encoding="utf-8")
         blocks = re.findall(r"^```sh gateway\n(.*?)^```", page, re.MULTILINE | re.DOTALL)
-        self.assertEqual(len(blocks), 2)
-        for name in ("prometheus.yml", "harvlink.rules.yml"):
-            shutil.copy(SOURCE / "packaging" / "prometheus" / name, self.folder)
-        # The port of the page may be in use here, so the program gets another one.
+        self.assertEqual(len(blocks), 4)
+        # The ports of the page may be in use here, so the programs get others.
         port = free_port()
+        for name in ("prometheus.yml", "harvlink.rules.yml"):
+            text = (SOURCE / "packaging" / "prometheus" / name).read_text(encoding="utf-8")
+            (self.folder / name).write_text(text.replace("9750", str(port)), encoding="utf-8")
         (self.folder / "port.toml").write_text(f'[gateway]\nlisten = "127.0.0.1:{port}"\n', encoding="utf-8")
         for block in blocks:
-            script = block.replace("--simulate 12", "--simulate 12 --config port.toml").replace("9750", str(port))
-            script = f'set -em -o pipefail\nharvlink-gateway() {{ "{PROGRAM}" "$@"; }}\n{script}'
+            script = block.replace("harvlink-gateway --simulate 12", "harvlink-gateway --simulate 12 --config port.toml")
+            for usual, other in (("9750", port), ("9090", free_port()), ("1883", free_port())):
+                script = script.replace(usual, str(other))
+            # A job of the page must have ended before the next one takes its port, also when a command fails.
+            script = ("set -em -o pipefail\ntrap 'for job in $(jobs -p); do kill -- -$job || true; done; wait || true' EXIT\n"
+                      f'harvlink-gateway() {{ "{PROGRAM}" "$@"; }}\n{script}')
             run = subprocess.run(["bash", "-c", script], cwd=self.folder, capture_output=True, text=True, check=False,
-                                 timeout=60)
-            self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+                                 timeout=PATIENCE * 2)
+            self.assertEqual(run.returncode, 0, run.stdout[-2000:] + run.stderr)
         self.assertIn("61 controllers", run.stdout)
 
     @unittest.skipUnless(shutil.which("prometheus") and shutil.which("promtool"), "needs prometheus")
