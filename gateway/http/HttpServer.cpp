@@ -68,6 +68,8 @@ public:
         return static_cast<std::uint16_t>(lws_get_vhost_listen_port(lws_get_vhost_by_name(context_, "default")));
     }
 
+    std::uint64_t Rounds() const { return rounds_; }
+
 private:
     struct Tick {
         lws_sorted_usec_list_t list{};
@@ -111,6 +113,7 @@ private:
     Connections open_; ///< the thread's own, as the next
     std::vector<unsigned char> piece_;
     std::atomic<bool> isStopping_ = false;
+    std::atomic<std::uint64_t> rounds_ = 0;
     std::unique_ptr<AnswerQueue> queue_ = std::make_unique<AnswerQueue>(api_, [this] { lws_cancel_service(context_); });
     std::thread thread_;
 };
@@ -167,6 +170,7 @@ void HttpServer::Implementation::Run() {
 }
 
 void HttpServer::Implementation::TickLive() {
+    ++rounds_;
     if (open_.LiveClients() > 0) {
         LiveText const delta = feed_.Look();
         for (auto& [socket, connection] : open_.All()) {
@@ -402,6 +406,10 @@ HttpServer::~HttpServer() = default;
 
 std::uint16_t HttpServer::Port() const {
     return implementation_->Port();
+}
+
+std::uint64_t HttpServer::Rounds() const {
+    return implementation_->Rounds();
 }
 
 std::vector<Figure> HttpServer::Figures() {

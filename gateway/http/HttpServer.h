@@ -24,6 +24,9 @@ public:
 
     std::uint16_t Port() const;
 
+    /// Rises as long as its thread goes round, ten times a second.
+    std::uint64_t Rounds() const;
+
     /// Connections, requests and what was refused, of all listeners that there were. Called on any thread.
     static std::vector<Figure> Figures();
 

@@ -195,7 +195,9 @@ std::vector<Figure> Gateway::Figures() {
 
 bool Gateway::IsAlive() {
     std::uint64_t const rounds = watch_.Dispatch().Rounds();
-    return std::exchange(seenRounds_, rounds) != rounds;
+    std::uint64_t const httpRounds = http_ == nullptr ? seenHttpRounds_ + 1 : http_->Rounds();
+    bool const isRound = std::exchange(seenRounds_, rounds) != rounds;
+    return std::exchange(seenHttpRounds_, httpRounds) != httpRounds && isRound;
 }
 
 } // namespace harvlink::gateway

@@ -29,7 +29,7 @@ public:
     /// RecordingError; the gateway then goes on as the configuration before says.
     void Apply(Config config);
 
-    /// Whether all its threads go round; for the watchdog.
+    /// Whether the threads that hand on samples and that answer clients have gone round since the last call; for the watchdog.
     bool IsAlive();
 
     std::size_t ControllerCount() const { return config_ ? config_->controllers.size() : 0; }
@@ -56,6 +56,7 @@ private:
     std::optional<MqttConfig> mqttInUse_;
     std::optional<Config> listenerInUse_;
     std::uint64_t seenRounds_ = 0;
+    std::uint64_t seenHttpRounds_ = 0;
 };
 
 } // namespace harvlink::gateway

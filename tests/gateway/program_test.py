@@ -11,6 +11,7 @@ import sys
 import time
 import unittest
 import urllib.parse
+import urllib.request
 
 from gateway_program import PATIENCE, PROGRAM, SOURCE, Gateway, GatewayTest, free_port, get, wait_for
 
@@ -34,7 +35,7 @@ class ProgramTest(GatewayTest):
         self.addCleanup(notices.close)
         notices.bind(str(self.folder / "notify"))
         notices.settimeout(PATIENCE)
-        recording = f'[recording]\nfile = "{self.folder}/plant.harvlink"\n[recording.incidents]\nfolder = "{self.folder}"\n'
+        recording = f'[recording]\nfile = "{self.folder}/plant.harvlink"\n[recording.incidents]\nfolder = "{self.folder}"\nafter = "1s"\n'
         gateway = Gateway(self, recording, "--simulate", "3", environment={
             "NOTIFY_SOCKET": str(self.folder / "notify"), "WATCHDOG_USEC": "400000"})
         self.assertIn(b"READY=1", notices.recv(100))
@@ -51,6 +52,13 @@ class ProgramTest(GatewayTest):
         item = next(item["id"] for item in items if item["name"] == "state alarm")
         wait_for(lambda: json.loads(get(port, f"/api/history?controller=robot2&items={item}"))["series"][0]["last"][-1:]
                  == [True], "the alarm in the recording")
+        incident = wait_for(lambda: next((each for each in json.loads(get(port, "/api/incidents")) if each["complete"]), None),
+                            "the incident")
+        path = f"/api/incidents/{incident['file']}"
+        self.assertRegex(get(port, path + "?format=csv"), "^time,seconds,controller,item,unit,value,quality\n(.*\n)+$")
+        with urllib.request.urlopen(f"http://127.0.0.1:{port}{path}", timeout=PATIENCE) as answer:
+            self.assertEqual(answer.read(), (self.folder / incident["file"]).read_bytes())
+        self.assertEqual(list(self.folder.glob("*.part")), [])
         get(port, "/api/latest", 421, Host="evil.example")
         get(port, "/api/virtual/robot2", 403, body=b"{}", Origin="http://evil.example")
 
