@@ -56,6 +56,15 @@ def soak_of(report):
     return {**{name: soak[name] for name in wanted}, "failed": len(soak["failures"])}
 
 
+def fleet_soak_of(report):
+    runs = [json.loads(line) for line in report.read_text().splitlines()]
+    faults = {name: sum(run["faultsInjected"][name] for run in runs) for name in runs[0]["faultsInjected"]}
+    return {"minutes": sum(run["seconds"] for run in runs) / 60, "controllers": runs[0]["controllers"],
+            "faulty": runs[0]["faulty"], "faultyValues": sum(run["faultyValues"] for run in runs),
+            "healthyValues": sum(run["healthyValues"] for run in runs),
+            "leastRounds": min(run["leastRounds"] for run in runs), "faultsInjected": faults}
+
+
 SOURCES = {
     **{f"tests {build}": (BUILD / build / "tests.xml", tests_of) for build in BUILDS},
     "coverage": (BUILD / "coverage" / "library.json", coverage_of),
@@ -64,6 +73,7 @@ SOURCES = {
     "fuzzing": (BUILD / "fuzz" / "report.json", fuzzing_of),
     "soak": (BUILD / "soak" / "report.json", soak_of),
     "bad network": (BUILD / "netns" / "report.json", soak_of),
+    "fleet soak": (BUILD / "soak" / "fleet.jsonl", fleet_soak_of),
 }
 
 
@@ -126,6 +136,13 @@ def rows(figures):
         yield from soak_rows("soak", f"script/soak {soak['minutesAsked']:g}", soak)
     if soak := figures.get("bad network"):
         yield from soak_rows("soak through a bad network", f"script/netns {soak['minutesAsked']:g}", soak)
+    if soak := figures.get("fleet soak"):
+        command = f"script/soak fleet {soak['minutes']:g}"
+        yield "soak of a fleet", (
+            f"{soak['minutes']:g} minutes, {soak['controllers']} controllers, {soak['faulty']} of them faulty: "
+            f"{soak['faultyValues']:,} values of these and {soak['healthyValues']:,} of the others, none wrong but "
+            f"for bits that flipped inside a value; each of the others had at least {100 * soak['leastRounds']:.1f} % of its rounds"), command, soak
+        yield "soak of a fleet: faults injected", listing(soak["faultsInjected"]), command, soak
 
 
 def render(figures):
