@@ -13,11 +13,11 @@ using std::chrono::steady_clock;
 
 constexpr std::chrono::seconds Patience(5); ///< with a client that takes its answer, when others need its place
 
-bool HasNoRequest(Connection const& connection) {
+bool HasNoRequest(HttpConnection const& connection) {
     return connection.live == nullptr && (connection.exchange == nullptr || !connection.exchange->isComplete);
 }
 
-bool IsSlowReader(Connection const& connection) {
+bool IsSlowReader(HttpConnection const& connection) {
     return connection.exchange != nullptr && connection.exchange->response != nullptr &&
            steady_clock::now() - connection.since > Patience;
 }
@@ -32,7 +32,7 @@ void Connections::Remove(lws* socket) {
     all_.erase(socket);
 }
 
-Connection* Connections::Find(lws* socket) {
+HttpConnection* Connections::Find(lws* socket) {
     auto const found = all_.find(socket);
     return found == all_.end() ? nullptr : &found->second;
 }

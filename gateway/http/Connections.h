@@ -11,7 +11,7 @@
 
 namespace harvlink::gateway {
 
-struct Connection {
+struct HttpConnection {
     std::shared_ptr<Exchange> exchange; ///< null: no request has come since the last answer
     std::unique_ptr<LiveClient> live; ///< of a WebSocket
     std::string received; ///< the fragments of a message
@@ -30,9 +30,9 @@ public:
 
     void Add(lws* socket);
     void Remove(lws* socket);
-    Connection* Find(lws* socket);
+    HttpConnection* Find(lws* socket);
     lws* SocketOf(std::shared_ptr<Exchange> const& exchange) const; ///< null if it has gone
-    std::map<lws*, Connection>& All() { return all_; }
+    std::map<lws*, HttpConnection>& All() { return all_; }
 
     std::size_t Size() const { return all_.size(); }
     bool IsFull() const { return all_.size() >= Most; }
@@ -50,7 +50,7 @@ private:
     template <typename Condition>
     bool GiveUpOldest(Condition const& condition);
 
-    std::map<lws*, Connection> all_;
+    std::map<lws*, HttpConnection> all_;
 };
 
 } // namespace harvlink::gateway

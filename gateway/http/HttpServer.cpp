@@ -237,11 +237,11 @@ int HttpServer::Implementation::Accept() {
 
 int HttpServer::Implementation::Begin(lws* socket, std::string_view path) {
     ++AllCounts().requests;
-    Connection* const found = open_.Find(socket);
+    HttpConnection* const found = open_.Find(socket);
     if (found == nullptr || found->isGivenUp) {
         return -1;
     }
-    Connection& connection = *found;
+    HttpConnection& connection = *found;
     connection.exchange = std::make_shared<Exchange>();
     Exchange& exchange = *connection.exchange;
     exchange.request = RequestOf(socket, path);
@@ -258,7 +258,7 @@ int HttpServer::Implementation::Begin(lws* socket, std::string_view path) {
 }
 
 int HttpServer::Implementation::TakeBody(lws* socket, std::string_view part) {
-    Connection* const connection = open_.Find(socket);
+    HttpConnection* const connection = open_.Find(socket);
     if (connection == nullptr || connection->exchange == nullptr) {
         return -1;
     }
@@ -271,7 +271,7 @@ int HttpServer::Implementation::TakeBody(lws* socket, std::string_view part) {
 }
 
 int HttpServer::Implementation::Finish(lws* socket) {
-    Connection* const connection = open_.Find(socket);
+    HttpConnection* const connection = open_.Find(socket);
     bool const isNew =
         connection != nullptr && connection->exchange != nullptr && connection->exchange->response == nullptr;
     return isNew ? AnswerLater(socket, connection->exchange) : 0;
@@ -320,7 +320,7 @@ std::shared_ptr<Response> HttpServer::Implementation::Bounded(std::shared_ptr<Re
 }
 
 int HttpServer::Implementation::Send(lws* socket) {
-    Connection* const connection = open_.Find(socket);
+    HttpConnection* const connection = open_.Find(socket);
     if (connection == nullptr || connection->exchange == nullptr || connection->exchange->response == nullptr) {
         return 0;
     }
@@ -337,7 +337,7 @@ int HttpServer::Implementation::Send(lws* socket) {
 }
 
 int HttpServer::Implementation::BeginLive(lws* socket) {
-    Connection* const connection = open_.Find(socket);
+    HttpConnection* const connection = open_.Find(socket);
     if (connection == nullptr) {
         return -1;
     }
@@ -361,7 +361,7 @@ int HttpServer::Implementation::RefuseLive(lws* socket) {
 }
 
 int HttpServer::Implementation::ReceiveLive(lws* socket, std::string_view part) {
-    Connection* const connection = open_.Find(socket);
+    HttpConnection* const connection = open_.Find(socket);
     if (connection == nullptr || connection->live == nullptr ||
         connection->received.size() + part.size() > LargestMessage) {
         return -1;
@@ -375,7 +375,7 @@ int HttpServer::Implementation::ReceiveLive(lws* socket, std::string_view part) 
 }
 
 int HttpServer::Implementation::SendLive(lws* socket) {
-    Connection* const connection = open_.Find(socket);
+    HttpConnection* const connection = open_.Find(socket);
     if (connection == nullptr || connection->live == nullptr) {
         return 0;
     }
