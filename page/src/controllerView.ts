@@ -124,7 +124,9 @@ export class ControllerView implements View {
 
     private showSummary(): void {
         const controller = this.plant.controllers.get(this.name);
+        this.root.classList.toggle("unknown", controller === undefined);
         if (controller === undefined) {
+            setAttribute(this.heading, "data-state", null);
             setText(this.heading, this.plant.isKnown ? texts.unknownController(this.title) : texts.connection.connecting);
             return;
         }
