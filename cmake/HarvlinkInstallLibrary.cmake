@@ -8,6 +8,7 @@ set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/harvlink")
 function(harvlink_install_library target kind)
     set_target_properties(${target} PROPERTIES EXPORT_NAME ${kind})
     install(TARGETS ${target} EXPORT harvlink-${kind}
+            RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT library
             LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT library NAMELINK_COMPONENT development
             ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
             INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
