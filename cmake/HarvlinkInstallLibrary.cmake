@@ -49,7 +49,17 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCD
 # The documents link to them.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
         USE_SOURCE_PERMISSIONS PATTERN "__pycache__" EXCLUDE)
-install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/SECURITY.md"
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/csharp/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}/csharp" COMPONENT development
+        FILES_MATCHING PATTERN "*.cs")
+install(FILES "${PROJECT_SOURCE_DIR}/tools/wireshark/README.md" "${PROJECT_SOURCE_DIR}/tools/wireshark/harvlink.lua"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}/tools/wireshark" COMPONENT development)
+install(FILES "${PROJECT_SOURCE_DIR}/simulator/scenes/example.toml"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}/simulator/scenes" COMPONENT development)
+foreach(folder IN ITEMS csharp python)
+    install(FILES "${PROJECT_SOURCE_DIR}/${folder}/README.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}/${folder}"
+            COMPONENT development)
+endforeach()
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/SECURITY.md" "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
 # Debian wants these under other names.
 if(NOT HARVLINK_DEBIAN)
