@@ -6,9 +6,9 @@ import os
 import pathlib
 from typing import Any, Dict, Optional
 
+from ._generations import GENERATIONS
 from ._text import NAMES
 
-GENERATIONS = ("DS", "DN", "FS", "YA", "YB", "YN")
 _KINDS = {"host": str, "timeout": int, "retries": int, "generation": str, "encoding": str}
 _VARIABLES = {"timeout": "HARVLINK_TIMEOUT", "retries": "HARVLINK_RETRIES", "encoding": "HARVLINK_ENCODING"}
 _LONGEST_TIMEOUT = 600_000

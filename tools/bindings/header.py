@@ -121,6 +121,12 @@ def read_enumerations() -> Iterator[Enumeration]:
             yield Enumeration(name, integer, list(_members(body)), _prose(text))
 
 
+def read_generations() -> List[str]:
+    """The letters of the generations, the oldest first."""
+    source = (INCLUDE / "ControllerVersion.h").read_text(encoding="utf-8")
+    return re.findall(r'\{ControllerVersion::\w+, "(\w+)"\}', source)
+
+
 def _members(body: str) -> Iterator[Member]:
     """A comment stands above its member, or behind it and then after the comma."""
     above = ""

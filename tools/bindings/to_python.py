@@ -6,7 +6,7 @@ from .header import Function, Header, Record, Type
 
 _FIRST_LINES = '''"""{title}
 
-Made from include/harvlink/harvlink_c.h by tools/generate_bindings: change that file, and run it again."""
+Made from include/harvlink/{header} by tools/generate_bindings: change that file, and run it again."""
 
 '''
 _PLAIN = {
@@ -25,7 +25,7 @@ _WIDTH = 120
 
 def records(header: Header) -> str:
     used = sorted({_name(header, field.type) for record in header.records for field in record.fields} & _ctypes())
-    lines = [_FIRST_LINES.format(title="The records of harvlink_c.h, with the same fields in the same order.")]
+    lines = [_FIRST_LINES.format(header="harvlink_c.h", title="The records of harvlink_c.h, with the same fields in the same order.")]
     lines += ["import ctypes\n", *_import("ctypes", used), "\nfrom ._owned_text import OwnedText\n"]
     for record in header.records:
         lines += ["\n\n", f"class {record.name}(ctypes.Structure):\n", *_fields(header, record)]
@@ -35,7 +35,7 @@ def records(header: Header) -> str:
 def prototypes(header: Header) -> str:
     types = [each for function in header.functions for each in _types(function)]
     used = sorted({_name(header, each) for each in types} & _ctypes())
-    lines = [_FIRST_LINES.format(title="The plain functions: result and argument types by name.")]
+    lines = [_FIRST_LINES.format(header="harvlink_c.h", title="The plain functions: result and argument types by name.")]
     lines += [*_import("ctypes", ["POINTER", *used, "c_char_p", "c_void_p"]), "from typing import Any, Dict, Tuple\n\n"]
     lines += ["from . import _records as r\nfrom ._owned_text import OwnedText\n\n"]
     lines += ["PROTOTYPES: Dict[str, Tuple[Any, ...]] = {\n"]
@@ -45,6 +45,11 @@ def prototypes(header: Header) -> str:
         arguments = ["POINTER(c_char)" if each == "OwnedText" else each for each in arguments]
         lines += _wrapped(f'    "{function.name}": (', [result, *arguments], "),\n")
     return "".join([*lines, "}\n"])
+
+
+def generations(letters: List[str]) -> str:
+    first = _FIRST_LINES.format(header="ControllerVersion.h", title="The generations of controllers, the oldest first.")
+    return first + "GENERATIONS = (" + ", ".join(f'"{each}"' for each in letters) + ")\n"
 
 
 def _ctypes() -> "set[str]":
