@@ -16,11 +16,11 @@ _CANNOT_WRITE = 0x40000000
 def write_whole(path: bytes, overwrite: bool, write: Callable[[bytes], None]) -> None:
     """Lets `write` fill a file beside the path and puts it there. A device or a pipe is written as it is."""
     target = os.path.realpath(path)
+    if os.path.exists(target) and not os.path.isfile(target):
+        _write_through(path, write)  # there is nothing in it that could be lost
+        return
     if os.path.exists(target) and not overwrite:
         raise Error(ErrorCode.FILE_EXISTS_NO_OVERWRITE, "File already exists and overwrite flag is set to false.")
-    if os.path.exists(target) and not os.path.isfile(target):
-        write(path)
-        return
     try:
         folder = tempfile.mkdtemp(prefix=b".harvlink-", dir=os.path.dirname(target))
     except OSError as error:
@@ -33,6 +33,17 @@ def write_whole(path: bytes, overwrite: bool, write: Callable[[bytes], None]) ->
         raise _cannot_write(path, error) from None
     finally:
         shutil.rmtree(folder, ignore_errors=True)
+
+
+def _write_through(path: bytes, write: Callable[[bytes], None]) -> None:
+    with tempfile.TemporaryDirectory(prefix=b"harvlink-") as folder:
+        part = os.path.join(folder, b"part")
+        write(part)
+        try:
+            with open(part, "rb") as file, open(path, "wb") as device:
+                shutil.copyfileobj(file, device)
+        except OSError as error:
+            raise _cannot_write(path, error) from None
 
 
 def _put(part: bytes, target: bytes, overwrite: bool) -> None:

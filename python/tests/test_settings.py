@@ -169,8 +169,8 @@ class WholeFileTest(SimulatorTest):
             with self.assertRaisesRegex(harvlink.Error, "Can't write no/such.CND"):
                 robot.files.download("TOOL.CND", "no/such.CND")
             robot.files.download("TOOL.CND", "/dev/null", overwrite=True)
-            with self.assertRaises(harvlink.Error):
-                robot.files.download("TOOL.CND", "/dev/full", overwrite=True)
+            with self.assertRaisesRegex(harvlink.Error, "Can't write /dev/full: No space left on device"):
+                robot.files.download("TOOL.CND", "/dev/full")
         self.assertEqual(sorted(os.listdir()), ["LINK.CND", "TOOL.CND"])
 
     def test_a_file_that_came_meanwhile_stays(self):
