@@ -27,6 +27,9 @@ Delivery::Source SourceOf(Port port) {
 void FaultInjector::SetPlan(FaultPlan const& plan) {
     plan_ = plan;
     random_.seed(plan.seed);
+    silentUntil_ = {};
+    bufferFullUntil_ = {};
+    refusalsLeft_ = 0;
     UpdateActive();
 }
 

@@ -21,7 +21,7 @@ public:
     /// What happens to a request.
     enum class Decision : std::uint8_t { CarryOut, Ignore, Refuse, Restart };
 
-    /// Starts the sequence of the plan's seed from its beginning.
+    /// Starts the sequence of the plan's seed from its beginning, and ends a silence or a row of refusals that goes on.
     void SetPlan(FaultPlan const& plan);
     FaultPlan const& Plan() const { return plan_; }
 

@@ -101,6 +101,11 @@ TEST(FaultInjection, KeepsItsTimes) {
     EXPECT_TRUE(Exchange(client).empty());
     client.controller.Advance(1ms);
     EXPECT_EQ(Exchange(client).size(), 1U);
+
+    Arm(client, Fault::Silence);
+    EXPECT_TRUE(Exchange(client).empty());
+    client.controller.WithFaults([](FaultInjector& faults) { faults.SetPlan({}); }); // as "ctl faults none"
+    EXPECT_EQ(Exchange(client).size(), 1U);
 }
 
 TEST(FaultInjection, RefusesWithoutCarryingOut) {
