@@ -1,5 +1,7 @@
 #include "cli/program/FleetCells.h"
 
+#include <fmt/format.h>
+
 namespace harvlink::cli {
 
 namespace {
@@ -24,6 +26,15 @@ std::vector<FleetCell> FleetCells(Session& session) {
         cells.push_back(CellOf(session.settings().host, session.settings()));
     }
     return cells;
+}
+
+std::optional<StatusInfo> WrongGeneration(FleetCell const& cell, FleetValue const& value) {
+    auto const* const software = std::get_if<SystemInfoData>(&value);
+    if (cell.generation.empty() || software == nullptr || software->softwareVersion.starts_with(cell.generation)) {
+        return std::nullopt;
+    }
+    return StatusInfo{static_cast<std::int32_t>(ErrorStatusCodes::UnsupportedOnThisController),
+                      fmt::format("not of generation {}", cell.generation)};
 }
 
 } // namespace harvlink::cli

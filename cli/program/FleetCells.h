@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct FleetCell {
     std::string generation; ///< the only one that is wanted; empty: any
     std::string encoding; ///< of the controller's texts
 };
+
+/// The failure of a cell whose controller says with this value that it is of another generation than the one that is wanted.
+std::optional<StatusInfo> WrongGeneration(FleetCell const& cell, FleetValue const& value);
 
 /// The controllers that --cell, --all or --host name. Throws InputError.
 std::vector<FleetCell> FleetCells(Session& session);

@@ -95,6 +95,19 @@ void Flush(filesystem::path const& path, int flags) {
     }
 }
 
+void WriteNewFileWith(filesystem::path const& path, std::function<void(std::ostream&)> const& write) {
+    errno = 0;
+    std::ofstream file(path, std::ios::binary);
+    if (file) {
+        write(file);
+        file.flush();
+    }
+    if (!file) {
+        errno = errno == 0 ? EIO : errno;
+        Fail("can't write", path);
+    }
+}
+
 } // namespace
 
 /// The paths of a folder that lives, for a signal handler. Empty: none. They are used again and never freed, so that a handler
@@ -200,13 +213,7 @@ void ScratchSpace::RemoveAtSignal() {
 }
 
 void WriteNewFile(filesystem::path const& path, std::string_view text) {
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    file << text << std::flush;
-    if (!file) {
-        errno = errno == 0 ? EIO : errno;
-        Fail("can't write", path);
-    }
+    WriteNewFileWith(path, [text](std::ostream& file) { file << text; });
 }
 
 void FlushFolder(filesystem::path const& folder) {
@@ -222,16 +229,21 @@ void FlushFolder(filesystem::path const& folder) {
 }
 
 void WriteWholeFile(filesystem::path const& path, std::string_view text, bool overwrite) {
+    WriteWholeFile(
+        path, [text](std::ostream& file) { file << text; }, overwrite);
+}
+
+void WriteWholeFile(filesystem::path const& path, std::function<void(std::ostream&)> const& write, bool overwrite) {
     std::error_code error;
     filesystem::file_status const status = filesystem::status(path, error);
     if (filesystem::exists(status) && !filesystem::is_regular_file(status)) {
-        WriteNewFile(path, text);
+        WriteNewFileWith(path, write);
         return;
     }
     // A link is followed before the folder is made: a file can't be moved to another file system.
     filesystem::path const place = filesystem::exists(status) ? filesystem::weakly_canonical(path) : path;
     ScratchSpace const scratch(place.has_parent_path() ? place.parent_path() : ".");
-    WriteNewFile(scratch.File(), text);
+    WriteNewFileWith(scratch.File(), write);
     scratch.MoveFileTo(place, overwrite);
 }
 

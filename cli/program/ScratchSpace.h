@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <iosfwd>
 #include <stdexcept>
 #include <string_view>
 
@@ -58,7 +60,8 @@ void WriteNewFile(std::filesystem::path const& path, std::string_view text);
 /// Flushes all that was written below a folder to the disk. Throws FileError.
 void FlushFolder(std::filesystem::path const& folder);
 
-/// Writes a file as a ScratchSpace does; a device or a pipe directly. Throws FileError.
+/// Writes a file as a ScratchSpace does; a device or a pipe directly, whatever `overwrite` is. Throws FileError.
 void WriteWholeFile(std::filesystem::path const& path, std::string_view text, bool overwrite);
+void WriteWholeFile(std::filesystem::path const& path, std::function<void(std::ostream&)> const& write, bool overwrite);
 
 } // namespace harvlink::cli

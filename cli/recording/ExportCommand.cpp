@@ -1,14 +1,14 @@
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <filesystem>
 #include <memory>
 #include <ostream>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
+#include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
 #include "cli/recording/Arguments.h"
 #include "cli/recording/RecordingCommands.h"
@@ -26,6 +26,7 @@ struct ExportArguments : PartArguments {
     std::string every;
     std::string decimal = "point";
     std::string out;
+    bool force = false;
 };
 
 recording::CsvOptions CsvOptionsOf(ExportArguments const& arguments, recording::Recording& source) {
@@ -51,14 +52,22 @@ int ExportTo(Output& output, recording::Recording& source, ExportArguments const
         if (output.json) {
             throw words::InputError("the export itself is not JSON; with --json give --out, and the result is shown");
         }
-        ExportCsv(source, options, output.console().out);
-        output.console().out << std::flush;
+        if (output.console().outputIsTerminal) {
+            std::ostringstream text;
+            ExportCsv(source, options, text);
+            output.ShowText(text.str());
+        } else {
+            ExportCsv(source, options, output.console().out);
+            output.console().out << std::flush;
+        }
         return ExitStatus::Success;
     }
-    std::ofstream file(arguments.out, std::ios::binary | std::ios::trunc);
-    std::uint64_t const rows = file ? ExportCsv(source, options, file) : 0;
-    if (!file.flush()) {
-        output.Problem(fmt::format("can't write {}: {}", arguments.out, std::strerror(errno)));
+    std::uint64_t rows = 0;
+    try {
+        WriteWholeFile(
+            arguments.out, [&](std::ostream& file) { rows = ExportCsv(source, options, file); }, arguments.force);
+    } catch (FileError const& error) {
+        output.Problem(error.what());
         return ExitStatus::Failure;
     }
     output.Show({{"file", arguments.out}, {"rows", rows}});
@@ -70,7 +79,19 @@ struct CutArguments : PartArguments {
 };
 
 int CutTo(Output& output, recording::Recording& source, CutArguments const& arguments) {
-    recording::Cut(source, arguments.Range(source), arguments.out);
+    std::filesystem::path const out(arguments.out);
+    if (std::filesystem::exists(out)) {
+        output.Problem(fmt::format("{}: there is a file of that name", arguments.out));
+        return ExitStatus::Failure;
+    }
+    try {
+        ScratchSpace const scratch(out.has_parent_path() ? out.parent_path() : ".");
+        recording::Cut(source, arguments.Range(source), scratch.File());
+        scratch.MoveFileTo(out, false);
+    } catch (FileError const& error) {
+        output.Problem(error.what());
+        return ExitStatus::Failure;
+    }
     recording::RecordingInfo const info = recording::Recording(arguments.out).Info();
     output.Show({{"file", arguments.out},
                  {"begin", recording::FormatTime(info.begin)},
@@ -96,6 +117,7 @@ void AddExport(CLI::App& family, Session& session) {
         ->type_name("point|comma")
         ->capture_default_str();
     verb->add_option("--out", arguments->out, "File to write; standard output without it")->type_name("FILE");
+    verb->add_flag("--force", arguments->force, "Replace the file if there is one");
     SetExamples(*verb,
                 {"recording export night.harvlink --out night.csv",
                  "recording export night.harvlink --wide --every 100ms --item 'position R1 base' --decimal comma"},

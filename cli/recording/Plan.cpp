@@ -59,8 +59,10 @@ std::vector<FleetGroup> GroupsOf(PlanArguments const& arguments) {
             }
         }
     }
-    for (std::string const& number : arguments.registers) {
-        fast.items.push_back(FleetItem::Register(ParseNumber<std::uint16_t>(number, "register")));
+    for (std::string const& text : arguments.registers) {
+        for (std::uint16_t const number : ParseRegisterRange(text)) {
+            fast.items.push_back(FleetItem::Register(number));
+        }
     }
     FleetGroup slow;
     slow.period = std::max<std::chrono::nanoseconds>(fast.period, Slow);
@@ -95,7 +97,7 @@ void PlanArguments::AddOptions(CLI::App& verb) {
         ->default_str("pulse base");
     verb.add_option("--var", variables, "Variables and ranges, such as B5 S4 P12 B0..B9")->type_name("VARIABLE");
     verb.add_option("--io", signals, "Signals and ranges, such as 10010 or general-output:1.0..7")->type_name("SIGNAL");
-    verb.add_option("--register", registers, "Registers by their numbers")->type_name("NUMBER");
+    verb.add_option("--register", registers, "Registers and ranges, such as 5 or 0..9")->type_name("REGISTER");
 }
 
 std::vector<PlannedController> ControllersOf(PlanArguments const& arguments, Session& session) {

@@ -1,10 +1,10 @@
 #include "cli/recording/RecordRun.h"
 
 #include <optional>
-#include <ostream>
 
 #include <fmt/format.h>
 
+#include "cli/output/Progress.h"
 #include "cli/program/CommandLine.h"
 #include "cli/program/Interrupt.h"
 #include "recording/fleet/FleetAdapter.h"
@@ -52,19 +52,22 @@ public:
     }
 
     int Run() {
+        Interrupt const interrupt;
         if (!Start()) {
             return ExitStatus::Failure;
         }
-        Interrupt const interrupt;
         auto const begin = steady_clock::now();
         auto const isOver = [&] { return plan_.length && steady_clock::now() - begin >= *plan_.length; };
-        while (!interrupt.Wait(milliseconds(0)) && !isOver() && Problem().empty()) {
+        {
+            Progress progress(output_, "recording");
+            while (!interrupt.Wait(milliseconds(0)) && !isOver() && Problem().empty()) {
+                TakeAll();
+                ShowProgress(progress);
+            }
+            fleet_.Stop();
             TakeAll();
-            ShowProgress();
+            ForEachFeed([](auto& feed) { feed.sink.Close(); });
         }
-        fleet_.Stop();
-        TakeAll();
-        ForEachFeed([](auto& feed) { feed.sink.Close(); });
         return Finish();
     }
 
@@ -89,7 +92,9 @@ private:
                 output_.Failure(status, cell.name);
                 return false;
             }
-            ForEachFeed([&](auto& feed) { feed.adapter.AddController(cell.name, cell.options.address); });
+            ForEachFeed([&](auto& feed) {
+                feed.adapter.AddController({cell.name, cell.options.address, cell.encoding});
+            });
         }
         StatusInfo const status = fleet_.Start();
         if (status.StatusCode != 0) {
@@ -103,7 +108,7 @@ private:
         std::size_t count = fleet_.Take(samples_, Wait);
         for (; count > 0; count = fleet_.Take(samples_, milliseconds(0))) {
             for (std::size_t i = 0; i < count; ++i) {
-                if (samples_[i].quality != FleetQuality::NeverRead) {
+                if (samples_[i].quality != FleetQuality::NeverRead && IsWanted(samples_[i])) {
                     ForEachFeed([&](auto& feed) { feed.Put(samples_[i]); });
                 }
             }
@@ -115,6 +120,20 @@ private:
             }
         }
         NoteLosses();
+    }
+
+    /// With --generation, the version of the software decides: another machine than the one that is meant ends the recording.
+    bool IsWanted(FleetSample const& sample) {
+        for (PlannedController const& controller : plan_.controllers) {
+            auto const wrong = controller.cell.name == sample.controller
+                                   ? WrongGeneration(controller.cell, sample.value)
+                                   : std::optional<StatusInfo>();
+            if (wrong) {
+                wrongMachine_ = fmt::format("{}: {}", sample.controller, wrong->Message);
+                return false;
+            }
+        }
+        return true;
     }
 
     /// What the engine had to drop is missing in the recording like anything else.
@@ -130,12 +149,12 @@ private:
 
     /// Why recording has ended; empty while it goes on.
     std::string Problem() {
-        std::string problem;
+        std::string problem = wrongMachine_;
         ForEachFeed([&](auto& feed) { problem = problem.empty() ? feed.sink.Status().problem : problem; });
         return problem;
     }
 
-    void ShowProgress() {
+    void ShowProgress(Progress& progress) {
         auto const now = steady_clock::now();
         if (now - shown_ < std::chrono::seconds(1)) {
             return;
@@ -146,9 +165,8 @@ private:
         shownTaken_ = taken_;
         if (output_.json) {
             output_.ShowEvent(StatusJson(rate), "");
-        } else if (output_.Interactive()) {
-            output_.console().err << '\r' << Line(StatusJson(rate)) << "\x1B[K" << std::flush;
-            hasLine_ = true;
+        } else {
+            progress.Show(Line(StatusJson(rate)));
         }
     }
 
@@ -172,13 +190,18 @@ private:
         return json;
     }
 
+    /// Short enough for a line of 79 characters with its time, as long as there is not both a file and a black box.
     static std::string Line(Json const& status) {
-        std::string line = fmt::format("{:.0f} samples/s, dropped {}", status["samples_per_second"].get<double>(),
-                                       status["dropped"].get<std::uint64_t>());
+        std::string line = fmt::format("{:.0f} samples/s", status["samples_per_second"].get<double>());
         if (status.contains("bytes")) {
             line += fmt::format(", {}, log {}", recording::FormatSize(status["bytes"].get<std::uint64_t>()),
                                 recording::FormatSize(status["log_bytes"].get<std::uint64_t>()));
-            line += status["last_commit"].is_null() ? "" : ", written " + status["last_commit"].get<std::string>();
+        }
+        line += fmt::format(", dropped {}", status["dropped"].get<std::uint64_t>());
+        if (status.contains("last_commit") && status["last_commit"].is_string()) {
+            constexpr std::size_t Date = 11; // and its "T"
+            constexpr std::size_t Time = 8;
+            line += fmt::format(", written {}Z", status["last_commit"].get<std::string>().substr(Date, Time));
         }
         if (status.contains("incidents")) {
             line += fmt::format(", {} in memory, {} incidents", status["samples_in_memory"].get<std::size_t>(),
@@ -188,9 +211,6 @@ private:
     }
 
     int Finish() {
-        if (hasLine_) {
-            output_.console().err << '\n';
-        }
         if (std::string const problem = Problem(); !problem.empty()) {
             output_.Problem(problem);
             return ExitStatus::Failure;
@@ -220,8 +240,8 @@ private:
     std::uint64_t taken_ = 0;
     std::uint64_t shownTaken_ = 0;
     std::uint64_t dropped_ = 0;
+    std::string wrongMachine_;
     steady_clock::time_point shown_ = steady_clock::now();
-    bool hasLine_ = false;
 };
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "cli/recording/Arguments.h"
 #include "cli/recording/RecordingCommands.h"
 #include "recording/model/TimeText.h"
+#include "recording/read/ControllerTexts.h"
 
 namespace harvlink::cli::recordings {
 
@@ -84,7 +85,7 @@ Json EventJson(recording::Recording const& source, recording::RecordedEvent cons
             {"before", event.before},
             {"after", event.after},
             {"code", event.code},
-            {"text", event.text},
+            {"text", recording::ShownText(event.text)},
             {"card", event.card}};
 }
 

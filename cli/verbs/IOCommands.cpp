@@ -261,20 +261,11 @@ void AddWatch(CLI::App& family, Session& session) {
 }
 
 // "5", or a range such as "0..9".
-std::vector<unsigned short> ParseRegisters(std::vector<std::string> const& texts) {
-    std::vector<unsigned short> registers;
-    for (std::string_view const text : texts) {
-        std::size_t const dots = text.find("..");
-        auto const first = ParseNumber<unsigned short>(text.substr(0, dots), "register number");
-        auto const last = dots == std::string_view::npos
-                              ? first
-                              : ParseNumber<unsigned short>(text.substr(dots + 2), "register number");
-        if (last < first) {
-            throw InputError(fmt::format("'{}' is not a range of registers such as 0..9", text));
-        }
-        for (unsigned index = first; index <= last; ++index) {
-            registers.push_back(static_cast<unsigned short>(index));
-        }
+std::vector<std::uint16_t> ParseRegisters(std::vector<std::string> const& texts) {
+    std::vector<std::uint16_t> registers;
+    for (std::string const& text : texts) {
+        auto const range = ParseRegisterRange(text);
+        registers.insert(registers.end(), range.begin(), range.end());
     }
     return registers;
 }

@@ -30,16 +30,6 @@ bool IsAddress(std::string const& host) {
     return ::inet_pton(AF_INET, host.c_str(), &address) == 1;
 }
 
-/// Nothing, or another generation than the one that is wanted.
-std::optional<StatusInfo> WrongGeneration(FleetCell const& cell, FleetValue const& value) {
-    auto const* const software = std::get_if<SystemInfoData>(&value);
-    if (cell.generation.empty() || software == nullptr || software->softwareVersion.starts_with(cell.generation)) {
-        return std::nullopt;
-    }
-    return StatusInfo{static_cast<std::int32_t>(ErrorStatusCodes::UnsupportedOnThisController),
-                      fmt::format("not of generation {}", cell.generation)};
-}
-
 template <typename Value>
 void Keep(FleetSample const& sample, std::optional<Value>& kept) {
     if (auto const* const value = std::get_if<Value>(&sample.value)) {

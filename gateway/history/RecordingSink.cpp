@@ -25,7 +25,7 @@ recording::BlackBoxOptions OptionsOf(IncidentsConfig const& config) {
 template <typename Target, typename IdsOf>
 void AddTo(Target& target, IdsOf& ids, Controller const& controller) {
     auto& own = ids[controller.id];
-    own.controller = target.AddController({controller.name, controller.address});
+    own.controller = target.AddController({controller.name, controller.address, controller.encoding});
     for (recording::RecordedReading reading : controller.readings) {
         reading.controller = own.controller;
         own.readings.push_back(target.AddReading(reading));

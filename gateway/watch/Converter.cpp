@@ -131,11 +131,7 @@ SamplePtr Converter::Convert(FleetSample const& sample) const {
     }
     bool const hasValue = sample.quality == FleetQuality::Good || sample.quality == FleetQuality::Stale;
     auto values = hasValue ? recording::ValuesOf(sample) : std::vector<recording::RecordedValue>();
-    for (recording::RecordedValue& value : values) {
-        if (auto* const text = std::get_if<std::string>(&value); text != nullptr) {
-            *text = entry->second.encoding.Decode(*text);
-        }
-    }
+    recording::DecodeTexts(entry->second.encoding, values);
     return std::make_shared<Sample const>(
         Sample{entry->second.controller, reading->second, recording::MomentOf(sample), std::move(values)});
 }

@@ -7,6 +7,8 @@ import sqlite3
 from dataclasses import dataclass
 from typing import Any, Dict, Iterator, List, Optional, Set, Tuple, Union
 
+from ._text import Encoding
+
 __all__ = ["Event", "Item", "Recording"]
 
 Time = Union[datetime.datetime, float, None]
@@ -125,7 +127,7 @@ class Recording:
         rows = self._database.execute(
             "SELECT utc_us, controller, kind, before, after, code, text, card FROM history ORDER BY sequence"
         )
-        return [Event(_time(row[0]), *row[1:]) for row in rows.fetchall()]
+        return [Event(_time(row[0]), *map(_shown, row[1:])) for row in rows.fetchall()]
 
     def samples(
         self, *names: str, controller: Optional[str] = None, begin: Time = None, end: Time = None
@@ -209,7 +211,7 @@ class Recording:
                 stop = min(start + _AT_ONCE - 1, end)
                 for row in self._database.execute(query, (start, stop, *items)).fetchall():
                     if row[0] <= last and (with_state or row[0] >= first):
-                        yield row
+                        yield (*row[:3], _shown(row[3]), row[4])
 
 
 def _frame(columns: Dict[str, List[Any]], wanted: Optional[bool]) -> Any:
@@ -222,6 +224,11 @@ def _frame(columns: Dict[str, List[Any]], wanted: Optional[bool]) -> Any:
     frame = pandas.DataFrame(columns)
     frame.index = pandas.to_datetime(frame.pop("time"), unit="s", utc=True)
     return frame
+
+
+def _shown(value: Any) -> Any:
+    """The first recordings have texts as the controller sent them: as bytes if they are not UTF-8."""
+    return Encoding().decode(value) if isinstance(value, bytes) else value
 
 
 def _time(microseconds: Optional[int]) -> Any:

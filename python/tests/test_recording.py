@@ -1,10 +1,12 @@
 """Recordings as Python reads them, and the queries of their page."""
 
+import contextlib
 import os
 import pathlib
 import re
 import sqlite3
 import subprocess
+import tempfile
 import unittest
 
 import harvlink
@@ -12,6 +14,18 @@ from tests.support import ROOT, SimulatorTest
 
 TOOL = os.environ.get("HARVLINK_TOOL")
 QUERIES = re.findall(r"```sql\n(.*?)```", (ROOT / "docs" / "recordings.md").read_text(encoding="utf-8"), re.DOTALL)
+
+
+class FirstVersionTest(unittest.TestCase):
+    def test_is_read(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder, "x.harvlink")
+            with contextlib.closing(sqlite3.connect(path)) as database:
+                database.executescript((ROOT / "tests/recording/version-1.sql").read_text(encoding="utf-8"))
+            with harvlink.Recording(path) as recording:
+                columns = recording.columns("S004", "B000", frame=False)
+                self.assertEqual((columns["S004"][-1], columns["B000"][-1]), ("Pr\\xEAt", 9))
+                self.assertEqual(recording.events[-1].text, "OUT OF RANGE")
 
 
 @unittest.skipUnless(TOOL, "this build has no tool that could record")

@@ -194,33 +194,50 @@ RecordedEvent EventOf(FleetEvent const& event) {
             .card = isAlarm && event.after != 0 ? CardOf(event.after) : std::string()};
 }
 
-void FleetAdapter::AddController(std::string const& name, std::string const& address) {
-    controllers_[name] = ids_.addController({name, address});
+void DecodeTexts(words::TextEncoding const& encoding, std::vector<RecordedValue>& values) {
+    for (RecordedValue& value : values) {
+        if (auto* const text = std::get_if<std::string>(&value); text != nullptr) {
+            *text = encoding.Decode(*text);
+        }
+    }
 }
 
-std::uint32_t FleetAdapter::ControllerId(std::string const& name) {
-    auto const found = controllers_.find(name);
-    return found != controllers_.end() ? found->second : controllers_[name] = ids_.addController({name, ""});
+void FleetAdapter::AddController(RecordedController const& controller) {
+    controllers_.insert_or_assign(controller.name,
+                                  Controller{ids_.addController(controller), words::TextEncoding(controller.encoding)});
+}
+
+FleetAdapter::Controller const& FleetAdapter::Find(std::string const& name) {
+    if (!controllers_.contains(name)) {
+        AddController({.name = name, .address = {}});
+    }
+    return controllers_.at(name);
 }
 
 RecordedSample FleetAdapter::Convert(FleetSample const& sample) {
     FleetItem const& item = sample.item;
-    auto const controller = ControllerId(sample.controller);
+    Controller const& controller = Find(sample.controller);
     auto const [found, isNew] =
-        readings_.try_emplace(Key{controller, item.kind, item.index, item.group, item.coordinate, item.toolNumber,
+        readings_.try_emplace(Key{controller.id, item.kind, item.index, item.group, item.coordinate, item.toolNumber,
                                   item.userCoordinateNumber, item.axis, item.detail});
     if (isNew) {
         RecordedReading reading = ReadingOf(item);
-        reading.controller = controller;
+        reading.controller = controller.id;
         found->second = ids_.addReading(reading);
     }
-    bool const isGood = sample.quality == FleetQuality::Good;
-    return {found->second, MomentOf(sample), isGood ? ValuesOf(sample) : std::vector<RecordedValue>()};
+    RecordedSample recorded{found->second, MomentOf(sample), {}};
+    if (sample.quality == FleetQuality::Good) {
+        recorded.values = ValuesOf(sample);
+        DecodeTexts(controller.encoding, recorded.values);
+    }
+    return recorded;
 }
 
 RecordedEvent FleetAdapter::Convert(FleetEvent const& event) {
+    Controller const& controller = Find(event.controller);
     RecordedEvent recorded = EventOf(event);
-    recorded.controller = ControllerId(event.controller);
+    recorded.controller = controller.id;
+    recorded.text = controller.encoding.Decode(recorded.text);
     return recorded;
 }
 

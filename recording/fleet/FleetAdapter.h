@@ -7,6 +7,7 @@
 
 #include "harvlink/Fleet.h"
 #include "recording/model/Records.h"
+#include "words/text/Encoding.h"
 
 /// @file
 /// The one place where records of the fleet engine become records of a recording.
@@ -18,6 +19,9 @@ RecordedReading ReadingOf(FleetItem const& item);
 
 /// The values of a sample in the order of the items of its reading; empty if it has none.
 std::vector<RecordedValue> ValuesOf(FleetSample const& sample);
+
+/// Makes the texts among the values UTF-8.
+void DecodeTexts(words::TextEncoding const& encoding, std::vector<RecordedValue>& values);
 
 /// Quality and times. The monotonic time of the answer is found from the two clocks of now.
 RecordedMoment MomentOf(FleetSample const& sample);
@@ -36,8 +40,8 @@ public:
 
     explicit FleetAdapter(Ids ids) : ids_(std::move(ids)) {}
 
-    /// Names a controller before its first sample, with its address.
-    void AddController(std::string const& name, std::string const& address);
+    /// Names a controller before its first sample. Its texts are decoded.
+    void AddController(RecordedController const& controller);
 
     RecordedSample Convert(FleetSample const& sample);
     RecordedEvent Convert(FleetEvent const& event);
@@ -46,10 +50,14 @@ private:
     using Key = std::tuple<std::uint32_t, FleetItemKind, std::uint32_t, ControlGroupId, CoordinateType, std::uint8_t,
                            std::uint8_t, std::int32_t, std::int32_t>;
 
-    std::uint32_t ControllerId(std::string const& name);
+    struct Controller {
+        std::uint32_t id = 0;
+        words::TextEncoding encoding;
+    };
+    Controller const& Find(std::string const& name);
 
     Ids ids_;
-    std::map<std::string, std::uint32_t> controllers_;
+    std::map<std::string, Controller> controllers_;
     std::map<Key, std::uint32_t> readings_;
 };
 

@@ -26,6 +26,8 @@ enum class RecordedQuality : std::int32_t {
 struct RecordedController {
     std::string name;
     std::string address;
+    /// Of the texts as the controller sent them, a name of words::TextEncoding. In a recording they are UTF-8.
+    std::string encoding = "utf-8";
 
     bool operator==(RecordedController const&) const = default;
 };

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "recording/model/TimeText.h"
+#include "recording/read/ControllerTexts.h"
 
 namespace harvlink::recording {
 
@@ -82,7 +83,7 @@ void CsvRows::Real(double value) {
 
 void CsvRows::Value(RecordedValue const& value) {
     if (auto const* const text = std::get_if<std::string>(&value)) {
-        Cell(*text);
+        Cell(ShownText(*text));
         return;
     }
     buffer_ += Separator();

@@ -26,9 +26,10 @@ std::int32_t Small(Statement const& statement, int column) {
 } // namespace
 
 Catalogue::Catalogue(Database& database) {
-    Statement controller(database, "SELECT id, name, address FROM controllers ORDER BY id");
+    Statement controller(database, fmt::format("SELECT id, name, address, {} FROM controllers ORDER BY id",
+                                               HasEncodings(database) ? "encoding" : "'utf-8'"));
     while (controller.Step()) {
-        controllers.push_back({controller.Text(1), controller.Text(2)});
+        controllers.push_back({controller.Text(1), controller.Text(2), controller.Text(3)});
         if (controller.Integer(0) != static_cast<std::int64_t>(controllers.size())) {
             Contradiction(database, "controllers");
         }

@@ -7,16 +7,6 @@
 
 namespace harvlink::recording {
 
-namespace {
-
-bool IsUtf8(std::string_view text) {
-    bool valid = true;
-    words::ForEachUtf8Character(text, [&](words::Utf8Character const& character) { valid &= character.isValid; });
-    return valid;
-}
-
-} // namespace
-
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const {
     sqlite3_finalize(statement);
 }
@@ -41,10 +31,10 @@ void Statement::Bind(int parameter, double value) {
 
 void Statement::Bind(int parameter, std::string_view value) {
     auto const size = static_cast<int>(value.size());
-    if (IsUtf8(value)) {
+    if (words::IsUtf8(value)) {
         sqlite3_bind_text(statement_.get(), parameter + 1, value.data(), size, SQLITE_TRANSIENT);
     } else {
-        // A controller may send texts in other encodings, which no reader could show as a text.
+        // What is not UTF-8, no reader could show as a text.
         sqlite3_bind_blob(statement_.get(), parameter + 1, value.data(), size, SQLITE_TRANSIENT);
     }
 }

@@ -10,7 +10,8 @@ namespace {
 
 constexpr char const* Tables = R"sql(
 CREATE TABLE controllers(
-    id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, address TEXT NOT NULL);
+    id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, address TEXT NOT NULL,
+    encoding TEXT NOT NULL DEFAULT 'utf-8');
 CREATE TABLE blocks(
     id INTEGER PRIMARY KEY, controller INTEGER NOT NULL REFERENCES controllers(id), width INTEGER NOT NULL);
 CREATE TABLE readings(
@@ -112,9 +113,16 @@ std::string FrameTable(int width) {
     return fmt::format("frames_{}", width);
 }
 
+bool HasEncodings(Database& database) {
+    return database.Number("SELECT count(*) FROM pragma_table_info('controllers') WHERE name = 'encoding'") != 0;
+}
+
 void PrepareSchema(Database& database) {
     if (database.Number("SELECT count(*) FROM sqlite_schema") != 0) {
         CheckSchema(database);
+        if (!HasEncodings(database)) {
+            database.Run("ALTER TABLE controllers ADD COLUMN encoding TEXT NOT NULL DEFAULT 'utf-8'");
+        }
         return;
     }
     std::string sql = "BEGIN IMMEDIATE;";

@@ -31,6 +31,9 @@ int FrameWidthFor(std::size_t values);
 /// "frames_32"
 std::string FrameTable(int width);
 
+/// Whether the controllers have the column `encoding`, which the first recordings lack.
+bool HasEncodings(Database& database);
+
 /// Makes a new file a recording, or checks that it is one. Throws RecordingError that names both versions for a newer one.
 void PrepareSchema(Database& database);
 void CheckSchema(Database& database);

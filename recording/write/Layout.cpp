@@ -1,5 +1,7 @@
 #include "recording/write/Layout.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "recording/store/Schema.h"
@@ -36,8 +38,12 @@ Layout::Layout(Database& database) : database_(database) {
 std::uint32_t Layout::AddController(RecordedController const& controller) {
     auto const [found, isNew] =
         controllerIds_.try_emplace(controller.name, static_cast<std::uint32_t>(controllers_.size() + 1));
+    std::size_t const place = found->second - 1;
     if (isNew) {
         controllers_.push_back(controller);
+    } else if (!(controllers_[place] == controller)) { // continued with another address or encoding
+        controllers_[place] = controller;
+        storedControllers_ = std::min(storedControllers_, place);
     }
     return found->second;
 }
@@ -109,11 +115,14 @@ void Layout::CloseBlock(std::vector<std::uint32_t>& members, std::uint32_t contr
 }
 
 void Layout::StoreControllers() {
-    Statement insert(database_, "INSERT INTO controllers VALUES(?, ?, ?)");
+    Statement insert(database_,
+                     "INSERT INTO controllers(id, name, address, encoding) VALUES(?, ?, ?, ?) "
+                     "ON CONFLICT(id) DO UPDATE SET address = excluded.address, encoding = excluded.encoding");
     for (; storedControllers_ < controllers_.size(); ++storedControllers_) {
         insert.Bind(0, static_cast<std::int64_t>(storedControllers_ + 1));
         insert.Bind(1, controllers_[storedControllers_].name);
         insert.Bind(2, controllers_[storedControllers_].address);
+        insert.Bind(3, controllers_[storedControllers_].encoding);
         insert.Run();
     }
 }

@@ -37,6 +37,10 @@ std::string NameOf(Request const& request) {
 } // namespace
 
 void MissedRequests::Note(Request const& request, Outcome outcome) {
+    bool const isBlock = request.port == Port::File && request.header.ack != 0;
+    if (isBlock && outcome == Outcome::AnsweredByVirtualController) {
+        return; // its transfer is in the list
+    }
     constexpr std::size_t MostKinds = 1000;
     char const* const how = outcome == Outcome::Refused ? "refused" : "answered by the virtual controller";
     std::string const name = fmt::format("{}: {}", NameOf(request), how);

@@ -15,6 +15,7 @@ namespace {
 
 using recording::Microseconds;
 using recording::RecordedQuality;
+using recording::RecordedReading;
 
 /// The ids of robots, bases and stations begin ten apart.
 std::string GroupName(std::int32_t id) {
@@ -27,14 +28,15 @@ std::string GroupName(std::int32_t id) {
 RecordingReplay::RecordingReplay(std::filesystem::path const& path, ReplayOptions const& options)
     : recording_(path), known_(recording_.Contents()) {
     ChooseController(options);
+    texts_.emplace(recording_.Contents().controllers[controller_ - 1]);
     MakeIndex();
-    FindSoftware();
     auto const info = recording_.Info();
     if (info.segments == 0) {
         throw recording::RecordingError(path.string() + ": the recording is empty");
     }
     Microseconds const at = StartTime(options.at, info.begin, info.end);
     auto const begin = recording_.Find(info.begin);
+    FindFirst(begin.monotonic);
     firstRow_ = begin.firstRow;
     clock_.emplace(begin.monotonic, std::max(info.endMonotonic, begin.monotonic), recording_.Find(at).monotonic,
                    options.speed);
@@ -46,11 +48,11 @@ void RecordingReplay::ChooseController(ReplayOptions const& options) {
     std::string const& wanted = options.controller;
     std::string names;
     for (std::uint32_t id = 1; id <= controllers.size(); ++id) {
-        auto const& [name, address] = controllers[id - 1];
-        bool const isNamed = name == wanted || (controller_ == 0 && address == wanted);
-        bool const isOnly = wanted.empty() && (controllers.size() == 1 || address == options.servedAddress);
+        recording::RecordedController const& each = controllers[id - 1];
+        bool const isNamed = each.name == wanted || (controller_ == 0 && each.address == wanted);
+        bool const isOnly = wanted.empty() && (controllers.size() == 1 || each.address == options.servedAddress);
         controller_ = isNamed || isOnly ? id : controller_;
-        names += (names.empty() ? "" : ", ") + name;
+        names += (names.empty() ? "" : ", ") + each.name;
     }
     if (controller_ == 0) {
         throw recording::RecordingError(fmt::format("choose a cell of the recording: {}", names));
@@ -69,33 +71,39 @@ void RecordingReplay::MakeIndex() {
     }
 }
 
-/// A client asks first of all what the controller is, before anything else was recorded.
-void RecordingReplay::FindSoftware() {
+/// A client asks first of all what the controller is, before anything else was recorded, and then for values of which some were
+/// read a little later than others.
+void RecordingReplay::FindFirst(Microseconds begin) {
+    constexpr Microseconds FirstRound = 1'000'000;
     auto const& readings = recording_.Contents().readings;
+    auto const isSoftware = [&](std::uint32_t id) {
+        return readings[id - 1].controller == controller_ && readings[id - 1].kind == recording::kind::Software;
+    };
     std::size_t missing = 0;
-    for (auto const& reading : readings) {
-        missing += reading.controller == controller_ && reading.kind == recording::kind::Software ? 1 : 0;
-    }
-    if (missing == 0) {
-        return;
+    for (std::uint32_t id = 1; id <= readings.size(); ++id) {
+        missing += isSoftware(id) ? 1 : 0;
     }
     recording::KnownState state(recording_.Contents());
-    recording_.ForEachChange({}, false, [&](recording::Change const& change) {
-        auto const& reading = readings[change.reading - 1];
-        if (reading.controller == controller_ && reading.kind == recording::kind::Software && !change.values.empty() &&
-            software_.try_emplace(change.reading, state.Apply(change)).second) {
-            --missing;
+    recording_.ForEachChange({}, false, [&](recording::Change change) {
+        bool const isEarly = change.moment.monotonic <= begin + FirstRound;
+        if ((isEarly || isSoftware(change.reading)) && !change.values.empty()) {
+            texts_->Restore(change);
+            bool const isNew = first_.try_emplace(change.reading, state.Apply(change)).second;
+            missing -= isNew && isSoftware(change.reading) ? 1 : 0;
         }
-        return missing > 0;
+        return isEarly || missing > 0;
     });
 }
 
 std::string RecordingReplay::SoftwareVersion() const {
-    if (software_.empty() || software_.begin()->second.values.empty()) {
-        return {};
+    for (auto const& [id, sample] : first_) {
+        RecordedReading const& reading = recording_.Contents().readings[id - 1];
+        if (reading.controller == controller_ && reading.kind == recording::kind::Software && !sample.values.empty()) {
+            auto const* const version = std::get_if<std::string>(&sample.values.front());
+            return version == nullptr ? std::string() : *version;
+        }
     }
-    auto const* const version = std::get_if<std::string>(&software_.begin()->second.values.front());
-    return version == nullptr ? std::string() : *version;
+    return {};
 }
 
 std::vector<ControlGroup> RecordingReplay::Groups() const {
@@ -139,6 +147,9 @@ void RecordingReplay::MoveTo(Microseconds now) {
         changes_.clear();
         reached_ = 0;
         nextRow_ = recording_.ReadSome(nextRow_, changes_);
+        for (recording::Change& change : changes_) {
+            texts_->Restore(change);
+        }
     }
 }
 
@@ -176,9 +187,9 @@ void RecordingReplay::AnswerRead(Request const& request, Reply& reply) {
     auto quality = RecordedQuality::NeverRead;
     std::int32_t code = 0;
     for (std::uint32_t const id : found->second) {
-        auto const first = software_.find(id);
+        auto const first = first_.find(id);
         auto const& now = known_.Samples()[id - 1];
-        bool const isAhead = first != software_.end() && now.moment.quality == RecordedQuality::NeverRead;
+        bool const isAhead = first != first_.end() && now.moment.quality == RecordedQuality::NeverRead;
         auto const& sample = isAhead ? first->second : now;
         if (sample.moment.quality == RecordedQuality::Good) {
             answers_.push_back({&recording_.Contents().readings[id - 1], &sample});

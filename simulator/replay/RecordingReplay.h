@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "recording/read/ControllerTexts.h"
 #include "recording/read/KnownState.h"
 #include "recording/read/Recording.h"
 #include "simulator/replay/RecordedAnswer.h"
@@ -30,7 +31,7 @@ public:
 private:
     void ChooseController(ReplayOptions const& options);
     void MakeIndex();
-    void FindSoftware();
+    void FindFirst(recording::Microseconds begin);
     void Rewind();
     void MoveTo(recording::Microseconds now);
     bool IsLeftToController(Request const& request) const;
@@ -39,8 +40,10 @@ private:
     recording::Recording recording_;
     recording::KnownState known_;
     std::uint32_t controller_ = 0;
+    std::optional<recording::ControllerTexts> texts_;
     std::map<RequestKey, std::vector<std::uint32_t>> readings_; ///< by what they answer
-    std::map<std::uint32_t, recording::RecordedSample> software_; ///< by reading, as it was first
+    /// By reading, as they were first: the software, and what was read within a second of the start.
+    std::map<std::uint32_t, recording::RecordedSample> first_;
     std::int64_t firstRow_ = 0;
     std::int64_t nextRow_ = 0; ///< to read from the file; 0: all is read
     std::vector<recording::Change> changes_; ///< read, but not reached yet from `reached_` on

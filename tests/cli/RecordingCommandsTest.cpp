@@ -85,8 +85,8 @@ TEST_F(RecordTest, RecordsAndKeepsABlackBoxBesides) {
             controller->With([](simulator::ControllerModel& model) { model.RaiseAlarm(4107, 3, "OUT OF RANGE"); });
         }
     });
-    Result const result =
-        RunTool(run + "--out x.harvlink --ring ring.harvlink --io general-output:1.0..1 --io 10020..10021");
+    Result const result = RunTool(
+        run + "--out x.harvlink --ring ring.harvlink --io general-output:1.0..1 --io 10020..10021 --register 3..4");
     EXPECT_EQ(result.exit, 0) << result.err;
     Json const info = Json::parse(RunTool("recording info x.harvlink --json").out);
     EXPECT_EQ(info["controllers"].size(), 2);
@@ -98,11 +98,15 @@ TEST_F(RecordTest, RecordsAndKeepsABlackBoxBesides) {
         }
     }
     EXPECT_EQ(signals.size(), 4) << result.out;
+    EXPECT_NE(info["items"].dump().find("register 4"), std::string::npos);
     std::size_t incidents = 0;
     for (auto const& file : std::filesystem::directory_iterator(".")) {
         incidents += file.path().string().find("-alarm-4107.harvlink") != std::string::npos ? 1 : 0;
     }
     EXPECT_EQ(incidents, 2);
+    Result const wrong = RunTool("--config cells.toml --cell weld --generation DN record --for 4s --out y.harvlink");
+    EXPECT_EQ(wrong.exit, 1);
+    EXPECT_NE(wrong.err.find("weld: not of generation DN"), std::string::npos) << wrong.err;
     EXPECT_EQ(RunTool("record --ring x --out y").exit, 2);
     EXPECT_EQ(RunTool("record").exit, 2);
 }
@@ -122,6 +126,8 @@ TEST_F(RecordingCommandsTest, SaysWhatIsWrong) {
                               Case{"export x.harvlink --from noon", 2, "'noon' is not a time"},
                               Case{"cut x.harvlink --from +2s --to +1s --out z", 2, "the end must be after"},
                               Case{"cut x.harvlink --out x.harvlink", 1, "there is a file of that name"},
+                              Case{"export x.harvlink --out x.harvlink", 1, "File exists"},
+                              Case{"export x.harvlink --out /dev/full", 1, "No space left on device"},
                               Case{"export x.harvlink --out /missing/x.csv", 1, "can't write"}}) {
         Result const result = RunTool(std::string("recording ") + wrong.line);
         EXPECT_EQ(result.exit, wrong.exit) << wrong.line;

@@ -264,59 +264,32 @@ TEST_F(RecordingTest, RefusesWhatIsNotARecordingOrNewer) {
     EXPECT_THROW(Recording{"missing.harvlink"}, RecordingError);
 }
 
-/// The tables as version 1 has them, written down once: what is recorded today must be readable for years. A reader relies on the
-/// names of tables and columns; that an earlier file has no view and a later one has more of everything does not matter.
+/// A file as the first programs wrote it: what is recorded today must be readable for years. A reader relies on the names of tables
+/// and columns, so a later file may have more of both.
 TEST_F(RecordingTest, ReadsTheFirstVersionWhateverElseTheFileHas) {
-    std::string sql =
-        "CREATE TABLE controllers(id INTEGER PRIMARY KEY, name TEXT, address TEXT, maker TEXT);"
-        "CREATE TABLE blocks(id INTEGER PRIMARY KEY, controller INTEGER, width INTEGER);"
-        "CREATE TABLE readings(id INTEGER PRIMARY KEY, colour TEXT, controller INTEGER, name TEXT, kind TEXT, number "
-        "INTEGER,"
-        "  control_group INTEGER, coordinate INTEGER, tool INTEGER, user_frame INTEGER, axis INTEGER, detail INTEGER,"
-        "  block INTEGER, slot INTEGER);"
-        "CREATE TABLE items(id INTEGER PRIMARY KEY, reading INTEGER, name TEXT, field TEXT, kind TEXT, unit TEXT, type "
-        "INTEGER,"
-        "  divisor INTEGER, block INTEGER, slot INTEGER, reading_slot INTEGER);"
-        "CREATE TABLE segments(id INTEGER PRIMARY KEY, first_sequence INTEGER, last_sequence INTEGER, begin_us INTEGER,"
-        "  end_us INTEGER, begin_monotonic_us INTEGER, end_monotonic_us INTEGER, samples INTEGER, item_values INTEGER,"
-        "  events INTEGER, gaps INTEGER, missing INTEGER);"
-        "CREATE TABLE events(sequence INTEGER PRIMARY KEY, utc_us INTEGER, monotonic_us INTEGER, controller INTEGER, "
-        "kind TEXT,"
-        "  before INTEGER, after INTEGER, code INTEGER, text TEXT, card TEXT);"
-        "CREATE TABLE gaps(sequence INTEGER PRIMARY KEY, utc_us INTEGER, monotonic_us INTEGER, duration_us INTEGER,"
-        "  count INTEGER, reason TEXT);"
-        "CREATE TABLE weather(temperature REAL);";
-    for (int const width : {8, 32, 128}) {
-        sql +=
-            "CREATE TABLE frames_" + std::to_string(width) +
-            "(sequence INTEGER PRIMARY KEY, block INTEGER, utc_us INTEGER, monotonic_us INTEGER, round_trip_us INTEGER,"
-            " picture INTEGER, reading INTEGER, quality INTEGER, code INTEGER";
-        for (char const letter : {'v', 't'}) {
-            for (int i = 0; i < width; ++i) {
-                sql += std::string(", ") + letter + std::to_string(i);
-            }
-        }
-        sql += ");";
-    }
-    sql +=
-        "INSERT INTO controllers VALUES(1, 'press1', '10.0.0.1', 'ours'); INSERT INTO blocks VALUES(1, 1, 8);"
-        "INSERT INTO readings VALUES(1, 'red', 1, 'register 3', 'register', 3, 0, 0, 0, 0, -1, 0, 1, 0);"
-        "INSERT INTO items VALUES(1, 1, 'register 3', '', 'register', 'mm', 1, 1000, 1, 0, 0);"
-        "INSERT INTO segments VALUES(1, 1, 3, 5000000, 7000000, 10, 2000010, 2, 2, 1, 0, 0);"
-        "INSERT INTO frames_8(sequence, block, utc_us, monotonic_us, round_trip_us, picture, quality, code, v0) VALUES"
-        " (1, 1, 5000000, 10, 300, 0, 0, 0, 1500), (3, 1, 7000000, 2000010, 300, 0, 0, 0, 2500);"
-        "INSERT INTO events VALUES(2, 6000000, 1000010, 1, 'job', 0, 0, 0, 'MAIN', '');"
-        "PRAGMA application_id = 0x48564C4B; PRAGMA user_version = 1";
-    Database(path_, Database::Access::Write).Run(sql);
-    auto const changes = ChangesOf(path_);
-    ASSERT_EQ(changes.size(), 2);
-    EXPECT_EQ(changes[1].values[0].second, RecordedValue(2.5));
-    EXPECT_EQ(changes[1].moment.answer, 7'000'300);
+    Database(path_, Database::Access::Write)
+        .Run(test::ContentOf(HARVLINK_SOURCE_DIR "/tests/recording/version-1.sql") +
+             "ALTER TABLE segments ADD COLUMN colour TEXT; CREATE TABLE weather(temperature REAL);");
+    auto const check = [](std::filesystem::path const& path) {
+        Recording recording(path);
+        EXPECT_EQ(recording.Contents().controllers.at(0).encoding, "utf-8");
+        EXPECT_GE(recording.Info().samples, 12); // a part has fewer, as it keeps changes alone
+        EXPECT_EQ(recording.Events().back().event.text, "OUT OF RANGE");
+        std::ostringstream out;
+        ExportCsv(recording, {.wide = true, .readings = {5, 6}}, out);
+        EXPECT_NE(out.str().find(",Pr\\xEAt,7\n"), std::string::npos) << out.str(); // not UTF-8, and stored as it came
+        EXPECT_NE(out.str().find(",Pr\\xEAt,9\n"), std::string::npos) << out.str();
+    };
+    check(path_);
     Recording recording(path_);
-    EXPECT_EQ(recording.Info().samples, 2);
-    EXPECT_EQ(recording.Events()[0].event.text, "MAIN");
     Cut(recording, {}, folder_.Path() / "cut.harvlink");
-    EXPECT_EQ(ChangesOf(folder_.Path() / "cut.harvlink").size(), 2);
+    check(folder_.Path() / "cut.harvlink");
+    SampleStore store(path_); // goes on in it
+    EXPECT_EQ(store.AddController({"press1", "10.0.0.2", "latin-1"}), 1);
+    store.Begin();
+    store.Commit();
+    store.Close();
+    EXPECT_EQ(Recording(path_).Contents().controllers.at(0), (RecordedController{"press1", "10.0.0.2", "latin-1"}));
 }
 
 } // namespace

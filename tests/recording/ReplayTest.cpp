@@ -65,7 +65,7 @@ void RecordFleet(std::string const& address, std::filesystem::path const& path, 
     Recorder recorder(path);
     FleetAdapter adapter({[&](auto const& controller) { return recorder.AddController(controller); },
                           [&](auto const& reading) { return recorder.AddReading(reading); }});
-    adapter.AddController("press1", address);
+    adapter.AddController({"press1", address, "latin-1"});
     Fleet fleet;
     ASSERT_EQ(fleet.Add("press1", {.address = address}, AllGroups()).StatusCode, 0);
     ASSERT_EQ(fleet.Start().StatusCode, 0);
@@ -133,7 +133,7 @@ void ChangeStepByStep(VirtualController& controller) {
         controller.With([i](simulator::ControllerModel& model) {
             model.variables.bytes[5] = static_cast<std::uint8_t>(i);
             model.variables.reals[1] = 0.1F * static_cast<float>(i);
-            model.variables.strings[2] = "STEP" + std::to_string(i);
+            model.variables.strings[2] = "\xC9TAPE" + std::to_string(i);
             model.variables.robotPositions[4].coordinateType = 16;
             model.variables.robotPositions[4].axes[0] = i * 1001;
             model.variables.robotPositions[4].figure = 5;
@@ -192,6 +192,7 @@ TEST(ReplayTest, EverySampleOfARecordingOfTheReplayEqualsTheFirst) {
     auto const expected = SequencesOf(first);
     auto const got = SequencesOf(second);
     ASSERT_EQ(got.size(), expected.size());
+    EXPECT_NE(std::get<std::string>(expected.at("S002").back().values[0]).find("\xC3\x89TAPE"), std::string::npos);
     ASSERT_GT(expected.at("B005").size(), 1); // 9 where the machine is not busy
     ASSERT_GT(got.at("B005").size(), 1);
     EXPECT_GT(expected.at("position R1 base").size(), 3);

@@ -46,4 +46,10 @@ Utf8Character FirstUtf8Character(std::string_view text) {
     return {.bytes = text.substr(0, 1)};
 }
 
+bool IsUtf8(std::string_view text) {
+    bool valid = true;
+    ForEachUtf8Character(text, [&](Utf8Character const& character) { valid &= character.isValid; });
+    return valid;
+}
+
 } // namespace harvlink::words

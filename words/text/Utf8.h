@@ -25,4 +25,7 @@ void ForEachUtf8Character(std::string_view text, Use const& use) {
     }
 }
 
+/// Whether all of it is characters.
+bool IsUtf8(std::string_view text);
+
 } // namespace harvlink::words

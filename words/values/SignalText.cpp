@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cctype>
+#include <numeric>
 
 #include <fmt/format.h>
 
@@ -74,6 +75,19 @@ std::vector<SignalName> ParseSignalRange(std::string_view text) {
         }
     }
     return names;
+}
+
+std::vector<std::uint16_t> ParseRegisterRange(std::string_view text) {
+    std::size_t const dots = text.find("..");
+    auto const number = [](std::string_view digits) { return ParseNumber<std::uint16_t>(digits, "register number"); };
+    std::uint16_t const first = number(text.substr(0, dots));
+    std::uint16_t const last = dots == std::string_view::npos ? first : number(text.substr(dots + 2));
+    if (last < first) {
+        throw InputError(fmt::format("'{}' is not a range of registers such as 0..9", text));
+    }
+    std::vector<std::uint16_t> registers(last - first + 1U);
+    std::iota(registers.begin(), registers.end(), first);
+    return registers;
 }
 
 StatusInfo ResolveSignals(IOInterface& io, SignalName const& name, std::vector<Signal>& signals) {

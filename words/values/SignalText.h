@@ -34,6 +34,9 @@ SignalName ParseSignal(std::string_view text);
 /// "general-output:1.0..3", or groups as "general-output:1..4".
 std::vector<SignalName> ParseSignalRange(std::string_view text);
 
+/// A register by its number, or all of a range such as "0..9".
+std::vector<std::uint16_t> ParseRegisterRange(std::string_view text);
+
 struct Signal {
     std::string name; ///< as the user named it, with its bit
     unsigned address = 0;
