@@ -63,6 +63,10 @@ StatusInfo Output::Done(StatusInfo status) {
     return status;
 }
 
+void Output::ShowText(std::string_view text) {
+    console_.out << (console_.outputIsTerminal ? PrintableLines(text) : std::string(text)) << std::flush;
+}
+
 void Output::Failure(StatusInfo const& status, std::string_view subject) {
     hasFailed_ = true;
     std::ostringstream line;

@@ -38,6 +38,9 @@ public:
     /// Shows one record of a series at once: JSON on one line, or `text` for people.
     void ShowEvent(Json const& event, std::string_view text);
 
+    /// Shows a text of several lines as it is; on a terminal without what could control it.
+    void ShowText(std::string_view text);
+
     /// Ends a command that has no result but its success: shows the status, with the note that it may carry. Shows nothing
     /// if the command failed. Returns the status.
     StatusInfo Done(StatusInfo status);

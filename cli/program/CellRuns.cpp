@@ -92,15 +92,14 @@ void CellRuns::Show() {
         cells.emplace_back(run.Cell(), run.Result());
         all[run.Cell()] = cells.back().second;
     }
-    std::ostream& out = output_.console().out;
     if (output_.json) {
         output_.Show(all);
     } else if (std::ranges::any_of(runs_, &Run::HasText)) {
         for (auto const& [cell, text] : cells) {
-            out << Printable(cell) << ":\n" << (text.is_string() ? text.get<std::string>() : "-\n") << std::flush;
+            output_.ShowText(Printable(cell) + ":\n" + (text.is_string() ? text.get<std::string>() : "-\n"));
         }
     } else if (std::ranges::any_of(cells, [](CellDocument const& cell) { return !cell.second.is_null(); })) {
-        out << FormatCells(cells, output_.HasColour(), WidthOf(output_.console())) << std::flush;
+        output_.console().out << FormatCells(cells, output_.HasColour(), WidthOf(output_.console())) << std::flush;
     }
 }
 

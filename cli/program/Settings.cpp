@@ -153,7 +153,9 @@ Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingsContent
 Settings SettingsOptions::Resolve(std::string const& cell) const {
     Settings settings{.cell = cell, .file = File()};
     SettingsContents const& file = FromFile();
-    Cell const* const found = cell.empty() ? nullptr : &FindCell(file.cells, cell, settings.file);
+    std::error_code error;
+    std::string const readFile = std::filesystem::exists(settings.file, error) ? settings.file : std::string();
+    Cell const* const found = cell.empty() ? nullptr : &FindCell(file.cells, cell, readFile);
     for (std::size_t i = 0; i < SettingCount; ++i) {
         settings.entries.at(i) = ResolveEntry(i, file, found);
     }

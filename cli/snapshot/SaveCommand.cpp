@@ -103,7 +103,11 @@ void AddSave(CLI::App& family, Session& session) {
         SaveNotes);
     verb->callback([arguments, &session] {
         Check(arguments->selection);
-        arguments->folder = session.FolderFor(arguments->folder);
+        std::string const folder = session.FolderFor(arguments->folder);
+        if (folder != arguments->folder) {
+            filesystem::create_directory(arguments->folder); // has one for each cell
+        }
+        arguments->folder = folder;
         filesystem::path const place = CheckTarget(arguments->folder, arguments->force);
         if (filesystem::exists(IncompletePlace(place))) {
             CheckTarget(IncompletePlace(place), true);

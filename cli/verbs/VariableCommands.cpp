@@ -123,7 +123,7 @@ StatusInfo ReadKind(VariablesInterface& variables, VariableKind kind, Progress& 
 void WriteDump(Output& output, std::string const& path, bool force, std::vector<VariableAssignment> const& variables) {
     std::string const text = FormatVariableFile(variables);
     if (path.empty()) {
-        output.console().out << text << std::flush;
+        output.ShowText(text);
         return;
     }
     WriteWholeFile(path, text, force);
@@ -172,7 +172,7 @@ void AddDump(CLI::App& family, Session& session) {
         if (!arguments->path.empty() && session.NamesSeveralCells()) {
             throw InputError("--out names one file; give one --cell");
         }
-        if (!arguments->path.empty() && !arguments->force && std::filesystem::exists(arguments->path)) {
+        if (!arguments->path.empty() && !arguments->force && std::filesystem::is_regular_file(arguments->path)) {
             throw InputError(fmt::format("{} exists; give --force to overwrite it", arguments->path));
         }
         session.OnConnection(Access::Observe, [kinds, path = arguments->path,

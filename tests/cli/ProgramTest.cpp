@@ -323,8 +323,7 @@ TEST_F(ProgramTest, LosesNoFileIfItCanNotWrite) {
     std::array<Case, 6> const cases{{
         {"ulimit -f 8; GCOV_PREFIX=/dev/null $H files get BIG.DAT --force", 1, "BIG.DAT: Code (107374"},
         {"ulimit -f 8; GCOV_PREFIX=/dev/null $H var dump --out v.csv --force", 1, "harvlink: can't write "},
-        {"$H var dump --kind B --out /dev/full --force", 1,
-         "harvlink: can't write /dev/full: No space left on device\n"},
+        {"$H var dump --kind B --out /dev/full", 1, "harvlink: can't write /dev/full: No space left on device\n"},
         {"$H var dump --kind B --out none/v.csv", 1, "harvlink: can't write into none: No such file or directory\n"},
         {NoFileAtAll "GCOV_PREFIX=/dev/null $H snapshot save cell --only groups", 1, "groups.csv: File too large\n"},
         {"$H files get NONE.DAT", 1, "0 of 1 files fetched"},
@@ -409,16 +408,18 @@ TEST_F(ProgramTest, KeepsWhatAControllerHoldsFromTheTerminal) {
     ScratchFolder const folder;
     test::WriteFile("H.DAT", "a\u009b31m\u202eb\xE9\r\nc\n");
     ASSERT_EQ(RunTool("files put H.DAT").exit, 0);
-    std::istringstream in;
-    for (char const* const raw : {"H.DAT", "--raw"}) {
+    auto const onTerminal = [](std::vector<char const*> const& argv) {
+        std::istringstream in;
         std::ostringstream out;
-        std::array<char const*, 5> const argv{"harvlink", "files", "cat", "H.DAT", raw};
         Console console{in, out, out, false, true, false};
-        bool const isRaw = std::string_view(raw) == "--raw";
-        EXPECT_EQ(RunCommandLine(isRaw ? 5 : 4, argv.data(), console, AllCommands()), 0);
-        EXPECT_EQ(out.str(), isRaw ? test::ContentOf("H.DAT") : "a?31m?b\\xE9\nc\n");
-    }
+        EXPECT_EQ(RunCommandLine(static_cast<int>(argv.size()), argv.data(), console, AllCommands()), 0);
+        return out.str();
+    };
+    EXPECT_EQ(onTerminal({"harvlink", "files", "cat", "H.DAT"}), "a?31m?b\\xE9\nc\n");
+    EXPECT_EQ(onTerminal({"harvlink", "files", "cat", "H.DAT", "--raw"}), test::ContentOf("H.DAT"));
     ASSERT_EQ(RunTool("var set S1=\u009b2J\\xE9\\x5Cx41").exit, 0);
+    EXPECT_NE(onTerminal({"harvlink", "var", "dump", "--kind", "S"}).find("\nS1,?2J\\xE9"), std::string::npos);
+    EXPECT_NE(RunTool("var dump --kind S").out.find("\nS1,\u009b2J"), std::string::npos);
     EXPECT_EQ(RunTool("var get S1").out, "Variable  Value\nS1        ?2J\\xE9\\x5Cx41\n");
     EXPECT_NE(RunTool("var get S1 --json").out.find("\"\\u009b2J\\\\xE9"), std::string::npos);
     EXPECT_EQ(Json::parse(RunTool("var get S1 --json --encoding latin-1").out)[0]["value"],

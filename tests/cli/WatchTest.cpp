@@ -19,6 +19,7 @@
 #include "cli/watch/BoardText.h"
 #include "cli/watch/Layout.h"
 #include "support/ScratchFolder.h"
+#include "words/text/Encoding.h"
 #include "words/text/Printable.h"
 
 namespace harvlink::cli {
@@ -87,6 +88,7 @@ TEST(WatchLayout, FitsEveryWindow) {
 }
 
 TEST(WatchLayout, LinesUpWideCharacters) {
+    ThreadEncoding const encoding{TextEncoding()}; // whatever a test before this one has set
     Sample sample = SampleOfEverything();
     sample.variables = {{"S1", {{}, std::string("\u6eb6\u63a5")}}, {"S2", {{}, std::string("ab\u009b31m")}}};
     sample.variables.resize(4, {"S3", {{}, std::string("0123456789012345678901234567")}});

@@ -40,7 +40,7 @@ std::string Suggestion(std::string_view word, std::vector<std::string> const& na
     if (nearest != names.end() && distance(*nearest) <= 2 && distance(*nearest) < word.size() - 1) {
         return fmt::format("; is {} meant?", *nearest);
     }
-    return names.size() > MostListed ? "" : fmt::format("; there are: {}", fmt::join(names, ", "));
+    return names.empty() || names.size() > MostListed ? "" : fmt::format("; there are: {}", fmt::join(names, ", "));
 }
 
 } // namespace harvlink::words
