@@ -20,7 +20,7 @@ void AddControlCommands(CLI::App& app, Session& session);
 void AddMotionCommands(CLI::App& app, Session& session);
 void AddKinematicsCommands(CLI::App& app, Session& session);
 
-/// Words that only the moment tells: cells, jobs, trajectories. For the scripts of the command completion.
+/// Words that are only known when they are asked for: cells, jobs, trajectories. For the scripts of the command completion.
 void AddCompleteWords(CLI::App& app, Session& session);
 
 } // namespace harvlink::cli

@@ -41,7 +41,7 @@ int FileDescriptor::WriteAt(std::uint64_t place, std::string_view bytes) const {
 
 void FileDescriptor::CutTo(std::uint64_t size) const {
     if (descriptor_ >= 0 && ftruncate(descriptor_, static_cast<off_t>(size)) != 0) {
-        return; // what is too much is no entry, or one that comes twice with the same number
+        return; // what stays behind is not a whole entry, or has the number of one that is there: readers pass over both
     }
 }
 

@@ -28,7 +28,7 @@ std::string WithoutQuoted(std::string_view line) {
     return bare;
 }
 
-/// Where a comma is the decimal sign, spreadsheets separate cells by semicolons. The header line tells.
+/// Where a comma is the decimal sign, spreadsheets separate cells by semicolons, as the header line shows.
 char SeparatorOf(std::string_view text) {
     for (std::string_view const line : Split(text, '\n')) {
         bool const isHeader = !line.starts_with('#') && !TrimBlanks(line).empty();
