@@ -250,7 +250,9 @@ class Fleet:
             room = count
 
 
-def _options(address: str, timeout: float, retries: int, lanes: int, gap: float, most_requests_per_second: float) -> Any:
+def _options(
+    address: str, timeout: float, retries: int, lanes: int, gap: float, most_requests_per_second: float
+) -> Any:
     return records.HarvlinkFleetOptions(
         size=ctypes.sizeof(records.HarvlinkFleetOptions),
         timeout=exact(ctypes.c_uint32, round(timeout * 1000)),
