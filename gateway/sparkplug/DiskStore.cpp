@@ -1,5 +1,6 @@
 #include "gateway/sparkplug/DiskStore.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace harvlink::gateway::sparkplug {
@@ -8,19 +9,21 @@ DiskStore::DiskStore(MqttStoreConfig const& config)
     : maxBytes_(config.maxBytes), queue_(config.folder, {.maxBytes = config.maxBytes, .keep = config.maxAge}) {}
 
 bool DiskStore::Append(recording::Microseconds time, std::string_view record) {
-    if (record.size() > recording::ForwardEntry::MostBytes) {
+    static_assert(MostRecordBytes <= recording::ForwardEntry::MostBytes);
+    if (record.size() > MostRecordBytes) {
         return false;
     }
     queue_.Append(time, record);
     return true;
 }
 
-std::vector<StoredRecord> DiskStore::Read(std::uint64_t id, std::size_t most) {
-    std::vector<StoredRecord> records;
+StoredRun DiskStore::Read(std::uint64_t id, std::size_t most) {
+    StoredRun run;
     for (recording::ForwardEntry& entry : queue_.Read(id - 1, most)) {
-        records.push_back({entry.number, std::move(entry.content)});
+        run.records.push_back({entry.number, std::move(entry.content)});
     }
-    return records;
+    run.next = run.records.empty() ? std::max(id, queue_.Status().next) : run.records.back().id + 1;
+    return run;
 }
 
 void DiskStore::RemoveBefore(std::uint64_t id) {

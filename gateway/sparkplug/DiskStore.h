@@ -13,7 +13,7 @@ public:
     explicit DiskStore(MqttStoreConfig const& config);
 
     bool Append(recording::Microseconds time, std::string_view record) override;
-    std::vector<StoredRecord> Read(std::uint64_t id, std::size_t most) override;
+    StoredRun Read(std::uint64_t id, std::size_t most) override;
     void RemoveBefore(std::uint64_t id) override;
     void Commit() override;
     StoreStatistics Statistics() const override;

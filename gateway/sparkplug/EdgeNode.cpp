@@ -7,6 +7,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include "gateway/sparkplug/BackgroundStore.h"
 #include "gateway/sparkplug/DiskStore.h"
 #include "gateway/sparkplug/MemoryStore.h"
 #include "gateway/sparkplug/NodeLoop.h"
@@ -19,7 +20,7 @@ constexpr std::uint64_t MostInMemory = 64ULL << 20;
 
 std::unique_ptr<Store> StoreOf(MqttStoreConfig const& config) {
     if (!config.folder.empty()) {
-        return std::make_unique<DiskStore>(config);
+        return std::make_unique<BackgroundStore>(std::make_unique<DiskStore>(config), MostInMemory);
     }
     return std::make_unique<MemoryStore>(std::min(config.maxBytes, MostInMemory));
 }
@@ -33,8 +34,10 @@ void BlockSignals() {
 
 } // namespace
 
-EdgeNode::EdgeNode(MqttConfig const& config, Log& log)
-    : store_(StoreOf(config.store)), wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+EdgeNode::EdgeNode(MqttConfig const& config, Log& log) : EdgeNode(config, log, StoreOf(config.store)) {}
+
+EdgeNode::EdgeNode(MqttConfig const& config, Log& log, std::unique_ptr<Store> store)
+    : store_(std::move(store)), wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     thread_ = std::thread([this, config, &log] { Run(config, log); });
 }
 

@@ -21,6 +21,8 @@ class EdgeNode final : public Observer {
 public:
     /// Begins at once. Throws recording::RecordingError if the folder of the store can't be used. `log` must outlive the node.
     EdgeNode(MqttConfig const& config, Log& log);
+    /// With a store of the caller's choice.
+    EdgeNode(MqttConfig const& config, Log& log, std::unique_ptr<Store> store);
     /// Stops: leaves the broker and waits for the thread, less than a second.
     ~EdgeNode() override;
 

@@ -90,14 +90,17 @@ std::vector<StoredRecord> Forwarder::TakeHistorical(Moment now) {
     }
     // A record has one value at least. More than its share it may take once, and pays for it with a longer pause.
     auto const most = std::min(static_cast<std::size_t>(std::ceil(allowance_)), MostRecordsAtOnce);
-    auto records = store_.Read(cursor_, std::min<std::size_t>(most, liveStart_ - cursor_));
-    while (!records.empty() && records.back().id >= liveStart_) {
-        records.pop_back(); // damaged ones were left out before
+    auto run = store_.Read(cursor_, std::min<std::size_t>(most, liveStart_ - cursor_));
+    std::uint64_t const end = std::min(run.next, liveStart_);
+    if (end == cursor_) {
+        return {}; // the store is busy
     }
-    std::uint64_t const end = records.size() < most && records.empty() ? liveStart_ : records.back().id + 1;
+    while (!run.records.empty() && run.records.back().id >= liveStart_) {
+        run.records.pop_back(); // damaged ones were left out before
+    }
     marks_.push_back({cursor_, end, now});
     cursor_ = end;
-    return records;
+    return std::move(run.records);
 }
 
 void Forwarder::SentHistorical(std::size_t values) {

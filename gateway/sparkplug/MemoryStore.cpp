@@ -20,12 +20,12 @@ void MemoryStore::RemoveFirst() {
     ++first_;
 }
 
-std::vector<StoredRecord> MemoryStore::Read(std::uint64_t id, std::size_t most) {
-    std::vector<StoredRecord> records;
-    for (std::uint64_t i = std::max(id, first_); i < first_ + records_.size() && records.size() < most; ++i) {
-        records.push_back({i, records_[i - first_]});
+StoredRun MemoryStore::Read(std::uint64_t id, std::size_t most) {
+    StoredRun run{.records = {}, .next = std::max(id, first_)};
+    for (; run.next < first_ + records_.size() && run.records.size() < most; ++run.next) {
+        run.records.push_back({run.next, records_[run.next - first_]});
     }
-    return records;
+    return run;
 }
 
 void MemoryStore::RemoveBefore(std::uint64_t id) {

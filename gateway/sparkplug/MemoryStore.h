@@ -7,12 +7,12 @@
 namespace harvlink::gateway::sparkplug {
 
 /// Keeps records as long as the program runs, for a node without a folder.
-class MemoryStore final : public Store {
+class MemoryStore : public Store {
 public:
     explicit MemoryStore(std::uint64_t maxBytes) : maxBytes_(maxBytes) {}
 
     bool Append(recording::Microseconds time, std::string_view record) override;
-    std::vector<StoredRecord> Read(std::uint64_t id, std::size_t most) override;
+    StoredRun Read(std::uint64_t id, std::size_t most) override;
     void RemoveBefore(std::uint64_t id) override;
     StoreStatistics Statistics() const override;
 

@@ -14,6 +14,12 @@ struct StoredRecord {
     std::string bytes;
 };
 
+struct StoredRun {
+    std::vector<StoredRecord> records; ///< the oldest first
+    std::uint64_t next =
+        0; ///< where to go on; what is missing before it is damaged. That asked for: nothing is there yet
+};
+
 struct StoreStatistics {
     std::uint64_t first = 0; ///< id of the oldest record
     std::uint64_t next = 0; ///< id that the next record will get
@@ -33,10 +39,12 @@ public:
     Store& operator=(Store const&) = delete;
     virtual ~Store() = default;
 
+    static constexpr std::size_t MostRecordBytes = 64U << 10;
+
     /// `time` is when its content was read. False if it can't be stored. It can be read after the next Commit.
     virtual bool Append(recording::Microseconds time, std::string_view record) = 0;
     /// The oldest records from `id` on, at most `most`. Those that are damaged are left out.
-    virtual std::vector<StoredRecord> Read(std::uint64_t id, std::size_t most) = 0;
+    virtual StoredRun Read(std::uint64_t id, std::size_t most) = 0;
     virtual void RemoveBefore(std::uint64_t id) = 0;
     /// Makes all that was appended survive the end of the process. May take as long as the disk.
     virtual void Commit() {}

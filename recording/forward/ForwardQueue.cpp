@@ -70,9 +70,9 @@ void ForwardQueue::LoadSegments() {
         Segment& segment = numbered.second;
         Segment::ForEach(segment.Load(), 0, [&](ForwardEntry const& entry) {
             segment.newest = std::max(segment.newest, entry.time);
+            last_ = entry.time;
             return true;
         });
-        newest_ = std::max(newest_, segment.newest);
     }
 }
 
@@ -198,7 +198,7 @@ bool ForwardQueue::Write(std::vector<ForwardEntry>& entries) {
         }
         if (error == 0) {
             state_.next += entries.size();
-            newest_ = std::max(newest_, segment.newest);
+            last_ = entries.back().time;
             isStateStored_ = false;
             return true;
         }
@@ -218,7 +218,7 @@ void ForwardQueue::DropBeyondSize(std::uint64_t more) {
 
 void ForwardQueue::DropOld() {
     while (options_.keep.count() != 0 && !segments_.empty() &&
-           segments_.begin()->second.newest < newest_ - options_.keep.count()) {
+           segments_.begin()->second.newest < last_ - options_.keep.count()) {
         DropFirst(state_.droppedForAge);
     }
 }

@@ -19,7 +19,7 @@ namespace harvlink::recording {
 
 struct ForwardOptions {
     std::uint64_t maxBytes = 256ULL << 20; ///< on the disk; beyond, the oldest go first. At least 256 KB
-    std::chrono::microseconds keep{0}; ///< entries that are so much older than the newest go; 0: no limit
+    std::chrono::microseconds keep{0}; ///< entries that are so much older than the last one go; 0: no limit
 };
 
 struct ForwardStatus {
@@ -105,7 +105,7 @@ private:
     std::map<std::uint64_t, std::uint64_t> damage_; ///< not yet counted: the first number, and the one behind
     std::deque<ForwardEntry> waiting_; ///< appended, not written
     std::uint64_t waitingBytes_ = 0;
-    Microseconds newest_ = 0;
+    Microseconds last_ = 0; ///< time of the last entry. Not the newest: a clock that was ahead would make all others old
     std::string problem_;
     std::string content_; ///< of the segment of the cursor
     Cursor cursor_;

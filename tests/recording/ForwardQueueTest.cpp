@@ -111,6 +111,23 @@ TEST_F(ForwardQueueTest, DropsTheOldestBeyondItsLimitsAndCountsThem) {
     }
 }
 
+TEST_F(ForwardQueueTest, ClockThatWasAheadMakesNothingOld) {
+    ForwardOptions const options{.keep = std::chrono::hours(1)};
+    {
+        ForwardQueue queue("q", options);
+        queue.Append(Microseconds{1} << 50, "ahead");
+    }
+    ForwardQueue queue("q", options);
+    queue.Append(1, "set back");
+    queue.Commit();
+    queue.Acknowledge(1);
+    queue.Commit();
+    queue.Append(2, "later");
+    queue.Commit();
+    EXPECT_EQ(queue.Status().waiting, 2U);
+    EXPECT_EQ(queue.Status().droppedForAge, 0U);
+}
+
 TEST_F(ForwardQueueTest, PassesOverChangedBytesAndCountsWhatTheyCost) {
     constexpr std::uint64_t Many = 3000;
     std::mt19937 random(21); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same each time

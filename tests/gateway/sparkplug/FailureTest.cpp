@@ -5,6 +5,8 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 
+#include "gateway/sparkplug/BackgroundStore.h"
+#include "gateway/sparkplug/MemoryStore.h"
 #include "gateway/sparkplug/Plant.h"
 
 /// After each failure: nothing that was read before is missing at the host, the session is valid, and publishing goes on within
@@ -174,7 +176,9 @@ TEST_F(SparkplugFailure, FullStoreDropsTheOldestAndCounts) {
     EXPECT_TRUE(Eventually([&] { return node->Statistics().store.bytes > 100'000; }));
     plant.broker.Start();
     ASSERT_TRUE(Eventually([&] { return node->Statistics().state == gateway::sparkplug::SessionState::Born; }));
-    ASSERT_TRUE(Eventually([&] { return node->Statistics().store.waiting == 0; }));
+    ASSERT_TRUE(Eventually([&] { return node->Statistics().store.waiting == 0; }))
+        << node->Statistics().store.waiting << " of " << series.Last() << " are waiting, "
+        << node->Statistics().store.dropped << " are dropped, " << node->Statistics().store.notStored << " not stored";
     auto const dropped = node->Statistics().store.dropped;
     EXPECT_TRUE(Eventually([&] { return plant.host->Missing(Counter::Metric, series.Last()).size() == dropped; }))
         << plant.host->Missing(Counter::Metric, series.Last()).size() << " are missing, " << dropped << " are counted";
@@ -212,6 +216,37 @@ TEST_F(SparkplugFailure, DamagedStoreCostsNoMoreThanWhatIsDamaged) {
         << " are missing, " << node->Statistics().damaged << " are counted";
     EXPECT_LE(node->Statistics().damaged, 3 * flipped);
     EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
+}
+
+/// A disk that takes nothing until it is freed.
+class StalledStore final : public gateway::sparkplug::MemoryStore {
+public:
+    StalledStore(std::shared_future<void> freed, std::promise<void>& gone)
+        : MemoryStore(1 << 20), freed_(std::move(freed)), gone_(gone) {}
+    ~StalledStore() override { gone_.set_value(); }
+    void Commit() override { freed_.wait(); }
+
+private:
+    std::shared_future<void> freed_;
+    std::promise<void>& gone_;
+};
+
+TEST_F(SparkplugFailure, StalledDiskHoldsUpNeitherLiveDataNorTheEnd) {
+    std::promise<void> freed;
+    std::promise<void> gone;
+    auto store = std::make_unique<StalledStore>(freed.get_future().share(), gone);
+    auto node = std::make_unique<gateway::sparkplug::EdgeNode>(
+        plant.config, plant.log, std::make_unique<gateway::sparkplug::BackgroundStore>(std::move(store), 1 << 20));
+    {
+        Counter counter(*node);
+        ASSERT_TRUE(Eventually([&] { return counter.Last() > 50; })); // beyond a commit
+        EXPECT_TRUE(GoesOn(counter.Last() + 50));
+    }
+    auto const start = std::chrono::steady_clock::now();
+    node.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1s + BusyMachine);
+    freed.set_value();
+    gone.get_future().wait(); // the thread lets go of the store by itself
 }
 
 class SparkplugGarbage : public SparkplugFailure, public testing::WithParamInterface<std::string> {};
