@@ -41,10 +41,6 @@ std::string TextOf(int result) {
 
 } // namespace
 
-void MqttClient::Destroy::operator()(mosquitto* client) const {
-    mosquitto_destroy(client);
-}
-
 /// The library calls these within Serve, on the same thread.
 struct MqttClient::Callbacks {
     static MqttClient& Self(void* object) { return *static_cast<MqttClient*>(object); }
@@ -94,14 +90,9 @@ struct MqttClient::Callbacks {
 };
 
 MqttClient::MqttClient(MqttConfig config, std::string clientId)
-    : config_(std::move(config)), clientId_(std::move(clientId)) {
-    mosquitto_lib_init();
-}
+    : config_(std::move(config)), clientId_(std::move(clientId)) {}
 
-MqttClient::~MqttClient() {
-    client_.reset();
-    mosquitto_lib_cleanup();
-}
+MqttClient::~MqttClient() = default;
 
 void MqttClient::Fail(Failure failure, std::string text) {
     if (!hasFailed_) {
@@ -122,10 +113,35 @@ void MqttClient::Connect(MqttBroker const& broker, std::string const& willTopic,
     if (!SetUp(willTopic, will)) {
         return;
     }
-    int const result = mosquitto_connect_async(client_.get(), broker.host.c_str(), broker.port,
-                                               static_cast<int>(config_.keepAlive.count()));
-    if (result > MOSQ_ERR_SUCCESS) {
-        Fail(Failure::Unreachable, TextOf(result));
+    int const keepAlive = static_cast<int>(config_.keepAlive.count());
+    if (!IsName(broker.host)) {
+        Begin(BeginConnection(std::move(client_), broker.host, broker.port, keepAlive));
+        return;
+    }
+    // One thread for each name at most, however long the system takes.
+    auto& runs = lookups_[broker.host];
+    if (runs != nullptr && *runs) {
+        Fail(Failure::Unreachable, fmt::format("the name {} is still being looked up", broker.host));
+        return;
+    }
+    lookup_.emplace(library_, std::move(client_), broker.host, broker.port, keepAlive);
+    runs = lookup_->Runs();
+    events_.push_back({.kind = MqttEvent::Kind::LookingUp, .topic = {}, .text = {}});
+}
+
+void MqttClient::TakeLookup() {
+    auto begun = lookup_ ? lookup_->Take() : std::nullopt;
+    if (begun) {
+        lookup_.reset();
+        events_.push_back({.kind = MqttEvent::Kind::LookedUp, .topic = {}, .text = {}});
+        Begin(std::move(*begun));
+    }
+}
+
+void MqttClient::Begin(BegunConnection begun) {
+    client_ = std::move(begun.client);
+    if (!begun.error.empty()) {
+        Fail(Failure::Unreachable, begun.error);
         return;
     }
     // The library may have sent it already. A process that is killed now must not use the number again.
@@ -224,6 +240,7 @@ void MqttClient::Disconnect() {
 }
 
 void MqttClient::Close() {
+    lookup_.reset();
     client_.reset();
     events_.clear();
     unacknowledged_.clear();
@@ -232,13 +249,15 @@ void MqttClient::Close() {
 std::vector<MqttEvent> MqttClient::Wait(int wake, Milliseconds timeout) {
     int const socket = client_ != nullptr && !hasFailed_ ? mosquitto_socket(client_.get()) : -1;
     short const wanted = socket >= 0 && mosquitto_want_write(client_.get()) ? POLLIN | POLLOUT : POLLIN;
-    std::array<pollfd, 2> descriptors{{{wake, POLLIN, 0}, {socket, wanted, 0}}};
+    int const lookup = lookup_ ? lookup_->Descriptor() : -1;
+    std::array<pollfd, 3> descriptors{{{wake, POLLIN, 0}, {socket, wanted, 0}, {lookup, POLLIN, 0}}};
     if (events_.empty()) {
         poll(descriptors.data(), descriptors.size(), static_cast<int>(timeout.count()));
     }
     if (socket >= 0) {
         Serve(descriptors[1].revents);
     }
+    TakeLookup();
     return std::exchange(events_, {});
 }
 

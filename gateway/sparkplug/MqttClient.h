@@ -1,21 +1,24 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
 #include "gateway/config/MqttConfig.h"
 #include "gateway/sparkplug/Backoff.h"
-
-struct mosquitto;
+#include "gateway/sparkplug/Lookup.h"
 
 namespace harvlink::gateway::sparkplug {
 
 /// What came of a connection to a broker.
 struct MqttEvent {
     enum class Kind {
+        LookingUp, ///< the name of the broker, which may take long
+        LookedUp,
         Reached, ///< the broker takes the connection: the CONNECT leaves
         Accepted,
         Subscribed,
@@ -65,21 +68,23 @@ public:
 
 private:
     struct Callbacks;
-    struct Destroy {
-        void operator()(mosquitto* client) const;
-    };
 
     bool SetUp(std::string const& willTopic, std::string const& will);
     bool SetUpTls();
     bool SetUpLogin();
     void Serve(short ready);
+    void TakeLookup();
+    void Begin(BegunConnection begun);
     bool CheckReached();
     void Check(int result);
     void Fail(Failure failure, std::string text);
 
     MqttConfig config_;
     std::string clientId_;
-    std::unique_ptr<mosquitto, Destroy> client_;
+    std::shared_ptr<MqttLibrary> library_ = std::make_shared<MqttLibrary>();
+    MqttHandle client_; ///< none while its broker is looked up
+    std::optional<Lookup> lookup_;
+    std::map<std::string, std::shared_ptr<std::atomic<bool> const>> lookups_; ///< by name, whether one still runs
     std::vector<MqttEvent> events_;
     std::unordered_set<int> unacknowledged_; ///< messages of QoS 1
     int awaitedSubscriptions_ = 0;

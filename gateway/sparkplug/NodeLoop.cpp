@@ -158,6 +158,12 @@ void NodeLoop::EndConnection() {
 void NodeLoop::Handle(MqttEvent const& event) {
     Moment const now = Present();
     switch (event.kind) {
+    case MqttEvent::Kind::LookingUp:
+        session_.LookingUp(now);
+        break;
+    case MqttEvent::Kind::LookedUp:
+        session_.LookedUp(now);
+        break;
     case MqttEvent::Kind::Reached:
         Do(session_.Reached(now));
         break;

@@ -9,6 +9,7 @@ namespace {
 using std::chrono::minutes;
 using std::chrono::seconds;
 
+constexpr Milliseconds LookUpLimit = seconds(30); ///< of the name of a broker: the system asks several servers in turn
 constexpr Milliseconds ReachLimit = seconds(4); ///< of TCP and TLS
 constexpr Milliseconds AcceptLimit = seconds(10); ///< of a broker that is loaded
 constexpr Milliseconds SubscribeLimit = seconds(10);
@@ -61,6 +62,18 @@ SessionActions Session::Tick(Moment now) {
 SessionActions Session::BeginAttempt(Moment now) {
     Enter(SessionState::Connecting, now + ReachLimit);
     return {SessionAction::Connect};
+}
+
+void Session::LookingUp(Moment now) {
+    if (state_ == SessionState::Connecting) {
+        deadline_ = now + LookUpLimit;
+    }
+}
+
+void Session::LookedUp(Moment now) {
+    if (state_ == SessionState::Connecting) {
+        deadline_ = now + ReachLimit;
+    }
 }
 
 SessionActions Session::Reached(Moment now) {

@@ -59,6 +59,8 @@ public:
     SessionStatistics const& Statistics() const { return statistics_; }
 
     SessionActions Tick(Moment now);
+    void LookingUp(Moment now);
+    void LookedUp(Moment now);
     SessionActions Reached(Moment now);
     SessionActions Accepted(Moment now);
     SessionActions Subscribed(Moment now);
