@@ -40,6 +40,8 @@ std::string AddressOf(char const* name) {
 } // namespace
 } // namespace harvlink::test
 
+// The names of the system begin with underscores.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int getaddrinfo(char const* name, char const* service, addrinfo const* hints, addrinfo** result) {
     static auto const ofSystem = reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
     std::string const address = harvlink::test::AddressOf(name);
