@@ -35,15 +35,17 @@ function(harvlink_install_program target name)
     list(GET component -1 component)
     file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    harvlink_runnable(${target} program)
     install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${component})
     harvlink_install_output(${target} "${CMAKE_INSTALL_MANDIR}/man1" "${name}.1${page_suffix}"
-                            "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/packaging/man_page.py" $<TARGET_FILE:${target}>
+                            "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/packaging/man_page.py" "${program}"
                             "${PROJECT_SOURCE_DIR}/packaging/man/${name}.txt" ${PROJECT_VERSION})
 endfunction()
 
 # harvlink_install_command_pages(<target>): a page for each command of a program. Only the program knows which there are.
 function(harvlink_install_command_pages target)
     set(folder "${generated_folder}/commands")
+    harvlink_runnable(${target} program)
     set(compress)
     if(HARVLINK_DEBIAN)
         set(compress --compress)
@@ -51,7 +53,7 @@ function(harvlink_install_command_pages target)
     add_custom_command(OUTPUT "${folder}.done"
                        COMMAND "${CMAKE_COMMAND}" -E rm -rf "${folder}"
                        COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/packaging/man_page.py" --commands ${compress}
-                               $<TARGET_FILE:${target}> "${folder}" ${PROJECT_VERSION}
+                               "${program}" "${folder}" ${PROJECT_VERSION}
                        COMMAND "${CMAKE_COMMAND}" -E touch "${folder}.done"
                        DEPENDS ${target} "${PROJECT_SOURCE_DIR}/packaging/man_page.py" VERBATIM
                        COMMENT "Generating the pages of the commands")
@@ -62,10 +64,11 @@ endfunction()
 if(HARVLINK_BUILD_CLI)
     harvlink_install_program(harvlink_cli harvlink)
     harvlink_install_command_pages(harvlink_cli)
+    harvlink_runnable(harvlink_cli program)
     harvlink_install_output(harvlink_cli "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" harvlink
-                            $<TARGET_FILE:harvlink_cli> completion bash)
+                            "${program}" completion bash)
     harvlink_install_output(harvlink_cli "${zsh_folder}" _harvlink
-                            $<TARGET_FILE:harvlink_cli> completion zsh)
+                            "${program}" completion zsh)
 endif()
 if(TARGET harvlink-sim)
     harvlink_install_program(harvlink-sim harvlink-sim)

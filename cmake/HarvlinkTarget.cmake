@@ -52,6 +52,32 @@ function(harvlink_target target)
     endif()
 endfunction()
 
+# harvlink_runnable(<target> <variable>): the path under which others start the program: a test, or what makes its manual page.
+# Of a build for another processor that is a script of the same name, which starts the emulator.
+function(harvlink_runnable target variable)
+    set(path "$<TARGET_FILE:${target}>")
+    if(CMAKE_CROSSCOMPILING AND NOT WIN32)
+        get_target_property(path ${target} HARVLINK_RUNNABLE)
+        if(NOT path)
+            harvlink_write_starter(${target} path)
+        endif()
+    endif()
+    set(${variable} "${path}" PARENT_SCOPE)
+endfunction()
+
+function(harvlink_write_starter target variable)
+    get_target_property(name ${target} OUTPUT_NAME)
+    if(NOT name)
+        set(name ${target})
+    endif()
+    set(path "${PROJECT_BINARY_DIR}/run/${name}")
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "' '" emulator)
+    file(GENERATE OUTPUT "${path}" CONTENT "#!/bin/sh\nexec '${emulator}' '$<TARGET_FILE:${target}>' \"$@\"\n"
+         FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+    set_target_properties(${target} PROPERTIES HARVLINK_RUNNABLE "${path}")
+    set(${variable} "${path}" PARENT_SCOPE)
+endfunction()
+
 # harvlink_count_coverage(<target>): counts which of its lines and branches run, if that is asked for. Those of the headers
 # of other libraries are left out: nobody asks for them, and they are most of the work.
 function(harvlink_count_coverage target)

@@ -1,10 +1,19 @@
-# ARM, 64 bits, from Debian's cross compiler; programs of the build, such as tests, run under qemu-user.
+# ARM, 64 bits, from Debian's cross compiler; programs of the build, such as tests, run under qemu-user. The library needs nothing
+# else. For the programs, script/setup arm unpacks the libraries of others.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+cmake_path(SET root NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../../build/root-arm64")
+if(EXISTS "${root}")
+    set(CMAKE_SYSROOT "${root}")
+    set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L "${root}")
+    set(ENV{PKG_CONFIG_SYSROOT_DIR} "${root}")
+    set(ENV{PKG_CONFIG_LIBDIR} "${root}/usr/lib/aarch64-linux-gnu/pkgconfig:${root}/usr/share/pkgconfig")
+endif()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)

@@ -3,6 +3,7 @@
 
 import contextlib
 import json
+import os
 import re
 import shutil
 import socket
@@ -71,6 +72,12 @@ class ProgramTest(GatewayTest):
         gateway.reload()
         wait_for(lambda: "added=0 removed=0 changed=0" in gateway.log(), "the reload")
         get(port, "/metrics", 404)
+        # The system keeps a dozen notices that nobody takes, two seconds of them, and drops what follows.
+        notices.setblocking(False)
+        with contextlib.suppress(BlockingIOError):
+            while notices.recv(100):
+                pass
+        notices.settimeout(PATIENCE)
         start = time.monotonic()
         self.assertEqual(gateway.stop(), 0)
         self.assertLess(time.monotonic() - start, 5.0)
@@ -104,6 +111,7 @@ class ProgramTest(GatewayTest):
         self.assertIn("61 controllers", run.stdout)
 
     @unittest.skipUnless(shutil.which("prometheus") and shutil.which("promtool"), "needs prometheus")
+    @unittest.skipIf("HARVLINK_EMULATED" in os.environ, "an emulated processor is too slow for a hundred controllers")
     def test_a_real_server_scrapes_a_hundred_controllers(self):
         gateway = Gateway(self, "", "--simulate", "100")
         wait_for(lambda: json.loads(get(gateway.port, "/health/live"))["online"] == 100, "all controllers")

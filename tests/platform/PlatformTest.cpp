@@ -64,5 +64,16 @@ TEST(PlatformTest, NumbersKeepSignAndWidth) {
     }
 }
 
+#if defined(HARVLINK_ALIGNMENT_TRAPS)
+TEST(PlatformDeathTest, AnAccessThatIsNotAlignedEndsTheProgram) {
+    alignas(8) std::array<std::byte, 16> bytes{};
+    std::byte const* volatile place = bytes.data();
+    EXPECT_EQ(*reinterpret_cast<std::int64_t const*>(place + 8), 0);
+    for (std::size_t const offset : {1U, 2U, 4U}) {
+        EXPECT_DEATH(EXPECT_EQ(*reinterpret_cast<std::int64_t const*>(place + offset), 0), "");
+    }
+}
+#endif
+
 } // namespace
 } // namespace harvlink::test
