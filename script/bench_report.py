@@ -39,6 +39,10 @@ REMARKS = {
         "one send and three sleeps of the bare client, each with a wake-up on a cold processor, already take 0.08 to 0.13 ms; "
         "the library adds about 0.03 ms, once in a whole time-out."
     ),
+    "100 pages, 200 controllers at 10 Hz: processor against bare libwebsockets": (
+        "the bare program sends texts that lie ready. The gateway looks ten times a second what has changed of 200 controllers, "
+        "and makes a text of values for each of the 50 that somebody watches: about 1 % of a core."
+    ),
     "200 controllers in turn, rate against one connection": (
         "the sockets of 200 controllers leave the processor's cache; bare sockets lose as much."
     ),
