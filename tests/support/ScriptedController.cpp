@@ -23,6 +23,7 @@ constexpr auto longestWait = std::chrono::seconds(10);
 #if defined(_WIN32)
 
 using pollfd = WSAPOLLFD;
+using SizeToSend = int;
 using socklen_t = int;
 
 int poll(pollfd* sockets, std::size_t count, int milliseconds) {
@@ -32,6 +33,10 @@ int poll(pollfd* sockets, std::size_t count, int milliseconds) {
 void close(NativeSocket descriptor) {
     ::closesocket(descriptor);
 }
+
+#else
+
+using SizeToSend = std::size_t;
 
 #endif
 
@@ -163,8 +168,8 @@ void ScriptedController::ReadFrom(Port& port, Port& other) {
         Bytes const bytes = ReplyBytes(reply, datagram);
         Port const& target = reply.toOtherSocket ? other : port;
         sockaddr_in const to = NativeEndpoint(target.lastClient);
-        ::sendto(target.descriptor, reinterpret_cast<char const*>(bytes.data()), static_cast<int>(bytes.size()), 0,
-                 reinterpret_cast<sockaddr const*>(&to), sizeof(to));
+        ::sendto(target.descriptor, reinterpret_cast<char const*>(bytes.data()), static_cast<SizeToSend>(bytes.size()),
+                 0, reinterpret_cast<sockaddr const*>(&to), sizeof(to));
     }
 }
 
