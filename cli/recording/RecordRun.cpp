@@ -1,5 +1,6 @@
 #include "cli/recording/RecordRun.h"
 
+#include <algorithm>
 #include <optional>
 
 #include <fmt/format.h>
@@ -124,16 +125,16 @@ private:
 
     /// With --generation, the version of the software decides: another machine than the one that is meant ends the recording.
     bool IsWanted(FleetSample const& sample) {
-        for (PlannedController const& controller : plan_.controllers) {
-            auto const wrong = controller.cell.name == sample.controller
-                                   ? WrongGeneration(controller.cell, sample.value)
-                                   : std::optional<StatusInfo>();
-            if (wrong) {
-                wrongMachine_ = fmt::format("{}: {}", sample.controller, wrong->Message);
-                return false;
-            }
+        auto const found = std::find_if(plan_.controllers.begin(), plan_.controllers.end(),
+                                        [&](auto const& each) { return each.cell.name == sample.controller; });
+        if (found == plan_.controllers.end()) {
+            return true;
         }
-        return true;
+        auto const wrong = WrongGeneration(found->cell, sample.value);
+        if (wrong) {
+            wrongMachine_ = fmt::format("{}: {}", sample.controller, wrong->Message);
+        }
+        return !wrong;
     }
 
     /// What the engine had to drop is missing in the recording like anything else.
