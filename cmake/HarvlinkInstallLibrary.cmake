@@ -45,7 +45,7 @@ configure_file("${PROJECT_SOURCE_DIR}/cmake/harvlink.pc.in" "${PROJECT_BINARY_DI
 install(FILES "${PROJECT_BINARY_DIR}/harvlink.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
-        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png")
 # The documents link to them.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
         USE_SOURCE_PERMISSIONS PATTERN "__pycache__" EXCLUDE)
