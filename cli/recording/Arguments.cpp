@@ -14,6 +14,21 @@ namespace harvlink::cli::recordings {
 
 using namespace words; // NOLINT(google-build-using-namespace): as in all folders of the tool
 
+namespace {
+
+/// The same for all forms in which a name is typed: 'S004', 'S4' and 's4'.
+std::string Plain(std::string_view name) {
+    std::string plain = LowerCase(name);
+    std::size_t const number = plain.find_first_of("0123456789");
+    bool const isVariable = number != std::string::npos && number > 0 && plain.find(' ') == std::string::npos;
+    while (isVariable && number + 1 < plain.size() && plain[number] == '0') {
+        plain.erase(number, 1);
+    }
+    return plain;
+}
+
+} // namespace
+
 void PartArguments::AddFile(CLI::App& verb) {
     verb.add_option("file", file, "The recording")->required()->type_name("FILE");
 }
@@ -60,9 +75,8 @@ std::vector<std::uint32_t> PartArguments::Readings(recording::Recording const& s
     std::vector<bool> used(items.size());
     for (std::uint32_t id = 1; id <= contents.readings.size(); ++id) {
         recording::RecordedReading const& reading = contents.readings[id - 1];
-        auto const item = std::find_if(items.begin(), items.end(), [&](std::string const& name) {
-            return LowerCase(name) == LowerCase(reading.name);
-        });
+        auto const item = std::find_if(items.begin(), items.end(),
+                                       [&](std::string const& name) { return Plain(name) == Plain(reading.name); });
         bool const isWanted = IsWanted(contents.controllers[reading.controller - 1].name);
         if (isWanted && (items.empty() || item != items.end())) {
             readings.push_back(id);

@@ -1,5 +1,5 @@
 // The HTTP side of the gateway. Everything is read, apart from the knobs of virtual controllers.
-import type { Card, Geometry, History, Incident, Item, LinkQuality, PlantEvent } from "./model";
+import type { Card, Figure, Geometry, History, Incident, Item, LinkQuality, PlantEvent } from "./model";
 
 export class ApiError extends Error {
     constructor(
@@ -46,6 +46,7 @@ export const api = {
         range: { controller: string; items: string; from: number; to: number; points: number },
         signal?: AbortSignal,
     ) => get<History>(`history${query(range)}`, signal),
+    status: () => get<{ figures: Figure[] }>("status"),
     incidents: () => get<Incident[]>("incidents"),
     incidentLink: (file: string, format?: string) =>
         `api/incidents/${encodeURIComponent(file)}${query({ format })}`,

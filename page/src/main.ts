@@ -1,5 +1,6 @@
 import "uplot/dist/uPlot.min.css";
 import "./style.css";
+import { brokerStatus } from "./broker";
 import { ControllerView } from "./controllerView";
 import { element, setAttribute, setText } from "./dom";
 import { clock } from "./format";
@@ -94,6 +95,7 @@ document.body.append(
         element("a", { class: "brand", href: "#/" }, texts.title),
         element("nav", { "aria-label": texts.title }, links.overview, links.history),
         gateway,
+        brokerStatus(live),
         connection,
         themeChoice(),
     ),

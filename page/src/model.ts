@@ -113,6 +113,12 @@ export interface Incident {
     bytes: number;
 }
 
+/** One of the gateway's own, by the name that it has in /metrics. */
+export interface Figure {
+    name: string;
+    value: number | null;
+}
+
 export interface Geometry {
     group: string;
     shoulderHeight: number;

@@ -13,6 +13,12 @@ export const texts = {
         live: "Live",
         paused: "Paused",
     },
+    broker: {
+        connected: "Broker connected",
+        catchingUp: (values: number) => `Broker connected, ${values} stored values to send`,
+        away: "Broker away",
+        awayFor: (time: string) => `Broker away, store lasts ${time} more`,
+    },
     search: "Search controllers",
     searchHint: "Name, address, job or alarm (press /)",
     show: "Show",

@@ -1,7 +1,7 @@
 // A page that stays open: the gateway starts again, nobody looks, an hour goes by.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { knob, launch, openPage, startGateway, tile, until } from "./support.mjs";
+import { knob, launch, openPage, scratchFolder, startGateway, tile, until } from "./support.mjs";
 
 test("a gateway that is started again under an open page", async (t) => {
     const address = "127.77.4.1:9750";
@@ -10,9 +10,11 @@ test("a gateway that is started again under an open page", async (t) => {
     await until(async () => (await page.locator("a.tile").count()) === 3, "three tiles");
     await first.stop();
     await page.locator(".banner").waitFor();
-    const second = await startGateway(t, address, ["--simulate", "5"]);
+    const mqtt = `[mqtt]\nbroker = "127.77.4.2"\ngroup = "hall"\nnode = "one"\nstate_folder = "${await scratchFolder(t)}"\n`;
+    const second = await startGateway(t, address, ["--simulate", "5"], mqtt);
     await until(async () => (await page.locator("a.tile").count()) === 5, "five tiles");
     await page.locator(".banner").waitFor({ state: "hidden" });
+    await page.getByText("Broker away").waitFor(); // none is there
     assert.ok(!second.hasEnded());
     assert.deepEqual(page.problems.filter((problem) => !problem.includes("WebSocket")), []);
 });

@@ -85,8 +85,8 @@ TEST_F(RecordTest, RecordsAndKeepsABlackBoxBesides) {
             controller->With([](simulator::ControllerModel& model) { model.RaiseAlarm(4107, 3, "OUT OF RANGE"); });
         }
     });
-    Result const result = RunTool(
-        run + "--out x.harvlink --ring ring.harvlink --io general-output:1.0..1 --io 10020..10021 --register 3..4");
+    Result const result = RunTool(run + "--out x.harvlink --ring ring.harvlink --io general-output:1.0..1 --io "
+                                        "10020..10021 --register 3..4 --var B0 S4");
     EXPECT_EQ(result.exit, 0) << result.err;
     Json const info = Json::parse(RunTool("recording info x.harvlink --json").out);
     EXPECT_EQ(info["controllers"].size(), 2);
@@ -99,6 +99,9 @@ TEST_F(RecordTest, RecordsAndKeepsABlackBoxBesides) {
     }
     EXPECT_EQ(signals.size(), 4) << result.out;
     EXPECT_NE(info["items"].dump().find("register 4"), std::string::npos);
+    for (char const* const item : {"S4", "s004", "b0", "B000"}) {
+        EXPECT_EQ(RunTool(std::string("recording export x.harvlink --item ") + item).exit, 0) << item;
+    }
     std::size_t incidents = 0;
     for (auto const& file : std::filesystem::directory_iterator(".")) {
         incidents += file.path().string().find("-alarm-4107.harvlink") != std::string::npos ? 1 : 0;
