@@ -27,7 +27,7 @@ public:
 
 private:
     struct Peer {
-        int socket;
+        int socket = -1;
         unsigned char id = 0;
         int left = 0; ///< variables of the round
         std::int64_t begunAt = 0;
