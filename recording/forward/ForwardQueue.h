@@ -105,7 +105,8 @@ private:
     std::map<std::uint64_t, std::uint64_t> damage_; ///< not yet counted: the first number, and the one behind
     std::deque<ForwardEntry> waiting_; ///< appended, not written
     std::uint64_t waitingBytes_ = 0;
-    Microseconds last_ = 0; ///< time of the last entry. Not the newest: a clock that was ahead would make all others old
+    /// Time of the last entry. Not the newest: a clock that was ahead would make all others old.
+    Microseconds last_ = 0;
     std::string problem_;
     std::string content_; ///< of the segment of the cursor
     Cursor cursor_;
