@@ -70,7 +70,7 @@ void Gateway::Apply(Config config) {
                                               {"port", std::to_string(config_->gateway.listen.port)}});
 }
 
-/// Of a configuration that was in use until one of its parts was to be replaced.
+/// Brings back the configuration that was in use, after a part of a new one could not be started.
 void Gateway::Restore(Config const& config) {
     for (auto const& [apply, what] : {std::pair(&Gateway::ApplyRecording, "recording"),
                                       {&Gateway::ApplyListener, "listener"},

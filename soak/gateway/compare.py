@@ -4,7 +4,7 @@ import sqlite3
 
 
 def read_values(recording):
-    """Each change: (device, metric) and [(time in ms, value), ...]. A value that is there again after silence is no change."""
+    """Each change: (device, metric) and [(time in ms, value), ...]. The same value after a silence is not a change."""
     changes = {}
     with sqlite3.connect(f"file:{recording}?mode=ro", uri=True) as database:
         for device, item, value, time in database.execute(

@@ -1,4 +1,4 @@
-// Shifts the clock of a program that runs already: loaded before the C library (LD_PRELOAD), it adds the seconds that stand in the file
+// Shifts the clock of a running program: loaded before the C library (LD_PRELOAD), it adds the seconds that stand in the file
 // HARVLINK_CLOCK_SHIFT to what the system says. Time that only passes, by which time-outs count, stays as it is.
 
 #include <cstdlib>

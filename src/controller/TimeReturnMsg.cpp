@@ -35,7 +35,7 @@ bool TakeMark(std::string_view& text, char mark) {
     return isThere;
 }
 
-/// Reads "2026/11/22 09:50" in the time zone of this computer. What stands in front of the first fault counts, as designed:
+/// Reads "2026/11/22 09:50" in the time zone of this computer. What comes before the first fault counts, as designed:
 /// the rest is that of an empty calendar.
 std::int64_t EpochOf(std::string_view text) {
     constexpr int firstYear = 1900;

@@ -53,7 +53,7 @@ TEST(FleetSchedule, MakesUpForNoPause) {
     schedule.Start(1000, 100);
     schedule.Begin(1000);
     schedule.Excuse(10'000);
-    EXPECT_FALSE(schedule.Finish(11'020)) << "its own pause is no overrun";
+    EXPECT_FALSE(schedule.Finish(11'020)) << "its own pause is not an overrun";
     schedule.Begin(11'020);
     EXPECT_FALSE(schedule.Finish(11'030));
     EXPECT_EQ(schedule.Due(), 11'100);
