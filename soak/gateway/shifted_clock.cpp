@@ -1,5 +1,5 @@
-// Shifts the clock of a running program: loaded before the C library (LD_PRELOAD), it adds the seconds that stand in the file
-// HARVLINK_CLOCK_SHIFT to what the system says. Time that only passes, by which time-outs count, stays as it is.
+// Shifts the clock of a running program: loaded before the C library (LD_PRELOAD), it adds the number of seconds in the file that
+// HARVLINK_CLOCK_SHIFT names to the wall clock. The monotonic clock, by which time-outs count, stays as it is.
 
 #include <cstdlib>
 #include <ctime>
