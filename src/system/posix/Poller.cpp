@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <ctime>
 #include <limits>
-#include <vector>
 
 #include <poll.h>
 #include <unistd.h>
@@ -13,6 +12,8 @@
 #include <sys/epoll.h>
 #include <sys/syscall.h>
 #endif
+
+#include "system/PollSet.h"
 
 namespace harvlink {
 namespace {
@@ -27,42 +28,25 @@ int ToMilliseconds(std::int64_t nanoseconds) {
 
 } // namespace
 
-struct PollPoller::Watched {
-    std::vector<pollfd> descriptors;
-    std::vector<Token> tokens;
-    std::vector<Token> ready;
-};
+struct PollPoller::Watched : PollSet<pollfd> {};
 
 PollPoller::PollPoller() : watched(std::make_unique<Watched>()) {}
 
 PollPoller::~PollPoller() = default;
 
 bool PollPoller::Watch(NativeSocket descriptor, Token token) {
-    watched->descriptors.push_back({descriptor, POLLIN, 0});
-    watched->tokens.push_back(token);
+    watched->Add({descriptor, POLLIN, 0}, token);
     return true;
 }
 
 void PollPoller::Forget(NativeSocket descriptor) {
-    auto& descriptors = watched->descriptors;
-    auto const place = std::ranges::find(descriptors, descriptor, &pollfd::fd) - descriptors.begin();
-    if (place < static_cast<std::ptrdiff_t>(descriptors.size())) {
-        descriptors.erase(descriptors.begin() + place);
-        watched->tokens.erase(watched->tokens.begin() + place);
-    }
+    watched->Remove(descriptor);
 }
 
 std::span<PollPoller::Token const> PollPoller::Wait(std::int64_t nanoseconds) {
-    auto& [descriptors, tokens, ready] = *watched;
-    ready.clear();
-    ready.reserve(tokens.size()); // not in Watch, which is called while somebody goes through the last ones
+    auto& descriptors = watched->Descriptors();
     int const count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), ToMilliseconds(nanoseconds));
-    for (std::size_t i = 0; i < descriptors.size() && count > 0; ++i) { // else they are those of the wait before
-        if (descriptors[i].revents != 0) {
-            ready.push_back(tokens[i]);
-        }
-    }
-    return ready;
+    return watched->Ready(count);
 }
 
 #if defined(__linux__)
