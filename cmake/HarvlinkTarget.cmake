@@ -17,6 +17,17 @@ if(DEFINED runtime)
     cmake_path(GET HARVLINK_SANITIZER_RUNTIME PARENT_PATH HARVLINK_SANITIZER_FOLDER)
 endif()
 
+# harvlink_leave_out_other_systems(<list>): takes the sources out of the list that are not for the system of the build.
+function(harvlink_leave_out_other_systems list)
+    set(other windows)
+    if(WIN32)
+        set(other posix)
+    endif()
+    set(sources ${${list}})
+    list(FILTER sources EXCLUDE REGEX "/${other}/[^/]*$")
+    set(${list} ${sources} PARENT_SCOPE)
+endfunction()
+
 # harvlink_target(<target>): the language level, warnings and sanitizers that every target of the project has.
 function(harvlink_target target)
     target_compile_features(${target} PUBLIC cxx_std_20)

@@ -7,10 +7,9 @@
 #include <thread>
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 #include "cli/program/CommandLine.h"
+#include "cli/program/Terminal.h"
 #include "words/text/Encoding.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
@@ -21,8 +20,7 @@ namespace {
 
 /// 0 if it has no end.
 std::size_t WidthOf(Console const& console) {
-    winsize size{};
-    return console.outputIsTerminal && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+    return console.outputIsTerminal ? TerminalWidth() : 0;
 }
 
 } // namespace

@@ -22,6 +22,7 @@
 #include "cli/program/Session.h"
 #include "harvlink/Version.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli {
 
@@ -82,7 +83,7 @@ int Guarded(Output& output, Part const& part) {
         output.Problem(error.what());
         return error.ExitStatus();
     } catch (std::filesystem::filesystem_error const& error) {
-        output.Problem(fmt::format("{}: {}", error.path1().string(), error.code().message()));
+        output.Problem(fmt::format("{}: {}", TextOf(error.path1()), error.code().message()));
         return ExitStatus::Failure;
     } catch (std::exception const& error) {
         output.Problem(error.what());

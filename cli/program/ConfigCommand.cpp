@@ -10,6 +10,7 @@
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
 #include "cli/program/Session.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli {
 
@@ -36,7 +37,7 @@ int ShowSettings(Settings const& settings, std::vector<Cell> const& cells, Outpu
     }
     std::error_code error;
     output.Show(Json{{"file", settings.file},
-                     {"file_exists", std::filesystem::exists(settings.file, error)},
+                     {"file_exists", std::filesystem::exists(PathOf(settings.file), error)},
                      {"settings", rows},
                      {"cells", CellRows(cells)}});
     return ExitStatus::Success;

@@ -38,7 +38,9 @@ public:
     /// Becomes readable with the signal, so that poll can wait for it together with other descriptors.
     int Descriptor() const;
 
+#if !defined(_WIN32)
     static constexpr std::array<int, 4> Signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
+#endif
 };
 
 /// Makes the signals of Interrupt, while none lives, end the process at once with one line, with the exit status of Interrupted,
@@ -54,7 +56,9 @@ public:
     ~BrokenPipesIgnored();
 
 private:
+#if !defined(_WIN32)
     struct sigaction previous_ {};
+#endif
 };
 
 /// While it lives, the signals of Interrupt wait: what is done meanwhile on this thread is done whole or not at all. Only for what
@@ -67,7 +71,9 @@ public:
     ~SignalsHeldBack();
 
 private:
+#if !defined(_WIN32)
     sigset_t previous_{};
+#endif
 };
 
 } // namespace harvlink::cli

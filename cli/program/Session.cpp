@@ -10,15 +10,15 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include "cli/program/CommandLine.h"
 #include "cli/program/Interrupt.h"
 #include "cli/program/LibraryLog.h"
+#include "cli/program/Terminal.h"
 #include "harvlink/ControllerStateInterface.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/SafeName.h"
@@ -89,7 +89,7 @@ std::string Session::FolderFor(std::string const& folder) const {
         return folder;
     }
     std::string const cell = ownCell_.empty() ? NamedCells().front() : ownCell_;
-    return (std::filesystem::path(folder) / SafeName(cell)).string();
+    return TextOf(PathOf(folder) / PathOf(SafeName(cell)));
 }
 
 int Session::Run() {
@@ -153,7 +153,7 @@ bool Session::Confirm(std::string const& consequence) {
         return true;
     }
     // What was typed before the question is not an answer to it.
-    tcflush(STDIN_FILENO, TCIFLUSH);
+    DiscardTyped();
     console.err << fmt::format("{}. Go on? [y/N] ", consequence) << std::flush;
     std::string answer;
     std::getline(console.in, answer);
@@ -187,7 +187,7 @@ void Session::ShowLog(LibraryLog const& log) {
     std::string const added = logging_ ? log.Added() : "";
     for (std::string_view const line : Split(added, '\n')) {
         if (!line.empty()) {
-            output_.Problem(fmt::format("logged in {}: {}", log.Path().string(), Printable(line)));
+            output_.Problem(fmt::format("logged in {}: {}", TextOf(log.Path()), Printable(line)));
         }
     }
 }

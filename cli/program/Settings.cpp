@@ -10,6 +10,7 @@
 
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/text/Text.h"
 #include "words/values/Generations.h"
 
@@ -108,12 +109,16 @@ std::string SettingsOptions::File() const {
         return named;
     }
     // By the convention for this variable, a relative folder in it is invalid and ignored.
-    std::filesystem::path folder = Variable("XDG_CONFIG_HOME");
+    std::filesystem::path folder = PathOf(Variable("XDG_CONFIG_HOME"));
     if (!folder.is_absolute()) {
+#if defined(_WIN32)
+        folder = PathOf(Variable("APPDATA"));
+#else
         std::string const home = Variable("HOME");
         folder = home.empty() ? std::filesystem::path() : std::filesystem::path(home) / ".config";
+#endif
     }
-    return folder.empty() ? "" : folder / "harvlink" / "config.toml";
+    return folder.empty() ? "" : TextOf(folder / "harvlink" / "config.toml");
 }
 
 // A file that the user named must exist, the usual one need not.
@@ -124,7 +129,7 @@ SettingsContents const& SettingsOptions::FromFile() const {
     std::string const path = File();
     bool const isNamed = !namedFile_.empty() || !Variable(FileVariable).empty();
     std::error_code error;
-    bool const isRead = !path.empty() && (isNamed || std::filesystem::exists(path, error));
+    bool const isRead = !path.empty() && (isNamed || std::filesystem::exists(PathOf(path), error));
     return contents_.emplace(isRead ? ReadSettingsFile(path) : SettingsContents{});
 }
 

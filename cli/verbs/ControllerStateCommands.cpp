@@ -117,8 +117,7 @@ struct TimeArguments {
 /// Programs also get the seconds since 1970.
 Json TimeJson(TimeType type, TimeData const& data, bool forPeople) {
     std::time_t const start = data.startTimeEpoch;
-    std::tm local{};
-    localtime_r(&start, &local);
+    std::tm const local = fmt::localtime(start);
     ElapsedTime const& elapsed = data.elapsedTime;
     Json row{{"counter", NameOf(TimeNames, type)},
              {forPeople ? "start (local time)" : "start", fmt::format("{:%Y-%m-%d %H:%M}", local)}};

@@ -8,11 +8,11 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <glob.h>
 
 #include "cli/output/Progress.h"
 #include "cli/output/Rows.h"
 #include "cli/program/Help.h"
+#include "cli/program/LocalFiles.h"
 #include "cli/program/RepeatedRead.h"
 #include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
@@ -22,6 +22,7 @@
 #include "harvlink/ConnectionStatistics.h"
 #include "harvlink/FileInterface.h"
 #include "words/text/Encoding.h"
+#include "words/text/Path.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/FileNames.h"
@@ -29,17 +30,6 @@
 namespace harvlink::cli {
 
 namespace {
-
-/// The files of this computer that fit a glob, sorted. A name without wildcards is returned as it is.
-std::vector<std::string> LocalFiles(std::string const& glob) {
-    glob_t found{};
-    std::vector<std::string> files;
-    if (::glob(glob.c_str(), GLOB_NOCHECK, nullptr, &found) == 0) {
-        files.assign(found.gl_pathv, found.gl_pathv + found.gl_pathc);
-    }
-    globfree(&found);
-    return files;
-}
 
 namespace filesystem = std::filesystem;
 using TextList = std::vector<std::string>;
@@ -109,7 +99,7 @@ public:
         }
         try {
             if (!scratch_) {
-                scratch_.emplace(arguments_.folder);
+                scratch_.emplace(PathOf(arguments_.folder));
             }
             StatusInfo status = FetchInto(scratch_->File(), name);
             if (status.StatusCode == 0) {
@@ -131,7 +121,7 @@ private:
             return robot_.GetConnectionStatistics().bytesReceived - start;
         });
         return ReadRepeatedly(progress, what,
-                              [&] { return robot_.Files->SaveFromControllerToFile(name, file.string(), true); });
+                              [&] { return robot_.Files->SaveFromControllerToFile(name, TextOf(file), true); });
     }
 
     QuorvanController& robot_;
@@ -149,9 +139,9 @@ StatusInfo GetFiles(QuorvanController& robot, Output& output, GetArguments const
     TransferReport report(output, "fetched");
     Fetcher fetcher(robot, output, arguments);
     for (std::string const& name : names) {
-        filesystem::path const path = filesystem::path(arguments.folder) / LocalName(ControllerText(name));
+        filesystem::path const path = PathOf(arguments.folder) / PathOf(LocalName(ControllerText(name)));
         StatusInfo const fetched = fetcher.Fetch(name, path);
-        if (!report.Add(name, fetched, fetched.StatusCode == 0 ? SizeOf(path) : 0, path.string())) {
+        if (!report.Add(name, fetched, fetched.StatusCode == 0 ? SizeOf(path) : 0, TextOf(path))) {
             break;
         }
     }
@@ -159,12 +149,22 @@ StatusInfo GetFiles(QuorvanController& robot, Output& output, GetArguments const
     return {};
 }
 
+/// CLI11 has one that takes a path for a text of the code page.
+std::string ExistingFolder(std::string const& folder) {
+    std::error_code error;
+    auto const status = filesystem::status(PathOf(folder), error);
+    if (!filesystem::exists(status)) {
+        return "Directory does not exist: " + folder;
+    }
+    return filesystem::is_directory(status) ? "" : "Directory is actually a file: " + folder;
+}
+
 void AddGet(CLI::App& family, Session& session) {
     auto arguments = std::make_shared<GetArguments>();
     CLI::App* const verb = family.add_subcommand("get", "Fetch files from the controller");
     verb->add_option("NAME", arguments->globs, "Names and globs")->required();
     verb->add_option("--to", arguments->folder, "Folder to write to")
-        ->check(CLI::ExistingDirectory)
+        ->check(ExistingFolder)
         ->type_name("FOLDER")
         ->capture_default_str();
     verb->add_flag("--force", arguments->force, "Overwrite existing files");
@@ -172,27 +172,27 @@ void AddGet(CLI::App& family, Session& session) {
     verb->callback([arguments, &session] {
         arguments->folder = session.FolderFor(arguments->folder);
         session.OnConnection(Access::Observe, [arguments](QuorvanController& robot, Output& output) {
-            filesystem::create_directory(arguments->folder);
+            filesystem::create_directory(PathOf(arguments->folder));
             return GetFiles(robot, output, *arguments);
         });
     });
 }
 
 StatusInfo Load(QuorvanController& robot, Output& output, filesystem::path const& path) {
-    Progress progress(output, fmt::format("Storing {}", path.filename().string()));
+    Progress progress(output, fmt::format("Storing {}", TextOf(path.filename())));
     progress.Follow(
         [&, start = robot.GetConnectionStatistics().bytesSent] {
             return robot.GetConnectionStatistics().bytesSent - start;
         },
         SizeOf(path));
-    return robot.Files->LoadToControllerFromPath(path.string());
+    return robot.Files->LoadToControllerFromPath(TextOf(path));
 }
 
 // A load replaces a file of the same name, so the files of the controller are listed first. A name that the library refuses
 // needs no list.
 StatusInfo Store(QuorvanController& robot, Output& output, RemoteFiles& remote, filesystem::path const& path,
                  bool force) {
-    std::string const name = path.filename().string();
+    std::string const name = TextOf(path.filename());
     std::vector<FileType> const kinds = path.has_extension() && !IsGlob(name) ? KindsOf(name) : std::vector<FileType>{};
     if (force || kinds.size() != 1) {
         return Load(robot, output, path);
@@ -212,7 +212,7 @@ StatusInfo PutFiles(QuorvanController& robot, Output& output, TextList const& pa
     RemoteFiles remote(*robot.Files, output);
     TransferReport report(output, "stored");
     for (std::string const& path : paths) {
-        if (!report.Add(path, Store(robot, output, remote, path, force), SizeOf(path))) {
+        if (!report.Add(path, Store(robot, output, remote, PathOf(path), force), SizeOf(PathOf(path)))) {
             break;
         }
     }

@@ -7,6 +7,7 @@
 
 #include "cli/program/RepeatedRead.h"
 #include "words/text/Encoding.h"
+#include "words/text/Path.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 
@@ -16,7 +17,7 @@ bool TransferReport::Add(std::string const& name, StatusInfo const& status, std:
                          std::string const& path) {
     bool const succeeded = status.StatusCode == 0;
     std::string const text = path.empty() ? name : ControllerText(name);
-    std::string const stored = std::filesystem::path(path).filename().string();
+    std::string const stored = TextOf(PathOf(path).filename());
     if (!succeeded || (status.Message != "OK" && !output_.json)) {
         ShowStatus(text, status);
     } else if (!output_.json) {

@@ -18,6 +18,7 @@
 #include "cli/program/Writes.h"
 #include "cli/verbs/Commands.h"
 #include "cli/verbs/VariableLoad.h"
+#include "words/text/Path.h"
 #include "words/values/PositionText.h"
 #include "words/values/VariableFile.h"
 #include "words/values/VariableText.h"
@@ -126,7 +127,7 @@ void WriteDump(Output& output, std::string const& path, bool force, std::vector<
         output.ShowText(text);
         return;
     }
-    WriteWholeFile(path, text, force);
+    WriteWholeFile(PathOf(path), text, force);
     output.Show(Json{{"written", variables.size()}, {"path", path}});
 }
 
@@ -172,7 +173,8 @@ void AddDump(CLI::App& family, Session& session) {
         if (!arguments->path.empty() && session.NamesSeveralCells()) {
             throw InputError("--out names one file; give one --cell");
         }
-        if (!arguments->path.empty() && !arguments->force && std::filesystem::is_regular_file(arguments->path)) {
+        if (!arguments->path.empty() && !arguments->force &&
+            std::filesystem::is_regular_file(PathOf(arguments->path))) {
             throw InputError(fmt::format("{} exists; give --force to overwrite it", arguments->path));
         }
         session.OnConnection(Access::Observe, [kinds, path = arguments->path,

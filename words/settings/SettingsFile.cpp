@@ -3,10 +3,15 @@
 #include <algorithm>
 #include <cctype>
 
-#include <arpa/inet.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <toml++/toml.h>
+
+#if defined(_WIN32)
+#include <ws2tcpip.h>
+#else
+#include <arpa/inet.h>
+#endif
 
 #include "words/text/Csv.h"
 #include "words/text/Encoding.h"

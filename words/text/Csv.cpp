@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/text/Text.h"
 
 namespace harvlink::words {
@@ -169,11 +170,11 @@ void ForEachRow(std::string const& file, std::vector<CsvRow> const& rows,
 
 std::string ReadTextFile(std::string const& path) {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
+    if (std::filesystem::is_directory(PathOf(path), error)) {
         throw InputError(fmt::format("can't read {}: it is a folder", path));
     }
     errno = 0;
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(PathOf(path), std::ios::binary);
     std::ostringstream text;
     if (file.is_open() && file.peek() != std::ifstream::traits_type::eof()) {
         text << file.rdbuf();

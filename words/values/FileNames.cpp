@@ -1,7 +1,6 @@
 #include "words/values/FileNames.h"
 
-#include <fnmatch.h>
-
+#include "words/text/Glob.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 #include "words/values/SafeName.h"
@@ -13,7 +12,7 @@ bool IsGlob(std::string_view name) {
 }
 
 bool FitsGlob(std::string const& glob, std::string const& name) {
-    return fnmatch(LowerCase(glob).c_str(), LowerCase(name).c_str(), 0) == 0;
+    return MatchesGlob(LowerCase(glob), LowerCase(name));
 }
 
 std::vector<FileType> KindsOf(std::string_view name) {
@@ -34,8 +33,13 @@ std::string ExtensionOf(FileType type) {
 
 std::string LocalName(std::string_view name) {
     constexpr std::size_t LongestLocalName = 255;
+#if defined(_WIN32)
+    constexpr std::string_view Reserved = "/\\:*?\"<>|";
+#else
+    constexpr std::string_view Reserved = "/";
+#endif
     bool const isPlain = !name.empty() && name[0] != '.' && name.size() <= LongestLocalName &&
-                         name.find('/') == std::string_view::npos && Printable(name) == name;
+                         name.find_first_of(Reserved) == std::string_view::npos && Printable(name) == name;
     return isPlain ? std::string(name) : SafeName(name);
 }
 

@@ -1,0 +1,15 @@
+# For a build for another system: the libraries that are headers alone, from those of this one, under the names that their
+# packages have. The folder of all headers must not be searched: it has those of this system's C library too.
+set(headers "${PROJECT_BINARY_DIR}/headers")
+foreach(name IN ITEMS CLI fmt nlohmann toml++)
+    find_path(place ${name} PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE REQUIRED)
+    file(MAKE_DIRECTORY "${headers}")
+    file(CREATE_LINK "${place}/${name}" "${headers}/${name}" SYMBOLIC)
+    unset(place)
+endforeach()
+add_library(harvlink_header_only INTERFACE)
+target_include_directories(harvlink_header_only SYSTEM INTERFACE "${headers}")
+target_compile_definitions(harvlink_header_only INTERFACE FMT_HEADER_ONLY=1 TOML_HEADER_ONLY=1)
+foreach(name IN ITEMS CLI11::CLI11 fmt::fmt nlohmann_json::nlohmann_json tomlplusplus::tomlplusplus)
+    add_library(${name} ALIAS harvlink_header_only)
+endforeach()
