@@ -200,7 +200,7 @@ TextEncoding::TextEncoding(std::string_view name) : systemName_(ParseName(Encodi
 
 std::string TextEncoding::Decode(std::string_view bytes) const {
     // Most texts are plain ASCII, which all of the encodings have as it is; a backslash may begin an escape.
-    if (std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= 0 && byte != '\\'; })) {
+    if (std::all_of(bytes.begin(), bytes.end(), [](unsigned char byte) { return byte < 0x80 && byte != '\\'; })) {
         return std::string(bytes);
     }
     if (std::string_view(systemName_) == Utf8) {
