@@ -206,6 +206,14 @@ namespace Harvlink.Tests
                 Assert.Throws<ArgumentOutOfRangeException>(() => fleet.Add("never", Address, never));
                 var slow = new FleetOptions { Gap = TimeSpan.FromHours(2) };
                 Assert.Throws<ArgumentOutOfRangeException>(() => fleet.Add("slow", Address, slow));
+                var fewer = new FleetGroup(TimeSpan.FromMilliseconds(20), FleetItem.Numbered(FleetItemKind.Register, 3));
+                fleet.Change("cell", Address, new FleetOptions { Lanes = 2 }, fewer);
+                Assert.That(fleet.Samples().First(sample => sample.Item.Kind == FleetItemKind.Register).Value, Is.TypeOf<long>());
+                Assert.That(fleet.Latest().Single().Controller, Is.EqualTo("cell"));
+                var impossible = new FleetGroup(TimeSpan.FromTicks(1), FleetItem.State);
+                Assert.Throws<HarvlinkException>(() => fleet.Change("cell", Address, impossible));
+                Assert.That(fleet.Latest().Single().Item.Kind, Is.EqualTo(FleetItemKind.Register));
+                Assert.Throws<HarvlinkException>(() => fleet.Change("other", Address, fewer));
                 var refusal = Assert.Throws<HarvlinkException>(() => fleet.Remove("other"));
                 Assert.That(refusal.Code, Is.EqualTo(ErrorCode.UnknownFleetController));
             }

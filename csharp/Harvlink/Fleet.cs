@@ -51,6 +51,9 @@ namespace Harvlink
 
         private delegate T Maker<T>(byte* record);
 
+        private delegate IStatusInfo Teller(
+            IntPtr handle, byte* name, HarvlinkFleetOptions* options, HarvlinkFleetGroup* groups, uint groupCount);
+
         /// <summary>Adds a controller with what is to be read of it.</summary>
         /// <exception cref="HarvlinkException">Something can't be read, and the text names the item; nothing was added.</exception>
         public void Add(string name, string address, params FleetGroup[] groups)
@@ -59,50 +62,27 @@ namespace Harvlink
         }
 
         /// <summary>Adds a controller with what is to be read of it, and with options.</summary>
+        /// <exception cref="HarvlinkException">Something can't be read, and the text names the item; nothing was added.</exception>
         public void Add(string name, string address, FleetOptions options, params FleetGroup[] groups)
         {
-            var record = new HarvlinkFleetOptions
-            {
-                size = (uint)sizeof(HarvlinkFleetOptions),
-                timeout = Checked.Milliseconds(options.Timeout, nameof(options)),
-                retries = Checked.NotNegative(options.Retries, nameof(options)),
-                lanes = Checked.NotNegative(options.Lanes, nameof(options)),
-                gap = Checked.Microseconds(options.Gap, nameof(options)),
-                generation = -1,
-                mostRequestsPerSecond = options.MostRequestsPerSecond,
-            };
-            var records = new HarvlinkFleetGroup[groups.Length];
-            var pinned = new List<GCHandle>();
-            try
-            {
-                for (int place = 0; place < groups.Length; ++place)
-                {
-                    HarvlinkFleetItem[] items = groups[place].Records();
-                    pinned.Add(GCHandle.Alloc(items, GCHandleType.Pinned));
-                    records[place] = new HarvlinkFleetGroup
-                    {
-                        period = Checked.Nanoseconds(groups[place].Period, nameof(groups)),
-                        items = (HarvlinkFleetItem*)pinned[place].AddrOfPinnedObject(),
-                        itemCount = (uint)items.Length,
-                        onChange = groups[place].OnChange ? 1 : 0,
-                        longestSilence = groups[place].LongestSilence.Ticks / TimeSpan.TicksPerMillisecond,
-                    };
-                }
-                fixed (byte* nameText = Text.Utf8.Encode(name), addressText = Text.Utf8.Encode(address))
-                fixed (HarvlinkFleetGroup* first = records)
-                {
-                    record.address = addressText;
-                    using (var handle = fleet.Hold())
-                    {
-                        FleetHandle.Settle(
-                            Functions.harvlink_fleet_add(handle, nameText, &record, first, (uint)records.Length));
-                    }
-                }
-            }
-            finally
-            {
-                pinned.ForEach(each => each.Free());
-            }
+            Tell(Functions.harvlink_fleet_add, name, address, options, groups);
+        }
+
+        /// <summary>
+        /// Replaces all that <see cref="Add(string, string, FleetGroup[])"/> said of a controller, with the usual options, also while
+        /// the fleet runs. Its values are read again.
+        /// </summary>
+        /// <exception cref="HarvlinkException">As of Add, or there is none of this name; the controller goes on as before.</exception>
+        public void Change(string name, string address, params FleetGroup[] groups)
+        {
+            Change(name, address, new FleetOptions(), groups);
+        }
+
+        /// <summary>The same with options.</summary>
+        /// <exception cref="HarvlinkException">As of Add, or there is none of this name; the controller goes on as before.</exception>
+        public void Change(string name, string address, FleetOptions options, params FleetGroup[] groups)
+        {
+            Tell(Functions.harvlink_fleet_change, name, address, options, groups);
         }
 
         /// <summary>Ends watching a controller.</summary>
@@ -209,6 +189,60 @@ namespace Harvlink
         {
             Interlocked.Increment(ref stops);
             fleet.Dispose();
+        }
+
+        private static HarvlinkFleetOptions Record(FleetOptions options)
+        {
+            return new HarvlinkFleetOptions
+            {
+                size = (uint)sizeof(HarvlinkFleetOptions),
+                timeout = Checked.Milliseconds(options.Timeout, nameof(options)),
+                retries = Checked.NotNegative(options.Retries, nameof(options)),
+                lanes = Checked.NotNegative(options.Lanes, nameof(options)),
+                gap = Checked.Microseconds(options.Gap, nameof(options)),
+                generation = -1,
+                mostRequestsPerSecond = options.MostRequestsPerSecond,
+            };
+        }
+
+        private static HarvlinkFleetGroup Record(FleetGroup group, GCHandle items)
+        {
+            return new HarvlinkFleetGroup
+            {
+                period = Checked.Nanoseconds(group.Period, nameof(group.Period)),
+                items = (HarvlinkFleetItem*)items.AddrOfPinnedObject(),
+                itemCount = (uint)((HarvlinkFleetItem[])items.Target).Length,
+                onChange = group.OnChange ? 1 : 0,
+                longestSilence = group.LongestSilence.Ticks / TimeSpan.TicksPerMillisecond,
+            };
+        }
+
+        private void Tell(Teller function, string name, string address, FleetOptions options, FleetGroup[] groups)
+        {
+            HarvlinkFleetOptions record = Record(options);
+            var records = new HarvlinkFleetGroup[groups.Length];
+            var pinned = new List<GCHandle>();
+            try
+            {
+                for (int place = 0; place < groups.Length; ++place)
+                {
+                    pinned.Add(GCHandle.Alloc(groups[place].Records(), GCHandleType.Pinned));
+                    records[place] = Record(groups[place], pinned[place]);
+                }
+                fixed (byte* nameText = Text.Utf8.Encode(name), addressText = Text.Utf8.Encode(address))
+                fixed (HarvlinkFleetGroup* first = records)
+                {
+                    record.address = addressText;
+                    using (var handle = fleet.Hold())
+                    {
+                        FleetHandle.Settle(function(handle, nameText, &record, first, (uint)records.Length));
+                    }
+                }
+            }
+            finally
+            {
+                pinned.ForEach(each => each.Free());
+            }
         }
 
         private IReadOnlyList<FleetSample> TakeStarted(uint milliseconds)
