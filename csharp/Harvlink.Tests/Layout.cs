@@ -4,7 +4,7 @@ using System.Runtime.InteropServices;
 
 namespace Harvlink.Tests
 {
-    internal static class Layout
+    internal static partial class Layout
     {
         public static void Print(TextWriter writer)
         {
@@ -266,6 +266,114 @@ namespace Harvlink.Tests
             writer.Write("HarvlinkFleetStatistics.rounds " + Marshal.OffsetOf(typeof(Native.HarvlinkFleetStatistics), "rounds") + "\n");
             writer.Write("HarvlinkFleetStatistics.overruns " + Marshal.OffsetOf(typeof(Native.HarvlinkFleetStatistics), "overruns") + "\n");
             writer.Write("HarvlinkFleetStatistics.effectiveRates " + Marshal.OffsetOf(typeof(Native.HarvlinkFleetStatistics), "effectiveRates") + "\n");
+            PrintSizes(writer, "open_connection");
+            PrintSizes(writer, "harvlink_connect_options_init");
+            PrintSizes(writer, "harvlink_connect");
+            PrintSizes(writer, "harvlink_get_connection_statistics");
+            PrintSizes(writer, "close_connection");
+            PrintSizes(writer, "harvlink_free");
+            PrintSizes(writer, "fault_interface_get_active_alarms");
+            PrintSizes(writer, "fault_interface_get_alarm_history");
+            PrintSizes(writer, "fault_interface_clear_all_faults");
+            PrintSizes(writer, "control_group_interface_read_position_data");
+            PrintSizes(writer, "control_group_interface_read_axis_configuration");
+            PrintSizes(writer, "control_group_interface_read_position_error");
+            PrintSizes(writer, "control_group_interface_read_torque_data");
+            PrintSizes(writer, "byte_variable_interface_read");
+            PrintSizes(writer, "byte_variable_interface_write");
+            PrintSizes(writer, "integer_variable_interface_read");
+            PrintSizes(writer, "integer_variable_interface_write");
+            PrintSizes(writer, "double_int_variable_interface_read");
+            PrintSizes(writer, "double_int_variable_interface_write");
+            PrintSizes(writer, "real_variable_interface_read");
+            PrintSizes(writer, "real_variable_interface_write");
+            PrintSizes(writer, "string_variable_interface_read");
+            PrintSizes(writer, "string_variable_interface_write");
+            PrintSizes(writer, "robot_position_variable_interface_read");
+            PrintSizes(writer, "robot_position_variable_interface_write");
+            PrintSizes(writer, "base_position_variable_interface_read");
+            PrintSizes(writer, "base_position_variable_interface_write");
+            PrintSizes(writer, "station_position_variable_interface_read");
+            PrintSizes(writer, "station_position_variable_interface_write");
+            PrintSizes(writer, "controller_state_interface_read_state");
+            PrintSizes(writer, "controller_state_interface_read_system_information");
+            PrintSizes(writer, "controller_state_interface_read_operating_times");
+            PrintSizes(writer, "controller_state_read_system_param");
+            PrintSizes(writer, "controller_state_group_read_system_param");
+            PrintSizes(writer, "job_interface_set_active_job");
+            PrintSizes(writer, "job_interface_get_executing_job_information");
+            PrintSizes(writer, "job_interface_get_job_stack");
+            PrintSizes(writer, "file_interface_LoadToControllerFromString");
+            PrintSizes(writer, "file_interface_LoadToControllerFromPath");
+            PrintSizes(writer, "file_interface_SaveFromControllerToFile");
+            PrintSizes(writer, "file_interface_SaveFromControllerToString");
+            PrintSizes(writer, "file_interface_DeleteJobFile");
+            PrintSizes(writer, "file_interface_GetFileCount");
+            PrintSizes(writer, "file_interface_ListFiles");
+            PrintSizes(writer, "io_interface_type_ReadBit");
+            PrintSizes(writer, "io_interface_address_ReadBit");
+            PrintSizes(writer, "io_interface_type_ReadByte");
+            PrintSizes(writer, "io_interface_address_ReadByte");
+            PrintSizes(writer, "io_interface_uint8_type_ReadByte");
+            PrintSizes(writer, "io_interface_uint8_address_ReadByte");
+            PrintSizes(writer, "io_interface_type_ReadWord");
+            PrintSizes(writer, "io_interface_address_ReadWord");
+            PrintSizes(writer, "io_interface_uint16_type_ReadWord");
+            PrintSizes(writer, "io_interface_uint16_address_ReadWord");
+            PrintSizes(writer, "io_interface_address_WriteBit");
+            PrintSizes(writer, "io_interface_type_WriteBit");
+            PrintSizes(writer, "io_interface_type_WriteByte");
+            PrintSizes(writer, "io_interface_address_WriteByte");
+            PrintSizes(writer, "io_interface_uint8_type_WriteByte");
+            PrintSizes(writer, "io_interface_uint8_address_WriteByte");
+            PrintSizes(writer, "io_interface_type_WriteWord");
+            PrintSizes(writer, "io_interface_address_WriteWord");
+            PrintSizes(writer, "io_interface_uint16_type_WriteWord");
+            PrintSizes(writer, "io_interface_uint16_address_WriteWord");
+            PrintSizes(writer, "io_interface_ReadRegister");
+            PrintSizes(writer, "io_interface_WriteRegister");
+            PrintSizes(writer, "io_interface_uint32_ReadRegister");
+            PrintSizes(writer, "io_interface_uint32_WriteRegister");
+            PrintSizes(writer, "io_interface_ConvertIOGroupToBitAddress");
+            PrintSizes(writer, "control_commands_interface_SetServos");
+            PrintSizes(writer, "control_commands_interface_SetHold");
+            PrintSizes(writer, "control_commands_interface_SetCycleMode");
+            PrintSizes(writer, "control_commands_interface_DisplayStringToPendant");
+            PrintSizes(writer, "control_commands_interface_StartJob");
+            PrintSizes(writer, "motion_manager_AddPointToTrajectory");
+            PrintSizes(writer, "motion_manager_Add2PointsToTrajectory");
+            PrintSizes(writer, "motion_manager_Add3PointsToTrajectory");
+            PrintSizes(writer, "motion_manager_Add4PointsToTrajectory");
+            PrintSizes(writer, "motion_manager_GetMotionTargetProgress");
+            PrintSizes(writer, "motion_manager_MotionStart");
+            PrintSizes(writer, "motion_manager_MotionStop");
+            PrintSizes(writer, "motion_manager_ClearAllTrajectory");
+            PrintSizes(writer, "harvlink_motion_add");
+            PrintSizes(writer, "harvlink_motion_get_state");
+            PrintSizes(writer, "harvlink_motion_wait_for_target");
+            PrintSizes(writer, "harvlink_motion_wait_until_sent");
+            PrintSizes(writer, "kinematics_interface_ConvertPosition");
+            PrintSizes(writer, "kinematics_interface_ConvertPositionFromCartesian");
+            PrintSizes(writer, "harvlink_fleet_create");
+            PrintSizes(writer, "harvlink_fleet_add");
+            PrintSizes(writer, "harvlink_fleet_change");
+            PrintSizes(writer, "harvlink_fleet_remove");
+            PrintSizes(writer, "harvlink_fleet_plan");
+            PrintSizes(writer, "harvlink_fleet_start");
+            PrintSizes(writer, "harvlink_fleet_stop");
+            PrintSizes(writer, "harvlink_fleet_take");
+            PrintSizes(writer, "harvlink_fleet_take_events");
+            PrintSizes(writer, "harvlink_fleet_latest");
+            PrintSizes(writer, "harvlink_fleet_statistics");
+            PrintSizes(writer, "harvlink_fleet_destroy");
+            PrintSizes(writer, "vector_math_inner_product");
+            PrintSizes(writer, "vector_math_cross_product");
+            PrintSizes(writer, "frame_math_invert_frame");
+            PrintSizes(writer, "frame_math_rotate_frame");
+            PrintSizes(writer, "frame_math_frame_to_zyx_euler");
+            PrintSizes(writer, "frame_math_multiply_frames");
+            PrintSizes(writer, "frame_math_zyx_euler_to_frame");
+            PrintSizes(writer, "frame_math_set_identity_matrix_in_frame");
         }
     }
 }

@@ -15,6 +15,7 @@ namespace Harvlink.Tests
         public void NothingStaysAllocated()
         {
             using (var robot = Controller.Connect(ControllerTest.Address, Access.Full))
+            using (var fleet = new Fleet())
             {
                 var position = robot.ControlGroups.ReadPosition();
                 var refused = new Motion(ControlGroupId.R1, position, 101);
@@ -38,6 +39,9 @@ namespace Harvlink.Tests
                     () => robot.Motion.GetState(),
                     () => Controller.Connect("127.0.0.256"),
                     () => robot.Motion.Add(refused),
+                    () => fleet.Add("", ControllerTest.Address, new FleetGroup(TimeSpan.FromSeconds(1), FleetItem.State)),
+                    () => fleet.Change("other", ControllerTest.Address),
+                    () => fleet.Latest(),
                 })
                 {
                     // The runtime allocates for itself now and then: what leaks does so each time.

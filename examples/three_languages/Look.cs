@@ -1,11 +1,14 @@
 // Reads model, state, position and a variable, and writes a register. look.c and look.py do the same and print the same.
 using System;
+using System.IO;
 using Harvlink;
 
 internal static class Look
 {
     private static void Main(string[] args)
     {
+        // UTF-8 as in C, on Windows too.
+        Console.SetOut(new StreamWriter(Console.OpenStandardOutput()) { AutoFlush = true });
         using (var robot = Controller.Connect(args[0], Access.Operate))
         {
             Console.WriteLine(robot.ControllerState.ReadSystemInformation().ModelName);

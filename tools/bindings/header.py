@@ -127,6 +127,11 @@ def read_generations() -> List[str]:
     return re.findall(r'\{ControllerVersion::\w+, "(\w+)"\}', source)
 
 
+def read_version() -> str:
+    source = (INCLUDE / "Version.h").read_text(encoding="utf-8")
+    return re.findall(r'HeaderVersion = "(.*?)"', source)[0]
+
+
 def _members(body: str) -> Iterator[Member]:
     """A comment stands above its member, or behind it and then after the comma."""
     above = ""

@@ -63,7 +63,7 @@ def enumerations(found: List[Enumeration]) -> str:
 def layout(header: Header) -> str:
     """A program's part that prints what `to_layout` prints in C."""
     lines = [_FIRST_LINES, "using System.IO;\nusing System.Runtime.InteropServices;\n\n"]
-    lines += ["namespace Harvlink.Tests\n{\n    internal static class Layout\n    {\n"]
+    lines += ["namespace Harvlink.Tests\n{\n    internal static partial class Layout\n    {\n"]
     lines += ["        public static void Print(TextWriter writer)\n        {\n"]
     for record in header.records:
         lines += [f'            writer.Write("{record.name} " + Marshal.SizeOf(typeof(Native.{record.name})) + "\\n");\n']
@@ -71,7 +71,13 @@ def layout(header: Header) -> str:
             name = f"{field.name}0" if _is_expanded(header, field.type) else field.name
             offset = f'Marshal.OffsetOf(typeof(Native.{record.name}), "{name}")'
             lines += [f'            writer.Write("{record.name}.{field.name} " + {offset} + "\\n");\n']
+    lines += [f'            PrintSizes(writer, "{function.name}");\n' for function in header.functions]
     return "".join([*lines, "        }\n    }\n}\n"])
+
+
+def version(number: str) -> str:
+    lines = [_FIRST_LINES, "using System.Reflection;\n\n"]
+    return "".join([*lines, f'[assembly: AssemblyVersion("{number}.0")]\n', f'[assembly: AssemblyFileVersion("{number}.0")]\n'])
 
 
 def _record(header: Header, record: Record) -> Iterator[str]:
