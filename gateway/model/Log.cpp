@@ -2,11 +2,15 @@
 
 #include <array>
 #include <atomic>
+#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
 
 #include <fmt/format.h>
+#include <poll.h>
+#include <unistd.h>
 
 namespace harvlink::gateway {
 
@@ -43,13 +47,43 @@ void AppendValue(std::string& line, std::string_view value) {
     line += '"';
 }
 
-void WriteToErrorStream(LogLevel level, std::string const& line) {
-    static bool const isJournal =
-        std::getenv("JOURNAL_STREAM") != nullptr; // NOLINT(concurrency-mt-unsafe): never set here
-    std::string const text =
-        isJournal ? fmt::format("<{}>{}\n", SystemLevels.at(static_cast<std::size_t>(level)), line) : line + "\n";
-    [[maybe_unused]] auto const written = std::fwrite(text.data(), 1, text.size(), stderr);
-}
+/// Whoever reads the error stream may have stopped: that must not stop whoever has something to say.
+class ErrorStream {
+public:
+    void operator()(LogLevel level, std::string const& line) {
+        if (!CanWrite()) {
+            ++lost_;
+            return;
+        }
+        std::string text;
+        if (lost_ > 0) {
+            Append(text, LogLevel::Warning,
+                   fmt::format("level=warning text=\"the log could not be written\" lines={}", lost_));
+            lost_ = 0;
+        }
+        Append(text, level, line);
+        [[maybe_unused]] auto const written = std::fwrite(text.data(), 1, text.size(), stderr);
+    }
+
+private:
+    /// Waits a moment for a reader that is only slow, but not for each line.
+    bool CanWrite() const {
+        constexpr int Patience = 100; // milliseconds
+        pollfd stream{STDERR_FILENO, POLLOUT, 0};
+        return poll(&stream, 1, lost_ > 0 ? 0 : Patience) != 0; // a closed stream does not wait either
+    }
+
+    void Append(std::string& text, LogLevel level, std::string_view line) const {
+        constexpr std::size_t Longest = PIPE_BUF - 200; // so much can be written at once, if anything can
+        if (isJournal_) {
+            text += fmt::format("<{}>", SystemLevels.at(static_cast<std::size_t>(level)));
+        }
+        text.append(line.substr(0, Longest)).append("\n");
+    }
+
+    bool isJournal_ = std::getenv("JOURNAL_STREAM") != nullptr; // NOLINT(concurrency-mt-unsafe): never set here
+    std::uint64_t lost_ = 0; ///< lines
+};
 
 } // namespace
 
@@ -59,7 +93,7 @@ struct Log::State {
     std::atomic<LogLevel> least{LogLevel::Info};
 };
 
-Log::Log() : Log(WriteToErrorStream) {}
+Log::Log() : Log(ErrorStream()) {}
 
 Log::Log(Write write) : state_(std::make_unique<State>()) {
     state_->write = std::move(write);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <csignal>
 #include <thread>
 
 #include "gateway/model/Log.h"
@@ -10,23 +10,27 @@
 namespace harvlink::gateway {
 
 /// The time after which the program ends, whatever still waits: a name server that does not answer holds a thread for ten seconds
-/// and more, and nobody can call it back.
+/// and more, a large recording takes its time to open, and nobody can call them back.
 class Deadline {
 public:
-    explicit Deadline(Log& log) : log_(log) {}
+    /// Watches from now on. The time begins when one of `signals`, which all threads block, is sent to the process: also while the
+    /// thread that takes them is busy.
+    Deadline(Log& log, sigset_t const& signals, std::chrono::milliseconds time);
     Deadline(Deadline const&) = delete;
     Deadline& operator=(Deadline const&) = delete;
     /// In time: the program ends by itself.
     ~Deadline();
 
-    /// From now on, that much time is left.
-    void Start(std::chrono::milliseconds time);
+    /// The time begins now: a signal was taken, and maybe before it was seen here.
+    void Begin();
 
 private:
+    void Run(std::chrono::milliseconds time);
+
     Log& log_;
-    std::mutex mutex_;
-    std::condition_variable wake_;
-    bool isOver_ = false;
+    int sent_; ///< can be read while a signal is pending
+    int wake_;
+    std::atomic<bool> isOver_{false};
     std::thread thread_;
 };
 

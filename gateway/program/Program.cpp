@@ -47,14 +47,21 @@ void KeepMemoryFlat() {
 #endif
 }
 
+struct Signals {
+    sigset_t ends; ///< what ends the program
+    sigset_t all; ///< these, and what reads the configuration again
+};
+
 /// Blocked before any thread starts, which inherits the mask, so that the main thread takes them.
-sigset_t BlockSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (int const signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
-        sigaddset(&signals, signal);
+Signals BlockSignals() {
+    Signals signals{};
+    sigemptyset(&signals.ends);
+    for (int const signal : {SIGINT, SIGTERM, SIGQUIT}) {
+        sigaddset(&signals.ends, signal);
     }
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    signals.all = signals.ends;
+    sigaddset(&signals.all, SIGHUP);
+    pthread_sigmask(SIG_BLOCK, &signals.all, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
     return signals;
 }
@@ -110,12 +117,12 @@ void Serve(Gateway& gateway, Arguments const& arguments, sigset_t const& signals
 
 int Run(Arguments const& arguments) {
     KeepMemoryFlat();
-    sigset_t const signals = BlockSignals();
-    Config config = ConfigFor(arguments);
+    Signals const signals = BlockSignals();
     Log log;
+    Deadline deadline(log, signals.ends, TimeToEnd);
+    Config config = ConfigFor(arguments);
     log.SetLevel(config.gateway.logLevel);
     log.Info("the gateway starts", {{"version", std::string(HeaderVersion)}});
-    Deadline deadline(log);
     Gateway gateway(log);
     if (arguments.simulate > 0) {
         gateway.Simulate(arguments.simulate);
@@ -126,8 +133,8 @@ int Run(Arguments const& arguments) {
                listen.address.find(':') == std::string::npos ? listen.address : "[" + listen.address + "]",
                listen.port);
     std::fflush(stdout);
-    Serve(gateway, arguments, signals, log);
-    deadline.Start(TimeToEnd);
+    Serve(gateway, arguments, signals.all, log);
+    deadline.Begin();
     return 0;
 }
 

@@ -1,5 +1,6 @@
 """A gateway that runs, for the tests of the program."""
 
+import contextlib
 import os
 import pathlib
 import shutil
@@ -46,17 +47,17 @@ def get(port, path, expected=200, body=None, **headers):
 
 
 class Gateway:
-    """One that runs, with what it prints."""
+    """One that runs, with what it prints. `world` are words before its command line."""
 
-    def __init__(self, test, text, *options, environment=None, listen="127.0.0.1"):
+    def __init__(self, test, text, *options, environment=None, listen="127.0.0.1", errors=None, world=()):
         folder = test.folder
         self.port = free_port()
         self.listen = listen
         self.file = folder / "plant.toml"
         self.write(text)
         self.errors = open(folder / "errors", "a+", encoding="utf-8")
-        self.process = subprocess.Popen([PROGRAM, "--config", self.file, *options], stdout=subprocess.PIPE, text=True,
-                                        stderr=self.errors, env={**os.environ, **(environment or {})})
+        self.process = subprocess.Popen([*world, PROGRAM, "--config", self.file, *options], stdout=subprocess.PIPE, text=True,
+                                        stderr=errors or self.errors, env={**os.environ, **(environment or {})})
         test.addCleanup(self.end)
         line = self.process.stdout.readline()
         assert "ready" in line, (folder / "errors").read_text()
@@ -67,6 +68,13 @@ class Gateway:
 
     def log(self):
         return pathlib.Path(self.errors.name).read_text(encoding="utf-8")
+
+    def open_files(self):
+        files = []
+        for link in pathlib.Path(f"/proc/{self.process.pid}/fd").iterdir():
+            with contextlib.suppress(OSError):
+                files.append(os.readlink(link))
+        return files
 
     def reload(self):
         self.process.send_signal(signal.SIGHUP)

@@ -4,10 +4,15 @@
 import contextlib
 import json
 import os
+import shutil
 import socket
+import sqlite3
+import subprocess
 import sys
+import threading
 import time
 import unittest
+import urllib.request
 
 from gateway_program import Gateway, GatewayTest, free_port, get, wait_for
 
@@ -60,6 +65,13 @@ class LifeTest(GatewayTest):
             wait_for(lambda now=gateway, known=expected: values(now) == known, f"the history {expected}")
             self.assertEqual(gateway.stop(), 0)
 
+    def stop_in_time(self, gateway, is_orderly):
+        """A second, and a busy machine. `is_orderly`: without what ends a program whose threads do not."""
+        start = time.monotonic()
+        self.assertEqual(gateway.stop(), 0)
+        self.assertLess(time.monotonic() - start, 10.0)
+        self.assertEqual("the program ends without it" in gateway.log(), not is_orderly, gateway.log())
+
     def test_what_waits_for_the_network_does_not_hold_up_the_end(self):
         # The MQTT client waits without end for its password, as it may for a name server that does not answer.
         password = self.folder / "password"
@@ -75,10 +87,82 @@ class LifeTest(GatewayTest):
             return None
 
         self.addCleanup(os.close, wait_for(open_other_end, "the client at its password"))
-        start = time.monotonic()
+        self.stop_in_time(gateway, is_orderly=False)
+
+    def test_an_end_in_the_middle_of_an_export(self):
+        gateway = Gateway(self, f'[recording.incidents]\nfolder = "{self.folder}"\nafter = "1s"\n', "--simulate", "2")
+        wait_for(lambda: json.loads(get(gateway.port, "/health/live"))["online"] == 2, "both controllers")
+        get(gateway.port, "/api/virtual/robot1", body=b'{"alarm":4107}')
+        incident = wait_for(lambda: next((each["file"] for each in json.loads(get(gateway.port, "/api/incidents"))
+                                          if each["complete"]), None), "the incident")
+        enlarge(self.folder / incident, 60_000)
+        url = f"http://127.0.0.1:{gateway.port}/api/incidents/{incident}?format=csv"
+
+        def ask():
+            with contextlib.suppress(OSError), urllib.request.urlopen(url, timeout=60) as answer:
+                answer.read()
+
+        client = threading.Thread(target=ask)
+        client.start()
+        self.addCleanup(client.join)
+        wait_for(lambda: any(".csv.part" in name for name in gateway.open_files()), "the export")
+        self.stop_in_time(gateway, is_orderly=True)
+        self.assertEqual(list(self.folder.glob("*.part")), [])
+
+    def test_an_error_stream_that_nobody_reads_holds_up_nothing(self):
+        reader, writer = os.pipe()
+        self.addCleanup(os.close, reader)
+        os.set_blocking(writer, False)
+        with contextlib.suppress(BlockingIOError):
+            while os.write(writer, b"x" * 4096):
+                pass
+        os.set_blocking(writer, True)
+        gateway = Gateway(self, "", "--simulate", "1", errors=writer)
+        os.close(writer)
+        self.assertIn("harvlink_up", get(gateway.port, "/metrics"))
+        os.set_blocking(reader, False)
+        with contextlib.suppress(BlockingIOError):
+            while os.read(reader, 65536):
+                pass
         self.assertEqual(gateway.stop(), 0)
-        self.assertLess(time.monotonic() - start, 10.0)
-        self.assertIn("the program ends without it", gateway.log())
+        said = os.read(reader, 65536).decode()
+        self.assertIn('text="the log could not be written" lines=', said)
+        self.assertIn('text="the gateway ends"', said)
+
+    @unittest.skipUnless(os.geteuid() == 0 and shutil.which("unshare"), "needs root to put a name server in the way")
+    def test_a_name_server_that_does_not_answer(self):
+        silent = self.enterContext(contextlib.closing(socket.socket(socket.AF_INET, socket.SOCK_DGRAM)))
+        silent.bind(("127.77.53.1", 53))
+        silent.settimeout(30)
+        servers = self.folder / "resolv.conf"
+        servers.write_text("nameserver 127.77.53.1\noptions timeout:30 attempts:5\n", encoding="ascii")
+        world = ("unshare", "--mount", "sh", "-c", f'mount --bind {servers} /etc/resolv.conf && exec "$0" "$@"')
+        if subprocess.run([*world, "true"], capture_output=True, check=False).returncode != 0:
+            self.skipTest("no mount namespaces here")
+        mqtt = '[mqtt]\nbroker = "broker.plant.test"\ngroup = "plant"\nkeep_alive = "{}s"\n'
+        gateway = Gateway(self, mqtt.format(5), "--simulate", "1", world=world)
+        for keep_alive in (6, 7):
+            self.assertIn(b"broker", silent.recv(512))
+            gateway.write(mqtt.format(keep_alive))
+            gateway.reload()
+            wait_for(lambda: gateway.log().count("the configuration is in use") == keep_alive - 4, "the reload")
+            self.assertIn("harvlink_mqtt_born 0", get(gateway.port, "/metrics"))
+        self.assertIn(b"broker", silent.recv(512))
+        self.stop_in_time(gateway, is_orderly=True)
+
+
+def enlarge(recording, frames):
+    """Repeats what it has until it has so many frames."""
+    with contextlib.closing(sqlite3.connect(recording)) as database, database:
+        table, count = max(((name, database.execute(f"SELECT count(*) FROM {name}").fetchone()[0])
+                            for name in ("frames_8", "frames_32", "frames_128")), key=lambda each: each[1])
+        while count < frames:
+            database.execute(f"CREATE TEMP TABLE more AS SELECT * FROM {table}")
+            database.execute(f"UPDATE more SET sequence = sequence + (SELECT max(sequence) FROM {table})")
+            database.execute(f"INSERT INTO {table} SELECT * FROM more")
+            database.execute("DROP TABLE more")
+            count *= 2
+        database.execute(f"UPDATE segments SET last_sequence = (SELECT max(sequence) FROM {table}), samples = {count}")
 
 
 if __name__ == "__main__":
