@@ -41,6 +41,7 @@ class Node {
         this.name = name;
         this.file = fs.createWriteStream(path.join(folder, `${name}.values`));
         this.isBorn = false;
+        this.isUnseen = false; // by this connection, until its next birth
         this.session = -1;
         this.number = -1;
         this.births = 0;
@@ -66,6 +67,10 @@ class Node {
             return;
         }
         const number = Number(payload.seq);
+        this.isUnseen = this.isUnseen && type !== 'NBIRTH';
+        if (this.isUnseen) {
+            return;
+        }
         expect(number === (type === 'NBIRTH' ? 0 : this.number), `${at}: number ${number}, not ${this.number}`);
         this.number = (number + 1) % 256;
         expect(Math.abs(Number(payload.timestamp)) > 0, `${at}: no time`);
@@ -186,17 +191,33 @@ function receive(topic, bytes, packet) {
     }
 }
 
-const state = `spBv1.0/STATE/scada`;
+const topicOfState = `spBv1.0/STATE/scada`;
+let connections = 0;
+let began = Date.now(); // what was online since then is offline when the connection is lost: without that the nodes would go on
+
+function state(online) {
+    return { topic: topicOfState, payload: JSON.stringify({ online, timestamp: began }), qos: 1, retain: true };
+}
+
 const client = mqtt.connect(`mqtt://${broker}:1883`, {
-    clientId: 'scada', clean: true, keepalive: 60, reconnectPeriod: 200, connectTimeout: 5000,
-    will: { topic: state, payload: JSON.stringify({ online: false, timestamp: Date.now() }), qos: 1, retain: true },
+    clientId: 'scada', clean: true, keepalive: 60, reconnectPeriod: 200, connectTimeout: 5000, will: state(false),
 });
 client.on('error', () => {}); // it connects again
 client.on('message', (topic, bytes, packet) => receive(topic, bytes, packet));
+client.on('close', () => {
+    began = Date.now();
+    client.options.will = state(false);
+    for (const node of nodes.values()) {
+        node.isUnseen = true;
+    }
+});
 // The state goes out when the births can be received.
-client.on('connect', () => client.subscribe(
-    ['NBIRTH', 'NDATA', 'NDEATH', 'DBIRTH', 'DDATA', 'DDEATH'].map((type) => `spBv1.0/${group}/${type}/#`), { qos: 1 },
-    () => client.publish(state, JSON.stringify({ online: true, timestamp: Date.now() }), { qos: 1, retain: true })));
+client.on('connect', () => {
+    connections += 1;
+    client.subscribe(
+        ['NBIRTH', 'NDATA', 'NDEATH', 'DBIRTH', 'DDATA', 'DDEATH'].map((type) => `spBv1.0/${group}/${type}/#`), { qos: 1 },
+        () => client.publish(topicOfState, state(true).payload, { qos: 1, retain: true }));
+});
 
 const lines = readline.createInterface({ input: process.stdin });
 lines.on('line', (line) => { mark = line.replace('mark ', ''); });
@@ -212,7 +233,7 @@ lines.on('close', () => client.end(true, {}, async () => {
     }
     const counts = [...nodes.values()].map((node) => [node.name, {
         births: node.births, live: node.live, historical: node.historical, isBorn: node.isBorn }]);
-    say({ faults, faultCount, types, nodes: Object.fromEntries(counts) });
+    say({ faults, faultCount, connections, types, nodes: Object.fromEntries(counts) });
     process.exit(0);
 }));
 setInterval(() => {

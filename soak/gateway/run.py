@@ -32,19 +32,25 @@ TYPES = {"D000": "Int64", "S000": "String", "P001/axis1": "Double", "state/servo
 
 class Broker:
     def __init__(self, folder, addresses):
-        self.file = folder / "mosquitto.conf"
+        self.file, self.log = folder / "mosquitto.conf", folder / "mosquitto.log"
         listeners = "".join(f"listener 1883 {address}\n" for address in addresses)
         self.file.write_text(f"{listeners}allow_anonymous true\nuser root\npersistence false\nlog_type warning\nlog_type notice\n"
-                             f"log_dest file {folder}/mosquitto.log\nmax_queued_messages 0\nmax_inflight_messages 0\n", encoding="utf-8")
+                             f"log_dest file {self.log}\nmax_queued_messages 0\nmax_inflight_messages 0\n", encoding="utf-8")
         self.process = None
+        self.starts = 0
 
     def start(self):
+        self.starts += 1
         self.process = subprocess.Popen(["/usr/sbin/mosquitto", "-c", self.file])
 
     def kill(self):
         if self.process is not None:
             self.process.kill()
             self.process.wait()
+
+    def drops(self):
+        """What it says of messages of QoS 0 that it did not pass on: a gap that no gateway has made."""
+        return [line for line in self.log.read_text(encoding="utf-8").splitlines() if "being dropped" in line]
 
 
 class Consumer:
@@ -239,10 +245,13 @@ class Soak:
 
     def judge(self, seen):
         self.faults += [f"consumer: {fault}" for fault in seen["faults"]]
+        self.faults += [f"broker: {line}" for line in self.broker.drops()]
+        self.say(f"the consumer was connected {seen['connections']} times, the broker started {self.broker.starts} times")
         self.faults += [f"{name} takes {took} s to stop" for name, took in self.stops.items() if took > self.options.patience]
         self.faults += [f"{metric} has the type {seen['types'].get(metric)}" for metric, kind in TYPES.items()
                         if seen["types"].get(metric) != kind]
         report = {"minutes": round((time.monotonic() - self.begin) / 60, 1), "controllers": 3 * self.options.size,
+                  "consumerConnections": seen["connections"], "brokerStarts": self.broker.starts,
                   "events": self.events, "secondsToStop": self.stops, "halls": {}}
         for hall, (_, before, after) in zip(self.halls, self.memory):
             compared = Comparison(hall.recording, self.folder / f"{hall.name}.values", hall.excused)

@@ -1,6 +1,7 @@
 #include <array>
 #include <cstring>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -60,6 +61,52 @@ TEST_F(SparkplugFailure, NetworkDropsEverything) {
     tap.Thaw();
     EXPECT_TRUE(GoesOn(counter.Last()));
     ExpectAll(counter.Stop());
+}
+
+/// Feeds a new controller with so many changes of a text.
+void FeedTexts(gateway::Observer& node, std::uint32_t id, std::int64_t count, std::string const& end) {
+    auto const controller = MakeController(id, fmt::format("press{}", id), {{recording::kind::StringVariable, "S000"}});
+    std::vector<gateway::SamplePtr> samples;
+    for (std::int64_t i = 0; i < count; ++i) {
+        samples.push_back(MakeSample(controller, 0, {std::to_string(i) + end}, (i - count) * 1000));
+    }
+    node.Added(controller);
+    Feed(node, samples, {MakeStateEvent(controller, FleetState::Online)});
+}
+
+/// More bytes than a connection takes at once: one message is then cut in two, others wait whole. False if the node goes on sending.
+bool IsHeldUp(gateway::sparkplug::EdgeNode& node, Counter const& counter) {
+    static std::uint32_t id = 100;
+    for (int device = 0; device < 5; ++device, ++id) {
+        FeedTexts(node, id, 100, std::string(20'000, 'x'));
+    }
+    return Eventually([&] {
+        auto const sent = node.Statistics().data.liveValues;
+        return Eventually([&, from = counter.Last()] { return counter.Last() > from + 25; }) &&
+               node.Statistics().data.liveValues == sent;
+    });
+}
+
+TEST_F(SparkplugFailure, BrokerTakesNothingForAWhileAndThenForLong) {
+    Tap tap(plant.broker.Address());
+    plant.config.brokers = {{plant.broker.Address(), Tap::Port}};
+    plant.config.keepAlive = 600s; // so the while is no reason to give up
+    auto node = plant.StartNode();
+    Counter counter(*node);
+    ASSERT_TRUE(GoesOn(20, 10s));
+    tap.Freeze();
+    EXPECT_TRUE(IsHeldUp(*node, counter));
+    tap.Resume();
+    ExpectAll(counter.Last());
+    EXPECT_EQ(node->Statistics().session.losses, 0U);
+
+    tap.Freeze();
+    EXPECT_TRUE(IsHeldUp(*node, counter));
+    FeedTexts(*node, 16, 100'001, "");
+    EXPECT_TRUE(Eventually([&] { return node->Statistics().session.losses == 1; })) << "it waits without end";
+    tap.Thaw();
+    EXPECT_TRUE(GoesOn(counter.Last(), 15s));
+    EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
 }
 
 TEST_F(SparkplugFailure, ClockIsSetBack) {

@@ -27,6 +27,8 @@ public:
     void Freeze() { isFrozen_ = true; }
     /// New connections pass again. What was under way in the old ones is lost.
     void Thaw();
+    /// All passes again, late and in order.
+    void Resume() { isFrozen_ = false; }
     /// Closes all connections.
     void Cut() { mustCut_ = true; }
 
