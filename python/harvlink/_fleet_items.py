@@ -4,7 +4,7 @@ import datetime
 from typing import Any, Dict, Iterator, List, Tuple
 
 from ._records import HarvlinkFleetItem, HarvlinkFleetSample
-from .controller_state import OperatingTime, State, SystemInformation
+from .controller_state import OperatingTime, State, SystemInformation, local_time
 from .enums import ControlMode, CoordinateType, CycleMode, FleetItemKind, TimeType, group_number
 from .fault import Alarm
 from .job import Job
@@ -147,7 +147,7 @@ def _alarms(sample: HarvlinkFleetSample) -> List[Alarm]:
 def _operating_time(sample: HarvlinkFleetSample) -> OperatingTime:
     elapsed = sample.elapsedTime
     return OperatingTime(
-        datetime.datetime.fromtimestamp(sample.integer),
+        local_time(sample.integer),
         datetime.timedelta(hours=elapsed.hours, minutes=elapsed.minutes, seconds=elapsed.seconds),
     )
 

@@ -56,10 +56,10 @@ def _path() -> Optional[pathlib.Path]:
         return pathlib.Path(named)
     folder = os.environ.get("XDG_CONFIG_HOME", "")
     if not os.path.isabs(folder):
-        home = os.environ.get("HOME")
-        if not home:
+        folder = os.environ.get("APPDATA" if os.name == "nt" else "HOME", "")
+        if not folder:
             return None
-        folder = os.path.join(home, ".config")
+        folder = folder if os.name == "nt" else os.path.join(folder, ".config")
     return pathlib.Path(folder, "harvlink", "config.toml")
 
 

@@ -37,6 +37,14 @@ class OperatingTime:
     elapsed: datetime.timedelta
 
 
+def local_time(seconds: int) -> datetime.datetime:
+    """The time by the clock of this computer; in UTC where the system knows no local time, as Windows before 1970."""
+    try:
+        return datetime.datetime.fromtimestamp(seconds)
+    except OSError:
+        return datetime.datetime(1970, 1, 1) + datetime.timedelta(seconds=seconds)
+
+
 class ControllerState:
     def __init__(self, link: Link) -> None:
         self._link = link
@@ -74,7 +82,7 @@ class ControllerState:
         )
         elapsed = record.elapsedTime
         return OperatingTime(
-            datetime.datetime.fromtimestamp(record.startTimeEpoch),
+            local_time(record.startTimeEpoch),
             datetime.timedelta(hours=elapsed.hours, minutes=elapsed.minutes, seconds=elapsed.seconds),
         )
 
