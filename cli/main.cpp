@@ -22,5 +22,7 @@ int main(int argc, char** argv) {
     for (std::string const& argument : arguments) {
         texts.push_back(argument.c_str());
     }
-    return RunCommandLine(static_cast<int>(texts.size()), texts.data(), console, AllCommands());
+    int const exit = RunCommandLine(static_cast<int>(texts.size()), texts.data(), console, AllCommands());
+    RestoreStreams();
+    return exit;
 }

@@ -1,4 +1,8 @@
-# Installs the programs with their pages and completions.
+# Installs the programs with their pages and completions. Windows has no place for these.
+if(WIN32)
+    install(TARGETS harvlink_cli RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+    return()
+endif()
 find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 set(generated_folder "${PROJECT_BINARY_DIR}/packaging")
 file(MAKE_DIRECTORY "${generated_folder}")

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
+#include "cli/program/HostAddress.h"
 #include "words/cards/Explain.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
@@ -40,9 +41,9 @@ Finding Unreachable(PortReport const& port, Expectation const& expected) {
                             host)};
     case ENETUNREACH:
         return {"no-route", fmt::format("This computer has no route to {}", host),
-                fmt::format("Give this computer an address in the controller's network, or a route to it, until ip "
-                            "route get {} shows one",
-                            host)};
+                fmt::format("Give this computer an address in the controller's network, or a route to it, until {} "
+                            "shows one",
+                            RouteCommand(host))};
     case EACCES:
     case EPERM:
         return {
@@ -52,7 +53,7 @@ Finding Unreachable(PortReport const& port, Expectation const& expected) {
                         host)};
     default:
         return {"no-route", fmt::format("This computer can't send to {}: {}", host, std::strerror(port.error)),
-                fmt::format("Check this computer's network settings: ip route get {}", host)};
+                fmt::format("Check this computer's network settings: {}", RouteCommand(host))};
     }
 }
 
@@ -63,11 +64,10 @@ Finding Closed(Expectation const& expected) {
 }
 
 Finding Silent(Expectation const& expected) {
-    return {
-        "no-answer", fmt::format("Nothing comes back from {}, neither an answer nor an error", expected.host),
-        fmt::format("Try ping -c 3 {}. If that is answered, the controller's Ethernet function is off or a firewall "
-                    "drops UDP 10040; if not, look at power, cable, address and net mask on both sides",
-                    expected.host)};
+    return {"no-answer", fmt::format("Nothing comes back from {}, neither an answer nor an error", expected.host),
+            fmt::format("Try {}. If that is answered, the controller's Ethernet function is off or a firewall "
+                        "drops UDP 10040; if not, look at power, cable, address and net mask on both sides",
+                        PingCommand(expected.host))};
 }
 
 Finding BadAnswers(PortReport const& port, Expectation const& expected) {

@@ -7,9 +7,7 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <arpa/inet.h>
 #include <fmt/format.h>
-#include <netinet/in.h>
 
 #include "cli/doctor/Diagnosis.h"
 #include "cli/doctor/ReportText.h"
@@ -141,10 +139,12 @@ int Show(Output& output, ControllerReport const& report, Expectation const& expe
 
 /// Throws InputError for addresses that do not belong to one device: this network, multicast and broadcast.
 void CheckAddress(std::string const& host) {
-    in_addr address{};
-    bool const isAddress = ::inet_pton(AF_INET, host.c_str(), &address) == 1;
-    std::uint32_t const value = ntohl(address.s_addr);
-    if (isAddress && (value >> 24 == 0 || IN_MULTICAST(value) || value == INADDR_BROADCAST)) {
+    constexpr std::uint32_t FirstMulticast = 0xE0000000;
+    constexpr std::uint32_t FirstReserved = 0xF0000000;
+    constexpr std::uint32_t Broadcast = 0xFFFFFFFF;
+    std::uint32_t const value = AddressNumber(host);
+    bool const isMulticast = value >= FirstMulticast && value < FirstReserved;
+    if (value >> 24U == 0 || isMulticast || value == Broadcast) {
         throw InputError(fmt::format("{} is not the address of one device", host));
     }
 }

@@ -6,6 +6,7 @@
 
 #include "cli/doctor/ProbeDatagrams.h"
 #include "cli/doctor/ProbeSocket.h"
+#include "cli/program/HostAddress.h"
 
 namespace harvlink::cli {
 
@@ -140,7 +141,7 @@ private:
     }
 
     static void NoteError(PortReport& port, ProbeSocket::Received const& received) {
-        bool const isKnown = received.isFromHost || received.sender.s_addr == 0 || ProbeSocket::IsOwn(received.sender);
+        bool const isKnown = received.isFromHost || received.sender == 0 || ProbeSocket::IsOwn(received.sender);
         port.state = received.event == Event::PortClosed ? State::Closed : State::Unreachable;
         port.error = received.error;
         port.reporter = isKnown ? "" : AddressText(received.sender);

@@ -6,12 +6,7 @@
 #include <span>
 #include <string>
 
-#include <netinet/in.h>
-
 namespace harvlink::cli {
-
-/// "192.168.255.1"
-std::string AddressText(in_addr address);
 
 /// A socket for what the library does not report: who sent a datagram, and what came back by ICMP.
 class ProbeSocket {
@@ -26,10 +21,10 @@ public:
     struct Received {
         Event event = Event::Nothing;
         std::size_t length = 0;
-        in_addr sender{}; ///< of the datagram, or of the ICMP message
+        std::uint32_t sender = 0; ///< of the datagram, or of the ICMP message; 0: not known
         bool isFromHost = true;
         std::uint16_t port = 0; ///< from which the datagram came, or to which the datagram went that an error is about
-        int error = 0; ///< of the operating system
+        int error = 0; ///< of the operating system, by its name in <cerrno>
     };
 
     /// Throws std::system_error if no socket can be opened.
@@ -38,20 +33,25 @@ public:
     ProbeSocket& operator=(ProbeSocket const&) = delete;
     ~ProbeSocket();
 
-    /// Returns 0 or the error of the operating system.
+    /// Returns 0 or the error of the operating system, by its name in <cerrno>.
     int Send(std::uint16_t port, std::span<std::byte const> datagram) const;
 
     /// Waits for the next datagram or error. Returns early if a signal interrupts it.
     Received Receive(std::span<std::byte> buffer, std::chrono::microseconds time) const;
 
     /// Whether the address is one of this computer, which itself reports a host that it does not find.
-    static bool IsOwn(in_addr address);
+    static bool IsOwn(std::uint32_t address);
 
 private:
+#if defined(_WIN32)
+    std::uintptr_t socket_;
+    mutable std::uint16_t lastPort_ = 0; ///< to which a datagram was sent
+#else
     Received ReadError() const;
 
     int descriptor_ = -1;
-    sockaddr_in host_{};
+#endif
+    std::uint32_t host_;
 };
 
 } // namespace harvlink::cli

@@ -35,10 +35,10 @@ public:
     /// Whether the signal has come.
     bool HasCome() const { return Wait(std::chrono::milliseconds(0)); }
 
+#if !defined(_WIN32)
     /// Becomes readable with the signal, so that poll can wait for it together with other descriptors.
     int Descriptor() const;
 
-#if !defined(_WIN32)
     static constexpr std::array<int, 4> Signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 #endif
 };

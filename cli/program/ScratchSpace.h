@@ -46,11 +46,13 @@ public:
     static void RemoveAtSignal();
 
 private:
+    std::filesystem::path path_;
+#if !defined(_WIN32)
     struct SignalPaths;
 
-    std::filesystem::path path_;
     SignalPaths* signalPaths_ = nullptr;
     int lock_ = -1; ///< on the folder, as long as the process lives
+#endif
     bool isKept_ = false;
 };
 

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "cli/program/Environment.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
 #include "words/text/Path.h"
@@ -41,11 +42,6 @@ std::string TypeOf(std::string_view name, SettingOption const& option) {
     return *option.type != '\0' ? option.type
            : name == "encoding" ? fmt::format("{}", fmt::join(TextEncoding::Names(), "|"))
                                 : fmt::format("{}", fmt::join(Generations, "|"));
-}
-
-std::string Variable(char const* name) {
-    char const* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
 }
 
 } // namespace
@@ -105,16 +101,16 @@ std::string SettingsOptions::File() const {
     if (!namedFile_.empty()) {
         return namedFile_;
     }
-    if (std::string named = Variable(FileVariable); !named.empty()) {
+    if (std::string named = EnvironmentVariable(FileVariable); !named.empty()) {
         return named;
     }
     // By the convention for this variable, a relative folder in it is invalid and ignored.
-    std::filesystem::path folder = PathOf(Variable("XDG_CONFIG_HOME"));
+    std::filesystem::path folder = PathOf(EnvironmentVariable("XDG_CONFIG_HOME"));
     if (!folder.is_absolute()) {
 #if defined(_WIN32)
-        folder = PathOf(Variable("APPDATA"));
+        folder = PathOf(EnvironmentVariable("APPDATA"));
 #else
-        std::string const home = Variable("HOME");
+        std::string const home = EnvironmentVariable("HOME");
         folder = home.empty() ? std::filesystem::path() : std::filesystem::path(home) / ".config";
 #endif
     }
@@ -127,7 +123,7 @@ SettingsContents const& SettingsOptions::FromFile() const {
         return *contents_;
     }
     std::string const path = File();
-    bool const isNamed = !namedFile_.empty() || !Variable(FileVariable).empty();
+    bool const isNamed = !namedFile_.empty() || !EnvironmentVariable(FileVariable).empty();
     std::error_code error;
     bool const isRead = !path.empty() && (isNamed || std::filesystem::exists(PathOf(path), error));
     return contents_.emplace(isRead ? ReadSettingsFile(path) : SettingsContents{});
@@ -137,7 +133,7 @@ Settings::Entry SettingsOptions::ResolveEntry(std::size_t index, SettingsContent
     Setting const& setting = AllSettings().at(index);
     SettingOption const& option = Options.at(index);
     std::string const name(setting.name);
-    std::string const variable = Variable(option.variable);
+    std::string const variable = EnvironmentVariable(option.variable);
     Settings::Entry entry{name, option.builtIn, BuiltIn};
     if (options_.at(index)->count() > 0) {
         entry = {name, given_.at(index), "--" + name};

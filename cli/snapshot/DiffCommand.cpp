@@ -16,6 +16,7 @@
 #include "cli/snapshot/Staging.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -68,8 +69,8 @@ bool ReadLive(Session& session, Output& output, Selection const& selection, Snap
 int Diff(Session& session, Output& output, DiffArguments const& arguments) {
     bool const isBeforeLive = arguments.before == Live;
     bool const isAfterLive = arguments.after == Live;
-    Snapshot before = isBeforeLive ? Snapshot{} : Read(arguments.before);
-    Snapshot after = isAfterLive ? Snapshot{} : Read(arguments.after);
+    Snapshot before = isBeforeLive ? Snapshot{} : Read(PathOf(arguments.before));
+    Snapshot after = isAfterLive ? Snapshot{} : Read(PathOf(arguments.after));
     // Texts of the controller are compared as they were saved.
     SetControllerEncoding(TextEncoding(isBeforeLive ? after.encoding : before.encoding));
     if ((isBeforeLive && !ReadLive(session, output, after.selection, before)) ||

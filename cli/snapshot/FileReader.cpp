@@ -8,6 +8,7 @@
 #include "harvlink/FileInterface.h"
 #include "words/text/Csv.h"
 #include "words/text/Encoding.h"
+#include "words/text/Path.h"
 #include "words/values/FileNames.h"
 
 namespace harvlink::cli::snapshot {
@@ -44,10 +45,10 @@ void ReadFiles(Source& source, Snapshot& snapshot, std::filesystem::path const& 
     for (std::string const& name : ListAll(source, snapshot)) {
         if (IsSelected(snapshot.selection, name)) {
             StatusInfo const status = source.Ask("file " + ControllerText(name), [&] {
-                return source.robot.Files->SaveFromControllerToFile(name, scratch.string(), true);
+                return source.robot.Files->SaveFromControllerToFile(name, TextOf(scratch), true);
             });
             if (status.StatusCode == 0) {
-                snapshot.files[name] = ReadTextFile(scratch.string());
+                snapshot.files[name] = ReadTextFile(TextOf(scratch));
             } else {
                 snapshot.missing.push_back({"files/" + ControllerText(name), status});
             }

@@ -10,6 +10,7 @@
 #include "cli/snapshot/Manifest.h"
 #include "words/text/Csv.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/values/SafeName.h"
 
 namespace harvlink::cli::snapshot {
@@ -36,13 +37,13 @@ std::string TableText(TableKind const& kind, Entries const& table) {
 }
 
 Entries ReadTable(filesystem::path const& path) {
-    std::vector<CsvRow> rows = ParseCsv(path.string(), ReadTextFile(path.string()));
+    std::vector<CsvRow> rows = ParseCsv(TextOf(path), ReadTextFile(TextOf(path)));
     if (rows.empty()) {
-        throw InputError(fmt::format("{}:1: the header line is missing", path.string()));
+        throw InputError(fmt::format("{}:1: the header line is missing", TextOf(path)));
     }
     rows.erase(rows.begin());
     Entries table;
-    ForEachRow(path.string(), rows, [&](CsvRow const& row) {
+    ForEachRow(TextOf(path), rows, [&](CsvRow const& row) {
         if (row.cells.size() != 2) {
             throw InputError(fmt::format("{} cells instead of 2", row.cells.size()));
         }
@@ -67,10 +68,10 @@ void ReadFiles(filesystem::path const& folder, Snapshot& snapshot) {
     }
     for (auto const& entry : filesystem::directory_iterator(folder)) {
         if (entry.is_regular_file()) {
-            std::string const stored = entry.path().filename().string();
+            std::string const stored = TextOf(entry.path().filename());
             auto const longName = snapshot.longNames.find(stored);
             std::string const name = longName == snapshot.longNames.end() ? OriginalName(stored) : longName->second;
-            snapshot.files[name] = ReadTextFile(entry.path().string());
+            snapshot.files[name] = ReadTextFile(TextOf(entry.path()));
         }
     }
 }
@@ -98,10 +99,10 @@ void Write(Snapshot const& snapshot, filesystem::path const& folder) {
 Snapshot Read(filesystem::path const& folder) {
     filesystem::path const path = folder / ManifestName;
     if (!IsSnapshot(folder)) {
-        throw InputError(fmt::format("{} is not a snapshot: it has no {}", folder.string(), ManifestName));
+        throw InputError(fmt::format("{} is not a snapshot: it has no {}", TextOf(folder), ManifestName));
     }
     try {
-        Snapshot snapshot = ParseManifest(ParseJson(ReadTextFile(path.string())));
+        Snapshot snapshot = ParseManifest(ParseJson(ReadTextFile(TextOf(path))));
         for (auto& [section, table] : snapshot.tables) {
             table = ReadTable(folder / TableFile(section));
         }
@@ -110,7 +111,7 @@ Snapshot Read(filesystem::path const& folder) {
         }
         return snapshot;
     } catch (std::exception const& error) {
-        throw InputError(fmt::format("can't read the snapshot {}: {}", folder.string(), error.what()));
+        throw InputError(fmt::format("can't read the snapshot {}: {}", TextOf(folder), error.what()));
     }
 }
 
@@ -121,7 +122,7 @@ bool IsSnapshot(filesystem::path const& folder) {
 
 filesystem::path ForeignEntry(filesystem::path const& folder) {
     for (auto const& entry : filesystem::directory_iterator(folder)) {
-        std::string const name = entry.path().filename().string();
+        std::string const name = TextOf(entry.path().filename());
         bool const isTable = std::any_of(TableKinds.begin(), TableKinds.end(),
                                          [&](TableKind const& kind) { return TableFile(kind.section) == name; });
         if (!isTable && name != ManifestName && name != AttributesName && name != FilesSection) {

@@ -21,6 +21,7 @@
 #include "cli/snapshot/Staging.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -180,7 +181,7 @@ void AddRestore(CLI::App& family, Session& session) {
                  "snapshot restore cell3 --yes"},
                 RestoreNotes);
     verb->callback([arguments, &session] {
-        auto saved = std::make_shared<Snapshot>(Read(arguments->folder));
+        auto saved = std::make_shared<Snapshot>(Read(PathOf(arguments->folder)));
         CheckSections(arguments->only, *saved);
         session.CheckHost();
         if (!arguments->dryRun) {

@@ -14,6 +14,7 @@
 #include "cli/snapshot/Manifest.h"
 #include "cli/snapshot/SnapshotCommands.h"
 #include "cli/snapshot/Staging.h"
+#include "words/text/Path.h"
 #include "words/values/FileNames.h"
 #include "words/values/VariableText.h"
 
@@ -37,7 +38,7 @@ struct SaveArguments {
 };
 
 filesystem::path IncompletePlace(filesystem::path const& place) {
-    return place.string() + ".incomplete";
+    return PathOf(TextOf(place) + ".incomplete");
 }
 
 void ShowMissing(Output& output, Snapshot const& snapshot) {
@@ -47,13 +48,13 @@ void ShowMissing(Output& output, Snapshot const& snapshot) {
 }
 
 void ShowSaved(Output& output, Snapshot const& snapshot, filesystem::path const& place) {
-    Json document{{"path", place.string()}, {"complete", snapshot.IsComplete()}};
+    Json document{{"path", TextOf(place)}, {"complete", snapshot.IsComplete()}};
     document["entries"] = ManifestJson(snapshot)["entries"];
     output.Show(document);
 }
 
 StatusInfo Save(QuorvanController& robot, std::string const& host, Output& output, SaveArguments const& arguments) {
-    filesystem::path place = CheckTarget(arguments.folder, arguments.force);
+    filesystem::path place = CheckTarget(PathOf(arguments.folder), arguments.force);
     ScratchSpace scratch(place.parent_path());
     Snapshot const snapshot = Capture(robot, host, arguments.selection, output, scratch.File());
     ShowMissing(output, snapshot);
@@ -105,10 +106,10 @@ void AddSave(CLI::App& family, Session& session) {
         Check(arguments->selection);
         std::string const folder = session.FolderFor(arguments->folder);
         if (folder != arguments->folder) {
-            filesystem::create_directory(arguments->folder); // has one for each cell
+            filesystem::create_directory(PathOf(arguments->folder)); // has one for each cell
         }
         arguments->folder = folder;
-        filesystem::path const place = CheckTarget(arguments->folder, arguments->force);
+        filesystem::path const place = CheckTarget(PathOf(arguments->folder), arguments->force);
         if (filesystem::exists(IncompletePlace(place))) {
             CheckTarget(IncompletePlace(place), true);
         }

@@ -17,6 +17,7 @@
 #include "cli/snapshot/SnapshotCommands.h"
 #include "words/text/Encoding.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/text/Printable.h"
 
 namespace harvlink::cli::snapshot {
@@ -102,7 +103,7 @@ void ShowSection(Output& output, Snapshot const& snapshot, std::string const& se
 
 int Show(Output& output, ShowArguments const& arguments) {
     constexpr std::string_view FilePrefix = "files/";
-    Snapshot const snapshot = Read(arguments.folder);
+    Snapshot const snapshot = Read(PathOf(arguments.folder));
     SetControllerEncoding(TextEncoding(snapshot.encoding));
     if (arguments.section.empty()) {
         output.Show(Summary(snapshot, output.json));

@@ -8,6 +8,7 @@
 #include "cli/program/Interrupt.h"
 #include "cli/snapshot/Folder.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli::snapshot {
 
@@ -18,9 +19,9 @@ filesystem::path CheckTarget(filesystem::path const& target, bool force) {
     if (!place.has_filename()) {
         place = place.parent_path();
     }
-    std::string const name = place.string();
+    std::string const name = TextOf(place);
     if (!filesystem::is_directory(place.parent_path())) {
-        throw InputError(fmt::format("{} does not exist", place.parent_path().string()));
+        throw InputError(fmt::format("{} does not exist", TextOf(place.parent_path())));
     }
     if (!filesystem::exists(place)) {
         return place;
@@ -36,7 +37,7 @@ filesystem::path CheckTarget(filesystem::path const& target, bool force) {
     }
     if (filesystem::path const foreign = ForeignEntry(place); !foreign.empty()) {
         throw InputError(
-            fmt::format("{} is not part of a snapshot and would be lost; save into another folder", foreign.string()));
+            fmt::format("{} is not part of a snapshot and would be lost; save into another folder", TextOf(foreign)));
     }
     if (!force) {
         throw InputError(fmt::format("{} is a snapshot already; give --force to replace it", name));

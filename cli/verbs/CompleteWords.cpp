@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <ostream>
@@ -8,10 +7,9 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include "cli/program/CommandLine.h"
+#include "cli/program/Deadline.h"
 #include "cli/program/Help.h"
 #include "cli/program/Session.h"
 #include "cli/trajectory/TrajectoryFile.h"
@@ -19,6 +17,7 @@
 #include "harvlink/FileInterface.h"
 #include "words/text/Csv.h"
 #include "words/text/Encoding.h"
+#include "words/text/Path.h"
 #include "words/text/Printable.h"
 #include "words/text/Text.h"
 
@@ -40,23 +39,8 @@ Names Cells(Session& session) {
     return names;
 }
 
-/// Ends the process, whatever it waits for, if this object still lives after the time.
-class Deadline {
-public:
-    Deadline() {
-        std::signal(SIGALRM, [](int) { _exit(ExitStatus::Failure); });
-        Set({.it_interval = {}, .it_value = {0, std::chrono::microseconds(LongestWait).count()}});
-    }
-    Deadline(Deadline const&) = delete;
-    Deadline& operator=(Deadline const&) = delete;
-    ~Deadline() { Set({}); }
-
-private:
-    static void Set(itimerval const& time) { ::setitimer(ITIMER_REAL, &time, nullptr); }
-};
-
 Names Jobs(Session& session) {
-    Deadline const deadline;
+    Deadline const deadline(LongestWait);
     StatusInfo status;
     Names names;
     Connection const connection = session.Open(Access::Observe, status);
@@ -76,7 +60,7 @@ bool IsTrajectory(filesystem::path const& path) {
         return path.extension() == ".csv";
     }
     try {
-        return HasTrajectoryHeader(ReadTextFile(path.string()));
+        return HasTrajectoryHeader(ReadTextFile(TextOf(path)));
     } catch (std::exception const&) {
         return false; // a file that can't be read is not offered
     }
@@ -87,12 +71,12 @@ Names Trajectories(std::string const& word) {
     std::string const folder = word.substr(0, word.rfind('/') + 1);
     Names names;
     std::error_code error;
-    for (filesystem::directory_iterator each(folder.empty() ? "." : folder, error);
+    for (filesystem::directory_iterator each(PathOf(folder.empty() ? "." : folder), error);
          !error && each != filesystem::directory_iterator(); each.increment(error)) {
         std::error_code ignored;
         bool const isFolder = each->is_directory(ignored);
         if (isFolder || IsTrajectory(each->path())) {
-            names.push_back(folder + each->path().filename().string() + (isFolder ? "/" : ""));
+            names.push_back(folder + TextOf(each->path().filename()) + (isFolder ? "/" : ""));
         }
     }
     return names;

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ToolTest.h"
+#include "RunTool.h"
 #include "cli/explain/ErrorPage.h"
 #include "cli/output/Output.h"
 #include "status/AddedStatusTable.h"

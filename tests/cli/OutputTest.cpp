@@ -131,6 +131,7 @@ TEST(Output, TrimsOnlyTheZerosThatFillAField) {
     EXPECT_EQ(TrimField(std::string(4, '\0')), "");
 }
 
+#if !defined(_WIN32) // there are no signals
 TEST(InterruptDeathTest, KeepsTheFirstSignalAndEndsWithTheSecond) {
     EXPECT_EXIT(
         {
@@ -146,6 +147,7 @@ TEST(InterruptDeathTest, KeepsTheFirstSignalAndEndsWithTheSecond) {
         },
         testing::ExitedWithCode(130), "^harvlink: interrupted\n$");
 }
+#endif
 
 } // namespace
 } // namespace harvlink::cli

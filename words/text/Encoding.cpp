@@ -5,11 +5,10 @@
 #include <cctype>
 #include <cstddef>
 #include <mutex>
-#include <stdexcept>
 
 #include <fmt/format.h>
-#include <iconv.h>
 
+#include "words/text/CharacterConverter.h"
 #include "words/text/Text.h"
 #include "words/text/Utf8.h"
 
@@ -18,7 +17,6 @@ namespace harvlink::words {
 namespace {
 
 constexpr std::size_t EscapeSize = 4; ///< of "\xE9"
-constexpr std::size_t LargestCharacter = 4; ///< in bytes, in all of the encodings and in UTF-8
 constexpr char const* Utf8 = "UTF-8";
 
 /// Only those of which Python and the C library have the same table, but for what Codec leaves out.
@@ -30,46 +28,6 @@ constexpr std::array<Named<char const*>, 8> Encodings{{{"utf-8", Utf8},
                                                        {"cp932", "CP932"},
                                                        {"gbk", "GBK"},
                                                        {"cp949", "CP949"}}};
-
-/// Converts one character after the other with the C library.
-class Converter {
-public:
-    Converter(char const* from, char const* to) : handle_(::iconv_open(to, from)) {
-        if (handle_ ==
-            reinterpret_cast<iconv_t>(-1)) { // NOLINT(performance-no-int-to-ptr): as the C library defines it
-            throw std::runtime_error(fmt::format("this computer can't convert {} to {}", from, to));
-        }
-    }
-    Converter(Converter const&) = delete;
-    Converter& operator=(Converter const&) = delete;
-    ~Converter() { ::iconv_close(handle_); }
-
-    /// Converts the first character and takes it off `from`; empty if none begins there.
-    std::string TakeCharacter(std::string_view& from) {
-        for (std::size_t size = 1; size <= std::min(from.size(), LargestCharacter); ++size) {
-            if (std::string converted = Convert(from.substr(0, size)); !converted.empty()) {
-                from.remove_prefix(size);
-                return converted;
-            }
-        }
-        return {};
-    }
-
-private:
-    std::string Convert(std::string_view bytes) {
-        std::array<char, 2 * LargestCharacter> to{};
-        std::string from(bytes);
-        char* in = from.data();
-        char* out = to.data();
-        std::size_t inLeft = from.size();
-        std::size_t outLeft = to.size();
-        ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-        bool const isWhole = ::iconv(handle_, &in, &inLeft, &out, &outLeft) == 0 && inLeft == 0;
-        return isWhole ? std::string(to.data(), to.size() - outLeft) : "";
-    }
-
-    iconv_t handle_;
-};
 
 /// The characters that an encoding has, as the C library and Python agree on them.
 class Codec {
@@ -102,7 +60,7 @@ public:
 private:
     static constexpr std::array<std::string_view, 3> TwoByteEncodings{"CP932", "GBK", "CP949"};
 
-    static std::string Whole(Converter& converter, std::string_view text) {
+    static std::string Whole(CharacterConverter& converter, std::string_view text) {
         std::string converted = converter.TakeCharacter(text);
         return text.empty() ? converted : "";
     }
@@ -114,8 +72,8 @@ private:
         return !isSingleByte_ && bytes.size() == 1 && (first == 0x80 || first == 0xA0 || first >= AfterLeadBytes);
     }
 
-    Converter decoder_;
-    Converter encoder_;
+    CharacterConverter decoder_;
+    CharacterConverter encoder_;
     bool isSingleByte_ = false;
 };
 

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <clocale>
-#include <cwchar>
 #include <iterator>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "words/text/CharacterWidth.h"
 #include "words/text/Utf8.h"
 
 namespace harvlink::words {
@@ -30,33 +29,8 @@ bool IsMark(char32_t code) {
                        [code](auto const& range) { return code >= range.first && code <= range.second; });
 }
 
-/// While it lives, this thread has the widths of UTF-8, whatever locale the user has.
-class Utf8Widths {
-public:
-    Utf8Widths() {
-        static locale_t const utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-        former_ = utf8 == nullptr ? nullptr : ::uselocale(utf8);
-    }
-    Utf8Widths(Utf8Widths const&) = delete;
-    Utf8Widths& operator=(Utf8Widths const&) = delete;
-    ~Utf8Widths() {
-        if (former_ != nullptr) {
-            ::uselocale(former_);
-        }
-    }
-
-    /// -1 for what can't be printed.
-    static int Of(char32_t code) {
-        bool const isAscii = code < 0x7F;
-        return isAscii ? (code < ' ' ? -1 : 1) : ::wcwidth(static_cast<wchar_t>(code));
-    }
-
-private:
-    locale_t former_ = nullptr;
-};
-
 bool IsUnprintable(char32_t code) {
-    return IsMark(code) || Utf8Widths::Of(code) < 0;
+    return IsMark(code) || CharacterWidth::Of(code) < 0;
 }
 
 void AppendPrintable(std::string& printable, Utf8Character const& character) {
@@ -72,14 +46,14 @@ void AppendPrintable(std::string& printable, Utf8Character const& character) {
 } // namespace
 
 std::string Printable(std::string_view text) {
-    Utf8Widths const widths;
+    CharacterWidth const widths;
     std::string printable;
     ForEachUtf8Character(text, [&](Utf8Character const& character) { AppendPrintable(printable, character); });
     return printable;
 }
 
 std::string PrintableLines(std::string_view text) {
-    Utf8Widths const widths;
+    CharacterWidth const widths;
     std::string printable;
     ForEachUtf8Character(text, [&](Utf8Character const& character) {
         bool const isLineEnd = character.bytes == "\r" && character.bytes.data() + 1 != text.data() + text.size() &&
@@ -95,7 +69,7 @@ std::string PrintableLines(std::string_view text) {
 
 std::string PrintableJson(std::string_view json) {
     constexpr char32_t FirstOfPairs = 0x10000;
-    Utf8Widths const widths;
+    CharacterWidth const widths;
     std::string printable;
     ForEachUtf8Character(json, [&](Utf8Character const& character) {
         if (character.bytes == "\n" || !IsUnprintable(character.code)) {
@@ -111,20 +85,20 @@ std::string PrintableJson(std::string_view json) {
 }
 
 std::size_t ColumnsOf(std::string_view text) {
-    Utf8Widths const widths;
+    CharacterWidth const widths;
     std::size_t columns = 0;
     ForEachUtf8Character(text, [&](Utf8Character const& character) {
-        columns += static_cast<std::size_t>(std::max(0, Utf8Widths::Of(character.code)));
+        columns += static_cast<std::size_t>(std::max(0, CharacterWidth::Of(character.code)));
     });
     return columns;
 }
 
 std::string_view FirstColumns(std::string_view text, std::size_t columns) {
-    Utf8Widths const widths;
+    CharacterWidth const widths;
     std::size_t size = 0;
     std::size_t used = 0;
     ForEachUtf8Character(text, [&](Utf8Character const& character) {
-        used += static_cast<std::size_t>(std::max(0, Utf8Widths::Of(character.code)));
+        used += static_cast<std::size_t>(std::max(0, CharacterWidth::Of(character.code)));
         size += used <= columns ? character.bytes.size() : 0;
     });
     return text.substr(0, size);

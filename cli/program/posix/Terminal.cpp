@@ -19,6 +19,8 @@ void PrepareStreams() {
     std::signal(SIGXFSZ, SIG_IGN); // too large a file is an error like any other: it is reported, and nothing is left
 }
 
+void RestoreStreams() {}
+
 bool IsTerminal(Stream stream) {
     return isatty(static_cast<int>(stream)) == 1; // in the order of their numbers
 }

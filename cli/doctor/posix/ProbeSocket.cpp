@@ -6,10 +6,12 @@
 #include <cstring>
 #include <system_error>
 
-#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "cli/program/HostAddress.h"
 
 #ifdef IP_RECVERR
 #include <linux/errqueue.h>
@@ -23,20 +25,21 @@ ProbeSocket::Event EventOf(int error) {
     return error == ECONNREFUSED ? ProbeSocket::Event::PortClosed : ProbeSocket::Event::Unreachable;
 }
 
-} // namespace
-
-std::string AddressText(in_addr address) {
-    std::array<char, INET_ADDRSTRLEN> text{};
-    ::inet_ntop(AF_INET, &address, text.data(), text.size());
-    return text.data();
+sockaddr_in NativeEndpoint(std::uint32_t address, std::uint16_t port) {
+    sockaddr_in native{};
+    native.sin_family = AF_INET;
+    native.sin_addr.s_addr = htonl(address);
+    native.sin_port = htons(port);
+    return native;
 }
 
-ProbeSocket::ProbeSocket(std::string const& host) : descriptor_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+} // namespace
+
+ProbeSocket::ProbeSocket(std::string const& host)
+    : descriptor_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)), host_(AddressNumber(host)) {
     if (descriptor_ < 0) {
         throw std::system_error(errno, std::generic_category(), "can't open a socket");
     }
-    host_.sin_family = AF_INET;
-    ::inet_pton(AF_INET, host.c_str(), &host_.sin_addr);
 #ifdef IP_RECVERR
     // Only an unconnected socket sees answers from a wrong port, and such a socket gets ICMP errors only with this option.
     int const on = 1;
@@ -49,8 +52,7 @@ ProbeSocket::~ProbeSocket() {
 }
 
 int ProbeSocket::Send(std::uint16_t port, std::span<std::byte const> datagram) const {
-    sockaddr_in target = host_;
-    target.sin_port = htons(port);
+    sockaddr_in const target = NativeEndpoint(host_, port);
     // The next call reports the error of an earlier datagram, and then sends nothing.
     for (int attempt = 0; attempt < 3; ++attempt) {
         if (::sendto(descriptor_, datagram.data(), datagram.size(), MSG_NOSIGNAL,
@@ -83,16 +85,14 @@ ProbeSocket::Received ProbeSocket::Receive(std::span<std::byte> buffer, std::chr
     }
     return {.event = Event::Datagram,
             .length = static_cast<std::size_t>(length),
-            .sender = source.sin_addr,
-            .isFromHost = source.sin_addr.s_addr == host_.sin_addr.s_addr,
+            .sender = ntohl(source.sin_addr.s_addr),
+            .isFromHost = ntohl(source.sin_addr.s_addr) == host_,
             .port = ntohs(source.sin_port)};
 }
 
-bool ProbeSocket::IsOwn(in_addr address) {
+bool ProbeSocket::IsOwn(std::uint32_t address) {
     int const descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    sockaddr_in local{};
-    local.sin_family = AF_INET;
-    local.sin_addr = address;
+    sockaddr_in const local = NativeEndpoint(address, 0);
     bool const isOwn = ::bind(descriptor, reinterpret_cast<sockaddr const*>(&local), sizeof(local)) == 0;
     ::close(descriptor);
     return isOwn;
@@ -122,8 +122,8 @@ ProbeSocket::Received ProbeSocket::ReadError() const {
                 // The sender's address follows the error in the same message.
                 std::memcpy(&sender, SO_EE_OFFENDER(reinterpret_cast<sock_extended_err*>(CMSG_DATA(header))),
                             sizeof(sender));
-                received.sender = sender.sin_addr;
-                received.isFromHost = sender.sin_addr.s_addr == host_.sin_addr.s_addr;
+                received.sender = ntohl(sender.sin_addr.s_addr);
+                received.isFromHost = received.sender == host_;
             }
         }
     }
