@@ -18,19 +18,21 @@ namespace {
 
 constexpr std::uintmax_t LargestFile = 16U << 20;
 
-/// What [[controller]] sections name, with the sections themselves for messages.
+/// What the sections before have named.
 struct Known {
     std::set<std::string> names;
     std::set<std::string> hosts;
+    std::set<std::string> wrongPolls; ///< something of them has been refused already
 };
 
-void ReadPolls(Section& root, Config& config, Problems& problems) {
+void ReadPolls(Section& root, Config& config, Known& known, Problems& problems) {
     toml::table const* const polls = root.Child("poll");
     if (polls == nullptr) {
         return;
     }
     for (auto const& [key, node] : *polls) {
         std::string const name(key.str());
+        std::size_t const before = problems.texts.size();
         if (!node.is_table()) {
             root.Refuse(node, "poll", fmt::format("{} must be a section such as [poll.{}]", name, name));
             continue;
@@ -41,6 +43,9 @@ void ReadPolls(Section& root, Config& config, Problems& problems) {
             root.Refuse(node, "poll", fmt::format("'{}' is not a name of letters, digits, _ and -", name));
         }
         config.polls.push_back(ReadPoll(section, name));
+        if (problems.texts.size() > before) {
+            known.wrongPolls.insert(name);
+        }
     }
 }
 
@@ -55,35 +60,47 @@ void CheckWithFleet(Section& section, Config const& config, ControllerConfig con
 }
 
 void CheckController(Section& section, ControllerConfig const& controller, Known& known) {
-    if (!known.names.insert(controller.name).second) {
+    if (!controller.name.empty() && !known.names.insert(controller.name).second) {
         section.Refuse("name", fmt::format("there are two controllers '{}'", controller.name));
     }
-    if (!known.hosts.insert(controller.options.address).second) {
+    if (!controller.options.address.empty() && !known.hosts.insert(controller.options.address).second) {
         section.Refuse("host", fmt::format("two controllers have the host {}", controller.options.address));
     }
 }
 
-/// True if all are there.
-bool CheckPolls(Section& section, Config const& config, ControllerConfig const& controller) {
+void CheckPolls(Section& section, Config const& config, std::vector<std::string> const& polls) {
     std::vector<std::string> names;
     std::transform(config.polls.begin(), config.polls.end(), std::back_inserter(names),
                    [](PollConfig const& poll) { return poll.name; });
-    bool isRight = true;
     std::set<std::string> seen;
-    for (std::string const& poll : controller.polls) {
+    for (std::string const& poll : polls) {
         if (std::find(names.begin(), names.end(), poll) == names.end()) {
             section.Refuse("poll",
                            fmt::format("there is no section [poll.{}]{}", poll, words::Suggestion(poll, names)));
-            isRight = false;
         } else if (!seen.insert(poll).second) {
             section.Refuse("poll", fmt::format("'{}' is there twice", poll));
-            isRight = false;
         }
     }
-    return isRight;
 }
 
-void ReadAllControllers(Section& root, Config& config, Problems& problems) {
+/// Of a section; all of a range are read alike.
+void ReadControllersOf(Section& section, Config& config, Known& known, Problems& problems) {
+    std::size_t const before = problems.texts.size();
+    std::vector<std::string> polls;
+    std::vector<ControllerConfig> const controllers = ReadControllers(section, polls, problems);
+    CheckPolls(section, config, polls);
+    for (ControllerConfig const& controller : controllers) {
+        CheckController(section, controller, known);
+        config.controllers.push_back(controller);
+    }
+    bool const areRight = std::none_of(polls.begin(), polls.end(),
+                                       [&](std::string const& poll) { return known.wrongPolls.contains(poll); });
+    if (areRight && problems.texts.size() == before && !controllers.empty()) {
+        CheckWithFleet(section, config, controllers.front());
+    }
+}
+
+void ReadAllControllers(Section& root, Config& config, Known& known, Problems& problems) {
     toml::node const* const node = root.Node("controller");
     if (node == nullptr) {
         return;
@@ -92,18 +109,9 @@ void ReadAllControllers(Section& root, Config& config, Problems& problems) {
         root.Refuse(*node, "controller", "controllers are sections such as [[controller]], with two brackets");
         return;
     }
-    Known known;
     for (toml::node const& element : *node->as_array()) {
         Section section(*element.as_table(), "[[controller]]", problems);
-        std::vector<ControllerConfig> const controllers = ReadControllers(section, problems);
-        for (ControllerConfig const& controller : controllers) {
-            CheckController(section, controller, known);
-            config.controllers.push_back(controller);
-        }
-        // All of a range are read alike.
-        if (!controllers.empty() && CheckPolls(section, config, controllers.front()) && problems.texts.empty()) {
-            CheckWithFleet(section, config, controllers.front());
-        }
+        ReadControllersOf(section, config, known, problems);
     }
 }
 
@@ -113,8 +121,9 @@ void ReadSections(toml::table const& table, Config& config, Problems& problems, 
         Section section(*gateway, "[gateway]", problems);
         ReadGateway(section, config.gateway);
     }
-    ReadPolls(root, config, problems);
-    ReadAllControllers(root, config, problems);
+    Known known;
+    ReadPolls(root, config, known, problems);
+    ReadAllControllers(root, config, known, problems);
     if (toml::table const* const prometheus = root.Child("prometheus"); prometheus != nullptr) {
         Section section(*prometheus, "[prometheus]", problems);
         ReadPrometheus(section, config.prometheus);
@@ -129,8 +138,8 @@ void ReadSections(toml::table const& table, Config& config, Problems& problems, 
     }
     root.Finish();
     if (config.controllers.empty() && needsControllers && problems.texts.empty()) {
-        problems.texts.push_back(
-            fmt::format("{}: there is no [[controller]]; --print-example shows how a file looks", problems.file));
+        problems.texts.emplace(
+            0, fmt::format("{}: there is no [[controller]]; --print-example shows how a file looks", problems.file));
     }
 }
 
@@ -158,7 +167,10 @@ Config ParseConfig(std::string_view text, std::filesystem::path const& name, boo
         problems.Add(error.source(), std::string(error.description()));
     }
     if (!problems.texts.empty()) {
-        throw ConfigError(std::move(problems.texts));
+        std::vector<std::string> texts;
+        std::transform(problems.texts.begin(), problems.texts.end(), std::back_inserter(texts),
+                       [](auto& problem) { return std::move(problem.second); });
+        throw ConfigError(std::move(texts));
     }
     return config;
 }

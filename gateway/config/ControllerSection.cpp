@@ -74,7 +74,7 @@ GeometryConfig ReadGeometry(Section section) {
 
 } // namespace
 
-std::vector<ControllerConfig> ReadControllers(Section& section, Problems& problems) {
+std::vector<ControllerConfig> ReadControllers(Section& section, std::vector<std::string>& polls, Problems& problems) {
     ControllerConfig common;
     std::string name;
     std::string host;
@@ -83,7 +83,8 @@ std::vector<ControllerConfig> ReadControllers(Section& section, Problems& proble
     section.Require("poll");
     section.Text("name", name);
     section.Text("host", host);
-    section.Texts("poll", [&](std::string const& poll) { common.polls.push_back(poll); });
+    section.Texts("poll", [&](std::string const& poll) { polls.push_back(poll); });
+    common.polls = polls;
     section.Text("encoding", [&](std::string const& text) { common.encoding = words::TextEncoding(text).Name(); });
     ReadOptions(section, common.options);
     if (toml::table const* const table = section.Child("geometry"); table != nullptr) {

@@ -3,6 +3,7 @@
 
 #include "gateway/config/ItemText.h"
 #include "gateway/config/Sections.h"
+#include "gateway/config/Token.h"
 #include "words/text/InputError.h"
 #include "words/text/Text.h"
 
@@ -62,7 +63,9 @@ void ReadGateway(Section& section, GatewayConfig& gateway) {
     section.Text("listen", [&](std::string const& text) { ParseListen(text, listen); });
     section.File("tls_certificate", listen.certificate);
     section.File("tls_key", listen.key);
-    section.File("token_file", listen.tokenFile);
+    if (section.File("token_file", listen.tokenFile)) {
+        section.Try("token_file", [&] { ReadToken(listen.tokenFile); });
+    }
     section.Flag("open", listen.isOpen);
     section.Texts("hosts", [&](std::string const& host) { listen.hosts.push_back(words::LowerCase(host)); });
     section.Text("log_level", [&](std::string const& text) {

@@ -14,14 +14,14 @@ namespace harvlink::gateway {
 using words::InputError;
 
 void Problems::Add(toml::source_region const& where, std::string const& what) {
-    texts.push_back(fmt::format("{}:{}: {}", file, where.begin.line, what));
+    texts.emplace(where.begin.line, fmt::format("{}:{}: {}", file, where.begin.line, what));
 }
 
 Section::Section(toml::table const& table, std::string title, Problems& problems)
     : table_(table), title_(std::move(title)), problems_(problems) {}
 
 void Section::Refuse(toml::node const& node, char const* key, std::string const& what) {
-    problems_.Add(node.source(), fmt::format("{} {}: {}", title_, key, what));
+    problems_.Add(node.source(), fmt::format("{}{}{}: {}", title_, title_.empty() ? "" : " ", key, what));
 }
 
 void Section::Refuse(char const* key, std::string const& what) {
@@ -165,12 +165,24 @@ void Section::Path(char const* key, std::filesystem::path& path) {
     });
 }
 
-void Section::File(char const* key, std::filesystem::path& path) {
+bool Section::File(char const* key, std::filesystem::path& path) {
     Path(key, path);
+    if (path.empty() || !Has(key)) {
+        return false;
+    }
     std::error_code error;
-    if (!path.empty() && Has(key) &&
-        (access(path.c_str(), R_OK) != 0 || !std::filesystem::is_regular_file(path, error))) {
+    bool const isReadable = access(path.c_str(), R_OK) == 0 && std::filesystem::is_regular_file(path, error);
+    if (!isReadable) {
         Refuse(key, fmt::format("can't read the file {}", path.string()));
+    }
+    return isReadable;
+}
+
+void Section::Try(char const* key, std::function<void()> const& check) {
+    try {
+        check();
+    } catch (InputError const& error) {
+        Refuse(key, error.what());
     }
 }
 
@@ -186,8 +198,8 @@ void Section::Finish() {
     for (auto const& [key, node] : table_) {
         std::string const name(key.str());
         if (std::find(asked_.begin(), asked_.end(), name) == asked_.end()) {
-            problems_.Add(key.source(),
-                          fmt::format("{} {}: there is no such key{}", title_, name, words::Suggestion(name, asked_)));
+            problems_.Add(key.source(), fmt::format("{}{}{}: there is no such key{}", title_, title_.empty() ? "" : " ",
+                                                    name, words::Suggestion(name, asked_)));
         }
     }
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace harvlink::gateway {
 struct Problems {
     std::string file;
     std::filesystem::path folder; ///< of the file: paths in it are relative to this
-    std::vector<std::string> texts;
+    std::multimap<std::uint32_t, std::string> texts; ///< by line
 
     void Add(toml::source_region const& where, std::string const& what);
 };
@@ -39,8 +40,10 @@ public:
                   std::function<void(std::chrono::microseconds)> const& use);
     void Size(char const* key, std::uint64_t least, std::uint64_t& bytes);
     void Path(char const* key, std::filesystem::path& path);
-    /// The same for a file that must be readable.
-    void File(char const* key, std::filesystem::path& path);
+    /// The same for a file that must be readable. True if it is there and is.
+    bool File(char const* key, std::filesystem::path& path);
+    /// Adds a problem with what `check` throws as InputError.
+    void Try(char const* key, std::function<void()> const& check);
     /// A section within this one; null if it is not there.
     toml::table const* Child(char const* key);
     /// The value itself; null if it is not there.

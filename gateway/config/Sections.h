@@ -14,7 +14,7 @@ void ReadMqtt(Section& section, GatewayConfig const& gateway, MqttConfig& mqtt, 
 void ReadRecording(Section& section, RecordingConfig& recording, Problems& problems);
 PollConfig ReadPoll(Section& section, std::string const& name);
 
-/// The controllers of a section, several if its host is a range.
-std::vector<ControllerConfig> ReadControllers(Section& section, Problems& problems);
+/// The controllers of a section, several if its host is a range, none if it is wrong. `polls` is what they name.
+std::vector<ControllerConfig> ReadControllers(Section& section, std::vector<std::string>& polls, Problems& problems);
 
 } // namespace harvlink::gateway

@@ -2,20 +2,19 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 
 #include <arpa/inet.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include "gateway/config/ConfigError.h"
+#include "gateway/config/Token.h"
+#include "words/text/InputError.h"
 #include "words/text/Text.h"
 
 namespace harvlink::gateway {
 
 namespace {
-
-constexpr std::size_t LeastToken = 16;
 
 /// "press:9750" and "[::1]:9750" without the port and the brackets, in small letters.
 std::string HostOf(std::string const& text) {
@@ -41,18 +40,6 @@ bool IsSame(std::string_view left, std::string_view right) {
     return difference == 0;
 }
 
-std::string ReadToken(std::filesystem::path const& file) {
-    std::ifstream stream(file);
-    std::string token;
-    std::getline(stream, token);
-    token = std::string(words::TrimBlanks(token));
-    if (token.size() < LeastToken) {
-        throw ConfigError({fmt::format("token_file {}: its first line must be a token of at least {} characters",
-                                       file.string(), LeastToken)});
-    }
-    return token;
-}
-
 } // namespace
 
 Guard::Guard(ListenConfig const& config) : hosts_(config.hosts) {
@@ -66,7 +53,11 @@ Guard::Guard(ListenConfig const& config) : hosts_(config.hosts) {
         hosts_.push_back(words::LowerCase(name.data()));
     }
     if (!config.tokenFile.empty()) {
-        token_ = ReadToken(config.tokenFile);
+        try {
+            token_ = ReadToken(config.tokenFile);
+        } catch (words::InputError const& error) {
+            throw ConfigError({fmt::format("token_file {}", error.what())});
+        }
     }
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "gateway/config/ItemText.h"
 #include "gateway/program/Bill.h"
 #include "support/Printed.h"
+#include "support/ScratchFolder.h"
 #include "words/text/InputError.h"
 
 namespace harvlink::gateway {
@@ -77,7 +79,7 @@ TEST(ConfigTest, NamesFileLineAndKeyOfAllThatIsWrong) {
          {"plant.toml:2: [gateway] nam: there is no such key; is name meant?",
           "plant.toml:3: [gateway] listen: ", "plant.toml:4: [gateway] log_level: 'loud' is not a level of the log"}},
         {"[gateway]\nlisten = \"0.0.0.0:80\"\n", {"plant.toml:2: [gateway] listen: others can reach this address"}},
-        {"[gateway]\ntls_key = \"/no/such\"\n", {"plant.toml:2: [gateway] tls_key: can't read", "TLS takes both"}},
+        {"[gateway]\ntls_key = \"/no/such\"\n", {"TLS takes both", "plant.toml:2: [gateway] tls_key: can't read"}},
         {"[poll.p]\nperiod = \"0ms\"\nitems = [\"state\", \"foo\", 3]\ndead_band = 1.0\n",
          {"plant.toml:2: [poll.p] period: 0ms is out of range", "plant.toml:3: [poll.p] items: 'foo' is not an item",
           "plant.toml:3: [poll.p] items: each entry must be a text",
@@ -95,16 +97,31 @@ TEST(ConfigTest, NamesFileLineAndKeyOfAllThatIsWrong) {
           "plant.toml:6: [mqtt.store] max_size: 1K is less"}},
         {"[recording]\nkeep = \"a\"\n[recording.incidents]\nfolder = \"x\"\non = [\"boom\"]\n",
          {"plant.toml:2: [recording] keep: ", "plant.toml:5: [recording.incidents] on: 'boom' is not one of"}},
+        // What is wrong hides nothing else, and all comes in the order of the lines.
+        {"[gateway]\nnam = 1\ntoken_file = \"/dev/null\"\n[poll.p]\nperiod = \"1s\"\nitems = [\"signal 1\"]\n"
+         "[[controller]]\nhost = \"10.0.0.[5-1]\"\npoll = \"q\"\n[[controller]]\nname = \"a\"\nhost = \"10.0.0.1\"\n"
+         "poll = \"p\"\n[promtheus]\n",
+         {"plant.toml:2: [gateway] nam", "plant.toml:3: [gateway] token_file: ",
+          "plant.toml:7: [[controller]] name: is missing", "plant.toml:8: [[controller]] host: the range",
+          "plant.toml:9: [[controller]] poll: there is no section [poll.q]", "plant.toml:13: [[controller]] poll: ",
+          "plant.toml:14: promtheus: there is no such key; is prometheus meant?"}},
         {"", {"plant.toml: there is no [[controller]]"}}};
     for (WrongFile const& file : files) {
         std::string const problems = ProblemsOf(file.text);
+        std::size_t place = 0;
         for (char const* const problem : file.problems) {
-            EXPECT_NE(problems.find(problem), std::string::npos) << problem << " is not in\n" << problems;
+            place = problems.find(problem, std::min(place, problems.size()));
+            EXPECT_NE(place, std::string::npos) << problem << " is not there, or not in its order, in\n" << problems;
         }
     }
     std::string const twice = std::string(Poll) + Press + Press;
     EXPECT_NE(ProblemsOf(twice).find("plant.toml:9: [[controller]] name: there are two controllers"), std::string::npos)
         << ProblemsOf(twice);
+    test::ScratchFolder const folder;
+    std::ofstream(folder.Path() / "token") << "secret\n";
+    EXPECT_NE(
+        ProblemsOf("[gateway]\ntoken_file = \"" + (folder.Path() / "token").string() + "\"\n").find("16 characters"),
+        std::string::npos);
     // Only the fleet knows what a generation does not have.
     std::string const old =
         "[poll.p]\nperiod = \"1s\"\nitems = [\"progress 0\"]\n" + std::string(Press) + "generation = \"FS\"\n";
