@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Puts the figures of the gateway into docs/benchmarks.md and docs/scaling.md.
+"""Puts the figures of the gateway into docs/benchmarks.md and docs/scaling.md, and those of its soak into docs/sparkplug.md.
 
     gateway_report.py FILE       takes the figures that benchmarks/gateway/gateway_bench.py printed
+    gateway_report.py --soak FILE    takes the report of script/soak gateway, if nothing failed in it
     gateway_report.py            makes the tables anew from the figures of before
     gateway_report.py --check    fails if the tables were not made by this script
 
@@ -20,6 +21,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FIGURES = ROOT / "docs" / "gateway-figures.json"
 START, END = "<!-- gateway figures -->\n", "<!-- end of gateway figures -->"
+FULL, DAMAGED = "store full", "bytes of the store"  # the failures that cost something
 PLANTS = (10, 100, 1000, 10_000)
 MOST_CORE, MOST_SCRAPE = 35.0, 100.0  # % of a core, ms: what one gateway may take
 
@@ -90,29 +92,72 @@ def scaling(figures):
     return START + "\n".join(lines) + "\n" + END
 
 
+def loss_of(failure, soak):
+    if FULL in failure:
+        return f"{soak['storeFull']['missing']:,} samples, the oldest; {soak['storeFull']['dropped']:,} were counted"
+    if DAMAGED in failure:
+        flipped = soak["bytesFlipped"]
+        return f"{flipped['missing']:,} samples; {flipped['damaged']:,} were counted as damaged, the others of them had arrived before"
+    return "none"
+
+
+def soaked(soak):
+    """The table of docs/sparkplug.md: each failure with its worst case."""
+    values = sum(hall["valuesRead"] for hall in soak["halls"].values())
+    lost = sum(hall["notCommittedWhenKilled"] for hall in soak["halls"].values())
+    lines = [f"| Failure ({soak['date']}, {soak['minutes']:g} minutes, {soak['controllers']:,} controllers, {values:,} values read, "
+             f"commit {soak['commit']}, {soak['machine']}) | Times | Live data goes on after, at most | Missing |", "|---|---|---|---|"]
+    lines += [f"| {failure[0].upper()}{failure[1:]} | {seen['times']} | {seen['longestSeconds']:g} s | {loss_of(failure, soak)} |"
+              for failure, seen in soak["failures"].items()]
+    lines += ["", f"Of what the killed gateways had read, {lost or 'nothing'} was uncommitted. The consumer found no fault in any message. "
+              f"The three gateways stopped within {max(soak['secondsToStop'].values()):g} s."]
+    return START + "\n".join(lines) + "\n" + END
+
+
 def pages():
     """The pages with the parts that belong into them."""
-    for name, part in (("benchmarks.md", section()), ("scaling.md", scaling(known()))):
+    for name, part in (("benchmarks.md", section()), ("scaling.md", scaling(known())), ("sparkplug.md", soaked(known()["soak"]))):
         page = ROOT / "docs" / name
         text = page.read_text(encoding="utf-8")
         yield page, text, re.sub(f"{re.escape(START)}.*{re.escape(END)}", lambda _, own=part: own, text, flags=re.DOTALL)
 
 
-def take(file):
+def origin():
     def run(*command):
         return subprocess.run(command, cwd=ROOT, capture_output=True, text=True, check=False).stdout.strip()
 
     models = re.findall(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8"))
-    figures = json.loads(file.read_text(encoding="utf-8"))
-    figures.update(commit=run("git", "rev-parse", "--short", "HEAD") or "unknown",
-                   date=datetime.datetime.now(datetime.timezone.utc).date().isoformat(),
-                   machine=f"{models[0] if models else platform.machine()}, {run('nproc')} cores")
+    return {"commit": run("git", "rev-parse", "--short", "HEAD") or "unknown",
+            "date": datetime.datetime.now(datetime.timezone.utc).date().isoformat(),
+            "machine": f"{models[0] if models else platform.machine()}, {run('nproc')} cores"}
+
+
+def take(file):
+    figures = json.loads(file.read_text(encoding="utf-8")) | origin()
+    write(figures | {"soak": known()["soak"]})
+
+
+def take_soak(file):
+    soak = json.loads(file.read_text(encoding="utf-8"))
+    if soak["faults"]:
+        sys.exit(f"{file}: the soak failed: {soak['faults'][0]}")
+    failures = soak["failures"] = {}
+    for event in soak.pop("events"):
+        seen = failures.setdefault(event["failure"], {"times": 0, "longestSeconds": 0.0})
+        seen["times"] += 1
+        seen["longestSeconds"] = max(seen["longestSeconds"], event["goesOnAfterSeconds"])
+    write(known() | {"soak": soak | origin()})
+
+
+def write(figures):
     FIGURES.write_text(json.dumps(figures, indent=2) + "\n", encoding="utf-8")
 
 
 def main():
     is_check = sys.argv[1:] == ["--check"]
-    if len(sys.argv) > 1 and not is_check:
+    if sys.argv[1:2] == ["--soak"]:
+        take_soak(pathlib.Path(sys.argv[2]))
+    elif len(sys.argv) > 1 and not is_check:
         take(pathlib.Path(sys.argv[1]))
     for page, before, after in pages():
         if START not in before or (is_check and before != after):
