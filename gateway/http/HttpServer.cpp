@@ -1,5 +1,6 @@
 #include "gateway/http/HttpServer.h"
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 #include <vector>
@@ -111,7 +112,7 @@ private:
     lws_context* context_ = nullptr;
     Tick tick_;
     Connections open_; ///< the thread's own, as the next
-    std::vector<unsigned char> piece_;
+    std::vector<unsigned char> piece_; ///< what is being written, with room for the library before it
     std::atomic<bool> isStopping_ = false;
     std::atomic<std::uint64_t> rounds_ = 0;
     std::unique_ptr<AnswerQueue> queue_ = std::make_unique<AnswerQueue>(api_, [this] { lws_cancel_service(context_); });
@@ -383,9 +384,9 @@ int HttpServer::Implementation::SendLive(lws* socket) {
     // What the client does not take at once, the library keeps, and it calls again when all of it is gone: so at most one message
     // waits for a slow client. A fast one gets all that there is at once: each call costs a look at all sockets.
     while (LiveText const text = live.Next()) {
-        std::vector<unsigned char> message(LWS_PRE + text->size());
-        std::copy(text->begin(), text->end(), message.begin() + LWS_PRE);
-        if (lws_write(socket, message.data() + LWS_PRE, text->size(), LWS_WRITE_TEXT) < 0) {
+        piece_.resize(std::max(piece_.size(), LWS_PRE + text->size()));
+        std::copy(text->begin(), text->end(), piece_.begin() + LWS_PRE);
+        if (lws_write(socket, piece_.data() + LWS_PRE, text->size(), LWS_WRITE_TEXT) < 0) {
             return -1;
         }
         if (live.IsDone()) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <string_view>
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include "recording/model/Kinds.h"
@@ -126,8 +127,9 @@ void AppendItemValue(std::string& text, Controller const& controller, ApiItem co
                           controller.readings[item.reading].items[item.place].type != RecordedType::Truth;
     recording::RecordedValue const* const value = isNumber ? &sample->values[item.place] : nullptr;
     auto const append = [&](auto const& number) {
-        fmt::format_to(std::back_inserter(text), "[{},{},{},\"{}\"]", item.id, Milliseconds(sample->moment.answer),
-                       number, Qualities.at(static_cast<std::size_t>(sample->moment.quality)));
+        fmt::format_to(std::back_inserter(text), FMT_COMPILE("[{},{},{},\"{}\"]"), item.id,
+                       Milliseconds(sample->moment.answer), number,
+                       Qualities.at(static_cast<std::size_t>(sample->moment.quality)));
     };
     if (value != nullptr && std::holds_alternative<std::int64_t>(*value)) {
         append(std::get<std::int64_t>(*value));

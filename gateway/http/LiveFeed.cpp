@@ -1,10 +1,9 @@
 #include "gateway/http/LiveFeed.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
-
-#include "gateway/http/Items.h"
 
 namespace harvlink::gateway {
 
@@ -15,37 +14,78 @@ using words::Json;
 constexpr std::size_t EventsOfHello = 100;
 constexpr std::int64_t AnswerPace = 1000; ///< milliseconds: that it answered again is worth no message by itself
 
+/// The clock may have been set back since.
+bool IsDue(std::int64_t last, std::int64_t now) {
+    return now - last >= AnswerPace || now < last;
+}
+
 LiveText TextOf(Json const& json) {
     return std::make_shared<std::string const>(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
-} // namespace
-
-bool LiveFeed::TakeChange(LatestController& changed, bool isWhole) {
-    Known& known = known_[changed.controller->name];
-    if (isWhole || known.latest.controller != changed.controller) {
-        known.latest = std::move(changed);
-        return true;
+LiveText ItemsText(LatestController const& latest, std::vector<ApiItem> const& all) {
+    Json items = Json::array();
+    Json values = Json::array();
+    for (ApiItem const& item : all) {
+        items.push_back(ItemJson(*latest.controller, item));
+        values.push_back(ItemValueJson(*latest.controller, item, latest.samples.at(item.reading)));
     }
-    bool hasNews = known.latest.linkVersion != changed.linkVersion;
-    for (std::size_t i = 0; i < changed.samples.size(); ++i) {
-        if (changed.samples[i] != nullptr) {
-            known.latest.samples[i] = std::move(changed.samples[i]);
-            hasNews = hasNews || IsInSummary(changed.controller->readings[i]);
+    return TextOf({{"type", "items"},
+                   {"controller", latest.controller->name},
+                   {"items", std::move(items)},
+                   {"values", std::move(values)}});
+}
+
+/// Those that have changed since a version; null if none has.
+LiveText ValuesText(LatestController const& latest, std::vector<ApiItem> const& items, std::uint64_t version) {
+    std::string values;
+    for (ApiItem const& item : items) {
+        if (latest.versions.at(item.reading) > version) {
+            values += values.empty() ? "" : ",";
+            AppendItemValue(values, *latest.controller, item, latest.samples.at(item.reading));
         }
     }
-    changed.samples = std::move(known.latest.samples);
-    known.latest = std::move(changed);
+    return values.empty()
+               ? nullptr
+               : std::make_shared<std::string const>(fmt::format(R"({{"type":"values","controller":{},"values":[{}]}})",
+                                                                 *TextOf(latest.controller->name), values));
+}
+
+} // namespace
+
+/// Controllers were added or removed: the copy has them at other places, or with other items.
+void LiveFeed::RememberAll(Json& removed) {
+    std::map<std::string, Known> before = std::exchange(known_, {});
+    for (auto const& [id, latest] : copy_.controllers) {
+        Known& known = known_[latest.controller->name];
+        if (auto const found = before.find(latest.controller->name); found != before.end()) {
+            known.summary = std::move(found->second.summary);
+            before.erase(found);
+        }
+        known.latest = &latest;
+    }
+    for (auto const& [name, known] : before) {
+        removed.push_back(name);
+    }
+}
+
+/// True if the summary may have changed in more than the time of the last answer.
+bool LiveFeed::HasNews(LatestController const& latest) const {
+    bool hasNews = copy_.isWhole || latest.linkVersion > copy_.versionBefore;
+    for (std::size_t i = 0; i < latest.versions.size() && !hasNews; ++i) {
+        hasNews = latest.versions[i] > copy_.versionBefore && IsInSummary(latest.controller->readings[i]);
+    }
     return hasNews;
 }
 
 /// Adds the keys of the summary that have changed, if any has.
-void LiveFeed::AddChanged(Json& changed, Known& known, bool hasNews, std::int64_t now) const {
-    bool const saysAnswer = now - known.answerSaid >= AnswerPace || now < known.answerSaid;
-    if (!hasNews && !saysAnswer) {
+void LiveFeed::AddChanged(Json& changed, LatestController const& latest, std::int64_t now) {
+    Known& known = known_.at(latest.controller->name);
+    bool const saysAnswer = IsDue(known.answerSaid, now);
+    if (!saysAnswer && !HasNews(latest)) {
         return;
     }
-    Json summary = SummaryJson(known.latest, roundTrips_);
+    Json summary = SummaryJson(latest, roundTrips_);
     Json difference = Json::object();
     for (auto const& [key, value] : summary.items()) {
         bool const isAnswer = key == "answered" || key == "roundTrip";
@@ -57,48 +97,38 @@ void LiveFeed::AddChanged(Json& changed, Known& known, bool hasNews, std::int64_
         return;
     }
     known.answerSaid = saysAnswer ? now : known.answerSaid;
-    difference["name"] = known.latest.controller->name;
+    difference["name"] = latest.controller->name;
     known.summary = std::move(summary);
     changed.push_back(std::move(difference));
 }
 
 LiveText LiveFeed::Look() {
-    LatestTable::Changes changes = api_.Sources().table->ChangesSince(version_);
-    bool const isFirst = version_ == 0;
-    version_ = changes.version;
-    values_.clear();
-    if (changes.controllers.empty() && changes.events.empty() && !changes.isWhole) {
+    api_.Sources().table->BringUpToDate(copy_);
+    if (copy_.changed.empty() && copy_.events.empty() && !copy_.isWhole) {
         return nullptr;
     }
-    roundTrips_ = api_.Sources().roundTrips();
     std::int64_t const now = NowMilliseconds();
+    if (IsDue(roundTripsAsked_, now)) {
+        roundTripsAsked_ = now;
+        roundTrips_ = api_.Sources().roundTrips();
+    }
     Json changed = Json::array();
     Json removed = Json::array();
-    if (changes.isWhole) {
-        std::erase_if(known_, [&](auto const& known) {
-            bool const isThere =
-                std::any_of(changes.controllers.begin(), changes.controllers.end(),
-                            [&](LatestController const& each) { return each.controller->name == known.first; });
-            if (!isThere) {
-                removed.push_back(known.first);
-            }
-            return !isThere;
-        });
+    if (copy_.isWhole) {
+        RememberAll(removed);
     }
-    for (LatestController& each : changes.controllers) {
-        std::string const name = each.controller->name;
-        bool const hasNews = TakeChange(each, changes.isWhole);
-        AddChanged(changed, known_[name], hasNews, now);
+    for (LatestController const* each : copy_.changed) {
+        AddChanged(changed, *each, now);
     }
     Json events = Json::array();
-    for (NumberedEvent const& event : changes.events) {
+    for (NumberedEvent const& event : copy_.events) {
         events.push_back(EventJson(event));
     }
     if (changed.empty() && removed.empty() && events.empty()) {
         return nullptr;
     }
     hello_.reset();
-    if (isFirst) {
+    if (copy_.versionBefore == 0) {
         return nullptr; // nobody can have an older picture
     }
     return TextOf({{"type", "delta"},
@@ -127,53 +157,27 @@ LiveText LiveFeed::Hello() {
     return hello_;
 }
 
-std::uint32_t LiveFeed::IdOf(std::string const& controller) const {
-    auto const found = known_.find(controller);
-    return found == known_.end() ? 0 : found->second.latest.controller->id;
-}
-
-LiveText LiveFeed::Items(std::string const& controller, std::uint64_t& version) {
+LiveText LiveFeed::News(std::string const& controller, Seen& seen) {
     auto const found = known_.find(controller);
     if (found == known_.end()) {
+        seen = {};
         return nullptr;
     }
-    version = version_;
-    LatestController const& latest = found->second.latest;
-    Json items = Json::array();
-    Json values = Json::array();
-    for (ApiItem const& item : ItemsOf(*latest.controller)) {
-        items.push_back(ItemJson(*latest.controller, item));
-        values.push_back(ItemValueJson(*latest.controller, item, latest.samples.at(item.reading)));
-    }
-    return TextOf(
-        {{"type", "items"}, {"controller", controller}, {"items", std::move(items)}, {"values", std::move(values)}});
-}
-
-LiveText LiveFeed::Values(std::string const& controller, std::uint64_t& version) {
-    auto const found = known_.find(controller);
-    if (found == known_.end() || version >= version_) {
+    Known& known = found->second;
+    LatestController const& latest = *known.latest;
+    Seen const before = std::exchange(seen, {latest.controller->id, copy_.version});
+    if (before == seen) {
         return nullptr;
     }
-    std::uint64_t const from = std::exchange(version, version_);
-    auto& made = values_[controller];
-    auto const same = std::find_if(made.begin(), made.end(), [&](Values_ const& each) { return each.from == from; });
-    if (same != made.end()) {
-        return same->text;
-    }
-    LatestController const& latest = found->second.latest;
-    std::string values;
-    for (ApiItem const& item : ItemsOf(*latest.controller)) {
-        if (latest.versions.at(item.reading) > from) {
-            values += values.empty() ? "" : ",";
-            AppendItemValue(values, *latest.controller, item, latest.samples.at(item.reading));
+    if (known.told.before != before || known.told.after != seen) {
+        if (known.items.empty()) {
+            known.items = ItemsOf(*latest.controller);
         }
+        bool const hasItems = before.id == seen.id;
+        known.told = {before, seen,
+                      hasItems ? ValuesText(latest, known.items, before.version) : ItemsText(latest, known.items)};
     }
-    LiveText text = values.empty()
-                        ? nullptr
-                        : std::make_shared<std::string const>(fmt::format(
-                              R"({{"type":"values","controller":{},"values":[{}]}})", *TextOf(controller), values));
-    made.push_back({from, version_, text});
-    return text;
+    return known.told.text;
 }
 
 void LiveClient::Receive(std::string_view text) {
@@ -192,7 +196,7 @@ void LiveClient::Receive(std::string_view text) {
         needsHello_ = true; // what went by is not sent any more
         delta_.reset();
         for (Watched& watched : watched_) {
-            watched.id = 0;
+            watched.seen = {};
         }
     }
     auto const watch = message.find("watch");
@@ -207,7 +211,7 @@ void LiveClient::Receive(std::string_view text) {
     }
     watched_.clear();
     for (Json const& name : *watch) {
-        watched_.push_back({name.get<std::string>(), 0, 0});
+        watched_.push_back({name.get<std::string>(), {}});
     }
     turn_ = 0;
     turnsLeft_ = watched_.size();
@@ -249,12 +253,7 @@ LiveText LiveClient::NextValues() {
     for (; turnsLeft_ > 0; --turnsLeft_) {
         Watched& watched = watched_[turn_];
         turn_ = (turn_ + 1) % watched_.size();
-        std::uint32_t const id = feed_.IdOf(watched.controller);
-        bool const isNew = id != watched.id;
-        watched.id = id;
-        LiveText text = isNew ? feed_.Items(watched.controller, watched.version)
-                              : feed_.Values(watched.controller, watched.version);
-        if (text != nullptr) {
+        if (LiveText text = feed_.News(watched.controller, watched.seen); text != nullptr) {
             --turnsLeft_;
             return text;
         }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "gateway/http/Api.h"
+#include "gateway/http/Items.h"
 #include "gateway/watch/LatestTable.h"
 
 namespace harvlink::gateway {
@@ -17,6 +18,14 @@ using LiveText = std::shared_ptr<std::string const>;
 /// Makes the messages of /api/live, each once for all clients. For one thread.
 class LiveFeed {
 public:
+    /// What has been told of a controller that is watched.
+    struct Seen {
+        std::uint32_t id = 0; ///< of the controller, which changes with its items; 0: nothing has been told
+        std::uint64_t version = 0; ///< of the table
+
+        bool operator==(Seen const&) const = default;
+    };
+
     explicit LiveFeed(Api const& api) : api_(api) {}
 
     /// Looks what has changed. Returns the delta since the last look; null if nothing has.
@@ -25,36 +34,35 @@ public:
     /// The full picture, as of the last look.
     LiveText Hello();
 
-    /// The items of a controller with their values, or those of them that have changed since a version of the table. Null if
-    /// there is nothing to say. `version` becomes that of the answer.
-    LiveText Items(std::string const& controller, std::uint64_t& version);
-    LiveText Values(std::string const& controller, std::uint64_t& version);
-
-    /// The id of a controller with this name, 0 if there is none. It changes with its items.
-    std::uint32_t IdOf(std::string const& controller) const;
+    /// What somebody who watches a controller is told next: its items with their values if it does not have them yet, or else the
+    /// values that have changed. Null if there is nothing. `seen` becomes what is told.
+    LiveText News(std::string const& controller, Seen& seen);
 
 private:
-    struct Known { // NOLINT(bugprone-exception-escape): its JSON is moved, which takes no memory
-        LatestController latest;
-        words::Json summary;
-        std::int64_t answerSaid = 0; ///< when its last answer was last part of a delta
-    };
-    struct Values_ {
-        std::uint64_t from = 0;
-        std::uint64_t to = 0;
+    /// The last text of a controller: all who have seen the same are told the same.
+    struct Told {
+        Seen before;
+        Seen after;
         LiveText text;
     };
+    struct Known { // NOLINT(bugprone-exception-escape): its JSON is moved, which takes no memory
+        LatestController const* latest = nullptr; ///< in copy_
+        words::Json summary;
+        std::int64_t answerSaid = 0; ///< when its last answer was last part of a delta
+        std::vector<ApiItem> items; ///< none: nobody has asked for them
+        Told told;
+    };
 
-    /// True if the summary may have changed in more than the time of the last answer.
-    bool TakeChange(LatestController& changed, bool isWhole);
-    void AddChanged(words::Json& changed, Known& known, bool hasNews, std::int64_t now) const;
+    void RememberAll(words::Json& removed);
+    bool HasNews(LatestController const& latest) const;
+    void AddChanged(words::Json& changed, LatestController const& latest, std::int64_t now);
 
     Api const& api_;
-    std::uint64_t version_ = 0;
+    LatestCopy copy_;
     std::map<std::string, Known> known_;
     LastRoundTrips roundTrips_;
+    std::int64_t roundTripsAsked_ = 0; ///< milliseconds UTC
     LiveText hello_; ///< null: must be made anew
-    std::map<std::string, std::vector<Values_>> values_; ///< that were made since the last look
 };
 
 /// One client of /api/live: what it wants, and what it is sent next. Latest values win: what it could not take in time, it never
@@ -78,8 +86,7 @@ public:
 private:
     struct Watched {
         std::string controller;
-        std::uint32_t id = 0; ///< 0: its items are not sent yet
-        std::uint64_t version = 0;
+        LiveFeed::Seen seen;
     };
 
     LiveText NextValues();

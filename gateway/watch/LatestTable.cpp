@@ -1,8 +1,29 @@
 #include "gateway/watch/LatestTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace harvlink::gateway {
+
+namespace {
+
+/// In place: ten times a second, for all controllers of a plant, memory is not taken and given back.
+void CopyChanged(LatestController const& from, std::uint64_t version, LatestController& to) {
+    to.link = from.link;
+    to.linkSince = from.linkSince;
+    to.lastAnswer = from.lastAnswer;
+    to.alarmSince = from.alarmSince;
+    to.linkVersion = from.linkVersion;
+    to.answerVersion = from.answerVersion;
+    for (std::size_t i = 0; i < from.samples.size(); ++i) {
+        if (from.versions[i] > version) {
+            to.samples[i] = from.samples[i];
+            to.versions[i] = from.versions[i];
+        }
+    }
+}
+
+} // namespace
 
 void LatestTable::Added(ControllerPtr const& controller) {
     std::scoped_lock const lock(mutex_);
@@ -89,41 +110,33 @@ std::array<std::size_t, 5> LatestTable::LinkCounts() const {
     return counts;
 }
 
-LatestTable::Changes LatestTable::ChangesSince(std::uint64_t version) const {
+void LatestTable::BringUpToDate(LatestCopy& copy) const {
     std::scoped_lock const lock(mutex_);
-    Changes changes;
-    changes.version = version_;
-    changes.isWhole = version < listVersion_;
+    std::uint64_t const before = std::exchange(copy.version, version_);
+    copy.versionBefore = before;
+    copy.isWhole = before < listVersion_;
+    copy.changed.clear();
+    copy.events.clear();
+    if (copy.isWhole) {
+        copy.controllers = controllers_;
+    }
     for (auto const& [id, entry] : controllers_) {
-        auto const isNew = [&](std::uint64_t of) { return of > version; };
-        bool const hasChanged = isNew(entry.linkVersion) || isNew(entry.answerVersion) ||
-                                std::any_of(entry.versions.begin(), entry.versions.end(), isNew);
-        if (!hasChanged && !changes.isWhole) {
-            continue;
-        }
-        LatestController& copy = changes.controllers.emplace_back(entry);
-        for (std::size_t i = 0; i < copy.samples.size() && !changes.isWhole; ++i) {
-            if (!isNew(copy.versions[i])) {
-                copy.samples[i].reset();
-            }
+        if (copy.isWhole || entry.linkVersion > before || entry.answerVersion > before) {
+            LatestController& known = copy.controllers.at(id);
+            CopyChanged(entry, before, known);
+            copy.changed.push_back(&known);
         }
     }
     for (std::size_t i = 0; i < events_.size(); ++i) {
-        if (eventVersions_[i] > version) {
-            changes.events.push_back(events_[i]);
+        if (eventVersions_[i] > before) {
+            copy.events.push_back(events_[i]);
         }
     }
-    return changes;
 }
 
 std::vector<NumberedEvent> LatestTable::Events() const {
     std::scoped_lock const lock(mutex_);
     return {events_.begin(), events_.end()};
-}
-
-std::uint64_t LatestTable::Version() const {
-    std::scoped_lock const lock(mutex_);
-    return version_;
 }
 
 } // namespace harvlink::gateway

@@ -31,6 +31,18 @@ struct NumberedEvent {
     Event event;
 };
 
+/// The table as somebody knows it who follows its changes.
+struct LatestCopy {
+    std::uint64_t version = 0; ///< of the table; 0: nothing is known yet
+    std::map<std::uint32_t, LatestController> controllers; ///< by id
+
+    // What has become other when it was last brought up to date:
+    std::uint64_t versionBefore = 0;
+    bool isWhole = false; ///< controllers were added or removed: all of them have changed, and stand at other places
+    std::vector<LatestController const*> changed;
+    std::vector<NumberedEvent> events;
+};
+
 /// The last sample of each reading, the state of each link, and the last events. Each change has a version, which rises: whoever
 /// knows the table at one version asks for what has changed since. May be read from any thread.
 class LatestTable : public Observer {
@@ -47,19 +59,11 @@ public:
     /// How many controllers there are by their FleetState.
     std::array<std::size_t, 5> LinkCounts() const;
 
-    /// What has changed since a version, in one moment.
-    struct Changes {
-        std::uint64_t version = 0; ///< of the table now
-        bool isWhole = false; ///< controllers were added or removed: `controllers` has all of them with all samples
-        std::vector<LatestController> controllers; ///< those with changes; samples with the value of before are null
-        std::vector<NumberedEvent> events;
-    };
-    Changes ChangesSince(std::uint64_t version) const;
+    /// Brings a copy up to date, in one moment: only what has changed since is copied.
+    void BringUpToDate(LatestCopy& copy) const;
 
     /// The last events, oldest first.
     std::vector<NumberedEvent> Events() const;
-
-    std::uint64_t Version() const;
 
 private:
     LatestController* Find(ControllerPtr const& controller);
