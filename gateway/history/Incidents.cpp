@@ -4,6 +4,8 @@
 #include <string_view>
 #include <tuple>
 
+#include "recording/store/FileLock.h"
+
 namespace harvlink::gateway {
 
 namespace {
@@ -27,6 +29,13 @@ bool ReadName(std::string const& stem, Incident& incident) {
     return false;
 }
 
+/// Somebody may still read it when its recorder has ended, and then a log is beside it.
+bool IsComplete(std::filesystem::path const& file) {
+    std::error_code failure;
+    return !std::filesystem::exists(recording::FileLock::NameFor(file), failure) &&
+           !std::filesystem::exists(file.string() + "-wal", failure);
+}
+
 } // namespace
 
 std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
@@ -40,7 +49,7 @@ std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
         if (entry->path().extension() == Extension && entry->is_regular_file(failure) &&
             ReadName(entry->path().stem().string(), incident)) {
             incident.bytes = entry->file_size(failure);
-            incident.isComplete = !std::filesystem::exists(entry->path().string() + "-wal", failure);
+            incident.isComplete = IsComplete(entry->path());
             incidents.push_back(std::move(incident));
         }
     }
@@ -48,6 +57,16 @@ std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
         return std::tie(left.time, left.file) > std::tie(right.time, right.file);
     });
     return incidents;
+}
+
+Incident const* FindIncident(std::vector<Incident> const& incidents, std::string const& file) {
+    auto found = std::find_if(incidents.begin(), incidents.end(), [&](auto const& each) { return each.file == file; });
+    std::string const stem = std::filesystem::path(file).stem().string();
+    if (found == incidents.end() && stem.ends_with("Z-alarm")) {
+        found = std::find_if(incidents.begin(), incidents.end(),
+                             [&](auto const& each) { return each.file.starts_with(stem + "-"); });
+    }
+    return found == incidents.end() ? nullptr : &*found;
 }
 
 } // namespace harvlink::gateway

@@ -210,17 +210,17 @@ Response Api::Incident(Request const& request, std::string const& name, std::sto
     }
     // Only names of the list: nothing that a path could be made of.
     auto const all = ListIncidents(sources_.incidents);
-    auto const found = std::find_if(all.begin(), all.end(), [&](auto const& each) { return each.file == name; });
-    if (found == all.end()) {
+    gateway::Incident const* const found = FindIncident(all, name);
+    if (found == nullptr) {
         return ErrorResponse(404, fmt::format("there is no incident '{}'", name));
     }
-    std::filesystem::path const file = sources_.incidents / name;
+    std::filesystem::path const file = sources_.incidents / found->file;
     if (!found->isComplete) {
         return ErrorResponse(409, "the incident is still being written");
     }
     if (found->bytes > LargestDownload) {
-        return ErrorResponse(413,
-                             fmt::format("the incident has more than 256 MB; take {} from the gateway's disk", name));
+        return ErrorResponse(
+            413, fmt::format("the incident has more than 256 MB; take {} from the gateway's disk", found->file));
     }
     auto const attached = [](std::string const& called) {
         return std::pair<std::string, std::string>("content-disposition:",
@@ -229,7 +229,7 @@ Response Api::Incident(Request const& request, std::string const& name, std::sto
     if (TextOf(request, "format") == "csv") {
         return {200, "text/csv; charset=utf-8", {}, {attached(file.stem().string() + ".csv")}, CsvBody(file, stop)};
     }
-    return {200, "application/vnd.sqlite3", {}, {attached(name)}, OpenBody(file)};
+    return {200, "application/vnd.sqlite3", {}, {attached(found->file)}, OpenBody(file)};
 }
 
 } // namespace harvlink::gateway

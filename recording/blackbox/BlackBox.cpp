@@ -344,7 +344,7 @@ void BlackBox::CommitOpen() {
 void BlackBox::End(Ring& ring) {
     if (ring.incident) {
         ring.incident->Commit();
-        ring.incident->Close();
+        auto const lock = ring.incident->Close(); // until it has its last name
         ring.incident.reset();
         Rename(ring);
     }

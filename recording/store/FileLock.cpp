@@ -13,7 +13,7 @@
 
 namespace harvlink::recording {
 
-FileLock::FileLock(std::filesystem::path const& recording) : path_(recording.string() + "-lock") {
+FileLock::FileLock(std::filesystem::path const& recording) : path_(NameFor(recording)) {
     // The owner before may remove its file between our opening and locking it.
     constexpr int MostTries = 100;
     for (int attempt = 0; attempt < MostTries; ++attempt) {

@@ -14,6 +14,11 @@ public:
     FileLock& operator=(FileLock const&) = delete;
     ~FileLock();
 
+    /// Is there from before the recording is until after it has ended, and stays if its recorder is killed.
+    static std::filesystem::path NameFor(std::filesystem::path const& recording) {
+        return recording.string() + "-lock";
+    }
+
 private:
     bool TryLock();
 

@@ -48,7 +48,7 @@ std::uint64_t SizeOf(std::filesystem::path const& path) {
 
 SampleStore::SampleStore(std::filesystem::path const& path, StoreOptions const& options)
     : options_(options),
-      lock_(path),
+      lock_(std::make_unique<FileLock>(path)),
       database_(path, Database::Access::Write),
       layout_([this]() -> Database& {
           constexpr char const* Settings =
@@ -318,7 +318,7 @@ void SampleStore::DropOldest() {
     }
 }
 
-void SampleStore::Close() {
+std::unique_ptr<FileLock> SampleStore::Close() {
     // Both fail while somebody reads, and then the log stays beside the file.
     try {
         database_.Number("PRAGMA wal_checkpoint(TRUNCATE)");
@@ -326,7 +326,7 @@ void SampleStore::Close() {
     } catch (Busy const&) {
         // The log stays, and whoever reads the recording next takes it in.
     }
-    lock_.reset();
+    return std::move(lock_);
 }
 
 std::uint64_t SampleStore::FileBytes() const {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -56,8 +57,9 @@ public:
 
     void Commit();
 
-    /// Ends the recording: afterwards it is a single file, unless somebody reads it.
-    void Close();
+    /// Ends the recording: afterwards it is a single file, unless somebody reads it. What it returns keeps others from taking
+    /// the file for finished as long as it lives.
+    std::unique_ptr<FileLock> Close();
 
     std::uint64_t FileBytes() const;
     std::uint64_t LogBytes() const;
@@ -98,7 +100,7 @@ private:
     std::uint64_t SegmentBytes() const;
 
     StoreOptions options_;
-    std::optional<FileLock> lock_;
+    std::unique_ptr<FileLock> lock_;
     Database database_;
     Layout layout_;
     FrameWriter frames_;

@@ -55,10 +55,15 @@ class ProgramTest(GatewayTest):
                  == [True], "the alarm in the recording")
         incident = wait_for(lambda: next((each for each in json.loads(get(port, "/api/incidents")) if each["complete"]), None),
                             "the incident")
-        path = f"/api/incidents/{incident['file']}"
+        begun = "robot1-20000101T000000Z-alarm.harvlink"
+        (self.folder / begun).touch()
+        (self.folder / (begun + "-lock")).touch()
+        self.assertIn((begun, False), [(each["file"], each["complete"]) for each in json.loads(get(port, "/api/incidents"))])
+        get(port, f"/api/incidents/{begun}", 409)
+        path = "/api/incidents/" + incident["file"].replace("-alarm-4107", "-alarm")
         self.assertRegex(get(port, path + "?format=csv"), "^time,seconds,controller,item,unit,value,quality\n(.*\n)+$")
         with urllib.request.urlopen(f"http://127.0.0.1:{port}{path}", timeout=PATIENCE) as answer:
-            self.assertEqual(answer.read(), (self.folder / incident["file"]).read_bytes())
+            self.assertEqual(answer.read(), next(self.folder.glob("robot2-*")).read_bytes())
         self.assertEqual(list(self.folder.glob("*.part")), [])
         get(port, "/api/latest", 421, Host="evil.example")
         get(port, "/api/virtual/robot2", 403, body=b"{}", Origin="http://evil.example")
