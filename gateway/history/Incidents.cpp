@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "recording/store/FileLock.h"
+#include "recording/write/SampleStore.h"
 
 namespace harvlink::gateway {
 
@@ -57,6 +58,18 @@ std::vector<Incident> ListIncidents(std::filesystem::path const& folder) {
         return std::tie(left.time, left.file) > std::tie(right.time, right.file);
     });
     return incidents;
+}
+
+void FinishIncidents(std::filesystem::path const& folder) {
+    for (Incident const& incident : ListIncidents(folder)) {
+        if (!incident.isComplete) {
+            try {
+                recording::SampleStore(folder / incident.file).Close();
+            } catch (recording::RecordingError const&) {
+                // Another gateway writes it, or it can't be mended: it stays as it is.
+            }
+        }
+    }
 }
 
 Incident const* FindIncident(std::vector<Incident> const& incidents, std::string const& file) {

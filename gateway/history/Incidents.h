@@ -20,6 +20,9 @@ struct Incident {
 /// Newest first.
 std::vector<Incident> ListIncidents(std::filesystem::path const& folder);
 
+/// Makes those complete that a killed gateway has left. Those that another one writes stay as they are.
+void FinishIncidents(std::filesystem::path const& folder);
+
 /// The code of an alarm comes into the name of a file when it is complete, after somebody may have seen the name without it:
 /// both names find it. Null if none does.
 Incident const* FindIncident(std::vector<Incident> const& incidents, std::string const& file);

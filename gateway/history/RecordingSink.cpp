@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "gateway/history/Incidents.h"
+
 namespace harvlink::gateway {
 
 namespace {
@@ -61,6 +63,7 @@ RecordingSink::RecordingSink(RecordingConfig const& config, Log& log) : log_(log
     }
     if (config.incidents) {
         std::filesystem::create_directories(config.incidents->folder);
+        FinishIncidents(config.incidents->folder);
         box_ = std::make_unique<recording::BlackBox>(OptionsOf(*config.incidents));
     }
     thread_ = std::thread([this] { Run(); });

@@ -109,6 +109,21 @@ class LifeTest(GatewayTest):
         self.stop_in_time(gateway, is_orderly=True)
         self.assertEqual(list(self.folder.glob("*.part")), [])
 
+    def test_an_incident_that_a_killed_gateway_has_left(self):
+        settings = f'[recording.incidents]\nfolder = "{self.folder}"\nafter = "600s"\n'
+        gateway = Gateway(self, settings, "--simulate", "1")
+        wait_for(lambda: json.loads(get(gateway.port, "/health/live"))["online"] == 1, "the controller")
+        get(gateway.port, "/api/virtual/robot1", body=b'{"alarm":4107}')
+        begun = wait_for(lambda: next(iter(json.loads(get(gateway.port, "/api/incidents"))), None), "the incident")
+        get(gateway.port, f"/api/incidents/{begun['file']}", 409)
+        wait_for(lambda: has_events(self.folder / begun["file"]), "what was read before it")
+        gateway.process.kill()
+        gateway.process.wait()
+        gateway = Gateway(self, settings, "--simulate", "1")
+        left = json.loads(get(gateway.port, "/api/incidents"))
+        self.assertEqual([(each["file"], each["complete"]) for each in left], [(begun["file"], True)])
+        self.assertRegex(get(gateway.port, f"/api/incidents/{begun['file']}?format=csv"), "robot1,state.alarm,,1,good\n")
+
     def test_an_error_stream_that_nobody_reads_holds_up_nothing(self):
         reader, writer = os.pipe()
         self.addCleanup(os.close, reader)
@@ -149,6 +164,13 @@ class LifeTest(GatewayTest):
             self.assertIn("harvlink_mqtt_born 0", get(gateway.port, "/metrics"))
         self.assertIn(b"broker", silent.recv(512))
         self.stop_in_time(gateway, is_orderly=True)
+
+
+def has_events(recording):
+    """Whether a commit has come to the disk: it has all up to the event."""
+    with contextlib.suppress(sqlite3.OperationalError), contextlib.closing(sqlite3.connect(recording)) as database:
+        return database.execute("SELECT count(*) FROM events").fetchone()[0] > 0
+    return False
 
 
 def enlarge(recording, frames):
