@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -60,11 +61,16 @@ TEST_F(ConnectBinding, RecordsOfOtherVersionsAreHonoured) {
         HarvlinkConnectOptions options;
         std::byte newer[8]{};
     } larger{options};
-    for (auto const& [size, byteBehind, expected] :
-         {std::tuple{0U, 0, 0x50000}, {15U, 0, 0x50000}, {16U, 0, 0}, {56U, 1, 0}, {64U, 0, 0}, {64U, 1, 0x50000}}) {
+    constexpr unsigned oldest = offsetof(HarvlinkConnectOptions, retries); // it ends behind a pointer
+    for (auto const& [size, byteBehind, expected] : {std::tuple{0U, 0, 0x50000},
+                                                     {oldest - 1, 0, 0x50000},
+                                                     {oldest, 0, 0},
+                                                     {56U, 1, 0},
+                                                     {64U, 0, 0},
+                                                     {64U, 1, 0x50000}}) {
         larger.options = options;
         larger.options.size = size;
-        if (size == 16U) { // all behind the address is unknown to the older program
+        if (size == oldest) { // all behind the address is unknown to the older program
             std::memset(reinterpret_cast<char*>(&larger) + size, 0xff, sizeof(options) - size);
         }
         larger.newer[7] = std::byte(byteBehind);
