@@ -44,14 +44,14 @@ public:
 
 private:
 #if defined(_WIN32)
-    std::uintptr_t socket_;
+    std::uintptr_t socket_ = 0;
     mutable std::uint16_t lastPort_ = 0; ///< to which a datagram was sent
 #else
     Received ReadError() const;
 
     int descriptor_ = -1;
 #endif
-    std::uint32_t host_;
+    std::uint32_t host_ = 0;
 };
 
 } // namespace harvlink::cli

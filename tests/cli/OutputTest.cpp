@@ -11,6 +11,7 @@
 
 #include "cli/output/Progress.h"
 #include "cli/program/Interrupt.h"
+#include "support/Environment.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli {
@@ -42,14 +43,14 @@ TEST(Output, MakesTablesOfDocuments) {
 
 TEST(Output, ColoursOnlyTerminalsThatAllowIt) {
     Json const table = Json::array({{{"name", "a"}}});
-    ::unsetenv("NO_COLOR");
-    ::setenv("TERM", "xterm", 1);
+    test::SetVariable("NO_COLOR", "");
+    test::SetVariable("TERM", "xterm");
     EXPECT_NE(Shown(table, true).find('\x1b'), std::string::npos);
     EXPECT_EQ(Shown(table, false).find('\x1b'), std::string::npos);
-    ::setenv("TERM", "dumb", 1);
+    test::SetVariable("TERM", "dumb");
     EXPECT_EQ(Shown(table, true).find('\x1b'), std::string::npos);
-    ::setenv("TERM", "xterm", 1);
-    ::setenv("NO_COLOR", "1", 1);
+    test::SetVariable("TERM", "xterm");
+    test::SetVariable("NO_COLOR", "1");
     EXPECT_EQ(Shown(table, true).find('\x1b'), std::string::npos);
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <cstdlib>
 #include <ctime>
 #include <string>
+
+#include "support/Environment.h"
 
 namespace harvlink::test {
 
@@ -16,11 +17,10 @@ public:
 
 private:
     static void Set(std::string const& name) {
+        SetVariable("TZ", name);
 #if defined(_WIN32)
-        ::_putenv_s("TZ", name.c_str());
         ::_tzset();
 #else
-        ::setenv("TZ", name.c_str(), 1);
         ::tzset();
 #endif
     }

@@ -23,10 +23,10 @@ private:
     std::string Convert(std::string_view bytes);
 
 #if defined(_WIN32)
-    unsigned from_;
-    unsigned to_;
+    unsigned from_ = 0;
+    unsigned to_ = 0;
 #else
-    void* handle_;
+    void* handle_ = nullptr;
 #endif
 };
 

@@ -44,7 +44,8 @@ int CharacterWidth::Of(char32_t code) {
     if ((TypeOf(code, CT_CTYPE1) & C1_CNTRL) != 0) {
         return -1;
     }
-    if ((TypeOf(code, CT_CTYPE3) & C3_NONSPACING) != 0) {
+    // A letter with an accent counts as such a mark too.
+    if ((TypeOf(code, CT_CTYPE3) & (C3_NONSPACING | C3_ALPHA)) == C3_NONSPACING) {
         return 0;
     }
     bool const isWide =
