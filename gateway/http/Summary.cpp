@@ -27,11 +27,17 @@ std::string TextOf(RecordedValue const& value) {
     return text == nullptr ? "" : *text;
 }
 
-/// The first good sample of a kind; null if there is none.
+/// Model and software stay known while a controller does not answer; all else may have become other.
+bool Holds(Sample const& sample, std::string_view what) {
+    using recording::RecordedQuality;
+    bool const isLast = sample.moment.quality == RecordedQuality::Stale && !sample.values.empty();
+    return sample.moment.quality == RecordedQuality::Good || (isLast && what == kind::Software);
+}
+
+/// The first sample of a kind that holds; null if there is none.
 Sample const* Find(LatestController const& latest, std::string_view what) {
     for (SamplePtr const& sample : latest.samples) {
-        bool const isGood = sample != nullptr && sample->moment.quality == recording::RecordedQuality::Good;
-        if (isGood && latest.controller->readings[sample->reading].kind == what) {
+        if (sample != nullptr && Holds(*sample, what) && latest.controller->readings[sample->reading].kind == what) {
             return sample.get();
         }
     }

@@ -8,15 +8,16 @@ export class AlarmCard {
     readonly root = element("section", { class: "panel alarm-card", "aria-live": "polite" });
     private shown = "";
 
-    show(alarm: Alarm | null): void {
-        const key = alarm === null ? "none" : `${alarm.code} ${alarm.subcode} ${alarm.count} ${alarm.text}`;
+    /** `isKnown`: whether the controller answers, so that no alarm means that there is none. */
+    show(alarm: Alarm | null, isKnown: boolean): void {
+        const key = alarm === null ? `none ${isKnown}` : `${alarm.code} ${alarm.subcode} ${alarm.count} ${alarm.text}`;
         if (key === this.shown) {
             return;
         }
         this.shown = key;
         this.root.classList.toggle("active", alarm !== null);
         if (alarm === null) {
-            replace(this.root, element("h2", { class: "unseen" }, texts.alarms), element("p", { class: "note" }, texts.noAlarm));
+            replace(this.root, element("h2", { class: "unseen" }, texts.alarms), element("p", { class: "note" }, isKnown ? texts.noAlarm : texts.alarmUnknown));
             return;
         }
         const body = element("div", { class: "card" });

@@ -19,6 +19,7 @@ export class ArmView {
     readonly root = element("section", { class: "panel arm", hidden: true });
     readonly redraw = oncePerFrame(() => this.draw());
 
+    private readonly note = element("p", { class: "note", hidden: true }, texts.arm.unknown);
     private drawing: ArmDrawing | null = null;
     private geometry: Geometry | null = null;
     private isClosed = false;
@@ -53,15 +54,22 @@ export class ArmView {
         }
         this.geometry = geometry;
         this.drawing = module.drawArm(geometry, texts.arm.label(this.name));
-        replace(this.root, element("h2", {}, texts.arm.title), this.drawing.canvas);
+        replace(this.root, element("h2", {}, texts.arm.title), this.note, this.drawing.canvas);
         this.draw();
     }
 
     private draw(): void {
         const angles = this.angles();
-        if (this.drawing !== null && angles !== null && !document.hidden) {
+        this.note.hidden = angles !== null;
+        if (this.drawing === null || document.hidden) {
+            return;
+        }
+        const { canvas } = this.drawing;
+        canvas.classList.toggle("past", angles === null);
+        if (angles !== null) {
             this.drawing.pose(angles);
         }
+        canvas.hidden = canvas.dataset["pose"] === undefined; // a pose that it never had would be made up
     }
 
     private angles(): number[] | null {

@@ -25,7 +25,8 @@ export async function backfill(plant: Plant, name: string, from: number): Promis
             for (const series of history.series) {
                 const last = series.times.at(-1);
                 if (last !== undefined) {
-                    watched.tracks.get(series.id)?.replace(range.from, last, series.times, series.last);
+                    const recorded = { times: series.times, values: series.last };
+                    watched.tracks.get(series.id)?.replace(range.from, last, recorded, (range.to - range.from) / part.points);
                 }
             }
         }

@@ -10,7 +10,7 @@ import type { Live } from "./live";
 import type { Item, LinkQuality, Summary, Value } from "./model";
 import { Watched, type Plant } from "./plant";
 import { firstItems, isPlottable, PlotPanel, secondItems } from "./plotPanel";
-import { shapeOf, stateOf } from "./severity";
+import { isAnswering, shapeOf, stateOf } from "./severity";
 import { texts } from "./texts";
 import { jobOf } from "./tile";
 import { pathItems, ToolPath } from "./toolPath";
@@ -133,7 +133,7 @@ export class ControllerView implements View {
         const state = stateOf(controller);
         setAttribute(this.heading, "data-state", state);
         setText(this.heading, `${shapeOf(state)} ${texts.states[state]}`);
-        this.alarm.show(controller.alarm);
+        this.alarm.show(controller.alarm, isAnswering(controller));
         this.showFacts(controller);
         if (controller.virtual && this.plant.simulated && this.knobs.firstChild === null) {
             this.knobs.append(knobsOf(this.name));

@@ -16,6 +16,10 @@ export function lineOf(series: Series, to: number): Points {
         const last = series.last[index] ?? null;
         const low = series.low[index] ?? null;
         const high = series.high[index] ?? null;
+        const before = values.at(-1);
+        if (last === null && before !== undefined && before !== null && times.at(-1)! < time - 1) {
+            put(time - 1, before); // it held until the gap
+        }
         const part = (series.times[index + 1] ?? to) - time;
         put(time, last);
         if (low !== high && part > 3) {

@@ -34,14 +34,19 @@ export function eventList(events: PlantEvent[], hasHistory: boolean, isOfMany: b
     return list;
 }
 
+/** Of an alarm; the code of any other event is a status of the library, which says no more than the kind. */
+export function alarmCodeOf(event: PlantEvent): string {
+    const isAlarm = event.kind.startsWith("alarm-") && event.code;
+    return isAlarm ? ` ${event.code}${event.subcode ? `[${event.subcode}]` : ""}` : "";
+}
+
 function eventLine(event: PlantEvent, hasHistory: boolean, isOfMany: boolean): HTMLElement {
-    const code = event.code ? ` ${event.code}${event.subcode ? `[${event.subcode}]` : ""}` : "";
     const line = element(
         "li",
         { "data-kind": event.kind },
         element("time", { datetime: new Date(event.time).toISOString() }, clock(event.time)),
         isOfMany && element("span", { class: "name" }, printable(event.controller)),
-        element("span", { class: "kind" }, `${texts.event[event.kind] ?? printable(event.kind)}${code}`),
+        element("span", { class: "kind" }, `${texts.event[event.kind] ?? printable(event.kind)}${alarmCodeOf(event)}`),
         element("span", { class: "text" }, printable(event.text ?? "")),
     );
     if (hasHistory) {

@@ -1,5 +1,6 @@
 // A uPlot with what all our plots share: a scale and an axis for each unit, events as marks, keys for cursor and zoom.
 import uPlot from "uplot";
+import { alarmCodeOf } from "./eventList";
 import type { Joined } from "./joined";
 import { reading } from "./format";
 import type { PlantEvent } from "./model";
@@ -102,7 +103,7 @@ export class Plot {
         const text = cssColour("--text");
         const grid = { stroke: cssColour("--grid"), width: 1 };
         const axis = { stroke: text, grid, ticks: grid };
-        const axes: uPlot.Axis[] = [{ ...axis, values: timeLabels as uPlot.Axis.Values }];
+        const axes: uPlot.Axis[] = [{ ...axis, values: timeLabels as uPlot.Axis.Values, space: 72 }];
         const scales: uPlot.Scales = { x: { time: true, auto: false } };
         this.units().forEach((unit, index) => {
             scales[unit] = { auto: false };
@@ -152,11 +153,13 @@ export class Plot {
             ctx.lineTo(x, bbox.top + bbox.height);
             ctx.stroke();
             const name = texts.event[event.kind] ?? event.kind;
-            const label = event.code ? `${name} ${event.code}` : name;
-            const room = { from: x, to: x + ctx.measureText(label).width + 8 };
+            const label = name + alarmCodeOf(event);
+            const width = ctx.measureText(label).width + 8;
+            const from = x + width > bbox.left + bbox.width ? x - width : x;
+            const room = { from, to: from + width };
             if (!taken.some((each) => room.from < each.to && each.from < room.to)) {
                 ctx.textAlign = "left";
-                ctx.fillText(label, x + 4, bbox.top + 12 * devicePixelRatio);
+                ctx.fillText(label, from + 4, bbox.top + 12 * devicePixelRatio);
                 taken.push(room);
             }
         }

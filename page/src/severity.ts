@@ -54,6 +54,8 @@ export function stateOf(controller: Summary): State {
     return controller.servo === false ? "servoOff" : "stopped";
 }
 
+export const isAnswering = (controller: Summary) => controller.link === "online" || controller.link === "late";
+
 export const shapeOf = (state: State) => shapes[state];
 
 const names = new Intl.Collator("en", { numeric: true });

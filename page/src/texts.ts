@@ -69,6 +69,7 @@ export const texts = {
     microseconds: (value: number) => (value < 1000 ? `${Math.round(value)} µs` : `${(value / 1000).toFixed(1)} ms`),
     alarms: "Alarm",
     noAlarm: "No alarm.",
+    alarmUnknown: "Whether there is an alarm is not known: the controller does not answer.",
     card: { meaning: "What it means", action: "What to do", missing: "There is no card for this code." },
     plots: "Plots",
     plot: {
@@ -93,7 +94,7 @@ export const texts = {
         missing: "Poll a position in base or robot coordinates to see the path.",
         unit: "mm",
     },
-    arm: { title: "Arm", loading: "Loading the arm", label: (name: string) => `Drawing of the arm of ${name}` },
+    arm: { title: "Arm", loading: "Loading the arm", unknown: "Its position is not known now.", label: (name: string) => `Drawing of the arm of ${name}` },
     values: "Values",
     value: "Value",
     item: "Item",

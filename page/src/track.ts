@@ -1,5 +1,7 @@
 // The recent past of one item: a ring of times and values. A value holds until the next one; null begins a gap.
 
+import type { Points } from "./joined";
+
 const capacity = 8192;
 
 export class Track {
@@ -12,15 +14,18 @@ export class Track {
     constructor(private readonly period: number) {}
 
     add(time: number, value: number | null): void {
-        const number = value ?? NaN;
+        this.put(time, value ?? NaN, this.period);
+    }
+
+    private put(time: number, number: number, period: number): void {
         if (this.count > 0) {
             const lastTime = this.timeAt(this.count - 1);
             const lastValue = this.valueAt(this.count - 1);
             if (time < lastTime || (Number.isNaN(number) && Number.isNaN(lastValue))) {
                 return;
             }
-            const held = time - this.period;
-            if (!Number.isNaN(lastValue) && held > lastTime + this.period) {
+            const held = time - period;
+            if (!Number.isNaN(lastValue) && held > lastTime + period) {
                 this.push(held, lastValue);
             }
         }
@@ -44,20 +49,20 @@ export class Track {
         return { times, values };
     }
 
-    /** Puts what was recorded between two times in place of what is known of them. */
-    replace(from: number, to: number, times: number[], values: (number | null)[]): void {
+    /** Puts what was recorded between two times, a point for each `spacing` at most, in place of what is known of them. */
+    replace(from: number, to: number, recorded: Points, spacing: number): void {
         const kept: [number, number][] = [];
         for (let i = 0; i < this.count; ++i) {
             if (this.timeAt(i) < from || this.timeAt(i) > to) {
                 kept.push([this.timeAt(i), this.valueAt(i)]);
             }
         }
-        const all = kept.concat(times.map((time, index) => [time, values[index] ?? NaN]));
+        const all = kept.concat(recorded.times.map((time, index) => [time, recorded.values[index] ?? NaN]));
         all.sort((a, b) => a[0] - b[0]);
         this.start = 0;
         this.count = 0;
         for (const [time, value] of all) {
-            this.push(time, value);
+            this.put(time, value, time <= to ? Math.max(this.period, spacing) : this.period);
         }
     }
 

@@ -24,7 +24,22 @@ public:
           length_(std::max<Microseconds>(1, (query.to - query.from) / static_cast<Microseconds>(query.points))),
           series_(series) {}
 
+    /// A picture repeats what is known; of a silent controller its last value first, and then that it is silent.
+    void PutPicture(Microseconds time, RecordedValue const& value) {
+        if (!isKnown_) {
+            Put(time, value);
+            isKnown_ = value.index() == 0;
+        }
+    }
+
+    /// Nobody recorded from here on: a line over this time would be made up.
+    void Interrupt(Microseconds time) {
+        Put(time, {});
+        isKnown_ = false;
+    }
+
     void Put(Microseconds time, RecordedValue const& value) {
+        isKnown_ = true;
         if (time <= from_) {
             start_ = value;
             hasStart_ = true;
@@ -32,7 +47,7 @@ public:
         }
         Begin();
         if (!series_.points.empty() && series_.points.back().last == value) {
-            return; // a picture repeats what is known
+            return;
         }
         Microseconds const part = (time - from_) / length_;
         bool const isSamePart = part == part_ && !series_.points.empty();
@@ -62,6 +77,7 @@ private:
     HistorySeries& series_;
     RecordedValue start_;
     bool hasStart_ = false;
+    bool isKnown_ = false; ///< pictures say nothing new
     Microseconds part_ = -1;
 };
 
@@ -87,15 +103,22 @@ Makers MakersOf(Catalogue const& catalogue, HistoryQuery const& query, std::vect
 void Use(Change const& change, Makers const& makers) {
     auto const [begin, end] = makers.equal_range(change.reading);
     bool const isGood = change.moment.quality == RecordedQuality::Good;
+    auto const put = [&](SeriesMaker& series, RecordedValue const& value) {
+        if (change.isPicture) {
+            series.PutPicture(change.moment.answer, value);
+        } else {
+            series.Put(change.moment.answer, value);
+        }
+    };
     for (auto maker = begin; maker != end; ++maker) {
         auto const& [place, series] = maker->second;
         if (!isGood) {
-            series->Put(change.moment.answer, {});
+            put(*series, {});
             continue;
         }
         for (auto const& [changedPlace, value] : change.values) {
             if (static_cast<std::size_t>(changedPlace) == place) {
-                series->Put(change.moment.answer, value);
+                put(*series, value);
             }
         }
     }
@@ -115,11 +138,10 @@ HistoryResult ReadHistory(std::filesystem::path const& file, HistoryQuery const&
     Makers const makers = MakersOf(source.Contents(), query, all);
     std::vector<TimeRange> const pauses = source.Pauses();
     auto pause = pauses.begin();
-    // A line over the time in which nobody recorded would be made up.
     auto const putPausesBefore = [&](Microseconds time) {
         for (; pause != pauses.end() && pause->end <= time; ++pause) {
             for (SeriesMaker& maker : all) {
-                maker.Put(pause->begin, {});
+                maker.Interrupt(pause->begin);
             }
         }
     };

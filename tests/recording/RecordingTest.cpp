@@ -241,6 +241,30 @@ TEST_F(RecordingTest, HistoryHasAGapWhereNobodyRecorded) {
     }
 }
 
+TEST_F(RecordingTest, HistoryOfASilentControllerEndsWithAGap) {
+    Record([&](SampleStore& store, Cell const& cell) {
+        store.Put(At(Second, cell.number, {std::int64_t{7}}));
+        auto stale = At(9 * Second, cell.number, {});
+        stale.moment.quality = RecordedQuality::Stale;
+        store.Put(stale);
+        for (int i = 10; i < 100; ++i) { // the file repeats all that it knows now and then
+            store.Put(At(i * Second, cell.position, {1.0 * i, 2.0}));
+        }
+    });
+    HistoryQuery query{.controller = "press1", .items = {{"register 3", 0}}, .to = Begin + 200 * Second};
+    for (Microseconds const from : {Begin, Begin + 5 * Second}) { // before and after it had the value
+        query.from = from;
+        auto const points = ReadHistory(path_, query).series[0].points;
+        ASSERT_EQ(points.size(), 2U) << from;
+        EXPECT_EQ(points[0].last, RecordedValue(std::int64_t{7}));
+        EXPECT_EQ(points[1].last, RecordedValue());
+        EXPECT_EQ(points[1].time, Begin + 9 * Second);
+    }
+    query.from = Begin + 50 * Second;
+    auto const points = ReadHistory(path_, query).series[0].points;
+    EXPECT_TRUE(std::all_of(points.begin(), points.end(), [](auto const& point) { return point.last.index() == 0; }));
+}
+
 TEST_F(RecordingTest, RefusesWhatIsNotARecordingOrNewer) {
     Record([](SampleStore& store, Cell const& cell) { store.Put(At(0, cell.number, {std::int64_t{1}})); });
     auto const problem = [this](std::string const& change) {
