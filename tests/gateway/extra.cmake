@@ -18,3 +18,10 @@ if(NOT HARVLINK_SANITIZE)
     endforeach()
     add_dependencies(${target} harvlink-gateway)
 endif()
+# What a program takes from the library can be seen where the library is a file of its own.
+if(NOT HARVLINK_SANITIZE AND BUILD_SHARED_LIBS AND TARGET harvlink_cli)
+    add_test(NAME gateway.reads_only
+             COMMAND "${Python3_EXECUTABLE}" "${CMAKE_CURRENT_SOURCE_DIR}/gateway/reads_only_test.py"
+                     $<TARGET_FILE:harvlink-gateway> $<TARGET_FILE:harvlink> $<TARGET_FILE:harvlink_cli>)
+    add_dependencies(${target} harvlink_cli)
+endif()
