@@ -80,16 +80,20 @@ void Device::FillValue(proto::Metric& metric, Sample const& sample, std::size_t 
              isRefused ? Quality::Bad : worth);
 }
 
-void Device::AddBirth(proto::Payload& payload, Timestamp now, Quality worth) const {
-    std::vector<std::uint32_t> order(latest_.size());
+void Device::AddBirth(proto::Payload& payload, Timestamp now, Quality worth, std::vector<Change> const& earlier) const {
+    std::vector<Latest> known = latest_;
+    for (Change const& change : earlier) {
+        known[change.sample->reading] = {change.sample, change.time};
+    }
+    std::vector<std::uint32_t> order(known.size());
     std::iota(order.begin(), order.end(), 0U);
     auto const timeOf = [&](std::uint32_t reading) {
-        return latest_[reading].sample != nullptr ? latest_[reading].time : now;
+        return known[reading].sample != nullptr ? known[reading].time : now;
     };
     std::stable_sort(order.begin(), order.end(),
                      [&](std::uint32_t left, std::uint32_t right) { return timeOf(left) < timeOf(right); });
     for (std::uint32_t const reading : order) {
-        auto const& sample = latest_[reading].sample;
+        auto const& sample = known[reading].sample;
         for (std::size_t item = 0; item < controller_->readings[reading].items.size(); ++item) {
             std::size_t const place = metrics_.FirstOf(reading) + item;
             proto::Metric& metric = *payload.add_metrics();

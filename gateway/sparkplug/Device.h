@@ -39,9 +39,9 @@ public:
     /// Whether `change` is the latest of its reading, so that a birth has its values.
     bool IsLatest(Change const& change) const;
 
-    /// All metrics in order of time, with the values of now; those that were never read are null. `worth` is Stale if the
-    /// controller does not answer.
-    void AddBirth(proto::Payload& payload, Timestamp now, Quality worth) const;
+    /// All metrics in order of time, with the latest values, or of readings that are in `earlier` those of then; what was never
+    /// read is null. `worth` is Stale if the controller does not answer.
+    void AddBirth(proto::Payload& payload, Timestamp now, Quality worth, std::vector<Change> const& earlier) const;
 
     /// The changed metrics by their aliases.
     void AddData(proto::Payload& payload, Change const& change) const;

@@ -98,6 +98,14 @@ void DeviceList::TakeEvent(Event const& event) {
     }
 }
 
+void DeviceList::PublishPending() {
+    for (auto& [id, entry] : entries_) {
+        if (entry.isBorn && !entry.isBornForHistory) {
+            PublishData(entry);
+        }
+    }
+}
+
 void DeviceList::PublishBirths(bool isNewSession) {
     inSession_ = true;
     for (auto& [id, entry] : entries_) {
@@ -107,14 +115,10 @@ void DeviceList::PublishBirths(bool isNewSession) {
             entry.pending.clear();
         }
         if (entry.isAlive) {
-            PublishBirth(entry, Quality::Good);
+            PublishBirth(entry);
         }
     }
-    for (auto& [id, entry] : entries_) {
-        if (entry.isBorn) {
-            PublishUnsent(entry);
-        }
-    }
+    PublishPending();
 }
 
 void DeviceList::PublishChanges(Moment now) {
@@ -136,17 +140,16 @@ void DeviceList::PublishChanges(Moment now) {
 }
 
 void DeviceList::Publish(Entry& entry) {
-    if (entry.isAlive && !entry.isBorn) {
-        PublishBirth(entry, Quality::Good);
-        PublishUnsent(entry);
+    if (entry.isAlive && (!entry.isBorn || entry.isBornForHistory)) {
+        if (entry.isBornForHistory) { // what was told as stale is now as good as it gets
+            PublishDeath(entry);
+        }
+        PublishBirth(entry);
+        PublishData(entry);
         return;
     }
-    if (entry.isAlive && entry.isBornForHistory) {
-        // It answers again: what was told as stale is now as good as it gets.
-        PublishDeath(entry);
-        PublishBirth(entry, Quality::Good);
-        PublishUnsent(entry);
-        return;
+    if (!entry.isAlive && !entry.isBorn && !forwarder_.HasHistorical()) {
+        PublishLastWords(entry);
     }
     if (entry.isBorn && !entry.isBornForHistory) {
         PublishData(entry);
@@ -156,9 +159,31 @@ void DeviceList::Publish(Entry& entry) {
     }
 }
 
-void DeviceList::PublishBirth(Entry& entry, Quality worth) {
+/// Several changes of a reading may wait for the birth. It has the first of them, so that the others follow as data in their order.
+void DeviceList::PublishBirth(Entry& entry) {
+    PublishBirth(entry, Quality::Good, TakeFirstOfEach(entry));
+}
+
+std::vector<Change> DeviceList::TakeFirstOfEach(Entry& entry) {
+    std::vector<Change> first;
+    std::vector<bool> isTaken(entry.device->Source()->readings.size());
+    std::vector<Pending> others;
+    for (Pending& pending : entry.pending) {
+        if (isTaken[pending.change.sample->reading]) {
+            others.push_back(std::move(pending));
+        } else {
+            isTaken[pending.change.sample->reading] = true;
+            first.push_back(std::move(pending.change));
+        }
+    }
+    pending_ -= first.size();
+    entry.pending = std::move(others);
+    return first;
+}
+
+void DeviceList::PublishBirth(Entry& entry, Quality worth, std::vector<Change> const& earlier) {
     proto::Payload payload;
-    entry.device->AddBirth(payload, Now(), worth);
+    entry.device->AddBirth(payload, Now(), worth, earlier);
     publisher_.Send(MessageType::DeviceBirth, *entry.device, payload);
     entry.isBorn = true;
     entry.isBornForHistory = worth != Quality::Good;
@@ -199,7 +224,21 @@ void DeviceList::PublishData(Entry& entry) {
     entry.pending.clear();
 }
 
-/// What came between the last data and a birth. The birth has the latest of each reading, so the rest is history already.
+/// What was read before a controller fell silent may come after its death was told. A refusal is no value that could be missing.
+void DeviceList::PublishLastWords(Entry& entry) {
+    bool const hasValues = std::any_of(entry.pending.begin(), entry.pending.end(), [](Pending const& pending) {
+        return pending.change.sample->moment.quality == recording::RecordedQuality::Good;
+    });
+    if (hasValues) {
+        PublishBirth(entry, Quality::Stale);
+        PublishUnsent(entry);
+        PublishDeath(entry);
+    }
+    pending_ -= entry.pending.size();
+    entry.pending.clear();
+}
+
+/// The birth has the latest of each reading, so the rest is history already.
 void DeviceList::PublishUnsent(Entry& entry) {
     proto::Payload payload;
     for (Pending const& pending : entry.pending) {

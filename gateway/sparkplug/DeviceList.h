@@ -31,8 +31,9 @@ public:
     /// Takes what the dispatcher gave. What changed goes into the store.
     void Take(Delivery const& delivery, Moment now);
 
-    /// Publishes the births of all devices that answer. In a new session the store has all that waits; after a rebirth what has
-    /// not been published yet follows as historical.
+    /// Before a commanded rebirth: publishes the data that waits, which otherwise would be older than what the births say.
+    void PublishPending();
+    /// Publishes the births of all devices that answer. In a new session the store has all that waits.
     void PublishBirths(bool isNewSession);
 
     /// Publishes what has changed: deaths, births, data. Only in a session.
@@ -68,7 +69,10 @@ private:
     void TakeSample(SamplePtr const& sample, Moment now);
     void TakeEvent(Event const& event);
     void Publish(Entry& entry);
-    void PublishBirth(Entry& entry, Quality worth);
+    void PublishBirth(Entry& entry);
+    void PublishBirth(Entry& entry, Quality worth, std::vector<Change> const& earlier = {});
+    void PublishLastWords(Entry& entry);
+    std::vector<Change> TakeFirstOfEach(Entry& entry);
     void PublishDeath(Entry& entry);
     void PublishData(Entry& entry);
     void PublishUnsent(Entry& entry);

@@ -136,6 +136,8 @@ void NodeLoop::PublishBirths(bool isNewSession) {
         forwarder_.BeginSession(Present());
         log_.Info("published births", {{"broker", config_.brokers[session_.Server()].host},
                                        {"waiting", std::to_string(forwarder_.Statistics().waiting)}});
+    } else {
+        devices_.PublishPending();
     }
     publisher_.Restart();
     proto::Payload payload;

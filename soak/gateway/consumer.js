@@ -129,6 +129,7 @@ class Node {
             last = time;
             if (known !== undefined) {
                 this.keep(known.name, metric, 'data');
+                this.checkOrder(at, known, isHistorical ? time : 0);
             }
         }
         if (isHistorical) {
@@ -139,6 +140,13 @@ class Node {
             this.live += payload.metrics.length;
             this.tellLive();
         }
+    }
+
+    // What is sent late comes as it was read, unless the clock was set back in between.
+    checkOrder(at, metric, time) {
+        const last = metric.late ?? 0;
+        metric.late = time || last;
+        expect(!time || time >= last || time < last - 1_800_000, `${at}: ${metric.name} of ${time} comes after that of ${last}`);
     }
 
     // Half a second's worth may come at once, and what was held up on its way comes faster than it was sent.

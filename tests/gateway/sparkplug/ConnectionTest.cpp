@@ -79,6 +79,41 @@ TEST(SparkplugConnection, HistoryOfASilentControllerArrives) {
     EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
 }
 
+/// What was read before a controller fell silent, and comes after its death was told, does not wait until it is back.
+TEST(SparkplugConnection, LastWordsOfASilentControllerArrive) {
+    Plant plant;
+    auto const node = plant.StartNode();
+    auto const press = MakeController(1, "press1", {{recording::kind::DoubleIntVariable, "D001"}});
+    node->Added(press);
+    Feed(*node, {MakeSample(press, 0, {std::int64_t{1}})}, {MakeStateEvent(press, FleetState::Online)});
+    ASSERT_TRUE(Eventually([&] { return plant.host->IsBorn("press1"); }));
+    auto const last = {MakeSample(press, 0, {std::int64_t{2}}, 1000), MakeSample(press, 0, {std::int64_t{3}}, 2000)};
+    Feed(*node, {}, {MakeStateEvent(press, FleetState::Silent)});
+    ASSERT_TRUE(Eventually([&] { return !plant.host->IsBorn("press1"); }));
+    Feed(*node, last);
+    EXPECT_TRUE(Eventually([&] { return plant.host->HasAll("press1/D001", 3) && !plant.host->IsBorn("press1"); }));
+    EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
+}
+
+/// A gateway is started, with values in its store, and births come before it has read anything.
+TEST(SparkplugConnection, WhatWasStoredKeepsItsOrder) {
+    Plant plant;
+    plant.config.primaryHost.clear();
+    plant.config.store.valuesPerSecond = 200; // slower than what is read now
+    plant.broker.Kill();
+    auto node = plant.StartNode();
+    Series(*node).FeedMany(300);
+    node.reset();
+    plant.broker.Start();
+    plant.host = std::make_unique<Host>(plant.broker.Address(), "scada");
+    node = plant.StartNode();
+    ASSERT_TRUE(Eventually([&] { return node->Statistics().state == gateway::sparkplug::SessionState::Born; }));
+    Series later(*node, 301);
+    later.FeedMany(5);
+    EXPECT_TRUE(Eventually([&] { return plant.host->HasAll(Counter::Metric, later.Last()); }));
+    EXPECT_EQ(plant.host->Faults(), std::vector<std::string>{});
+}
+
 /// A broker in the hall and one of the plant above it, where the host is.
 TEST(SparkplugConnection, BrokersCanBeBridged) {
     Plant plant;

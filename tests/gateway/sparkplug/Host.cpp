@@ -110,6 +110,7 @@ void Host::TakeSparkplug(std::string const& type, std::string const& device, Pay
         session_ = static_cast<std::int64_t>(payload.metrics(0).long_value());
         born_.clear();
         aliases_.clear();
+        lastHistorical_.clear();
         ++nodeBirths_;
         return;
     }
@@ -152,10 +153,21 @@ void Host::TakeData(std::string const& device, Payload const& payload) {
         }
         Keep(name->second, metric);
         historical_ += isHistorical ? 1 : 0;
-        if (!isHistorical) {
+        if (isHistorical) {
+            CheckOrder(name->second, metric.timestamp());
+        } else {
             live_[name->second] = static_cast<std::int64_t>(metric.long_value());
         }
     }
+}
+
+/// What is sent late comes in the order in which it was read.
+void Host::CheckOrder(std::string const& name, std::uint64_t time) {
+    constexpr std::uint64_t ClockSetBack = 30 * 60'000; // at least
+    std::uint64_t& last = lastHistorical_[name];
+    Expect(time >= last || time + ClockSetBack < last,
+           fmt::format("{} of {} comes after that of {}", name, time, last));
+    last = time;
 }
 
 void Host::Keep(std::string const& name, org::eclipse::tahu::protobuf::Metric const& metric) {

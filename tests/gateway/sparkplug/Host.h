@@ -53,6 +53,7 @@ private:
     void TakeBirth(std::string const& device, Payload const& payload);
     void TakeData(std::string const& device, Payload const& payload);
     void Keep(std::string const& name, org::eclipse::tahu::protobuf::Metric const& metric);
+    void CheckOrder(std::string const& name, std::uint64_t time);
     void CheckNumber(std::string const& type, Payload const& payload);
     void Expect(bool condition, std::string const& fault);
 
@@ -70,6 +71,7 @@ private:
     std::map<std::uint64_t, std::string> aliases_;
     std::map<std::string, Values> values_;
     std::map<std::string, std::int64_t> live_;
+    std::map<std::string, std::uint64_t> lastHistorical_; ///< of this session
     std::map<std::string, std::string> plain_;
     std::size_t nodeBirths_ = 0;
     std::uint64_t historical_ = 0;
