@@ -80,6 +80,18 @@ void Device::FillValue(proto::Metric& metric, Sample const& sample, std::size_t 
              isRefused ? Quality::Bad : worth);
 }
 
+std::vector<Change> Device::Known(std::vector<Change> const& earlier) const {
+    std::vector<Change> known = earlier;
+    for (std::uint32_t reading = 0; reading < latest_.size(); ++reading) {
+        bool const isEarlier = std::any_of(earlier.begin(), earlier.end(),
+                                           [&](Change const& change) { return change.sample->reading == reading; });
+        if (latest_[reading].sample != nullptr && !isEarlier) {
+            known.push_back({.sample = latest_[reading].sample, .time = latest_[reading].time, .items = {}});
+        }
+    }
+    return known;
+}
+
 void Device::AddBirth(proto::Payload& payload, Timestamp now, Quality worth, std::vector<Change> const& earlier) const {
     std::vector<Latest> known = latest_;
     for (Change const& change : earlier) {

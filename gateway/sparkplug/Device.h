@@ -39,6 +39,9 @@ public:
     /// Whether `change` is the latest of its reading, so that a birth has its values.
     bool IsLatest(Change const& change) const;
 
+    /// The latest of each reading that was read, or its change in `earlier`.
+    std::vector<Change> Known(std::vector<Change> const& earlier) const;
+
     /// All metrics in order of time, with the latest values, or of readings that are in `earlier` those of then; what was never
     /// read is null. `worth` is Stale if the controller does not answer.
     void AddBirth(proto::Payload& payload, Timestamp now, Quality worth, std::vector<Change> const& earlier) const;

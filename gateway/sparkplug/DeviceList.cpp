@@ -189,6 +189,11 @@ void DeviceList::PublishBirth(Entry& entry, Quality worth, std::vector<Change> c
     entry.isBornForHistory = worth != Quality::Good;
     ++statistics_.births;
     json_.PublishOnline(*entry.device, !entry.isBornForHistory);
+    if (!entry.isBornForHistory) { // what does not change would never be there
+        for (Change const& change : entry.device->Known(earlier)) {
+            json_.Publish(*entry.device, change);
+        }
+    }
 }
 
 void DeviceList::PublishDeath(Entry& entry) {

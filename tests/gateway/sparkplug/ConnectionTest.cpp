@@ -22,10 +22,10 @@ TEST(SparkplugConnection, PlainTopicsAreJson) {
     auto const press =
         MakeController(1, "press1", {{recording::kind::State, "state"}, {recording::kind::RealVariable, "R001"}});
     node->Added(press);
-    Feed(*node, {}, {MakeStateEvent(press, FleetState::Online)});
+    auto const sample = MakeSample(press, 1, {2.5}); // which its birth has, and which does not change
+    Feed(*node, {sample}, {MakeStateEvent(press, FleetState::Online)});
     ASSERT_TRUE(Eventually([&] { return plant.host->IsBorn("press1"); }));
-    auto const sample = MakeSample(press, 1, {2.5});
-    Feed(*node, {sample, MakeSample(press, 0, std::vector<recording::RecordedValue>(7, std::int64_t{1}))});
+    Feed(*node, {MakeSample(press, 0, std::vector<recording::RecordedValue>(7, std::int64_t{1}))});
     auto const topics = [&] { return plant.host->PlainTopics(); };
     ASSERT_TRUE(Eventually([&] { return topics().contains("cell/gw1/press1/state"); }));
     EXPECT_EQ(topics()["cell/gw1/press1/online"], "true");
