@@ -146,7 +146,8 @@ class LifeTest(GatewayTest):
 
     @unittest.skipUnless(os.geteuid() == 0 and shutil.which("unshare"), "needs root to put a name server in the way")
     def test_a_name_server_that_does_not_answer(self):
-        silent = self.enterContext(contextlib.closing(socket.socket(socket.AF_INET, socket.SOCK_DGRAM)))
+        silent = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.addCleanup(silent.close)
         silent.bind(("127.77.53.1", 53))
         silent.settimeout(30)
         servers = self.folder / "resolv.conf"
