@@ -14,6 +14,7 @@ import { Bag, type View } from "./view";
 const points = 1000;
 const mostEvents = 300;
 const firstSpan = 600_000;
+const reloadPeriod = 2_000; // milliseconds
 
 interface Choice {
     controller: string;
@@ -42,6 +43,8 @@ export class HistoryView implements View {
     private plot: Plot | null = null;
     private items: Item[] = [];
     private readonly choice: Choice;
+    private shownIncidents = "";
+    private reload = 0;
 
     constructor(
         query: URLSearchParams,
@@ -65,6 +68,7 @@ export class HistoryView implements View {
 
     close(): void {
         this.asked.abort();
+        window.clearTimeout(this.reload);
         this.bag.empty();
         this.plot?.destroy();
     }
@@ -195,9 +199,20 @@ export class HistoryView implements View {
         );
     }
 
+    /** Again and again while one is still being written: it gets its last name when it is complete. */
     private async loadIncidents(): Promise<void> {
         const incidents = await api.incidents().catch(() => [] as Incident[]);
-        replace(this.incidents, incidents.length === 0 ? element("p", { class: "note" }, texts.record.noIncidents) : incidentTable(incidents));
+        if (this.asked.signal.aborted) {
+            return;
+        }
+        const shown = JSON.stringify(incidents);
+        if (shown !== this.shownIncidents) {
+            this.shownIncidents = shown;
+            replace(this.incidents, incidents.length === 0 ? element("p", { class: "note" }, texts.record.noIncidents) : incidentTable(incidents));
+        }
+        if (incidents.some((incident) => !incident.complete)) {
+            this.reload = window.setTimeout(() => void this.loadIncidents(), reloadPeriod);
+        }
     }
 
     private shift(direction: number): void {
@@ -231,6 +246,13 @@ export class HistoryView implements View {
     }
 }
 
+function downloads({ file }: Incident): HTMLElement[] {
+    return [
+        element("a", { href: api.incidentLink(file), download: file }, texts.record.download),
+        element("a", { href: api.incidentLink(file, "csv"), download: `${file}.csv` }, texts.record.downloadTable),
+    ];
+}
+
 function incidentTable(incidents: Incident[]): HTMLElement {
     const rows = incidents.map((incident) =>
         element(
@@ -240,8 +262,7 @@ function incidentTable(incidents: Incident[]): HTMLElement {
             element("span", { class: "name" }, printable(incident.controller)),
             element("span", { class: "kind" }, texts.event[incident.kind] ?? printable(texts.record.incident(incident.kind))),
             element("span", { class: "text" }, bytes(incident.bytes)),
-            element("a", { href: api.incidentLink(incident.file), download: incident.file }, texts.record.download),
-            element("a", { href: api.incidentLink(incident.file, "csv"), download: `${incident.file}.csv` }, texts.record.downloadTable),
+            ...(incident.complete ? downloads(incident) : [element("span", { class: "note" }, texts.record.beingWritten)]),
         ),
     );
     return element("ol", { class: "events", role: "list", tabindex: 0, "aria-label": texts.record.incidents }, ...rows);

@@ -111,6 +111,7 @@ export interface Incident {
     time: number;
     kind: string;
     bytes: number;
+    complete: boolean;
 }
 
 /** One of the gateway's own, by the name that it has in /metrics. */

@@ -140,6 +140,7 @@ export const texts = {
         noIncidents: "No incidents.",
         download: "Recording",
         downloadTable: "CSV",
+        beingWritten: "still being written",
         loading: "Reading the recording",
         nothing: "Nothing was recorded of these items in this range.",
         incident: (kind: string) => kind.replace(/^alarm-(\d+)$/, "Alarm $1"),
