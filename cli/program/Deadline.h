@@ -11,9 +11,6 @@ public:
     Deadline(Deadline const&) = delete;
     Deadline& operator=(Deadline const&) = delete;
     ~Deadline();
-
-private:
-    void* timer_ = nullptr;
 };
 
 } // namespace harvlink::cli

@@ -1,5 +1,7 @@
 #include "cli/program/Deadline.h"
 
+#include <utility>
+
 #include <windows.h>
 
 #include "cli/program/CommandLine.h"
@@ -9,6 +11,8 @@ namespace harvlink::cli {
 
 namespace {
 
+HANDLE timer = nullptr;
+
 void CALLBACK End(void* /*context*/, BOOLEAN /*isOver*/) {
     RestoreStreams();
     ::TerminateProcess(::GetCurrentProcess(), ExitStatus::Failure);
@@ -17,12 +21,12 @@ void CALLBACK End(void* /*context*/, BOOLEAN /*isOver*/) {
 } // namespace
 
 Deadline::Deadline(std::chrono::milliseconds time) {
-    ::CreateTimerQueueTimer(&timer_, nullptr, End, nullptr, static_cast<DWORD>(time.count()), 0, WT_EXECUTEONLYONCE);
+    ::CreateTimerQueueTimer(&timer, nullptr, End, nullptr, static_cast<DWORD>(time.count()), 0, WT_EXECUTEONLYONCE);
 }
 
 Deadline::~Deadline() {
-    if (timer_ != nullptr) {
-        (void)::DeleteTimerQueueTimer(nullptr, timer_, INVALID_HANDLE_VALUE);
+    if (timer != nullptr) {
+        (void)::DeleteTimerQueueTimer(nullptr, std::exchange(timer, nullptr), INVALID_HANDLE_VALUE);
     }
 }
 
