@@ -56,6 +56,7 @@ struct MqttConfig {
     MqttTlsConfig tls{};
     std::string primaryHost; ///< births wait until this host is online; empty: they wait for none
     std::chrono::seconds keepAlive{10}; ///< 5 to 600
+    std::size_t mostPending = 100'000; ///< samples: a broker that takes none of so many is as good as away
     std::chrono::milliseconds rebirthInterval{5000}; ///< of the rebirths that a host commands, at most one in this time
     std::filesystem::path
         stateFolder; ///< for the counter of sessions; the folder of the store, if the file does not say

@@ -12,7 +12,6 @@ namespace {
 constexpr Milliseconds GatherFor{100}; ///< changes of so long go out together
 constexpr Milliseconds NodeChangesEvery{1000};
 constexpr Milliseconds RefusalLineEvery{1000};
-constexpr std::size_t MostPending = 100'000; ///< samples; a broker that takes none of so many is as good as away
 /// A broken link is noticed after two keep-alives and what the library's clock, of whole seconds, adds to each.
 constexpr Milliseconds NoticeSlack{3000};
 
@@ -239,7 +238,7 @@ void NodeLoop::PublishDue() {
         if (client_.IsClear()) {
             devices_.PublishChanges(Present());
             PublishNodeChanges();
-        } else if (devices_.PendingSamples() > MostPending) {
+        } else if (devices_.PendingSamples() > config_.mostPending) {
             Do(HandleFailure({.failure = Failure::Unreachable, .topic = {}, .text = "the broker takes no more data"}));
         }
         // What is late does not hold up what is not.

@@ -12,6 +12,9 @@
 namespace harvlink::test {
 
 Tap::Tap(std::string address) : address_(std::move(address)), listener_(ListenAt(address_, Port)) {
+    // Links take it from here: one that is frozen is soon full.
+    int const received = 65'536;
+    setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &received, sizeof received);
     thread_ = std::thread([this] { Run(); });
 }
 
