@@ -35,8 +35,8 @@ public:
     /// For one file at a time. It is removed if a signal ends the process.
     std::filesystem::path File() const { return path_ / "transfer"; }
 
-    /// Flushes File() to the disk and moves it to `target`; a link is followed, and a file that is replaced keeps its mode. Throws
-    /// FileError; without `overwrite` also if `target` exists.
+    /// Flushes File() to the disk and moves it to `target`. A link is followed, and a file that is replaced keeps its mode; on
+    /// Windows a link is replaced. Throws FileError; without `overwrite` also if `target` exists.
     void MoveFileTo(std::filesystem::path const& target, bool overwrite) const;
 
     /// Lets the destructor leave the folder where it is.

@@ -229,7 +229,8 @@ void DeviceList::PublishData(Entry& entry) {
     entry.pending.clear();
 }
 
-/// What was read before a controller fell silent may come after its death was told. A refusal is no value that could be missing.
+/// Values that were read before a controller fell silent may arrive after its death was published. They are published between
+/// a birth and another death; if only refusals are waiting, nothing is.
 void DeviceList::PublishLastWords(Entry& entry) {
     bool const hasValues = std::any_of(entry.pending.begin(), entry.pending.end(), [](Pending const& pending) {
         return pending.change.sample->moment.quality == recording::RecordedQuality::Good;

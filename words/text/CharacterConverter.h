@@ -20,6 +20,7 @@ public:
 private:
     static constexpr std::size_t LargestCharacter = 4; ///< in bytes, in all of the encodings and in UTF-8
 
+    /// Converts one whole character; empty for anything else.
     std::string Convert(std::string_view bytes);
 
 #if defined(_WIN32)

@@ -9,7 +9,7 @@
 
 namespace harvlink::cli {
 
-/// No shell does this before the program is started. Wildcards may stand in the last part only.
+/// The shells of Windows leave wildcards to the program. They may stand in the last part of a path only.
 std::vector<std::string> LocalFiles(std::string const& glob) {
     std::filesystem::path const pattern = PathOf(glob);
     std::string const name = TextOf(pattern.filename());

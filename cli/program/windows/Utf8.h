@@ -7,7 +7,7 @@
 
 namespace harvlink::cli {
 
-/// What is no text in UTF-16, which names of files may hold, becomes a replacement character.
+/// Names of files may hold invalid UTF-16. Each invalid unit becomes the replacement character U+FFFD.
 inline std::string Utf8(std::wstring_view wide) {
     auto const convert = [wide](char* to, int size) {
         return ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), to, size, nullptr,

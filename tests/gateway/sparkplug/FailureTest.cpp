@@ -90,7 +90,7 @@ bool IsHeldUp(gateway::sparkplug::EdgeNode& node, Counter const& counter) {
 TEST_F(SparkplugFailure, BrokerTakesNothingForAWhile) {
     Tap tap(plant.broker.Address());
     plant.config.brokers = {{plant.broker.Address(), Tap::Port}};
-    plant.config.keepAlive = 600s; // so the while is no reason to give up
+    plant.config.keepAlive = 600s; // far longer than the link is held up
     auto node = plant.StartNode();
     Counter counter(*node);
     ASSERT_TRUE(GoesOn(20, 10s));
@@ -104,7 +104,7 @@ TEST_F(SparkplugFailure, BrokerTakesNothingForAWhile) {
 TEST_F(SparkplugFailure, BrokerTakesNothingForLong) {
     Tap tap(plant.broker.Address());
     plant.config.brokers = {{plant.broker.Address(), Tap::Port}};
-    plant.config.keepAlive = 600s; // which is no reason to give up either
+    plant.config.keepAlive = 600s; // so that only the waiting samples end the session
     plant.config.mostPending = 10'000;
     auto node = plant.StartNode();
     Counter counter(*node);

@@ -1,6 +1,5 @@
 #include "words/text/CharacterConverter.h"
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 
@@ -17,16 +16,6 @@ CharacterConverter::CharacterConverter(char const* from, char const* to) : handl
 
 CharacterConverter::~CharacterConverter() {
     ::iconv_close(handle_);
-}
-
-std::string CharacterConverter::TakeCharacter(std::string_view& from) {
-    for (std::size_t size = 1; size <= std::min(from.size(), LargestCharacter); ++size) {
-        if (std::string converted = Convert(from.substr(0, size)); !converted.empty()) {
-            from.remove_prefix(size);
-            return converted;
-        }
-    }
-    return {};
 }
 
 std::string CharacterConverter::Convert(std::string_view bytes) {

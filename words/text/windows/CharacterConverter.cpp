@@ -67,16 +67,6 @@ CharacterConverter::CharacterConverter(char const* from, char const* to) : from_
 
 CharacterConverter::~CharacterConverter() = default;
 
-std::string CharacterConverter::TakeCharacter(std::string_view& from) {
-    for (std::size_t size = 1; size <= std::min(from.size(), LargestCharacter); ++size) {
-        if (std::string converted = Convert(from.substr(0, size)); !converted.empty()) {
-            from.remove_prefix(size);
-            return converted;
-        }
-    }
-    return {};
-}
-
 std::string CharacterConverter::Convert(std::string_view bytes) {
     std::wstring const wide = Widen(from_, bytes);
     bool const isCharacter = IsOne(wide) && !IsPlaceholder(from_, wide) && !IsPlaceholder(to_, wide);

@@ -25,7 +25,7 @@ constexpr std::array<std::pair<char32_t, char32_t>, 14> Wide{{{0x1100, 0x115F},
                                                               {0x20000, 0x2FFFD},
                                                               {0x30000, 0x3FFFD}}};
 
-/// What the system tells of a character: CT_CTYPE1 and the like.
+/// The classes of a character that Windows knows. @param kind one of CT_CTYPE1, CT_CTYPE2 and CT_CTYPE3
 WORD TypeOf(char32_t code, DWORD kind) {
     auto const unit = static_cast<wchar_t>(code);
     WORD type = 0;
