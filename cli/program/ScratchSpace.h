@@ -1,23 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
-#include <iosfwd>
-#include <stdexcept>
-#include <string_view>
 
 namespace harvlink::cli {
-
-/// A file of this computer could not be written.
-class FileError : public std::runtime_error {
-public:
-    FileError(std::string_view what, std::filesystem::path const& path, int code);
-
-    int Code() const { return code_; } ///< of the operating system
-
-private:
-    int code_;
-};
 
 /// A new hidden folder beside the files that are to be written. A file is written in it first, so a full disk or Ctrl-C leaves
 /// neither a part of a new file nor a damaged old one. The destructor removes it with all that is still in it, unless Keep was
@@ -56,14 +41,7 @@ private:
     bool isKept_ = false;
 };
 
-/// Writes a file at its place, for what is moved as a whole later. Throws FileError.
-void WriteNewFile(std::filesystem::path const& path, std::string_view text);
-
 /// Flushes all that was written below a folder to the disk. Throws FileError.
 void FlushFolder(std::filesystem::path const& folder);
-
-/// Writes a file as a ScratchSpace does; a device or a pipe directly, whatever `overwrite` is. Throws FileError.
-void WriteWholeFile(std::filesystem::path const& path, std::string_view text, bool overwrite);
-void WriteWholeFile(std::filesystem::path const& path, std::function<void(std::ostream&)> const& write, bool overwrite);
 
 } // namespace harvlink::cli

@@ -10,6 +10,7 @@
 #include "cli/program/Help.h"
 #include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
+#include "cli/program/WholeFile.h"
 #include "cli/recording/Arguments.h"
 #include "cli/recording/RecordingCommands.h"
 #include "recording/model/TimeText.h"

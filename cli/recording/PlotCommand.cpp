@@ -6,8 +6,8 @@
 
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
-#include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
+#include "cli/program/WholeFile.h"
 #include "cli/recording/Arguments.h"
 #include "cli/recording/RecordingCommands.h"
 #include "page/EmbeddedPage.h"
@@ -138,7 +138,8 @@ Json ContentOf(recording::Recording& source, PlotArguments const& arguments) {
     if (series.empty()) {
         throw words::InputError("what is chosen has texts only, and they can't be plotted");
     }
-    return {{"title", arguments.file},
+    return {{"title",
+             std::filesystem::path(arguments.file).filename().string()}, // a page that is handed on names no folder
             {"from", static_cast<double>(range.begin) / 1e3},
             {"to", static_cast<double>(range.end) / 1e3},
             {"series", std::move(series)},

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "cli/output/Words.h"
-#include "cli/program/ScratchSpace.h"
+#include "cli/program/WholeFile.h"
 #include "cli/snapshot/Manifest.h"
 #include "words/text/Csv.h"
 #include "words/text/InputError.h"

@@ -8,6 +8,7 @@
 #include "cli/program/CommandLine.h"
 #include "cli/program/Help.h"
 #include "cli/program/Interrupt.h"
+#include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
 #include "cli/snapshot/Capture.h"
 #include "cli/snapshot/Folder.h"

@@ -16,6 +16,7 @@
 #include "cli/program/RepeatedRead.h"
 #include "cli/program/ScratchSpace.h"
 #include "cli/program/Session.h"
+#include "cli/program/WholeFile.h"
 #include "cli/verbs/Commands.h"
 #include "cli/verbs/RemoteFiles.h"
 #include "cli/verbs/TransferReport.h"

@@ -5,20 +5,18 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <linux/limits.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "cli/program/Interrupt.h"
+#include "cli/program/WholeFile.h"
 
 namespace harvlink::cli {
 
@@ -95,19 +93,6 @@ void Flush(filesystem::path const& path, int flags) {
     }
 }
 
-void WriteNewFileWith(filesystem::path const& path, std::function<void(std::ostream&)> const& write) {
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    if (file) {
-        write(file);
-        file.flush();
-    }
-    if (!file) {
-        errno = errno == 0 ? EIO : errno;
-        Fail("can't write", path);
-    }
-}
-
 } // namespace
 
 /// The paths of a folder that lives, for a signal handler. Empty: none. They are used again and never freed, so that a handler
@@ -136,10 +121,6 @@ struct ScratchSpace::SignalPaths {
 };
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): see above
 std::atomic<ScratchSpace::SignalPaths*> ScratchSpace::SignalPaths::all = nullptr;
-
-FileError::FileError(std::string_view what, filesystem::path const& path, int code)
-    : std::runtime_error(fmt::format("{} {}: {}", what, path.string(), std::generic_category().message(code))),
-      code_(code) {}
 
 ScratchSpace::ScratchSpace(filesystem::path const& parent) {
     RemoveLeftovers(parent);
@@ -212,10 +193,6 @@ void ScratchSpace::RemoveAtSignal() {
     }
 }
 
-void WriteNewFile(filesystem::path const& path, std::string_view text) {
-    WriteNewFileWith(path, [text](std::ostream& file) { file << text; });
-}
-
 void FlushFolder(filesystem::path const& folder) {
     int const descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     bool const isFlushed = descriptor >= 0 && ::syncfs(descriptor) == 0;
@@ -226,25 +203,6 @@ void FlushFolder(filesystem::path const& folder) {
     if (!isFlushed) {
         throw FileError("can't write", folder, error);
     }
-}
-
-void WriteWholeFile(filesystem::path const& path, std::string_view text, bool overwrite) {
-    WriteWholeFile(
-        path, [text](std::ostream& file) { file << text; }, overwrite);
-}
-
-void WriteWholeFile(filesystem::path const& path, std::function<void(std::ostream&)> const& write, bool overwrite) {
-    std::error_code error;
-    filesystem::file_status const status = filesystem::status(path, error);
-    if (filesystem::exists(status) && !filesystem::is_regular_file(status)) {
-        WriteNewFileWith(path, write);
-        return;
-    }
-    // A link is followed before the folder is made: a file can't be moved to another file system.
-    filesystem::path const place = filesystem::exists(status) ? filesystem::weakly_canonical(path) : path;
-    ScratchSpace const scratch(place.has_parent_path() ? place.parent_path() : ".");
-    WriteNewFileWith(scratch.File(), write);
-    scratch.MoveFileTo(place, overwrite);
 }
 
 } // namespace harvlink::cli

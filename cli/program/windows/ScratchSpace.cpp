@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
 #include <mutex>
 #include <random>
 #include <string>
@@ -13,6 +12,7 @@
 #include <windows.h>
 
 #include "cli/program/Interrupt.h"
+#include "cli/program/WholeFile.h"
 #include "words/text/Path.h"
 
 namespace harvlink::cli {
@@ -95,23 +95,7 @@ void Flush(filesystem::path const& path) {
     ::CloseHandle(file);
 }
 
-void WriteNewFileWith(filesystem::path const& path, std::function<void(std::ostream&)> const& write) {
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    if (file) {
-        write(file);
-        file.flush();
-    }
-    if (!file) {
-        throw FileError("can't write", path, errno == 0 ? EIO : errno);
-    }
-}
-
 } // namespace
-
-FileError::FileError(std::string_view what, filesystem::path const& path, int code)
-    : std::runtime_error(fmt::format("{} {}: {}", what, TextOf(path), std::generic_category().message(code))),
-      code_(code) {}
 
 ScratchSpace::ScratchSpace(filesystem::path const& parent) {
     RemoveLeftovers(parent);
@@ -164,34 +148,18 @@ void ScratchSpace::RemoveAtSignal() {
     }
 }
 
-void WriteNewFile(filesystem::path const& path, std::string_view text) {
-    WriteNewFileWith(path, [text](std::ostream& file) { file << text; });
-}
-
 /// There is no call for a folder: each file in it is flushed.
 void FlushFolder(filesystem::path const& folder) {
-    for (auto const& entry : filesystem::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) {
-            Flush(entry.path());
+    std::error_code error;
+    for (filesystem::recursive_directory_iterator each(folder, error);
+         !error && each != filesystem::recursive_directory_iterator(); each.increment(error)) {
+        if (filesystem::is_regular_file(each->path())) {
+            Flush(each->path());
         }
     }
-}
-
-void WriteWholeFile(filesystem::path const& path, std::string_view text, bool overwrite) {
-    WriteWholeFile(
-        path, [text](std::ostream& file) { file << text; }, overwrite);
-}
-
-void WriteWholeFile(filesystem::path const& path, std::function<void(std::ostream&)> const& write, bool overwrite) {
-    std::error_code error;
-    filesystem::file_status const status = filesystem::status(path, error);
-    if (filesystem::exists(status) && !filesystem::is_regular_file(status)) {
-        WriteNewFileWith(path, write);
-        return;
+    if (error) {
+        throw FileError("can't write", folder, CodeOf(error));
     }
-    ScratchSpace const scratch(path.has_parent_path() ? path.parent_path() : ".");
-    WriteNewFileWith(scratch.File(), write);
-    scratch.MoveFileTo(path, overwrite);
 }
 
 } // namespace harvlink::cli
