@@ -3,11 +3,13 @@
 import datetime
 import os
 import pathlib
-import sqlite3
 from dataclasses import dataclass
-from typing import Any, Dict, Iterator, List, Optional, Set, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Set, Tuple, Union
 
 from ._text import Encoding
+
+if TYPE_CHECKING:
+    import sqlite3
 
 __all__ = ["Event", "Item", "Recording"]
 
@@ -58,7 +60,10 @@ class Recording:
             raise FileNotFoundError(f"there is no recording {os.fspath(path)!r}")
         self._database = self._open()
 
-    def _open(self) -> sqlite3.Connection:
+    def _open(self) -> "sqlite3.Connection":
+        # Not every interpreter has it, and only recordings need it.
+        import sqlite3
+
         # A recording that was ended well is one file, which can be read in a folder that can't be written.
         for mode in ("mode=ro", "mode=ro&immutable=1"):
             database = sqlite3.connect(f"{self.path.resolve().as_uri()}?{mode}", uri=True, isolation_level=None, timeout=2)
@@ -73,7 +78,7 @@ class Recording:
                 raise
         raise ValueError(f"{self.path}: this is not a recording: {problem}")
 
-    def _check(self, database: sqlite3.Connection) -> None:
+    def _check(self, database: "sqlite3.Connection") -> None:
         (application,) = database.execute("PRAGMA application_id").fetchone()
         (version,) = database.execute("PRAGMA user_version").fetchone()
         if application != _APPLICATION_ID:
