@@ -5,7 +5,10 @@ import pathlib
 import tempfile
 import unittest
 
-from harvlink.simulator import Simulator
+if os.name == "nt":
+    from .borrowed import Simulator
+else:
+    from harvlink.simulator import Simulator
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 

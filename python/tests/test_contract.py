@@ -11,7 +11,7 @@ import unittest
 import harvlink
 from harvlink import enums
 
-from .layout import place_of
+from .layout import differences
 from .support import ROOT
 
 INCLUDE = ROOT / "include/harvlink"
@@ -31,10 +31,7 @@ class ContractTest(unittest.TestCase):
             path = str(pathlib.Path(folder, "layout"))
             compile_it = ["cc", "-std=c11", f"-I{INCLUDE.parent}", "-xc", "-", "-o", path]
             subprocess.run(compile_it, input=program, text=True, check=True)
-            theirs = dict(line.split() for line in subprocess.check_output([path], text=True).splitlines())
-        self.assertGreater(len(theirs), 200)
-        for name, number in theirs.items():
-            self.assertEqual(place_of(name), int(number), name)
+            self.assertEqual(differences(subprocess.check_output([path], text=True)), [])
 
     def test_enumerations(self):
         headers = "".join(path.read_text() for path in INCLUDE.glob("*.h"))

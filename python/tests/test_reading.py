@@ -93,6 +93,7 @@ class RangeTest(SimulatorTest):
                 robot.read(["B0", item])
         self.assertEqual(robot.statistics().exchanges, before)
 
+    @unittest.skipIf(os.name == "nt", "there is no pandas")
     def test_pandas_takes_the_results(self):
         python = sys.executable if "pandas" in sys.modules else "/usr/bin/python3"
         if subprocess.run([python, "-c", "import pandas"], capture_output=True).returncode != 0:
