@@ -1,5 +1,5 @@
-# For a build for another system: the libraries that are headers alone, from those of this one, under the names that their
-# packages have. The folder of all headers must not be searched: it has those of this system's C library too.
+# For a build for Windows on another system: the libraries that are headers alone, from those of this one, under the names that
+# their packages have. The folder of all headers must not be searched: it has those of this system's C library too.
 set(headers "${PROJECT_BINARY_DIR}/headers")
 foreach(name IN ITEMS CLI dtl fmt nlohmann toml++)
     find_path(place ${name} PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE REQUIRED)
