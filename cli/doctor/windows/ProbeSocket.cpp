@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include <winsock2.h>
+
 #include "cli/program/HostAddress.h"
 #include "cli/program/windows/Sockets.h"
 

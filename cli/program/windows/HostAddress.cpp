@@ -3,8 +3,14 @@
 #include <array>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 
 #include <fmt/format.h>
+
+// clang-format off
+#include <winsock2.h>
+#include <ws2tcpip.h>
+// clang-format on
 
 #include "cli/program/windows/Sockets.h"
 
