@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -13,6 +14,7 @@ namespace harvlink::gateway {
 /// A request and its answer. For the listener's thread; a worker only reads the request.
 struct Exchange {
     Request request;
+    std::chrono::steady_clock::time_point const begin = std::chrono::steady_clock::now();
     std::shared_ptr<Response> response; ///< null until it is answered; several exchanges may have the same
     bool isComplete = false; ///< the whole request is there
     bool hasHeaders = false;

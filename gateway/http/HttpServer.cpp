@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -23,6 +24,7 @@ constexpr std::string_view LivePath = "/api/live";
 constexpr lws_usec_t LivePace = 100'000; ///< microseconds: at most ten messages a second
 constexpr unsigned SpareDescriptors = 32;
 constexpr unsigned HeaderSeconds = 10; ///< for the headers of a request, or what else the library waits for
+constexpr auto LongestBody = std::chrono::seconds(10); ///< else a body of single bytes would hold its place for days
 constexpr int KeepAliveSeconds = 30;
 constexpr int WorkSeconds = 60;
 constexpr std::size_t LargestMessage = 4096; ///< of a client of /api/live
@@ -264,7 +266,8 @@ int HttpServer::Implementation::TakeBody(lws* socket, std::string_view part) {
         return -1;
     }
     std::string& body = connection->exchange->request.body;
-    if (body.size() + part.size() > LargestBody) {
+    bool const isLate = std::chrono::steady_clock::now() - connection->exchange->begin > LongestBody;
+    if (isLate || body.size() + part.size() > LargestBody) {
         return -1;
     }
     body += part;

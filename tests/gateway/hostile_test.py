@@ -35,6 +35,14 @@ def first_line(port, request, family=socket.AF_INET):
     return ""
 
 
+def is_over_with_another_byte(client):
+    try:
+        client.sendall(b"x")
+    except OSError:
+        return True
+    return False
+
+
 class HostileTest(GatewayTest):
     def test_bad_requests_are_refused(self):
         gateway = Gateway(self, "", "--simulate", "1")
@@ -85,7 +93,10 @@ class HostileTest(GatewayTest):
                     + figure(gateway, "harvlink_http_refused_connections_total"))
             self.assertGreaterEqual(gone, count - 544 if count > 544 else 0)
             self.assertLess(resident_mib(gateway) - before, 40.0)
-        wait_for(lambda: figure(gateway, "harvlink_http_connections") < 100, "the end of the others")
+        with socket.create_connection(("127.0.0.1", gateway.port)) as slow:
+            slow.sendall(b"POST /api/virtual/robot1 HTTP/1.1\r\n" + OWN_HOST + b"Content-Length: 60000\r\n\r\n")
+            wait_for(lambda: figure(gateway, "harvlink_http_connections") < 100, "the end of the others")
+            wait_for(lambda: is_over_with_another_byte(slow), "the end of a body that comes byte by byte")
         self.assertEqual(gateway.stop(), 0)
 
     def test_a_tls_port_goes_on_whatever_comes(self):
