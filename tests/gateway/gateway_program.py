@@ -56,6 +56,7 @@ class Gateway:
         self.file = folder / "plant.toml"
         self.write(text)
         self.errors = open(folder / "errors", "a+", encoding="utf-8")
+        self.of_others = self.errors.tell()
         self.process = subprocess.Popen([*world, PROGRAM, "--config", self.file, *options], stdout=subprocess.PIPE, text=True,
                                         stderr=errors or self.errors, env={**os.environ, **(environment or {})})
         test.addCleanup(self.end)
@@ -67,7 +68,7 @@ class Gateway:
                              encoding="utf-8")
 
     def log(self):
-        return pathlib.Path(self.errors.name).read_text(encoding="utf-8")
+        return pathlib.Path(self.errors.name).read_bytes()[self.of_others:].decode()
 
     def open_files(self):
         files = []
