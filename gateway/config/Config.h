@@ -21,6 +21,7 @@ struct ListenConfig {
     std::filesystem::path certificate; ///< with `key`: TLS
     std::filesystem::path key;
     std::filesystem::path tokenFile; ///< its first line is what a client sends as "Authorization: Bearer ..."
+    std::size_t files = 0; ///< another one if the content of these three has changed
     bool isOpen = false; ///< "open = true": whoever reaches it may read, unencrypted
     std::vector<std::string> hosts; ///< further names by which clients may call it
 

@@ -1,3 +1,10 @@
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <initializer_list>
+
 #include <arpa/inet.h>
 #include <fmt/format.h>
 
@@ -38,6 +45,19 @@ void ParseListen(std::string const& text, ListenConfig& listen) {
     listen.port = port;
 }
 
+/// By which a reload sees a renewed certificate or token, whose file has the same name.
+std::size_t HashOf(std::initializer_list<std::filesystem::path> files) {
+    constexpr std::streamsize Most = 1 << 20;
+    std::string all;
+    for (std::filesystem::path const& file : files) {
+        std::ifstream stream(file, std::ios::binary);
+        std::string content(Most, '\0');
+        stream.read(content.data(), Most);
+        all.append(content, 0, static_cast<std::size_t>(stream.gcount())).push_back('\0');
+    }
+    return std::hash<std::string>()(all);
+}
+
 void CheckListen(Section& section, ListenConfig const& listen) {
     if (listen.certificate.empty() != listen.key.empty()) {
         section.Refuse("tls_certificate", "TLS takes both tls_certificate and tls_key");
@@ -48,6 +68,25 @@ void CheckListen(Section& section, ListenConfig const& listen) {
                        "others can reach this address: give tls_certificate and tls_key, or token_file, or say "
                        "open = true");
     }
+}
+
+/// The item of a poll. What no controller has is told at its own line; what a generation does not have, at the controller.
+FleetItem Item(std::string const& text) {
+    FleetItem const item = ParseItem(text);
+    Fleet fleet({.queueCapacity = 2, .eventCapacity = 2});
+    StatusInfo const status = fleet.Add("any", {.address = "127.0.0.1"}, {{.items = {item}}});
+    if (status.StatusCode != 0) {
+        std::size_t const start = status.Message.find("item \""); // before it the name of the controller
+        throw InputError(start == std::string::npos ? status.Message : status.Message.substr(start));
+    }
+    return item;
+}
+
+/// What a dead band is for. Signals of a group are a number only in the way in which they are read.
+bool IsNumber(FleetItemKind kind) {
+    using enum FleetItemKind;
+    constexpr std::array Others{State, Job, Alarms, StringVariable, Signal, SignalGroup, OperatingTime, Software};
+    return std::find(Others.begin(), Others.end(), kind) == Others.end();
 }
 
 } // namespace
@@ -66,8 +105,14 @@ void ReadGateway(Section& section, GatewayConfig& gateway) {
     if (section.File("token_file", listen.tokenFile)) {
         section.Try("token_file", [&] { ReadToken(listen.tokenFile); });
     }
+    listen.files = HashOf({listen.certificate, listen.key, listen.tokenFile});
     section.Flag("open", listen.isOpen);
-    section.Texts("hosts", [&](std::string const& host) { listen.hosts.push_back(words::LowerCase(host)); });
+    section.Texts("hosts", [&](std::string const& host) {
+        if (host.empty() || host.find_first_of(" /") != std::string::npos) {
+            throw InputError(fmt::format("'{}' is not the name of a host such as gateway.plant.example", host));
+        }
+        listen.hosts.push_back(host);
+    });
     section.Text("log_level", [&](std::string const& text) {
         gateway.logLevel = words::ParseName(LogLevels, text, "level of the log");
     });
@@ -91,7 +136,7 @@ PollConfig ReadPoll(Section& section, std::string const& name) {
     section.Require("period");
     section.Require("items");
     section.Duration("period", milliseconds(1), hours(24), [&](auto period) { group.period = period; });
-    section.Texts("items", [&](std::string const& text) { group.items.push_back(ParseItem(text)); });
+    section.Texts("items", [&](std::string const& text) { group.items.push_back(Item(text)); });
     section.Flag("on_change", group.onChange);
     section.Duration("longest_silence", milliseconds(0), hours(24),
                      [&](auto time) { group.longestSilence = std::chrono::duration_cast<milliseconds>(time); });
@@ -101,10 +146,7 @@ PollConfig ReadPoll(Section& section, std::string const& name) {
         section.Refuse("dead_band", "takes on_change = true");
     }
     for (FleetItem& item : group.items) {
-        bool const isNumber = item.kind == FleetItemKind::Position || item.kind == FleetItemKind::Torque ||
-                              item.kind == FleetItemKind::PositionError || item.kind == FleetItemKind::RealVariable ||
-                              item.kind == FleetItemKind::TargetProgress;
-        item.deadBand = isNumber ? deadBand : 0.0;
+        item.deadBand = IsNumber(item.kind) ? deadBand : 0.0;
     }
     if (section.Has("items") && group.items.empty()) {
         section.Refuse("items", "has no item that can be read");

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include <arpa/inet.h>
 #include <fmt/format.h>
 
 #include "gateway/config/Sections.h"
@@ -31,17 +32,27 @@ std::string Id(std::string const& text) {
     return text;
 }
 
-/// "broker", "broker:1883"
+bool IsIpv6(std::string const& text) {
+    in6_addr address{};
+    return inet_pton(AF_INET6, text.c_str(), &address) == 1;
+}
+
+/// "broker", "broker:1883", "[fd00::5]:1883"
 MqttBroker Broker(std::string const& text, std::uint16_t port) {
-    std::size_t const colon = text.rfind(':');
-    MqttBroker broker{text.substr(0, colon), port};
-    if (colon != std::string::npos) {
-        broker.port = words::ParseNumber<std::uint16_t>(text.substr(colon + 1), "port");
-    }
+    bool const isBracketed = text.starts_with('[');
+    std::size_t const end = std::min(text.find(isBracketed ? ']' : ':'), text.size());
+    MqttBroker broker{isBracketed ? text.substr(1, end - 1) : text.substr(0, end), port};
+    std::string const rest = text.substr(std::min(isBracketed ? end + 1 : end, text.size()));
     bool const hasOddLetter = std::any_of(broker.host.begin(), broker.host.end(),
                                           [](unsigned char letter) { return letter <= ' ' || letter >= 0x7F; });
-    if (broker.host.empty() || broker.port == 0 || hasOddLetter) {
-        throw InputError(fmt::format("'{}' is not a broker such as 10.0.3.200:1883", text));
+    bool isRight =
+        !broker.host.empty() && !hasOddLetter && (!isBracketed || (end < text.size() && IsIpv6(broker.host)));
+    if (isRight && !rest.empty()) {
+        isRight = rest.front() == ':';
+        broker.port = isRight ? words::ParseNumber<std::uint16_t>(rest.substr(1), "port") : 0;
+    }
+    if (!isRight || broker.port == 0) {
+        throw InputError(fmt::format("'{}' is not a broker such as 10.0.3.200:1883 or [fd00::5]:1883", text));
     }
     return broker;
 }
@@ -63,7 +74,7 @@ void ReadJson(Section section, MqttJsonConfig& json) {
         for (std::string_view const level : words::Split(text, '/')) {
             Id(std::string(level));
         }
-        if (text.starts_with('$') || text.starts_with("spBv1.0/")) {
+        if (text.starts_with('$') || (text + '/').starts_with("spBv1.0/")) {
             throw InputError(fmt::format("'{}' belongs to somebody else", text));
         }
         json.topic = text;
@@ -120,6 +131,9 @@ void ReadMqtt(Section& section, GatewayConfig const& gateway, MqttConfig& mqtt, 
     section.Texts("broker", [&](std::string const& text) {
         mqtt.brokers.push_back(Broker(text, mqtt.tls.isOn ? TlsPort : PlainPort));
     });
+    if (section.Has("broker") && mqtt.brokers.empty()) {
+        section.Refuse("broker", "has no broker that can be used");
+    }
     section.Text("group", [&](std::string const& text) { mqtt.group = Id(text); });
     section.Text("node", [&](std::string const& text) { mqtt.node = Id(text); });
     section.Text("client_id", [&](std::string const& text) { mqtt.clientId = Id(text); });

@@ -302,6 +302,14 @@ void DeviceList::EndHistory() {
     }
 }
 
+void DeviceList::PublishOffline() {
+    for (auto const& [id, entry] : entries_) {
+        if (entry.isBorn && !entry.isBornForHistory) {
+            json_.PublishOnline(*entry.device, false);
+        }
+    }
+}
+
 void DeviceList::EndSession() {
     inSession_ = false;
     pending_ = 0;

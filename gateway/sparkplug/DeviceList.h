@@ -40,6 +40,8 @@ public:
     void PublishChanges(Moment now);
     /// Publishes as much of the store as its pace allows.
     void PublishHistorical(Moment now);
+    /// Before the own death of the node: the plain topics say that nothing is online any more.
+    void PublishOffline();
     /// The session is over.
     void EndSession();
 

@@ -93,6 +93,7 @@ void NodeLoop::Do(SessionAction action) {
         PublishBirths(false);
         break;
     case SessionAction::Death:
+        devices_.PublishOffline();
         deathId_ =
             client_.Publish(publisher_.Names().Of(MessageType::NodeDeath), NodeDeath(counter_.Number()), 1, false);
         break;

@@ -95,6 +95,9 @@ TEST(ConfigTest, NamesFileLineAndKeyOfAllThatIsWrong) {
          {"plant.toml:2: [mqtt] broker: ", "plant.toml:3: [mqtt] group: 'a+b' is not an id",
           "plant.toml:4: [mqtt] keep_alive: 1s is out", "plant.toml:5: [mqtt.store] folder: is missing",
           "plant.toml:6: [mqtt.store] max_size: 1K is less"}},
+        {"[gateway]\nhosts = [\"a b\"]\n[mqtt]\nbroker = []\ngroup = \"g\"\n[mqtt.json]\ntopic = \"spBv1.0\"\n",
+         {"plant.toml:2: [gateway] hosts: 'a b' is not", "plant.toml:4: [mqtt] broker: has no broker",
+          "plant.toml:7: [mqtt.json] topic: 'spBv1.0' belongs"}},
         {"[recording]\nkeep = \"a\"\n[recording.incidents]\nfolder = \"x\"\non = [\"boom\"]\n",
          {"plant.toml:2: [recording] keep: ", "plant.toml:5: [recording.incidents] on: 'boom' is not one of"}},
         // What is wrong hides nothing else, and all comes in the order of the lines.
@@ -102,8 +105,9 @@ TEST(ConfigTest, NamesFileLineAndKeyOfAllThatIsWrong) {
          "[[controller]]\nhost = \"10.0.0.[5-1]\"\npoll = \"q\"\n[[controller]]\nname = \"a\"\nhost = \"10.0.0.1\"\n"
          "poll = \"p\"\n[promtheus]\n",
          {"plant.toml:2: [gateway] nam", "plant.toml:3: [gateway] token_file: ",
-          "plant.toml:7: [[controller]] name: is missing", "plant.toml:8: [[controller]] host: the range",
-          "plant.toml:9: [[controller]] poll: there is no section [poll.q]", "plant.toml:13: [[controller]] poll: ",
+          "plant.toml:6: [poll.p] items: item \"signal 1\": ", "plant.toml:7: [[controller]] name: is missing",
+          "plant.toml:8: [[controller]] host: the range",
+          "plant.toml:9: [[controller]] poll: there is no section [poll.q]",
           "plant.toml:14: promtheus: there is no such key; is prometheus meant?"}},
         {"", {"plant.toml: there is no [[controller]]"}}};
     for (WrongFile const& file : files) {
@@ -126,6 +130,41 @@ TEST(ConfigTest, NamesFileLineAndKeyOfAllThatIsWrong) {
     std::string const old =
         "[poll.p]\nperiod = \"1s\"\nitems = [\"progress 0\"]\n" + std::string(Press) + "generation = \"FS\"\n";
     EXPECT_NE(ProblemsOf(old).find("[[controller]] poll: "), std::string::npos) << ProblemsOf(old);
+}
+
+TEST(ConfigTest, ReadsBrokersByNameAndAddress) {
+    for (auto const& [text, read] : {std::pair{"broker", "broker 1883"},
+                                     {"10.0.0.5:8883", "10.0.0.5 8883"},
+                                     {"[fd00::5]", "fd00::5 1883"},
+                                     {"[::1]:1884", "::1 1884"},
+                                     {"::1", nullptr},
+                                     {"[::1", nullptr},
+                                     {"[::1]1883", nullptr},
+                                     {"[broker]:1883", nullptr},
+                                     {"broker:", nullptr},
+                                     {"", nullptr},
+                                     {"a:b:1883", nullptr}}) {
+        std::string const file = std::string(Poll) + Press + "[mqtt]\ngroup = \"g\"\nbroker = \"" + text + "\"\n";
+        std::string const problems = ProblemsOf(file);
+        EXPECT_EQ(problems.empty(), read != nullptr) << text << ": " << problems;
+        if (problems.empty() && read != nullptr) {
+            MqttBroker const broker = ParseConfig(file, "plant.toml").mqtt->brokers.front();
+            EXPECT_EQ(broker.host + " " + std::to_string(broker.port), read);
+        }
+    }
+}
+
+TEST(ConfigTest, ADeadBandIsForAllThatAreNumbers) {
+    auto const config =
+        ParseConfig("[poll.p]\nperiod = \"1s\"\non_change = true\ndead_band = 2\n"
+                    "items = [\"state\", \"register 3\", \"I0\", \"P1\", \"torque R1\", \"signal group 10010\"]\n" +
+                        std::string(Press),
+                    "plant.toml");
+    std::string bands;
+    for (FleetItem const& item : config.polls.front().group.items) {
+        bands += item.deadBand > 0.0 ? "yes " : "no ";
+    }
+    EXPECT_EQ(bands, "no yes yes yes yes no ");
 }
 
 TEST(ConfigTest, TakesItsOwnExampleWithEverythingSwitchedOn) {

@@ -18,7 +18,7 @@ bool IsBorn(gateway::sparkplug::EdgeNode const& node) {
 TEST(SparkplugConnection, PlainTopicsAreJson) {
     Plant plant;
     plant.config.json = {.isOn = true, .topic = "cell", .qos = 1, .retain = true};
-    auto const node = plant.StartNode();
+    auto node = plant.StartNode();
     auto const press =
         MakeController(1, "press1", {{recording::kind::State, "state"}, {recording::kind::RealVariable, "R001"}});
     node->Added(press);
@@ -34,6 +34,10 @@ TEST(SparkplugConnection, PlainTopicsAreJson) {
     EXPECT_EQ(nlohmann::json::parse(topics()["cell/gw1/press1/state"])["values"]["servo"], true);
     Feed(*node, {}, {MakeStateEvent(press, FleetState::Silent)});
     EXPECT_TRUE(Eventually([&] { return topics()["cell/gw1/press1/online"] == "false"; }));
+    Feed(*node, {MakeSample(press, 1, {3.5}, 1000)}, {MakeStateEvent(press, FleetState::Online)});
+    EXPECT_TRUE(Eventually([&] { return topics()["cell/gw1/press1/online"] == "true"; }));
+    node.reset();
+    EXPECT_TRUE(Eventually([&] { return topics()["cell/gw1/press1/online"] == "false"; })) << "it has left";
 }
 
 TEST(SparkplugConnection, NextBrokerIsUsedWhenOneIsAway) {
