@@ -50,12 +50,16 @@ Effort Api::EffortOf(Request const& given) {
     return needsDisk ? Effort::Disk : Effort::Memory;
 }
 
+bool Api::IsLive(Request const& request) {
+    return WithoutVersion(request).path == "/api/live";
+}
+
 Response Api::Answer(Request const& given, std::stop_token const& stop) const {
     Request const request = WithoutVersion(given);
     bool const isPost = request.method == "POST" && request.path.starts_with(VirtualPath);
-    if (request.method != "GET" && !isPost) {
+    if (!request.IsRead() && !isPost) {
         Response response = ErrorResponse(405, "the gateway only reads; use GET");
-        response.headers.emplace_back("allow:", "GET");
+        response.headers.emplace_back("allow:", "GET, HEAD");
         return response;
     }
     try {

@@ -46,6 +46,9 @@ class Api {
 public:
     explicit Api(ApiSources sources) : sources_(std::move(sources)) {}
 
+    /// Whether it is for the WebSocket, which the listener serves.
+    static bool IsLive(Request const& request);
+
     static Effort EffortOf(Request const& given);
 
     /// `stop` ends soon what reads a recording; the answer is then of no use.

@@ -39,7 +39,8 @@ std::string QueryOf(lws* socket) {
 }
 
 std::string MethodOf(lws* socket) {
-    constexpr std::array<std::pair<lws_token_indexes, char const*>, 6> Methods{{{WSI_TOKEN_GET_URI, "GET"},
+    constexpr std::array<std::pair<lws_token_indexes, char const*>, 7> Methods{{{WSI_TOKEN_GET_URI, "GET"},
+                                                                                {WSI_TOKEN_HEAD_URI, "HEAD"},
                                                                                 {WSI_TOKEN_POST_URI, "POST"},
                                                                                 {WSI_TOKEN_PUT_URI, "PUT"},
                                                                                 {WSI_TOKEN_PATCH_URI, "PATCH"},
@@ -50,7 +51,7 @@ std::string MethodOf(lws* socket) {
             return name;
         }
     }
-    return "HEAD"; // and what else there may be: none of it is answered
+    return Header(socket, WSI_TOKEN_HTTP_COLON_METHOD); // of HTTP/2, and nothing of others: none of them is answered
 }
 
 bool AddHeader(lws* socket, std::string const& name, std::string const& value, unsigned char** at, unsigned char* end) {
@@ -78,6 +79,7 @@ int SendHeaders(lws* socket, Exchange& exchange) {
         return -1;
     }
     exchange.hasHeaders = true;
+    exchange.sent = exchange.request.method == "HEAD" ? response.Size() : 0; // the headers are all that it asks for
     return 0;
 }
 
@@ -102,11 +104,25 @@ Request RequestOf(lws* socket, std::string_view path) {
     request.path = std::string(path);
     request.query = ParseQuery(QueryOf(socket));
     request.host = Header(socket, WSI_TOKEN_HOST);
+    if (request.host.empty()) {
+        request.host =
+            Header(socket, WSI_TOKEN_HTTP_COLON_AUTHORITY); // as HTTP/2 calls it, to which a program may upgrade
+    }
     request.origin = Header(socket, WSI_TOKEN_ORIGIN);
     request.authorization = Header(socket, WSI_TOKEN_HTTP_AUTHORIZATION);
     request.ifNoneMatch = Header(socket, WSI_TOKEN_HTTP_IF_NONE_MATCH);
     request.takesGzip = Header(socket, WSI_TOKEN_HTTP_ACCEPT_ENCODING).find("gzip") != std::string::npos;
     return request;
+}
+
+int SendAtOnce(lws* socket, Exchange& exchange, std::vector<unsigned char>& piece) {
+    piece.resize(LWS_PRE + Piece);
+    if (SendHeaders(socket, exchange) != 0) {
+        return -1;
+    }
+    std::size_t const count = FillPiece(exchange, piece.data() + LWS_PRE);
+    int const sent = lws_write(socket, piece.data() + LWS_PRE, count, LWS_WRITE_HTTP_FINAL);
+    return sent < static_cast<int>(count) ? -1 : 0;
 }
 
 int SendResponse(lws* socket, Exchange& exchange, std::vector<unsigned char>& piece) {

@@ -26,6 +26,9 @@ struct Exchange {
 /// The request whose headers have come.
 Request RequestOf(lws* socket, std::string_view path);
 
+/// Sends an answer that is short enough for one piece, before the library takes the request for its own.
+int SendAtOnce(lws* socket, Exchange& exchange, std::vector<unsigned char>& piece);
+
 /// Sends the headers, then the body in pieces, each time that there is room. `piece` is memory to do it with. -1: the connection
 /// ends.
 int SendResponse(lws* socket, Exchange& exchange, std::vector<unsigned char>& piece);

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include <arpa/inet.h>
 #include <fmt/format.h>
+#include <libwebsockets.h>
 #include <unistd.h>
 
 #include "gateway/config/ConfigError.h"
@@ -40,14 +42,30 @@ bool IsSame(std::string_view left, std::string_view right) {
     return difference == 0;
 }
 
+/// A program sends the token as it is. A browser asks for a name, which does not matter, and a password.
+std::string TokenOf(std::string const& authorization) {
+    std::size_t const blank = std::min(authorization.find(' '), authorization.size());
+    std::string const scheme = words::LowerCase(authorization.substr(0, blank));
+    std::string const given = authorization.substr(std::min(blank + 1, authorization.size()));
+    if (scheme != "basic") {
+        return scheme == "bearer" ? given : "";
+    }
+    std::string login(given.size() + 1, '\0');
+    int const length = lws_b64_decode_string(given.c_str(), login.data(), static_cast<int>(login.size()));
+    login.resize(static_cast<std::size_t>(std::max(length, 0)));
+    std::size_t const colon = login.find(':');
+    return colon == std::string::npos ? "" : login.substr(colon + 1);
+}
+
 } // namespace
 
-Guard::Guard(ListenConfig const& config) : hosts_(config.hosts) {
+Guard::Guard(ListenConfig const& config) {
+    std::transform(config.hosts.begin(), config.hosts.end(), std::back_inserter(hosts_), HostOf);
     hosts_.push_back(config.address);
-    if (config.IsLoopback()) {
+    isAnyHost_ = config.address == "0.0.0.0" || config.address == "::";
+    if (config.IsLoopback() || isAnyHost_) {
         hosts_.insert(hosts_.end(), {"localhost", "127.0.0.1", "::1"});
     }
-    isAnyHost_ = config.address == "0.0.0.0" || config.address == "::";
     std::array<char, 256> name{};
     if (!config.IsLoopback() && gethostname(name.data(), name.size() - 1) == 0) {
         hosts_.push_back(words::LowerCase(name.data()));
@@ -73,19 +91,17 @@ std::optional<Response> Guard::Refuse(Request const& request, bool isWebSocket) 
                              "this host is not known here; [gateway] hosts names the hosts by which clients may call");
     }
     if (!token_.empty()) {
-        constexpr std::string_view Start = "Bearer ";
-        std::string_view const given = request.authorization;
-        bool const isBearer = words::LowerCase(given.substr(0, Start.size())) == "bearer ";
-        auto const query = request.query.find("token"); // a browser's WebSocket has no other place for it
-        bool const isKnown = (isBearer && IsSame(given.substr(Start.size()), token_)) ||
+        auto const query = request.query.find("token"); // a script's WebSocket has no other place for it
+        bool const isKnown = IsSame(TokenOf(request.authorization), token_) ||
                              (isWebSocket && query != request.query.end() && IsSame(query->second, token_));
         if (!isKnown) {
             Response response = ErrorResponse(401, "the request needs the token of this gateway");
             response.headers.emplace_back("www-authenticate:", "Bearer");
+            response.headers.emplace_back("www-authenticate:", "Basic realm=\"harvlink-gateway\", charset=\"UTF-8\"");
             return response;
         }
     }
-    if (isWebSocket || request.method != "GET") {
+    if (isWebSocket || !request.IsRead()) {
         std::size_t const scheme = request.origin.find("://");
         std::string const origin = scheme == std::string::npos ? request.origin : request.origin.substr(scheme + 3);
         // A program that is not a browser sends none.

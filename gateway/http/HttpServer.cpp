@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -15,12 +16,12 @@
 #include "gateway/http/Connections.h"
 #include "gateway/http/Guard.h"
 #include "gateway/http/PageFiles.h"
+#include "words/text/Text.h"
 
 namespace harvlink::gateway {
 
 namespace {
 
-constexpr std::string_view LivePath = "/api/live";
 constexpr lws_usec_t LivePace = 100'000; ///< microseconds: at most ten messages a second
 constexpr unsigned SpareDescriptors = 32;
 constexpr unsigned HeaderSeconds = 10; ///< for the headers of a request, or what else the library waits for
@@ -101,7 +102,8 @@ private:
     void TakeAnswers();
     std::shared_ptr<Response> Bounded(std::shared_ptr<Response> const& response);
     int Send(lws* socket);
-    int RefuseLive(lws* socket);
+    std::optional<Response> RefuseLive(lws* socket) const;
+    int ConfirmUpgrade(lws* socket, std::string_view to);
     int ReceiveLive(lws* socket, std::string_view part);
     int SendLive(lws* socket);
     void TickLive();
@@ -209,8 +211,10 @@ int HttpServer::Implementation::Handle(lws* socket, lws_callback_reasons reason,
     case LWS_CALLBACK_EVENT_WAIT_CANCELLED:
         TakeAnswers();
         return 0;
+    case LWS_CALLBACK_HTTP_CONFIRM_UPGRADE:
+        return ConfirmUpgrade(socket, static_cast<char const*>(in)); // its length is not told
     case LWS_CALLBACK_FILTER_PROTOCOL_CONNECTION:
-        return RefuseLive(socket);
+        return RefuseLive(socket) ? -1 : 0;
     case LWS_CALLBACK_ESTABLISHED:
         return BeginLive(socket);
     case LWS_CALLBACK_RECEIVE:
@@ -252,7 +256,9 @@ int HttpServer::Implementation::Begin(lws* socket, std::string_view path) {
         return AnswerNow(socket, exchange, std::move(*refused));
     }
     if (exchange.request.method == "POST") {
-        return 0; // its body follows
+        // Its body follows. The library would wait for one that nobody said the length of.
+        bool const hasLength = lws_hdr_total_length(socket, WSI_TOKEN_HTTP_CONTENT_LENGTH) > 0;
+        return hasLength ? 0 : AnswerNow(socket, exchange, ErrorResponse(411, "a POST must have a Content-Length"));
     }
     if (!BelongsToApi(exchange.request.path)) {
         return AnswerNow(socket, exchange, PageFile(exchange.request));
@@ -353,15 +359,29 @@ int HttpServer::Implementation::BeginLive(lws* socket) {
     return ShowCounts();
 }
 
-int HttpServer::Implementation::RefuseLive(lws* socket) {
+std::optional<Response> HttpServer::Implementation::RefuseLive(lws* socket) const {
     std::array<char, 256> path{};
-    bool const isLive =
-        lws_hdr_copy(socket, path.data(), path.size(), WSI_TOKEN_GET_URI) > 0 && LivePath == path.data();
-    if (!isLive || open_.LiveClients() >= Connections::MostLive) {
-        return -1;
+    lws_hdr_copy(socket, path.data(), path.size(), WSI_TOKEN_GET_URI);
+    Request const request = RequestOf(socket, path.data());
+    if (auto refused = guard_.Refuse(request, true); refused) {
+        return refused;
     }
-    auto const refused = guard_.Refuse(RequestOf(socket, path.data()), true);
-    return refused ? -1 : 0;
+    if (!Api::IsLive(request)) {
+        return ErrorResponse(404, "there is a WebSocket at /api/live only");
+    }
+    return open_.LiveClients() >= Connections::MostLive ? std::optional(ErrorResponse(503, "too many pages are open"))
+                                                        : std::nullopt;
+}
+
+/// A client that may not have a WebSocket is told why. What else it may upgrade to is the library's.
+int HttpServer::Implementation::ConfirmUpgrade(lws* socket, std::string_view to) {
+    auto refused = words::LowerCase(to) == "websocket" ? RefuseLive(socket) : std::nullopt;
+    if (!refused) {
+        return 0;
+    }
+    Exchange exchange;
+    exchange.response = std::make_shared<Response>(std::move(*refused));
+    return SendAtOnce(socket, exchange, piece_) == 0 ? 1 : -1;
 }
 
 int HttpServer::Implementation::ReceiveLive(lws* socket, std::string_view part) {

@@ -15,7 +15,7 @@ std::string Text(std::span<unsigned char const> bytes) {
 } // namespace
 
 Response PageFile(Request const& request) {
-    if (request.method != "GET") {
+    if (!request.IsRead()) {
         return ErrorResponse(405, "use GET");
     }
     std::string const name = request.path == "/" ? "index.html" : request.path.substr(1);

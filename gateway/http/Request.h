@@ -23,6 +23,8 @@ struct Request {
     std::string ifNoneMatch;
     bool takesGzip = false;
     std::string body;
+
+    bool IsRead() const { return method == "GET" || method == "HEAD"; }
 };
 
 /// A body that is too large for the memory: it is read while it is sent.

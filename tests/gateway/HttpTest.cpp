@@ -96,7 +96,7 @@ TEST_F(HttpTest, AnswersOnlyThoseItShould) {
     ListenConfig const local;
     ListenConfig open;
     open.address = "0.0.0.0";
-    open.hosts = {"hall.plant"};
+    open.hosts = {"Hall.plant:80"};
     ListenConfig guarded = local;
     guarded.tokenFile = folder.Path() / "token";
     struct Case {
@@ -107,20 +107,27 @@ TEST_F(HttpTest, AnswersOnlyThoseItShould) {
         bool isWebSocket;
         int status; ///< 0: answered
     };
-    for (Case const& each : std::vector<Case>{{&local, "127.0.0.1:9750", "", "", false, 0},
-                                              {&local, "LOCALHOST:9750", "", "", false, 0},
-                                              {&local, "[::1]:9750", "", "", false, 0},
-                                              {&local, "evil.example", "", "", false, 421},
-                                              {&local, "", "", "", false, 421},
-                                              {&local, "localhost:9750", "http://localhost:9750", "", true, 0},
-                                              {&local, "localhost:9750", "http://evil.example", "", true, 403},
-                                              {&local, "localhost:9750", "null", "", true, 403},
-                                              {&open, "10.0.0.7:9750", "", "", false, 0},
-                                              {&open, "hall.plant:9750", "", "", false, 0},
-                                              {&open, "evil.example:9750", "", "", false, 421},
-                                              {&guarded, "localhost", "", "", false, 401},
-                                              {&guarded, "localhost", "", "Bearer 0123456789abcdeX", false, 401},
-                                              {&guarded, "localhost", "", "bearer 0123456789abcdef", false, 0}}) {
+    for (Case const& each :
+         std::vector<Case>{{&local, "127.0.0.1:9750", "", "", false, 0},
+                           {&local, "LOCALHOST:9750", "", "", false, 0},
+                           {&local, "[::1]:9750", "", "", false, 0},
+                           {&local, "evil.example", "", "", false, 421},
+                           {&local, "", "", "", false, 421},
+                           {&local, "localhost:9750", "http://localhost:9750", "", true, 0},
+                           {&local, "localhost:9750", "http://evil.example", "", true, 403},
+                           {&local, "localhost:9750", "null", "", true, 403},
+                           {&open, "10.0.0.7:9750", "", "", false, 0},
+                           {&open, "hall.plant:9750", "", "", false, 0},
+                           {&open, "localhost:9750", "", "", false, 0},
+                           {&open, "evil.example:9750", "", "", false, 421},
+                           {&guarded, "localhost", "", "", false, 401},
+                           {&guarded, "localhost", "", "Bearer 0123456789abcdeX", false, 401},
+                           {&guarded, "localhost", "", "bearer 0123456789abcdef", false, 0},
+                           {&guarded, "localhost", "", "Bearer ", false, 401},
+                           // As a browser sends what its user types: page:0123456789abcdef, and without name.
+                           {&guarded, "localhost", "", "Basic cGFnZTowMTIzNDU2Nzg5YWJjZGVm", false, 0},
+                           {&guarded, "localhost", "", "Basic MDEyMzQ1Njc4OWFiY2RlZg==", false, 401},
+                           {&guarded, "localhost", "", "Basic !", false, 401}}) {
         Request request;
         request.host = each.host;
         request.origin = each.origin;

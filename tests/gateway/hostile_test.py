@@ -47,16 +47,22 @@ class HostileTest(GatewayTest):
     def test_bad_requests_are_refused(self):
         gateway = Gateway(self, "", "--simulate", "1")
         get_metrics = b"GET /metrics HTTP/1.1\r\n"
+        live = (b"Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+                b"Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n" + OWN_HOST)
         for name, request, refusals in (
                 ("oversized header", get_metrics + OWN_HOST + b"X: " + b"x" * 20000 + b"\r\n\r\n", ("", "403", "413", "431")),
                 ("many headers", get_metrics + OWN_HOST + b"X-Y: z\r\n" * 2000 + b"\r\n", ("", "403", "413", "431")),
                 ("oversized path", b"GET /" + b"x" * 10000 + b" HTTP/1.1\r\n" + OWN_HOST + b"\r\n", ("", "403", "414", "431")),
                 ("oversized body", b"POST /api/virtual/robot1 HTTP/1.1\r\n" + OWN_HOST + b"Content-Length: 70000\r\n\r\n"
                  + b"x" * 70000, ("", "413")),
+                ("body of no length", b"POST /api/virtual/robot1 HTTP/1.1\r\n" + OWN_HOST + b"\r\n", ("411",)),
                 ("foreign host", get_metrics + b"Host: evil.example\r\n\r\n", ("421",)),
                 ("no host", get_metrics + b"\r\n", ("421",)),
                 ("TLS to a plain port", b"\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03" + bytes(500), ("", "400", "403")),
                 ("path upwards", b"GET /%00%ff/../.. HTTP/1.1\r\n" + OWN_HOST + b"\r\n", ("", "200", "403", "404")),
+                ("page of another site", b"GET /api/live HTTP/1.1\r\n" + live + b"Origin: http://evil.example\r\n\r\n", ("403",)),
+                ("WebSocket elsewhere", get_metrics + live + b"\r\n", ("404",)),
+                ("WebSocket", b"GET /api/v1/live HTTP/1.1\r\n" + live + b"\r\n", ("101",)),
                 ("preflight", b"OPTIONS /api/latest HTTP/1.1\r\n" + OWN_HOST + b"Origin: http://evil.example\r\n"
                  b"Access-Control-Request-Method: GET\r\n\r\n", ("403", "405"))):
             with self.subTest(name):
@@ -65,6 +71,10 @@ class HostileTest(GatewayTest):
                 self.assertIn(status, refusals, line)
                 self.assertIn('"live"', get(gateway.port, "/health/live"))
         connection = http.client.HTTPConnection("127.0.0.1", gateway.port, timeout=PATIENCE)
+        connection.request("HEAD", "/api/latest")
+        answer = connection.getresponse()
+        self.assertGreater(int(answer.getheader("Content-Length")), 100)
+        self.assertEqual((answer.status, answer.read()), (200, b""))
         connection.request("GET", "/api/latest", headers={"Origin": "http://evil.example"})
         names = [name.lower() for name, _ in connection.getresponse().getheaders()]
         self.assertFalse([name for name in names if name.startswith("access-control")], "nothing is shared with other sites")
