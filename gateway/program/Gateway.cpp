@@ -1,5 +1,7 @@
 #include "gateway/program/Gateway.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "gateway/config/ConfigError.h"
@@ -13,9 +15,11 @@ namespace {
 /// What the listener shows depends on more than its own section.
 bool HasSameListener(Config const& left, Config const& right) {
     auto const geometries = [](Config const& config) {
-        std::map<std::string, std::optional<GeometryConfig>> all;
+        std::map<std::string, GeometryConfig> all;
         for (ControllerConfig const& controller : config.controllers) {
-            all[controller.name] = controller.geometry;
+            if (controller.geometry) {
+                all[controller.name] = *controller.geometry;
+            }
         }
         return all;
     };
@@ -67,7 +71,7 @@ void Gateway::Apply(Config config) {
                                               {"removed", std::to_string(applied.removed)},
                                               {"changed", std::to_string(applied.changed)},
                                               {"listen", config_->gateway.listen.address},
-                                              {"port", std::to_string(config_->gateway.listen.port)}});
+                                              {"port", std::to_string(Listening().port)}});
 }
 
 /// Brings back the configuration that was in use, after a part of a new one could not be started.
@@ -81,6 +85,9 @@ void Gateway::Restore(Config const& config) {
             log_.Error("a part of the configuration before could not be started again",
                        {{"part", what}, {"reason", error.what()}});
         }
+    }
+    if (betweenNodes_ != nullptr) { // no node follows
+        watch_.Dispatch().Remove(std::exchange(betweenNodes_, nullptr));
     }
 }
 
@@ -114,16 +121,25 @@ void Gateway::ApplyMqtt(Config const& config) {
     if (mqttInUse_ == config.mqtt) {
         return;
     }
+    // A broker takes one client of an id, and a store has one writer, so the new node begins when the old one has ended.
     if (mqtt_ != nullptr) {
-        watch_.Dispatch().Remove(mqtt_);
-        mqtt_.reset(); // a broker takes one client of an id, and a store has one writer
+        betweenNodes_ = std::make_shared<Interim>();
+        watch_.Dispatch().Replace(mqtt_, betweenNodes_);
+        mqtt_.reset();
         mqttInUse_.reset();
     }
     if (config.mqtt) {
         mqtt_ = std::make_shared<sparkplug::EdgeNode>(*config.mqtt, log_);
         mqttInUse_ = config.mqtt;
-        watch_.Dispatch().Add(mqtt_);
     }
+    if (betweenNodes_ == nullptr) {
+        watch_.Dispatch().Add(mqtt_);
+    } else if (mqtt_ != nullptr) {
+        watch_.Dispatch().Replace(betweenNodes_, mqtt_);
+    } else {
+        watch_.Dispatch().Remove(betweenNodes_);
+    }
+    betweenNodes_.reset();
 }
 
 void Gateway::ApplyListener(Config const& config) {
@@ -135,6 +151,12 @@ void Gateway::ApplyListener(Config const& config) {
     }
     http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config));
     listenerInUse_ = config;
+}
+
+ListenConfig Gateway::Listening() const {
+    ListenConfig listening = config_->gateway.listen;
+    listening.port = http_->Port();
+    return listening;
 }
 
 ExpositionSources Gateway::ExpositionSourcesFor(Config const& config) {

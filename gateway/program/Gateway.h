@@ -33,7 +33,8 @@ public:
     bool IsAlive();
 
     std::size_t ControllerCount() const { return config_ ? config_->controllers.size() : 0; }
-    ListenConfig const& Listening() const { return config_->gateway.listen; }
+    /// With the port that was taken if the configuration has 0.
+    ListenConfig Listening() const;
 
 private:
     void Restore(Config const& config);
@@ -51,6 +52,7 @@ private:
     std::optional<Config> config_;
     std::shared_ptr<Observer> recording_;
     std::shared_ptr<Observer> mqtt_;
+    std::shared_ptr<Interim> betweenNodes_; ///< only while a configuration is applied
     std::unique_ptr<HttpServer> http_;
     std::optional<RecordingConfig> recordingInUse_; ///< what the three were made of
     std::optional<MqttConfig> mqttInUse_;

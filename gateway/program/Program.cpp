@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <ctime>
 #include <exception>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -18,6 +20,7 @@
 #include "gateway/program/Deadline.h"
 #include "gateway/program/Gateway.h"
 #include "gateway/program/SystemNotice.h"
+#include "gateway/program/VirtualPlant.h"
 #include "harvlink/Version.h"
 
 namespace harvlink::gateway {
@@ -128,7 +131,7 @@ int Run(Arguments const& arguments) {
         gateway.Simulate(arguments.simulate);
     }
     gateway.Apply(std::move(config));
-    ListenConfig const& listen = gateway.Listening();
+    ListenConfig const listen = gateway.Listening();
     fmt::print("harvlink-gateway: ready on {}://{}:{}/\n", listen.key.empty() ? "http" : "https",
                listen.address.find(':') == std::string::npos ? listen.address : "[" + listen.address + "]",
                listen.port);
@@ -139,7 +142,11 @@ int Run(Arguments const& arguments) {
 }
 
 int Check(Arguments const& arguments) {
-    fmt::print("{}: right\n{}", arguments.config, BillOf(ReadConfigFile(arguments.config)));
+    Config config = ConfigFor(arguments);
+    if (arguments.simulate > 0) {
+        VirtualPlant::Watch(config, std::vector<std::string>(arguments.simulate)); // none is started for the bill
+    }
+    fmt::print("{}: right\n{}", arguments.config, BillOf(config));
     return 0;
 }
 

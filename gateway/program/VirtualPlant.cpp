@@ -34,6 +34,11 @@ void SetToWork(simulator::VirtualController& controller, unsigned number, bool m
     });
 }
 
+/// From 1 on.
+std::string NameOf(std::size_t number) {
+    return fmt::format("robot{}", number);
+}
+
 FleetGroup Group(std::chrono::milliseconds period, std::vector<FleetItem> items) {
     FleetGroup group;
     group.period = period;
@@ -101,7 +106,7 @@ bool VirtualPlant::Start(unsigned block, unsigned count) {
     server_ = std::make_unique<simulator::Server>();
     for (unsigned i = 0; i < count; ++i) {
         std::string const address = fmt::format("127.{}.{}.{}", block, i / HostsOfNet, 1 + i % HostsOfNet);
-        controllers_[fmt::format("robot{}", i + 1)] = &server_->Add(address, options_);
+        controllers_[NameOf(i + 1)] = &server_->Add(address, options_);
     }
     if (!server_->Start()) {
         return false; // somebody has one of the addresses; the next block may be free
@@ -129,6 +134,14 @@ void VirtualPlant::KeepMoving() {
 }
 
 void VirtualPlant::AddTo(Config& config) const {
+    std::vector<std::string> addresses;
+    for (std::size_t i = 1; i <= controllers_.size(); ++i) {
+        addresses.push_back(controllers_.at(NameOf(i))->Address());
+    }
+    Watch(config, addresses);
+}
+
+void VirtualPlant::Watch(Config& config, std::vector<std::string> const& addresses) {
     using std::chrono::milliseconds;
     FleetItem const inBase = FleetItem::Position(ControlGroupId::R1, CoordinateType::BaseCoordinate);
     FleetItem const counter = FleetItem::Variable(FleetItemKind::IntegerVariable, 0);
@@ -140,10 +153,10 @@ void VirtualPlant::AddTo(Config& config) const {
                                     counter, total, FleetItem::Signal(10010, 4), FleetItem::Signal(20010, 4)})},
                     {"rare", Group(milliseconds(60'000), {FleetItem::Software()})}};
     config.controllers.clear();
-    for (std::size_t i = 1; i <= controllers_.size(); ++i) {
+    for (std::string const& address : addresses) {
         ControllerConfig controller;
-        controller.name = fmt::format("robot{}", i);
-        controller.options.address = controllers_.at(controller.name)->Address();
+        controller.name = NameOf(config.controllers.size() + 1);
+        controller.options.address = address;
         controller.polls = {"state", "arm", "work", "rare"};
         controller.geometry = StandardGeometry();
         config.controllers.push_back(std::move(controller));

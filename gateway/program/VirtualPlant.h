@@ -28,6 +28,8 @@ public:
 
     /// Fills in controllers, polls and the geometry of the arms.
     void AddTo(Config& config) const;
+    /// The same for virtual controllers at these addresses: robot1, robot2 ...
+    static void Watch(Config& config, std::vector<std::string> const& addresses);
 
     /// {"alarm":4107}, {"reset":true}, {"hold":true}, {"signal":[20010,true]}, {"fault":"silence=100%"}, {"fault":""}
     Response Change(std::string const& controller, words::Json const& body);

@@ -94,6 +94,25 @@ void Dispatcher::Remove(std::shared_ptr<Observer> const& observer) {
     });
 }
 
+void Dispatcher::Replace(std::shared_ptr<Observer> const& observer, std::shared_ptr<Interim> const& interim) {
+    Do([&] {
+        Introduce(*interim);
+        Exchange(observer, interim);
+    });
+}
+
+void Dispatcher::Replace(std::shared_ptr<Interim> const& interim, std::shared_ptr<Observer> const& observer) {
+    Do([&] {
+        interim->GiveTo(*observer);
+        Exchange(interim, observer);
+    });
+}
+
+void Dispatcher::Exchange(std::shared_ptr<Observer> const& old, std::shared_ptr<Observer> const& next) {
+    std::scoped_lock const lock(observersMutex_);
+    std::replace(observers_.begin(), observers_.end(), old, next);
+}
+
 /// What the observer would know if it had been there from the start.
 void Dispatcher::Introduce(Observer& observer) const {
     std::vector<SamplePtr> samples;

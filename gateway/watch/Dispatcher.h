@@ -11,6 +11,7 @@
 #include "gateway/model/Log.h"
 #include "gateway/model/Observer.h"
 #include "gateway/watch/Converter.h"
+#include "gateway/watch/Interim.h"
 #include "gateway/watch/LatestTable.h"
 
 namespace harvlink::gateway {
@@ -30,6 +31,10 @@ public:
 
     void Add(std::shared_ptr<Observer> const& observer);
     void Remove(std::shared_ptr<Observer> const& observer);
+    /// One takes the place of another in one moment, so that nothing falls between them: the interim that of an observer which
+    /// ends, with all that an observer gets that is added; and a new observer that of the interim, with all that it kept.
+    void Replace(std::shared_ptr<Observer> const& observer, std::shared_ptr<Interim> const& interim);
+    void Replace(std::shared_ptr<Interim> const& interim, std::shared_ptr<Observer> const& observer);
 
     void Add(ControllerPtr const& controller, std::vector<FleetGroup> const& groups);
     void Remove(ControllerPtr const& controller);
@@ -49,6 +54,7 @@ private:
     void TakeAgainAfterLoss();
     void Give(Batch const& batch);
     void Introduce(Observer& observer) const;
+    void Exchange(std::shared_ptr<Observer> const& old, std::shared_ptr<Observer> const& next);
 
     Fleet& fleet_;
     Log& log_;

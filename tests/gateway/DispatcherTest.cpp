@@ -129,8 +129,21 @@ TEST(DispatcherTest, GivesSamplesAndEventsToAllObservers) {
     EXPECT_TRUE(late->WaitFor(HasLink("online"))) << "an observer that comes later is told the state of the link";
     EXPECT_TRUE(late->WaitFor(HasRegister(77)));
 
+    // Between two lives of an observer nothing is lost, and what was there before comes first.
+    auto const interim = std::make_shared<Interim>();
+    dispatcher.Replace(early, interim);
+    for (std::uint16_t value = 78; value < 81; ++value) {
+        controller.With([=](auto& model) { model.registers[4] = value; });
+        EXPECT_TRUE(late->WaitFor(HasRegister(value)));
+    }
+    auto const next = std::make_shared<Witness>();
+    dispatcher.Replace(interim, next);
+    for (std::int64_t value = 77; value < 81; ++value) {
+        EXPECT_TRUE(next->WaitFor(HasRegister(value))) << value;
+    }
+
     server.Stop();
-    EXPECT_TRUE(late->WaitFor(HasRegister(77, recording::RecordedQuality::Stale)));
+    EXPECT_TRUE(late->WaitFor(HasRegister(80, recording::RecordedQuality::Stale)));
     fleet.Remove("press");
     dispatcher.Remove(press);
     EXPECT_TRUE(dispatcher.Latest().Snapshot().empty());

@@ -2,6 +2,7 @@
 """Starts, reloads and ends of the gateway when something is in the way."""
 
 import contextlib
+import http.client
 import json
 import os
 import shutil
@@ -14,7 +15,7 @@ import time
 import unittest
 import urllib.request
 
-from gateway_program import Gateway, GatewayTest, free_port, get, wait_for
+from gateway_program import PATIENCE, Gateway, GatewayTest, free_port, get, wait_for
 
 ATTEMPTS = range(3)  # a machine may be too busy for an orderly end in time, but not each time
 
@@ -57,6 +58,32 @@ class LifeTest(GatewayTest):
 
         wait_for(has_new_file, "the new file")
         self.assertIn("added=0 removed=0 changed=0", gateway.log())
+        self.assertEqual(gateway.stop(), 0)
+
+    def test_a_reload_disturbs_only_what_it_changes(self):
+        token = self.folder / "token"
+        token.write_text("0123456789abcdef\n", encoding="ascii")
+        poll = f'token_file = "{token}"\n[poll.p]\nperiod = "1s"\nitems = ["state"]\n'
+        controller = '[[controller]]\nname = "press{0}"\nhost = "127.77.53.{0}"\npoll = "p"\n'
+        gateway = Gateway(self, poll + controller.format(2))
+        page = http.client.HTTPConnection("127.0.0.1", gateway.port, timeout=PATIENCE)
+        self.addCleanup(page.close)
+
+        def names():
+            page.request("GET", "/api/controllers", headers={"Authorization": "Bearer 0123456789abcdef"})
+            return [each["name"] for each in json.loads(page.getresponse().read())]
+
+        self.assertEqual(names(), ["press2"])
+        socket_before = page.sock
+        gateway.write(poll + controller.format(2) + controller.format(3))
+        gateway.reload()
+        wait_for(lambda: names() == ["press2", "press3"], "the new controller")
+        self.assertIs(page.sock, socket_before, "a page is connected again only if what it shows is another one")
+        token.write_text("another token of it\n", encoding="ascii")
+        gateway.reload()
+        wait_for(lambda: gateway.log().count("the configuration is in use") == 3, "the reload")
+        get(gateway.port, "/api/controllers", 401, Authorization="Bearer 0123456789abcdef")
+        get(gateway.port, "/api/controllers", Authorization="Bearer another token of it")
         self.assertEqual(gateway.stop(), 0)
 
     def test_history_has_a_gap_while_no_gateway_ran(self):

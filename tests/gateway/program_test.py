@@ -23,6 +23,15 @@ class ProgramTest(GatewayTest):
         file.write_text(example, encoding="utf-8")
         checked = subprocess.run([PROGRAM, "--config", file, "--check"], capture_output=True, text=True, check=True)
         self.assertIn("61 controllers, ", checked.stdout)
+        file.write_text('[gateway]\nlisten = "127.0.0.1:0"\n', encoding="utf-8")
+        checked = subprocess.run([PROGRAM, "--config", file, "--check", "--simulate", "7"], capture_output=True, text=True,
+                                 check=True)
+        self.assertIn("7 controllers, ", checked.stdout)
+        with subprocess.Popen([PROGRAM, "--config", file, "--simulate", "1"], stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, text=True) as any_port:
+            port = int(re.search(r":(\d+)/", any_port.stdout.readline())[1])
+            self.assertIn('"live"', get(port, "/health/live"))
+            any_port.terminate()
         file.write_text("[gateway]\nnam = 1\n[x]\n", encoding="utf-8")
         for arguments, status, text in (([], 2, "--simulate"), (["--config", str(file)], 1, f"{file}:2: [gateway] nam"),
                                         (["--config", "/no/such"], 1, "can't read /no/such"),
