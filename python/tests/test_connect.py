@@ -92,7 +92,7 @@ class RulesTest(unittest.TestCase):
             with self.subTest(wrong), self.assertRaises(error):
                 harvlink.connect(NOBODY, **wrong)
 
-    @unittest.skipIf(os.name == "nt", "wine keeps to itself that nobody listens")
+    @unittest.skipIf(os.name == "nt", "wine does not report that nobody listens")
     def test_a_rule_can_be_left_out(self):
         without = [name for name in harvlink.RULES if name != "KnownSender"]
         for rules, code, end in [
