@@ -59,10 +59,9 @@ std::string TokenOf(std::string const& authorization) {
 
 } // namespace
 
-Guard::Guard(ListenConfig const& config) {
+Guard::Guard(ListenConfig const& config) : isAnyHost_(config.address == "0.0.0.0" || config.address == "::") {
     std::transform(config.hosts.begin(), config.hosts.end(), std::back_inserter(hosts_), HostOf);
     hosts_.push_back(config.address);
-    isAnyHost_ = config.address == "0.0.0.0" || config.address == "::";
     if (config.IsLoopback() || isAnyHost_) {
         hosts_.insert(hosts_.end(), {"localhost", "127.0.0.1", "::1"});
     }
@@ -97,7 +96,7 @@ std::optional<Response> Guard::Refuse(Request const& request, bool isWebSocket) 
         if (!isKnown) {
             Response response = ErrorResponse(401, "the request needs the token of this gateway");
             response.headers.emplace_back("www-authenticate:", "Bearer");
-            response.headers.emplace_back("www-authenticate:", "Basic realm=\"harvlink-gateway\", charset=\"UTF-8\"");
+            response.headers.emplace_back("www-authenticate:", R"(Basic realm="harvlink-gateway", charset="UTF-8")");
             return response;
         }
     }
