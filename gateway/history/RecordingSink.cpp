@@ -59,6 +59,9 @@ void PutTo(Target& target, IdsOf const& ids, Event const& event) {
 
 RecordingSink::RecordingSink(RecordingConfig const& config, Log& log) : log_(log) {
     if (!config.file.empty()) {
+        if (config.file.has_parent_path()) {
+            std::filesystem::create_directories(config.file.parent_path());
+        }
         recorder_ = std::make_unique<recording::Recorder>(config.file, OptionsOf(config));
     }
     if (config.incidents) {

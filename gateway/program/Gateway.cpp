@@ -28,6 +28,16 @@ bool HasSameListener(Config const& left, Config const& right) {
            geometries(left) == geometries(right);
 }
 
+/// What can't be opened is told with the key that names it.
+template <typename Open>
+auto Opened(char const* key, Open const& open) {
+    try {
+        return open();
+    } catch (std::exception const& error) {
+        throw ConfigError({fmt::format("{}: {}", key, error.what())});
+    }
+}
+
 } // namespace
 
 Gateway::Gateway(Log& log) : log_(log), watch_(log) {
@@ -107,7 +117,7 @@ void Gateway::ApplyRecording(Config const& config) {
     }
     std::shared_ptr<Observer> next;
     if (config.recording) {
-        next = std::make_shared<RecordingSink>(*config.recording, log_);
+        next = Opened("[recording]", [&] { return std::make_shared<RecordingSink>(*config.recording, log_); });
     }
     close();
     if (next != nullptr) {
@@ -129,7 +139,8 @@ void Gateway::ApplyMqtt(Config const& config) {
         mqttInUse_.reset();
     }
     if (config.mqtt) {
-        mqtt_ = std::make_shared<sparkplug::EdgeNode>(*config.mqtt, log_);
+        mqtt_ =
+            Opened("[mqtt.store] folder", [&] { return std::make_shared<sparkplug::EdgeNode>(*config.mqtt, log_); });
         mqttInUse_ = config.mqtt;
     }
     if (betweenNodes_ == nullptr) {
@@ -149,7 +160,8 @@ void Gateway::ApplyListener(Config const& config) {
     if (http_ != nullptr && listenerInUse_->gateway.listen.port == config.gateway.listen.port) {
         http_.reset();
     }
-    http_ = std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config));
+    http_ = Opened("[gateway] listen",
+                   [&] { return std::make_unique<HttpServer>(config.gateway.listen, SourcesFor(config)); });
     listenerInUse_ = config;
 }
 

@@ -50,6 +50,7 @@ bool SessionCounter::Write() const {
         std::filesystem::remove(file_, error);
         return !error;
     }
+    std::filesystem::create_directories(file_.parent_path(), error); // what fails is seen below
     std::filesystem::path const fresh = file_.string() + ".new";
     {
         std::ofstream stream(fresh, std::ios::trunc);

@@ -15,7 +15,7 @@ import time
 import unittest
 import urllib.request
 
-from gateway_program import PATIENCE, Gateway, GatewayTest, free_port, get, wait_for
+from gateway_program import PATIENCE, PROGRAM, Gateway, GatewayTest, free_port, get, wait_for
 
 ATTEMPTS = range(3)  # a machine may be too busy for an orderly end in time, but not each time
 
@@ -84,6 +84,25 @@ class LifeTest(GatewayTest):
         wait_for(lambda: gateway.log().count("the configuration is in use") == 3, "the reload")
         get(gateway.port, "/api/controllers", 401, Authorization="Bearer 0123456789abcdef")
         get(gateway.port, "/api/controllers", Authorization="Bearer another token of it")
+        self.assertEqual(gateway.stop(), 0)
+
+    def test_what_cannot_be_opened_is_told_with_its_key(self):
+        mqtt = '[mqtt]\nbroker = "127.77.53.1"\ngroup = "plant"\n'
+        file = self.folder / "plant.toml"
+        for text, problem in (('[recording]\nfile = "plant.toml/x/y"\n', "[recording]: "),
+                              ('[recording.incidents]\nfolder = "plant.toml/x"\n', "[recording]: "),
+                              (mqtt + '[mqtt.store]\nfolder = "plant.toml/x"\n', "[mqtt.store] folder: "),
+                              ('[gateway]\nlisten = "127.0.0.1:1"\ntls_key = "key"\ntls_certificate = "key"\n', "[gateway] listen: ")):
+            file.write_text(text, encoding="utf-8")
+            (self.folder / "key").touch()
+            run = subprocess.run([PROGRAM, "--config", file, "--simulate", "1"], capture_output=True, text=True, check=False)
+            self.assertEqual(run.returncode, 1, run.stderr)
+            self.assertIn("\n" + problem, run.stderr)
+        # Folders that are not there yet are made.
+        gateway = Gateway(self, mqtt + 'state_folder = "a/b"\n[mqtt.store]\nfolder = "c/d"\n[recording]\nfile = "e/f/g"\n',
+                          "--simulate", "1")
+        for made in ("a/b", "c/d/state", "e/f/g"):
+            wait_for((self.folder / made).exists, made)
         self.assertEqual(gateway.stop(), 0)
 
     def test_history_has_a_gap_while_no_gateway_ran(self):
