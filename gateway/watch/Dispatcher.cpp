@@ -132,6 +132,14 @@ void Dispatcher::Introduce(Observer& observer) const {
     observer.Take({samples, events});
 }
 
+void Dispatcher::Tell(FleetEvent const& event) {
+    Do([&] {
+        if (Event const told = converter_.Convert(event); told.controller != nullptr) {
+            Give({{}, {&told, 1}});
+        }
+    });
+}
+
 void Dispatcher::Add(ControllerPtr const& controller, std::vector<FleetGroup> const& groups) {
     Do([&] {
         converter_.Add(controller, groups);

@@ -36,6 +36,9 @@ public:
     void Replace(std::shared_ptr<Observer> const& observer, std::shared_ptr<Interim> const& interim);
     void Replace(std::shared_ptr<Interim> const& interim, std::shared_ptr<Observer> const& observer);
 
+    /// What happened to a controller that the fleet does not have yet. Nothing if it is not watched any more.
+    void Tell(FleetEvent const& event);
+
     void Add(ControllerPtr const& controller, std::vector<FleetGroup> const& groups);
     void Remove(ControllerPtr const& controller);
 

@@ -161,7 +161,7 @@ void Watch::ResolveOne(std::string const& name, Waiting& waiting) {
     options.timeout = Milliseconds;
     options.retries = 0;
     StatusInfo status = trial.Add(name, options, waiting.groups);
-    std::scoped_lock const lock(mutex_);
+    std::unique_lock lock(mutex_);
     auto const found = waiting_.find(name);
     if (found == waiting_.end() || isStopping_) {
         return;
@@ -173,7 +173,15 @@ void Watch::ResolveOne(std::string const& name, Waiting& waiting) {
         waiting_.erase(found);
     } else if (!found->second.isTold) {
         found->second.isTold = true;
+        lock.unlock();
         log_.Warning("a controller can't be watched yet", {{"controller", name}, {"reason", status.Message}});
+        // It is as good as silent, and the gateway is ready without it.
+        FleetEvent silent;
+        silent.controller = name;
+        silent.time = std::chrono::system_clock::now();
+        silent.after = static_cast<std::int64_t>(FleetState::Silent);
+        silent.code = status.StatusCode;
+        dispatcher_.Tell(silent);
     }
 }
 

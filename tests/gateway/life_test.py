@@ -75,9 +75,13 @@ class LifeTest(GatewayTest):
 
         self.assertEqual(names(), ["press2"])
         socket_before = page.sock
-        gateway.write(poll + controller.format(2) + controller.format(3))
+        nobody = controller.format(3).replace("127.77.53.3", "nobody.invalid")
+        gateway.write(poll + controller.format(2) + nobody)
         gateway.reload()
         wait_for(lambda: names() == ["press2", "press3"], "the new controller")
+        token_of_it = {"Authorization": "Bearer 0123456789abcdef"}
+        wait_for(lambda: '"connecting":0' in get(gateway.port, "/health/live", **token_of_it), "what can't be looked up is silent")
+        get(gateway.port, "/health/ready", **token_of_it)
         self.assertIs(page.sock, socket_before, "a page is connected again only if what it shows is another one")
         token.write_text("another token of it\n", encoding="ascii")
         gateway.reload()
