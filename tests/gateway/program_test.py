@@ -124,6 +124,18 @@ class ProgramTest(GatewayTest):
             self.assertEqual(run.returncode, 0, run.stdout[-2000:] + run.stderr)
         self.assertIn("61 controllers", run.stdout)
 
+    def test_answers_are_as_the_documents_show_them(self):
+        settings = f'[recording]\nfile = "{self.folder}/plant.harvlink"\n[recording.incidents]\nfolder = "{self.folder}"\n'
+        gateway = Gateway(self, settings, "--simulate", "1")
+        wait_for(lambda: '"online":1' in get(gateway.port, "/health/live"), "the controller")
+        get(gateway.port, "/api/virtual/robot1", body=b'{"alarm":4107}')
+        page = (SOURCE / "docs" / "gateway.md").read_text(encoding="utf-8")
+        blocks = re.findall(r"^```json (\S+)\n(.*?)^```", page, re.MULTILINE | re.DOTALL)
+        self.assertEqual(len(blocks), 6)
+        for path, shown in blocks:
+            wait_for(lambda what=path, like=json.loads(shown): is_like(json.loads(get(gateway.port, what)), like), path)
+        self.assertEqual(gateway.stop(), 0)
+
     @unittest.skipUnless(shutil.which("prometheus") and shutil.which("promtool"), "needs prometheus")
     @unittest.skipIf("HARVLINK_EMULATED" in os.environ, "an emulated processor is too slow for a hundred controllers")
     def test_a_real_server_scrapes_a_hundred_controllers(self):
@@ -162,6 +174,16 @@ class ProgramTest(GatewayTest):
             server.terminate()
             server.wait(PATIENCE)
         self.assertEqual(gateway.stop(), 0)
+
+
+def is_like(real, shown):
+    """Whether all that is shown is there, and of its kind."""
+    if isinstance(shown, dict):
+        return isinstance(real, dict) and all(key in real and is_like(real[key], value) for key, value in shown.items())
+    if isinstance(shown, list):
+        return isinstance(real, list) and all(any(is_like(each, value) for each in real) for value in shown)
+    numbers = (int, float)
+    return isinstance(real, numbers if type(shown) in numbers else type(shown))
 
 
 if __name__ == "__main__":
