@@ -99,7 +99,7 @@ void NodeLoop::Do(SessionAction action) {
         break;
     case SessionAction::Disconnect:
         client_.Disconnect();
-        log_.Info("left the MQTT broker", {{"broker", config_.brokers[session_.Server()].host}});
+        log_.Info("left the MQTT broker", {{"broker", broker_}}); // the session has its mind on the next one already
         EndConnection();
         break;
     case SessionAction::Close:
@@ -115,6 +115,7 @@ void NodeLoop::Connect() {
                      {{"folder", config_.stateFolder.string()}});
     }
     isNumberInUse_ = true;
+    broker_ = config_.brokers[session_.Server()].host;
     client_.Connect(config_.brokers[session_.Server()], publisher_.Names().Of(MessageType::NodeDeath),
                     NodeDeath(counter_.Number()));
 }

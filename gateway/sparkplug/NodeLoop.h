@@ -58,6 +58,7 @@ private:
     Moment nextRefusalLine_{};
     int deathId_ = MqttClient::NotSent;
     bool isNumberInUse_ = false; ///< that of the session, until the connection ends
+    std::string broker_; ///< of the present or last connection
     std::string lastError_;
     std::string storeProblem_;
     std::uint64_t connects_ = 0;
