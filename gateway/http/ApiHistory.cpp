@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <fstream>
 
@@ -89,6 +90,19 @@ protected:
 private:
     std::stop_token stop_;
 };
+
+/// Under which name a browser keeps it: a controller may have quotes and letters of any language in its own.
+std::pair<std::string, std::string> Attached(std::string const& called) {
+    std::string plain;
+    std::string whole;
+    for (char const letter : called) {
+        bool const isPlain = (std::isalnum(static_cast<unsigned char>(letter)) != 0 && (letter & 0x80) == 0) ||
+                             letter == '-' || letter == '.' || letter == '_';
+        plain += isPlain ? letter : '_';
+        whole += isPlain ? std::string(1, letter) : fmt::format("%{:02X}", static_cast<unsigned char>(letter));
+    }
+    return {"content-disposition:", fmt::format("attachment; filename=\"{}\"; filename*=UTF-8''{}", plain, whole)};
+}
 
 /// The rows of a recording, in a file that has no name any more: they may be many times as large as the recording.
 std::shared_ptr<FileBody> CsvBody(std::filesystem::path const& file, std::stop_token const& stop) {
@@ -222,14 +236,10 @@ Response Api::Incident(Request const& request, std::string const& name, std::sto
         return ErrorResponse(
             413, fmt::format("the incident has more than 256 MB; take {} from the gateway's disk", found->file));
     }
-    auto const attached = [](std::string const& called) {
-        return std::pair<std::string, std::string>("content-disposition:",
-                                                   fmt::format("attachment; filename=\"{}\"", called));
-    };
     if (TextOf(request, "format") == "csv") {
-        return {200, "text/csv; charset=utf-8", {}, {attached(file.stem().string() + ".csv")}, CsvBody(file, stop)};
+        return {200, "text/csv; charset=utf-8", {}, {Attached(file.stem().string() + ".csv")}, CsvBody(file, stop)};
     }
-    return {200, "application/vnd.sqlite3", {}, {attached(found->file)}, OpenBody(file)};
+    return {200, "application/vnd.sqlite3", {}, {Attached(found->file)}, OpenBody(file)};
 }
 
 } // namespace harvlink::gateway

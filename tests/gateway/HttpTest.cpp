@@ -90,6 +90,20 @@ TEST_F(HttpTest, AnswersOrSaysWhyNot) {
     EXPECT_EQ(ParseQuery("d=%zz").at("d"), "%zz");
 }
 
+TEST_F(HttpTest, NamesADownloadInAnyLetters) {
+    test::ScratchFolder const folder;
+    std::string const file = "pr\"e ü-20261122T191217Z-alarm-4107.harvlink";
+    std::ofstream(folder.Path() / file) << "recording";
+    ApiSources sources = MakeApi().Sources();
+    sources.incidents = folder.Path();
+    Request request;
+    request.path = "/api/incidents/" + file;
+    Response const response = Api(sources).Answer(request);
+    ASSERT_EQ(response.status, 200) << response.body;
+    EXPECT_EQ(response.headers.at(0).second, "attachment; filename=\"pr_e___-20261122T191217Z-alarm-4107.harvlink\"; "
+                                             "filename*=UTF-8''pr%22e%20%C3%BC-20261122T191217Z-alarm-4107.harvlink");
+}
+
 TEST_F(HttpTest, AnswersOnlyThoseItShould) {
     test::ScratchFolder const folder;
     std::ofstream(folder.Path() / "token") << "0123456789abcdef\n";
