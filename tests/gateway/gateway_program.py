@@ -25,6 +25,14 @@ def free_port():
         return probe.getsockname()[1]
 
 
+def closed_port(test):
+    """One that nobody else takes as long as the test lasts."""
+    taken = socket.socket()
+    test.addCleanup(taken.close)
+    taken.bind(("127.0.0.1", 0))
+    return taken.getsockname()[1]
+
+
 def wait_for(condition, what):
     end = time.monotonic() + PATIENCE
     while time.monotonic() < end:

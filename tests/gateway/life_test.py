@@ -15,7 +15,7 @@ import time
 import unittest
 import urllib.request
 
-from gateway_program import PATIENCE, PROGRAM, Gateway, GatewayTest, free_port, get, wait_for
+from gateway_program import PATIENCE, PROGRAM, Gateway, GatewayTest, closed_port, get, wait_for
 
 ATTEMPTS = range(3)  # a machine may be too busy for an orderly end in time, but not each time
 
@@ -134,10 +134,11 @@ class LifeTest(GatewayTest):
         # The MQTT client waits without end for its password, as it may for a name server that does not answer.
         password = self.folder / "password"
         password.write_text("secret\n", encoding="utf-8")
-        gateway = Gateway(self, f'[mqtt]\nbroker = "127.0.0.1:{free_port()}"\ngroup = "plant"\nuser = "hall"\n'
+        endless = self.folder / "endless"
+        os.mkfifo(endless)
+        gateway = Gateway(self, f'[mqtt]\nbroker = "127.0.0.1:{closed_port(self)}"\ngroup = "plant"\nuser = "hall"\n'
                                 f'password_file = "{password}"\nstate_folder = "{self.folder}"\n', "--simulate", "1")
-        password.unlink()
-        os.mkfifo(password)
+        endless.replace(password)  # without a moment in which there is none
 
         def open_other_end():
             with contextlib.suppress(OSError):
