@@ -141,7 +141,7 @@ void MqttClient::TakeLookup() {
 void MqttClient::Begin(BegunConnection begun) {
     client_ = std::move(begun.client);
     if (!begun.error.empty()) {
-        Fail(Failure::Unreachable, begun.error);
+        FailConnection(begun.result, std::move(begun.error));
         return;
     }
     // The library may have sent it already. A process that is killed now must not use the number again.
@@ -304,11 +304,18 @@ void MqttClient::Check(int result) {
     if (refusal_ != 0) {
         Fail(refusal_ == BrokerUnavailable ? Failure::Unreachable : Failure::Refused,
              mosquitto_connack_string(refusal_));
-    } else if (result == MOSQ_ERR_TLS) {
+    } else {
+        FailConnection(result, TextOf(result));
+    }
+}
+
+/// TLS may fail in any call: with the first one that finds the answer of the broker.
+void MqttClient::FailConnection(int result, std::string text) {
+    if (result == MOSQ_ERR_TLS) {
         hasSentConnect_ = false; // a broker reads it only when the handshake is over
         Fail(Failure::ThrownOut, "TLS: the certificates do not fit, or the broker does not speak it");
     } else {
-        Fail(Failure::Unreachable, TextOf(result));
+        Fail(Failure::Unreachable, std::move(text));
     }
 }
 

@@ -77,6 +77,7 @@ private:
     void Begin(BegunConnection begun);
     bool CheckReached();
     void Check(int result);
+    void FailConnection(int result, std::string text);
     void Fail(Failure failure, std::string text);
 
     MqttConfig config_;
