@@ -110,7 +110,7 @@ def soaked(soak):
              f"commit {soak['commit']}, {soak['machine']}) | Times | Live data goes on after, at most | Missing |", "|---|---|---|---|"]
     lines += [f"| {failure[0].upper()}{failure[1:]} | {seen['times']} | {seen['longestSeconds']:g} s | {loss_of(failure, soak)} |"
               for failure, seen in soak["failures"].items()]
-    lines += ["", f"Of what the killed gateways had read, {lost or 'nothing'} was uncommitted. The consumer found no fault in any message. "
+    lines += ["", f"Of what the killed gateways had read, {f'{lost:,} values' if lost else 'nothing'} had not reached the store. The consumer found no fault in any message. "
               f"The three gateways stopped within {max(soak['secondsToStop'].values()):g} s."]
     return START + "\n".join(lines) + "\n" + END
 
