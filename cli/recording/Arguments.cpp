@@ -8,6 +8,7 @@
 #include "cli/program/CommandLine.h"
 #include "recording/model/TimeText.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli::recordings {
@@ -95,7 +96,7 @@ std::vector<std::uint32_t> PartArguments::Readings(recording::Recording const& s
 
 int WithRecording(Output& output, std::string const& file, std::function<int(recording::Recording&)> const& work) {
     try {
-        recording::Recording source(file);
+        recording::Recording source(words::PathOf(file));
         return work(source);
     } catch (recording::RecordingError const& error) {
         output.Problem(error.what());

@@ -17,6 +17,7 @@
 #include "recording/read/CsvExport.h"
 #include "recording/write/Cut.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli::recordings {
 
@@ -66,7 +67,8 @@ int ExportTo(Output& output, recording::Recording& source, ExportArguments const
     std::uint64_t rows = 0;
     try {
         WriteWholeFile(
-            arguments.out, [&](std::ostream& file) { rows = ExportCsv(source, options, file); }, arguments.force);
+            words::PathOf(arguments.out), [&](std::ostream& file) { rows = ExportCsv(source, options, file); },
+            arguments.force);
     } catch (FileError const& error) {
         output.Problem(error.what());
         return ExitStatus::Failure;
@@ -80,7 +82,7 @@ struct CutArguments : PartArguments {
 };
 
 int CutTo(Output& output, recording::Recording& source, CutArguments const& arguments) {
-    std::filesystem::path const out(arguments.out);
+    std::filesystem::path const out = words::PathOf(arguments.out);
     if (std::filesystem::exists(out)) {
         output.Problem(fmt::format("{}: there is a file of that name", arguments.out));
         return ExitStatus::Failure;
@@ -93,7 +95,7 @@ int CutTo(Output& output, recording::Recording& source, CutArguments const& argu
         output.Problem(error.what());
         return ExitStatus::Failure;
     }
-    recording::RecordingInfo const info = recording::Recording(arguments.out).Info();
+    recording::RecordingInfo const info = recording::Recording(out).Info();
     output.Show({{"file", arguments.out},
                  {"begin", recording::FormatTime(info.begin)},
                  {"end", recording::FormatTime(info.end)},

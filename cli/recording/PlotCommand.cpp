@@ -14,8 +14,12 @@
 #include "recording/read/History.h"
 #include "words/text/InputError.h"
 #include "words/text/Json.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli::recordings {
+
+using words::PathOf;
+using words::TextOf;
 
 namespace {
 
@@ -91,7 +95,7 @@ void AppendSeries(Json& all, std::string const& file, recording::Catalogue const
     for (Line const& line : lines) {
         query.items.push_back(line.item);
     }
-    recording::HistoryResult const result = ReadHistory(file, query);
+    recording::HistoryResult const result = ReadHistory(PathOf(file), query);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         std::string const prefix = contents.controllers.size() > 1 ? query.controller + " " : std::string();
         all.push_back(SeriesJson(all.size() + 1, prefix + lines[i].name, lines[i].unit, result.series[i]));
@@ -100,7 +104,7 @@ void AppendSeries(Json& all, std::string const& file, recording::Catalogue const
 
 Json EventsJson(std::string const& file, recording::TimeRange const& range, PlotArguments const& arguments) {
     Json events = Json::array();
-    std::vector<recording::PastEvent> past = recording::ReadPastEvents(file, range);
+    std::vector<recording::PastEvent> past = recording::ReadPastEvents(PathOf(file), range);
     std::ranges::reverse(past); // the newest first, as the page has them
     for (recording::PastEvent const& event : past) {
         if (arguments.IsWanted(event.controller)) {
@@ -138,8 +142,7 @@ Json ContentOf(recording::Recording& source, PlotArguments const& arguments) {
     if (series.empty()) {
         throw words::InputError("what is chosen has texts only, and they can't be plotted");
     }
-    return {{"title",
-             std::filesystem::path(arguments.file).filename().string()}, // a page that is handed on names no folder
+    return {{"title", TextOf(PathOf(arguments.file).filename())}, // a page that is handed on names no folder
             {"from", static_cast<double>(range.begin) / 1e3},
             {"to", static_cast<double>(range.end) / 1e3},
             {"series", std::move(series)},
@@ -179,10 +182,9 @@ std::string PageOf(Json const& content) {
 
 int Plot(Output& output, recording::Recording& source, PlotArguments const& arguments) {
     Json const content = ContentOf(source, arguments);
-    std::string const out =
-        arguments.out.empty() ? std::filesystem::path(arguments.file).stem().string() + ".html" : arguments.out;
+    std::string const out = arguments.out.empty() ? TextOf(PathOf(arguments.file).stem()) + ".html" : arguments.out;
     try {
-        WriteWholeFile(out, PageOf(content), arguments.force);
+        WriteWholeFile(PathOf(out), PageOf(content), arguments.force);
     } catch (FileError const& error) {
         output.Problem(error.what());
         return ExitStatus::Failure;

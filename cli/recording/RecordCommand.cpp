@@ -12,6 +12,7 @@
 #include "cli/recording/RecordRun.h"
 #include "recording/model/TimeText.h"
 #include "words/text/InputError.h"
+#include "words/text/Path.h"
 #include "words/text/Text.h"
 
 namespace harvlink::cli::recordings {
@@ -41,8 +42,8 @@ struct RecordArguments {
 
 recording::BlackBoxOptions BoxOptionsOf(RecordArguments const& arguments) {
     recording::BlackBoxOptions options;
-    options.folder = arguments.folder;
-    options.ringFile = arguments.ring;
+    options.folder = words::PathOf(arguments.folder);
+    options.ringFile = words::PathOf(arguments.ring);
     options.before = recording::ParseDuration(arguments.before);
     options.after = recording::ParseDuration(arguments.after);
     options.on.clear();
@@ -105,7 +106,7 @@ void AddRecordCommand(CLI::App& app, Session& session) {
         ->type_name("DURATION")
         ->capture_default_str();
     verb->add_option("--on", arguments->on, "Black box: for which events")->type_name("EVENTS")->capture_default_str();
-    verb->add_option("--folder", arguments->folder, "Black box: where the files go")
+    verb->add_option("--folder", arguments->folder, "Black box: where the files go; made if it is not there")
         ->type_name("FOLDER")
         ->capture_default_str();
     verb->add_option("--ring", arguments->ring, "Black box: keep the time before in this file, not in memory")

@@ -10,6 +10,7 @@
 #include "cli/program/Interrupt.h"
 #include "recording/fleet/FleetAdapter.h"
 #include "recording/model/TimeText.h"
+#include "words/text/Path.h"
 
 namespace harvlink::cli::recordings {
 
@@ -41,13 +42,24 @@ recording::Microseconds MicrosecondsOf(auto time) {
     return std::chrono::duration_cast<std::chrono::microseconds>(time.time_since_epoch()).count();
 }
 
+/// Now, not when something has happened and can't be written.
+void MakeFolder(std::filesystem::path const& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        throw recording::RecordingError(
+            fmt::format("can't make {}: {}", words::TextOf(folder), error.default_error_condition().message()));
+    }
+}
+
 class RecordRun {
 public:
     RecordRun(RecordPlan const& plan, Output& output) : plan_(plan), output_(output) {
         if (!plan.out.empty()) {
-            recorder_.emplace(plan.out, plan.recorder);
+            recorder_.emplace(words::PathOf(plan.out), plan.recorder);
         }
         if (plan.box) {
+            MakeFolder(plan.box->folder);
             box_.emplace(*plan.box);
         }
     }
@@ -223,7 +235,7 @@ private:
         if (box_) {
             Json files = Json::array();
             for (auto const& file : box_->sink.Status().incidents) {
-                files.push_back({{"incident", file.string()}});
+                files.push_back({{"incident", words::TextOf(file)}});
             }
             result["incidents"] = files;
         }

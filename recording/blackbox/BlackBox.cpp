@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "recording/model/TimeText.h"
+#include "words/text/Path.h"
 
 namespace harvlink::recording {
 
@@ -230,16 +231,20 @@ std::filesystem::path BlackBox::NameFor(Ring const& ring, RecordedEvent const& e
         std::scoped_lock const lock(mutex_);
         name = controllers_[ring.controller - 1].name;
     }
-    // The name of a cell is any text, and must not lead into another folder.
+    // The name of a cell is any text, must not lead into another folder, and has to be one on every system.
+    constexpr std::string_view Special = "/\\:*?\"<>|";
     std::replace_if(
         name.begin(), name.end(),
-        [](char character) { return character == '/' || static_cast<unsigned char>(character) < ' '; }, '_');
+        [&](char character) {
+            return Special.find(character) != Special.npos || static_cast<unsigned char>(character) < ' ';
+        },
+        '_');
     bool const isAlarm = event.kind == AlarmRaised;
     std::string const what = !isAlarm ? event.kind : event.after == 0 ? "alarm" : fmt::format("alarm-{}", event.after);
     std::string const stem = fmt::format("{}-{}-{}", name, FormatTimeForName(event.time), what);
-    auto path = options_.folder / (stem + ".harvlink");
+    auto path = options_.folder / words::PathOf(stem + ".harvlink");
     for (int number = 2; std::filesystem::exists(path); ++number) {
-        path = options_.folder / fmt::format("{}-{}.harvlink", stem, number);
+        path = options_.folder / words::PathOf(fmt::format("{}-{}.harvlink", stem, number));
     }
     return path;
 }
@@ -354,7 +359,7 @@ void BlackBox::End(Ring& ring) {
 void BlackBox::Rename(Ring& ring) {
     std::error_code error;
     // While somebody reads it, it has a log that SQLite finds by the name.
-    if (!ring.isNamedLater || std::filesystem::exists(ring.path.string() + "-wal", error)) {
+    if (!ring.isNamedLater || std::filesystem::exists(words::Beside(ring.path, "-wal"), error)) {
         return;
     }
     auto const path = NameFor(ring, ring.reason);

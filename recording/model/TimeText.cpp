@@ -1,10 +1,14 @@
 #include "recording/model/TimeText.h"
 
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <ctime>
+#include <iomanip>
+#include <locale>
+#include <optional>
+#include <sstream>
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include "words/text/InputError.h"
@@ -19,12 +23,43 @@ using words::InputError;
 constexpr Microseconds Second = 1'000'000;
 constexpr Microseconds LatestSecond = 253'402'300'799; ///< the end of the year 9999
 
-std::tm CalendarOf(Microseconds time) {
+/// Of the calendar in UTC. What the system has for it differs, and ends at other years.
+struct Calendar {
+    std::chrono::year_month_day day;
+    std::chrono::hh_mm_ss<std::chrono::seconds> time;
+};
+
+Calendar CalendarOf(Microseconds time) {
     Microseconds const floor = time / Second - (time % Second < 0 ? 1 : 0);
-    auto const seconds = static_cast<std::time_t>(std::clamp(floor, -LatestSecond / 5, LatestSecond));
-    std::tm calendar{};
-    gmtime_r(&seconds, &calendar);
-    return calendar;
+    std::chrono::sys_seconds const moment{std::chrono::seconds(std::clamp(floor, -LatestSecond / 5, LatestSecond))};
+    auto const midnight = std::chrono::floor<std::chrono::days>(moment);
+    return {std::chrono::year_month_day(midnight), std::chrono::hh_mm_ss(moment - midnight)};
+}
+
+/// `form` has a place for each of year, month, day, hour, minute and second.
+std::string FormatCalendar(Calendar const& calendar, fmt::format_string<int, unsigned, unsigned, int, int, int> form) {
+    auto const& [day, time] = calendar;
+    return fmt::format(form, static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                       static_cast<unsigned>(day.day()), static_cast<int>(time.hours().count()),
+                       static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
+}
+
+/// Seconds since 1970, and what `text` has behind the form; none if it has another one, or a day that the calendar has not.
+std::optional<std::pair<Microseconds, std::string>> ReadCalendar(std::string const& text, char const* form) {
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    std::tm read{};
+    read.tm_mday = 1;
+    stream >> std::get_time(&read, form);
+    std::chrono::year_month_day const day{std::chrono::year(read.tm_year + 1900),
+                                          std::chrono::month(static_cast<unsigned>(read.tm_mon) + 1),
+                                          std::chrono::day(static_cast<unsigned>(read.tm_mday))};
+    if (stream.fail() || !day.ok()) {
+        return std::nullopt;
+    }
+    auto const moment = std::chrono::sys_days(day) + std::chrono::hours(read.tm_hour) +
+                        std::chrono::minutes(read.tm_min) + std::chrono::seconds(read.tm_sec);
+    return std::pair(moment.time_since_epoch().count(), std::string(std::istreambuf_iterator<char>(stream), {}));
 }
 
 struct Unit {
@@ -53,11 +88,11 @@ double ParseWithUnit(std::string_view text, std::array<Unit, Count> const& units
 
 std::string FormatTime(Microseconds time) {
     Microseconds const fraction = (time % Second + Second) % Second;
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:06}Z", CalendarOf(time), fraction);
+    return FormatCalendar(CalendarOf(time), "{:04}-{:02}-{:02}T{:02}:{:02}:{:02}") + fmt::format(".{:06}Z", fraction);
 }
 
 std::string FormatTimeForName(Microseconds time) {
-    return fmt::format("{:%Y%m%dT%H%M%SZ}", CalendarOf(time));
+    return FormatCalendar(CalendarOf(time), "{:04}{:02}{:02}T{:02}{:02}{:02}Z");
 }
 
 Microseconds ParseTime(std::string_view text, Microseconds begin, Microseconds end) {
@@ -67,15 +102,14 @@ Microseconds ParseTime(std::string_view text, Microseconds begin, Microseconds e
     if (text.starts_with('-')) {
         return end - ParseDuration(text.substr(1)).count();
     }
-    std::string copy(text);
-    for (char const* const format :
+    std::string const copy(text);
+    for (char const* const form :
          {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%d %H:%M:%S", "%Y-%m-%dT%H:%M", "%Y-%m-%d %H:%M", "%Y-%m-%d"}) {
-        std::tm calendar{};
-        char const* const rest = strptime(copy.c_str(), format, &calendar);
-        if (rest == nullptr) {
+        auto const read = ReadCalendar(copy, form);
+        if (!read) {
             continue;
         }
-        std::string_view fraction(rest);
+        std::string_view fraction(read->second);
         if (fraction.ends_with('Z')) {
             fraction.remove_suffix(1);
         }
@@ -83,7 +117,7 @@ Microseconds ParseTime(std::string_view text, Microseconds begin, Microseconds e
                                 fraction.find_first_not_of("0123456789", 1) == std::string_view::npos;
         if (fraction.empty() || isFraction) {
             double const part = isFraction ? words::ParseNumber<double>("0" + std::string(fraction), "time") : 0.0;
-            return timegm(&calendar) * Second + std::llround(part * 1e6);
+            return read->first * Second + std::llround(part * 1e6);
         }
     }
     throw InputError(fmt::format(

@@ -7,8 +7,12 @@
 
 #include "recording/read/FrameReader.h"
 #include "recording/store/Schema.h"
+#include "words/text/Path.h"
 
 namespace harvlink::recording {
+
+using words::Beside;
+using words::TextOf;
 
 namespace {
 
@@ -22,14 +26,14 @@ std::uint64_t SizeOf(std::filesystem::path const& path) {
 /// well is read without them.
 Database OpenForReading(std::filesystem::path const& path) {
     if (!std::filesystem::is_regular_file(path)) {
-        throw RecordingError(fmt::format("{}: there is no such file", path.string()));
+        throw RecordingError(fmt::format("{}: there is no such file", TextOf(path)));
     }
     Database database(path, Database::Access::Read);
     database.Run("PRAGMA busy_timeout = 2000");
     try {
         CheckSchema(database);
     } catch (RecordingError const&) {
-        if (SizeOf(path.string() + "-wal") != 0) {
+        if (SizeOf(Beside(path, "-wal")) != 0) {
             throw;
         }
         Database immutable(path, Database::Access::ReadImmutable);
@@ -57,7 +61,7 @@ RecordingInfo Recording::Info() {
     RecordingInfo info;
     info.version = database_.Number("PRAGMA user_version");
     info.fileBytes = SizeOf(database_.Path());
-    info.logBytes = SizeOf(database_.Path().string() + "-wal");
+    info.logBytes = SizeOf(Beside(database_.Path(), "-wal"));
     Statement sums(database_, "SELECT count(*), min(begin_us), max(end_us), total(samples), total(item_values), "
                               "total(events), total(gaps), total(missing), max(end_monotonic_us) FROM segments");
     if (sums.Step()) {

@@ -5,14 +5,17 @@
 #include <fmt/format.h>
 
 #include "recording/store/Schema.h"
+#include "words/text/Path.h"
 
 namespace harvlink::recording {
+
+using words::TextOf;
 
 namespace {
 
 [[noreturn]] void Contradiction(Database const& database, char const* table) {
     throw RecordingError(
-        fmt::format("{}: the file is damaged: its table {} contradicts itself", database.Path().string(), table));
+        fmt::format("{}: the file is damaged: its table {} contradicts itself", TextOf(database.Path()), table));
 }
 
 bool IsWidth(int width) {

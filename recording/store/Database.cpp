@@ -3,9 +3,12 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include "words/text/Path.h"
 #include "words/text/Utf8.h"
 
 namespace harvlink::recording {
+
+using words::TextOf;
 
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const {
     sqlite3_finalize(statement);
@@ -100,10 +103,11 @@ Database::Database(std::filesystem::path const& path, Access access) : path_(pat
     // Each connection belongs to one thread.
     int const flags = (writes ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY) |
                       SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI;
-    std::string name = path.string();
+    std::string name = TextOf(path);
     if (access == Access::ReadImmutable) {
-        std::string escaped;
-        for (char const character : std::filesystem::absolute(path).string()) {
+        std::string const place = std::filesystem::absolute(path).generic_string();
+        std::string escaped = place.starts_with('/') ? "" : "/"; // before the letter of a drive
+        for (char const character : place) {
             bool const isSpecial = character == '%' || character == '?' || character == '#';
             escaped +=
                 isSpecial ? fmt::format("%{:02x}", static_cast<unsigned char>(character)) : std::string(1, character);
@@ -142,16 +146,16 @@ void Database::Fail(int code) const {
     switch (isWrite ? SQLITE_FULL : code & 0xFF) {
     case SQLITE_FULL:
         throw DiskFull(fmt::format("{}: the disk is full or a limit is reached: {}. What is recorded so far is safe",
-                                   path_.string(), text));
+                                   TextOf(path_), text));
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        throw Busy(fmt::format("{}: another program holds the file", path_.string()));
+        throw Busy(fmt::format("{}: another program holds the file", TextOf(path_)));
     case SQLITE_NOTADB:
-        throw RecordingError(fmt::format("{}: this is not a recording", path_.string()));
+        throw RecordingError(fmt::format("{}: this is not a recording", TextOf(path_)));
     case SQLITE_CORRUPT:
-        throw RecordingError(fmt::format("{}: the file is damaged: {}", path_.string(), text));
+        throw RecordingError(fmt::format("{}: the file is damaged: {}", TextOf(path_), text));
     default:
-        throw RecordingError(fmt::format("{}: {}", path_.string(), text));
+        throw RecordingError(fmt::format("{}: {}", TextOf(path_), text));
     }
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+
+#include "words/text/Path.h"
 
 namespace harvlink::recording {
 
@@ -16,14 +19,12 @@ public:
 
     /// Is there from before the recording is until after it has ended, and stays if its recorder is killed.
     static std::filesystem::path NameFor(std::filesystem::path const& recording) {
-        return recording.string() + "-lock";
+        return words::Beside(recording, "-lock");
     }
 
 private:
-    bool TryLock();
-
     std::filesystem::path path_;
-    int descriptor_ = -1;
+    std::intptr_t file_ = -1; ///< descriptor or handle of the system
 };
 
 } // namespace harvlink::recording

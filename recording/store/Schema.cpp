@@ -4,7 +4,11 @@
 
 #include <fmt/format.h>
 
+#include "words/text/Path.h"
+
 namespace harvlink::recording {
+
+using words::TextOf;
 
 namespace {
 
@@ -137,17 +141,17 @@ void PrepareSchema(Database& database) {
 
 void CheckSchema(Database& database) {
     if (database.Number("PRAGMA application_id") != ApplicationId) {
-        throw RecordingError(fmt::format("{}: this is not a recording", database.Path().string()));
+        throw RecordingError(fmt::format("{}: this is not a recording", TextOf(database.Path())));
     }
     auto const version = database.Number("PRAGMA user_version");
     if (version > SchemaVersion) {
         throw RecordingError(fmt::format("{}: the recording has version {} of the schema, this program reads up to "
                                          "version {}. Use a newer program",
-                                         database.Path().string(), version, SchemaVersion));
+                                         TextOf(database.Path()), version, SchemaVersion));
     }
     if (version < 1) {
         throw RecordingError(
-            fmt::format("{}: version {} of the schema does not exist", database.Path().string(), version));
+            fmt::format("{}: version {} of the schema does not exist", TextOf(database.Path()), version));
     }
 }
 

@@ -6,8 +6,11 @@
 #include <fmt/format.h>
 
 #include "recording/read/KnownState.h"
+#include "words/text/Path.h"
 
 namespace harvlink::recording {
+
+using words::TextOf;
 
 namespace {
 
@@ -143,7 +146,7 @@ ReadingIds CopyPart(Recording& recording, TimeRange const& range, std::uint32_t 
 
 void Cut(Recording& recording, TimeRange const& range, std::filesystem::path const& path) {
     if (std::filesystem::exists(path)) {
-        throw RecordingError(fmt::format("{}: there is a file of that name", path.string()));
+        throw RecordingError(fmt::format("{}: there is a file of that name", TextOf(path)));
     }
     SampleStore store(path);
     store.Begin();

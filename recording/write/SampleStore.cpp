@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "recording/store/Schema.h"
+#include "words/text/Path.h"
 
 namespace harvlink::recording {
 
@@ -334,7 +335,7 @@ std::uint64_t SampleStore::FileBytes() const {
 }
 
 std::uint64_t SampleStore::LogBytes() const {
-    return SizeOf(database_.Path().string() + "-wal");
+    return SizeOf(words::Beside(database_.Path(), "-wal"));
 }
 
 } // namespace harvlink::recording

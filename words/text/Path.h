@@ -15,4 +15,9 @@ inline std::string TextOf(std::filesystem::path const& path) {
     return {text.begin(), text.end()};
 }
 
+/// What lies beside a file under its name and an ending more.
+inline std::filesystem::path Beside(std::filesystem::path file, char const* ending) {
+    return file += ending;
+}
+
 } // namespace harvlink::words
