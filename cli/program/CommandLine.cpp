@@ -98,6 +98,7 @@ public:
         : session_(output, cell), app_("Reads from and commands a robot controller over Ethernet.", "harvlink") {
         UseHelpFormat(app_);
         app_.set_version_flag("--version", "harvlink " + std::string(HeaderVersion));
+        app_.allow_windows_style_options(false); // "/jobs" is a folder on every system
         app_.require_subcommand(1);
         // Lets the global options stand after the command too; subcommands inherit it.
         app_.fallthrough();

@@ -65,7 +65,7 @@ class RecordingTest(SimulatorTest):
             harvlink.Recording("text")
         with self.assertRaises(FileNotFoundError):
             harvlink.Recording("missing")
-        with sqlite3.connect("x.harvlink") as database:
+        with contextlib.closing(sqlite3.connect("x.harvlink")) as database:
             database.execute("PRAGMA user_version = 9")
         with self.assertRaisesRegex(ValueError, "version 9 of the schema, this package reads up to version 1"):
             harvlink.Recording("x.harvlink")
@@ -73,7 +73,7 @@ class RecordingTest(SimulatorTest):
     def test_the_queries_of_the_page_run(self):
         self.record().close()
         self.assertEqual(len(QUERIES), 10)
-        with sqlite3.connect("x.harvlink") as database:
+        with contextlib.closing(sqlite3.connect("x.harvlink")) as database:
             database.execute("UPDATE controllers SET name = 'press1'")
             for query in QUERIES:
                 with self.subTest(query):

@@ -1,13 +1,12 @@
 #include "recording/model/TimeText.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cmath>
-#include <ctime>
-#include <iomanip>
-#include <locale>
 #include <optional>
-#include <sstream>
+#include <string_view>
 
 #include <fmt/format.h>
 
@@ -44,22 +43,58 @@ std::string FormatCalendar(Calendar const& calendar, fmt::format_string<int, uns
                        static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
 }
 
-/// Seconds since 1970, and what `text` has behind the form; none if it has another one, or a day that the calendar has not.
-std::optional<std::pair<Microseconds, std::string>> ReadCalendar(std::string const& text, char const* form) {
-    std::istringstream stream(text);
-    stream.imbue(std::locale::classic());
-    std::tm read{};
-    read.tm_mday = 1;
-    stream >> std::get_time(&read, form);
-    std::chrono::year_month_day const day{std::chrono::year(read.tm_year + 1900),
-                                          std::chrono::month(static_cast<unsigned>(read.tm_mon) + 1),
-                                          std::chrono::day(static_cast<unsigned>(read.tm_mday))};
-    if (stream.fail() || !day.ok()) {
+/// Reads a number from the beginning of a text, and shortens the text by it.
+std::optional<int> TakeNumber(std::string_view& text, std::size_t mostDigits, int least, int most) {
+    std::size_t const length = std::min(text.find_first_not_of("0123456789"), std::min(text.size(), mostDigits));
+    int number = 0;
+    if (std::from_chars(text.data(), text.data() + length, number).ec != std::errc() || number < least ||
+        number > most) {
         return std::nullopt;
     }
-    auto const moment = std::chrono::sys_days(day) + std::chrono::hours(read.tm_hour) +
-                        std::chrono::minutes(read.tm_min) + std::chrono::seconds(read.tm_sec);
-    return std::pair(moment.time_since_epoch().count(), std::string(std::istreambuf_iterator<char>(stream), {}));
+    text.remove_prefix(length);
+    return number;
+}
+
+/// Seconds since 1970, if the text begins as `form` has it: Y, m, d, H, M and S stand for numbers. Shortens the text by it.
+std::optional<Microseconds> TakeCalendar(std::string_view& text, std::string_view form) {
+    struct Field {
+        char name;
+        std::size_t digits;
+        int least;
+        int most;
+        int value;
+    };
+    std::array<Field, 6> fields{{{'Y', 4, 0, 9999, 1970},
+                                 {'m', 2, 1, 12, 1},
+                                 {'d', 2, 1, 31, 1},
+                                 {'H', 2, 0, 23, 0},
+                                 {'M', 2, 0, 59, 0},
+                                 {'S', 2, 0, 60, 0}}}; // with a leap second
+    std::string_view rest = text;
+    for (char const wanted : form) {
+        auto* const field = std::ranges::find(fields, wanted, &Field::name);
+        if (field == fields.end()) {
+            if (!rest.starts_with(wanted)) {
+                return std::nullopt;
+            }
+            rest.remove_prefix(1);
+        } else if (auto const number = TakeNumber(rest, field->digits, field->least, field->most)) {
+            field->value = *number;
+        } else {
+            return std::nullopt;
+        }
+    }
+    auto const& [year, month, day, hour, minute, second] = fields;
+    std::chrono::year_month_day const date{std::chrono::year(year.value),
+                                           std::chrono::month(static_cast<unsigned>(month.value)),
+                                           std::chrono::day(static_cast<unsigned>(day.value))};
+    if (!date.ok()) {
+        return std::nullopt;
+    }
+    text = rest;
+    auto const moment = std::chrono::sys_days(date) + std::chrono::hours(hour.value) +
+                        std::chrono::minutes(minute.value) + std::chrono::seconds(second.value);
+    return moment.time_since_epoch().count();
 }
 
 struct Unit {
@@ -102,14 +137,12 @@ Microseconds ParseTime(std::string_view text, Microseconds begin, Microseconds e
     if (text.starts_with('-')) {
         return end - ParseDuration(text.substr(1)).count();
     }
-    std::string const copy(text);
-    for (char const* const form :
-         {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%d %H:%M:%S", "%Y-%m-%dT%H:%M", "%Y-%m-%d %H:%M", "%Y-%m-%d"}) {
-        auto const read = ReadCalendar(copy, form);
-        if (!read) {
+    for (std::string_view const form : {"Y-m-dTH:M:S", "Y-m-d H:M:S", "Y-m-dTH:M", "Y-m-d H:M", "Y-m-d"}) {
+        std::string_view fraction = text;
+        auto const seconds = TakeCalendar(fraction, form);
+        if (!seconds) {
             continue;
         }
-        std::string_view fraction(read->second);
         if (fraction.ends_with('Z')) {
             fraction.remove_suffix(1);
         }
@@ -117,7 +150,7 @@ Microseconds ParseTime(std::string_view text, Microseconds begin, Microseconds e
                                 fraction.find_first_not_of("0123456789", 1) == std::string_view::npos;
         if (fraction.empty() || isFraction) {
             double const part = isFraction ? words::ParseNumber<double>("0" + std::string(fraction), "time") : 0.0;
-            return read->first * Second + std::llround(part * 1e6);
+            return *seconds * Second + std::llround(part * 1e6);
         }
     }
     throw InputError(fmt::format(

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "recording/model/TimeText.h"
 #include "recording/read/CsvExport.h"
 #include "recording/read/History.h"
 #include "recording/store/Schema.h"
@@ -11,6 +12,7 @@
 #include "recording/write/SampleStore.h"
 #include "support/RecordedSamples.h"
 #include "support/ScratchFolder.h"
+#include "words/text/InputError.h"
 
 namespace harvlink::recording {
 namespace {
@@ -32,6 +34,28 @@ protected:
     test::ScratchFolder folder_;
     std::filesystem::path path_ = folder_.Path() / "x.harvlink";
 };
+
+TEST(RecordingTimes, OfAllYearsAndForms) {
+    constexpr Microseconds Second = 1'000'000;
+    for (auto const& [text, time, whole] :
+         {std::tuple("1970-01-01", 0LL, "1970-01-01T00:00:00.000000Z"),
+          {"1969-12-31T23:59:59.25Z", -Second * 3 / 4, "1969-12-31T23:59:59.250000Z"},
+          {"2000-02-29 12:30", 951'827'400 * Second, "2000-02-29T12:30:00.000000Z"},
+          {"2024-12-31T23:59:59.999999", 1'735'689'600 * Second - 1, "2024-12-31T23:59:59.999999Z"},
+          {"9999-12-31 23:59:59Z", 253'402'300'799 * Second, "9999-12-31T23:59:59.000000Z"},
+          {"1600-03-01T00:00", -11'670'912'000 * Second, "1600-03-01T00:00:00.000000Z"},
+          {"+1.5s", 101'500'000LL, "1970-01-01T00:01:41.500000Z"},
+          {"-1m", 140'000'000LL, "1970-01-01T00:02:20.000000Z"}}) {
+        EXPECT_EQ(ParseTime(text, 100 * Second, 200 * Second), time) << text;
+        EXPECT_EQ(FormatTime(time), whole);
+    }
+    EXPECT_EQ(FormatTimeForName(-1), "19691231T235959Z");
+    for (char const* const wrong :
+         {"", "2026", "2026-02-30", "2026-13-01", "2026-00-10", "2026-11-22T24:00", "2026-11-22T03:60", "2026-11-22T03",
+          "2026-11-22T03:15:00.", "2026-11-22T03:15:00+01", "2026-11-22T03:15:00.0000000000", "2026-11-22x"}) {
+        EXPECT_THROW(ParseTime(wrong, 0, 0), words::InputError) << wrong;
+    }
+}
 
 TEST_F(RecordingTest, GivesBackExactlyWhatCameAndOnceWhatDidNotChange) {
     std::vector<RecordedValue> const reals{0.0,

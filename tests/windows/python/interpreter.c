@@ -36,6 +36,7 @@ void _Py_Deepfreeze_Fini(void) {}
 PyMODINIT_FUNC PyInit__ctypes(void);
 PyMODINIT_FUNC PyInit__overlapped(void);
 PyMODINIT_FUNC PyInit__socket(void);
+PyMODINIT_FUNC PyInit__sqlite3(void);
 PyMODINIT_FUNC PyInit_select(void);
 PyMODINIT_FUNC PyInit_unicodedata(void);
 
@@ -43,6 +44,7 @@ int wmain(int argc, wchar_t** argv) {
     PyImport_AppendInittab("_ctypes", PyInit__ctypes);
     PyImport_AppendInittab("_overlapped", PyInit__overlapped);
     PyImport_AppendInittab("_socket", PyInit__socket);
+    PyImport_AppendInittab("_sqlite3", PyInit__sqlite3);
     PyImport_AppendInittab("select", PyInit_select);
     PyImport_AppendInittab("unicodedata", PyInit_unicodedata);
     return Py_Main(argc, argv);
