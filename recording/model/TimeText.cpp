@@ -24,8 +24,8 @@ constexpr Microseconds LatestSecond = 253'402'300'799; ///< the end of the year 
 
 /// Of the calendar in UTC. What the system has for it differs, and ends at other years.
 struct Calendar {
-    std::chrono::year_month_day day;
-    std::chrono::hh_mm_ss<std::chrono::seconds> time;
+    std::chrono::year_month_day day{};
+    std::chrono::hh_mm_ss<std::chrono::seconds> time{};
 };
 
 Calendar CalendarOf(Microseconds time) {
