@@ -7,8 +7,8 @@
 
 namespace harvlink::gateway {
 
-/// Stands in for an observer between two lives of it, keeps what comes meanwhile, and hands it on: up to some hundred thousand
-/// samples.
+/// Stands in for an observer that ends until the next one takes its place: keeps what comes meanwhile, up to some hundred
+/// thousand samples, and hands it on.
 class Interim : public Observer {
 public:
     void Added(ControllerPtr const& controller) override;
