@@ -5,16 +5,16 @@ if(NOT EXISTS "${HARVLINK_SQLITE_SOURCE}/configure")
     message(FATAL_ERROR "There is no SQLite in ${HARVLINK_SQLITE_SOURCE}. Run: script/setup windows")
 endif()
 enable_language(C)
-set(folder "${PROJECT_BINARY_DIR}/sqlite")
-file(MAKE_DIRECTORY "${folder}")
+set(sqlite_folder "${PROJECT_BINARY_DIR}/sqlite")
+file(MAKE_DIRECTORY "${sqlite_folder}")
 add_custom_command(
-    OUTPUT "${folder}/sqlite3.c" "${folder}/sqlite3.h"
+    OUTPUT "${sqlite_folder}/sqlite3.c" "${sqlite_folder}/sqlite3.h"
     COMMAND sh -c "{ '${HARVLINK_SQLITE_SOURCE}/configure' --quiet --disable-tcl --disable-readline && make sqlite3.c; } >making.log 2>&1"
-    WORKING_DIRECTORY "${folder}"
+    WORKING_DIRECTORY "${sqlite_folder}"
     COMMENT "Making the one source of SQLite"
     VERBATIM)
-add_library(harvlink_sqlite STATIC "${folder}/sqlite3.c")
-target_include_directories(harvlink_sqlite SYSTEM INTERFACE "${folder}")
+add_library(harvlink_sqlite STATIC "${sqlite_folder}/sqlite3.c")
+target_include_directories(harvlink_sqlite SYSTEM INTERFACE "${sqlite_folder}")
 target_compile_definitions(harvlink_sqlite PRIVATE SQLITE_OMIT_LOAD_EXTENSION)
 # Its warnings are not ours.
 target_compile_options(harvlink_sqlite PRIVATE -w)

@@ -7,8 +7,8 @@
 
 namespace harvlink::gateway {
 
-/// Stands in for an observer that ends until the next one takes its place: keeps what comes meanwhile, up to some hundred
-/// thousand samples, and hands it on.
+/// Takes the place of an observer that has ended, until there is a new one. It keeps what comes meanwhile, with as many samples as
+/// MostSamples says, and gives it to the new one.
 class Interim : public Observer {
 public:
     void Added(ControllerPtr const& controller) override;

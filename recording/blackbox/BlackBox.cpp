@@ -231,7 +231,8 @@ std::filesystem::path BlackBox::NameFor(Ring const& ring, RecordedEvent const& e
         std::scoped_lock const lock(mutex_);
         name = controllers_[ring.controller - 1].name;
     }
-    // The name of a cell is any text, must not lead into another folder, and has to be one on every system.
+    // The name of a cell is any text, must not lead into another folder, and has to be one on every system. SafeName would not
+    // leave the letters of other languages, on purpose: its names are turned back, these are read by people.
     constexpr std::string_view Special = "/\\:*?\"<>|";
     std::replace_if(
         name.begin(), name.end(),

@@ -105,7 +105,7 @@ Database::Database(std::filesystem::path const& path, Access access) : path_(pat
                       SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI;
     std::string name = TextOf(path);
     if (access == Access::ReadImmutable) {
-        std::string const place = std::filesystem::absolute(path).generic_string();
+        std::string const place = TextOf(std::filesystem::absolute(path).generic_u8string());
         std::string escaped = place.starts_with('/') ? "" : "/"; // before the letter of a drive
         for (char const character : place) {
             bool const isSpecial = character == '%' || character == '?' || character == '#';

@@ -15,8 +15,8 @@ namespace harvlink::recording {
 
 namespace {
 
-/// The locked file, or -1: the owner before has removed it between our opening and locking it.
-int TryLock(std::filesystem::path const& path) {
+/// Opens and locks the file of the lock. -1: its owner has removed it in between.
+int TryLock(std::filesystem::path const& path, std::filesystem::path const& recording) {
     constexpr mode_t ForAll = 0644;
     int const descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ForAll);
     if (descriptor < 0) {
@@ -24,8 +24,7 @@ int TryLock(std::filesystem::path const& path) {
     }
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         close(descriptor);
-        std::string const name = path.string();
-        throw Busy(fmt::format("{}: another recorder writes this file", name.substr(0, name.size() - 5)));
+        throw Busy(fmt::format("{}: another recorder writes this file", recording.string()));
     }
     struct stat own {};
     struct stat current {};
@@ -42,7 +41,7 @@ int TryLock(std::filesystem::path const& path) {
 FileLock::FileLock(std::filesystem::path const& recording) : path_(NameFor(recording)) {
     constexpr int MostTries = 100;
     for (int attempt = 0; attempt < MostTries; ++attempt) {
-        file_ = TryLock(path_);
+        file_ = TryLock(path_, recording);
         if (file_ >= 0) {
             return;
         }
